@@ -1,0 +1,36 @@
+# The libraries of the workbench and of the tests. None of them goes into Quillon.dll.
+
+# SQLite, from the amalgamation that tools/setup.sh fetches: the same version natively and for Win32.
+set(QUILLON_SQLITE_DIR ${CMAKE_SOURCE_DIR}/.deps/sqlite3)
+if(NOT EXISTS ${QUILLON_SQLITE_DIR}/sqlite3.c)
+  message(FATAL_ERROR "SQLite's source is missing: run tools/setup.sh first")
+endif()
+add_library(sqlite3 STATIC EXCLUDE_FROM_ALL ${QUILLON_SQLITE_DIR}/sqlite3.c)
+target_include_directories(sqlite3 SYSTEM PUBLIC ${QUILLON_SQLITE_DIR})
+target_compile_definitions(sqlite3 PRIVATE SQLITE_THREADSAFE=2 SQLITE_DQS=0 SQLITE_DEFAULT_MEMSTATUS=0
+                                           SQLITE_OMIT_LOAD_EXTENSION SQLITE_OMIT_DEPRECATED SQLITE_LIKE_DOESNT_MATCH_BLOBS
+                                           SQLITE_MAX_EXPR_DEPTH=10000)
+target_compile_options(sqlite3 PRIVATE -O2 -w)
+if(NOT WIN32)
+  find_package(Threads REQUIRED)
+  target_link_libraries(sqlite3 PUBLIC Threads::Threads m)
+endif()
+
+# Header-only libraries, through a folder of links: a cross compiler must not see the rest of /usr/include.
+set(QUILLON_HEADERS ${CMAKE_BINARY_DIR}/headers)
+file(MAKE_DIRECTORY ${QUILLON_HEADERS})
+foreach(library nlohmann CLI)
+  file(CREATE_LINK /usr/include/${library} ${QUILLON_HEADERS}/${library} SYMBOLIC)
+endforeach()
+add_library(header_libraries INTERFACE)
+target_include_directories(header_libraries SYSTEM INTERFACE ${QUILLON_HEADERS})
+
+# GoogleTest, from Debian's source package, natively and for Win32 alike.
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+include(GoogleTest)
+foreach(target gtest gtest_main gmock gmock_main)
+  target_compile_options(${target} PRIVATE -w)
+  get_target_property(includes ${target} INTERFACE_INCLUDE_DIRECTORIES)
+  set_target_properties(${target} PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${includes}")
+endforeach()

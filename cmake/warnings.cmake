@@ -1,0 +1,14 @@
+# One warning level for all of the project's own code; other people's code is compiled as it comes.
+add_library(quillon_options INTERFACE)
+target_include_directories(quillon_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(quillon_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Werror)
+if(WIN32)
+  target_compile_definitions(quillon_options INTERFACE UNICODE _UNICODE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX
+                                                       WIN32_LEAN_AND_MEAN)
+endif()
+
+if(QUILLON_SANITIZE)
+  # Applied to everything, SQLite and GoogleTest included, so that memory is tracked across the seams.
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()

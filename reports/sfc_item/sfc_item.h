@@ -1,0 +1,36 @@
+// clsSFC_Item: receipt/issue/balance by cost item. One instance lives for one report run.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "frame/module.h"
+
+namespace quillon {
+
+class SfcItem {
+ public:
+  // Sets the module's name prefix anew from the platform's naming class.
+  explicit SfcItem(Module& module);
+
+  const std::string& tempTableProperty() const { return tempTableProperty_; }  // tarn_tmpTable
+  void setTempTableProperty(std::string value) { tempTableProperty_ = std::move(value); }
+  // Always empty: the platform names the result table itself, in the argument's data source.
+  std::string tempTableName() const { return {}; }
+
+  // The whole run: opens the session, builds, closes. Throws AutomationError for what fails outside the build; an error
+  // inside the build is absorbed and leaves the session open in the module.
+  void getSql(ReportArgument& argument);
+  // The build under its error trap: empty text on success, a single blank on any error.
+  std::string moveDataDetail();
+  // Never fails and changes nothing: every error is ignored step by step.
+  void execute(ReportArgument& argument) noexcept;
+
+ private:
+  Module& module_;
+  std::shared_ptr<Filter> filter_;
+  std::string resultTable_;
+  std::string tempTableProperty_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,107 @@
+#!/usr/bin/env bash
+# Installs what a bare Debian 12 needs to build and test Quillon: compilers for Linux and Win32, Wine, the
+# libraries of the workbench and SQLite's source. Safe to run again: it only does what is missing, and says so.
+# Runs as root or through sudo. Everything else goes to .deps/ in the checkout.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+sqlite_package=better-sqlite3@11.10.0 # carries SQLite's amalgamation in deps/sqlite3
+deps=.deps
+
+say() { printf 'setup: %s\n' "$*" >&2; }
+fail() {
+  say "error: $*"
+  exit 1
+}
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null 2>&1; then
+    sudo "$@"
+  else
+    fail "packages have to be installed: run this as root, or install sudo"
+  fi
+}
+
+native_packages=(
+  g++ cmake ninja-build ccache git ca-certificates clang-format clang-tidy
+  libgtest-dev libgmock-dev googletest libbenchmark-dev
+  nlohmann-json3-dev libcli11-dev
+  g++-mingw-w64-i686-posix mingw-w64-tools
+)
+wine_packages=(wine wine32:i386 libwine:i386 libwine-dev)
+
+# Wine comes in one go from Debian's main suite alone: the security suite's i386 index is at times out of step
+# with its amd64 one, and then nothing of i386 can be resolved at all, and both architectures of a library must be of
+# one version.
+main_suite_state=$PWD/$deps/apt
+main_suite_options=(
+  -o "Dir::Etc::sourcelist=$main_suite_state/main.list"
+  -o Dir::Etc::sourceparts=/dev/null
+  -o "Dir::State::Lists=$main_suite_state/lists"
+)
+
+missing_of() {
+  local package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q '^install ok installed' || printf '%s\n' "$package"
+  done
+}
+
+install_native_packages() {
+  local missing
+  mapfile -t missing < <(missing_of "${native_packages[@]}")
+  if ! command -v npm >/dev/null 2>&1 && [ ! -f "$deps/sqlite3/sqlite3.c" ]; then
+    missing+=(npm)
+  fi
+  [ "${#missing[@]}" -gt 0 ] || return 0
+  say "installing ${missing[*]}"
+  as_root apt-get update -qq || say "apt-get update reported an error; trying with the lists at hand"
+  DEBIAN_FRONTEND=noninteractive as_root apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
+    fail "apt-get could not install ${missing[*]}"
+}
+
+debian_mirror() {
+  # The mirror that this machine is set up with, whichever of apt's two file formats it is written in.
+  # A file that is not there is no error.
+  {
+    sed -n 's/^URIs: *//p' /etc/apt/sources.list.d/*.sources 2>/dev/null || true
+    sed -n 's/^deb \(\[[^]]*\] \)\{0,1\}\([^ ]*\) bookworm .*/\2/p' /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2>/dev/null
+    true
+  } | tr ' ' '\n' | grep -E '/debian/?$' | head -n 1
+}
+
+install_wine_packages() {
+  local missing mirror
+  mapfile -t missing < <(missing_of "${wine_packages[@]}")
+  [ "${#missing[@]}" -gt 0 ] || return 0
+  say "installing ${missing[*]} from the main suite"
+  dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386
+  mirror=$(debian_mirror)
+  [ -n "$mirror" ] || fail "no Debian mirror found in /etc/apt; add one and run this again"
+  mkdir -p "$main_suite_state/lists/partial"
+  printf 'deb %s bookworm main\n' "$mirror" >"$main_suite_state/main.list"
+  as_root apt-get "${main_suite_options[@]}" update -qq || fail "the package lists of $mirror could not be read"
+  DEBIAN_FRONTEND=noninteractive as_root apt-get "${main_suite_options[@]}" install -y -qq --no-install-recommends \
+    --allow-downgrades "${missing[@]}" >/dev/null || fail "apt-get could not install ${missing[*]}"
+  rm -rf "$main_suite_state"
+}
+
+fetch_sqlite() {
+  [ -f "$deps/sqlite3/sqlite3.c" ] && [ "$(cat "$deps/sqlite3/.version" 2>/dev/null)" = "$sqlite_package" ] && return 0
+  say "fetching SQLite's amalgamation ($sqlite_package)"
+  local work archive
+  work=$(mktemp -d)
+  archive=$(cd "$work" && npm pack --silent "$sqlite_package") || fail "npm could not fetch $sqlite_package"
+  tar -xzf "$work/$archive" -C "$work" package/deps/sqlite3
+  rm -rf "$deps/sqlite3"
+  mkdir -p "$deps"
+  mv "$work/package/deps/sqlite3" "$deps/sqlite3"
+  printf '%s' "$sqlite_package" >"$deps/sqlite3/.version"
+  rm -rf "$work"
+}
+
+[ -f /etc/debian_version ] || fail "this script knows Debian 12 only; see its package lists for what to install elsewhere"
+install_native_packages
+install_wine_packages
+fetch_sqlite
