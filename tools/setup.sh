@@ -6,6 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 sqlite_package=better-sqlite3@11.10.0 # carries SQLite's amalgamation in deps/sqlite3
+sqlite_sha256=e80215754ac6cfaefe272342efd581b6dbefdbdc21f96bd83fcb698bee9d36a5
 deps=.deps
 
 say() { printf 'setup: %s\n' "$*" >&2; }
@@ -92,8 +93,10 @@ fetch_sqlite() {
   say "fetching SQLite's amalgamation ($sqlite_package)"
   local work archive
   work=$(mktemp -d)
-  archive=$(cd "$work" && npm pack --silent "$sqlite_package") || fail "npm could not fetch $sqlite_package"
+  archive=$(cd "$work" && npm pack --loglevel=error "$sqlite_package" | tail -n 1) || fail "npm could not fetch $sqlite_package"
   tar -xzf "$work/$archive" -C "$work" package/deps/sqlite3
+  printf '%s  %s\n' "$sqlite_sha256" "$work/package/deps/sqlite3/sqlite3.c" | sha256sum --check --quiet ||
+    fail "what npm fetched is not the SQLite source that $sqlite_package is known for"
   rm -rf "$deps/sqlite3"
   mkdir -p "$deps"
   mv "$work/package/deps/sqlite3" "$deps/sqlite3"
