@@ -83,7 +83,8 @@ class UniqueNameSource {
 class DrillThroughHelper {
  public:
   virtual ~DrillThroughHelper() = default;
-  virtual std::shared_ptr<Filter> filterFor(Login& login) = 0;
+  // `drillThrough` tells that the argument's Action is "Link".
+  virtual std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) = 0;
 };
 
 // The platform's business object, kept for whoever drills through; the library only holds it.

@@ -1,0 +1,21 @@
+// The first and last day of an accounting period, from the system database.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "frame/module.h"
+
+namespace quillon {
+
+struct PeriodDates {
+  std::string begin;  // "yyyy-mm-dd"; both are empty when the account has no such period
+  std::string end;
+};
+
+// `period` is the year, a point and the month number without a leading zero ("2019.3"). Reads
+// orvsystem..UA_Period.dBegin and .dEnd for the session login's account code (cAcc_Id) on the module's session; both
+// must be set. Throws AutomationError when the login or the session refuses.
+PeriodDates periodDates(Module& module, std::string_view period);
+
+}  // namespace quillon

@@ -1,0 +1,49 @@
+#include "frame/pub_mod.h"
+
+#include <charconv>
+#include <string_view>
+
+#include "frame/text.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr QueryOptions lookup{.cursorType = CursorType::fixed, .lockType = LockType::optimistic, .cursorLocation = {}};
+
+}  // namespace
+
+std::string valueStyle(Module& module, int year, Session& session) {
+  PublicComponent& component = module.publicComponent();
+  const auto currentStyle = [&] { return component.accountInformation("IA", "cValueStyle", session); };
+  if (year == component.currentPeriodYear(session)) return currentStyle();
+
+  const auto rows = session.query(
+      "select cValue from IA_HisOption where cSysID='IA' and  cName='cValueStyle' and iYear=" + std::to_string(year),
+      lookup);
+  std::string style = rows->eof() ? currentStyle() : rows->text(0).value_or("");
+  rows->close();
+  return style;
+}
+
+int inventoryStartMonth(int year, Session& session) {
+  const auto rows =
+      session.query("Select cValue From AccInformation Where cSysID = 'IA' And cName = 'dIAStartDate'", lookup);
+  const std::string startDate = rows->eof() ? std::string() : rows->text(0).value_or("");
+  rows->close();
+
+  constexpr std::size_t yearLength = 4;
+  constexpr std::size_t monthStart = 5;
+  constexpr std::size_t monthLength = 2;
+  if (startDate.size() < monthStart || startDate.substr(0, yearLength) != std::to_string(year)) return 0;
+  const std::string month = startDate.substr(monthStart, monthLength);
+  int number = 0;
+  std::from_chars(month.data(), month.data() + month.size(), number);
+  return number;
+}
+
+std::string workTablePrefix(Platform& platform) {
+  return std::string(trimBlanks(platform.namingNumber()));
+}
+
+}  // namespace quillon

@@ -1,0 +1,23 @@
+#include "frame/report_session.h"
+
+#include <utility>
+
+namespace quillon {
+
+void openReportSession(Module& module, ReportArgument& argument) {
+  module.session = module.platform().createSession();
+  module.login = argument.login();
+  Session& session = *module.session;
+  session.setCursorLocation(CursorLocation::client);
+  session.setConnectionString(module.login->accountConnection());
+  session.setConnectionTimeout(0);
+  session.setCommandTimeout(0);
+  session.open("", "", optionsUnspecified);
+}
+
+void closeReportSession(Module& module) {
+  const std::shared_ptr<Session> session = std::exchange(module.session, nullptr);
+  if (session && session->state() != stateClosed) session->close();
+}
+
+}  // namespace quillon

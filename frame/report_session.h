@@ -1,0 +1,17 @@
+// The account database's connection during one report run: GETSQL opens it and, after a successful build, closes it.
+#pragma once
+
+#include "frame/module.h"
+
+namespace quillon {
+
+// Puts a new session and the argument's login into the module and opens the session with the login's OrvDbName,
+// client-side cursors and no time limit. Throws AutomationError of the failing call; what was set so far stays and is
+// replaced by the next run.
+void openReportSession(Module& module, ReportArgument& argument);
+
+// Closes the module's session unless it is closed already, and releases it even when closing throws AutomationError.
+// Does nothing when there is none.
+void closeReportSession(Module& module);
+
+}  // namespace quillon

@@ -1,0 +1,30 @@
+// Small text helpers with the rules of the platform's own language: letter case is ignored for ASCII letters only
+// (keys and option names are ASCII), and trimming takes off blanks (U+0020), not tabs or line ends.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace quillon {
+
+inline constexpr char lowerAscii(char c) noexcept {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+inline constexpr bool equalIgnoringCase(std::string_view left, std::string_view right) noexcept {
+  if (left.size() != right.size()) return false;
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    if (lowerAscii(left[i]) != lowerAscii(right[i])) return false;
+  }
+  return true;
+}
+
+inline constexpr std::string_view trimBlanks(std::string_view text) noexcept {
+  while (text.starts_with(' '))
+    text.remove_prefix(1);
+  while (text.ends_with(' '))
+    text.remove_suffix(1);
+  return text;
+}
+
+}  // namespace quillon
