@@ -1,0 +1,79 @@
+#include "workbench/platform/account_source.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "frame/text.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+// The keywords of a connection string, in lower case.
+std::string lower(std::string_view text) {
+  std::string result(text);
+  std::ranges::transform(result, result.begin(), lowerAscii);
+  return result;
+}
+
+// Takes the text before the next `mark` off the front of `rest`, and the mark with it.
+std::string_view takeUpTo(std::string_view& rest, char mark) {
+  const auto end = rest.find(mark);
+  const std::string_view part = rest.substr(0, end);
+  rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+  return part;
+}
+
+// Takes the next "keyword=value;" off the front of `rest`; gives the keyword in lower case.
+std::pair<std::string, std::string> takePart(std::string_view& rest) {
+  std::string keyword = lower(trimBlanks(takeUpTo(rest, '=')));
+  rest = trimBlanks(rest);
+  if (!rest.starts_with('"')) return {std::move(keyword), std::string(trimBlanks(takeUpTo(rest, ';')))};
+  rest.remove_prefix(1);
+  std::string value(takeUpTo(rest, '"'));
+  takeUpTo(rest, ';');
+  return {std::move(keyword), std::move(value)};
+}
+
+// A file name may hold "=" and ";": only a text that begins with one of these keywords is a connection string.
+bool isConnectionString(std::string_view source) {
+  const std::string keyword = lower(trimBlanks(source.substr(0, source.find('='))));
+  static constexpr std::string_view keywords[] = {"data source", "driver", "dsn", "filedsn", "server", "provider"};
+  return source.find('=') != std::string_view::npos && std::ranges::find(keywords, keyword) != std::end(keywords);
+}
+
+}  // namespace
+
+std::filesystem::path pathFromUtf8(std::string_view text) {
+  return std::filesystem::path(std::u8string(text.begin(), text.end()));
+}
+
+std::string utf8FromPath(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+std::filesystem::path accountFile(std::string_view source) {
+  std::string file(source);
+  if (isConnectionString(source)) {
+    file.clear();
+    for (std::string_view rest = trimBlanks(source); !rest.empty(); rest = trimBlanks(rest)) {
+      const auto [keyword, value] = takePart(rest);
+      if (keyword == "data source") {
+        file = value;
+      } else if (keyword != "pwd" && keyword != "password") {
+        throw std::invalid_argument(
+            "a connection string to a database server cannot be used here; name an account file (made with \"quillon "
+            "account new FILE\")");
+      }
+    }
+  }
+  if (file.empty()) throw std::invalid_argument("no account is named; name an account file");
+  return pathFromUtf8(file);
+}
+
+std::string connectionString(const std::filesystem::path& file) {
+  return "Data Source=\"" + utf8FromPath(file) + "\"";
+}
+
+}  // namespace quillon::workbench

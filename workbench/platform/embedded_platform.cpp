@@ -1,0 +1,133 @@
+#include "workbench/platform/embedded_platform.h"
+
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <random>
+
+#include "workbench/platform/filter_object.h"
+#include "workbench/platform/resource_texts.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+// The first field of the query's first row; nullopt when there is no row or the field is null.
+std::optional<std::string> lookUp(Session& session, std::string_view sql) {
+  const std::unique_ptr<Recordset> rows = session.query(sql, readOnlyQuery);
+  std::optional<std::string> value;
+  if (!rows->eof()) value = rows->text(0);
+  rows->close();
+  return value;
+}
+
+std::string quotedText(std::string_view text) {
+  std::string result = "N'";
+  for (const char c : text)
+    result.append(c == '\'' ? 2 : 1, c);
+  return result + "'";
+}
+
+// The number at the front of `text`; 0 when there is none.
+int leadingNumber(std::string_view text) {
+  int number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
+}
+
+// Execute of the two summary reports asks for a filter and does nothing with it.
+class EmptyDrillThrough final : public DrillThroughHelper {
+ public:
+  std::shared_ptr<Filter> filterFor(Login&, bool) override {
+    return std::make_shared<FilterObject>(ReportRegistration{});
+  }
+};
+
+}  // namespace
+
+std::string AccountPublicComponent::accountInformation(std::string_view system, std::string_view name,
+                                                       Session& session) {
+  return lookUp(session, "Select cValue From AccInformation Where cSysID = " + quotedText(system) +
+                             " And cName = " + quotedText(name))
+      .value_or("");
+}
+
+int AccountPublicComponent::currentPeriodYear(Session& session) {
+  const int stated = leadingNumber(accountInformation("IA", "iCurrentYear", session));
+  if (stated != 0) return stated;
+  return leadingNumber(lookUp(session, "Select Max(iYear) From orvsystem..UA_Period Where iYear < 9999").value_or(""));
+}
+
+int AccountPublicComponent::costItemStartMonth(std::string_view year, Session& session) {
+  const std::string start =
+      lookUp(session, "Select cValue From AccInformation Where cSysID = N'CA' And cID = N'11002'").value_or("");
+  constexpr std::size_t yearLength = 4;
+  if (start.size() <= yearLength) return 0;
+  const int startYear = leadingNumber(start.substr(0, yearLength));
+  const int asked = leadingNumber(year);
+  if (asked == startYear) return leadingNumber(start.substr(yearLength));
+  return asked > startYear ? 1 : 0;
+}
+
+WorkbenchResources::WorkbenchResources(Language language, std::string accountConnection, MessageSink messages)
+    : language_(language), accountConnection_(std::move(accountConnection)), messages_(std::move(messages)) {}
+
+std::string WorkbenchResources::enumName(std::string_view type, std::string_view code) {
+  if (!session_) {
+    auto session = std::make_unique<EmbeddedSession>();
+    session->setConnectionString(accountConnection_);
+    session->open("", "", optionsUnspecified);
+    session_ = std::move(session);
+  }
+  return lookUp(*session_, "Select EnumName From AA_Enum Where EnumType = " + quotedText(type) +
+                               " And EnumCode = " + quotedText(code) +
+                               " And LocaleId = " + (language_ == Language::chinese ? "N'zh-CN'" : "N'en-US'"))
+      .value_or(std::string(code));
+}
+
+std::string WorkbenchResources::text(std::string_view key) {
+  return resourceText(key, language_);
+}
+
+void WorkbenchResources::showMessage(std::string_view text, int flags) {
+  if (messages_) messages_(text, flags);
+}
+
+std::string uniqueNamePart() {
+  // 128 random bits, so that no two processes need to know of each other.
+  std::random_device random;
+  std::string part;
+  for (int word = 0; word < 4; ++word) {
+    std::array<char, 9> text{};
+    std::snprintf(text.data(), text.size(), "%08x", static_cast<unsigned>(random()));
+    part += text.data();
+  }
+  return part;
+}
+
+std::shared_ptr<Session> EmbeddedPlatform::createSession() {
+  return std::make_shared<EmbeddedSession>(options_.monitor);
+}
+
+std::shared_ptr<PublicComponent> EmbeddedPlatform::createPublicComponent() {
+  return std::make_shared<AccountPublicComponent>();
+}
+
+std::shared_ptr<ResourceService> EmbeddedPlatform::createResourceService() {
+  return std::make_shared<WorkbenchResources>(options_.language, options_.accountConnection, options_.messages);
+}
+
+std::shared_ptr<UniqueNameSource> EmbeddedPlatform::createUniqueNameSource() {
+  return std::make_shared<WorkbenchUniqueNames>();
+}
+
+std::shared_ptr<DrillThroughHelper> EmbeddedPlatform::createDrillThroughHelper() {
+  return std::make_shared<EmptyDrillThrough>();
+}
+
+std::string EmbeddedPlatform::namingNumber() {
+  constexpr unsigned mask = 0x7fffffffU;  // what a Long of automation holds
+  return std::to_string(static_cast<unsigned>(std::random_device{}()) & mask);
+}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,79 @@
+// The stand-alone platform over an embedded account: makes every component that the library asks its platform for.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "frame/platform.h"
+#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/language.h"
+
+namespace quillon::workbench {
+
+// IA_Pub.ClsIAPub: answers from the account's own tables, through the session that the caller passes.
+class AccountPublicComponent final : public PublicComponent {
+ public:
+  // AccInformation.cValue of `system` and `name`; empty when the account does not have the option.
+  std::string accountInformation(std::string_view system, std::string_view name, Session& session) override;
+  // The current year: that of the first month which is not settled, as option IA.iCurrentYear states it; the last year
+  // of the account's periods when it is not stated.
+  int currentPeriodYear(Session& session) override;
+  // From option 11002 of system CA, "yyyymm": its month in that very year, 1 in later years, 0 before.
+  int costItemStartMonth(std::string_view year, Session& session) override;
+};
+
+// Texts from resource_texts.h, enumeration names from the account's AA_Enum.
+class WorkbenchResources final : public ResourceService {
+ public:
+  using MessageSink = std::function<void(std::string_view text, int flags)>;
+
+  WorkbenchResources(Language language, std::string accountConnection, MessageSink messages);
+
+  // The code itself when the account has no name for it.
+  std::string enumName(std::string_view type, std::string_view code) override;
+  std::string text(std::string_view key) override;
+  void showMessage(std::string_view text, int flags) override;
+
+ private:
+  Language language_;
+  std::string accountConnection_;
+  MessageSink messages_;
+  std::unique_ptr<Session> session_;  // opened when the first enumeration name is asked for
+};
+
+// A unique part of a table name: lower-case letters and digits, never the same twice, whichever process asks.
+std::string uniqueNamePart();
+
+class WorkbenchUniqueNames final : public UniqueNameSource {
+ public:
+  std::string next() override { return uniqueNamePart(); }
+};
+
+struct EmbeddedPlatformOptions {
+  std::string accountConnection;  // as the login gives it
+  Language language = Language::chinese;
+  SessionMonitor* monitor = nullptr;         // watches every session that the platform makes; outlives it
+  WorkbenchResources::MessageSink messages;  // takes what a report or a dialog shows; may be empty
+};
+
+class EmbeddedPlatform final : public Platform {
+ public:
+  explicit EmbeddedPlatform(EmbeddedPlatformOptions options) : options_(std::move(options)) {}
+
+  const EmbeddedPlatformOptions& options() const { return options_; }
+
+  std::shared_ptr<Session> createSession() override;
+  std::shared_ptr<PublicComponent> createPublicComponent() override;
+  std::shared_ptr<ResourceService> createResourceService() override;
+  std::shared_ptr<UniqueNameSource> createUniqueNameSource() override;
+  std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() override;
+  // A number drawn anew for each call, so that two users' names differ in their first part already.
+  std::string namingNumber() override;
+
+ private:
+  EmbeddedPlatformOptions options_;
+};
+
+}  // namespace quillon::workbench

@@ -1,0 +1,196 @@
+#include "workbench/platform/embedded_session.h"
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <stdexcept>
+
+#include "workbench/platform/account_source.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+AutomationError sessionError(HResult code, std::string description) {
+  return {code, std::string(embeddedSource), std::move(description)};
+}
+
+// "12.500000" becomes "12.5", "3.0000" becomes "3": automation gives a decimal as text without trailing zeros.
+std::string withoutTrailingZeros(std::string text) {
+  if (text.find('.') == std::string::npos) return text;
+  text.erase(text.find_last_not_of('0') + 1);
+  if (text.back() == '.') text.pop_back();
+  return text;
+}
+
+// "2024-03-05 08:30:00.000" becomes "2024-03-05 08:30:00", and without a time of day only the date.
+std::string dateText(std::string text) {
+  constexpr std::size_t dateLength = 10;
+  constexpr std::size_t secondsLength = 19;
+  text.resize(std::min(text.size(), secondsLength));
+  if (text.ends_with(" 00:00:00")) text.resize(dateLength);
+  return text;
+}
+
+std::string realText(double value) {
+  std::array<char, 32> text{};
+  const int length = std::snprintf(text.data(), text.size(), "%.15g", value);
+  return {text.data(), static_cast<std::size_t>(length)};
+}
+
+}  // namespace
+
+HResult sqlErrorCode(int number) {
+  switch (number) {
+    case 208:   // no such object
+    case 3701:  // nothing to drop
+      return static_cast<HResult>(0x80040E37U);
+    case 220:   // overflow of a small type
+    case 2628:  // lost text, with the column named
+    case 8115:  // arithmetic overflow
+    case 8152:  // lost text
+      return static_cast<HResult>(0x80040E57U);
+    case 241:   // text to date
+    case 242:   // text to date, out of range
+    case 245:   // text to integer
+    case 8114:  // text to number
+      return static_cast<HResult>(0x80040E07U);
+    case 515:   // null where none may be
+    case 547:   // check or foreign key
+    case 2601:  // unique index
+    case 2627:  // primary key
+      return static_cast<HResult>(0x80040E2FU);
+    default:
+      return static_cast<HResult>(0x80040E14U);
+  }
+}
+
+std::optional<std::string> fieldText(const tsql::Value& value, const tsql::Type& type) {
+  if (tsql::isNull(value)) return std::nullopt;
+  if (type.kind == tsql::Kind::bit) return std::get<std::int64_t>(value) != 0 ? "True" : "False";
+  if (const auto* real = std::get_if<double>(&value)) return realText(*real);
+  std::string text = tsql::toText(value).value();
+  if (std::holds_alternative<tsql::Exact>(value)) return withoutTrailingZeros(std::move(text));
+  if (std::holds_alternative<tsql::DateTime>(value)) return dateText(std::move(text));
+  return text;
+}
+
+EmbeddedRecordset::EmbeddedRecordset(std::vector<tsql::Column> columns, std::vector<tsql::Value> values)
+    : columns_(std::move(columns)), values_(std::move(values)) {}
+
+void EmbeddedRecordset::requireOpen() const {
+  if (!open_) throw sessionError(objectClosed, "The recordset is closed.");
+}
+
+bool EmbeddedRecordset::eof() {
+  requireOpen();
+  return row_ >= rowCount();
+}
+
+void EmbeddedRecordset::moveNext() {
+  if (eof()) throw sessionError(static_cast<HResult>(0x800A0BCDU), "The recordset has no current row to move from.");
+  ++row_;
+}
+
+void EmbeddedRecordset::moveFirst() {
+  requireOpen();
+  row_ = 0;
+}
+
+const tsql::Value& EmbeddedRecordset::field(int position) const {
+  requireOpen();
+  if (position < 0 || static_cast<std::size_t>(position) >= columns_.size()) {
+    throw sessionError(static_cast<HResult>(0x800A0CC1U),
+                       "The recordset has no field number " + std::to_string(position) + ".");
+  }
+  if (row_ >= rowCount()) throw sessionError(static_cast<HResult>(0x800A0BCDU), "The recordset has no current row.");
+  return values_[row_ * columns_.size() + static_cast<std::size_t>(position)];
+}
+
+std::optional<std::string> EmbeddedRecordset::text(int position) {
+  const tsql::Value& value = field(position);
+  return fieldText(value, columns_[static_cast<std::size_t>(position)].type);
+}
+
+void EmbeddedRecordset::close() {
+  requireOpen();
+  open_ = false;
+}
+
+void EmbeddedSession::setCursorLocation(CursorLocation) {}
+
+void EmbeddedSession::setConnectionString(std::string_view text) {
+  if (connection_) throw sessionError(objectOpen, "The connection string cannot change while the session is open.");
+  connectionText_ = text;
+}
+
+void EmbeddedSession::setConnectionTimeout(int) {}
+
+void EmbeddedSession::setCommandTimeout(int) {}
+
+void EmbeddedSession::open(std::string_view, std::string_view, int) {
+  if (connection_) throw sessionError(objectOpen, "The session is open already.");
+  try {
+    connection_ = tsql::Connection::open(accountFile(connectionText_), tsql::OpenMode::existing);
+  } catch (const std::exception& error) {
+    throw sessionError(hresult::fail, error.what());
+  }
+  if (monitor_ != nullptr) monitor_->opened();
+}
+
+tsql::Connection& EmbeddedSession::connection() {
+  if (!connection_) throw sessionError(objectClosed, "The session is closed; open it before running a statement.");
+  return *connection_;
+}
+
+// Runs `action`, which gives its result and the count of its rows, under the monitor's eyes.
+template <typename Action>
+auto EmbeddedSession::run(std::string_view sql, Action action) {
+  tsql::Connection& account = connection();
+  if (monitor_ != nullptr) monitor_->started(sql);
+  try {
+    const auto start = std::chrono::steady_clock::now();
+    auto [result, rows] = action(account);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    if (monitor_ != nullptr) monitor_->finished(sql, time.count(), rows);
+    return std::move(result);
+  } catch (const tsql::SqlError& error) {
+    lastFailure_ = StatementFailure{std::string(sql), error.number(), error.message()};
+    if (monitor_ != nullptr) monitor_->failed(*lastFailure_);
+    throw sessionError(sqlErrorCode(error.number()), error.message());
+  }
+}
+
+std::int64_t EmbeddedSession::execute(std::string_view sql) {
+  return run(sql, [sql](tsql::Connection& account) {
+    const std::int64_t rows = account.execute(sql);
+    return std::pair(rows, rows);
+  });
+}
+
+std::unique_ptr<EmbeddedRecordset> EmbeddedSession::openRecordset(std::string_view sql) {
+  return run(sql, [sql](tsql::Connection& account) {
+    const std::unique_ptr<tsql::Cursor> cursor = account.query(sql);
+    const std::span<const tsql::Column> columns = cursor->columns();
+    std::vector<tsql::Value> values;
+    while (cursor->next()) {
+      for (std::size_t column = 0; column < columns.size(); ++column)
+        values.push_back(cursor->value(column));
+    }
+    auto rows = std::make_unique<EmbeddedRecordset>(std::vector(columns.begin(), columns.end()), std::move(values));
+    const auto count = static_cast<std::int64_t>(rows->rowCount());
+    return std::pair(std::move(rows), count);
+  });
+}
+
+std::unique_ptr<Recordset> EmbeddedSession::query(std::string_view sql, const QueryOptions&) {
+  return openRecordset(sql);
+}
+
+void EmbeddedSession::close() {
+  if (!connection_) throw sessionError(objectClosed, "The session is closed already.");
+  connection_.reset();
+  if (monitor_ != nullptr) monitor_->closed();
+}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,140 @@
+#include "workbench/platform/filter_object.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "frame/text.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+constexpr HResult badIndex = static_cast<HResult>(0x8002000BU);
+constexpr std::string_view filterSource = "Quillon filter object";
+
+AutomationError noSuchItem(const std::string& which) {
+  return {badIndex, std::string(filterSource), "The filter has no item " + which + "."};
+}
+
+bool isNumber(std::string_view text) {
+  if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
+  const auto digit = [](unsigned char c) { return std::isdigit(c) != 0; };
+  const auto point = text.find('.');
+  const std::string_view whole = text.substr(0, point);
+  const std::string_view decimals = point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
+  return !(whole.empty() && decimals.empty()) && std::ranges::all_of(whole, digit) &&
+         std::ranges::all_of(decimals, digit);
+}
+
+std::string quoted(std::string_view prefix, std::string_view value) {
+  std::string text(prefix);
+  text += '\'';
+  for (const char c : value)
+    text.append(c == '\'' ? 2 : 1, c);
+  return text + "'";
+}
+
+std::string literal(const ItemRegistration& item, std::string_view value) {
+  switch (item.kind) {
+    case InputKind::number:
+    case InputKind::flag:
+      if (!isNumber(value)) {
+        throw AutomationError(hresult::typeMismatch, std::string(filterSource),
+                              "The filter item " + item.key + " takes a number, not \"" + std::string(value) + "\".");
+      }
+      return std::string(value);
+    case InputKind::date:
+      return quoted("", value);
+    default:
+      return quoted("N", value);
+  }
+}
+
+std::vector<std::string_view> splitValues(std::string_view values) {
+  std::vector<std::string_view> parts;
+  while (true) {
+    const auto tab = values.find('\t');
+    parts.push_back(values.substr(0, tab));
+    if (tab == std::string_view::npos) return parts;
+    values.remove_prefix(tab + 1);
+  }
+}
+
+// An item as the report classes see it. It shares the entry, so it stays valid when the filter is gone.
+class EntryItem final : public FilterItem {
+ public:
+  explicit EntryItem(std::shared_ptr<FilterEntry> entry) : entry_(std::move(entry)) {}
+
+  void setGroupToken(int token) override { entry_->token = token; }
+  std::string name() override { return entry_->item.key; }
+  std::string value() override { return entry_->value; }
+  std::string value2() override { return entry_->value2; }
+  bool rangeInput() override { return entry_->item.range; }
+  bool multipleSelection() override { return entry_->item.multiple; }
+  std::string sqlText() override { return conditionOf(*entry_); }
+
+ private:
+  std::shared_ptr<FilterEntry> entry_;
+};
+
+}  // namespace
+
+std::string conditionOf(const FilterEntry& entry) {
+  const ItemRegistration& item = entry.item;
+  if (!entry.sql.empty()) return entry.sql;
+  if (item.range || !entry.value2.empty()) {
+    std::string lower;
+    std::string upper;
+    if (!entry.value.empty()) lower = item.column + " >= " + literal(item, entry.value);
+    if (!entry.value2.empty()) upper = item.column + " <= " + literal(item, entry.value2);
+    return lower.empty() || upper.empty() ? lower + upper : "(" + lower + " And " + upper + ")";
+  }
+  if (entry.value.empty()) return {};
+  const std::vector<std::string_view> values = splitValues(entry.value);
+  if (values.size() == 1) return item.column + " = " + literal(item, values.front());
+  std::string list;
+  for (const std::string_view value : values)
+    list += (list.empty() ? "" : ", ") + literal(item, value);
+  return item.column + " In (" + list + ")";
+}
+
+FilterObject::FilterObject(const ReportRegistration& registration) : identifier_(registration.identifier) {
+  for (const ItemRegistration& item : registration.items)
+    add(item).value = item.defaultValue;
+}
+
+std::unique_ptr<FilterItem> FilterObject::item(int position) {
+  if (position < 1 || position > count()) throw noSuchItem("number " + std::to_string(position));
+  return std::make_unique<EntryItem>(entries_[static_cast<std::size_t>(position) - 1]);
+}
+
+std::unique_ptr<FilterItem> FilterObject::item(std::string_view key) {
+  for (const auto& entry : entries_) {
+    if (equalIgnoringCase(entry->item.key, key)) return std::make_unique<EntryItem>(entry);
+  }
+  throw noSuchItem("\"" + std::string(key) + "\"");
+}
+
+std::string FilterObject::whereWithToken(int token) {
+  std::string where;
+  for (const auto& entry : entries_) {
+    if (entry->token != token) continue;
+    const std::string condition = conditionOf(*entry);
+    if (!condition.empty()) where += (where.empty() ? "" : " And ") + condition;
+  }
+  return where;
+}
+
+FilterEntry* FilterObject::find(std::string_view key) {
+  const auto found =
+      std::ranges::find_if(entries_, [key](const auto& entry) { return equalIgnoringCase(entry->item.key, key); });
+  return found == entries_.end() ? nullptr : found->get();
+}
+
+FilterEntry& FilterObject::add(ItemRegistration item) {
+  entries_.push_back(std::make_shared<FilterEntry>());
+  entries_.back()->item = std::move(item);
+  return *entries_.back();
+}
+
+}  // namespace quillon::workbench
