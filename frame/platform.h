@@ -28,6 +28,9 @@ class Login {
   virtual std::string businessDate() = 0;        // the login's date as the platform formats it
 };
 
+// What a report writes into DataSource.Type: the report's rows are a table that the descriptor names.
+inline constexpr int dataSourceTable = 2;
+
 // The data-source descriptor of an argument object.
 class DataSource {
  public:

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "frame/module.h"
 
@@ -18,12 +19,15 @@ class SfcItem {
   // Always empty: the platform names the result table itself, in the argument's data source.
   std::string tempTableName() const { return {}; }
 
-  // The whole run: opens the session, builds, closes. Throws AutomationError for what fails outside the build; an error
-  // inside the build is absorbed and leaves the session open in the module.
+  // The whole run: keeps the argument's filter, opens the session from its login, sets its data source's Type to 2 and
+  // takes the result table's name from it, builds, closes. Throws AutomationError for what fails outside the build; an
+  // error inside the build is absorbed and leaves the session open in the module, and work tables in the account.
   void getSql(ReportArgument& argument);
-  // The build under its error trap: empty text on success, a single blank on any error.
+  // The build under its error trap: empty text on success, a single blank on any error, and also when getSql() has not
+  // given it a filter and an open session.
   std::string moveDataDetail();
-  // Never fails and changes nothing: every error is ignored step by step.
+  // Reads the argument's Action and Login and asks the platform's drill-through helper for a filter object, which it
+  // releases at once. Never fails and changes nothing: every error is ignored step by step.
   void execute(ReportArgument& argument) noexcept;
 
  private:
