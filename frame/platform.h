@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/filter.h"
 #include "frame/session.h"
@@ -26,6 +27,9 @@ class Login {
   virtual std::string languageId() = 0;          // LangID
   virtual int currentPeriodYear() = 0;           // CurPeriodYear
   virtual std::string businessDate() = 0;        // the login's date as the platform formats it
+
+  // AuthString: which of the user's data rights restrict the lookups of the filter dialog.
+  virtual void setAuthString(std::string_view rights) = 0;
 };
 
 // What a report writes into DataSource.Type: the report's rows are a table that the descriptor names.
@@ -62,6 +66,9 @@ class PublicComponent {
   virtual int currentPeriodYear(Session& session) = 0;
   // The first month of the cost-item breakdown in `year`; 0 when it has not started.
   virtual int costItemStartMonth(std::string_view year, Session& session) = 0;  // iFxStartMonth
+  // The years in use of account `accountCode`, as text, in the order of the component's dictionary (keys "1", "2",
+  // ...).
+  virtual std::vector<std::string> usedYears(std::string_view accountCode, Session& session) = 0;  // GetIAUsedYears
 };
 
 // The resource and message service.
@@ -69,6 +76,8 @@ class ResourceService {
  public:
   virtual ~ResourceService() = default;
 
+  // Takes the login at the start of a filter dialog; texts come in its language from then on.
+  virtual void takeLogin(Login& login) = 0;
   virtual std::string enumName(std::string_view type, std::string_view code) = 0;
   virtual std::string text(std::string_view key) = 0;
   // `flags` are icon and buttons; 48 is a warning.

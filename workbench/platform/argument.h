@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "frame/platform.h"
 #include "workbench/platform/language.h"
@@ -41,6 +42,8 @@ class WorkbenchLogin final : public Login {
   std::string languageId() override { return details_.languageId; }
   int currentPeriodYear() override { return details_.currentPeriodYear; }
   std::string businessDate() override { return details_.businessDate; }
+  // The workbench's user has every right, whatever the dialog asks for.
+  void setAuthString(std::string_view) override {}
 
  private:
   LoginDetails details_;

@@ -69,8 +69,24 @@ int AccountPublicComponent::costItemStartMonth(std::string_view year, Session& s
   return asked > startYear ? 1 : 0;
 }
 
+std::vector<std::string> AccountPublicComponent::usedYears(std::string_view accountCode, Session& session) {
+  const std::unique_ptr<Recordset> rows =
+      session.query("Select Distinct iYear From orvsystem..UA_Period Where cAcc_Id = " + quotedText(accountCode) +
+                        " And iYear < 9999 Order By iYear",
+                    readOnlyQuery);
+  std::vector<std::string> years;
+  for (; !rows->eof(); rows->moveNext())
+    years.push_back(rows->text(0).value_or(""));
+  rows->close();
+  return years;
+}
+
 WorkbenchResources::WorkbenchResources(Language language, std::string accountConnection, MessageSink messages)
     : language_(language), accountConnection_(std::move(accountConnection)), messages_(std::move(messages)) {}
+
+void WorkbenchResources::takeLogin(Login& login) {
+  language_ = login.languageRegion().starts_with("zh") ? Language::chinese : Language::english;
+}
 
 std::string WorkbenchResources::enumName(std::string_view type, std::string_view code) {
   if (!session_) {

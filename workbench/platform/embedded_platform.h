@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/platform.h"
 #include "workbench/platform/embedded_session.h"
@@ -22,6 +23,8 @@ class AccountPublicComponent final : public PublicComponent {
   int currentPeriodYear(Session& session) override;
   // From option 11002 of system CA, "yyyymm": its month in that very year, 1 in later years, 0 before.
   int costItemStartMonth(std::string_view year, Session& session) override;
+  // The years of orvsystem..UA_Period, but not 9999, which stands for the opening of the account.
+  std::vector<std::string> usedYears(std::string_view accountCode, Session& session) override;
 };
 
 // Texts from resource_texts.h, enumeration names from the account's AA_Enum.
@@ -31,6 +34,8 @@ class WorkbenchResources final : public ResourceService {
 
   WorkbenchResources(Language language, std::string accountConnection, MessageSink messages);
 
+  // Texts come in the login's language from then on.
+  void takeLogin(Login& login) override;
   // The code itself when the account has no name for it.
   std::string enumName(std::string_view type, std::string_view code) override;
   std::string text(std::string_view key) override;
