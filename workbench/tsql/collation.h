@@ -1,0 +1,27 @@
+// The collation Chinese_PRC_CI_AS: letter case, width (full or half), kana form and trailing blanks do not count,
+// accents do. Order: blank, symbols ('_' first), digits, letters, kana, Chinese characters by pinyin. A hyphen and an
+// apostrophe count only between texts that are equal without them.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+struct sqlite3;
+
+namespace quillon::tsql {
+
+inline constexpr const char* collationName = "Chinese_PRC_CI_AS";
+
+// Below, equal to or above zero as a sorts to b. A total order on any bytes, malformed UTF-8 included.
+int compareText(std::string_view a, std::string_view b);
+inline bool equalText(std::string_view a, std::string_view b) {
+  return compareText(a, b) == 0;
+}
+
+// The weight of one character: equal for characters that the collation holds equal.
+std::uint32_t characterWeight(char32_t character);
+
+// Makes the collation known to a connection, under collationName. Throws SqlError when SQLite refuses.
+void registerCollation(sqlite3* database);
+
+}  // namespace quillon::tsql

@@ -1,0 +1,31 @@
+// Text as nvarchar counts it: UTF-8 inside, positions and widths in UTF-16 units (a character beyond the BMP counts
+// two). Half of such a pair, when a cut leaves one, is kept as the three bytes of its surrogate.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quillon::tsql::text {
+
+// Reads the character at `position` and moves on. A byte that starts no character counts as one of its own and gives
+// a value above 0x10ffff.
+char32_t next(std::string_view text, std::size_t& position);
+void append(std::string& text, char32_t character);
+
+std::int64_t width(std::string_view text);  // UTF-16 units
+bool widerThan(std::string_view text, std::int64_t limit);
+std::string_view trimRight(std::string_view text);  // blanks (U+0020) only
+std::string_view trimLeft(std::string_view text);
+
+std::string left(std::string_view text, std::int64_t count);
+std::string right(std::string_view text, std::int64_t count);
+std::string substring(std::string_view text, std::int64_t start, std::int64_t count);  // from 1
+std::string upper(std::string_view text);
+std::string lower(std::string_view text);
+std::string reverse(std::string_view text);
+// Both find by the collation: letter case and width do not count.
+std::string replace(std::string_view text, std::string_view what, std::string_view by);
+std::int64_t charIndex(std::string_view what, std::string_view text, std::int64_t start);  // from 1; 0 is not found
+
+}  // namespace quillon::tsql::text
