@@ -67,7 +67,7 @@ LoginDetails accountLogin(Session& session, std::string accountConnection, Langu
           .businessDate = date.empty() ? found->lastDay : date};
 }
 
-WorkbenchArgument::WorkbenchArgument(std::shared_ptr<Filter> filter, std::shared_ptr<Login> login,
+WorkbenchArgument::WorkbenchArgument(std::shared_ptr<FilterObject> filter, std::shared_ptr<Login> login,
                                      std::string resultTable, std::string action)
     : filter_(std::move(filter)),
       login_(std::move(login)),

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "frame/platform.h"
+#include "workbench/platform/filter_object.h"
 #include "workbench/platform/language.h"
 
 namespace quillon::workbench {
@@ -58,7 +59,7 @@ struct DataSourceState {
 class WorkbenchArgument final : public ReportArgument {
  public:
   // `resultTable` is the name that the report gives its result table, as it is pasted into statements.
-  WorkbenchArgument(std::shared_ptr<Filter> filter, std::shared_ptr<Login> login, std::string resultTable,
+  WorkbenchArgument(std::shared_ptr<FilterObject> filter, std::shared_ptr<Login> login, std::string resultTable,
                     std::string action = {});
 
   std::shared_ptr<Filter> rawFilter() override { return filter_; }
@@ -67,10 +68,12 @@ class WorkbenchArgument final : public ReportArgument {
   std::unique_ptr<DataSource> dataSource() override;
   std::string action() override { return action_; }
 
+  // The filter for whoever fills it in.
+  const std::shared_ptr<FilterObject>& filter() const { return filter_; }
   const DataSourceState& dataSourceState() const { return *dataSource_; }
 
  private:
-  std::shared_ptr<Filter> filter_;
+  std::shared_ptr<FilterObject> filter_;
   std::shared_ptr<Login> login_;
   std::shared_ptr<DataSourceState> dataSource_;
   std::string action_;

@@ -32,6 +32,33 @@ std::string dateText(std::string text) {
   return text;
 }
 
+// Keeps a batch's first result set and its last row count.
+class BatchCollector final : public tsql::ResultSink {
+ public:
+  void columns(std::span<const tsql::Column> columns) override {
+    ++resultSets_;
+    if (resultSets_ == 1) columns_.assign(columns.begin(), columns.end());
+  }
+  void row(std::span<const tsql::Value> values) override {
+    if (resultSets_ == 1) values_.insert(values_.end(), values.begin(), values.end());
+  }
+  void rowsAffected(std::int64_t count) override { rowsAffected_ = count; }
+
+  BatchResult result() && {
+    BatchResult result;
+    if (resultSets_ > 0)
+      result.recordset = std::make_unique<EmbeddedRecordset>(std::move(columns_), std::move(values_));
+    result.rowsAffected = rowsAffected_;
+    return result;
+  }
+
+ private:
+  int resultSets_ = 0;
+  std::vector<tsql::Column> columns_;
+  std::vector<tsql::Value> values_;
+  std::int64_t rowsAffected_ = -1;
+};
+
 std::string realText(double value) {
   std::array<char, 32> text{};
   const int length = std::snprintf(text.data(), text.size(), "%.15g", value);
@@ -180,6 +207,16 @@ std::unique_ptr<EmbeddedRecordset> EmbeddedSession::openRecordset(std::string_vi
     auto rows = std::make_unique<EmbeddedRecordset>(std::vector(columns.begin(), columns.end()), std::move(values));
     const auto count = static_cast<std::int64_t>(rows->rowCount());
     return std::pair(std::move(rows), count);
+  });
+}
+
+BatchResult EmbeddedSession::runBatch(std::string_view sql) {
+  return run(sql, [sql](tsql::Connection& account) {
+    BatchCollector collector;
+    account.run(sql, collector);
+    BatchResult result = std::move(collector).result();
+    const std::int64_t rows = result.rowsAffected;
+    return std::pair(std::move(result), rows);
   });
 }
 

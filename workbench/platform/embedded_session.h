@@ -78,6 +78,13 @@ class EmbeddedRecordset final : public Recordset {
   bool open_ = true;
 };
 
+// What a batch gave: the rows of its first result set, when it has one, and what its last counting statement changed
+// (-1 when none counts).
+struct BatchResult {
+  std::unique_ptr<EmbeddedRecordset> recordset;
+  std::int64_t rowsAffected = -1;
+};
+
 class EmbeddedSession final : public Session {
  public:
   // `monitor` may be null; it must outlive the session.
@@ -103,6 +110,8 @@ class EmbeddedSession final : public Session {
 
   // query() with the type that shows columns and values.
   std::unique_ptr<EmbeddedRecordset> openRecordset(std::string_view sql);
+  // Runs a batch of which it is not known whether it gives rows.
+  BatchResult runBatch(std::string_view sql);
   const std::string& connectionText() const { return connectionText_; }
   // The last statement that failed on this session; nullopt when none did. It stays after later successes, so that an
   // error that a report absorbed can still be told.
