@@ -1,0 +1,63 @@
+// Account files: making a sample, telling what is in one, clearing away what an interrupted report left.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "workbench/account/sample.h"
+#include "workbench/tsql/engine.h"
+
+namespace quillon::account {
+
+// What is wrong and what to do about it, in one line for the user.
+class AccountError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Told now and then while a sample is made: ledger lines written so far, and how many there will be.
+using Progress = std::function<void(std::int64_t done, std::int64_t total)>;
+
+// Makes a sample account in `file`. The file appears complete or not at all: it grows under the name `file` + ".part"
+// in the same folder and is renamed at the end; what an interrupted run left there is overwritten. Throws AccountError
+// when `file` exists, when the options are out of range or when the folder cannot be written.
+void createSample(const std::filesystem::path& file, const SampleOptions& options, const Progress& progress = {});
+
+// One accounting year.
+struct YearInfo {
+  int year = 0;
+  int costItemStartMonth = 0;  // 0: no cost items in this year
+  int settledMonths = 0;       // months 1 to this one are settled
+  std::int64_t ledgerLines = 0;
+};
+
+struct AccountInfo {
+  std::string accountCode;      // cAcc_Id in the system database
+  std::string startDate;        // "2022-01-01": where inventory accounting begins (IA, dIAStartDate)
+  std::string valuationMethod;  // "按存货核算", "按仓库核算" or "按部门核算" (IA, cValueStyle)
+  int currentYear = 0;          // the year of the first month that is not settled, else the last year
+  std::vector<YearInfo> years;  // in order
+  struct TableInfo {
+    std::string name;
+    std::int64_t rows = 0;
+  };
+  std::vector<TableInfo> tables;  // the tables of the schema, those of the system database with their qualifier
+};
+
+// Reads the account. Throws AccountError when the database lacks the tables of an account.
+AccountInfo info(tsql::Connection& connection);
+
+// True for a name that this library gives its work tables: a number, a unique part of letters, digits and underscores,
+// and one of the reports' suffixes.
+bool isWorkTableName(std::string_view name);
+// The work tables that interrupted reports left in the account, by name.
+std::vector<std::string> leftoverWorkTables(tsql::Connection& connection);
+// Drops them and nothing else; gives the names. No report may be running on the account meanwhile.
+std::vector<std::string> dropLeftoverWorkTables(tsql::Connection& connection);
+
+}  // namespace quillon::account
