@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "frame/automation_error.h"
-#include "frame/pub_mod.h"
+#include "frame/filter_reading.h"
 #include "frame/quoted_list.h"
 #include "frame/text.h"
 
@@ -161,34 +160,19 @@ class Translation {
  public:
   explicit Translation(Module& module) : module_(module) {}
 
-  void add(FilterItem& item) {
-    item.setGroupToken(tokenReport);
-    const std::string name = item.name();
-    const std::string value = item.value();
-    const std::string value2 = item.value2();
-    item.rangeInput();
-    item.multipleSelection();
-
+  bool add(const FilterValues& item) {
     const auto* const key = std::find_if(filterKeys.begin(), filterKeys.end(),
-                                         [&](const FilterKey& k) { return equalIgnoringCase(k.name, name); });
-    if (key == filterKeys.end()) {
-      item.setGroupToken(tokenFilter);
-    } else {
-      apply(*key, value, value2);
-    }
+                                         [&](const FilterKey& k) { return equalIgnoringCase(k.name, item.name); });
+    if (key == filterKeys.end()) return false;
+    apply(*key, item.value, item.value2);
+    return true;
   }
 
-  void addFilterObjectsOwn(const std::string& condition) {
-    if (!condition.empty()) out_.where += " AND " + condition;
-  }
+  void addFilterObjectsOwn(const std::string& condition) { out_.where += condition; }
 
   void addMonthCondition() {
-    Session& session = *module_.session;
-    const int costItemStart = module_.publicComponent().costItemStartMonth(out_.year, session);
-    if (costItemStart > 1 && costItemStart > inventoryStartMonth(reportYear(), session)) {
-      out_.month = " And base.iMonth >= " + std::to_string(costItemStart) + " ";
-      out_.monthActive = true;
-    }
+    out_.month = costItemMonthCondition(module_, out_.year);
+    out_.monthActive = !out_.month.empty();
   }
 
   FilterConditions take() { return std::move(out_); }
@@ -252,17 +236,6 @@ class Translation {
     out_.having += condition;
   }
 
-  int reportYear() const {
-    const std::string_view text = trimBlanks(out_.year);
-    int year = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), year);
-    if (error != std::errc() || end != text.data() + text.size()) {
-      throw AutomationError(hresult::typeMismatch, "Quillon.clsSFC_Item",
-                            "The filter item iYear has the value \"" + out_.year + "\"; give it a year, such as 2024.");
-    }
-    return year;
-  }
-
   Module& module_;
   FilterConditions out_;
 };
@@ -271,10 +244,8 @@ class Translation {
 
 FilterConditions translateFilter(Filter& filter, Module& module) {
   Translation translation(module);
-  const int count = filter.count();
-  for (int position = 1; position <= count; ++position)
-    translation.add(*filter.item(position));
-  translation.addFilterObjectsOwn(filter.whereWithToken(tokenFilter));
+  translation.addFilterObjectsOwn(
+      translateItems(filter, [&](const FilterValues& item) { return translation.add(item); }));
   translation.addMonthCondition();
   return translation.take();
 }

@@ -3,9 +3,6 @@
 #include <optional>
 #include <utility>
 
-#include "frame/pub_mod.h"
-#include "frame/report_session.h"
-#include "frame/text.h"
 #include "reports/sfc_item/filter_translation.h"
 #include "reports/sfc_item/statements.h"
 
@@ -60,7 +57,9 @@ void fillByExpenseType(const Build& build, Module& module, Session& session) {
   session.execute(clearExpenseStates(build));
 }
 
-void buildResult(Filter& filter, const std::string& resultTable, Module& module, Session& session) {
+}  // namespace
+
+void SfcItem::build(Filter& filter, const std::string& resultTable, Module& module, Session& session) {
   const FilterConditions conditions = translateFilter(filter, module);
   const Build build{.conditions = conditions,
                     .mode = reportMode(conditions.mode),
@@ -86,60 +85,6 @@ void buildResult(Filter& filter, const std::string& resultTable, Module& module,
   session.execute(deleteRowsWithoutCostItem(build));
   if (groupIndex) session.execute(dropGroupIndex(*groupIndex));
   session.execute(build.detail.dropAfterBuild());
-}
-
-// Runs one step of Execute; a step that fails is passed over.
-template <typename Step>
-void passOverErrors(Step step) noexcept {
-  try {
-    step();
-  } catch (...) {
-    // The platform expects Execute to succeed whatever its own objects answer.
-    return;
-  }
-}
-
-}  // namespace
-
-SfcItem::SfcItem(Module& module) : module_(module) {
-  module_.namePrefix = workTablePrefix(module_.platform());
-}
-
-void SfcItem::getSql(ReportArgument& argument) {
-  filter_ = argument.rawFilter();
-  openReportSession(module_, argument);
-  const std::unique_ptr<DataSource> dataSource = argument.dataSource();
-  dataSource->setType(dataSourceTable);
-  resultTable_ = dataSource->resultTable();
-  if (moveDataDetail().empty()) closeReportSession(module_);
-}
-
-std::string SfcItem::moveDataDetail() {
-  // Held here, so that neither ends during the build whatever the platform does in between.
-  const std::shared_ptr<Filter> filter = filter_;
-  const std::shared_ptr<Session> session = module_.session;
-  const std::string failed = " ";
-  if (!filter || !session || !module_.login) return failed;
-  try {
-    buildResult(*filter, resultTable_, module_, *session);
-    return {};
-  } catch (...) {
-    // The blank is all that the platform learns; the session stays open and knows what it refused.
-    return failed;
-  }
-}
-
-void SfcItem::execute(ReportArgument& argument) noexcept {
-  bool drillThrough = false;
-  std::shared_ptr<Login> login;
-  std::shared_ptr<DrillThroughHelper> helper;
-  passOverErrors([&] { drillThrough = equalIgnoringCase(argument.action(), "Link"); });
-  passOverErrors([&] { login = argument.login(); });
-  passOverErrors([&] { helper = module_.platform().createDrillThroughHelper(); });
-  // The filter object that the helper gives is released at once: a summary report has nothing to open.
-  passOverErrors([&] {
-    if (login && helper) helper->filterFor(*login, drillThrough);
-  });
 }
 
 }  // namespace quillon

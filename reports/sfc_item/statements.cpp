@@ -1,74 +1,19 @@
 #include "reports/sfc_item/statements.h"
 
-#include <charconv>
-#include <initializer_list>
-
-#include "frame/text.h"
+#include "frame/ledger_columns.h"
+#include "frame/statement.h"
 
 namespace quillon::sfc_item {
 
 namespace {
 
-constexpr std::string_view lineBreak = "\r\n";
-
-using Lines = std::initializer_list<std::string_view>;
-
-// A statement from its lines, in order, with a line break between them. An empty line stands for a condition or a join
-// that this run does not have, and is left out.
-std::string joined(Lines lines) {
-  std::string statement;
-  for (const std::string_view line : lines) {
-    if (line.empty()) continue;
-    if (!statement.empty()) statement += lineBreak;
-    statement += line;
-  }
-  return statement;
-}
-
-// The same with a line break behind the last line too, as the expense-type filler writes its statements.
-std::string terminated(Lines lines) {
-  std::string statement = joined(lines);
-  statement += lineBreak;
-  return statement;
-}
-
 // Columns of the ledger line and its masters, as they are selected.
 constexpr std::string_view lineColumns =
     "base.autoid,wh.cWhCode, wh.cWhName, inv.cInvCode, inv.cInvName, inv.cInvStd, inv.cInvAddCode as cInvAddCode, "
     "unit.ccomunitcode As cUnitCode, unit.cComUnitName As cUnitName, ";
-constexpr std::string_view lineBatchAndFreeItems =
-    "base.cBatchia,base.cFree1,base.cFree2,base.cFree3,base.cFree4,base.cFree5,base.cFree6,base.cFree7,base.cFree8,"
-    "base.cFree9,base.cFree10,";
-constexpr std::string_view lineDocumentFields =
-    "base.cDefine1,base.cDefine2,base.cDefine3,base.cDefine4,base.cDefine5,base.cDefine6,base.cDefine7,base.cDefine8,"
-    "\r\n"
-    "base.cDefine9,base.cDefine10,base.cDefine11,base.cDefine12,base.cDefine13,base.cDefine14,base.cDefine15,"
-    "base.cDefine16,"
-    "\r\n"
-    "base.cDefine22,base.cDefine23,base.cDefine24,base.cDefine25,base.cDefine26,base.cDefine27,base.cDefine28,"
-    "base.cDefine29,"
-    "\r\n"
-    "base.cDefine30,base.cDefine31,base.cDefine32,base.cDefine33,base.cDefine34,base.cDefine35,base.cDefine36,"
-    "base.cDefine37,";
 constexpr std::string_view lineDepartmentAndDates = "dep.cDepCode, dep.cDepName, base.dKeepDate, base.dVouDate, ";
 
 // Columns of the result and detail tables, by their bare names.
-constexpr std::string_view batchAndFreeItems =
-    "cBatchia,cFree1, cFree2, cFree3, cFree4, cFree5, cFree6, cFree7, cFree8, cFree9, cFree10,";
-constexpr std::string_view groupedBatchAndFreeItems =
-    "isnull(cBatchia,''),cFree1, cFree2, cFree3, cFree4, cFree5, cFree6, cFree7, cFree8, cFree9, cFree10,";
-constexpr std::string_view inventoryFields =
-    "cInvDefine1,cInvDefine2,cInvDefine3,cInvDefine4,cInvDefine5,cInvDefine6,cInvDefine7,cInvDefine8,"
-    "\r\n"
-    "cInvDefine9,cInvDefine10,cInvDefine11,cInvDefine12,cInvDefine13,cInvDefine14,cInvDefine15,cInvDefine16, ";
-constexpr std::string_view documentFields =
-    "cDefine1, cDefine2, cDefine3, cDefine4, cDefine5, cDefine6, cDefine7, cDefine8,"
-    "\r\n"
-    "cDefine9, cDefine10, cDefine11, cDefine12, cDefine13, cDefine14, cDefine15, cDefine16,"
-    "\r\n"
-    "cDefine22, cDefine23, cDefine24, cDefine25, cDefine26, cDefine27, cDefine28, cDefine29,"
-    "\r\n"
-    "cDefine30, cDefine31, cDefine32, cDefine33, cDefine34, cDefine35, cDefine36, cDefine37,";
 constexpr std::string_view departmentDatesAndCostItem = "cDepCode, cDepName, dKeepDate, dVouDate, cFXCode, cFXName, ";
 
 // Where the rows come from: the cost items of the ledger lines; or, once the cost-item breakdown has a start month of
@@ -103,14 +48,6 @@ std::string movementsOf(const std::string& year) {
 }
 
 }  // namespace
-
-ReportMode reportMode(std::string_view mode) {
-  const std::string_view text = trimBlanks(mode);
-  double number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  if (number == 0) return ReportMode::costItemClass;
-  return number == 2 ? ReportMode::expenseType : ReportMode::costItem;
-}
 
 std::string createResultTable(const Build& build) {
   const bool byClass = build.mode == ReportMode::costItemClass;

@@ -9,16 +9,11 @@
 #include <string>
 #include <string_view>
 
+#include "frame/report_mode.h"
 #include "frame/work_table.h"
 #include "reports/sfc_item/filter_translation.h"
 
 namespace quillon::sfc_item {
-
-enum class ReportMode { costItemClass, costItem, expenseType };
-
-// The item cModal read as a number: 0 reports by cost-item class, 2 by expense type, any other number by cost item. A
-// text that does not begin with a number counts as 0.
-ReportMode reportMode(std::string_view mode);
 
 // What the statements of one run have in common.
 struct Build {
