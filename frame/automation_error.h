@@ -20,6 +20,11 @@ inline constexpr HResult outOfMemory = static_cast<HResult>(0x8007000EU);
 inline constexpr HResult typeMismatch = static_cast<HResult>(0x80020005U);
 // Microsoft's "invalid procedure call or argument", as automation clients know it from Basic's error 5.
 inline constexpr HResult invalidProcedureCall = static_cast<HResult>(0x800A0005U);
+// Basic's error 9.
+inline constexpr HResult subscriptOutOfRange = static_cast<HResult>(0x800A0009U);
+// ADO's "item cannot be found in the collection", and a database command that the provider refuses.
+inline constexpr HResult itemNotFound = static_cast<HResult>(0x800A0CC1U);
+inline constexpr HResult databaseCommandFailed = static_cast<HResult>(0x80040E14U);
 }  // namespace hresult
 
 class AutomationError : public std::exception {

@@ -1,0 +1,41 @@
+// The program `quillon`: the reports and the embedded account on the command line.
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <iostream>
+
+#include "workbench/cli/command_error.h"
+#include "workbench/cli/standard_streams.h"
+#include "workbench/cli/trace_command.h"
+
+namespace {
+
+constexpr int failed = 1;
+constexpr int wrongUsage = 2;
+
+int run(std::vector<std::string> arguments) {
+  CLI::App app("Inventory-accounting reports by cost item, and the workbench that runs them");
+  app.name("quillon");
+  app.require_subcommand(1);
+  quillon::workbench::addTraceCommand(app);
+  try {
+    app.parse(std::move(arguments));
+    return 0;
+  } catch (const CLI::Success& help) {
+    return app.exit(help);
+  } catch (const CLI::RuntimeError& end) {
+    return end.get_exit_code();
+  } catch (const CLI::ParseError& error) {
+    std::cerr << "quillon: " << error.what() << "; see quillon --help\n";
+    return wrongUsage;
+  } catch (const std::exception& error) {
+    std::cerr << "quillon: " << error.what() << '\n';
+    return failed;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  quillon::workbench::prepareStandardStreams();
+  return run(quillon::workbench::utf8Arguments(argc, argv));
+}

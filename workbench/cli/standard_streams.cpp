@@ -1,0 +1,50 @@
+#include "workbench/cli/standard_streams.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+#include <shellapi.h>
+
+#include <cstdio>
+#endif
+
+#include <algorithm>
+
+namespace quillon::workbench {
+
+#ifdef _WIN32
+
+void prepareStandardStreams() {
+  _setmode(_fileno(stdout), _O_BINARY);
+  _setmode(_fileno(stderr), _O_BINARY);
+}
+
+std::vector<std::string> utf8Arguments(int, char**) {
+  std::vector<std::string> arguments;
+  int count = 0;
+  wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
+  for (int i = count - 1; i >= 1; --i) {
+    const int size = WideCharToMultiByte(CP_UTF8, 0, wide[i], -1, nullptr, 0, nullptr, nullptr);
+    std::string& argument = arguments.emplace_back(static_cast<std::size_t>(std::max(size, 1)), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, wide[i], -1, argument.data(), size, nullptr, nullptr);
+    argument.pop_back();  // the terminating zero
+  }
+  LocalFree(wide);
+  return arguments;
+}
+
+#else
+
+void prepareStandardStreams() {}
+
+std::vector<std::string> utf8Arguments(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  std::reverse(arguments.begin(), arguments.end());
+  return arguments;
+}
+
+#endif
+
+}  // namespace quillon::workbench

@@ -1,0 +1,24 @@
+// `quillon trace`: a report run against a platform that is described in a file; prints every database call as one JSON
+// object a line and executes nothing.
+#pragma once
+
+#include <iosfwd>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace quillon::workbench {
+
+// Adds the command to the program. Its errors are CommandError.
+void addTraceCommand(CLI::App& app);
+
+// Runs `report` and writes its trace to `out`; a build that the report absorbed is told in one line on `notes`. Gives
+// the exit status: 1 when an error left the report's member, which the trace's last line then tells; else 0. Throws
+// CommandError for a description that cannot be used and for an unknown report.
+int trace(const std::string& report, const nlohmann::ordered_json& filter, const nlohmann::ordered_json& platform,
+          std::ostream& out, std::ostream& notes);
+
+}  // namespace quillon::workbench

@@ -1,0 +1,122 @@
+// The trace platform: a host platform that is described in a file, with a database that executes nothing. Each call on
+// its database is written out as one JSON object a line, so that anyone can hold what the library does against what it
+// should do.
+#pragma once
+
+#include <iosfwd>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <regex>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/platform.h"
+
+namespace quillon::workbench {
+
+// What is wrong with a described filter or platform, and where: the path of the value that cannot be used.
+class DescriptionError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// A filter: {"id":"...","items":[{"name":"cModal","value":"1","value2":"","range":false,"multi":false,"sql":"..."}]}.
+// Only `name` must be there. Text, numbers and flags may stand for a text.
+class TraceFilter final : public Filter {
+ public:
+  struct Item {
+    std::string name;
+    std::string value;
+    std::string value2;
+    std::string sql;  // the item's strSqlString, and its condition in whereWithToken()
+    bool range = false;
+    bool multiple = false;
+    int token = tokenFilter;
+  };
+
+  // Throws DescriptionError.
+  explicit TraceFilter(const nlohmann::ordered_json& description);
+
+  int count() override { return static_cast<int>(items_.size()); }
+  // Throws AutomationError (subscript out of range) when there is no such item.
+  std::unique_ptr<FilterItem> item(int position) override;
+  std::unique_ptr<FilterItem> item(std::string_view key) override;
+  // The non-empty `sql` texts of the token's items, joined with " And ".
+  std::string whereWithToken(int token) override;
+
+ private:
+  std::vector<std::shared_ptr<Item>> items_;
+};
+
+// What the file says of the platform. What it leaves out answers: a text "", a number 0, a flag false, a resource or
+// enumeration text its own key or code, a unique part u1, u2, ...
+struct TraceDescription {
+  // Throws DescriptionError.
+  explicit TraceDescription(const nlohmann::ordered_json& description);
+
+  struct Query {
+    std::regex pattern;
+    std::vector<std::vector<std::optional<std::string>>> rows;
+  };
+  struct Failure {
+    std::string text;
+    std::regex pattern;
+  };
+  using Texts = std::map<std::string, std::string, std::less<>>;
+
+  // login
+  std::string accountConnection;
+  std::string password;
+  std::string accountCode;
+  std::string accountingYear;
+  std::string accountingYearText;
+  std::string languageRegion;
+  std::string languageId;
+  int loginPeriodYear = 0;
+  std::string businessDate;
+  // dataSource
+  std::string resultTable;
+  // publicComponent
+  Texts accountInformation;  // by "SYSTEM.NAME" or by "NAME"
+  int currentPeriodYear = 0;
+  std::map<std::string, int, std::less<>> costItemStartMonths;  // by year
+  std::vector<std::string> usedYears;
+  // naming
+  std::string namingNumber;
+  std::vector<std::string> uniqueParts;
+  Texts resources;  // by key
+  Texts enums;      // by "TYPE/CODE"
+  // The rows of a recordset: those of the first pattern that is found in its SQL; none when none is found.
+  std::vector<Query> queries;
+  // An execute or a query whose SQL holds one of these patterns fails, and so does open for the text "(open)".
+  std::vector<Failure> failures;
+};
+
+class TracePlatform final : public Platform {
+ public:
+  // Both must outlive the platform and what it makes.
+  TracePlatform(const TraceDescription& description, std::ostream& out) : description_(description), out_(out) {}
+
+  std::shared_ptr<Session> createSession() override;
+  std::shared_ptr<PublicComponent> createPublicComponent() override;
+  std::shared_ptr<ResourceService> createResourceService() override;
+  std::shared_ptr<UniqueNameSource> createUniqueNameSource() override;
+  std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() override;
+  std::string namingNumber() override { return description_.namingNumber; }
+
+  // The argument object of a run with `filter`.
+  std::unique_ptr<ReportArgument> argument(std::shared_ptr<Filter> filter);
+  // What the database refused last, for whoever wants to know why a build stopped; empty when nothing failed.
+  const std::string& lastFailure() const { return lastFailure_; }
+
+ private:
+  const TraceDescription& description_;
+  std::ostream& out_;
+  std::string lastFailure_;
+};
+
+}  // namespace quillon::workbench
