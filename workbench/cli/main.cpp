@@ -3,7 +3,10 @@
 #include <exception>
 #include <iostream>
 
+#include "workbench/cli/account_command.h"
 #include "workbench/cli/command_error.h"
+#include "workbench/cli/report_command.h"
+#include "workbench/cli/sql_command.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/trace_command.h"
 
@@ -16,6 +19,9 @@ int run(std::vector<std::string> arguments) {
   CLI::App app("Inventory-accounting reports by cost item, and the workbench that runs them");
   app.name("quillon");
   app.require_subcommand(1);
+  quillon::workbench::addAccountCommand(app);
+  quillon::workbench::addReportCommand(app);
+  quillon::workbench::addSqlCommand(app);
   quillon::workbench::addTraceCommand(app);
   try {
     app.parse(std::move(arguments));

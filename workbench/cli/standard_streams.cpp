@@ -8,6 +8,8 @@
 #include <shellapi.h>
 
 #include <cstdio>
+#else
+#include <unistd.h>
 #endif
 
 #include <algorithm>
@@ -19,6 +21,10 @@ namespace quillon::workbench {
 void prepareStandardStreams() {
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
+}
+
+bool errorsGoToTerminal() {
+  return _isatty(_fileno(stderr)) != 0;
 }
 
 std::vector<std::string> utf8Arguments(int, char**) {
@@ -38,6 +44,10 @@ std::vector<std::string> utf8Arguments(int, char**) {
 #else
 
 void prepareStandardStreams() {}
+
+bool errorsGoToTerminal() {
+  return isatty(STDERR_FILENO) != 0;
+}
 
 std::vector<std::string> utf8Arguments(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);

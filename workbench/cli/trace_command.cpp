@@ -1,20 +1,17 @@
 #include "workbench/cli/trace_command.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 
 #include "frame/automation_error.h"
 #include "frame/module.h"
 #include "reports/sfc_item/sfc_item.h"
 #include "workbench/cli/command_error.h"
-#include "workbench/platform/account_source.h"
+#include "workbench/cli/json_file.h"
 #include "workbench/platform/trace_platform.h"
 
 namespace quillon::workbench {
@@ -24,20 +21,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::string_view knownReports = "sfc-item";
-
-Json readJson(const std::string& path) {
-  std::ifstream file(pathFromUtf8(path), std::ios::binary);
-  if (!file) throw CommandError("cannot read " + path + "; check the name and its permissions");
-  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  try {
-    return Json::parse(text);
-  } catch (const Json::parse_error& error) {
-    // The parser counts bytes from 1; a reader counts lines.
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-    const auto line = 1 + std::count(text.begin(), end, '\n');
-    throw CommandError(path + " is not valid JSON: see line " + std::to_string(line));
-  }
-}
 
 // A part of a description, with errors that name it.
 template <typename Description>
@@ -65,9 +48,10 @@ struct TraceOptions {
 
 int runTrace(const TraceOptions& options) {
   if (options.caseFile.empty()) {
-    return trace(options.report, readJson(options.filterFile), readJson(options.platformFile), std::cout, std::cerr);
+    return trace(options.report, readJsonFile(options.filterFile), readJsonFile(options.platformFile), std::cout,
+                 std::cerr);
   }
-  const Json description = readJson(options.caseFile);
+  const Json description = readJsonFile(options.caseFile);
   if (!description.is_object() || !description.contains("report") || !description["report"].is_string()) {
     throw CommandError(options.caseFile + " names no report: give it the keys report, filter and platform");
   }

@@ -53,8 +53,9 @@ std::string AccountPublicComponent::accountInformation(std::string_view system, 
 }
 
 int AccountPublicComponent::currentPeriodYear(Session& session) {
-  const int stated = leadingNumber(accountInformation("IA", "iCurrentYear", session));
-  if (stated != 0) return stated;
+  const std::optional<std::string> unsettled =
+      lookUp(session, "Select Min(iYear) From IA_PeriodState Where iMonth > 0 And bSettled = 0");
+  if (unsettled) return leadingNumber(*unsettled);
   return leadingNumber(lookUp(session, "Select Max(iYear) From orvsystem..UA_Period Where iYear < 9999").value_or(""));
 }
 

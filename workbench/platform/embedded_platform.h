@@ -18,8 +18,8 @@ class AccountPublicComponent final : public PublicComponent {
  public:
   // AccInformation.cValue of `system` and `name`; empty when the account does not have the option.
   std::string accountInformation(std::string_view system, std::string_view name, Session& session) override;
-  // The current year: that of the first month which is not settled, as option IA.iCurrentYear states it; the last year
-  // of the account's periods when it is not stated.
+  // The year of the first month in IA_PeriodState that is not settled; the last year of orvsystem..UA_Period when all
+  // are.
   int currentPeriodYear(Session& session) override;
   // From option 11002 of system CA, "yyyymm": its month in that very year, 1 in later years, 0 before.
   int costItemStartMonth(std::string_view year, Session& session) override;

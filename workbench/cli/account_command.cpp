@@ -1,0 +1,100 @@
+#include "workbench/cli/account_command.h"
+
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "workbench/account/account.h"
+#include "workbench/cli/standard_streams.h"
+#include "workbench/cli/text_table.h"
+#include "workbench/cli/value_output.h"
+#include "workbench/platform/account_source.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+std::string count(std::int64_t number) {
+  return groupedNumber(std::to_string(number), 0);
+}
+
+std::string month(int number) {
+  return number == 0 ? "-" : std::to_string(number);
+}
+
+void makeSample(const std::string& file, const account::SampleOptions& options) {
+  const bool terminal = errorsGoToTerminal();
+  account::createSample(pathFromUtf8(file), options, [terminal](std::int64_t done, std::int64_t total) {
+    if (terminal) std::cerr << "\r\x1b[K" << count(done) << " of " << count(total) << " ledger lines" << std::flush;
+  });
+  if (terminal) std::cerr << "\r\x1b[K";
+  std::cout << "made " << file << " with " << count(options.rows) << " ledger lines\n";
+}
+
+void showInfo(const std::string& source) {
+  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::readOnly);
+  const account::AccountInfo info = account::info(*connection);
+  std::cout << "account " << info.accountCode << ", inventory accounting since " << info.startDate
+            << ", valuation method " << info.valuationMethod << ", current year " << info.currentYear << "\n\n";
+  TextTable years(std::cout, {{"year", Align::right},
+                              {"cost items from month", Align::right},
+                              {"settled months", Align::right},
+                              {"ledger lines", Align::right}});
+  for (const account::YearInfo& year : info.years) {
+    years.row({std::to_string(year.year), month(year.costItemStartMonth), std::to_string(year.settledMonths),
+               count(year.ledgerLines)});
+  }
+  years.finish();
+  std::cout << '\n';
+  TextTable tables(std::cout, {{"table"}, {"rows", Align::right}});
+  for (const auto& table : info.tables)
+    tables.row({table.name, count(table.rows)});
+  tables.finish();
+  const auto left = account::leftoverWorkTables(*connection);
+  if (left.empty()) return;
+  std::cout << "\nwork tables that interrupted reports left (quillon account clean drops them):\n";
+  for (const std::string& name : left)
+    std::cout << name << '\n';
+}
+
+void clean(const std::string& source) {
+  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::existing);
+  const auto dropped = account::dropLeftoverWorkTables(*connection);
+  for (const std::string& name : dropped)
+    std::cout << "dropped " << name << '\n';
+  if (dropped.empty()) std::cout << "no work tables were left\n";
+}
+
+}  // namespace
+
+void addAccountCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("account", "Make, inspect and clean embedded accounts");
+  command.require_subcommand(1);
+
+  const auto file = std::make_shared<std::string>();
+  const auto options = std::make_shared<account::SampleOptions>();
+  static const std::map<std::string, account::Valuation> valuations = {{"inventory", account::Valuation::inventory},
+                                                                       {"warehouse", account::Valuation::warehouse},
+                                                                       {"department", account::Valuation::department}};
+  CLI::App& create = *command.add_subcommand("new", "Make a sample account");
+  create.add_option("FILE", *file, "The file to make; it must not exist")->required();
+  create.add_option("--rows", options->rows, "Ledger lines")->capture_default_str();
+  create.add_option("--seed", options->seed, "The same seed gives the same account")->capture_default_str();
+  create.add_option("--years", options->years, "Years")->capture_default_str();
+  create.add_option("--valuation", options->valuation, "inventory, warehouse or department")
+      ->transform(CLI::CheckedTransformer(valuations, CLI::ignore_case).description(""));
+  create.add_option("--fx-start-month", options->costItemStartMonth, "The first year's first month with cost items")
+      ->capture_default_str();
+  create.callback([file, options] { makeSample(*file, *options); });
+
+  CLI::App& information = *command.add_subcommand("info", "Years, start months, valuation method, row counts");
+  information.add_option("SOURCE", *file, "The account file")->required();
+  information.callback([file] { showInfo(*file); });
+
+  CLI::App& cleaning = *command.add_subcommand("clean", "Drop the work tables that interrupted reports left");
+  cleaning.add_option("SOURCE", *file, "The account file")->required();
+  cleaning.callback([file] { clean(*file); });
+}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,44 @@
+// What a report's result columns are called and how they are shown.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "workbench/platform/language.h"
+
+namespace quillon::workbench {
+
+enum class ColumnRole {
+  internal,  // keys and helper columns; only in CSV and JSON
+  text,
+  date,
+  quantity,  // shown with the account's decimals, summed
+  money,     // shown with two decimals, summed
+  movement,  // quantity of a row's state: shown, not summed, since states do not add up
+  amount,    // money of a row's state, likewise
+};
+
+constexpr bool isNumber(ColumnRole role) {
+  return role >= ColumnRole::quantity;
+}
+constexpr bool isMoney(ColumnRole role) {
+  return role == ColumnRole::money || role == ColumnRole::amount;
+}
+constexpr bool isSummed(ColumnRole role) {
+  return role == ColumnRole::quantity || role == ColumnRole::money;
+}
+
+struct ReportColumn {
+  std::string name;  // as the result table has it
+  std::string chinese;
+  std::string english;
+  ColumnRole role = ColumnRole::text;
+
+  const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
+};
+
+// The columns of receipt/issue/balance in the order in which the table and the page show them.
+std::span<const ReportColumn> sfcItemColumns();
+
+}  // namespace quillon::workbench

@@ -1,0 +1,48 @@
+#include "workbench/cli/report_document.h"
+
+#include "workbench/cli/value_output.h"
+#include "workbench/platform/resource_texts.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+constexpr int moneyDecimals = 2;
+
+}  // namespace
+
+std::string quantityText(const ReportDocument& document, std::string_view exact) {
+  return groupedNumber(exact, document.quantityDecimals);
+}
+
+std::string moneyText(std::string_view exact) {
+  return groupedNumber(exact, moneyDecimals);
+}
+
+std::string cellText(const ReportDocument& document, const ReportColumn& column, const tsql::Value& value) {
+  std::string text = plainText(value, "");
+  if (text.empty() || !isNumber(column.role)) return text;
+  return isMoney(column.role) ? moneyText(text) : quantityText(document, text);
+}
+
+std::string totalText(const ReportDocument& document, std::size_t column) {
+  const std::optional<std::string>& total = document.totals[column];
+  if (!total) return column == 0 ? std::string(document.text(totalCaption)) : "";
+  return isMoney(document.columns[column].role) ? moneyText(*total) : quantityText(document, *total);
+}
+
+std::string rowCountText(const ReportDocument& document, std::optional<std::int64_t> limit) {
+  const bool cut = limit && *limit < document.rowCount;
+  const std::string all = std::to_string(document.rowCount);
+  if (document.language == Language::chinese) {
+    return cut ? "共 " + all + " 行，显示前 " + std::to_string(*limit) + " 行" : "共 " + all + " 行";
+  }
+  return cut ? "the first " + std::to_string(*limit) + " of " + all + " rows" : all + " rows";
+}
+
+std::vector<std::string> stateNames(Language language) {
+  return {resourceText(openingBalanceKey, language), resourceText(receiptKey, language),
+          resourceText(issueKey, language), resourceText(closingBalanceKey, language)};
+}
+
+}  // namespace quillon::workbench

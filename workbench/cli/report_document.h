@@ -1,0 +1,55 @@
+// What a report shows, whatever the format: heading, conditions, the rows of the result table, totals and cross view.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "workbench/cli/report_columns.h"
+#include "workbench/cli/result_table.h"
+#include "workbench/platform/language.h"
+
+namespace quillon::workbench {
+
+struct ReportDocument {
+  Language language = Language::chinese;
+  std::string report;                                           // "sfc-item"
+  std::string title;                                            // in the language
+  std::vector<std::pair<std::string, std::string>> conditions;  // caption and what was entered
+  int quantityDecimals = 2;                                     // the account's
+  std::vector<ReportColumn> columns;                            // those that are shown: the filled ones
+  std::vector<std::optional<std::string>> totals;               // one a column
+  CrossView cross;
+  std::int64_t rowCount = 0;
+
+  std::string_view text(const Caption& caption) const { return caption.in(language); }
+};
+
+// A cell of `column` for a reader: grouped numbers with the column's decimals, dates without a time of day, nothing for
+// null.
+std::string cellText(const ReportDocument& document, const ReportColumn& column, const tsql::Value& value);
+// A sum (an exact text) of a quantity or a money column.
+std::string quantityText(const ReportDocument& document, std::string_view exact);
+std::string moneyText(std::string_view exact);
+// What stands under column number `column` in the row of totals; the word for it under the first column.
+std::string totalText(const ReportDocument& document, std::size_t column);
+// How many rows there are and, when `limit` cuts them, how many of them are shown.
+std::string rowCountText(const ReportDocument& document, std::optional<std::int64_t> limit);
+
+// Words that more than one format uses.
+inline constexpr Caption totalCaption{"合计", "Total"};
+inline constexpr Caption crossCaption{"按成本项目汇总", "By cost item"};
+inline constexpr Caption rowsCaption{"明细", "Rows"};
+inline constexpr Caption noRowsCaption{"没有符合条件的数据", "No rows meet the conditions"};
+inline constexpr Caption codeCaption{"编码", "Code"};
+inline constexpr Caption costItemCaption{"成本项目", "Cost item"};
+inline constexpr Caption quantityCaption{"数量", "Quantity"};
+inline constexpr Caption moneyCaption{"金额", "Amount"};
+
+// The names of the cross view's states in the document's language: opening, receipt, issue, closing.
+std::vector<std::string> stateNames(Language language);
+
+}  // namespace quillon::workbench

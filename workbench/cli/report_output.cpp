@@ -1,0 +1,139 @@
+#include "workbench/cli/report_output.h"
+
+#include <algorithm>
+
+#include "frame/text.h"
+#include "workbench/cli/text_table.h"
+#include "workbench/cli/value_output.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+void writeCrossTable(std::ostream& out, const ReportDocument& document) {
+  std::vector<TableColumn> columns = {{std::string(document.text(codeCaption))},
+                                      {std::string(document.text(costItemCaption))}};
+  const std::string_view blank = document.language == Language::chinese ? "" : " ";
+  for (const std::string& state : stateNames(document.language)) {
+    for (const Caption& measure : {quantityCaption, moneyCaption}) {
+      columns.push_back({state + std::string(blank) + std::string(document.text(measure)), Align::right});
+    }
+  }
+  TextTable table(out, std::move(columns));
+  const auto write = [&](const CrossRow& row, std::string code) {
+    std::vector<std::string> cells = {std::move(code), row.name};
+    for (std::size_t state = 0; state < crossStates; ++state) {
+      cells.push_back(quantityText(document, row.quantity[state]));
+      cells.push_back(moneyText(row.money[state]));
+    }
+    table.row(std::move(cells));
+  };
+  for (const CrossRow& row : document.cross.rows)
+    write(row, row.code);
+  table.rule();
+  write(document.cross.total, std::string(document.text(totalCaption)));
+  table.finish();
+}
+
+void writeRowTable(std::ostream& out, const ReportDocument& document, const ResultTable& result,
+                   std::optional<std::int64_t> limit) {
+  std::vector<TableColumn> columns;
+  for (const ReportColumn& column : document.columns) {
+    columns.push_back({column.caption(document.language), isNumber(column.role) ? Align::right : Align::left});
+  }
+  TextTable table(out, std::move(columns));
+  const auto cursor = result.rows(document.columns);
+  for (std::int64_t shown = 0; (!limit || shown < *limit) && cursor->next(); ++shown) {
+    std::vector<std::string> cells;
+    for (std::size_t i = 0; i < document.columns.size(); ++i) {
+      cells.push_back(cellText(document, document.columns[i], cursor->value(i)));
+    }
+    table.row(std::move(cells));
+  }
+  table.rule();
+  std::vector<std::string> cells;
+  for (std::size_t i = 0; i < document.columns.size(); ++i) {
+    cells.push_back(totalText(document, i));
+  }
+  table.row(std::move(cells));
+  table.finish();
+}
+
+}  // namespace
+
+std::string csvField(std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
+  std::string field = "\"";
+  for (const char c : text)
+    field.append(c == '"' ? 2 : 1, c);
+  return field + '"';
+}
+
+void writeCsv(std::ostream& out, const ResultTable& table) {
+  const auto cursor = table.rows();
+  const auto columns = cursor->columns();
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    out << (i == 0 ? "" : ",") << csvField(columns[i].name);
+  out << "\r\n";
+  while (cursor->next()) {
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      out << (i == 0 ? "" : ",") << csvField(plainText(cursor->value(i), ""));
+    out << "\r\n";
+  }
+}
+
+void writeJson(std::ostream& out, const ReportDocument& document, const ResultTable& table,
+               std::span<const ReportColumn> known) {
+  const auto cursor = table.rows();
+  const auto columns = cursor->columns();
+  out << "{\"report\":";
+  writeJsonText(out, document.report);
+  out << ",\"title\":";
+  writeJsonText(out, document.title);
+  out << ",\n\"columns\":";
+  writeJsonColumns(out, columns);
+  out << ",\n\"captions\":{";
+  const char* separator = "";
+  for (const tsql::Column& column : columns) {
+    const auto caption =
+        std::ranges::find_if(known, [&](const auto& entry) { return equalIgnoringCase(entry.name, column.name); });
+    if (caption == known.end()) continue;
+    out << separator;
+    writeJsonText(out, column.name);
+    out << ':';
+    writeJsonText(out, caption->caption(document.language));
+    separator = ",";
+  }
+  out << "},\n\"rows\":[";
+  separator = "\n";
+  while (cursor->next()) {
+    out << separator << '[';
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      if (i > 0) out << ',';
+      writeJsonValue(out, cursor->value(i));
+    }
+    out << ']';
+    separator = ",\n";
+  }
+  out << "\n]}\n";
+}
+
+void writeTable(std::ostream& out, const ReportDocument& document, const ResultTable& table,
+                std::optional<std::int64_t> limit) {
+  out << document.title << '\n';
+  const std::string_view colon = document.language == Language::chinese ? "：" : ": ";
+  for (const auto& [caption, text] : document.conditions)
+    out << caption << colon << text << '\n';
+  out << '\n';
+  if (document.rowCount == 0) {
+    out << document.text(noRowsCaption) << '\n';
+    return;
+  }
+  out << document.text(crossCaption) << '\n';
+  writeCrossTable(out, document);
+  out << '\n' << document.text(rowsCaption) << '\n';
+  writeRowTable(out, document, table, limit);
+  out << '\n' << rowCountText(document, limit) << '\n';
+}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,136 @@
+#include "workbench/cli/result_table.h"
+
+#include <algorithm>
+#include <array>
+
+#include "frame/text.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+constexpr std::array<std::string_view, 8> balanceColumns = {
+    "IsNull(iQcQuantity, 0)",  "IsNull(iQcMoney, 0)",  "IsNull(iInQuantity, 0)", "IsNull(iInMoney, 0)",
+    "IsNull(iOutQuantity, 0)", "IsNull(iOutMoney, 0)", "IsNull(iQmQuantity, 0)", "IsNull(iQmMoney, 0)"};
+
+// What comes first in the order of the rows.
+constexpr std::array<std::string_view, 9> leadingOrder = {"cWhCode",  "cDepCode", "cInvCode", "cBatchia", "cFXCode",
+                                                          "cAmoCode", "cFxCName", "iState",   "autoid"};
+
+std::string crossSums(CrossSource source) {
+  std::string list;
+  for (std::size_t i = 0; i < balanceColumns.size(); ++i) {
+    const std::string column = i % 2 == 0 ? "iQuantity" : "iMoney";
+    list += ", Sum(";
+    if (source == CrossSource::stateRows) {
+      list += "Case When iState = " + std::to_string(i / 2 + 1) + " Then IsNull(" + column + ", 0) Else 0 End";
+    } else {
+      list += balanceColumns[i];
+    }
+    list += ")";
+  }
+  return list;
+}
+
+std::string sumText(const tsql::Value& value) {
+  return tsql::toText(value).value_or("0");
+}
+
+CrossRow crossRow(const tsql::Cursor& cursor) {
+  CrossRow row;
+  row.code = tsql::toText(cursor.value(0)).value_or("");
+  row.name = tsql::toText(cursor.value(1)).value_or("");
+  for (std::size_t state = 0; state < crossStates; ++state) {
+    row.quantity[state] = sumText(cursor.value(2 + 2 * state));
+    row.money[state] = sumText(cursor.value(3 + 2 * state));
+  }
+  return row;
+}
+
+std::string filledTest(const ReportColumn& column) {
+  if (column.role == ColumnRole::date) return column.name + " Is Not Null";
+  return "IsNull(" + column.name + (isNumber(column.role) ? ", 0) <> 0" : ", N'') <> N''");
+}
+
+bool hasColumn(std::span<const tsql::Column> columns, std::string_view name) {
+  return std::ranges::any_of(columns, [name](const auto& column) { return equalIgnoringCase(column.name, name); });
+}
+
+}  // namespace
+
+std::int64_t ResultTable::rowCount() const {
+  const auto cursor = account_.query("Select Count(*) From " + name_);
+  return cursor->next() ? std::get<std::int64_t>(cursor->value(0)) : 0;
+}
+
+std::vector<ReportColumn> ResultTable::filledColumns(std::span<const ReportColumn> known) const {
+  const std::vector<tsql::Column> present = account_.describe(name_);
+  std::vector<ReportColumn> candidates;
+  std::string list;
+  for (const ReportColumn& column : known) {
+    if (column.role == ColumnRole::internal || !hasColumn(present, column.name)) continue;
+    candidates.push_back(column);
+    list += (list.empty() ? "" : ", ") + ("Max(Case When " + filledTest(column) + " Then 1 Else 0 End)");
+  }
+  const auto cursor = account_.query("Select " + list + " From " + name_);
+  std::vector<ReportColumn> filled;
+  if (!cursor->next()) return filled;
+  for (std::size_t i = 0; i < candidates.size(); ++i) {
+    const auto* flag = std::get_if<std::int64_t>(&cursor->value(i));
+    if (flag != nullptr && *flag == 1) filled.push_back(candidates[i]);
+  }
+  return filled;
+}
+
+std::vector<std::optional<std::string>> ResultTable::totals(std::span<const ReportColumn> columns) const {
+  std::string list;
+  for (const ReportColumn& column : columns) {
+    if (isSummed(column.role)) list += (list.empty() ? "" : ", ") + ("Sum(IsNull(" + column.name + ", 0))");
+  }
+  std::vector<std::optional<std::string>> totals(columns.size());
+  if (list.empty()) return totals;
+  const auto cursor = account_.query("Select " + list + " From " + name_);
+  if (!cursor->next()) return totals;
+  std::size_t position = 0;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (isSummed(columns[i].role)) totals[i] = sumText(cursor->value(position++));
+  }
+  return totals;
+}
+
+CrossView ResultTable::crossView(CrossSource source) const {
+  const std::string sums = crossSums(source);
+  CrossView view;
+  const auto rows = account_.query("Select cFXCode, cFXName" + sums + " From " + name_ +
+                                   " Group By cFXCode, cFXName Order By cFXCode, cFXName");
+  while (rows->next())
+    view.rows.push_back(crossRow(*rows));
+  const auto total = account_.query("Select N'' As cFXCode, N'' As cFXName" + sums + " From " + name_);
+  if (total->next()) view.total = crossRow(*total);
+  return view;
+}
+
+std::unique_ptr<tsql::Cursor> ResultTable::rows(std::span<const ReportColumn> columns) const {
+  const std::vector<tsql::Column> present = account_.describe(name_);
+  std::string list;
+  for (const ReportColumn& column : columns)
+    list += (list.empty() ? "" : ", ") + column.name;
+  std::string order;
+  const auto orderBy = [&order](std::string_view name) { order += (order.empty() ? "" : ", ") + std::string(name); };
+  const auto leads = [](const tsql::Column& column) {
+    return std::ranges::any_of(leadingOrder, [&](auto name) { return equalIgnoringCase(name, column.name); });
+  };
+  for (const std::string_view name : leadingOrder) {
+    if (hasColumn(present, name)) orderBy(name);
+  }
+  for (const tsql::Column& column : present) {
+    if (!leads(column)) orderBy(column.name);
+  }
+  return account_.query("Select " + (list.empty() ? "*" : list) + " From " + name_ + " Order By " + order);
+}
+
+void ResultTable::drop() {
+  account_.execute("If OBJECT_ID(N'" + name_ + "') is not null Drop Table " + name_);
+}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,64 @@
+// The result table of a report run, as the report left it in the account: read with statements of the account's own
+// dialect, so that sums are the account's sums, and dropped when it was read.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "workbench/cli/report_columns.h"
+#include "workbench/tsql/engine.h"
+
+namespace quillon::workbench {
+
+// Opening, receipt, issue and closing: quantity and money of each, in this order.
+inline constexpr std::size_t crossStates = 4;
+
+// One row of the cross view: a cost item with its sums by state. Sums are exact texts; a state without rows is "0".
+struct CrossRow {
+  std::string code;
+  std::string name;
+  std::string quantity[crossStates];
+  std::string money[crossStates];
+};
+
+struct CrossView {
+  std::vector<CrossRow> rows;  // by cost-item code
+  CrossRow total;
+};
+
+// Where the cross view takes its sums from: modes 0 and 1 have one row a state with the state's own quantity and money;
+// mode 2 has no states, but opening, receipt, issue and closing columns in each row.
+enum class CrossSource { stateRows, balanceColumns };
+
+class ResultTable {
+ public:
+  // `account` stays open as long as this. The table need not exist yet.
+  ResultTable(tsql::Connection& account, std::string name) : account_(account), name_(std::move(name)) {}
+
+  const std::string& name() const { return name_; }
+  bool exists() const { return !account_.describe(name_).empty(); }
+  std::int64_t rowCount() const;
+
+  // The columns of `known` that the table has and that hold something: a text that is not empty, a date, a number other
+  // than zero. Internal columns are left out.
+  std::vector<ReportColumn> filledColumns(std::span<const ReportColumn> known) const;
+  // One exact text a column of `columns`: the sum of a summed column, nullopt for the others.
+  std::vector<std::optional<std::string>> totals(std::span<const ReportColumn> columns) const;
+  CrossView crossView(CrossSource source) const;
+
+  // All rows in a settled order: by place, inventory, cost item, state and ledger line, then by every other column, so
+  // that the same report always comes in the same order. `columns` are the table's names; empty means all of them.
+  std::unique_ptr<tsql::Cursor> rows(std::span<const ReportColumn> columns = {}) const;
+
+  // Drops the table if it exists.
+  void drop();
+
+ private:
+  tsql::Connection& account_;
+  std::string name_;
+};
+
+}  // namespace quillon::workbench

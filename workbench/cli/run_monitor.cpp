@@ -1,0 +1,52 @@
+#include "workbench/cli/run_monitor.h"
+
+#include <array>
+#include <cstdio>
+
+#include "workbench/cli/text_cells.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+constexpr std::size_t terminalCells = 79;
+constexpr std::string_view eraseLine = "\r\x1b[K";
+
+std::string milliseconds(double seconds) {
+  std::array<char, 32> text{};
+  const int length = std::snprintf(text.data(), text.size(), "%.1f ms", seconds * 1000);
+  return {text.data(), static_cast<std::size_t>(length)};
+}
+
+}  // namespace
+
+void RunMonitor::started(std::string_view sql) {
+  ++statements_;
+  if (progress_ == nullptr) return;
+  *progress_ << eraseLine
+             << shortened(std::to_string(statements_) + ": " + oneLine(sql.substr(0, 4 * terminalCells)), terminalCells)
+             << std::flush;
+}
+
+void RunMonitor::finished(std::string_view sql, double seconds, std::int64_t rows) {
+  seconds_ += seconds;
+  clearProgress();
+  if (explanation_ == nullptr) return;
+  *explanation_ << '[' << statements_ << "] " << milliseconds(seconds);
+  if (rows >= 0) *explanation_ << ", " << rows << (rows == 1 ? " row" : " rows");
+  *explanation_ << '\n' << sql << "\n\n";
+}
+
+void RunMonitor::failed(const StatementFailure& failure) {
+  failure_ = failure;
+  clearProgress();
+  if (explanation_ == nullptr) return;
+  *explanation_ << '[' << statements_ << "] failed with error " << failure.number << ": " << failure.message << '\n'
+                << failure.sql << "\n\n";
+}
+
+void RunMonitor::clearProgress() {
+  if (progress_ != nullptr) *progress_ << eraseLine << std::flush;
+}
+
+}  // namespace quillon::workbench

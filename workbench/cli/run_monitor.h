@@ -1,0 +1,41 @@
+// Watches the sessions of a report run for the person who waits: progress, explanation, and what went wrong.
+#pragma once
+
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "workbench/platform/embedded_session.h"
+
+namespace quillon::workbench {
+
+class RunMonitor final : public SessionMonitor {
+ public:
+  // `progress` gets a line with the running statement, rewritten in place; it should be a terminal. `explanation` gets
+  // each statement with its time and row count. Either may be null.
+  RunMonitor(std::ostream* progress, std::ostream* explanation) : progress_(progress), explanation_(explanation) {}
+
+  void opened() override { open_ = true; }
+  void started(std::string_view sql) override;
+  void finished(std::string_view sql, double seconds, std::int64_t rows) override;
+  void failed(const StatementFailure& failure) override;
+  void closed() override { open_ = false; }
+
+  // True when the run left its session open, the sign of a build that stopped.
+  bool leftOpen() const { return open_; }
+  const std::optional<StatementFailure>& failure() const { return failure_; }
+  double secondsInStatements() const { return seconds_; }
+  int statements() const { return statements_; }
+
+ private:
+  void clearProgress();
+
+  std::ostream* progress_;
+  std::ostream* explanation_;
+  std::optional<StatementFailure> failure_;
+  bool open_ = false;
+  double seconds_ = 0;
+  int statements_ = 0;
+};
+
+}  // namespace quillon::workbench

@@ -1,0 +1,191 @@
+#include "workbench/cli/sql_command.h"
+
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "frame/text.h"
+#include "workbench/cli/command_error.h"
+#include "workbench/cli/text_table.h"
+#include "workbench/cli/value_output.h"
+#include "workbench/platform/account_source.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+class ScriptOutput : public tsql::ResultSink {
+ public:
+  virtual void error(const tsql::SqlError& error) = 0;
+};
+
+class JsonOutput final : public ScriptOutput {
+ public:
+  explicit JsonOutput(std::ostream& out) : out_(out) {}
+
+  void columns(std::span<const tsql::Column> columns) override {
+    endResultSet();
+    out_ << "{\"columns\":";
+    writeJsonColumns(out_, columns);
+    out_ << ",\"rows\":[";
+    inResultSet_ = true;
+    separator_ = "";
+  }
+
+  void row(std::span<const tsql::Value> values) override {
+    out_ << separator_ << '[';
+    separator_ = ",";
+    const char* comma = "";
+    for (const tsql::Value& value : values) {
+      out_ << comma;
+      writeJsonValue(out_, value);
+      comma = ",";
+    }
+    out_ << ']';
+  }
+
+  void rowsAffected(std::int64_t count) override {
+    if (endResultSet()) return;
+    out_ << "{\"rowsAffected\":" << count << "}\n";
+  }
+
+  void error(const tsql::SqlError& error) override {
+    endResultSet();
+    out_ << "{\"error\":{\"number\":" << error.number() << ",\"message\":";
+    writeJsonText(out_, error.message());
+    out_ << "}}\n";
+  }
+
+ private:
+  bool endResultSet() {
+    const bool ended = inResultSet_;
+    if (ended) out_ << "]}\n";
+    inResultSet_ = false;
+    return ended;
+  }
+
+  std::ostream& out_;
+  bool inResultSet_ = false;
+  const char* separator_ = "";
+};
+
+class TableOutput final : public ScriptOutput {
+ public:
+  TableOutput(std::ostream& out, std::ostream& errors) : out_(out), errors_(errors) {}
+
+  void columns(std::span<const tsql::Column> columns) override {
+    std::vector<TableColumn> headings;
+    for (const tsql::Column& column : columns) {
+      const bool text = column.type.kind == tsql::Kind::nVarChar || column.type.kind == tsql::Kind::varChar ||
+                        column.type.kind == tsql::Kind::dateTime;
+      headings.push_back({column.name, text ? Align::left : Align::right});
+    }
+    table_ = std::make_unique<TextTable>(out_, std::move(headings));
+  }
+
+  void row(std::span<const tsql::Value> values) override {
+    std::vector<std::string> cells;
+    for (const tsql::Value& value : values)
+      cells.push_back(plainText(value, "NULL"));
+    table_->row(std::move(cells));
+  }
+
+  void rowsAffected(std::int64_t count) override {
+    endTable();
+    out_ << '(' << count << (count == 1 ? " row)\n\n" : " rows)\n\n");
+  }
+
+  void error(const tsql::SqlError& error) override {
+    endTable();
+    errors_ << "quillon: error " << error.number();
+    if (error.line() > 0) errors_ << " in line " << error.line() << " of the batch";
+    errors_ << ": " << error.message() << '\n';
+  }
+
+ private:
+  void endTable() {
+    if (table_) table_->finish();
+    table_.reset();
+  }
+
+  std::ostream& out_;
+  std::ostream& errors_;
+  std::unique_ptr<TextTable> table_;
+};
+
+// Reads the next batch into `batch`; false at the end of the script.
+bool readBatch(std::istream& script, std::string& batch) {
+  batch.clear();
+  std::string line;
+  while (std::getline(script, line)) {
+    std::string_view text = line;
+    if (text.ends_with('\r')) text.remove_suffix(1);
+    if (equalIgnoringCase(trimBlanks(text), "go")) return true;
+    batch += line + '\n';
+  }
+  return !batch.empty();
+}
+
+}  // namespace
+
+int runScript(tsql::Connection& account, std::istream& script, SqlFormat format, std::ostream& out,
+              std::ostream& errors) {
+  std::unique_ptr<ScriptOutput> output;
+  if (format == SqlFormat::json) {
+    output = std::make_unique<JsonOutput>(out);
+  } else {
+    output = std::make_unique<TableOutput>(out, errors);
+  }
+  int failed = 0;
+  std::string batch;
+  while (readBatch(script, batch)) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    std::string_view text = batch;
+    if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
+    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) continue;
+    try {
+      account.run(text, *output);
+    } catch (const tsql::SqlError& error) {
+      output->error(error);
+      ++failed;
+    }
+    out.flush();
+  }
+  return failed;
+}
+
+void addSqlCommand(CLI::App& app) {
+  struct Options {
+    std::string account;
+    bool empty = false;
+    SqlFormat format = SqlFormat::table;
+    std::string file;
+  };
+  CLI::App& command = *app.add_subcommand("sql", "Run T-SQL batches, separated by lines that hold only `go`");
+  const auto options = std::make_shared<Options>();
+  static const std::map<std::string, SqlFormat> formats = {{"table", SqlFormat::table}, {"json", SqlFormat::json}};
+  CLI::Option_group& source = *command.add_option_group("source");
+  source.add_option("--account", options->account, "The account file");
+  source.add_flag("--empty", options->empty, "An empty database in memory");
+  source.require_option(1);
+  command.add_option("--format", options->format, "table or json")
+      ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case).description(""));
+  command.add_option("FILE", options->file, "The script; standard input when it is left out");
+  command.callback([options] {
+    const auto account = options->empty
+                             ? tsql::Connection::openInMemory()
+                             : tsql::Connection::open(accountFile(options->account), tsql::OpenMode::existing);
+    std::ifstream file;
+    if (!options->file.empty()) {
+      file.open(pathFromUtf8(options->file), std::ios::binary);
+      if (!file) throw CommandError("cannot read " + options->file + "; check the name and its permissions");
+    }
+    std::istream& script = options->file.empty() ? std::cin : file;
+    const int failed = runScript(*account, script, options->format, std::cout, std::cerr);
+    if (failed > 0 && options->format == SqlFormat::table) endWith(1);
+  });
+}
+
+}  // namespace quillon::workbench

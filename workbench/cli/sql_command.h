@@ -1,0 +1,27 @@
+// `quillon sql`: runs a script of T-SQL batches on an account.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <istream>
+#include <ostream>
+
+#include "workbench/tsql/engine.h"
+
+namespace quillon::workbench {
+
+enum class SqlFormat { table, json };
+
+// Runs the batches of `script` (UTF-8), which a line holding only `go` ends, in any letter case. The error of a batch
+// ends that batch and not the run.
+//   json   one object a line: {"columns":[["name","type"]],"rows":[[...]]} for a result set, {"rowsAffected":N},
+//          {"error":{"number":N,"message":"..."}}
+//   table  an aligned table and the row counts; errors go to `errors` as one line each
+// Gives the count of batches that failed.
+int runScript(tsql::Connection& account, std::istream& script, SqlFormat format, std::ostream& out,
+              std::ostream& errors);
+
+// Adds the command. In table format a failed batch makes the exit status 1; in JSON errors are part of the answer, so
+// the exit status only tells whether the script could be run at all.
+void addSqlCommand(CLI::App& app);
+
+}  // namespace quillon::workbench

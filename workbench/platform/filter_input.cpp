@@ -1,0 +1,202 @@
+#include "workbench/platform/filter_input.h"
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+#include <stdexcept>
+
+#include "frame/text.h"
+#include "workbench/platform/embedded_session.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+constexpr std::string_view boundMark = "..";
+
+[[noreturn]] void refuse(const ItemRegistration& item, const std::string& reason) {
+  throw std::invalid_argument("filter item " + item.key + " (" + item.english + "): " + reason);
+}
+
+std::vector<std::string> split(std::string_view text, char separator) {
+  std::vector<std::string> parts;
+  while (true) {
+    const auto end = text.find(separator);
+    parts.emplace_back(trimBlanks(text.substr(0, end)));
+    if (end == std::string_view::npos) return parts;
+    text.remove_prefix(end + 1);
+  }
+}
+
+std::string join(const std::vector<std::string>& parts, std::string_view separator) {
+  std::string text;
+  for (const std::string& part : parts) {
+    if (!text.empty()) text += separator;
+    text += part;
+  }
+  return text;
+}
+
+// yyyy-mm-dd with a real month and day; one digit of month and day is enough, as people write them.
+bool isDate(std::string_view text) {
+  const std::vector<std::string> parts = split(text, '-');
+  const auto digits = [](const std::string& part) {
+    return !part.empty() && std::ranges::all_of(part, [](unsigned char c) { return std::isdigit(c) != 0; });
+  };
+  if (parts.size() != 3 || !std::ranges::all_of(parts, digits)) return false;
+  if (parts[0].size() != 4 || parts[1].size() > 2 || parts[2].size() > 2) return false;
+  constexpr int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const int year = std::stoi(parts[0]);
+  const int month = std::stoi(parts[1]);
+  const int day = std::stoi(parts[2]);
+  if (year < 1753 || month < 1 || month > 12) return false;  // the first year of a datetime
+  const bool leapDay = month == 2 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+  return day >= 1 && day <= days[month - 1] + (leapDay ? 1 : 0);
+}
+
+bool isNumber(std::string_view text) {
+  if (text.starts_with('-')) text.remove_prefix(1);
+  const auto point = text.find('.');
+  const auto digits = [](std::string_view part) {
+    return !part.empty() && std::ranges::all_of(part, [](unsigned char c) { return std::isdigit(c) != 0; });
+  };
+  return digits(text.substr(0, point)) && (point == std::string_view::npos || digits(text.substr(point + 1)));
+}
+
+std::string choiceList(const ItemRegistration& item) {
+  std::vector<std::string> texts;
+  for (const Choice& choice : item.choices) {
+    texts.push_back(choice.english.empty() ? choice.code : choice.code + " (" + choice.english + ")");
+  }
+  return join(texts, ", ");
+}
+
+const Choice* findChoice(const ItemRegistration& item, std::string_view code) {
+  const auto found = std::ranges::find(item.choices, code, &Choice::code);
+  return found == item.choices.end() ? nullptr : &*found;
+}
+
+// The codes that a choice item holds. Several of the one-digit codes may stand together ("02"), as the platform's own
+// dialog writes them.
+std::vector<std::string> chosenCodes(const FilterEntry& entry) {
+  std::vector<std::string> codes;
+  for (const std::string& part : split(entry.value, '\t')) {
+    if (!entry.item.multiple || findChoice(entry.item, part) != nullptr) {
+      codes.push_back(part);
+    } else {
+      for (const char digit : part)
+        codes.emplace_back(1, digit);
+    }
+  }
+  return codes;
+}
+
+void checkValue(const ItemRegistration& item, const std::string& value) {
+  if (value.empty()) return;
+  if (item.kind == InputKind::date && !isDate(value)) {
+    refuse(item, "\"" + value + "\" is no date; write it as yyyy-mm-dd");
+  }
+  if (item.kind == InputKind::number && !isNumber(value)) {
+    refuse(item, "\"" + value + "\" is no number; write digits with a point");
+  }
+}
+
+void checkEntry(const FilterEntry& entry) {
+  const ItemRegistration& item = entry.item;
+  const std::vector<std::string> values = split(entry.value, '\t');
+  if (values.size() > 1 && !item.multiple) refuse(item, "takes one value only");
+  if (!entry.value2.empty() && !item.range) refuse(item, "takes a single value, not a range");
+  for (const std::string& value : values)
+    checkValue(item, value);
+  checkValue(item, entry.value2);
+  if (item.choices.empty() || (entry.value.empty() && item.defaultValue.empty())) return;
+  for (const std::string& code : chosenCodes(entry)) {
+    if (findChoice(item, code) == nullptr) {
+      refuse(item, "there is no choice \"" + code + "\"; choose of " + choiceList(item));
+    }
+  }
+}
+
+std::string columnOf(Session& session, std::string_view sql) {
+  const std::unique_ptr<Recordset> rows = session.query(sql, readOnlyQuery);
+  std::string value;
+  if (!rows->eof()) value = rows->text(0).value_or("");
+  rows->close();
+  return value;
+}
+
+}  // namespace
+
+void prepareFilter(FilterObject& filter, Login& login, Session& session) {
+  if (FilterEntry* year = filter.find("iYear"); year != nullptr) {
+    const std::unique_ptr<Recordset> rows = session.query(
+        "Select Distinct iYear From orvsystem..UA_Period Where iYear < 9999 Order By iYear", readOnlyQuery);
+    for (; !rows->eof(); rows->moveNext())
+      year->item.choices.push_back({rows->text(0).value_or(""), "", ""});
+    rows->close();
+    year->item.defaultValue = login.accountingYear();
+    year->value = year->item.defaultValue;
+  }
+  if (FilterEntry* grade = filter.find("iGrade"); grade != nullptr) {
+    const int grades = std::stoi(columnOf(session, "Select IsNull(Max(iGrade), 1) From Ca_FxClassDef"));
+    for (int number = 1; number <= grades; ++number)
+      grade->item.choices.push_back({std::to_string(number), "", ""});
+  }
+}
+
+void setFilterItems(FilterObject& filter, std::span<const std::string> settings) {
+  std::set<const FilterEntry*> seen;
+  for (const std::string& setting : settings) {
+    const auto equals = setting.find('=');
+    if (equals == std::string::npos) {
+      throw std::invalid_argument("\"" + setting + "\" sets no filter item; write key=value");
+    }
+    const std::string_view key = trimBlanks(std::string_view(setting).substr(0, equals));
+    FilterEntry* entry = filter.find(key);
+    if (entry == nullptr) {
+      std::vector<std::string> keys;
+      for (const auto& known : filter.entries())
+        keys.push_back(known->item.key);
+      throw std::invalid_argument("the report has no filter item \"" + std::string(key) + "\"; it has " +
+                                  join(keys, ", "));
+    }
+    const std::string value = setting.substr(equals + 1);
+    const bool again = !seen.insert(entry).second;
+    const auto bounds = value.find(boundMark);
+    if (again && !entry->item.multiple) refuse(entry->item, "is set twice");
+    if (entry->item.range) {
+      entry->value = trimBlanks(value.substr(0, bounds));
+      entry->value2 =
+          bounds == std::string::npos ? entry->value : std::string(trimBlanks(value.substr(bounds + boundMark.size())));
+    } else if (entry->item.multiple) {
+      const std::string list = join(split(value, ','), "\t");
+      entry->value = again ? entry->value + "\t" + list : list;
+    } else {
+      entry->value = trimBlanks(value);
+    }
+  }
+}
+
+void checkFilter(const FilterObject& filter) {
+  for (const auto& entry : filter.entries())
+    checkEntry(*entry);
+}
+
+std::string describeEntry(const FilterEntry& entry, Language language) {
+  if (!entry.sql.empty()) return entry.sql;
+  if (entry.item.range) {
+    if (entry.value.empty() && entry.value2.empty()) return {};
+    return entry.value == entry.value2 ? entry.value : entry.value + " .. " + entry.value2;
+  }
+  if (entry.value.empty()) return {};
+  if (entry.item.choices.empty()) return join(split(entry.value, '\t'), ", ");
+  std::vector<std::string> names;
+  for (const std::string& code : chosenCodes(entry)) {
+    const Choice* choice = findChoice(entry.item, code);
+    const std::string name = choice == nullptr ? "" : language == Language::chinese ? choice->chinese : choice->english;
+    names.push_back(name.empty() ? code : name);
+  }
+  return join(names, ", ");
+}
+
+}  // namespace quillon::workbench

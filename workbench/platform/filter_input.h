@@ -1,0 +1,31 @@
+// Filling a filter object from what a person writes: a filter file or key=value texts. Every refusal is a
+// std::invalid_argument whose text names the item and says what would do.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "frame/platform.h"
+#include "workbench/platform/filter_object.h"
+
+namespace quillon::workbench {
+
+// Gives the items that depend on the account their choices, and the year its default: iYear the years of
+// orvsystem..UA_Period and the login's year, iGrade the grades of Ca_FxClassDef. Throws AutomationError when a query
+// fails.
+void prepareFilter(FilterObject& filter, Login& login, Session& session);
+
+// Sets item values from "key=value" texts in order. The key's letter case does not matter. A range item takes
+// "lower..upper", where either bound may be missing, or one value for both bounds; a date is "yyyy-mm-dd". An item of
+// several values takes them separated by commas, or the key again. An empty value clears the item.
+void setFilterItems(FilterObject& filter, std::span<const std::string> settings);
+
+// Checks what was entered: choices against their codes, numbers, dates, and that single values are single.
+void checkFilter(const FilterObject& filter);
+
+// What was entered in `entry`, for a reader: choices by their names, bounds as "from .. to", several values with
+// commas; empty when nothing was.
+std::string describeEntry(const FilterEntry& entry, Language language);
+
+}  // namespace quillon::workbench
