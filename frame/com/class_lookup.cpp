@@ -1,0 +1,33 @@
+#include "frame/com/class_lookup.h"
+
+#include "frame/com/errors.h"
+
+namespace quillon::com {
+
+CLSID classIdOf(const PlatformClass& wanted) noexcept {
+  CLSID id;
+  return SUCCEEDED(CLSIDFromProgID(wanted.progId, &id)) ? id : wanted.standIn;
+}
+
+LateBound tryCreateObject(const PlatformClass& wanted) {
+  std::string name = toUtf8(std::wstring_view(wanted.progId));
+  ComPtr<IDispatch> object;
+  const HRESULT code = CoCreateInstance(classIdOf(wanted), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
+                                        IID_IDispatch, reinterpret_cast<void**>(object.out()));
+  if (code == REGDB_E_CLASSNOTREG) return {};
+  if (FAILED(code)) throw AutomationError(code, name, name + " cannot be created: " + systemMessage(code));
+  return {std::move(object), std::move(name)};
+}
+
+LateBound createObject(const PlatformClass& wanted) {
+  LateBound object = tryCreateObject(wanted);
+  if (!object) {
+    const std::string name = toUtf8(std::wstring_view(wanted.progId));
+    throw AutomationError(
+        REGDB_E_CLASSNOTREG, name,
+        name + " is not registered on this machine: install or register the component that it belongs to.");
+  }
+  return object;
+}
+
+}  // namespace quillon::com

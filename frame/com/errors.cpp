@@ -1,0 +1,122 @@
+#include "frame/com/errors.h"
+
+#include <array>
+#include <cstdio>
+#include <new>
+
+#include "frame/com/com_ptr.h"
+#include "frame/com/text.h"
+
+namespace quillon::com {
+
+namespace {
+
+// Automation's rule for an error that is only a number: it is one of Basic's, in the control facility.
+constexpr HRESULT fromBasicNumber(WORD number) {
+  return static_cast<HRESULT>(0x800A0000U | number);
+}
+
+// A callee that says "exception" but gives no failure code has failed all the same.
+AutomationError describedError(HRESULT code, std::string source, std::string description,
+                               std::string_view fallbackSource, std::string_view member) {
+  if (source.empty()) source = fallbackSource;
+  if (description.empty())
+    description = std::string(fallbackSource) + "." + std::string(member) + ": " + systemMessage(code);
+  return {code, std::move(source), std::move(description)};
+}
+
+}  // namespace
+
+std::string systemMessage(HRESULT code) {
+  wchar_t* text = nullptr;
+  const DWORD length =
+      FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                     nullptr, static_cast<DWORD>(code), 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+  std::string message = length == 0 ? std::string() : toUtf8(std::wstring_view(text, length));
+  LocalFree(text);
+  while (!message.empty() && (message.back() == '\n' || message.back() == '\r' || message.back() == ' '))
+    message.pop_back();
+  if (!message.empty()) return message;
+  std::array<char, 32> number{};
+  const int size = std::snprintf(number.data(), number.size(), "error 0x%08lx", static_cast<unsigned long>(code));
+  return {number.data(), static_cast<std::size_t>(size)};
+}
+
+AutomationError takeExcepInfo(EXCEPINFO& info, std::string_view source, std::string_view member) {
+  if (info.pfnDeferredFillIn) {
+    // A fill-in that fails leaves what is already there.
+    static_cast<void>(info.pfnDeferredFillIn(&info));
+    info.pfnDeferredFillIn = nullptr;
+  }
+  Bstr sourceText;
+  Bstr description;
+  *sourceText.out() = std::exchange(info.bstrSource, nullptr);
+  *description.out() = std::exchange(info.bstrDescription, nullptr);
+  SysFreeString(std::exchange(info.bstrHelpFile, nullptr));
+  HRESULT code = info.scode;
+  if (code == 0 && info.wCode != 0) code = fromBasicNumber(info.wCode);
+  if (SUCCEEDED(code)) code = DISP_E_EXCEPTION;
+  return describedError(code, sourceText.utf8(), description.utf8(), source, member);
+}
+
+AutomationError takeErrorInfo(HRESULT code, IUnknown& callee, REFIID interfaceId, std::string_view source,
+                              std::string_view member) {
+  Bstr sourceText;
+  Bstr description;
+  ComPtr<ISupportErrorInfo> support;
+  ComPtr<IErrorInfo> info;
+  if (SUCCEEDED(callee.QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(support.out()))) &&
+      support->InterfaceSupportsErrorInfo(interfaceId) == S_OK && GetErrorInfo(0, info.out()) == S_OK) {
+    static_cast<void>(info->GetSource(sourceText.out()));
+    static_cast<void>(info->GetDescription(description.out()));
+  }
+  return describedError(code, sourceText.utf8(), description.utf8(), source, member);
+}
+
+AutomationError currentError(std::string_view source) {
+  try {
+    throw;
+  } catch (const AutomationError& error) {
+    // A success code would tell the caller that nothing went wrong.
+    if (error.code() < 0) return error;
+    return {hresult::fail, error.source(), error.description()};
+  } catch (const std::bad_alloc&) {
+    return {hresult::outOfMemory, std::string(source), "There is not enough memory to finish the call."};
+  } catch (const std::exception& error) {
+    return {hresult::unexpected, std::string(source), std::string("Internal error: ") + error.what()};
+  } catch (...) {
+    return {hresult::unexpected, std::string(source), "Internal error of an unknown kind."};
+  }
+}
+
+HRESULT setErrorInfo(const AutomationError& error, REFIID interfaceId) noexcept {
+  try {
+    Bstr source(error.source());
+    Bstr description(error.description());
+    ComPtr<ICreateErrorInfo> creator;
+    ComPtr<IErrorInfo> info;
+    if (SUCCEEDED(CreateErrorInfo(creator.out())) && SUCCEEDED(creator->SetGUID(interfaceId)) &&
+        SUCCEEDED(creator->SetSource(source.get())) && SUCCEEDED(creator->SetDescription(description.get())) &&
+        SUCCEEDED(creator->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(info.out()))))
+      SetErrorInfo(0, info.get());
+  } catch (const std::bad_alloc&) {
+    SetErrorInfo(0, nullptr);  // the code alone still tells what failed
+  }
+  return error.code();
+}
+
+HRESULT fillExcepInfo(const AutomationError& error, EXCEPINFO* info) noexcept {
+  if (!info) return DISP_E_EXCEPTION;
+  *info = EXCEPINFO{};
+  info->scode = error.code();
+  try {
+    info->bstrSource = makeBstr(error.source());
+    info->bstrDescription = makeBstr(error.description());
+  } catch (const std::bad_alloc&) {
+    // The code alone still tells what failed.
+    return DISP_E_EXCEPTION;
+  }
+  return DISP_E_EXCEPTION;
+}
+
+}  // namespace quillon::com

@@ -1,0 +1,116 @@
+#include "frame/com/late_bound.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "frame/com/errors.h"
+
+namespace quillon::com {
+
+namespace {
+
+// Basic's error 91, "Object variable not set", as automation carries it.
+constexpr HResult objectNotSet = static_cast<HResult>(0x800A005BU);
+
+// Basic passes this when it reads a value: the member may be a property or a function.
+constexpr WORD readKind = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+
+}  // namespace
+
+void LateBound::fail(HRESULT code, const wchar_t* member) const {
+  throw AutomationError(code, source_, source_ + "." + toUtf8(std::wstring_view(member)) + ": " + systemMessage(code));
+}
+
+DISPID LateBound::idOf(const wchar_t* member) const {
+  if (!object_)
+    throw AutomationError(
+        objectNotSet, source_,
+        source_ + " is not set: its member " + toUtf8(std::wstring_view(member)) + " cannot be used.");
+  std::wstring name(member);
+  LPOLESTR names[] = {name.data()};
+  DISPID id = DISPID_UNKNOWN;
+  const HRESULT code = object_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id);
+  if (FAILED(code)) fail(code, member);
+  return id;
+}
+
+Variant LateBound::invoke(DISPID id, const wchar_t* member, WORD kind, std::span<const Variant> arguments) const {
+  // Automation wants the arguments last to first. The array borrows what the arguments hold.
+  std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
+  DISPID assigned = DISPID_PROPERTYPUT;
+  DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
+  const bool put = (kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
+  if (put) {
+    parameters.rgdispidNamedArgs = &assigned;
+    parameters.cNamedArgs = 1;
+  }
+  Variant result;
+  EXCEPINFO info{};
+  UINT badArgument = 0;
+  const HRESULT code = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
+                                       put ? nullptr : result.out(), &info, &badArgument);
+  if (code == DISP_E_EXCEPTION) throw takeExcepInfo(info, source_, toUtf8(std::wstring_view(member)));
+  if (FAILED(code)) fail(code, member);
+  return result;
+}
+
+void LateBound::call(const wchar_t* member, std::initializer_list<Variant> arguments) const {
+  invoke(idOf(member), member, DISPATCH_METHOD, {arguments.begin(), arguments.size()});
+}
+
+Variant LateBound::get(const wchar_t* member, std::initializer_list<Variant> arguments) const {
+  return invoke(idOf(member), member, readKind, {arguments.begin(), arguments.size()});
+}
+
+void LateBound::put(const wchar_t* member, Variant value) const {
+  invoke(idOf(member), member, DISPATCH_PROPERTYPUT, {&value, 1});
+}
+
+Variant LateBound::getById(DISPID id, const wchar_t* member, std::initializer_list<Variant> arguments) const {
+  if (!object_) static_cast<void>(idOf(member));
+  return invoke(id, member, readKind, {arguments.begin(), arguments.size()});
+}
+
+template <class Read>
+auto LateBound::read(const wchar_t* member, std::initializer_list<Variant> arguments, Read convert) const {
+  const Variant value = get(member, arguments);
+  try {
+    return convert(value);
+  } catch (const AutomationError& error) {
+    throw AutomationError(error.code(), source_,
+                          source_ + "." + toUtf8(std::wstring_view(member)) + ": " + error.description());
+  }
+}
+
+std::string LateBound::text(const wchar_t* member, std::initializer_list<Variant> arguments) const {
+  return read(member, arguments, [](const VARIANT& value) { return toText(value); });
+}
+
+int LateBound::integer(const wchar_t* member, std::initializer_list<Variant> arguments) const {
+  return read(member, arguments, [](const VARIANT& value) { return toInteger(value); });
+}
+
+bool LateBound::flag(const wchar_t* member, std::initializer_list<Variant> arguments) const {
+  return read(member, arguments, [](const VARIANT& value) { return toFlag(value); });
+}
+
+LateBound LateBound::object(const wchar_t* member, std::string resultSource,
+                            std::initializer_list<Variant> arguments) const {
+  return {read(member, arguments,
+               [](const VARIANT& value) {
+                 ComPtr<IDispatch> object = toObject(value);
+                 if (!object) throw AutomationError(objectNotSet, {}, "The object is not set.");
+                 return object;
+               }),
+          std::move(resultSource)};
+}
+
+LateBound LateBound::item(Variant index, std::string resultSource) const {
+  const Variant value = getById(DISPID_VALUE, L"Item", {std::move(index)});
+  ComPtr<IDispatch> object = toObject(value);
+  if (!object) fail(objectNotSet, L"Item");
+  return {std::move(object), std::move(resultSource)};
+}
+
+}  // namespace quillon::com

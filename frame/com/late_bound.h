@@ -1,0 +1,54 @@
+// Calls on an automation object by member name, as Basic makes them.
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "frame/com/variant.h"
+
+namespace quillon::com {
+
+class LateBound {
+ public:
+  LateBound() = default;
+  // `source` names the object in the errors that it does not describe itself ("ADODB.Connection").
+  LateBound(ComPtr<IDispatch> object, std::string source) : object_(std::move(object)), source_(std::move(source)) {}
+
+  explicit operator bool() const noexcept { return static_cast<bool>(object_); }
+  IDispatch* get() const noexcept { return object_.get(); }
+  const ComPtr<IDispatch>& object() const noexcept { return object_; }
+  const std::string& source() const noexcept { return source_; }
+
+  // All of these throw AutomationError: with what the object reported, with the failing code when the object lacks the
+  // member or refuses the arguments, with DISP_E_TYPEMISMATCH when a result is not of the wanted kind, and with Basic's
+  // error 91 when there is no object. Arguments stand in their natural order; a result written into a reference stays
+  // in the caller's variable.
+  void call(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
+  Variant get(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
+  std::string text(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
+  int integer(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
+  bool flag(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
+  // The object that `member` gives; `resultSource` names it from then on. Throws Basic's error 91 for "Nothing".
+  LateBound object(const wchar_t* member, std::string resultSource,
+                   std::initializer_list<Variant> arguments = {}) const;
+  void put(const wchar_t* member, Variant value) const;
+
+  // By dispatch id; `member` only names it in errors. DISPID_VALUE is the default member.
+  Variant getById(DISPID id, const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
+  // The item `index` of a collection, by its default member.
+  LateBound item(Variant index, std::string resultSource) const;
+
+ private:
+  DISPID idOf(const wchar_t* member) const;
+  Variant invoke(DISPID id, const wchar_t* member, WORD kind, std::span<const Variant> arguments) const;
+  [[noreturn]] void fail(HRESULT code, const wchar_t* member) const;
+  template <class Read>
+  auto read(const wchar_t* member, std::initializer_list<Variant> arguments, Read convert) const;
+
+  ComPtr<IDispatch> object_;
+  std::string source_;
+};
+
+}  // namespace quillon::com

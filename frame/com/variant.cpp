@@ -1,0 +1,259 @@
+#include "frame/com/variant.h"
+
+#include <array>
+#include <cstdio>
+#include <new>
+#include <utility>
+
+#include "frame/automation_error.h"
+
+namespace quillon::com {
+
+namespace {
+
+// Conversions that must not depend on the machine's settings are made as in the United States: a point, no marks.
+constexpr LCID neutralLocale = MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT);
+
+// The automation functions only read their source; their declarations here do not say so.
+VARIANT* source(const VARIANT& value) {
+  return const_cast<VARIANT*>(&value);
+}
+
+[[noreturn]] void throwMismatch(const VARIANT& value, const char* wanted) {
+  throw AutomationError(
+      hresult::typeMismatch, "Quillon",
+      "A value of automation type " + std::to_string(value.vt) + " cannot be read as " + wanted + ".");
+}
+
+bool isObject(const VARIANT& value) {
+  return value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN;
+}
+
+// The value behind all references, and behind an object its default member's value.
+Variant plainValue(const VARIANT& value, const char* wanted) {
+  Variant plain = dereferenced(value);
+  if (!isObject(plain)) return plain;
+  const ComPtr<IDispatch> object = toObject(plain);
+  DISPPARAMS none{};
+  Variant result;
+  if (!object || FAILED(object->Invoke(DISPID_VALUE, IID_NULL, neutralLocale, DISPATCH_PROPERTYGET | DISPATCH_METHOD,
+                                       &none, result.out(), nullptr, nullptr)))
+    throwMismatch(plain, wanted);
+  result = dereferenced(result);
+  if (isObject(result)) throwMismatch(result, wanted);
+  return result;
+}
+
+Variant converted(const VARIANT& value, VARTYPE type, const char* wanted) {
+  Variant result;
+  const HRESULT code = VariantChangeTypeEx(&result, source(value), neutralLocale, VARIANT_ALPHABOOL, type);
+  if (code == E_OUTOFMEMORY) throw std::bad_alloc();
+  if (FAILED(code)) throwMismatch(value, wanted);
+  return result;
+}
+
+std::string isoDate(const VARIANT& value) {
+  SYSTEMTIME time{};
+  if (!VariantTimeToSystemTime(value.date, &time)) throwMismatch(value, "a date");
+  std::array<char, 64> text{};
+  const bool hasTime = time.wHour != 0 || time.wMinute != 0 || time.wSecond != 0;
+  const int length =
+      hasTime ? std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.wYear, time.wMonth,
+                              time.wDay, time.wHour, time.wMinute, time.wSecond)
+              : std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", time.wYear, time.wMonth, time.wDay);
+  return {text.data(), static_cast<std::size_t>(length)};
+}
+
+// The size of a variable that a typed reference points at and that is held inline, 0 for types that own something.
+std::size_t inlineSize(VARTYPE type) {
+  switch (type) {
+    case VT_I1:
+    case VT_UI1:
+      return 1;
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+      return 2;
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_R4:
+    case VT_ERROR:
+      return 4;
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+      return 8;
+    default:
+      return 0;
+  }
+}
+
+}  // namespace
+
+Variant::Variant(const VARIANT& other) : Variant() {
+  const HRESULT code = VariantCopy(this, source(other));
+  if (code == E_OUTOFMEMORY) throw std::bad_alloc();
+  if (FAILED(code)) throwMismatch(other, "a variant");
+}
+
+Variant& Variant::operator=(Variant other) noexcept {
+  std::swap(static_cast<VARIANT&>(*this), static_cast<VARIANT&>(other));
+  return *this;
+}
+
+Variant Variant::adopt(const VARIANT& value) noexcept {
+  Variant result;
+  static_cast<VARIANT&>(result) = value;
+  return result;
+}
+
+Variant Variant::missing() noexcept {
+  Variant result;
+  result.vt = VT_ERROR;
+  result.scode = DISP_E_PARAMNOTFOUND;
+  return result;
+}
+
+Variant Variant::null() noexcept {
+  Variant result;
+  result.vt = VT_NULL;
+  return result;
+}
+
+Variant Variant::fromDate(double days) noexcept {
+  Variant result;
+  result.vt = VT_DATE;
+  result.date = days;
+  return result;
+}
+
+Variant Variant::reference(VARIANT& variable) noexcept {
+  Variant result;
+  result.vt = VT_VARIANT | VT_BYREF;
+  result.pvarVal = &variable;
+  return result;
+}
+
+Variant Variant::reference(IDispatch*& variable) noexcept {
+  Variant result;
+  result.vt = VT_DISPATCH | VT_BYREF;
+  result.ppdispVal = &variable;
+  return result;
+}
+
+VARIANT Variant::release() noexcept {
+  VARIANT value = *this;
+  vt = VT_EMPTY;
+  return value;
+}
+
+VARIANT* Variant::out() noexcept {
+  VariantClear(this);
+  return this;
+}
+
+Variant dereferenced(const VARIANT& value) {
+  const VARIANT* at = &value;
+  while (at->vt == (VT_VARIANT | VT_BYREF)) {
+    if (!at->pvarVal) throwMismatch(*at, "a variant");
+    at = at->pvarVal;
+  }
+  if (!(at->vt & VT_BYREF)) return Variant(*at);
+  if (!at->byref) throwMismatch(*at, "a variable");
+  Variant result;
+  const HRESULT code = VariantCopyInd(&result, source(*at));
+  if (code == E_OUTOFMEMORY) throw std::bad_alloc();
+  if (FAILED(code)) throwMismatch(*at, "a value");
+  return result;
+}
+
+bool isMissing(const VARIANT& value) {
+  const Variant plain = dereferenced(value);
+  return plain.vt == VT_ERROR && plain.scode == DISP_E_PARAMNOTFOUND;
+}
+
+bool isNull(const VARIANT& value) {
+  return dereferenced(value).vt == VT_NULL;
+}
+
+std::optional<std::string> toTextOrNull(const VARIANT& value) {
+  const Variant plain = plainValue(value, "text");
+  switch (plain.vt) {
+    case VT_NULL:
+      return std::nullopt;
+    case VT_EMPTY:
+      return std::string();
+    case VT_BSTR:
+      return toUtf8(plain.bstrVal);
+    case VT_DATE:
+      return isoDate(plain);
+    case VT_BOOL:
+      return plain.boolVal != VARIANT_FALSE ? "True" : "False";
+    default:
+      return toUtf8(converted(plain, VT_BSTR, "text").bstrVal);
+  }
+}
+
+std::string toText(const VARIANT& value) {
+  return toTextOrNull(value).value_or(std::string());
+}
+
+int toInteger(const VARIANT& value) {
+  return converted(plainValue(value, "a whole number"), VT_I4, "a whole number").lVal;
+}
+
+bool toFlag(const VARIANT& value) {
+  return converted(plainValue(value, "a flag"), VT_BOOL, "a flag").boolVal != VARIANT_FALSE;
+}
+
+ComPtr<IDispatch> toObject(const VARIANT& value) {
+  Variant plain = dereferenced(value);
+  if (plain.vt == VT_DISPATCH) return ComPtr<IDispatch>(plain.pdispVal);
+  ComPtr<IDispatch> object;
+  if (plain.vt == VT_UNKNOWN) {
+    if (!plain.punkVal) return object;
+    if (SUCCEEDED(plain.punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.out())))) return object;
+  }
+  throwMismatch(plain, "an object");
+}
+
+HRESULT writeBack(VARIANT& target, const VARIANT& value) noexcept {
+  if (!(target.vt & VT_BYREF)) return S_OK;
+  if (!target.byref) return E_POINTER;
+  const VARTYPE type = static_cast<VARTYPE>(target.vt & ~VT_BYREF);
+  if (type == VT_VARIANT) {
+    // A variant that is itself a reference to a variable passes the value on to that variable.
+    if (target.pvarVal->vt & VT_BYREF) return writeBack(*target.pvarVal, value);
+    return VariantCopyInd(target.pvarVal, source(value));
+  }
+  VARIANT result;
+  VariantInit(&result);
+  const HRESULT code = VariantChangeTypeEx(&result, source(value), neutralLocale, VARIANT_ALPHABOOL, type);
+  if (FAILED(code)) return code == E_OUTOFMEMORY ? code : DISP_E_TYPEMISMATCH;
+  if (const std::size_t size = inlineSize(type)) {
+    CopyMemory(target.byref, &result.lVal, size);
+    return S_OK;
+  }
+  switch (type) {
+    case VT_BSTR:
+      SysFreeString(std::exchange(*target.pbstrVal, result.bstrVal));
+      return S_OK;
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      if (IUnknown* old = std::exchange(*target.ppunkVal, result.punkVal)) old->Release();
+      return S_OK;
+    case VT_DECIMAL:
+      result.decVal.wReserved = 0;
+      *target.pdecVal = result.decVal;
+      return S_OK;
+    default:
+      VariantClear(&result);
+      return DISP_E_TYPEMISMATCH;
+  }
+}
+
+}  // namespace quillon::com

@@ -1,0 +1,8 @@
+// The Win32 and automation headers, in the order that they need.
+#pragma once
+
+// clang-format off
+#include <windows.h>
+#include <ole2.h>
+#include <oleauto.h>
+// clang-format on

@@ -1,0 +1,159 @@
+#include "frame/com/late_bound.h"
+
+#include <gtest/gtest.h>
+
+#include "frame/automation_error.h"
+#include "frame/com/dispatch_object.h"
+
+namespace quillon::com {
+namespace {
+
+// Answers as the objects of Basic do: a failure is described in EXCEPINFO, at once or when it is asked for.
+class Callee : public Automation<Callee> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member rows[] = {
+        {L"Item", DISPID_VALUE, readable, 1, 1, &Callee::item}, {L"Name", 1, readable | writable, 0, 0, &Callee::name},
+        {L"Nothing", 2, readable, 0, 0, &Callee::nothing},      {L"Self", 3, readable, 0, 0, &Callee::self},
+        {L"Count", 4, callable, 1, 1, &Callee::count},
+    };
+    return rows;
+  }
+
+  enum class Failure { none, number, deferred, code, empty };
+  Failure failure = Failure::none;
+
+  STDMETHODIMP Invoke(DISPID id, REFIID reserved, LCID locale, WORD kind, DISPPARAMS* parameters, VARIANT* result,
+                      EXCEPINFO* info, UINT* badArgument) override {
+    switch (failure) {
+      case Failure::none:
+        return Automation::Invoke(id, reserved, locale, kind, parameters, result, info, badArgument);
+      case Failure::number:
+        info->wCode = 91;
+        info->bstrSource = makeBstr("Callee");
+        info->bstrDescription = makeBstr("Object variable not set");
+        return DISP_E_EXCEPTION;
+      case Failure::deferred:
+        info->scode = E_ACCESSDENIED;
+        info->pfnDeferredFillIn = &fillIn;
+        return DISP_E_EXCEPTION;
+      case Failure::code:
+        return E_NOTIMPL;
+      case Failure::empty:
+        return DISP_E_EXCEPTION;
+    }
+    return E_UNEXPECTED;
+  }
+
+ private:
+  static HRESULT STDAPICALLTYPE fillIn(EXCEPINFO* info) {
+    info->bstrSource = makeBstr("Late");
+    info->bstrDescription = makeBstr("Filled in when asked for");
+    return S_OK;
+  }
+
+  Variant item(Call& call) {
+    if (call.text(0) == "none") return Variant(static_cast<IDispatch*>(nullptr));
+    return makeObject<Callee>();
+  }
+  Variant name(Call& call) {
+    if (!call.assigns()) return name_;
+    name_ = toText(call.assigned());
+    return {};
+  }
+  Variant nothing(Call& /*call*/) { return Variant(static_cast<IDispatch*>(nullptr)); }
+  Variant self(Call& /*call*/) { return this; }
+  Variant count(Call& call) {
+    call.writeBack(0, Variant(3));
+    return {};
+  }
+
+  std::string name_ = "first";
+};
+
+class LateBoundTest : public testing::Test {
+ protected:
+  // The error that `action` ends with.
+  template <class Action>
+  AutomationError errorOf(Action action) {
+    try {
+      action();
+    } catch (const AutomationError& error) {
+      return error;
+    }
+    return {0, "nothing", "was thrown"};
+  }
+  void TearDown() override {
+    object_ = {};
+    callee_.reset();
+    EXPECT_EQ(LiveCount::value(), 0);
+  }
+
+  ComPtr<Callee> callee_ = makeObject<Callee>();
+  LateBound object_{callee_, "Callee.Object"};
+};
+
+TEST_F(LateBoundTest, ReadsAndWritesByName) {
+  EXPECT_EQ(object_.text(L"NAME"), "first");
+  object_.put(L"Name", "second");
+  EXPECT_EQ(object_.text(L"Name"), "second");
+  EXPECT_EQ(object_.object(L"Self", "Self").text(L"Name"), "second");
+  EXPECT_EQ(object_.item("any", "Item").text(L"Name"), "first");
+}
+
+TEST_F(LateBoundTest, AResultComesBackThroughAReference) {
+  Variant count;
+  object_.call(L"Count", {Variant::reference(count)});
+  EXPECT_EQ(toInteger(count), 3);
+}
+
+TEST_F(LateBoundTest, AMissingMemberIsNamed) {
+  const AutomationError error = errorOf([&] { object_.get(L"Missing"); });
+  EXPECT_EQ(error.code(), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(error.source(), "Callee.Object");
+  EXPECT_TRUE(error.description().starts_with("Callee.Object.Missing: ")) << error.description();
+}
+
+TEST_F(LateBoundTest, AnErrorNumberOfBasicBecomesItsCode) {
+  callee_->failure = Callee::Failure::number;
+  const AutomationError error = errorOf([&] { object_.get(L"Name"); });
+  EXPECT_EQ(static_cast<std::uint32_t>(error.code()), 0x800A005BU);
+  EXPECT_EQ(error.source(), "Callee");
+  EXPECT_EQ(error.description(), "Object variable not set");
+}
+
+TEST_F(LateBoundTest, ADescriptionThatIsFilledInLateIsAskedFor) {
+  callee_->failure = Callee::Failure::deferred;
+  const AutomationError error = errorOf([&] { object_.call(L"Count", {1}); });
+  EXPECT_EQ(error.code(), E_ACCESSDENIED);
+  EXPECT_EQ(error.source(), "Late");
+  EXPECT_EQ(error.description(), "Filled in when asked for");
+}
+
+TEST_F(LateBoundTest, ABareCodeIsDescribedByTheMember) {
+  callee_->failure = Callee::Failure::code;
+  const AutomationError error = errorOf([&] { object_.put(L"Name", "x"); });
+  EXPECT_EQ(error.code(), E_NOTIMPL);
+  EXPECT_TRUE(error.description().starts_with("Callee.Object.Name: ")) << error.description();
+}
+
+TEST_F(LateBoundTest, AnExceptionWithoutACodeIsAFailureAllTheSame) {
+  callee_->failure = Callee::Failure::empty;
+  EXPECT_EQ(errorOf([&] { object_.get(L"Name"); }).code(), DISP_E_EXCEPTION);
+}
+
+TEST_F(LateBoundTest, NothingIsNoObject) {
+  const AutomationError error = errorOf([&] { object_.object(L"Nothing", "Its object"); });
+  EXPECT_EQ(static_cast<std::uint32_t>(error.code()), 0x800A005BU);
+  EXPECT_EQ(static_cast<std::uint32_t>(errorOf([&] { object_.item("none", "Item"); }).code()), 0x800A005BU);
+  EXPECT_EQ(static_cast<std::uint32_t>(errorOf([] { LateBound().get(L"Name"); }).code()), 0x800A005BU);
+}
+
+TEST_F(LateBoundTest, AResultOfTheWrongKindNamesTheMember) {
+  const AutomationError error = errorOf([&] { object_.integer(L"Name"); });
+  EXPECT_EQ(error.code(), DISP_E_TYPEMISMATCH);
+  EXPECT_TRUE(error.description().starts_with("Callee.Object.Name: ")) << error.description();
+}
+
+}  // namespace
+}  // namespace quillon::com

@@ -1,0 +1,175 @@
+#include "frame/com/variant.h"
+
+#include <gtest/gtest.h>
+
+#include "frame/automation_error.h"
+#include "frame/com/dispatch_object.h"
+
+namespace quillon::com {
+namespace {
+
+HResult mismatchOf(const VARIANT& value) {
+  try {
+    toText(value);
+  } catch (const AutomationError& error) {
+    return error.code();
+  }
+  return S_OK;
+}
+
+TEST(VariantReading, TextOfEveryKind) {
+  EXPECT_EQ(toText(Variant("01\t02")), "01\t02");
+  EXPECT_EQ(toText(Variant()), "");
+  EXPECT_EQ(toText(Variant::null()), "");
+  EXPECT_EQ(toText(Variant(-7)), "-7");
+  EXPECT_EQ(toText(Variant(true)), "True");
+  EXPECT_EQ(toText(Variant(false)), "False");
+  EXPECT_EQ(toText(Variant(1234567.5)), "1234567.5");
+  Variant amount;
+  amount.vt = VT_CY;
+  amount.cyVal.int64 = 12345678900;
+  EXPECT_EQ(toText(amount), "1234567.89");
+  Variant exact;
+  exact.decVal = DECIMAL{};
+  exact.vt = VT_DECIMAL;
+  exact.decVal.scale = 3;
+  exact.decVal.Lo64 = 1234567;
+  EXPECT_EQ(toText(exact), "1234.567");
+}
+
+TEST(VariantReading, ADateIsIsoText) {
+  EXPECT_EQ(toText(Variant::fromDate(45356.0)), "2024-03-05");
+  EXPECT_EQ(toText(Variant::fromDate(45356.75)), "2024-03-05 18:00:00");
+  EXPECT_EQ(toText(Variant::fromDate(2.0)), "1900-01-01");
+}
+
+TEST(VariantReading, ADateIsTheSameUnderAnotherLocale) {
+  const LCID before = GetThreadLocale();
+  SetThreadLocale(MAKELCID(MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN), SORT_DEFAULT));
+  const std::string date = toText(Variant::fromDate(45356.0));
+  const std::string number = toText(Variant(1.5));
+  SetThreadLocale(before);
+  EXPECT_EQ(date, "2024-03-05");
+  EXPECT_EQ(number, "1.5");
+}
+
+TEST(VariantReading, NullIsToldFromEmptyText) {
+  EXPECT_EQ(toTextOrNull(Variant::null()), std::nullopt);
+  EXPECT_EQ(toTextOrNull(Variant("")), "");
+}
+
+TEST(VariantReading, GoesThroughEveryReference) {
+  Variant inner("deep");
+  Variant middle = Variant::reference(inner);
+  EXPECT_EQ(toText(Variant::reference(middle)), "deep");
+  LONG number = 42;
+  Variant typed;
+  typed.vt = VT_I4 | VT_BYREF;
+  typed.plVal = &number;
+  EXPECT_EQ(toInteger(Variant::reference(typed)), 42);
+}
+
+TEST(VariantReading, NumbersAndFlagsFromText) {
+  EXPECT_EQ(toInteger(Variant("17")), 17);
+  EXPECT_EQ(toInteger(Variant()), 0);
+  EXPECT_TRUE(toFlag(Variant("True")));
+  EXPECT_TRUE(toFlag(Variant(-1)));
+  EXPECT_FALSE(toFlag(Variant("0")));
+}
+
+TEST(VariantReading, WhatCannotBeReadIsAMismatch) {
+  EXPECT_EQ(mismatchOf(Variant::missing()), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(mismatchOf(Variant(static_cast<IDispatch*>(nullptr))), DISP_E_TYPEMISMATCH);
+  EXPECT_THROW(toInteger(Variant("seven")), AutomationError);
+  EXPECT_THROW(toFlag(Variant("perhaps")), AutomationError);
+  EXPECT_THROW(toObject(Variant("no object")), AutomationError);
+  Variant nowhere;
+  nowhere.vt = VT_BSTR | VT_BYREF;
+  nowhere.pbstrVal = nullptr;
+  EXPECT_EQ(mismatchOf(nowhere), DISP_E_TYPEMISMATCH);
+}
+
+class Field : public Automation<Field> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member rows[] = {{L"Value", DISPID_VALUE, readable, 0, 0, &Field::value}};
+    return rows;
+  }
+
+ private:
+  Variant value(Call& /*call*/) { return "by default"; }
+};
+
+TEST(VariantReading, AnObjectStandsForItsDefaultMember) {
+  EXPECT_EQ(toText(Variant(makeObject<Field>())), "by default");
+  EXPECT_EQ(LiveCount::value(), 0);
+}
+
+TEST(VariantWriting, AVariantTakesTheValueAsItIs) {
+  Variant variable(0);
+  Variant target = Variant::reference(variable);
+  EXPECT_EQ(writeBack(target, Variant(true)), S_OK);
+  EXPECT_EQ(variable.vt, VT_BOOL);
+  EXPECT_EQ(variable.boolVal, VARIANT_TRUE);
+}
+
+TEST(VariantWriting, ATypedVariableKeepsItsType) {
+  VARIANT_BOOL flag = VARIANT_FALSE;
+  Variant target;
+  target.vt = VT_BOOL | VT_BYREF;
+  target.pboolVal = &flag;
+  EXPECT_EQ(writeBack(target, Variant(-1)), S_OK);
+  EXPECT_EQ(flag, VARIANT_TRUE);
+
+  double number = 0;
+  target.vt = VT_R8 | VT_BYREF;
+  target.pdblVal = &number;
+  EXPECT_EQ(writeBack(target, Variant(7)), S_OK);
+  EXPECT_EQ(number, 7.0);
+
+  BSTR text = makeBstr("before");
+  target.vt = VT_BSTR | VT_BYREF;
+  target.pbstrVal = &text;
+  EXPECT_EQ(writeBack(target, Variant("cross")), S_OK);
+  EXPECT_EQ(toUtf8(text), "cross");
+  SysFreeString(text);
+  target.vt = VT_EMPTY;
+}
+
+TEST(VariantWriting, AReferenceInsideAVariantLeadsToTheVariable) {
+  SHORT number = 1;
+  Variant typed;
+  typed.vt = VT_I2 | VT_BYREF;
+  typed.piVal = &number;
+  Variant target = Variant::reference(typed);
+  EXPECT_EQ(writeBack(target, Variant("12")), S_OK);
+  EXPECT_EQ(number, 12);
+}
+
+TEST(VariantWriting, AnObjectVariableReleasesWhatItHeld) {
+  ComPtr<IDispatch> variable = makeObject<Field>();
+  IDispatch* held = variable.release();
+  Variant target = Variant::reference(held);
+  EXPECT_EQ(writeBack(target, Variant(makeObject<Field>())), S_OK);
+  EXPECT_EQ(LiveCount::value(), 1);
+  held->Release();
+  EXPECT_EQ(LiveCount::value(), 0);
+}
+
+TEST(VariantWriting, AValueHasNoVariableBehindIt) {
+  Variant target(5);
+  EXPECT_EQ(writeBack(target, Variant(6)), S_OK);
+  EXPECT_EQ(target.lVal, 5);
+}
+
+TEST(VariantWriting, WhatDoesNotFitIsAMismatchAndChangesNothing) {
+  LONG number = 3;
+  Variant target;
+  target.vt = VT_I4 | VT_BYREF;
+  target.plVal = &number;
+  EXPECT_EQ(writeBack(target, Variant("cross")), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(number, 3);
+}
+
+}  // namespace
+}  // namespace quillon::com
