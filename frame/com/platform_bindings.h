@@ -112,6 +112,8 @@ inline constexpr IID resourceServiceId = {0x1d2095d1, 0x5ff4, 0x4d54, {0x95, 0xb
 
 // The dual interface of the resource and message service. Its first slots are those of IDispatch; these four follow in
 // this order. Texts are passed by value, results are the caller's to free.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // as every interface of COM
 struct IResourceService : IDispatch {
   // The localized name of `code` of the enumeration `type` ("IA.Bustype").
   virtual HRESULT STDMETHODCALLTYPE EnumName(BSTR type, BSTR code, BSTR* name) = 0;
@@ -122,9 +124,7 @@ struct IResourceService : IDispatch {
   // With a key: its text with the list `arguments` put in. With a login object (and no arguments): takes it over, so
   // that texts come in its language; the text is empty then.
   virtual HRESULT STDMETHODCALLTYPE FormatText(VARIANT keyOrLogin, VARIANT arguments, BSTR* text) = 0;
-
- protected:
-  ~IResourceService() = default;
 };
+#pragma GCC diagnostic pop
 
 }  // namespace quillon::com::bindings

@@ -1,0 +1,461 @@
+#include "workbench/com/platform_objects.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string>
+#include <vector>
+
+#include "frame/com/class_lookup.h"
+#include "frame/com/errors.h"
+#include "frame/com/platform_bindings.h"
+#include "workbench/com/variant_list.h"
+
+namespace quillon::workbench {
+
+using com::Call;
+using com::ComPtr;
+using com::makeObject;
+using com::Variant;
+namespace bindings = com::bindings;
+
+namespace {
+
+// Text as a number when it is one, as the platform gives years; otherwise the text.
+Variant numberOrText(const std::string& text) {
+  int number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error == std::errc() && end == text.data() + text.size()) return number;
+  return text;
+}
+
+class LoginDispatch : public com::Automation<LoginDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::login::accountConnection, 1, com::readable, 0, 0, &LoginDispatch::accountConnection},
+        {bindings::login::password, 2, com::readable, 0, 0, &LoginDispatch::password},
+        {bindings::login::accountCode, 3, com::readable, 0, 0, &LoginDispatch::accountCode},
+        {bindings::login::accountingYear, 4, com::readable, 0, 0, &LoginDispatch::accountingYear},
+        {bindings::login::accountingYearText, 5, com::readable, 0, 0, &LoginDispatch::accountingYearText},
+        {bindings::login::languageRegion, 6, com::readable, 0, 0, &LoginDispatch::languageRegion},
+        {bindings::login::languageId, 7, com::readable, 0, 0, &LoginDispatch::languageId},
+        {bindings::login::currentPeriodYear, 8, com::readable, 0, 0, &LoginDispatch::currentPeriodYear},
+        {bindings::login::businessDate, 9, com::readable, 0, 0, &LoginDispatch::businessDate},
+        {bindings::login::authString, 10, com::readable | com::writable, 0, 0, &LoginDispatch::authString},
+    };
+    return table;
+  }
+
+  explicit LoginDispatch(std::shared_ptr<Login> login) : login_(std::move(login)) {}
+
+ private:
+  Variant accountConnection(Call&) { return login_->accountConnection(); }
+  Variant password(Call&) { return login_->password(); }
+  Variant accountCode(Call&) { return login_->accountCode(); }
+  Variant accountingYear(Call&) { return numberOrText(login_->accountingYear()); }
+  Variant accountingYearText(Call&) { return login_->accountingYearText(); }
+  Variant languageRegion(Call&) { return login_->languageRegion(); }
+  Variant languageId(Call&) { return numberOrText(login_->languageId()); }
+  Variant currentPeriodYear(Call&) { return login_->currentPeriodYear(); }
+  Variant businessDate(Call&) { return login_->businessDate(); }
+  Variant authString(Call& call) {
+    if (call.assigns()) authString_ = com::toText(call.assigned());
+    return authString_;
+  }
+  const char* sourceName() const override { return "Quillon login"; }
+
+  std::shared_ptr<Login> login_;
+  std::string authString_;
+};
+
+class FilterItemDispatch : public com::Automation<FilterItemDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::filter::value, DISPID_VALUE, com::readable | com::writable, 0, 0, &FilterItemDispatch::value},
+        {bindings::filter::value2, 1, com::readable | com::writable, 0, 0, &FilterItemDispatch::value2},
+        {bindings::filter::name, 2, com::readable, 0, 0, &FilterItemDispatch::name},
+        {bindings::filter::rangeInput, 3, com::readable, 0, 0, &FilterItemDispatch::rangeInput},
+        {bindings::filter::multipleSelection, 4, com::readable, 0, 0, &FilterItemDispatch::multipleSelection},
+        {bindings::filter::groupToken, 5, com::readable | com::writable, 0, 0, &FilterItemDispatch::groupToken},
+        {bindings::filter::sqlText, 6, com::readable | com::writable, 0, 0, &FilterItemDispatch::sqlText},
+    };
+    return table;
+  }
+
+  explicit FilterItemDispatch(std::shared_ptr<FilterEntry> entry) : entry_(std::move(entry)) {}
+
+ private:
+  static Variant textMember(Call& call, std::string& text) {
+    if (call.assigns()) text = com::toText(call.assigned());
+    return text;
+  }
+
+  Variant value(Call& call) { return textMember(call, entry_->value); }
+  Variant value2(Call& call) { return textMember(call, entry_->value2); }
+  Variant name(Call&) { return entry_->item.key; }
+  Variant rangeInput(Call&) { return entry_->item.range; }
+  Variant multipleSelection(Call&) { return entry_->item.multiple; }
+  Variant groupToken(Call& call) {
+    if (call.assigns()) entry_->token = com::toInteger(call.assigned());
+    return entry_->token;
+  }
+  Variant sqlText(Call& call) {
+    if (call.assigns()) entry_->sql = com::toText(call.assigned());
+    return conditionOf(*entry_);
+  }
+  const char* sourceName() const override { return "Quillon filter item"; }
+
+  std::shared_ptr<FilterEntry> entry_;
+};
+
+class FilterListDispatch : public com::Automation<FilterListDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {L"Item", DISPID_VALUE, com::readable, 1, 1, &FilterListDispatch::item},
+        {bindings::filter::count, 1, com::readable, 0, 0, &FilterListDispatch::count},
+        {L"_NewEnum", DISPID_NEWENUM, com::readable, 0, 0, &FilterListDispatch::each},
+    };
+    return table;
+  }
+
+  explicit FilterListDispatch(std::shared_ptr<FilterObject> filter) : filter_(std::move(filter)) {}
+
+  Variant at(const Variant& index) {
+    const auto& entries = filter_->entries();
+    const auto found = index.vt == VT_BSTR ? std::ranges::find(entries, filter_->find(com::toText(index)),
+                                                               &std::shared_ptr<FilterEntry>::get)
+                                           : atPosition(com::toInteger(index));
+    if (found == entries.end()) {
+      throw AutomationError(DISP_E_BADINDEX, sourceName(), "The filter has no item \"" + com::toText(index) + "\".");
+    }
+    return makeObject<FilterItemDispatch>(*found);
+  }
+
+ private:
+  std::vector<std::shared_ptr<FilterEntry>>::const_iterator atPosition(int position) const {
+    const auto& entries = filter_->entries();
+    return position < 1 || position > filter_->count() ? entries.end() : entries.begin() + (position - 1);
+  }
+
+  Variant item(Call& call) { return at(call.value(0)); }
+  Variant count(Call&) { return filter_->count(); }
+  Variant each(Call&) {
+    std::vector<Variant> items;
+    for (const auto& entry : filter_->entries())
+      items.emplace_back(makeObject<FilterItemDispatch>(entry));
+    return enumeratorOf(std::move(items));
+  }
+  const char* sourceName() const override { return "Quillon filter list"; }
+
+  std::shared_ptr<FilterObject> filter_;
+};
+
+class FilterDispatch : public com::Automation<FilterDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::filter::filterList, 1, com::readable, 0, 1, &FilterDispatch::filterList},
+        {bindings::filter::whereWithToken, 2, com::callable, 1, 1, &FilterDispatch::whereWithToken},
+    };
+    return table;
+  }
+
+  explicit FilterDispatch(std::shared_ptr<FilterObject> filter) : filter_(std::move(filter)) {}
+
+ private:
+  Variant filterList(Call& call) {
+    const ComPtr<FilterListDispatch> list = makeObject<FilterListDispatch>(filter_);
+    if (call.given(0)) return list->at(call.value(0));
+    return list;
+  }
+  Variant whereWithToken(Call& call) { return filter_->whereWithToken(call.integer(0)); }
+  const char* sourceName() const override { return "Quillon filter"; }
+
+  std::shared_ptr<FilterObject> filter_;
+};
+
+class DataSourceDispatch : public com::Automation<DataSourceDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::data_source::sql, DISPID_VALUE, com::readable, 0, 0, &DataSourceDispatch::sql},
+        {bindings::data_source::type, 1, com::readable | com::writable, 0, 0, &DataSourceDispatch::type},
+    };
+    return table;
+  }
+
+  explicit DataSourceDispatch(std::shared_ptr<WorkbenchArgument> argument) : argument_(std::move(argument)) {}
+
+ private:
+  Variant sql(Call&) { return argument_->dataSource()->resultTable(); }
+  Variant type(Call& call) {
+    if (call.assigns()) argument_->dataSource()->setType(com::toInteger(call.assigned()));
+    return argument_->dataSourceState().type;
+  }
+  const char* sourceName() const override { return "Quillon data source"; }
+
+  std::shared_ptr<WorkbenchArgument> argument_;
+};
+
+class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::argument::rawFilter, 1, com::readable, 0, 0, &ArgumentDispatch::rawFilter},
+        {bindings::argument::login, 2, com::readable, 0, 0, &ArgumentDispatch::login},
+        {bindings::argument::loginObj, 3, com::readable, 0, 0, &ArgumentDispatch::login},
+        {bindings::argument::dataSource, 4, com::readable, 0, 0, &ArgumentDispatch::dataSource},
+        {bindings::argument::action, 5, com::readable | com::writable, 0, 0, &ArgumentDispatch::action},
+    };
+    return table;
+  }
+
+  explicit ArgumentDispatch(std::shared_ptr<WorkbenchArgument> argument)
+      : argument_(std::move(argument)),
+        filter_(makeObject<FilterDispatch>(argument_->filter())),
+        login_(makeObject<LoginDispatch>(argument_->login())),
+        action_(argument_->action()) {}
+
+ private:
+  Variant rawFilter(Call&) { return filter_; }
+  Variant login(Call&) { return login_; }
+  Variant dataSource(Call&) { return makeObject<DataSourceDispatch>(argument_); }
+  Variant action(Call& call) {
+    if (call.assigns()) action_ = com::toText(call.assigned());
+    return action_;
+  }
+  const char* sourceName() const override { return "Quillon argument"; }
+
+  std::shared_ptr<WorkbenchArgument> argument_;
+  ComPtr<FilterDispatch> filter_;
+  ComPtr<LoginDispatch> login_;
+  std::string action_;
+};
+
+// IA_Pub.ClsIAPub over the connection that the caller passes: the one argument that is an object, wherever it stands
+// among the others, so that callers of either argument order are served.
+class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::public_component::accountInformation, 1, com::callable, 3, 3,
+         &PublicComponentDispatch::accountInformation},
+        {bindings::public_component::currentPeriodYear, 2, com::callable, 1, 1,
+         &PublicComponentDispatch::currentPeriodYear},
+        {bindings::public_component::costItemStartMonth, 3, com::callable, 2, 2,
+         &PublicComponentDispatch::costItemStartMonth},
+    };
+    return table;
+  }
+
+  explicit PublicComponentDispatch(std::shared_ptr<PublicComponent> component) : component_(std::move(component)) {}
+
+ private:
+  // The arguments of a call, sorted into the connection and the texts in their order.
+  struct Sorted {
+    ComPtr<AdoConnection> connection;
+    std::vector<std::string> texts;
+  };
+
+  Sorted sorted(Call& call) const {
+    Sorted result;
+    for (std::size_t index = 0; index < call.count(); ++index) {
+      const Variant value = call.value(index);
+      if (value.vt != VT_DISPATCH && value.vt != VT_UNKNOWN) {
+        result.texts.push_back(call.text(index));
+        continue;
+      }
+      result.connection = AdoConnection::from(call.object(index).get());
+    }
+    if (!result.connection || result.texts.size() + 1 != call.count()) {
+      throw AutomationError(hresult::invalidArgument, sourceName(),
+                            "One argument must be the connection to the embedded account, the others texts.");
+    }
+    return result;
+  }
+
+  Variant accountInformation(Call& call) {
+    const Sorted arguments = sorted(call);
+    return component_->accountInformation(arguments.texts[0], arguments.texts[1], arguments.connection->session());
+  }
+  Variant currentPeriodYear(Call& call) { return component_->currentPeriodYear(sorted(call).connection->session()); }
+  Variant costItemStartMonth(Call& call) {
+    const Sorted arguments = sorted(call);
+    return component_->costItemStartMonth(arguments.texts[0], arguments.connection->session());
+  }
+  const char* sourceName() const override { return "IA_Pub.ClsIAPub"; }
+
+  std::shared_ptr<PublicComponent> component_;
+};
+
+// The late-bound half of the resource and message service.
+class ResourceMembers : public com::Automation<ResourceMembers> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {L"EnumName", 1, com::callable, 2, 2, &ResourceMembers::enumName},
+        {L"Text", 2, com::callable, 1, 1, &ResourceMembers::text},
+        {L"ShowMessage", 3, com::callable, 1, 4, &ResourceMembers::showMessage},
+    };
+    return table;
+  }
+
+  explicit ResourceMembers(std::shared_ptr<ResourceService> service) : service_(std::move(service)) {}
+
+ private:
+  Variant enumName(Call& call) { return service_->enumName(call.text(0), call.text(1)); }
+  Variant text(Call& call) { return service_->text(call.text(0)); }
+  Variant showMessage(Call& call) {
+    service_->showMessage(call.text(0), call.given(1) ? call.integer(1) : 0);
+    return {};
+  }
+  const char* sourceName() const override { return "Quillon resources"; }
+
+  std::shared_ptr<ResourceService> service_;
+};
+
+// The resource and message service as the dual interface by which the library calls it.
+class ResourceDispatch : public com::ComObject<bindings::IResourceService> {
+ public:
+  explicit ResourceDispatch(const std::shared_ptr<ResourceService>& service)
+      : service_(service), lateBound_(makeObject<ResourceMembers>(service)) {}
+
+  STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+    if (!object) return E_POINTER;
+    *object = nullptr;
+    if (id != IID_IUnknown && id != IID_IDispatch && id != bindings::resourceServiceId) return E_NOINTERFACE;
+    *object = static_cast<bindings::IResourceService*>(this);
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP GetTypeInfoCount(UINT* count) override { return lateBound_->GetTypeInfoCount(count); }
+  STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override {
+    return lateBound_->GetTypeInfo(index, locale, info);
+  }
+  STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override {
+    return lateBound_->GetIDsOfNames(reserved, names, count, locale, ids);
+  }
+  STDMETHODIMP Invoke(DISPID id, REFIID reserved, LCID locale, WORD kind, DISPPARAMS* parameters, VARIANT* result,
+                      EXCEPINFO* info, UINT* badArgument) override {
+    return lateBound_->Invoke(id, reserved, locale, kind, parameters, result, info, badArgument);
+  }
+
+  STDMETHODIMP EnumName(BSTR type, BSTR code, BSTR* name) override {
+    return giveText(name, [&] { return service_->enumName(com::toUtf8(type), com::toUtf8(code)); });
+  }
+  STDMETHODIMP Text(BSTR key, BSTR* text) override {
+    return giveText(text, [&] { return service_->text(com::toUtf8(key)); });
+  }
+  STDMETHODIMP ShowMessage(BSTR text, LONG flags, LONG /*helpContext*/, LONG /*defaultAnswer*/) override {
+    return com::guarded(bindings::resourceServiceId, source,
+                        [&] { service_->showMessage(com::toUtf8(text), static_cast<int>(flags)); });
+  }
+  STDMETHODIMP FormatText(VARIANT keyOrLogin, VARIANT arguments, BSTR* text) override {
+    return giveText(text, [&] { return formatted(keyOrLogin, arguments); });
+  }
+
+ private:
+  static constexpr const char* source = "Quillon resources";
+
+  // Leaves what `give` returns in `result`; nothing is thrown out of it.
+  template <typename Give>
+  static HRESULT giveText(BSTR* result, Give give) {
+    if (!result) return E_POINTER;
+    *result = nullptr;
+    return com::guarded(bindings::resourceServiceId, source, [&] { *result = com::makeBstr(give()); });
+  }
+
+  // The text of a key as it stands; a login brings nothing new, for the service speaks the language of the run.
+  std::string formatted(const VARIANT& keyOrLogin, const VARIANT& arguments) const {
+    const Variant plain = com::dereferenced(keyOrLogin);
+    if (plain.vt == VT_DISPATCH) return {};
+    if (!com::isMissing(arguments) && com::dereferenced(arguments).vt != VT_EMPTY) {
+      throw AutomationError(hresult::notImplemented, source, "Texts with arguments are not available.");
+    }
+    return service_->text(com::toText(plain));
+  }
+
+  std::shared_ptr<ResourceService> service_;
+  ComPtr<ResourceMembers> lateBound_;
+};
+
+class NamingDispatch : public com::Automation<NamingDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {L"Number", bindings::namingNumber, com::readable | com::callable, 0, 0, &NamingDispatch::number}};
+    return table;
+  }
+
+  explicit NamingDispatch(const std::string& number) : number_(numberOrText(number)) {}
+
+ private:
+  Variant number(Call&) { return number_; }
+
+  Variant number_;
+};
+
+class UniqueNameDispatch : public com::Automation<UniqueNameDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::uniqueName, DISPID_VALUE, com::readable, 0, 0, &UniqueNameDispatch::uniqueName}};
+    return table;
+  }
+
+  explicit UniqueNameDispatch(std::shared_ptr<UniqueNameSource> names) : names_(std::move(names)) {}
+
+ private:
+  Variant uniqueName(Call&) { return names_->next(); }
+
+  std::shared_ptr<UniqueNameSource> names_;
+};
+
+// Gives an empty filter: nothing in the workbench is drilled through to from a summary report.
+class DrillThroughDispatch : public com::Automation<DrillThroughDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::filterForLogin, 1, com::callable, 1, 2, &DrillThroughDispatch::filterForLogin}};
+    return table;
+  }
+
+ private:
+  Variant filterForLogin(Call&) { return filterDispatch(std::make_shared<FilterObject>(ReportRegistration{})); }
+};
+
+}  // namespace
+
+ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument) {
+  return makeObject<ArgumentDispatch>(std::move(argument));
+}
+
+ComPtr<IDispatch> filterDispatch(std::shared_ptr<FilterObject> filter) {
+  return makeObject<FilterDispatch>(std::move(filter));
+}
+
+ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login) {
+  return makeObject<LoginDispatch>(std::move(login));
+}
+
+PlatformStandIn::PlatformStandIn(EmbeddedPlatform& platform)
+    : ado_(platform.options().monitor),
+      publicComponent_(com::classIdOf(bindings::publicComponent),
+                       [&platform]() -> ComPtr<IUnknown> {
+                         return makeObject<PublicComponentDispatch>(platform.createPublicComponent());
+                       }),
+      resourceService_(
+          com::classIdOf(bindings::resourceService),
+          [&platform]() -> ComPtr<IUnknown> { return makeObject<ResourceDispatch>(platform.createResourceService()); }),
+      naming_(com::classIdOf(bindings::naming),
+              [&platform]() -> ComPtr<IUnknown> { return makeObject<NamingDispatch>(platform.namingNumber()); }),
+      uniqueNames_(com::classIdOf(bindings::uniqueNames),
+                   [&platform]() -> ComPtr<IUnknown> {
+                     return makeObject<UniqueNameDispatch>(platform.createUniqueNameSource());
+                   }),
+      drillThrough_(com::classIdOf(bindings::drillThrough),
+                    []() -> ComPtr<IUnknown> { return makeObject<DrillThroughDispatch>(); }) {}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,47 @@
+// The workbench's platform as automation objects: what the host platform hands to Quillon.dll (argument, login, data
+// source, filter) and what the library creates by ProgID. Thin wrappers; the objects of workbench/platform do the work.
+// Member names are those of frame/com/platform_bindings.h.
+#pragma once
+
+#include <memory>
+
+#include "frame/com/class_factory.h"
+#include "frame/com/dispatch_object.h"
+#include "workbench/com/ado.h"
+#include "workbench/platform/argument.h"
+#include "workbench/platform/embedded_platform.h"
+
+namespace quillon::workbench {
+
+// The argument object e: rawFilter, Login, LoginObj, DataSource (Type, SQL), Action (read and written), LangID,
+// RelateData.
+com::ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument);
+
+// The filter object: FilterList, GetWhereWithToken(token). FilterList(position or key) is an item: Name, varValue,
+// varValue2, strSqlString and LngGrouptoken read and written, RangeInput and IsMultSel read. An item stands for its
+// varValue.
+com::ComPtr<IDispatch> filterDispatch(std::shared_ptr<FilterObject> filter);
+
+// The login object.
+com::ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login);
+
+// Makes, in this thread's apartment and for as long as it lives, ADO's ProgIDs mean the embedded account and the
+// platform's ProgIDs (IA_Pub.ClsIAPub, resource and message service, naming, unique names, drill-through helper) mean
+// the components that `platform` makes. Neither the registry nor another process sees any of it, and a platform that is
+// installed on the machine is left alone.
+class PlatformStandIn {
+ public:
+  // `platform` outlives the stand-in; the components do not refer to it, but to what its options name. Throws
+  // AutomationError.
+  explicit PlatformStandIn(EmbeddedPlatform& platform);
+
+ private:
+  EmbeddedAdo ado_;
+  com::InProcessClass publicComponent_;
+  com::InProcessClass resourceService_;
+  com::InProcessClass naming_;
+  com::InProcessClass uniqueNames_;
+  com::InProcessClass drillThrough_;
+};
+
+}  // namespace quillon::workbench
