@@ -170,10 +170,7 @@ class Translation {
 
   void addFilterObjectsOwn(const std::string& condition) { out_.where += condition; }
 
-  void addMonthCondition() {
-    out_.month = costItemMonthCondition(module_, out_.year);
-    out_.monthActive = !out_.month.empty();
-  }
+  void addMonthCondition() { out_.month = costItemMonthCondition(module_, out_.year); }
 
   FilterConditions take() { return std::move(out_); }
 

@@ -21,7 +21,8 @@ struct FilterConditions {
   // " And base.iMonth >= M " when the cost-item breakdown starts in month M, later in the year than inventory
   // accounting; the opening balances by cost item then lie in tables of their own (IA_Subsidiary_QC).
   std::string month;
-  bool monthActive = false;
+
+  bool monthActive() const { return !month.empty(); }
 };
 
 // Reads each item of the filter once, in list order, and claims it for the report by its grouping token; an item that

@@ -143,7 +143,7 @@ std::string insertCostItemOpenings(const Build& build, const StateTexts& states)
       "0 As iInQuantity, 0 As iInMoney, 0 As iOutQuantity, 0 As iOutMoney, ",
       "(IsNull(item.iItemInquantity, 0) - IsNull(item.iItemOutquantity, 0)) As iQmQuantity , "
       "(IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney",
-      conditions.monthActive ? fromOpeningCostItems : fromLedgerCostItems,
+      conditions.monthActive() ? fromOpeningCostItems : fromLedgerCostItems,
       masterJoins,
       costItemJoin,
       classJoins(build),
@@ -209,7 +209,7 @@ std::string insertLineOpenings(const Build& build, const StateTexts& states) {
       "0 As iInQuantity, 0 As iInMoney, 0 As iOutQuantity, 0 As iOutMoney, ",
       "(IsNull(base.IaInQuantity, 0) - IsNull(base.IaOutQuantity, 0)) As iQmQuantity, (IsNull(base.iainprice, 0) - "
       "IsNull(base.iaoutprice, 0))  As iQmMoney",
-      conditions.monthActive ? fromOpeningLines : fromLedgerLines,
+      conditions.monthActive() ? fromOpeningLines : fromLedgerLines,
       masterJoins,
       conditions.where,
       " " + openingLinesOf(conditions.year),
@@ -371,7 +371,7 @@ std::string insertExpenseOpenings(const Build& build, std::string_view openingTe
       "case when Ca_FxMapExpDID.cAmotype = 0 then Ca_FxMapExpDetails.cInvCode else Ca_FxMapExpDetails.cAmoID end as "
       "cAmoCode, ",
       expenseNameColumn,
-      conditions.monthActive ? fromOpeningCostItems : fromLedgerCostItems,
+      conditions.monthActive() ? fromOpeningCostItems : fromLedgerCostItems,
       expenseJoins("'" + std::string(period) + "'", language),
       conditions.where,
       openingLinesOf(conditions.year),

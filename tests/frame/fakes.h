@@ -1,0 +1,384 @@
+// A host platform for tests: every port of frame/, with a record of each call in order, a failure at any call that a
+// test names, and a count of the objects that are still alive.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "frame/automation_error.h"
+#include "frame/platform.h"
+#include "frame/text.h"
+
+namespace quillon::fakes {
+
+using Row = std::vector<std::optional<std::string>>;
+
+// What a failing call says; the description names the call.
+inline constexpr HResult failure = static_cast<HResult>(0x80040E14U);
+inline constexpr std::string_view failingSource = "Fake";
+
+// What all objects of one fake platform share.
+class Record {
+ public:
+  std::vector<std::string> calls;  // "Session.execute Drop Table x"; in order
+  std::size_t failAt = 0;          // this call, counted from 1, throws; 0: none does
+  int alive = 0;                   // objects that were handed out and not yet released
+
+  void call(std::string what) {
+    calls.push_back(std::move(what));
+    if (calls.size() == failAt) throw AutomationError(failure, std::string(failingSource), calls.back());
+  }
+
+  // The texts behind `prefix` of the calls that begin with it.
+  std::vector<std::string> with(std::string_view prefix) const {
+    std::vector<std::string> found;
+    for (const std::string& text : calls) {
+      if (text.starts_with(prefix)) found.push_back(text.substr(prefix.size()));
+    }
+    return found;
+  }
+  std::vector<std::string> statements() const { return with("Session.execute "); }
+  std::vector<std::string> queries() const { return with("Session.query "); }
+};
+
+// An object that the platform hands out.
+class Counted {
+ public:
+  explicit Counted(Record& record) : record_(record) { ++record_.alive; }
+  Counted(const Counted&) = delete;
+  Counted& operator=(const Counted&) = delete;
+  ~Counted() { --record_.alive; }
+
+ protected:
+  void call(std::string what) const { record_.call(std::move(what)); }
+  Record& record() const { return record_; }
+
+ private:
+  Record& record_;
+};
+
+struct ItemValues {
+  std::string name;
+  std::string value = {};
+  std::string value2 = {};
+  std::string sql = {};
+  int token = tokenFilter;
+};
+
+class FakeFilterItem final : public FilterItem, private Counted {
+ public:
+  FakeFilterItem(Record& record, ItemValues& values) : Counted(record), values_(values) {}
+
+  void setGroupToken(int token) override {
+    call("FilterItem.LngGrouptoken = " + std::to_string(token));
+    values_.token = token;
+  }
+  std::string name() override { return read("Name", values_.name); }
+  std::string value() override { return read("varValue", values_.value); }
+  std::string value2() override { return read("varValue2", values_.value2); }
+  bool rangeInput() override { return read("RangeInput", "").size() == 1; }
+  bool multipleSelection() override { return read("IsMultSel", "").size() == 1; }
+  std::string sqlText() override { return read("strSqlString", values_.sql); }
+
+ private:
+  std::string read(std::string_view member, const std::string& value) const {
+    call("FilterItem." + std::string(member));
+    return value;
+  }
+
+  ItemValues& values_;
+};
+
+class FakeFilter final : public Filter, private Counted {
+ public:
+  FakeFilter(Record& record, std::vector<ItemValues> values) : Counted(record), items(std::move(values)) {}
+
+  std::vector<ItemValues> items;
+
+  int count() override {
+    call("FilterList.Count");
+    return static_cast<int>(items.size());
+  }
+  std::unique_ptr<FilterItem> item(int position) override {
+    call("FilterList(" + std::to_string(position) + ")");
+    return std::make_unique<FakeFilterItem>(record(), items.at(static_cast<std::size_t>(position) - 1));
+  }
+  std::unique_ptr<FilterItem> item(std::string_view key) override {
+    call("FilterList(\"" + std::string(key) + "\")");
+    for (ItemValues& values : items) {
+      if (equalIgnoringCase(values.name, key)) return std::make_unique<FakeFilterItem>(record(), values);
+    }
+    throw AutomationError(hresult::subscriptOutOfRange, std::string(failingSource), "no item " + std::string(key));
+  }
+  std::string whereWithToken(int token) override {
+    call("GetWhereWithToken(" + std::to_string(token) + ")");
+    std::string where;
+    for (const ItemValues& values : items) {
+      if (values.token == token && !values.sql.empty()) where += (where.empty() ? "" : " And ") + values.sql;
+    }
+    return where;
+  }
+};
+
+class FakeRecordset final : public Recordset, private Counted {
+ public:
+  FakeRecordset(Record& record, std::vector<Row> rows) : Counted(record), rows_(std::move(rows)) {}
+
+  bool eof() override {
+    call("Recordset.EOF");
+    return row_ >= rows_.size();
+  }
+  void moveNext() override {
+    call("Recordset.MoveNext");
+    ++row_;
+  }
+  std::optional<std::string> text(int position) override {
+    call("Recordset.Fields(" + std::to_string(position) + ")");
+    return rows_.at(row_).at(static_cast<std::size_t>(position));
+  }
+  void close() override { call("Recordset.Close"); }
+
+ private:
+  std::vector<Row> rows_;
+  std::size_t row_ = 0;
+};
+
+// The rows of the queries whose text holds `part`.
+struct Answer {
+  std::string part;
+  std::vector<Row> rows;
+};
+
+class FakeSession final : public Session, private Counted {
+ public:
+  FakeSession(Record& record, const std::vector<Answer>& answers) : Counted(record), answers_(answers) {}
+
+  void setCursorLocation(CursorLocation location) override {
+    call("Session.CursorLocation = " + std::to_string(static_cast<int>(location)));
+  }
+  void setConnectionString(std::string_view text) override { call("Session.ConnectionString = " + std::string(text)); }
+  void setConnectionTimeout(int seconds) override { call("Session.ConnectionTimeout = " + std::to_string(seconds)); }
+  void setCommandTimeout(int seconds) override { call("Session.CommandTimeout = " + std::to_string(seconds)); }
+  void open(std::string_view user, std::string_view password, int options) override {
+    call("Session.open(\"" + std::string(user) + "\", \"" + std::string(password) + "\", " + std::to_string(options) +
+         ")");
+    state_ = 1;
+  }
+  std::int64_t execute(std::string_view sql) override {
+    call("Session.execute " + std::string(sql));
+    return 0;
+  }
+  std::unique_ptr<Recordset> query(std::string_view sql, const QueryOptions& options) override {
+    call("Session.query " + std::string(sql));
+    lastOptions = options;
+    for (const Answer& answer : answers_) {
+      if (sql.find(answer.part) != std::string_view::npos) {
+        return std::make_unique<FakeRecordset>(record(), answer.rows);
+      }
+    }
+    return std::make_unique<FakeRecordset>(record(), std::vector<Row>());
+  }
+  int state() override {
+    call("Session.state");
+    return state_;
+  }
+  void close() override {
+    call("Session.close");
+    state_ = stateClosed;
+  }
+  // As after a connection that the server dropped.
+  void lose() { state_ = stateClosed; }
+
+  QueryOptions lastOptions;
+
+ private:
+  const std::vector<Answer>& answers_;
+  int state_ = stateClosed;
+};
+
+class FakeLogin final : public Login, private Counted {
+ public:
+  using Counted::Counted;
+
+  std::string accountConnection() override { return read("OrvDbName", "the account's connection"); }
+  std::string password() override { return read("SysPassword", "secret"); }
+  std::string accountCode() override { return read("cAcc_Id", "001"); }
+  std::string accountingYear() override { return read("iYear", "2024"); }
+  std::string accountingYearText() override { return read("cIYear", "2024"); }
+  std::string languageRegion() override { return read("LanguageRegion", "zh-CN"); }
+  std::string languageId() override { return read("LangID", "2052"); }
+  int currentPeriodYear() override {
+    call("Login.CurPeriodYear");
+    return 2024;
+  }
+  std::string businessDate() override { return read("date", "2024-06-30"); }
+  void setAuthString(std::string_view rights) override { call("Login.AuthString = " + std::string(rights)); }
+
+ private:
+  std::string read(std::string_view member, std::string value) const {
+    call("Login." + std::string(member));
+    return value;
+  }
+};
+
+class FakeDataSource final : public DataSource, private Counted {
+ public:
+  using Counted::Counted;
+
+  void setType(int type) override { call("DataSource.Type = " + std::to_string(type)); }
+  std::string resultTable() override {
+    call("DataSource.SQL");
+    return "tmp_result";
+  }
+};
+
+class FakeArgument final : public ReportArgument {
+ public:
+  FakeArgument(Record& record, std::shared_ptr<Filter> filter) : record_(record), filter_(std::move(filter)) {}
+
+  std::string actionText;
+
+  std::shared_ptr<Filter> rawFilter() override {
+    record_.call("e.rawFilter");
+    return filter_;
+  }
+  std::shared_ptr<Login> login() override {
+    record_.call("e.Login");
+    return std::make_shared<FakeLogin>(record_);
+  }
+  std::shared_ptr<Login> filterLogin() override {
+    record_.call("e.LoginObj");
+    return std::make_shared<FakeLogin>(record_);
+  }
+  std::unique_ptr<DataSource> dataSource() override {
+    record_.call("e.DataSource");
+    return std::make_unique<FakeDataSource>(record_);
+  }
+  std::string action() override {
+    record_.call("e.Action");
+    return actionText;
+  }
+
+ private:
+  Record& record_;
+  std::shared_ptr<Filter> filter_;
+};
+
+// What the fake components answer.
+struct Answers {
+  std::vector<Answer> queries;
+  int costItemStartMonth = 0;
+  int currentPeriodYear = 2024;
+  std::string valuationMethod = "按仓库核算";
+  std::string namingNumber = "77";
+};
+
+class FakePublicComponent final : public PublicComponent, private Counted {
+ public:
+  FakePublicComponent(Record& record, const Answers& answers) : Counted(record), answers_(answers) {}
+
+  std::string accountInformation(std::string_view system, std::string_view name, Session&) override {
+    call("GetAccInformation(" + std::string(system) + ", " + std::string(name) + ")");
+    return answers_.valuationMethod;
+  }
+  int currentPeriodYear(Session&) override {
+    call("CurPeriodYear");
+    return answers_.currentPeriodYear;
+  }
+  int costItemStartMonth(std::string_view year, Session&) override {
+    call("iFxStartMonth(" + std::string(year) + ")");
+    return answers_.costItemStartMonth;
+  }
+  std::vector<std::string> usedYears(std::string_view accountCode, Session&) override {
+    call("GetIAUsedYears(" + std::string(accountCode) + ")");
+    return {"2023", "2024"};
+  }
+
+ private:
+  const Answers& answers_;
+};
+
+// Its texts are the key's last five digits in angle brackets, so that a statement shows which key it used.
+class FakeResources final : public ResourceService, private Counted {
+ public:
+  using Counted::Counted;
+
+  void takeLogin(Login&) override { call("resources.takeLogin"); }
+  std::string enumName(std::string_view type, std::string_view code) override {
+    call("resources.enumName(" + std::string(type) + ", " + std::string(code) + ")");
+    return std::string(code);
+  }
+  std::string text(std::string_view key) override {
+    call("resources.text(" + std::string(key) + ")");
+    return "<" + std::string(key.substr(key.size() - 5)) + ">";
+  }
+  void showMessage(std::string_view text, int flags) override {
+    call("resources.showMessage(" + std::string(text) + ", " + std::to_string(flags) + ")");
+  }
+};
+
+// Gives u1, u2, ...
+class FakeUniqueNames final : public UniqueNameSource, private Counted {
+ public:
+  using Counted::Counted;
+
+  std::string next() override {
+    call("uniqueNames.next");
+    return "u" + std::to_string(++given_);
+  }
+
+ private:
+  int given_ = 0;
+};
+
+class FakeDrillThroughHelper final : public DrillThroughHelper, private Counted {
+ public:
+  using Counted::Counted;
+
+  std::shared_ptr<Filter> filterFor(Login&, bool drillThrough) override {
+    call(std::string("helper.filterFor(") + (drillThrough ? "drill-through" : "no drill-through") + ")");
+    return std::make_shared<FakeFilter>(record(), std::vector<ItemValues>());
+  }
+};
+
+class FakePlatform final : public Platform {
+ public:
+  Record record;
+  Answers answers;
+
+  std::shared_ptr<Session> createSession() override {
+    record.call("create Session");
+    return std::make_shared<FakeSession>(record, answers.queries);
+  }
+  std::shared_ptr<PublicComponent> createPublicComponent() override {
+    record.call("create PublicComponent");
+    return std::make_shared<FakePublicComponent>(record, answers);
+  }
+  std::shared_ptr<ResourceService> createResourceService() override {
+    record.call("create ResourceService");
+    return std::make_shared<FakeResources>(record);
+  }
+  std::shared_ptr<UniqueNameSource> createUniqueNameSource() override {
+    record.call("create UniqueNameSource");
+    return std::make_shared<FakeUniqueNames>(record);
+  }
+  std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() override {
+    record.call("create DrillThroughHelper");
+    return std::make_shared<FakeDrillThroughHelper>(record);
+  }
+  std::string namingNumber() override {
+    record.call("naming number");
+    return answers.namingNumber;
+  }
+
+  std::shared_ptr<FakeFilter> filter(std::vector<ItemValues> items) {
+    return std::make_shared<FakeFilter>(record, std::move(items));
+  }
+};
+
+}  // namespace quillon::fakes
