@@ -28,6 +28,7 @@ class Record {
   std::vector<std::string> calls;  // "Session.execute Drop Table x"; in order
   std::size_t failAt = 0;          // this call, counted from 1, throws; 0: none does
   int alive = 0;                   // objects that were handed out and not yet released
+  std::optional<QueryOptions> lastQueryOptions;
 
   void call(std::string what) {
     calls.push_back(std::move(what));
@@ -175,7 +176,7 @@ class FakeSession final : public Session, private Counted {
   }
   std::unique_ptr<Recordset> query(std::string_view sql, const QueryOptions& options) override {
     call("Session.query " + std::string(sql));
-    lastOptions = options;
+    record().lastQueryOptions = options;
     for (const Answer& answer : answers_) {
       if (sql.find(answer.part) != std::string_view::npos) {
         return std::make_unique<FakeRecordset>(record(), answer.rows);
@@ -193,8 +194,6 @@ class FakeSession final : public Session, private Counted {
   }
   // As after a connection that the server dropped.
   void lose() { state_ = stateClosed; }
-
-  QueryOptions lastOptions;
 
  private:
   const std::vector<Answer>& answers_;

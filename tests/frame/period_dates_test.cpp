@@ -26,8 +26,8 @@ TEST_F(PeriodDatesTest, AsksTheSystemDatabaseForTheLoginsAccount) {
   EXPECT_THAT(platform_.record.queries(),
               testing::ElementsAre("select dBegin,dEnd from orvsystem..UA_Period With(NoLock) where CAST( iYear as "
                                    "nvarchar(4)) + '.' + CAST(iId as nvarchar(2)) ='2019.3' and cAcc_Id = '001' "));
-  EXPECT_EQ(session_->lastOptions.cursorType, CursorType::fixed);
-  EXPECT_EQ(session_->lastOptions.lockType, LockType::readOnly);
+  EXPECT_EQ(platform_.record.lastQueryOptions->cursorType, CursorType::fixed);
+  EXPECT_EQ(platform_.record.lastQueryOptions->lockType, LockType::readOnly);
   EXPECT_EQ(platform_.record.calls.back(), "Recordset.Close");
 }
 

@@ -32,8 +32,8 @@ TEST_F(PubMod, ValueStyleOfAnotherYearComesFromItsHistory) {
   EXPECT_EQ(valueStyle(module_, 2023, session_), "按存货核算");
   EXPECT_THAT(platform_.record.queries(),
               ElementsAre("select cValue from IA_HisOption where cSysID='IA' and  cName='cValueStyle' and iYear=2023"));
-  EXPECT_EQ(session_.lastOptions.cursorType, CursorType::fixed);
-  EXPECT_EQ(session_.lastOptions.lockType, LockType::optimistic);
+  EXPECT_EQ(platform_.record.lastQueryOptions->cursorType, CursorType::fixed);
+  EXPECT_EQ(platform_.record.lastQueryOptions->lockType, LockType::optimistic);
   EXPECT_EQ(platform_.record.calls.back(), "Recordset.Close");
 }
 
@@ -54,8 +54,8 @@ TEST_F(PubMod, StartMonthIsThatOfTheStartDateInTheYear) {
   EXPECT_EQ(inventoryStartMonth(2024, session_), 3);
   EXPECT_THAT(platform_.record.queries(),
               ElementsAre("Select cValue From AccInformation Where cSysID = 'IA' And cName = 'dIAStartDate'"));
-  EXPECT_EQ(session_.lastOptions.cursorType, CursorType::fixed);
-  EXPECT_EQ(session_.lastOptions.lockType, LockType::optimistic);
+  EXPECT_EQ(platform_.record.lastQueryOptions->cursorType, CursorType::fixed);
+  EXPECT_EQ(platform_.record.lastQueryOptions->lockType, LockType::optimistic);
   EXPECT_EQ(platform_.record.calls.back(), "Recordset.Close");
 }
 
