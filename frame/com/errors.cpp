@@ -11,12 +11,29 @@ namespace quillon::com {
 
 namespace {
 
+struct KnownCode {
+  HRESULT code;
+  const char* message;
+};
+
+// Codes of calls that go wrong before they reach the callee, and for which not every system has a text.
+constexpr KnownCode knownCodes[] = {
+    {DISP_E_UNKNOWNNAME, "The object has no member of this name."},
+    {DISP_E_MEMBERNOTFOUND, "The object's member cannot be used in this way."},
+    {DISP_E_TYPEMISMATCH, "An argument or result is of the wrong type."},
+    {DISP_E_BADPARAMCOUNT, "The member takes another number of arguments."},
+    {DISP_E_PARAMNOTOPTIONAL, "An argument is missing that may not be left out."},
+    {DISP_E_PARAMNOTFOUND, "The member has no argument of this name or place."},
+    {DISP_E_EXCEPTION, "The member failed without saying why."},
+    {static_cast<HRESULT>(0x800A005BU), "The object is not set."},
+};
+
 // Automation's rule for an error that is only a number: it is one of Basic's, in the control facility.
 constexpr HRESULT fromBasicNumber(WORD number) {
   return static_cast<HRESULT>(0x800A0000U | number);
 }
 
-// A callee that says "exception" but gives no failure code has failed all the same.
+// What a callee did not say is filled in.
 AutomationError describedError(HRESULT code, std::string source, std::string description,
                                std::string_view fallbackSource, std::string_view member) {
   if (source.empty()) source = fallbackSource;
@@ -28,6 +45,8 @@ AutomationError describedError(HRESULT code, std::string source, std::string des
 }  // namespace
 
 std::string systemMessage(HRESULT code) {
+  for (const KnownCode& known : knownCodes)
+    if (known.code == code) return known.message;
   wchar_t* text = nullptr;
   const DWORD length =
       FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
@@ -55,6 +74,7 @@ AutomationError takeExcepInfo(EXCEPINFO& info, std::string_view source, std::str
   SysFreeString(std::exchange(info.bstrHelpFile, nullptr));
   HRESULT code = info.scode;
   if (code == 0 && info.wCode != 0) code = fromBasicNumber(info.wCode);
+  // A callee that says "exception" but gives no failure code has failed all the same.
   if (SUCCEEDED(code)) code = DISP_E_EXCEPTION;
   return describedError(code, sourceText.utf8(), description.utf8(), source, member);
 }

@@ -11,7 +11,7 @@
 
 namespace quillon::com {
 
-// The system's text for `code` ("Member not found."), or its hexadecimal number.
+// A text for `code`: this library's own for automation's codes, else the system's, else the hexadecimal number.
 std::string systemMessage(HRESULT code);
 
 // The error that a late-bound callee reported in `info` with DISP_E_EXCEPTION; asks for what the callee left to be

@@ -4,5 +4,6 @@
 // clang-format off
 #include <windows.h>
 #include <ole2.h>
+#include <ocidl.h>
 #include <oleauto.h>
 // clang-format on

@@ -1,0 +1,74 @@
+#include "frame/com/ado_session.h"
+
+#include <charconv>
+
+#include "frame/com/platform_bindings.h"
+
+namespace quillon::com {
+
+namespace ado = bindings::ado;
+
+bool AdoRecordset::eof() {
+  return recordset_.flag(ado::eof);
+}
+
+void AdoRecordset::moveNext() {
+  recordset_.call(ado::moveNext);
+}
+
+std::optional<std::string> AdoRecordset::text(int position) {
+  const LateBound field = recordset_.object(ado::fields, "ADODB.Fields").item(position, "ADODB.Field");
+  return toTextOrNull(field.get(ado::value));
+}
+
+void AdoRecordset::close() {
+  recordset_.call(ado::close);
+}
+
+void AdoSession::setCursorLocation(CursorLocation location) {
+  connection_.put(ado::cursorLocation, static_cast<int>(location));
+}
+
+void AdoSession::setConnectionString(std::string_view text) {
+  connection_.put(ado::connectionString, text);
+}
+
+void AdoSession::setConnectionTimeout(int seconds) {
+  connection_.put(ado::connectionTimeout, seconds);
+}
+
+void AdoSession::setCommandTimeout(int seconds) {
+  connection_.put(ado::commandTimeout, seconds);
+}
+
+void AdoSession::open(std::string_view user, std::string_view password, int options) {
+  connection_.call(ado::open, {"", user, password, options});
+}
+
+std::int64_t AdoSession::execute(std::string_view sql) {
+  Variant affected;
+  connection_.call(ado::execute, {sql, Variant::reference(affected), optionsUnspecified});
+  // ADO counts in a long; a look-alike may leave the variable empty or count further.
+  const std::string count = toText(affected);
+  std::int64_t number = 0;
+  std::from_chars(count.data(), count.data() + count.size(), number);
+  return number;
+}
+
+std::unique_ptr<Recordset> AdoSession::query(std::string_view sql, const QueryOptions& options) {
+  LateBound recordset = createObject(bindings::recordset);
+  if (options.cursorLocation) recordset.put(ado::cursorLocation, static_cast<int>(*options.cursorLocation));
+  recordset.call(ado::open, {sql, connection_.object(), static_cast<int>(options.cursorType),
+                             static_cast<int>(options.lockType), optionsUnspecified});
+  return std::make_unique<AdoRecordset>(std::move(recordset));
+}
+
+int AdoSession::state() {
+  return connection_.integer(ado::state);
+}
+
+void AdoSession::close() {
+  connection_.call(ado::close);
+}
+
+}  // namespace quillon::com

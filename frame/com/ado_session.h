@@ -1,0 +1,45 @@
+// The session port over an ADO Connection, called late-bound by member name.
+#pragma once
+
+#include "frame/com/late_bound.h"
+#include "frame/session.h"
+
+namespace quillon::com {
+
+class AdoRecordset : public Recordset {
+ public:
+  // `recordset` is an open ADO Recordset.
+  explicit AdoRecordset(LateBound recordset) : recordset_(std::move(recordset)) {}
+
+  bool eof() override;
+  void moveNext() override;
+  std::optional<std::string> text(int position) override;
+  void close() override;
+
+ private:
+  LateBound recordset_;
+};
+
+class AdoSession : public Session {
+ public:
+  // `connection` is an ADO Connection, or any object with its members.
+  explicit AdoSession(LateBound connection) : connection_(std::move(connection)) {}
+
+  void setCursorLocation(CursorLocation location) override;
+  void setConnectionString(std::string_view text) override;
+  void setConnectionTimeout(int seconds) override;
+  void setCommandTimeout(int seconds) override;
+  void open(std::string_view user, std::string_view password, int options) override;
+  std::int64_t execute(std::string_view sql) override;
+  std::unique_ptr<Recordset> query(std::string_view sql, const QueryOptions& options) override;
+  int state() override;
+  void close() override;
+
+  // The connection itself, for the platform's components that take it.
+  const ComPtr<IDispatch>& connection() const { return connection_.object(); }
+
+ private:
+  LateBound connection_;
+};
+
+}  // namespace quillon::com

@@ -1,0 +1,189 @@
+// The host platform's objects as the core's ports: one late-bound adapter a port, each member one call by name
+// (platform_bindings.h). The resource and message service alone is called early-bound.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/com/late_bound.h"
+#include "frame/com/platform_bindings.h"
+#include "frame/platform.h"
+
+namespace quillon::com {
+
+class ComFilterItem : public FilterItem {
+ public:
+  explicit ComFilterItem(LateBound item) : item_(std::move(item)) {}
+
+  void setGroupToken(int token) override;
+  std::string name() override;
+  std::string value() override;
+  std::string value2() override;
+  bool rangeInput() override;
+  bool multipleSelection() override;
+  std::string sqlText() override;
+
+ private:
+  LateBound item_;
+};
+
+class ComFilter : public Filter {
+ public:
+  explicit ComFilter(LateBound filter) : filter_(std::move(filter)) {}
+
+  int count() override;
+  std::unique_ptr<FilterItem> item(int position) override;
+  std::unique_ptr<FilterItem> item(std::string_view key) override;
+  std::string whereWithToken(int token) override;
+
+ private:
+  LateBound list() const;
+
+  LateBound filter_;
+};
+
+class ComLogin : public Login {
+ public:
+  explicit ComLogin(LateBound login) : login_(std::move(login)) {}
+
+  std::string accountConnection() override;
+  std::string password() override;
+  std::string accountCode() override;
+  std::string accountingYear() override;
+  std::string accountingYearText() override;
+  std::string languageRegion() override;
+  std::string languageId() override;
+  int currentPeriodYear() override;
+  // A date value as yyyy-mm-dd, a text as it stands.
+  std::string businessDate() override;
+  void setAuthString(std::string_view rights) override;
+
+  // The login itself, for the platform's components that take it.
+  const ComPtr<IDispatch>& object() const { return login_.object(); }
+
+ private:
+  LateBound login_;
+};
+
+class ComDataSource : public DataSource {
+ public:
+  explicit ComDataSource(LateBound dataSource) : dataSource_(std::move(dataSource)) {}
+
+  void setType(int type) override;
+  std::string resultTable() override;
+
+ private:
+  LateBound dataSource_;
+};
+
+class ComReportArgument : public ReportArgument {
+ public:
+  // `argument` may be null ("Nothing"): every member then throws Basic's error 91.
+  explicit ComReportArgument(ComPtr<IDispatch> argument) : argument_(std::move(argument), "e") {}
+
+  std::shared_ptr<Filter> rawFilter() override;
+  std::shared_ptr<Login> login() override;
+  std::shared_ptr<Login> filterLogin() override;
+  std::unique_ptr<DataSource> dataSource() override;
+  std::string action() override;
+
+ private:
+  LateBound argument_;
+};
+
+// The members take sessions that ComPlatform made.
+class ComPublicComponent : public PublicComponent {
+ public:
+  explicit ComPublicComponent(LateBound component) : component_(std::move(component)) {}
+
+  std::string accountInformation(std::string_view system, std::string_view name, Session& session) override;
+  int currentPeriodYear(Session& session) override;
+  int costItemStartMonth(std::string_view year, Session& session) override;
+  std::vector<std::string> usedYears(std::string_view accountCode, Session& session) override;
+
+ private:
+  LateBound component_;
+};
+
+class ComResourceService : public ResourceService {
+ public:
+  // Throws AutomationError when `service` lacks the interface IResourceService.
+  explicit ComResourceService(const LateBound& service);
+
+  // `login` is one that came from a ComReportArgument.
+  void takeLogin(Login& login) override;
+  std::string enumName(std::string_view type, std::string_view code) override;
+  std::string text(std::string_view key) override;
+  void showMessage(std::string_view text, int flags) override;
+
+ private:
+  void check(HRESULT code, std::string_view member) const;
+
+  ComPtr<bindings::IResourceService> service_;
+  std::string source_;
+};
+
+// Stands in when no resource and message service is registered: a text is its own key, so that a report is made and
+// shows which texts it lacks. A message cannot be shown; it becomes the text of an error.
+class KeysAsTexts : public ResourceService {
+ public:
+  void takeLogin(Login& login) override;
+  std::string enumName(std::string_view type, std::string_view code) override;
+  std::string text(std::string_view key) override;
+  void showMessage(std::string_view text, int flags) override;
+};
+
+class ComUniqueNameSource : public UniqueNameSource {
+ public:
+  explicit ComUniqueNameSource(LateBound source) : source_(std::move(source)) {}
+  std::string next() override;
+
+ private:
+  LateBound source_;
+};
+
+// Stands in when no unique-name source is registered: 32 hexadecimal digits that no other call gives, on whatever
+// machine.
+class BuiltInUniqueNames : public UniqueNameSource {
+ public:
+  std::string next() override;
+};
+
+// Stands in when no naming class is registered: a whole number that differs between calls, sessions and machines.
+std::string builtInNamingNumber();
+
+class ComDrillThroughHelper : public DrillThroughHelper {
+ public:
+  explicit ComDrillThroughHelper(LateBound helper) : helper_(std::move(helper)) {}
+  // `login` is one that came from a ComReportArgument.
+  std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) override;
+
+ private:
+  LateBound helper_;
+};
+
+// Only holds the reference.
+class ComBusinessObject : public BusinessObject {
+ public:
+  explicit ComBusinessObject(ComPtr<IDispatch> object) : object_(std::move(object)) {}
+  const ComPtr<IDispatch>& object() const { return object_; }
+
+ private:
+  ComPtr<IDispatch> object_;
+};
+
+// Creates the components by ProgID. A component that must be there and is not registered is an AutomationError that
+// names it; the stand-ins above take the place of those that may be missing.
+class ComPlatform : public Platform {
+ public:
+  std::shared_ptr<Session> createSession() override;
+  std::shared_ptr<PublicComponent> createPublicComponent() override;
+  std::shared_ptr<ResourceService> createResourceService() override;
+  std::shared_ptr<UniqueNameSource> createUniqueNameSource() override;
+  std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() override;
+  std::string namingNumber() override;
+};
+
+}  // namespace quillon::com

@@ -1,0 +1,56 @@
+// The entry points of Quillon.dll.
+#include "frame/com/class_factory.h"
+#include "frame/com/classes.h"
+#include "frame/com/errors.h"
+#include "frame/com/module_state.h"
+#include "frame/com/registration.h"
+
+using namespace quillon::com;
+
+extern "C" {
+
+BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, void* processEnds) {
+  switch (reason) {
+    case DLL_PROCESS_ATTACH:
+      return startThreadStates() ? TRUE : FALSE;
+    case DLL_THREAD_DETACH:
+      forgetThreadState();
+      return TRUE;
+    case DLL_PROCESS_DETACH:
+      // A process that ends takes everything with it.
+      if (!processEnds) endThreadStates();
+      return TRUE;
+    default:
+      return TRUE;
+  }
+}
+
+// The class object of one of the eight classes.
+STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
+  if (!object) return E_POINTER;
+  *object = nullptr;
+  HRESULT code = CLASS_E_CLASSNOTAVAILABLE;
+  const HRESULT made = guarded(IID_IClassFactory, "Quillon", [&] {
+    for (const ServerClass& entry : serverClasses())
+      if (entry.id == classId) code = makeObject<ClassFactory>(entry.make)->QueryInterface(interfaceId, object);
+  });
+  return FAILED(made) ? made : code;
+}
+
+// S_OK when nobody holds an object, a class object or a lock of this library, and no thread's state holds what could
+// not be made again. What the asking thread's state only saves itself the making of is released for that.
+STDAPI DllCanUnloadNow() {
+  if (LiveCount::value() != 0 || ClassFactory::locks() != 0) return S_FALSE;
+  releaseThreadState();
+  return threadStates() == 0 ? S_OK : S_FALSE;
+}
+
+STDAPI DllRegisterServer() {
+  return guarded(IID_NULL, "Quillon", [] { registerServer(); });
+}
+
+STDAPI DllUnregisterServer() {
+  return guarded(IID_NULL, "Quillon", [] { unregisterServer(); });
+}
+
+}  // extern "C"

@@ -1,0 +1,23 @@
+// The type descriptions of this library's classes, out of the type library that the DLL carries.
+#pragma once
+
+#include <string>
+
+#include "frame/com/com_ptr.h"
+#include "frame/com/win32.h"
+
+namespace quillon::com {
+
+// The handle of the module (DLL or program) that this code was linked into.
+HMODULE thisModule() noexcept;
+// The full path of its file. Throws AutomationError.
+std::wstring modulePath();
+
+// The type library in that file. Throws AutomationError.
+ComPtr<ITypeLib> typeLibrary();
+// The description with the id `id`: of an interface as automation sees it, or of a class. Throws AutomationError.
+ComPtr<ITypeInfo> typeDescription(REFGUID id);
+// The description of the dual interface `id` with its slots. Throws AutomationError.
+ComPtr<ITypeInfo> slotDescription(REFIID id);
+
+}  // namespace quillon::com
