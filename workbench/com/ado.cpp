@@ -481,7 +481,7 @@ Variant AdoRecordset::close(Call&) {
 
 // --- Registration
 
-EmbeddedAdo::EmbeddedAdo(SessionMonitor* monitor)
+EmbeddedAdo::EmbeddedAdo(const std::shared_ptr<SessionMonitor>& monitor)
     : connection_(com::classIdOf(com::bindings::connection),
                   [monitor] { return ComPtr<IUnknown>(makeObject<AdoConnection>(monitor)); }),
       recordset_(com::classIdOf(com::bindings::recordset),

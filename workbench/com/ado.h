@@ -32,15 +32,16 @@ class AdoConnection : public com::Automation<AdoConnection> {
  public:
   static std::span<const Member> members();
 
-  // `monitor` may be null; it must outlive the connection.
-  explicit AdoConnection(SessionMonitor* monitor) : monitor_(monitor), session_(monitor) {}
+  // `monitor` watches the session; it may be null.
+  explicit AdoConnection(std::shared_ptr<SessionMonitor> monitor)
+      : monitor_(std::move(monitor)), session_(monitor_.get()) {}
 
   // The connection behind an automation reference, or null when it is another program's object.
   static com::ComPtr<AdoConnection> from(IDispatch* object);
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
 
   EmbeddedSession& session() { return session_; }
-  SessionMonitor* monitor() const { return monitor_; }
+  const std::shared_ptr<SessionMonitor>& monitor() const { return monitor_; }
   int cursorLocation() const { return cursorLocation_; }
   void openWith(const std::string& connectionString);
   BatchResult runBatch(const std::string& sql);
@@ -63,7 +64,7 @@ class AdoConnection : public com::Automation<AdoConnection> {
   template <typename Action>
   auto collectingErrors(Action action);
 
-  SessionMonitor* monitor_;
+  std::shared_ptr<SessionMonitor> monitor_;
   EmbeddedSession session_;
   int cursorLocation_ = static_cast<int>(CursorLocation::server);
   int connectionTimeout_ = 15;  // ADO's defaults, in seconds
@@ -83,7 +84,7 @@ class AdoRecordset : public com::Automation<AdoRecordset> {
  public:
   static std::span<const Member> members();
 
-  explicit AdoRecordset(SessionMonitor* monitor) : monitor_(monitor) {}
+  explicit AdoRecordset(std::shared_ptr<SessionMonitor> monitor) : monitor_(std::move(monitor)) {}
   // The recordset that Execute gives: open when the batch gave rows.
   AdoRecordset(com::ComPtr<AdoConnection> connection, std::string source, std::unique_ptr<EmbeddedRecordset> rows);
 
@@ -114,7 +115,7 @@ class AdoRecordset : public com::Automation<AdoRecordset> {
   void connect(const com::Variant& connection);
   com::Variant setting(com::Call& call, int& value);
 
-  SessionMonitor* monitor_;
+  std::shared_ptr<SessionMonitor> monitor_;
   com::ComPtr<AdoConnection> connection_;
   std::string source_;
   int cursorLocation_ = 0;  // 0: the connection's
@@ -127,9 +128,8 @@ class AdoRecordset : public com::Automation<AdoRecordset> {
 // lives. The registry is not touched, and other processes see nothing of it.
 class EmbeddedAdo {
  public:
-  // `monitor` watches every session that is opened; it may be null and must outlive the objects made. Throws
-  // AutomationError.
-  explicit EmbeddedAdo(SessionMonitor* monitor);
+  // `monitor` watches every session that is opened; it may be null. Throws AutomationError.
+  explicit EmbeddedAdo(const std::shared_ptr<SessionMonitor>& monitor);
 
  private:
   com::InProcessClass connection_;

@@ -440,8 +440,8 @@ ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login) {
   return makeObject<LoginDispatch>(std::move(login));
 }
 
-PlatformStandIn::PlatformStandIn(EmbeddedPlatform& platform)
-    : ado_(platform.options().monitor),
+PlatformStandIn::PlatformStandIn(EmbeddedPlatform& platform, const std::shared_ptr<SessionMonitor>& monitor)
+    : ado_(monitor),
       publicComponent_(com::classIdOf(bindings::publicComponent),
                        [&platform]() -> ComPtr<IUnknown> {
                          return makeObject<PublicComponentDispatch>(platform.createPublicComponent());

@@ -31,9 +31,10 @@ com::ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login);
 // installed on the machine is left alone.
 class PlatformStandIn {
  public:
-  // `platform` outlives the stand-in; the components do not refer to it, but to what its options name. Throws
+  // `platform` outlives the stand-in. What was made may live longer, for Quillon.dll keeps components while it is
+  // loaded; it does not refer to `platform`. `monitor` watches every session that is opened; it may be null. Throws
   // AutomationError.
-  explicit PlatformStandIn(EmbeddedPlatform& platform);
+  PlatformStandIn(EmbeddedPlatform& platform, const std::shared_ptr<SessionMonitor>& monitor);
 
  private:
   EmbeddedAdo ado_;

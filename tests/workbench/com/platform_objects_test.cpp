@@ -1,0 +1,214 @@
+#include "workbench/com/platform_objects.h"
+
+#include "frame/com/class_lookup.h"
+#include "frame/com/platform_bindings.h"
+#include "tests/workbench/com/ado_fixture.h"
+#include "workbench/platform/registrations.h"
+
+namespace quillon::workbench {
+namespace {
+
+using com::LateBound;
+using com::Variant;
+namespace bindings = com::bindings;
+
+constexpr HResult badIndex = static_cast<HResult>(0x8002000BU);
+
+class PlatformObjectsTest : public test::AdoTest {
+ protected:
+  static LoginDetails details() {
+    return {.accountConnection = "Data Source=\"a.account\"",
+            .password = "secret",
+            .accountCode = "001",
+            .accountingYear = "2024",
+            .languageRegion = "zh-CN",
+            .languageId = "2052",
+            .currentPeriodYear = 2025,
+            .businessDate = "2024-03-31"};
+  }
+  EmbeddedPlatformOptions options() const {
+    EmbeddedPlatformOptions result;
+    result.accountConnection = connectionString(file_);
+    return result;
+  }
+  LateBound argument() {
+    filter_ = std::make_shared<FilterObject>(sfcItemRegistration());
+    data_ = std::make_shared<WorkbenchArgument>(filter_, std::make_shared<WorkbenchLogin>(details()), "Result", "Link");
+    return {argumentObject(data_), "e"};
+  }
+
+  std::shared_ptr<FilterObject> filter_;
+  std::shared_ptr<WorkbenchArgument> data_;
+};
+
+TEST_F(PlatformObjectsTest, TheArgumentGivesItsParts) {
+  const LateBound e = argument();
+  EXPECT_EQ(e.text(L"Action"), "Link");
+  e.put(L"Action", "Vouch");
+  EXPECT_EQ(e.text(L"Action"), "Vouch");
+  EXPECT_EQ(e.object(L"LoginObj", "LoginObj").text(L"OrvDbName"), "Data Source=\"a.account\"");
+  const LateBound source = e.object(L"DataSource", "DataSource");
+  EXPECT_EQ(source.text(L"SQL"), "Result");
+  source.put(L"Type", 2);
+  EXPECT_EQ(data_->dataSourceState().type, 2);
+  EXPECT_EQ(source.integer(L"Type"), 2);
+}
+
+TEST_F(PlatformObjectsTest, TheLoginsMembersAreTheLoginsDetails) {
+  const LateBound login = argument().object(L"Login", "Login");
+  EXPECT_EQ(login.text(L"SysPassword"), "secret");
+  EXPECT_EQ(login.text(L"cAcc_Id"), "001");
+  EXPECT_EQ(login.get(L"iYear").vt, VT_I4);
+  EXPECT_EQ(login.integer(L"iYear"), 2024);
+  EXPECT_EQ(login.get(L"cIYear").vt, VT_BSTR);
+  EXPECT_EQ(login.text(L"cIYear"), "2024");
+  EXPECT_EQ(login.text(L"LanguageRegion"), "zh-CN");
+  EXPECT_EQ(login.integer(L"LangID"), 2052);
+  EXPECT_EQ(login.integer(L"CurPeriodYear"), 2025);
+  EXPECT_EQ(login.text(bindings::login::businessDate), "2024-03-31");
+  login.put(L"AuthString", "rights");
+  EXPECT_EQ(argument().object(L"Login", "Login").text(L"AuthString"), "");
+  EXPECT_EQ(login.text(L"AuthString"), "rights");
+}
+
+TEST_F(PlatformObjectsTest, FilterItemsAreFoundByKeyInAnyCaseAndByPositionFromOne) {
+  const LateBound filter = argument().object(L"rawFilter", "rawFilter");
+  const LateBound list = filter.object(L"FilterList", "FilterList");
+  EXPECT_EQ(list.integer(L"Count"), filter_->count());
+  EXPECT_EQ(list.item(1, "item").text(L"Name"), filter_->entries().front()->item.key);
+  EXPECT_EQ(list.item(filter_->count(), "item").text(L"Name"), filter_->entries().back()->item.key);
+  EXPECT_EQ(list.item("CINVCODE", "item").text(L"Name"), "cInvCode");
+  // FilterList("iYear"), as Basic passes the argument on to the property.
+  EXPECT_EQ(filter.object(L"FilterList", "item", {"iYear"}).text(L"Name"), "iYear");
+  EXPECT_EQ(codeOf([&] { list.item(0, "item"); }), badIndex);
+  EXPECT_EQ(codeOf([&] { list.item(filter_->count() + 1, "item"); }), badIndex);
+  EXPECT_EQ(codeOf([&] { list.item("none", "item"); }), badIndex);
+}
+
+TEST_F(PlatformObjectsTest, AnItemIsWrittenAndReadThroughItsMembers) {
+  const LateBound item = argument().object(L"rawFilter", "f").object(L"FilterList", "item", {"dKeepDate"});
+  item.put(L"varValue", "2024-01-01");
+  item.put(L"varValue2", "2024-03-31");
+  item.put(L"LngGrouptoken", 1);
+  const FilterEntry& entry = *filter_->find("dKeepDate");
+  EXPECT_EQ(entry.value, "2024-01-01");
+  EXPECT_EQ(entry.value2, "2024-03-31");
+  EXPECT_EQ(entry.token, 1);
+  EXPECT_EQ(com::toText(item.getById(DISPID_VALUE, L"varValue")), "2024-01-01");
+  EXPECT_TRUE(item.flag(L"RangeInput"));
+  EXPECT_FALSE(item.flag(L"IsMultSel"));
+}
+
+TEST_F(PlatformObjectsTest, TheFilterMakesConditionsOfItsOwnItemsOnly) {
+  const LateBound filter = argument().object(L"rawFilter", "f");
+  for (const auto& entry : filter_->entries())
+    entry->token = tokenReport;
+  const LateBound item = filter.object(L"FilterList", "item", {"cBatchIA"});
+  item.put(L"varValue", "B'1");
+  item.put(L"LngGrouptoken", 0);
+  EXPECT_EQ(filter.text(L"GetWhereWithToken", {0}), "base.cBatchIA = N'B''1'");
+  item.put(L"strSqlString", "base.cBatchIA Like N'B%'");
+  EXPECT_EQ(filter.text(L"GetWhereWithToken", {0}), "base.cBatchIA Like N'B%'");
+}
+
+TEST_F(PlatformObjectsTest, ThePublicComponentTakesItsConnectionInAnyPlace) {
+  openConnection().call(
+      L"Execute", {"Create Table AccInformation (cSysID nvarchar(10), cID nvarchar(20), cName nvarchar(60), cValue "
+                   "nvarchar(255)) Insert Into AccInformation Values (N'IA', N'1', N'cValueStyle', N'按仓库核算') "
+                   "Insert Into AccInformation Values (N'IA', N'2', N'iCurrentYear', N'2024') "
+                   "Insert Into AccInformation Values (N'CA', N'11002', N'start', N'202403')"});
+  EmbeddedPlatform platform(options());
+  const PlatformStandIn standIn(platform, nullptr);
+  const LateBound component = com::createObject(bindings::publicComponent);
+  const LateBound connection = openConnection();
+  EXPECT_EQ(component.text(L"GetAccInformation", {"IA", "cValueStyle", connection.get()}), "按仓库核算");
+  EXPECT_EQ(component.text(L"GetAccInformation", {connection.get(), "IA", "cValueStyle"}), "按仓库核算");
+  EXPECT_EQ(component.integer(L"CurPeriodYear", {connection.get()}), 2024);
+  EXPECT_EQ(component.integer(L"iFxStartMonth", {"2024", connection.get()}), 3);
+  EXPECT_EQ(component.integer(L"iFxStartMonth", {connection.get(), "2024"}), 3);
+  EXPECT_EQ(codeOf([&] { component.integer(L"CurPeriodYear", {"2024"}); }), hresult::invalidArgument);
+  IDispatch* byReference = connection.get();
+  EXPECT_EQ(component.integer(L"CurPeriodYear", {Variant::reference(byReference)}), 2024);
+}
+
+TEST_F(PlatformObjectsTest, TheResourceServiceIsADualInterface) {
+  EmbeddedPlatformOptions english = options();
+  english.language = Language::english;
+  EmbeddedPlatform platform(english);
+  const PlatformStandIn standIn(platform, nullptr);
+  const LateBound service = com::createObject(bindings::resourceService);
+  com::ComPtr<bindings::IResourceService> early;
+  ASSERT_EQ(service.get()->QueryInterface(bindings::resourceServiceId, reinterpret_cast<void**>(early.out())), S_OK);
+  const com::Bstr key("Mirel.IA.CHHSSQL.00182");
+  com::Bstr text;
+  ASSERT_EQ(early->Text(key.get(), text.out()), S_OK);
+  EXPECT_EQ(text.utf8(), platform.createResourceService()->text("Mirel.IA.CHHSSQL.00182"));
+  EXPECT_NE(text.utf8(), "Mirel.IA.CHHSSQL.00182");
+  EXPECT_EQ(service.text(L"Text", {"Mirel.IA.CHHSSQL.00182"}), text.utf8());
+  EXPECT_EQ(early->Text(key.get(), nullptr), E_POINTER);
+}
+
+TEST_F(PlatformObjectsTest, MessagesGoToThePlatformsSink) {
+  std::string shown;
+  EmbeddedPlatformOptions listening = options();
+  listening.messages = [&shown](std::string_view text, int flags) {
+    shown = std::string(text) + "/" + std::to_string(flags);
+  };
+  EmbeddedPlatform platform(listening);
+  const PlatformStandIn standIn(platform, nullptr);
+  const LateBound service = com::createObject(bindings::resourceService);
+  com::ComPtr<bindings::IResourceService> early;
+  ASSERT_EQ(service.get()->QueryInterface(bindings::resourceServiceId, reinterpret_cast<void**>(early.out())), S_OK);
+  const com::Bstr text("年度不能为空");
+  EXPECT_EQ(early->ShowMessage(text.get(), 48, 0, 0), S_OK);
+  EXPECT_EQ(shown, "年度不能为空/48");
+}
+
+TEST_F(PlatformObjectsTest, NamesDifferFromCallToCall) {
+  EmbeddedPlatform platform(options());
+  const PlatformStandIn standIn(platform, nullptr);
+  const LateBound names = com::createObject(bindings::uniqueNames);
+  EXPECT_NE(names.text(bindings::uniqueName), names.text(bindings::uniqueName));
+  const Variant number = com::createObject(bindings::naming).getById(bindings::namingNumber, L"number");
+  EXPECT_EQ(number.vt, VT_I4);
+  EXPECT_GE(number.lVal, 0);
+}
+
+TEST_F(PlatformObjectsTest, TheDrillThroughHelperGivesAnEmptyFilter) {
+  EmbeddedPlatform platform(options());
+  const PlatformStandIn standIn(platform, nullptr);
+  const LateBound login(loginObject(std::make_shared<WorkbenchLogin>(details())), "login");
+  const LateBound filter =
+      com::createObject(bindings::drillThrough).object(bindings::filterForLogin, "filter", {login.get(), true});
+  EXPECT_EQ(filter.object(L"FilterList", "list").integer(L"Count"), 0);
+}
+
+TEST_F(PlatformObjectsTest, NothingOfTheStandInsStaysBehind) {
+  const long before = com::LiveCount::value();
+  {
+    EmbeddedPlatform platform(options());
+    const PlatformStandIn standIn(platform, nullptr);
+    com::createObject(bindings::naming);
+    com::createObject(bindings::uniqueNames);
+    com::createObject(bindings::drillThrough);
+    com::createObject(bindings::resourceService);
+    com::createObject(bindings::publicComponent);
+  }
+  EXPECT_EQ(com::LiveCount::value(), before);
+  EXPECT_FALSE(com::tryCreateObject(bindings::uniqueNames));
+}
+
+TEST_F(PlatformObjectsTest, AnArgumentReleasesAllThatItGave) {
+  const long before = com::LiveCount::value();
+  {
+    const LateBound e = argument();
+    const LateBound list = e.object(L"rawFilter", "f").object(L"FilterList", "list");
+    list.item(1, "item").text(L"Name");
+    e.object(L"DataSource", "d").text(L"SQL");
+    e.object(L"Login", "l").text(L"cAcc_Id");
+  }
+  EXPECT_EQ(com::LiveCount::value(), before);
+}
+
+}  // namespace
+}  // namespace quillon::workbench

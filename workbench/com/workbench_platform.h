@@ -1,0 +1,64 @@
+// QuillonWorkbench.Platform: the stand-alone platform for scripts. While it has an account open, the script's process
+// finds the embedded account under ADO's ProgIDs and the workbench's components under the platform's.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "frame/com/dispatch_object.h"
+#include "workbench/com/platform_objects.h"
+
+namespace quillon::workbench {
+
+// Keeps what the last failing statement of any session said, so that a script can ask why a report is incomplete.
+class FailureKeeper final : public SessionMonitor {
+ public:
+  void opened() override {}
+  void started(std::string_view) override {}
+  void finished(std::string_view, double, std::int64_t) override {}
+  void failed(const StatementFailure& failure) override { last_ = failure; }
+  void closed() override {}
+
+  const StatementFailure& last() const { return last_; }
+
+ private:
+  StatementFailure last_;
+};
+
+// Members:
+//   Language                 "zh" (the default) or "en"; written before OpenAccount
+//   OpenAccount(source)      an account file, or its connection string; once for an object
+//   NewArgument(report)      an argument object e for the report ("sfc-item"): a filter with its defaults, the
+//   account's
+//                            login, and a data source whose SQL is a fresh table name
+//   Query(sql)               a Recordset with the rows of a query on the platform's own connection
+//   FailureNumber, FailureText, FailureStatement
+//                            SQL Server's number and text of the last statement that failed in this process (0 and
+//                            empty when none did), and the statement: what a report absorbed is read here
+//   LiveObjects              how many of the workbench's automation objects are alive
+class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
+ public:
+  static std::span<const Member> members();
+
+ private:
+  com::Variant language(com::Call& call);
+  com::Variant openAccount(com::Call& call);
+  com::Variant newArgument(com::Call& call);
+  com::Variant query(com::Call& call);
+  com::Variant failureNumber(com::Call& call);
+  com::Variant failureText(com::Call& call);
+  com::Variant failureStatement(com::Call& call);
+  com::Variant liveObjects(com::Call& call);
+  const char* sourceName() const override { return "QuillonWorkbench.Platform"; }
+
+  AdoConnection& account();
+
+  Language language_ = Language::chinese;
+  std::shared_ptr<FailureKeeper> failures_ = std::make_shared<FailureKeeper>();
+  com::ComPtr<AdoConnection> connection_;
+  std::unique_ptr<EmbeddedPlatform> platform_;
+  std::optional<PlatformStandIn> standIn_;
+};
+
+}  // namespace quillon::workbench
