@@ -6,9 +6,12 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 #include "frame/automation_error.h"
 #include "frame/module.h"
+#include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/json_file.h"
@@ -20,7 +23,36 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::string_view knownReports = "sfc-item";
+// What can be traced, by its name on the command line.
+struct TracedReport {
+  std::string_view name;
+  std::unique_ptr<SummaryReport> (*make)(Module& module);
+};
+
+template <typename Report>
+std::unique_ptr<SummaryReport> made(Module& module) {
+  return std::make_unique<Report>(module);
+}
+
+constexpr std::array tracedReports{
+    TracedReport{"sfc-item", made<SfcItem>},
+    TracedReport{"outsum-item", made<OutsumItem>},
+};
+
+std::vector<std::string> tracedNames() {
+  std::vector<std::string> names;
+  names.reserve(tracedReports.size());
+  for (const TracedReport& report : tracedReports)
+    names.emplace_back(report.name);
+  return names;
+}
+
+std::string listed(const std::vector<std::string>& names) {
+  std::string list;
+  for (const std::string& name : names)
+    list += (list.empty() ? "" : ", ") + name;
+  return list;
+}
 
 // A part of a description, with errors that name it.
 template <typename Description>
@@ -62,16 +94,16 @@ int runTrace(const TraceOptions& options) {
 }  // namespace
 
 int trace(const std::string& report, const Json& filter, const Json& platform, std::ostream& out, std::ostream& notes) {
-  if (report != knownReports) {
-    throw CommandError("there is no report \"" + report + "\" to trace; the reports are: " + std::string(knownReports));
+  const auto* const traced = std::ranges::find(tracedReports, report, &TracedReport::name);
+  if (traced == tracedReports.end()) {
+    throw CommandError("there is no report \"" + report + "\" to trace; the reports are: " + listed(tracedNames()));
   }
   const auto filterObject = std::make_shared<TraceFilter>(described<TraceFilter>("filter's", filter));
   const auto description = described<TraceDescription>("platform's", platform);
   TracePlatform tracePlatform(description, out);
   Module module(tracePlatform);
   try {
-    SfcItem instance(module);
-    instance.getSql(*tracePlatform.argument(filterObject));
+    traced->make(module)->getSql(*tracePlatform.argument(filterObject));
   } catch (const AutomationError& error) {
     out << errorLine(error) << '\n';
     return 1;
@@ -89,8 +121,8 @@ void addTraceCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
       "trace", "Print every database call of a report against a described platform; nothing is executed");
   const auto options = std::make_shared<TraceOptions>();
-  command.add_option("REPORT", options->report, "The report: " + std::string(knownReports))
-      ->check(CLI::IsMember({std::string(knownReports)}));
+  command.add_option("REPORT", options->report, "The report: " + listed(tracedNames()))
+      ->check(CLI::IsMember(tracedNames()));
   command.add_option("--filter", options->filterFile, "The filter's description, a JSON file");
   command.add_option("--platform", options->platformFile, "The platform's description, a JSON file");
   command.add_option("--case", options->caseFile,
