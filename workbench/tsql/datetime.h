@@ -23,16 +23,21 @@ struct DateTimeParts {
 DateTimeParts partsOf(DateTime value);
 // nullopt when a part is out of its range or the date is before 1753.
 std::optional<DateTime> fromParts(const DateTimeParts& parts);
+bool inRange(DateTime value);
 
 enum class DateTextError { notADate, outOfRange };
 struct DateTextResult {
   std::optional<DateTime> value;
   DateTextError error = DateTextError::notADate;  // when there is no value
 };
+// How dates are read whose year does not stand first: a day of three numbers is month, day, year unless Convert's style
+// says otherwise.
+enum class DateOrder { monthFirst, dayFirst, yearFirst };
+
 // A date, a time or both as text: year first with -, / or . ("2024-3-5", "2024/03/05 8:05"), "20240305", ISO 8601 with
 // T, month first ("3/5/2024"), times "8:05", "8:05:30.457", "8:05 PM"; blanks around and the empty text are 1900-01-01.
 // Milliseconds round to 1/300 s.
-DateTextResult parseDateTime(std::string_view text);
+DateTextResult parseDateTime(std::string_view text, DateOrder order = DateOrder::monthFirst);
 
 // "2024-03-05 13:14:15.457"
 std::string toText(DateTime value);
@@ -44,6 +49,7 @@ enum class DatePart { year, quarter, month, dayOfYear, day, week, weekday, hour,
 std::optional<DatePart> datePartNamed(std::string_view name);
 std::string_view nameOf(DatePart part);  // the long name: "year", "dayofyear", ...
 int datePart(DatePart part, DateTime value);
+std::string dateName(DatePart part, DateTime value);  // "March", "Tuesday"; all else as a number
 // Throws SqlError 517 when the result leaves the range.
 DateTime dateAdd(DatePart part, std::int64_t count, DateTime value);
 // The boundaries crossed from `start` to `end`.

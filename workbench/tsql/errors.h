@@ -18,6 +18,9 @@ SqlError badMoneyText();                                                        
 SqlError notADate();                                                                  // 241
 SqlError dateOutOfRange(const Type& from);                                            // 242
 SqlError dateArithmeticOverflow();                                                    // 517
+SqlError noRoomForMoney(const Type& to);                                              // 234
+SqlError dateDifferenceOverflow();                                                    // 535
+SqlError badStyle(int style, const Type& from, const Type& to);                       // 281
 // 2628; without a table 8152.
 SqlError wouldBeTruncated(std::string_view table, std::string_view column, std::string_view value);
 SqlError invalidOperand(const Type& type, std::string_view operation);                   // 8117

@@ -22,10 +22,13 @@ class LikePattern {
   enum class Token : std::uint8_t { character, any, one, set, notSet };
   struct Element {
     Token token;
-    std::uint32_t weight = 0;           // character
-    std::uint32_t first = 0, last = 0;  // set: ranges_[first, last)
+    std::uint32_t weight = 0;           // of a character
+    std::uint32_t first = 0, last = 0;  // of a set: its ranges
   };
+
+  void readSet(std::string_view pattern, std::size_t& position, char32_t escape);
   bool matchesOne(const Element& element, std::uint32_t weight) const;
+  bool matchesWhole(std::string_view text) const;
 
   std::vector<Element> elements_;
   std::vector<Range> ranges_;

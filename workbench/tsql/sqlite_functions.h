@@ -2,7 +2,7 @@
 //
 // Values lie in SQLite as value.h says; "units" below is an exact number in the scale of its type: INTEGER, or the BLOB
 // of encodeUnits() beyond 64 bits. Types are passed as integer constants, typeCode(type). NULL in any value argument
-// gives NULL unless said otherwise. All are deterministic but date_now.
+// gives NULL unless said otherwise. All are deterministic.
 //
 //   function                               gives                                                errors
 //   -- exact numbers (ta, tb, t: type codes of int, bigint, bit, decimal, money; t is the result's type)
@@ -47,7 +47,8 @@
 //   -- dates (INTEGER ticks; part: nameOf(DatePart))
 //   date_part('part', d), date_add('part', n, d) (517), date_diff('part', a, b) (535)
 //   date_name('part', d)                   Datename
-//   date_now()                             Getdate; the same within one statement
+//   date_check(d)                          d itself when it lies in datetime's range, for d + ticks   517
+//   (Getdate is the same within a statement: put currentDateTime() into the text.)
 //   -- aggregates over units; no rows or only NULLs give NULL. One argument, so DISTINCT works.
 //   sum_int(x), sum_bigint(x), sum_money(x), sum_decimal(x)                                     8115
 //   avg_int(x), avg_bigint(x), avg_money(x) cut at the argument's scale                         8115

@@ -58,8 +58,7 @@ enum class Arithmetic { add, subtract, multiply, divide, remainder };
 
 // The type of `left op right`. Two texts with + join (widths add, at most 4000 or 8000; maxWidth stays); a text beside
 // a number or a date is converted to the partner's type first; money beside int or money stays money, beside decimal it
-// is decimal; a datetime plus or minus a number is a datetime. `operandType` tells to which type both sides must be
-// brought before the operation (only for exact types beside each other they stay as they are).
+// is decimal; a datetime plus or minus a number is a datetime.
 Type arithmeticType(Arithmetic operation, const Operand& left, const Operand& right);
 // The type to which an operand is converted before arithmetic with the other: text beside an int becomes int, beside a
 // decimal(p,s) that decimal, beside money money; exact beside float becomes float; everything beside datetime becomes
@@ -67,8 +66,7 @@ Type arithmeticType(Arithmetic operation, const Operand& left, const Operand& ri
 Type arithmeticOperandType(Arithmetic operation, const Operand& operand, const Operand& other);
 
 // The type in which two expressions are compared: the higher one by precedence (datetime, float, decimal, money,
-// bigint, int, bit, nvarchar, varchar). Text beside a decimal compares in decimal(38, scale of the decimal... see
-// below). Two exact types give a decimal, int or bigint that holds both.
+// bigint, int, bit, nvarchar, varchar), wide enough for both when they are decimals or texts.
 Type comparisonType(const Operand& left, const Operand& right);
 
 // The type of Case, Coalesce, Union and a list of In: the highest by precedence, and of its family the widest. Null
@@ -88,13 +86,13 @@ Type aggregateType(Aggregate aggregate, const Type& argument);
 // lexer found them, without sign. Throws 1007 for more than 38 digits.
 Type numberLiteralType(std::string_view literal);
 
-// The text type to which a value is converted where a text is wanted (left(i, 2), i joined to a text by Len):
+// The text type to which a value is converted where a text is wanted, as in left(i, 2) and len(i):
 // int varchar(12), bigint varchar(24), bit varchar(1), decimal(p,s) varchar(41), money varchar(30), float varchar(53),
 // datetime varchar(30); texts stay.
 Type implicitTextType(const Type& type);
 
-// Throws 529 / 257 when SQL Server has no (implicit) conversion between the types.
-void checkCast(const Type& from, const Type& to);
+// Throws 257 when SQL Server wants an explicit Cast: money into a text, datetime into a number. All other pairs convert
+// by themselves; Cast takes every pair.
 void checkAssignment(const Type& from, const Type& to);
 
 }  // namespace quillon::tsql
