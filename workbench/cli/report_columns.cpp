@@ -10,7 +10,7 @@ void addNumbered(std::vector<ReportColumn>& columns, const std::string& name, co
                  const std::string& english, int first, int last) {
   for (int number = first; number <= last; ++number) {
     const std::string text = std::to_string(number);
-    columns.push_back({name + text, chinese + text, english + " " + text});
+    columns.push_back({name + text, chinese + text, std::string(english).append(" ").append(text)});
   }
 }
 

@@ -46,8 +46,8 @@ inline constexpr Caption rowsCaption{"明细", "Rows"};
 inline constexpr Caption noRowsCaption{"没有符合条件的数据", "No rows meet the conditions"};
 inline constexpr Caption codeCaption{"编码", "Code"};
 inline constexpr Caption costItemCaption{"成本项目", "Cost item"};
-inline constexpr Caption quantityCaption{"数量", "Quantity"};
-inline constexpr Caption moneyCaption{"金额", "Amount"};
+inline constexpr Caption quantityCaption{"数量", "quantity"};
+inline constexpr Caption moneyCaption{"金额", "amount"};
 
 // The names of the cross view's states in the document's language: opening, receipt, issue, closing.
 std::vector<std::string> stateNames(Language language);

@@ -2,6 +2,7 @@
 // dialect, so that sums are the account's sums, and dropped when it was read.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <span>
@@ -20,8 +21,8 @@ inline constexpr std::size_t crossStates = 4;
 struct CrossRow {
   std::string code;
   std::string name;
-  std::string quantity[crossStates];
-  std::string money[crossStates];
+  std::array<std::string, crossStates> quantity;
+  std::array<std::string, crossStates> money;
 };
 
 struct CrossView {

@@ -13,14 +13,14 @@ namespace quillon::workbench {
 
 // What a login tells. All UTF-8; the password never leaves it but through the port.
 struct LoginDetails {
-  std::string accountConnection;
-  std::string password;
-  std::string accountCode;     // "001"
-  std::string accountingYear;  // "2024"
-  std::string languageRegion;  // "zh-CN" or "en-US"
-  std::string languageId;      // "2052" or "1033"
+  std::string accountConnection = {};
+  std::string password = {};
+  std::string accountCode = {};     // "001"
+  std::string accountingYear = {};  // "2024"
+  std::string languageRegion = {};  // "zh-CN" or "en-US"
+  std::string languageId = {};      // "2052" or "1033"
   int currentPeriodYear = 0;
-  std::string businessDate;  // yyyy-mm-dd
+  std::string businessDate = {};  // yyyy-mm-dd
 };
 
 // The login of the account that `session` has open, in `language`: account code and years from orvsystem..UA_Period,

@@ -57,10 +57,10 @@ class WorkbenchUniqueNames final : public UniqueNameSource {
 };
 
 struct EmbeddedPlatformOptions {
-  std::string accountConnection;  // as the login gives it
+  std::string accountConnection = {};  // as the login gives it
   Language language = Language::chinese;
-  SessionMonitor* monitor = nullptr;         // watches every session that the platform makes; outlives it
-  WorkbenchResources::MessageSink messages;  // takes what a report or a dialog shows; may be empty
+  SessionMonitor* monitor = nullptr;              // watches every session that the platform makes; outlives it
+  WorkbenchResources::MessageSink messages = {};  // takes what a report or a dialog shows; may be empty
 };
 
 class EmbeddedPlatform final : public Platform {

@@ -109,7 +109,8 @@ void checkEntry(const FilterEntry& entry) {
   for (const std::string& value : values)
     checkValue(item, value);
   checkValue(item, entry.value2);
-  if (item.choices.empty() || (entry.value.empty() && item.defaultValue.empty())) return;
+  if (entry.value.empty() && item.required) refuse(item, "must be given");
+  if (item.choices.empty() || entry.value.empty()) return;
   for (const std::string& code : chosenCodes(entry)) {
     if (findChoice(item, code) == nullptr) {
       refuse(item, "there is no choice \"" + code + "\"; choose of " + choiceList(item));

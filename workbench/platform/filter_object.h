@@ -31,6 +31,7 @@ struct ItemRegistration {
   InputKind kind = InputKind::text;
   bool range = false;       // entered as a lower and an upper bound
   bool multiple = false;    // several values may be selected
+  bool required = false;    // cannot be left empty
   std::string column = {};  // the column of the condition that the filter object makes: "base.cBatchIA"
   std::string defaultValue = {};
   std::vector<Choice> choices = {};  // of a choice item, in the order in which they are offered

@@ -37,11 +37,17 @@ ReportRegistration makeRegistration() {
                             .english = "Receipt/issue/balance by cost item",
                             .identifier = "CA3BAD03-9D4C-463A-827E-E971D5A36C81"};
   report.items = {
-      {.key = "iYear", .chinese = "会计年度", .english = "Year", .kind = InputKind::choice, .column = "base.iYear"},
+      {.key = "iYear",
+       .chinese = "会计年度",
+       .english = "Year",
+       .kind = InputKind::choice,
+       .required = true,
+       .column = "base.iYear"},
       {.key = "cModal",
        .chinese = "报表方式",
        .english = "Report mode",
        .kind = InputKind::choice,
+       .required = true,
        .defaultValue = "0",
        .choices = {{"0", "按成本项目分类", "by cost-item class"},
                    {"1", "按成本项目", "by cost item"},

@@ -1,0 +1,94 @@
+#include "workbench/cli/sql_command.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace quillon::workbench {
+namespace {
+
+struct Outcome {
+  int failed = 0;
+  std::string out;
+  std::string errors;
+};
+
+Outcome run(const std::string& text, SqlFormat format) {
+  const auto account = tsql::Connection::openInMemory();
+  std::istringstream script(text);
+  std::ostringstream out;
+  std::ostringstream errors;
+  const int failed = runScript(*account, script, format, out, errors);
+  return {failed, out.str(), errors.str()};
+}
+
+TEST(SqlScript, PrintsOneObjectALine) {
+  const Outcome outcome =
+      run("Create Table t (i int, d decimal(9,2), c nvarchar(20), b bit)\n"
+          "go\n"
+          "Insert Into t Values (1, 1.5, N'甲', 1), (2, Null, Null, 0)\n"
+          "GO\n"
+          "Select i, d, c, b From t Order By i\n",
+          SqlFormat::json);
+  EXPECT_EQ(outcome.out,
+            "{\"rowsAffected\":2}\n"
+            "{\"columns\":[[\"i\",\"int\"],[\"d\",\"decimal(9,2)\"],[\"c\",\"nvarchar(20)\"],[\"b\",\"bit\"]],"
+            "\"rows\":[[1,\"1.50\",\"甲\",1],[2,null,null,0]]}\n");
+  EXPECT_EQ(outcome.failed, 0);
+  EXPECT_EQ(outcome.errors, "");
+}
+
+TEST(SqlScript, PrintsAResultSetWithoutRows) {
+  EXPECT_EQ(run("Select 1 As a Where 1 = 0", SqlFormat::json).out, "{\"columns\":[[\"a\",\"int\"]],\"rows\":[]}\n");
+}
+
+TEST(SqlScript, EndsABatchAtItsErrorAndGoesOn) {
+  const Outcome outcome =
+      run("Create Table t (i int)\n"
+          "Insert Into t Values (1)\n"
+          "Select i From nowhere\n"
+          "Insert Into t Values (2)\n"
+          "  Go \r\n"
+          "Select Count(*) As n From t\n"
+          "go\n",
+          SqlFormat::json);
+  EXPECT_EQ(outcome.out,
+            "{\"rowsAffected\":1}\n"
+            "{\"error\":{\"number\":208,\"message\":\"Invalid object name 'nowhere'.\"}}\n"
+            "{\"columns\":[[\"n\",\"int\"]],\"rows\":[[1]]}\n");
+  EXPECT_EQ(outcome.failed, 1);
+}
+
+TEST(SqlScript, LeavesOutEmptyBatches) {
+  EXPECT_EQ(run("go\n\n  \ngo\nGo\n", SqlFormat::json).out, "");
+  EXPECT_EQ(run("", SqlFormat::json).out, "");
+}
+
+TEST(SqlScript, IgnoresAByteOrderMark) {
+  EXPECT_EQ(run("\xEF\xBB\xBFSelect 1 As a\n", SqlFormat::json).out,
+            "{\"columns\":[[\"a\",\"int\"]],\"rows\":[[1]]}\n");
+}
+
+TEST(SqlScript, KeepsAConnectionsTemporaryTables) {
+  EXPECT_EQ(run("Select 1 As a Into #w\ngo\nSelect a From #w\n", SqlFormat::json).out,
+            "{\"rowsAffected\":1}\n{\"columns\":[[\"a\",\"int\"]],\"rows\":[[1]]}\n");
+}
+
+TEST(SqlScript, PrintsTablesForPeople) {
+  const Outcome outcome =
+      run("Select 1 As 编号, N'甲' As 名称 Union All Select 20, Null Order By 编号\n"
+          "go\n"
+          "Delete nowhere\n",
+          SqlFormat::table);
+  EXPECT_EQ(outcome.out,
+            "编号  名称\n"
+            "----  ----\n"
+            "   1  甲\n"
+            "  20  NULL\n"
+            "(2 rows)\n\n");
+  EXPECT_EQ(outcome.errors, "quillon: error 208 in line 1 of the batch: Invalid object name 'nowhere'.\n");
+  EXPECT_EQ(outcome.failed, 1);
+}
+
+}  // namespace
+}  // namespace quillon::workbench

@@ -1,0 +1,86 @@
+#include "workbench/cli/text_cells.h"
+
+#include <gtest/gtest.h>
+
+#include "workbench/cli/text_table.h"
+
+#include <sstream>
+
+namespace quillon::workbench {
+namespace {
+
+TEST(CellWidth, CountsChineseAsTwoCells) {
+  EXPECT_EQ(cellWidth(""), 0U);
+  EXPECT_EQ(cellWidth("abc"), 3U);
+  EXPECT_EQ(cellWidth("成本项目"), 8U);
+  EXPECT_EQ(cellWidth("M8×20 螺栓"), 10U);
+  EXPECT_EQ(cellWidth("（Ａ）"), 6U) << "full-width signs and letters";
+  EXPECT_EQ(cellWidth("𠮷"), 2U) << "a character beyond the basic plane";
+  EXPECT_EQ(cellWidth("é"), 1U);
+  EXPECT_EQ(cellWidth("e\xCC\x81"), 1U) << "a letter and a combining accent";
+}
+
+TEST(CellWidth, SurvivesBytesThatAreNoText) {
+  EXPECT_EQ(cellWidth("a\xFF\x80z"), 4U);
+  EXPECT_EQ(cellWidth("\xE4\xB8"), 2U) << "a character that is cut off";
+}
+
+TEST(OneLine, ReplacesControlCharacters) {
+  EXPECT_EQ(oneLine("a\r\nb\tc\x7F"), "a  b c ");
+}
+
+TEST(Shortened, CutsBetweenCharacters) {
+  EXPECT_EQ(shortened("short", 10), "short");
+  EXPECT_EQ(shortened("1234567890", 10), "1234567890");
+  EXPECT_EQ(shortened("12345678901", 10), "1234567...");
+  EXPECT_EQ(shortened("成本项目分类", 10), "成本项...");
+  EXPECT_EQ(shortened("a成本项目分类", 10), "a成本项...");
+}
+
+TEST(TextTable, AlignsByCells) {
+  std::ostringstream out;
+  TextTable table(out, {{"名称"}, {"数量", Align::right}, {"unit"}});
+  table.row({"螺栓", "1,200.00", "个"});
+  table.row({"Bolt M8", "3.50", ""});
+  table.rule();
+  table.row({"合计", "1,203.50", ""});
+  table.finish();
+  EXPECT_EQ(out.str(),
+            "名称         数量  unit\n"
+            "-------  --------  ----\n"
+            "螺栓     1,200.00  个\n"
+            "Bolt M8      3.50\n"
+            "-------  --------  ----\n"
+            "合计     1,203.50\n");
+}
+
+TEST(TextTable, ShowsItsHeadingsWithoutRows) {
+  std::ostringstream out;
+  TextTable table(out, {{"a"}, {"b"}});
+  table.finish();
+  EXPECT_EQ(out.str(), "a  b\n-  -\n");
+}
+
+TEST(TextTable, KeepsARowOnOneLine) {
+  std::ostringstream out;
+  TextTable table(out, {{"a"}});
+  table.row({"one\ntwo"});
+  table.finish();
+  EXPECT_EQ(out.str(), "a\n-------\none two\n");
+}
+
+TEST(TextTable, HoldsNoMoreThanTheSampledRows) {
+  std::ostringstream out;
+  TextTable table(out, {{"a"}, {"b"}});
+  for (std::size_t i = 0; i < TextTable::sampledRows; ++i) {
+    EXPECT_EQ(out.str(), "");
+    table.row({"x", "y"});
+  }
+  EXPECT_NE(out.str(), "");
+  out.str("");
+  table.row({"wider than the column", "y"});
+  EXPECT_EQ(out.str(), "wider than the column  y\n");
+}
+
+}  // namespace
+}  // namespace quillon::workbench

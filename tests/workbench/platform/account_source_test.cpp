@@ -1,0 +1,60 @@
+#include "workbench/platform/account_source.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace quillon::workbench {
+namespace {
+
+std::string fileOf(std::string_view source) {
+  return utf8FromPath(accountFile(source));
+}
+
+TEST(AccountSource, IsAFileName) {
+  EXPECT_EQ(fileOf("账套.qacc"), "账套.qacc");
+  EXPECT_EQ(fileOf("a=b;c.qacc"), "a=b;c.qacc");
+}
+
+TEST(AccountSource, IsTheDataSourceOfAConnectionString) {
+  EXPECT_EQ(fileOf("Data Source=demo.qacc"), "demo.qacc");
+  EXPECT_EQ(fileOf("data source = demo.qacc ; PWD=secret"), "demo.qacc");
+  EXPECT_EQ(fileOf("Data Source=\"a;b=c.qacc\";PWD=secret"), "a;b=c.qacc");
+  EXPECT_EQ(fileOf("PWD=secret;Data Source=demo.qacc"), "PWD=secret;Data Source=demo.qacc")
+      << "a text that does not begin with a connection keyword is a file's name";
+}
+
+TEST(AccountSource, ComesBackFromItsConnectionString) {
+  for (const char* name : {"demo.qacc", "with blank.qacc", "a;b=c.qacc", "账套.qacc"}) {
+    EXPECT_EQ(fileOf(connectionString(pathFromUtf8(name))), name);
+  }
+}
+
+TEST(AccountSource, RefusesAServersConnectionString) {
+  for (const char* source : {"Driver={Some Driver};Server=here;Database=account", "DSN=account", "Server=here;UID=sa",
+                             "Data Source=server;Initial Catalog=account"}) {
+    try {
+      accountFile(source);
+      ADD_FAILURE() << source << " was taken";
+    } catch (const std::invalid_argument& error) {
+      EXPECT_NE(std::string(error.what()).find("name an account file"), std::string::npos) << error.what();
+    }
+  }
+}
+
+TEST(AccountSource, RefusesNoName) {
+  EXPECT_THROW(accountFile(""), std::invalid_argument);
+  EXPECT_THROW(accountFile("Data Source="), std::invalid_argument);
+}
+
+TEST(AccountSource, NeverRepeatsAPassword) {
+  try {
+    accountFile("Server=here;PWD=secret");
+    FAIL();
+  } catch (const std::invalid_argument& error) {
+    EXPECT_EQ(std::string(error.what()).find("secret"), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace quillon::workbench

@@ -1,0 +1,171 @@
+#include "workbench/platform/embedded_platform.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+#include <stdexcept>
+
+#include "tests/workbench/platform/temporary_file.h"
+#include "workbench/platform/account_source.h"
+#include "workbench/platform/argument.h"
+
+namespace quillon::workbench {
+namespace {
+
+// An account with the tables that the components read, and the options that a test writes.
+class EmbeddedPlatformTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    const auto account = tsql::Connection::open(file_.path(), tsql::OpenMode::createNew);
+    account->execute(
+        "Create Table AccInformation (cSysID nvarchar(10), cID nvarchar(10), cName nvarchar(60), "
+        "cValue nvarchar(255))");
+    account->execute("Create Table IA_PeriodState (iYear int, iMonth int, bSettled bit)");
+    account->execute(
+        "Create Table AA_Enum (EnumType nvarchar(60), EnumCode nvarchar(60), LocaleId nvarchar(10), "
+        "EnumName nvarchar(120))");
+    account->execute(
+        "Create Table orvsystem..UA_Period (cAcc_Id nvarchar(10), iYear int, iId int, dBegin datetime, "
+        "dEnd datetime)");
+    account->execute(
+        "Insert Into orvsystem..UA_Period Values "
+        "(N'007', 2022, 12, '2022-12-01', '2022-12-31'), "
+        "(N'007', 2023, 11, '2023-11-01', '2023-11-30'), (N'007', 2023, 12, '2023-12-01', '2023-12-31'), "
+        "(N'007', 9999, 1, '9999-01-01', '9999-12-31')");
+    session_.setConnectionString(connectionString(file_.path()));
+    session_.open("", "", optionsUnspecified);
+  }
+
+  void option(const std::string& system, const std::string& id, const std::string& name, const std::string& value) {
+    session_.execute("Insert Into AccInformation Values (N'" + system + "', N'" + id + "', N'" + name + "', N'" +
+                     value + "')");
+  }
+
+  LoginDetails login(const std::string& year = "", const std::string& date = "") {
+    return accountLogin(session_, "Data Source=x", Language::chinese, year, date);
+  }
+
+  test::TemporaryFile file_{".qacc"};
+  EmbeddedSession session_;
+  AccountPublicComponent component_;
+};
+
+TEST_F(EmbeddedPlatformTest, AnswersOptionsOfTheAccount) {
+  option("IA", "1", "cValueStyle", "按仓库核算");
+  option("AA", "1", "cValueStyle", "another system");
+  EXPECT_EQ(component_.accountInformation("IA", "cValueStyle", session_), "按仓库核算");
+  EXPECT_EQ(component_.accountInformation("ia", "CVALUESTYLE", session_), "按仓库核算");
+  EXPECT_EQ(component_.accountInformation("IA", "cNothing", session_), "");
+  EXPECT_EQ(component_.accountInformation("IA", "c'Quote", session_), "");
+}
+
+TEST_F(EmbeddedPlatformTest, TakesTheCurrentYearFromTheFirstUnsettledMonth) {
+  session_.execute("Insert Into IA_PeriodState Values (2022, 0, 0), (2022, 11, 1), (2022, 12, 0), (2023, 1, 0)");
+  EXPECT_EQ(component_.currentPeriodYear(session_), 2022);
+  session_.execute("Update IA_PeriodState Set bSettled = 1 Where iYear = 2022 And iMonth > 0");
+  EXPECT_EQ(component_.currentPeriodYear(session_), 2023) << "month 0 is no month";
+}
+
+TEST_F(EmbeddedPlatformTest, TakesTheLastYearWhenAllIsSettled) {
+  EXPECT_EQ(component_.currentPeriodYear(session_), 2023);
+}
+
+TEST_F(EmbeddedPlatformTest, TakesTheCostItemStartFromItsOption) {
+  EXPECT_EQ(component_.costItemStartMonth("2023", session_), 0) << "no option, no cost items";
+  option("CA", "11002", "iStartPeriod", "202204");
+  EXPECT_EQ(component_.costItemStartMonth("2021", session_), 0);
+  EXPECT_EQ(component_.costItemStartMonth("2022", session_), 4);
+  EXPECT_EQ(component_.costItemStartMonth("2023", session_), 1);
+}
+
+TEST_F(EmbeddedPlatformTest, LogsInToTheCurrentYear) {
+  const LoginDetails details = login();
+  EXPECT_EQ(details.accountConnection, "Data Source=x");
+  EXPECT_EQ(details.password, "");
+  EXPECT_EQ(details.accountCode, "007");
+  EXPECT_EQ(details.accountingYear, "2023");
+  EXPECT_EQ(details.currentPeriodYear, 2023);
+  EXPECT_EQ(details.businessDate, "2023-12-31");
+  EXPECT_EQ(details.languageRegion, "zh-CN");
+  EXPECT_EQ(details.languageId, "2052");
+}
+
+TEST_F(EmbeddedPlatformTest, LogsInToAnotherYearAndDate) {
+  EXPECT_EQ(login("2022").accountingYear, "2022");
+  EXPECT_EQ(login("2022").businessDate, "2022-12-31");
+  EXPECT_EQ(login("", "2023-06-30").businessDate, "2023-06-30");
+  EXPECT_EQ(accountLogin(session_, "", Language::english, "", "").languageRegion, "en-US");
+}
+
+TEST_F(EmbeddedPlatformTest, RefusesAYearThatTheAccountDoesNotHave) {
+  try {
+    login("2019");
+    FAIL();
+  } catch (const std::invalid_argument& error) {
+    EXPECT_STREQ(error.what(), "the account has no year \"2019\"; its years are 2022 to 2023");
+  }
+  session_.execute("Delete orvsystem..UA_Period");
+  EXPECT_THROW(login(), AutomationError);
+}
+
+TEST_F(EmbeddedPlatformTest, NamesEnumerationsInItsLanguage) {
+  session_.execute(
+      "Insert Into AA_Enum Values (N'IA.Bustype', N'调拨出库', N'zh-CN', N'调拨出库'), "
+      "(N'IA.Bustype', N'调拨出库', N'en-US', N'Transfer out')");
+  EmbeddedPlatform english({.accountConnection = connectionString(file_.path()), .language = Language::english});
+  const auto resources = english.createResourceService();
+  EXPECT_EQ(resources->enumName("IA.Bustype", "调拨出库"), "Transfer out");
+  EXPECT_EQ(resources->enumName("IA.Bustype", "无"), "无") << "a code without a name is shown itself";
+  EXPECT_EQ(resources->text("Mirel.IA.Mirel71.00269"), "Receipt");
+}
+
+TEST_F(EmbeddedPlatformTest, PassesMessagesOn) {
+  std::string shown;
+  EmbeddedPlatform platform({.messages = [&shown](std::string_view text, int flags) {
+    shown = std::string(text) + " " + std::to_string(flags);
+  }});
+  platform.createResourceService()->showMessage("注意", 48);
+  EXPECT_EQ(shown, "注意 48");
+  EmbeddedPlatform silent({});
+  EXPECT_NO_THROW(silent.createResourceService()->showMessage("nobody listens", 48));
+}
+
+TEST(UniqueNames, AreNeverTheSame) {
+  std::set<std::string> seen;
+  constexpr int count = 1000;
+  EmbeddedPlatform one({});
+  EmbeddedPlatform other({});
+  const auto names = one.createUniqueNameSource();
+  const auto otherNames = other.createUniqueNameSource();
+  for (int i = 0; i < count; ++i) {
+    seen.insert(names->next());
+    seen.insert(otherNames->next());
+  }
+  EXPECT_EQ(seen.size(), 2U * count);
+}
+
+// The parts stand unquoted in statement texts and inside square brackets; with prefix and suffix the name must stay
+// within SQL Server's 128 characters.
+TEST(UniqueNames, AreValidInTableNames) {
+  const std::string allowed = "0123456789abcdefghijklmnopqrstuvwxyz";
+  EXPECT_EQ(uniqueNamePart().find_first_not_of(allowed), std::string::npos);
+  EmbeddedPlatform platform({});
+  const std::string number = platform.namingNumber();
+  EXPECT_EQ(number.find_first_not_of("0123456789"), std::string::npos);
+  EXPECT_LE((number + uniqueNamePart() + "IA_SFC_IX_GroupIndex").size(), 128U);
+}
+
+TEST(WorkbenchArgument, HandsOutWhatItWasGiven) {
+  const auto login = std::make_shared<WorkbenchLogin>(LoginDetails{.accountCode = "007", .accountingYear = "2024"});
+  WorkbenchArgument argument(nullptr, login, "Result1", "Link");
+  EXPECT_EQ(argument.login()->accountCode(), "007");
+  EXPECT_EQ(argument.filterLogin()->accountingYearText(), "2024");
+  EXPECT_EQ(argument.action(), "Link");
+  const auto source = argument.dataSource();
+  source->setType(2);
+  EXPECT_EQ(source->resultTable(), "Result1");
+  EXPECT_EQ(argument.dataSourceState().type, 2) << "what the report writes stays with the argument";
+}
+
+}  // namespace
+}  // namespace quillon::workbench
