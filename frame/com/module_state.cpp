@@ -95,6 +95,9 @@ void forgetThreadState() noexcept {
 }
 
 void endThreadStates() noexcept {
+  // Whoever unloads the library without asking it must at least not find COM calling into it afterwards. The loader's
+  // lock allows no more.
+  if (const Slot* slot = currentSlot(); slot && slot->spied) CoRevokeInitializeSpy(slot->spyCookie);
   TlsFree(std::exchange(slotIndex, TLS_OUT_OF_INDEXES));
 }
 

@@ -1,0 +1,81 @@
+#include "tests/com/fake_object.h"
+
+#include <utility>
+
+#include "frame/automation_error.h"
+#include "frame/com/text.h"
+
+namespace quillon::com::test {
+
+void Recorder::record(const std::string& call) {
+  calls.push_back(call);
+  if (calls.size() == failAt) throw AutomationError(failure, "Fake", "refused: " + call);
+}
+
+std::string shown(const VARIANT& value) {
+  if (value.vt & VT_BYREF) return "ref " + shown(dereferenced(value));
+  if (isMissing(value)) return "missing";
+  switch (value.vt) {
+    case VT_EMPTY:
+      return "Empty";
+    case VT_NULL:
+      return "Null";
+    case VT_BSTR:
+      return '"' + toText(value) + '"';
+    case VT_DISPATCH: {
+      if (!value.pdispVal) return "Nothing";
+      const auto* object = dynamic_cast<const FakeObject*>(value.pdispVal);
+      return "<" + (object ? object->name() : "object") + ">";
+    }
+    default:
+      return toText(value);
+  }
+}
+
+FakeObject& FakeObject::on(const wchar_t* member, Handler handler, DISPID id) {
+  // Ids that no one sets by hand lie apart from those that are.
+  const DISPID given = id == DISPID_UNKNOWN ? static_cast<DISPID>(1000 + rows_.size()) : id;
+  rows_.push_back({member, given, std::move(handler)});
+  return *this;
+}
+
+FakeObject& FakeObject::property(const wchar_t* member, Variant value, DISPID id) {
+  values_[member] = std::move(value);
+  return on(
+      member,
+      [this, key = std::wstring(member)](Call& call) -> Variant {
+        if (!call.assigns()) return values_[key];
+        values_[key] = call.assigned();
+        return {};
+      },
+      id);
+}
+
+STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID reserved, LCID locale, WORD kind, DISPPARAMS* parameters,
+                                VARIANT* result, EXCEPINFO* info, UINT* badArgument) {
+  // A call may lead to another of the same object before it is through.
+  const DISPPARAMS* outer = std::exchange(parameters_, parameters);
+  const HRESULT code = DispatchObject::Invoke(id, reserved, locale, kind, parameters, result, info, badArgument);
+  parameters_ = outer;
+  return code;
+}
+
+DispatchObject::MemberInfo FakeObject::member(std::size_t index) const {
+  constexpr std::size_t many = 16;
+  return {rows_[index].name.c_str(), rows_[index].id, static_cast<WORD>(readable | writable | callable), 0, many};
+}
+
+Variant FakeObject::run(std::size_t index, Call& call) {
+  std::string text = name_ + "." + toUtf8(std::wstring_view(rows_[index].name));
+  if (call.assigns()) {
+    text += " = " + shown(parameters_->rgvarg[0]);
+  } else if (parameters_->cArgs > 0) {
+    text += "(";
+    for (UINT i = parameters_->cArgs; i > 0; --i)
+      text += shown(parameters_->rgvarg[i - 1]) + (i > 1 ? ", " : ")");
+  }
+  recorder_.record(text);
+  return rows_[index].handler(call);
+}
+
+}  // namespace quillon::com::test

@@ -1,0 +1,240 @@
+#include "tests/com/fake_platform.h"
+
+#include "frame/automation_error.h"
+#include "frame/com/com_object.h"
+#include "frame/com/errors.h"
+#include "frame/com/text.h"
+
+namespace quillon::com::test {
+
+namespace {
+
+class FakeResourceService : public ComObject<bindings::IResourceService, ISupportErrorInfo> {
+ public:
+  explicit FakeResourceService(Recorder& recorder) : recorder_(recorder) {}
+
+  STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+    *object = nullptr;
+    if (id == IID_ISupportErrorInfo) {
+      *object = static_cast<ISupportErrorInfo*>(this);
+    } else if (id == IID_IUnknown || id == IID_IDispatch || id == bindings::resourceServiceId) {
+      *object = static_cast<bindings::IResourceService*>(this);
+    } else {
+      return E_NOINTERFACE;
+    }
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP InterfaceSupportsErrorInfo(REFIID /*id*/) override { return S_OK; }
+  STDMETHODIMP GetTypeInfoCount(UINT* /*count*/) override { return E_NOTIMPL; }
+  STDMETHODIMP GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** /*info*/) override { return E_NOTIMPL; }
+  STDMETHODIMP GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* /*names*/, UINT /*count*/, LCID /*locale*/,
+                             DISPID* /*ids*/) override {
+    return E_NOTIMPL;
+  }
+  STDMETHODIMP Invoke(DISPID /*id*/, REFIID /*reserved*/, LCID /*locale*/, WORD /*kind*/, DISPPARAMS* /*parameters*/,
+                      VARIANT* /*result*/, EXCEPINFO* /*info*/, UINT* /*badArgument*/) override {
+    return E_NOTIMPL;
+  }
+  STDMETHODIMP EnumName(BSTR type, BSTR code, BSTR* name) override {
+    return answer("EnumName(" + toUtf8(type) + ", " + toUtf8(code) + ")", "name of " + toUtf8(code), name);
+  }
+  STDMETHODIMP Text(BSTR key, BSTR* text) override {
+    return answer("Text(" + toUtf8(key) + ")", "text " + toUtf8(key).substr(toUtf8(key).size() - 5), text);
+  }
+  STDMETHODIMP ShowMessage(BSTR text, LONG flags, LONG helpContext, LONG defaultAnswer) override {
+    return answer("ShowMessage(" + toUtf8(text) + ", " + std::to_string(flags) + ", " + std::to_string(helpContext) +
+                      ", " + std::to_string(defaultAnswer) + ")",
+                  "", nullptr);
+  }
+  STDMETHODIMP FormatText(VARIANT keyOrLogin, VARIANT arguments, BSTR* text) override {
+    return answer("FormatText(" + shown(keyOrLogin) + ", " + shown(arguments) + ")", "", text);
+  }
+
+ private:
+  HRESULT answer(const std::string& call, const std::string& text, BSTR* result) {
+    return guarded(bindings::resourceServiceId, "ResourceService", [&] {
+      recorder_.record("ResourceService." + call);
+      if (result) *result = makeBstr(text);
+    });
+  }
+
+  Recorder& recorder_;
+};
+
+ComPtr<FakeObject> itemObject(Recorder& recorder, const FakeItem& item) {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder, "Item");
+  object->property(bindings::filter::name, item.name)
+      .property(bindings::filter::value, item.value)
+      .property(bindings::filter::value2, item.value2)
+      .property(bindings::filter::rangeInput, false)
+      .property(bindings::filter::multipleSelection, false)
+      .property(bindings::filter::sqlText, "")
+      .property(bindings::filter::groupToken, 7);
+  return object;
+}
+
+ComPtr<FakeObject> filterObject(Recorder& recorder, const std::vector<FakeItem>& items) {
+  const ComPtr<FakeObject> list = makeObject<FakeObject>(recorder, "FilterList");
+  std::vector<ComPtr<FakeObject>> objects;
+  std::vector<std::string> names;
+  for (const FakeItem& item : items) {
+    objects.push_back(itemObject(recorder, item));
+    names.push_back(item.name);
+  }
+  list->on(
+      L"Item",
+      [objects, names](Call& call) -> Variant {
+        if (call.value(0).vt != VT_BSTR) return objects.at(static_cast<std::size_t>(call.integer(0) - 1));
+        for (std::size_t i = 0; i < names.size(); ++i)
+          if (names[i] == call.text(0)) return objects[i];
+        throw AutomationError(hresult::invalidProcedureCall, "FilterList", "There is no such item.");
+      },
+      DISPID_VALUE);
+  list->property(bindings::filter::count, static_cast<int>(items.size()));
+  ComPtr<FakeObject> filter = makeObject<FakeObject>(recorder, "Filter");
+  filter->property(bindings::filter::filterList, list).property(bindings::filter::whereWithToken, "");
+  return filter;
+}
+
+}  // namespace
+
+FakePlatform::FakePlatform(Recorder& recorder)
+    : recorder_(recorder),
+      connection_(known(bindings::connection, &FakePlatform::makeConnection)),
+      recordset_(known(bindings::recordset, &FakePlatform::makeRecordset)),
+      publicComponent_(known(bindings::publicComponent, &FakePlatform::makePublicComponent)),
+      resourceService_(known(bindings::resourceService, &FakePlatform::makeResourceService)),
+      naming_(known(bindings::naming, &FakePlatform::makeNaming)),
+      uniqueNames_(known(bindings::uniqueNames, &FakePlatform::makeUniqueNames)),
+      drillThrough_(known(bindings::drillThrough, &FakePlatform::makeDrillThrough)) {}
+
+FakePlatform::Class FakePlatform::known(const PlatformClass& entry, ComPtr<IUnknown> (FakePlatform::*make)()) {
+  return std::make_unique<InProcessClass>(classIdOf(entry), [this, &entry, make] {
+    recorder_.record("new " + toUtf8(std::wstring_view(entry.progId)));
+    return (this->*make)();
+  });
+}
+
+ComPtr<FakeObject> FakePlatform::argument(const std::vector<FakeItem>& items) {
+  const ComPtr<FakeObject> login = makeObject<FakeObject>(recorder_, "Login");
+  login->property(bindings::login::accountConnection, "Provider=Fake;Data Source=account")
+      .property(bindings::login::password, "secret")
+      .property(bindings::login::accountCode, "001")
+      .property(bindings::login::accountingYear, 2024)
+      .property(bindings::login::accountingYearText, "2024")
+      .property(bindings::login::languageRegion, "zh-CN")
+      .property(bindings::login::languageId, 2052)
+      .property(bindings::login::currentPeriodYear, 2024)
+      .property(bindings::login::businessDate, Variant::fromDate(45473.0))
+      .property(bindings::login::authString, "");
+  const ComPtr<FakeObject> dataSource = makeObject<FakeObject>(recorder_, "DataSource");
+  dataSource->property(bindings::data_source::type, 0).property(bindings::data_source::sql, "ResultTable");
+  ComPtr<FakeObject> e = makeObject<FakeObject>(recorder_, "e");
+  e->property(bindings::argument::rawFilter, filterObject(recorder_, items))
+      .property(bindings::argument::login, login)
+      .property(bindings::argument::loginObj, login)
+      .property(bindings::argument::dataSource, dataSource)
+      .property(bindings::argument::action, "Link");
+  return e;
+}
+
+ComPtr<IUnknown> FakePlatform::makeConnection() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "Connection");
+  FakeObject* connection = object.get();
+  const auto state = std::make_shared<int>(0);
+  connection->property(bindings::ado::cursorLocation)
+      .property(bindings::ado::connectionString)
+      .property(bindings::ado::connectionTimeout)
+      .property(bindings::ado::commandTimeout)
+      .on(bindings::ado::open,
+          [this, state](Call& /*call*/) -> Variant {
+            *state = openState;
+            return {};
+          })
+      .on(bindings::ado::execute,
+          [](Call& call) -> Variant {
+            call.writeBack(1, Variant(3));
+            return Variant(static_cast<IDispatch*>(nullptr));
+          })
+      .on(bindings::ado::state, [state](Call& /*call*/) -> Variant { return *state; })
+      .on(bindings::ado::close, [state](Call& /*call*/) -> Variant {
+        *state = 0;
+        return {};
+      });
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeRecordset() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "Recordset");
+  FakeObject* recordset = object.get();
+  struct Content {
+    std::vector<std::vector<Variant>> rows;
+    std::size_t current = 0;
+  };
+  const auto content = std::make_shared<Content>();
+  const ComPtr<FakeObject> fields = makeObject<FakeObject>(recorder_, "Fields");
+  fields->on(
+      L"Item",
+      [this, content](Call& call) -> Variant {
+        const ComPtr<FakeObject> field = makeObject<FakeObject>(recorder_, "Field");
+        field->property(bindings::ado::value,
+                        content->rows.at(content->current).at(static_cast<std::size_t>(call.integer(0))), DISPID_VALUE);
+        return field;
+      },
+      DISPID_VALUE);
+  recordset->property(bindings::ado::cursorLocation)
+      .on(bindings::ado::open,
+          [this, content](Call& call) -> Variant {
+            if (rows) content->rows = rows(call.text(0));
+            return {};
+          })
+      .on(bindings::ado::eof, [content](Call& /*call*/) -> Variant { return content->current >= content->rows.size(); })
+      .on(bindings::ado::moveNext,
+          [content](Call& /*call*/) -> Variant {
+            ++content->current;
+            return {};
+          })
+      .property(bindings::ado::fields, fields)
+      .on(bindings::ado::close, [](Call& /*call*/) -> Variant { return {}; });
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makePublicComponent() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "IAPub");
+  const ComPtr<FakeObject> years = makeObject<FakeObject>(recorder_, "Years");
+  years->property(bindings::public_component::dictionaryCount, 2)
+      .on(
+          L"Item", [](Call& call) -> Variant { return call.text(0) == "1" ? Variant(2023) : Variant("2024"); },
+          DISPID_VALUE);
+  object->property(bindings::public_component::accountInformation, "by inventory")
+      .property(bindings::public_component::currentPeriodYear, 2024)
+      .property(bindings::public_component::costItemStartMonth, 1)
+      .property(bindings::public_component::usedYears, years);
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeResourceService() {
+  return ComPtr<IUnknown>::adopt(
+      static_cast<bindings::IResourceService*>(makeObject<FakeResourceService>(recorder_).release()));
+}
+
+ComPtr<IUnknown> FakePlatform::makeNaming() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "Naming");
+  object->property(L"Number", Variant(77.0), bindings::namingNumber);
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeUniqueNames() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "UniqueName");
+  object->on(bindings::uniqueName, [this](Call& /*call*/) -> Variant { return "u" + std::to_string(++uniqueCount_); });
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeDrillThrough() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "DrillThrough");
+  object->property(bindings::filterForLogin, makeObject<FakeObject>(recorder_, "DrillThroughFilter"));
+  return ComPtr<IUnknown>(object);
+}
+
+}  // namespace quillon::com::test

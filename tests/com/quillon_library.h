@@ -1,0 +1,59 @@
+// Quillon.dll as COM sees it: loaded from the folder of the test program, asked through its entry points, not
+// registered.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "frame/com/com_ptr.h"
+
+namespace quillon::com::test {
+
+class QuillonLibrary {
+ public:
+  QuillonLibrary() : module_(LoadLibraryW(path().c_str())) {
+    if (!module_) throw std::runtime_error("Quillon.dll cannot be loaded");
+  }
+  QuillonLibrary(const QuillonLibrary&) = delete;
+  QuillonLibrary& operator=(const QuillonLibrary&) = delete;
+  ~QuillonLibrary() { FreeLibrary(module_); }
+
+  static std::wstring path() {
+    std::wstring name(MAX_PATH, L'\0');
+    name.resize(GetModuleFileNameW(nullptr, name.data(), MAX_PATH));
+    return name.substr(0, name.rfind(L'\\') + 1) + L"Quillon.dll";
+  }
+
+  HMODULE module() const { return module_; }
+
+  HRESULT classObject(REFCLSID classId, REFIID interfaceId, void** object) const {
+    using Entry = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+    return entry<Entry>("DllGetClassObject")(classId, interfaceId, object);
+  }
+  HRESULT canUnload() const { return call("DllCanUnloadNow"); }
+  HRESULT registerServer() const { return call("DllRegisterServer"); }
+  HRESULT unregisterServer() const { return call("DllUnregisterServer"); }
+
+  // A new object; `code` gets what the class factory said.
+  template <class Interface>
+  ComPtr<Interface> create(REFCLSID classId, HRESULT* code = nullptr) const {
+    ComPtr<IClassFactory> factory;
+    ComPtr<Interface> object;
+    HRESULT result = classObject(classId, IID_IClassFactory, reinterpret_cast<void**>(factory.out()));
+    if (SUCCEEDED(result))
+      result = factory->CreateInstance(nullptr, __uuidof(Interface), reinterpret_cast<void**>(object.out()));
+    if (code) *code = result;
+    return object;
+  }
+
+ private:
+  template <class Entry>
+  Entry entry(const char* name) const {
+    return reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
+  }
+  HRESULT call(const char* name) const { return entry<HRESULT(STDAPICALLTYPE*)()>(name)(); }
+
+  HMODULE module_;
+};
+
+}  // namespace quillon::com::test
