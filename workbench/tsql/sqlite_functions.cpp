@@ -63,8 +63,7 @@ std::optional<Int128> unitsOf(sqlite3_value* value) {
 }
 
 void fail(sqlite3_context* context, const SqlError& error) {
-  const std::string text = errorMark + std::to_string(error.number()) + ':' + error.message();
-  sqlite3_result_error(context, text.data(), static_cast<int>(text.size()));
+  reportError(context, error);
 }
 
 void giveUnits(sqlite3_context* context, Int128 units) {
@@ -735,6 +734,11 @@ Type typeFromCode(std::int64_t code) {
   type.precision = rest / 100 % 100;
   type.scale = rest % 100;
   return type;
+}
+
+void reportError(sqlite3_context* context, const SqlError& error) {
+  const std::string text = errorMark + std::to_string(error.number()) + ':' + error.message();
+  sqlite3_result_error(context, text.data(), static_cast<int>(text.size()));
 }
 
 std::optional<SqlError> errorFrom(std::string_view sqliteMessage) {

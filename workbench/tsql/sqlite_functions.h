@@ -81,6 +81,8 @@ Type typeFromCode(std::int64_t code);
 
 // The SqlError inside the text of a failed step (sqlite3_errmsg); nullopt when one of SQLite's own errors ended it.
 std::optional<SqlError> errorFrom(std::string_view sqliteMessage);
+// Ends a function of the engine with an error that errorFrom() reads.
+void reportError(sqlite3_context* context, const SqlError& error);
 
 // Units beyond 64 bits as 16 bytes, most significant first, sign bit inverted: memcmp orders them as numbers.
 std::string encodeUnits(Int128 units);

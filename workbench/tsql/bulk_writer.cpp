@@ -1,0 +1,117 @@
+#include "workbench/tsql/bulk_writer.h"
+
+#include <sqlite3.h>
+
+#include "workbench/tsql/catalog.h"
+#include "workbench/tsql/errors.h"
+#include "workbench/tsql/exact.h"
+#include "workbench/tsql/parser.h"
+#include "workbench/tsql/sqlite.h"
+#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/text.h"
+#include "workbench/tsql/type_rules.h"
+
+namespace quillon::tsql {
+namespace {
+
+class SqliteBulkWriter : public BulkWriter {
+ public:
+  SqliteBulkWriter(sqlite3* database, std::shared_ptr<const Table> table, std::vector<TableColumn> columns,
+                   const std::string& sql)
+      : table_(std::move(table)), columns_(std::move(columns)), insert_(database, sql) {}
+
+  void write(std::span<const Value> values) override {
+    if (values.size() != columns_.size()) {
+      throw SqlError(213, "Column name or number of supplied values does not match table definition.");
+    }
+    insert_.reset();
+    for (std::size_t i = 0; i < values.size(); ++i)
+      bind(static_cast<int>(i) + 1, values[i], columns_[i]);
+    insert_.step();
+  }
+
+ private:
+  void bind(int index, const Value& value, const TableColumn& column) {
+    if (isNull(value)) {
+      if (column.notNull) {
+        throw SqlError(515, "Cannot insert the value NULL into column '" + column.name + "', table '" + table_->name +
+                                "'; column does not allow nulls. INSERT fails.");
+      }
+      sqlite3_bind_null(insert_.handle(), index);
+      return;
+    }
+    requireForm(value, column);
+    if (const auto* const text = std::get_if<std::string>(&value)) {
+      // Bound without a copy: the caller's text outlives the step.
+      sqlite3_bind_text(insert_.handle(), index, text->data(), static_cast<int>(text->size()), SQLITE_STATIC);
+    } else {
+      bindValue(insert_.handle(), index, value);
+    }
+  }
+
+  void requireForm(const Value& value, const TableColumn& column) const {
+    const Type& type = column.type;
+    bool right = false;
+    switch (type.kind) {
+      case Kind::integer:
+      case Kind::bigInt:
+      case Kind::bit:
+        if (const auto* const number = std::get_if<std::int64_t>(&value)) {
+          right = true;
+          if (type.kind != Kind::bigInt && !fits(Int128(*number), type))
+            throw errors::overflow("expression", errors::systemName(type));
+        }
+        break;
+      case Kind::decimal:
+      case Kind::money:
+        if (const auto* const exact = std::get_if<Exact>(&value)) {
+          right = exact->scale == scaleOf(type);
+          if (right && !fits(exact->units, type)) throw errors::overflow("expression", errors::systemName(type));
+        }
+        break;
+      case Kind::real:
+        right = std::holds_alternative<double>(value);
+        break;
+      case Kind::dateTime:
+        right = std::holds_alternative<DateTime>(value);
+        break;
+      case Kind::nVarChar:
+      case Kind::varChar:
+        if (const auto* const text = std::get_if<std::string>(&value)) {
+          right = true;
+          if (text::widerThan(*text, type.width)) throw errors::wouldBeTruncated(table_->name, column.name, *text);
+        }
+        break;
+    }
+    if (!right) {
+      throw SqlError(206, "Operand type clash: the value for column '" + column.name + "' of table '" + table_->name +
+                              "' is not of the form of " + type.name() + ".");
+    }
+  }
+
+  std::shared_ptr<const Table> table_;
+  std::vector<TableColumn> columns_;
+  Prepared insert_;
+};
+
+}  // namespace
+
+std::unique_ptr<BulkWriter> makeBulkWriter(sqlite3* database, Catalog& catalog, std::string_view table,
+                                           std::span<const std::string> columns) {
+  const ObjectName name = parseObjectName(table);
+  std::shared_ptr<const Table> found = catalog.table(name);
+  if (!found) throw SqlError(208, "Invalid object name '" + name.written + "'.", 0, name.written);
+  std::vector<TableColumn> targets;
+  std::string names, places;
+  for (const std::string& column : columns) {
+    const int place = found->find(column);
+    if (place < 0) throw SqlError(207, "Invalid column name '" + column + "'.", 0, column);
+    targets.push_back(found->columns[static_cast<std::size_t>(place)]);
+    names += (names.empty() ? "" : ", ") + quoteName(targets.back().name);
+    places += places.empty() ? "?" : ", ?";
+  }
+  const std::string sql = "INSERT INTO " + found->physical + "(" + names + ") VALUES (" + places + ")";
+  return std::make_unique<SqliteBulkWriter>(database, std::move(found), std::move(targets), sql);
+}
+
+}  // namespace quillon::tsql

@@ -1,0 +1,317 @@
+#include "workbench/tsql/catalog.h"
+
+#include <algorithm>
+
+#include "workbench/tsql/collation.h"
+#include "workbench/tsql/engine.h"
+#include "workbench/tsql/lexer.h"
+#include "workbench/tsql/parser.h"
+#include "workbench/tsql/sqlite.h"
+
+namespace quillon::tsql {
+namespace {
+
+std::string fold(std::string_view name) {
+  std::string result(name);
+  std::transform(result.begin(), result.end(), result.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return result;
+}
+
+std::string bracketed(std::string_view name) {
+  std::string result = "[";
+  for (const char c : name) {
+    if (c == ']') result += ']';
+    result += c;
+  }
+  return result + ']';
+}
+
+std::string schemaOf(std::string_view database) {
+  return database == "tempdb" ? "temp" : "main";
+}
+
+// The system database's tables lie in the same file under their two-dot names. A name that SQLite or the catalog keeps
+// for itself gets a mark in front.
+std::string physicalName(std::string_view database, std::string_view name) {
+  if (database == "orvsystem") return "orvsystem.." + std::string(name);
+  const std::string folded = fold(name);
+  return (folded.starts_with("sqlite_") || folded == "tsql_objects" ? "user." : "") + std::string(name);
+}
+
+std::string columnList(const std::vector<std::string>& columns, std::string (*quote)(std::string_view)) {
+  std::string result;
+  for (const std::string& column : columns)
+    result += (result.empty() ? "" : ", ") + quote(column);
+  return result;
+}
+
+// What the catalog stores: the brackets of a Create Table that parseTableDefinition() reads.
+std::string definitionOf(const Table& table) {
+  std::string result;
+  for (const TableColumn& column : table.columns) {
+    result += (result.empty() ? "(" : ", ") + bracketed(column.name) + ' ' + declaration(column.type);
+    if (column.identity) {
+      result += " identity(" + std::to_string(column.seed) + ", " + std::to_string(column.increment) + ')';
+    }
+    if (column.notNull) result += " not null";
+    if (!column.defaultText.empty()) result += " default " + column.defaultText;
+  }
+  for (const KeyDefinition& key : table.keys) {
+    result +=
+        std::string(", ") + (key.primary ? "primary key (" : "unique (") + columnList(key.columns, bracketed) + ')';
+  }
+  return result + ')';
+}
+
+std::string storage(const Type& type) {
+  switch (type.kind) {
+    case Kind::integer:
+    case Kind::bigInt:
+    case Kind::bit:
+    case Kind::money:
+    case Kind::dateTime:
+      return "INTEGER";
+    case Kind::decimal:
+      return type.precision <= 18 ? "INTEGER" : "ANY";
+    case Kind::real:
+      return "REAL";
+    case Kind::nVarChar:
+    case Kind::varChar:
+      return std::string("TEXT COLLATE ") + collationName;
+  }
+  return "ANY";
+}
+
+bool isWhole(const Type& type) {
+  return type.kind == Kind::integer || type.kind == Kind::bigInt;
+}
+
+// The column that can be SQLite's rowid: an identity that counts by one, or the only column of a whole-number key.
+int rowidColumnOf(const Table& table) {
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    if (table.columns[i].identity && table.columns[i].increment == 1) return static_cast<int>(i);
+  }
+  for (const KeyDefinition& key : table.keys) {
+    if (!key.primary || key.columns.size() != 1) continue;
+    const int place = table.find(key.columns[0]);
+    if (place >= 0 && isWhole(table.columns[static_cast<std::size_t>(place)].type)) return place;
+  }
+  return -1;
+}
+
+std::string createStatement(const Table& table) {
+  std::string sql = "CREATE TABLE " + table.physical + "(";
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    const TableColumn& column = table.columns[i];
+    sql += (i == 0 ? "" : ", ") + quoteName(column.name) + ' ' + storage(column.type);
+    if (static_cast<int>(i) == table.rowidColumn) {
+      sql += column.identity ? " PRIMARY KEY AUTOINCREMENT" : " PRIMARY KEY";
+    } else if (column.notNull) {
+      sql += " NOT NULL";
+    }
+  }
+  for (const KeyDefinition& key : table.keys) {
+    if (table.rowidColumn >= 0 && key.columns.size() == 1 && table.find(key.columns[0]) == table.rowidColumn) continue;
+    const bool primary = key.primary && table.rowidColumn < 0;
+    sql += std::string(primary ? ", PRIMARY KEY(" : ", UNIQUE(") + columnList(key.columns, quoteName) + ')';
+  }
+  return sql + ") STRICT";
+}
+
+TableColumn columnOf(const ColumnDefinition& definition) {
+  TableColumn column;
+  column.name = definition.name;
+  column.type = definition.type;
+  column.notNull = definition.notNull;
+  column.identity = definition.identity;
+  column.seed = definition.seed;
+  column.increment = definition.increment;
+  column.defaultText = definition.defaultText;
+  return column;
+}
+
+std::shared_ptr<Table> makeTable(std::string database, std::string name, const std::vector<ColumnDefinition>& columns,
+                                 const std::vector<KeyDefinition>& keys) {
+  auto table = std::make_shared<Table>();
+  table->database = std::move(database);
+  table->name = std::move(name);
+  table->schema = schemaOf(table->database);
+  table->stored = physicalName(table->database, table->name);
+  table->physical = table->schema + '.' + quoteName(table->stored);
+  for (const ColumnDefinition& column : columns) {
+    if (table->find(column.name) >= 0) {
+      throw SqlError(2705,
+                     "Column names in each table must be unique. Column name '" + column.name + "' in table '" +
+                         table->name + "' is specified more than once.",
+                     column.place.line, column.name);
+    }
+    table->columns.push_back(columnOf(column));
+  }
+  table->keys = keys;
+  for (const KeyDefinition& key : keys) {
+    for (const std::string& column : key.columns) {
+      const int place = table->find(column);
+      if (place < 0) {
+        throw SqlError(1911, "Column name '" + column + "' does not exist in the target table or view.", 0, column);
+      }
+      if (key.primary) table->columns[static_cast<std::size_t>(place)].notNull = true;
+    }
+  }
+  table->rowidColumn = rowidColumnOf(*table);
+  return table;
+}
+
+}  // namespace
+
+std::string declaration(const Type& type) {
+  const bool isText = type.kind == Kind::nVarChar || type.kind == Kind::varChar;
+  if (isText && type.width == Type::maxWidth) return type.kind == Kind::nVarChar ? "nvarchar(max)" : "varchar(max)";
+  return type.name();
+}
+
+int Table::find(std::string_view column) const {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (equalsIgnoringCase(columns[i].name, column)) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+std::string Table::rowid() const {
+  for (const char* const candidate : {"rowid", "_rowid_", "oid"}) {
+    if (find(candidate) < 0) return candidate;
+  }
+  throw SqlError(40510,
+                 "The embedded engine does not support a table with columns rowid, _rowid_ and oid all at once.");
+}
+
+Catalog::Catalog(sqlite3* database) : database_(database) {
+  runSqlite(
+      database_,
+      "CREATE TABLE temp.tsql_objects(id INTEGER PRIMARY KEY, database TEXT NOT NULL, key TEXT NOT NULL, name TEXT NOT "
+      "NULL, type TEXT NOT NULL, definition TEXT NOT NULL, UNIQUE(database, key)) STRICT");
+}
+
+void Catalog::create(sqlite3* database) {
+  runSqlite(
+      database,
+      "CREATE TABLE main.tsql_objects(id INTEGER PRIMARY KEY, database TEXT NOT NULL, key TEXT NOT NULL, name TEXT NOT "
+      "NULL, type TEXT NOT NULL, definition TEXT NOT NULL, UNIQUE(database, key)) STRICT");
+}
+
+void Catalog::refresh() {
+  Prepared version(database_, "PRAGMA main.schema_version");
+  version.step();
+  if (version.integer(0) == schemaVersion_) return;
+  schemaVersion_ = version.integer(0);
+  known_.clear();
+}
+
+void Catalog::forget() {
+  schemaVersion_ = -1;
+  known_.clear();
+}
+
+std::string Catalog::databaseOf(const ObjectName& name) {
+  if (name.name.starts_with('#') || equalsIgnoringCase(name.database, "tempdb")) return "tempdb";
+  if (name.database.empty()) return {};
+  if (equalsIgnoringCase(name.database, "orvsystem")) return "orvsystem";
+  throw SqlError(208, "Invalid object name '" + name.written + "'.", name.place.line, name.written);
+}
+
+std::optional<StoredObject> Catalog::object(const ObjectName& name) {
+  const std::string database = databaseOf(name);
+  const std::string key = fold(name.name);
+  Prepared find(database_, "SELECT id, type, name, definition FROM " + schemaOf(database) +
+                               ".tsql_objects WHERE database = ?1 AND key = ?2");
+  find.bind(1, database);
+  find.bind(2, key);
+  if (!find.step()) return std::nullopt;
+  const std::int64_t sign = database == "tempdb" ? -1 : 1;
+  return StoredObject{sign * find.integer(0), find.text(1).at(0), find.text(2), find.text(3)};
+}
+
+std::shared_ptr<const Table> Catalog::table(const ObjectName& name) {
+  const std::string database = databaseOf(name);
+  const std::string key = database + '.' + fold(name.name);
+  if (const auto found = known_.find(key); found != known_.end()) return found->second;
+  const std::optional<StoredObject> stored = object(name);
+  if (!stored || stored->type != 'U') return nullptr;
+  const StatementPtr definition = parseTableDefinition(stored->definition);
+  auto table = makeTable(database, stored->name, definition->definitions, definition->keys);
+  known_[key] = table;
+  return table;
+}
+
+std::vector<std::string> Catalog::tables(std::string_view database) {
+  Prepared list(database_, "SELECT name FROM " + schemaOf(database) +
+                               ".tsql_objects WHERE database = ?1 AND type = 'U' ORDER BY key");
+  list.bind(1, database);
+  std::vector<std::string> names;
+  while (list.step())
+    names.push_back(list.text(0));
+  return names;
+}
+
+std::shared_ptr<const Table> Catalog::createTable(const ObjectName& name, const std::vector<ColumnDefinition>& columns,
+                                                  const std::vector<KeyDefinition>& keys) {
+  const std::string database = databaseOf(name);
+  auto table = makeTable(database, name.name, columns, keys);
+  createObject(name, 'U', definitionOf(*table));
+  runSqlite(database_, createStatement(*table));
+  if (table->rowidColumn >= 0) {
+    const TableColumn& column = table->columns[static_cast<std::size_t>(table->rowidColumn)];
+    if (column.identity && column.seed != 1) {
+      Prepared seed(database_, "INSERT INTO " + table->schema + ".sqlite_sequence(name, seq) VALUES(?1, ?2)");
+      seed.bind(1, table->stored);
+      seed.bind(2, column.seed - 1);
+      seed.step();
+    }
+  }
+  known_[database + '.' + fold(name.name)] = table;
+  return table;
+}
+
+void Catalog::createObject(const ObjectName& name, char type, const std::string& definition) {
+  if (object(name)) {
+    throw SqlError(2714, "There is already an object named '" + name.name + "' in the database.", name.place.line,
+                   name.name);
+  }
+  const std::string database = databaseOf(name);
+  const std::string key = fold(name.name);
+  const std::string typeText(1, type);
+  Prepared enter(database_, "INSERT INTO " + schemaOf(database) +
+                                ".tsql_objects(database, key, name, type, definition) VALUES(?1, ?2, ?3, ?4, ?5)");
+  enter.bind(1, database);
+  enter.bind(2, key);
+  enter.bind(3, name.name);
+  enter.bind(4, typeText);
+  enter.bind(5, definition);
+  enter.step();
+}
+
+void Catalog::drop(const ObjectName& name, char type) {
+  const std::optional<StoredObject> stored = object(name);
+  if (!stored || stored->type != type) {
+    const std::string what = type == 'U' ? "table" : type == 'V' ? "view" : "function";
+    throw SqlError(
+        3701,
+        "Cannot drop the " + what + " '" + name.written + "', because it does not exist or you do not have permission.",
+        name.place.line, name.written);
+  }
+  const std::string database = databaseOf(name);
+  if (type == 'U') runSqlite(database_, "DROP TABLE " + table(name)->physical);
+  Prepared remove(database_, "DELETE FROM " + schemaOf(database) + ".tsql_objects WHERE id = ?1");
+  remove.bind(1, stored->id < 0 ? -stored->id : stored->id);
+  remove.step();
+  known_.erase(database + '.' + fold(name.name));
+}
+
+std::string Catalog::sysobjects(std::string_view database) {
+  const std::string sign = database == "tempdb" ? "-" : "";
+  return "SELECT name COLLATE " + std::string(collationName) + " AS name, " + sign +
+         "id AS id, type AS xtype, type AS type FROM " + schemaOf(database) + ".tsql_objects WHERE database = '" +
+         std::string(database) + "'";
+}
+
+}  // namespace quillon::tsql

@@ -1,0 +1,459 @@
+#include "workbench/tsql/executor.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <chrono>
+#include <deque>
+
+#include "workbench/tsql/modification.h"
+#include "workbench/tsql/parser.h"
+#include "workbench/tsql/sqlite.h"
+#include "workbench/tsql/sqlite_functions.h"
+
+namespace quillon::tsql {
+namespace {
+
+std::vector<Column> resultColumns(const std::vector<OutputColumn>& bound) {
+  std::vector<Column> columns;
+  for (const OutputColumn& column : bound) {
+    Type type = column.type;
+    // The empty text has width 0 in an expression; a column is at least one wide.
+    if (isText(type)) type.width = std::max(type.width, 1);
+    columns.push_back({column.name, type});
+  }
+  return columns;
+}
+
+// Reads a prepared SELECT row by row. The first row is fetched at once, so that what fails at the start fails here.
+class SelectCursor : public Cursor {
+ public:
+  SelectCursor(sqlite3* database, const BoundQuery& query)
+      : columns_(resultColumns(query.columns)), row_(columns_.size()), statement_(database, query.sql) {
+    hasRow_ = statement_.step();
+  }
+
+  std::span<const Column> columns() const override { return columns_; }
+
+  bool next() override {
+    if (!first_ && hasRow_) hasRow_ = statement_.step();
+    first_ = false;
+    if (!hasRow_) return false;
+    for (std::size_t i = 0; i < row_.size(); ++i)
+      row_[i] = columnValue(statement_.handle(), static_cast<int>(i), columns_[i].type);
+    return true;
+  }
+
+  const Value& value(std::size_t column) const override { return row_.at(column); }
+  std::span<const Value> row() const { return row_; }
+
+ private:
+  std::vector<Column> columns_;
+  std::vector<Value> row_;
+  Prepared statement_;
+  bool hasRow_ = false;
+  bool first_ = true;
+};
+
+// The rows of a result set that is not the last statement of its batch.
+class KeptRows : public Cursor, public ResultSink {
+ public:
+  std::span<const Column> columns() const override { return columns_; }
+  bool next() override {
+    if (started_) rows_.pop_front();
+    started_ = true;
+    return !rows_.empty();
+  }
+  const Value& value(std::size_t column) const override { return rows_.front().at(column); }
+
+  void columns(std::span<const Column> columns) override {
+    keeping_ = !has_;
+    if (keeping_) columns_.assign(columns.begin(), columns.end());
+    has_ = true;
+  }
+  void row(std::span<const Value> values) override {
+    if (keeping_) rows_.emplace_back(values.begin(), values.end());
+  }
+  void rowsAffected(std::int64_t) override { keeping_ = false; }
+  bool has() const { return has_; }
+
+ private:
+  std::vector<Column> columns_;
+  std::deque<std::vector<Value>> rows_;
+  bool has_ = false;
+  bool keeping_ = false;
+  bool started_ = false;
+};
+
+const ObjectName* intoOf(const Query& query) {
+  const Query* leaf = &query;
+  while (!leaf->core)
+    leaf = leaf->left.get();
+  return leaf->core->into ? &*leaf->core->into : nullptr;
+}
+
+// Calls the action with sums of decimals in 64 bits; when they do not suffice, once more with 128.
+template <typename Action>
+auto withWideningSums(Action action) {
+  try {
+    return action(false);
+  } catch (const SumOverflow&) {
+    return action(true);
+  }
+}
+
+}  // namespace
+
+std::int64_t Executor::run(std::string_view batch, ResultSink& sink) {
+  const std::vector<StatementPtr> statements = parseBatch(batch);
+  catalog_.refresh();
+  std::int64_t affected = -1;
+  for (const StatementPtr& statement : statements) {
+    const std::int64_t count = execute(*statement, batch, sink);
+    if (count >= 0) affected = count;
+  }
+  return affected;
+}
+
+std::unique_ptr<Cursor> Executor::query(std::string_view batch) {
+  const std::vector<StatementPtr> statements = parseBatch(batch);
+  catalog_.refresh();
+  auto kept = std::make_unique<KeptRows>();
+  for (const StatementPtr& statement : statements) {
+    const bool isLast = &statement == &statements.back();
+    if (isLast && !kept->has() && statement->kind == StatementKind::select && intoOf(*statement->query) == nullptr) {
+      return open(*statement);
+    }
+    execute(*statement, batch, *kept);
+  }
+  return kept;
+}
+
+std::unique_ptr<Cursor> Executor::open(const Statement& statement) {
+  return withWideningSums([&](bool exactSums) {
+    Binder binder(catalog_, exactSums);
+    return std::make_unique<SelectCursor>(database_, binder.query(*statement.query));
+  });
+}
+
+std::int64_t Executor::execute(const Statement& statement, std::string_view batch, ResultSink& sink) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  std::int64_t affected = -1;
+  try {
+    affected = dispatch(statement, batch, sink);
+  } catch (const SqlError& error) {
+    catalog_.forget();
+    if (error.line() != 0) throw;
+    throw SqlError(error.number(), error.message(), statement.place.line, error.token());
+  }
+  const bool isContainer = statement.kind == StatementKind::conditional || statement.kind == StatementKind::block;
+  if (observer_ && !isContainer) {
+    StatementReport report;
+    report.sql = batch.substr(statement.begin, statement.end - statement.begin);
+    report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    report.rows = std::max<std::int64_t>(affected, 0);
+    observer_(report);
+  }
+  return affected;
+}
+
+std::int64_t Executor::dispatch(const Statement& s, std::string_view batch, ResultSink& sink) {
+  std::int64_t affected = -1;
+  switch (s.kind) {
+    case StatementKind::select:
+      if (const ObjectName* const into = intoOf(*s.query)) {
+        affected = withWideningSums([&](bool exactSums) { return selectInto(s, *into, exactSums); });
+        sink.rowsAffected(affected);
+        return affected;
+      }
+      return select(s, sink);
+    case StatementKind::insert:
+    case StatementKind::update:
+    case StatementKind::remove:
+      affected = modify(s);
+      sink.rowsAffected(affected);
+      return affected;
+    case StatementKind::truncate:
+      truncate(s);
+      break;
+    case StatementKind::createTable:
+      createTable(s);
+      break;
+    case StatementKind::createIndex:
+      createIndex(s);
+      break;
+    case StatementKind::createView:
+      createView(s);
+      break;
+    case StatementKind::createFunction:
+      createFunction(s);
+      break;
+    case StatementKind::dropObjects:
+      drop(s);
+      break;
+    case StatementKind::conditional:
+      if (holds(*s.condition)) return execute(*s.body[0], batch, sink);
+      if (s.body.size() > 1) return execute(*s.body[1], batch, sink);
+      break;
+    case StatementKind::block:
+      for (const StatementPtr& inner : s.body)
+        affected = std::max(affected, execute(*inner, batch, sink));
+      return affected;
+    case StatementKind::identityInsert:
+      setIdentityInsert(s);
+      break;
+    case StatementKind::nothing:
+      break;
+  }
+  return -1;
+}
+
+std::int64_t Executor::select(const Statement& s, ResultSink& sink) {
+  const std::unique_ptr<Cursor> cursor = open(s);
+  sink.columns(cursor->columns());
+  std::int64_t count = 0;
+  while (cursor->next()) {
+    sink.row(static_cast<const SelectCursor&>(*cursor).row());
+    ++count;
+  }
+  sink.rowsAffected(count);
+  return count;
+}
+
+std::int64_t Executor::selectInto(const Statement& s, const ObjectName& target, bool exactSums) {
+  Binder binder(catalog_, exactSums);
+  const BoundQuery bound = binder.query(*s.query);
+  std::vector<ColumnDefinition> definitions;
+  std::string names;
+  const std::vector<Column> shown = resultColumns(bound.columns);
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    const OutputColumn& column = bound.columns[i];
+    if (column.name.empty()) {
+      throw SqlError(1038,
+                     "An object or column name is missing or empty. For SELECT INTO statements, verify each column has "
+                     "a name. For "
+                     "other statements, look for empty alias names. Aliases defined as \"\" or [] are not allowed. "
+                     "Change the alias "
+                     "to a valid name.",
+                     column.place.line, column.place.token);
+    }
+    ColumnDefinition definition;
+    definition.name = column.name;
+    definition.type = shown[i].type;
+    definition.notNull = column.notNull;
+    definition.identity = column.identity;
+    definition.seed = column.seed;
+    definition.increment = column.increment;
+    definition.place = column.place;
+    definitions.push_back(std::move(definition));
+    names += (names.empty() ? "" : ", ") + quoteName(column.name);
+  }
+  Savepoint savepoint(database_);
+  const std::shared_ptr<const Table> table = catalog_.createTable(target, definitions, {});
+  Prepared insert(database_, "INSERT INTO " + table->physical + "(" + names + ") " + bound.sql);
+  insert.step();
+  const std::int64_t affected = sqlite3_changes64(database_);
+  insert.reset();
+  savepoint.keep();
+  return affected;
+}
+
+std::string Executor::modification(const Statement& s, bool exactSums) {
+  Binder binder(catalog_, exactSums);
+  switch (s.kind) {
+    case StatementKind::insert:
+      return insertStatement(s, binder, takesIdentity(s.target));
+    case StatementKind::update:
+      return updateStatement(s, binder);
+    default:
+      return deleteStatement(s, binder);
+  }
+}
+
+std::int64_t Executor::modify(const Statement& s) {
+  return withWideningSums([&](bool exactSums) {
+    Savepoint savepoint(database_);
+    Prepared statement(database_, modification(s, exactSums));
+    statement.step();
+    const std::int64_t affected = sqlite3_changes64(database_);
+    statement.reset();
+    savepoint.keep();
+    return affected;
+  });
+}
+
+bool Executor::holds(const Expression& condition) {
+  Binder binder(catalog_, false);
+  Scope nothing;
+  Prepared test(database_, "SELECT 1 WHERE " + binder.condition(condition, nothing).sql);
+  return test.step();
+}
+
+void Executor::createTable(const Statement& s) {
+  for (const ColumnDefinition& column : s.definitions) {
+    if (column.defaultValue == nullptr) continue;
+    Binder binder(catalog_, false);
+    Scope nothing;
+    Binder::stored(binder.value(*column.defaultValue, nothing), {column.type, s.target.name, column.name, false});
+  }
+  Savepoint savepoint(database_);
+  catalog_.createTable(s.target, s.definitions, s.keys);
+  savepoint.keep();
+}
+
+void Executor::createIndex(const Statement& s) {
+  const std::shared_ptr<const Table> table = catalog_.table(s.target);
+  if (!table) {
+    throw SqlError(
+        1088,
+        "Cannot find the object \"" + s.target.written + "\" because it does not exist or you do not have permissions.",
+        s.target.place.line, s.target.written);
+  }
+  const std::string name = table->stored + '.' + s.indexName;
+  Prepared find(database_,
+                "SELECT 1 FROM " + table->schema + ".sqlite_schema WHERE type = 'index' AND name = ?1 COLLATE NOCASE");
+  find.bind(1, name);
+  if (find.step()) {
+    throw SqlError(1913,
+                   "The operation failed because an index or statistics with name '" + s.indexName +
+                       "' already exists on table '" + table->name + "'.",
+                   s.place.line, s.indexName);
+  }
+  find.reset();
+  std::string columns;
+  for (const std::string& column : s.columns) {
+    const int place = table->find(column);
+    if (place < 0)
+      throw SqlError(1911, "Column name '" + column + "' does not exist in the target table or view.", s.place.line,
+                     column);
+    columns += (columns.empty() ? "" : ", ") + quoteName(table->columns[static_cast<std::size_t>(place)].name);
+  }
+  runSqlite(database_, std::string(s.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") + table->schema + '.' +
+                           quoteName(name) + " ON " + quoteName(table->stored) + "(" + columns + ")");
+}
+
+void Executor::createView(const Statement& s) {
+  std::string definition = s.text;
+  if (!s.columns.empty()) {
+    std::string names;
+    for (const std::string& column : s.columns)
+      names += (names.empty() ? "" : ", ") + quoteName(column);
+    definition = "select * from (" + definition + ") as view_rows(" + names + ")";
+  }
+  Binder binder(catalog_, false);
+  const std::vector<StatementPtr> parsed = parseBatch(definition);
+  binder.query(*parsed.at(0)->query, nullptr, Naming::columns);
+  Savepoint savepoint(database_);
+  catalog_.createObject(s.target, 'V', definition);
+  savepoint.keep();
+}
+
+void Executor::createFunction(const Statement& s) {
+  const std::string definition = "cast(" + s.text + " as " + declaration(s.returnType) + ")";
+  Binder binder(catalog_, false);
+  Scope nothing;
+  binder.value(*parseValue(definition), nothing);
+  Savepoint savepoint(database_);
+  catalog_.createObject(s.target, 'F', definition);
+  savepoint.keep();
+}
+
+void Executor::drop(const Statement& s) {
+  if (s.droppedType == 'I') {
+    dropIndex(s);
+    return;
+  }
+  for (const ObjectName& name : s.dropped) {
+    if (s.ifExists && !catalog_.object(name)) continue;
+    Savepoint savepoint(database_);
+    catalog_.drop(name, s.droppedType);
+    savepoint.keep();
+  }
+}
+
+void Executor::dropIndex(const Statement& s) {
+  const std::shared_ptr<const Table> table = catalog_.table(s.target);
+  const std::string name = (table ? table->stored : "") + '.' + s.indexName;
+  if (table) {
+    Prepared find(database_, "SELECT 1 FROM " + table->schema +
+                                 ".sqlite_schema WHERE type = 'index' AND name = ?1 COLLATE NOCASE");
+    find.bind(1, name);
+    if (find.step()) {
+      find.reset();
+      runSqlite(database_, "DROP INDEX " + table->schema + '.' + quoteName(name));
+      return;
+    }
+  }
+  if (s.ifExists) return;
+  throw SqlError(3701,
+                 "Cannot drop the index '" + s.target.written + '.' + s.indexName +
+                     "', because it does not exist or you do not have permission.",
+                 s.place.line, s.indexName);
+}
+
+void Executor::truncate(const Statement& s) {
+  Binder binder(catalog_, false);
+  const std::shared_ptr<const Table> table = binder.table(s.target);
+  Savepoint savepoint(database_);
+  runSqlite(database_, "DELETE FROM " + table->physical);
+  const bool counts = table->rowidColumn >= 0 && table->columns[static_cast<std::size_t>(table->rowidColumn)].identity;
+  if (counts) {
+    Prepared restart(database_, "UPDATE " + table->schema + ".sqlite_sequence SET seq = ?1 WHERE name = ?2");
+    restart.bind(1, table->columns[static_cast<std::size_t>(table->rowidColumn)].seed - 1);
+    restart.bind(2, table->stored);
+    restart.step();
+  }
+  savepoint.keep();
+}
+
+void Executor::setIdentityInsert(const Statement& s) {
+  Binder binder(catalog_, false);
+  identityInsert_ = s.on ? binder.table(s.target)->physical : std::string();
+}
+
+bool Executor::takesIdentity(const ObjectName& name) const {
+  if (identityInsert_.empty()) return false;
+  const std::shared_ptr<const Table> table = catalog_.table(name);
+  return table && table->physical == identityInsert_;
+}
+
+std::vector<Column> Executor::describe(std::string_view name) {
+  const ObjectName object = parseObjectName(name);
+  if (const std::shared_ptr<const Table> table = catalog_.table(object)) {
+    std::vector<Column> columns;
+    for (const TableColumn& column : table->columns)
+      columns.push_back({column.name, column.type});
+    return columns;
+  }
+  const std::optional<StoredObject> view = catalog_.object(object);
+  if (!view || view->type != 'V') return {};
+  Binder binder(catalog_, false);
+  return resultColumns(binder.query(*parseBatch(view->definition).at(0)->query, nullptr, Naming::columns).columns);
+}
+
+std::string Executor::translate(std::string_view text) {
+  const std::vector<StatementPtr> statements = parseBatch(text);
+  catalog_.refresh();
+  std::string result;
+  for (const StatementPtr& statement : statements) {
+    switch (statement->kind) {
+      case StatementKind::select: {
+        Binder binder(catalog_, false);
+        result += binder.query(*statement->query).sql + ";\n";
+        break;
+      }
+      case StatementKind::insert:
+      case StatementKind::update:
+      case StatementKind::remove:
+        result += modification(*statement, false) + ";\n";
+        break;
+      default:
+        throw SqlError(40510, "Only SELECT, INSERT, UPDATE and DELETE have a translation to show.",
+                       statement->place.line, statement->place.token);
+    }
+  }
+  return result;
+}
+
+}  // namespace quillon::tsql

@@ -1,0 +1,57 @@
+// Runs the statements of a batch one after the other.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "workbench/tsql/ast.h"
+#include "workbench/tsql/binder.h"
+#include "workbench/tsql/catalog.h"
+#include "workbench/tsql/engine.h"
+
+struct sqlite3;
+
+namespace quillon::tsql {
+
+class Executor {
+ public:
+  Executor(sqlite3* database, Catalog& catalog) : database_(database), catalog_(catalog) {}
+
+  // Gives the rows affected by the last statement that counts rows, -1 when none does.
+  std::int64_t run(std::string_view batch, ResultSink& sink);
+  std::unique_ptr<Cursor> query(std::string_view batch);
+  std::vector<Column> describe(std::string_view table);
+  std::string translate(std::string_view statement);
+  void observe(std::function<void(const StatementReport&)> observer) { observer_ = std::move(observer); }
+
+ private:
+  // The rows affected; -1 for a statement that counts none.
+  std::int64_t execute(const Statement& statement, std::string_view batch, ResultSink& sink);
+  std::int64_t dispatch(const Statement& statement, std::string_view batch, ResultSink& sink);
+  std::int64_t select(const Statement& statement, ResultSink& sink);
+  std::int64_t selectInto(const Statement& statement, const ObjectName& target, bool exactSums);
+  std::int64_t modify(const Statement& statement);
+  bool holds(const Expression& condition);
+  void createTable(const Statement& statement);
+  void createIndex(const Statement& statement);
+  void createView(const Statement& statement);
+  void createFunction(const Statement& statement);
+  void drop(const Statement& statement);
+  void dropIndex(const Statement& statement);
+  void truncate(const Statement& statement);
+  void setIdentityInsert(const Statement& statement);
+  bool takesIdentity(const ObjectName& table) const;
+  std::string modification(const Statement& statement, bool exactSums);
+  std::unique_ptr<Cursor> open(const Statement& statement);
+
+  sqlite3* database_;
+  Catalog& catalog_;
+  std::function<void(const StatementReport&)> observer_;
+  std::string identityInsert_;  // the table of SET IDENTITY_INSERT .. ON, by its SQLite name
+};
+
+}  // namespace quillon::tsql

@@ -1,0 +1,17 @@
+// Number and text literals: their value and T-SQL type.
+#pragma once
+
+#include "workbench/tsql/lexer.h"
+#include "workbench/tsql/value.h"
+
+namespace quillon::tsql {
+
+struct Literal {
+  Value value;
+  Type type;
+};
+
+// Throws SqlError 1007 when a number has more digits than a decimal holds, 8115 when a float or money is out of range.
+Literal parseLiteral(const Token& token);
+
+}  // namespace quillon::tsql

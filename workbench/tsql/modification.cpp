@@ -1,0 +1,319 @@
+#include "workbench/tsql/modification.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "workbench/tsql/engine.h"
+#include "workbench/tsql/lexer.h"
+#include "workbench/tsql/parser.h"
+#include "workbench/tsql/sqlite.h"
+
+namespace quillon::tsql {
+namespace {
+
+[[noreturn]] void fail(int number, const std::string& message, const Place& place) {
+  throw SqlError(number, message, place.line, place.token);
+}
+
+// ---- Insert
+
+struct InsertColumns {
+  std::vector<std::size_t> given;    // the columns that the statement gives values for
+  std::vector<std::size_t> omitted;  // those that take a default or refuse to be left out
+};
+
+InsertColumns insertColumns(const Statement& s, const Table& table, bool identityInsert) {
+  InsertColumns result;
+  std::vector<bool> isGiven(table.columns.size(), false);
+  if (s.columns.empty()) {
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+      isGiven[i] = !s.defaultValues && !table.columns[i].identity;
+      if (isGiven[i]) result.given.push_back(i);
+    }
+  }
+  for (const std::string& name : s.columns) {
+    const int place = table.find(name);
+    if (place < 0) fail(207, "Invalid column name '" + name + "'.", s.target.place);
+    const auto index = static_cast<std::size_t>(place);
+    if (isGiven[index]) {
+      fail(264,
+           "The column name '" + name +
+               "' is specified more than once in the SET clause or column list of an INSERT. A column cannot be "
+               "assigned more than one value in the same clause.",
+           s.target.place);
+    }
+    if (table.columns[index].identity && !identityInsert) {
+      fail(544,
+           "Cannot insert explicit value for identity column in table '" + table.name +
+               "' when IDENTITY_INSERT is set to OFF.",
+           s.target.place);
+    }
+    isGiven[index] = true;
+    result.given.push_back(index);
+  }
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    if (isGiven[i]) continue;
+    const TableColumn& column = table.columns[i];
+    const bool isRowid = static_cast<int>(i) == table.rowidColumn;
+    if (column.identity && !isRowid) {
+      fail(40510,
+           "The embedded engine does not support inserting into a table whose identity column does not count by one.",
+           s.target.place);
+    }
+    if (!column.defaultText.empty() || (isRowid && !column.identity)) result.omitted.push_back(i);
+  }
+  return result;
+}
+
+Binder::Target targetOf(const Table& table, std::size_t column) {
+  const TableColumn& stored = table.columns[column];
+  return {stored.type, table.name, stored.name, static_cast<int>(column) == table.rowidColumn};
+}
+
+Fragment defaultOf(const Table& table, std::size_t column, Binder& binder) {
+  Scope nothing;
+  const std::string& text = table.columns[column].defaultText;
+  const Fragment value = text.empty() ? nullFragment() : binder.value(*parseValue(text), nothing);
+  return Binder::stored(value, targetOf(table, column));
+}
+
+std::string valueRows(const Statement& s, const Table& table, const InsertColumns& columns, Binder& binder) {
+  std::string sql;
+  for (const std::vector<ExpressionPtr>& row : s.valueRows) {
+    if (row.size() != s.valueRows[0].size()) {
+      fail(10709, "The number of columns for each row in a table value constructor must be the same.", s.target.place);
+    }
+    if (row.size() != columns.given.size()) {
+      if (s.columns.empty())
+        fail(213, "Column name or number of supplied values does not match table definition.", s.target.place);
+      const bool fewer = row.size() < columns.given.size();
+      fail(fewer ? 109 : 110,
+           std::string("There are ") + (fewer ? "more" : "fewer") +
+               " columns in the INSERT statement than values specified in the VALUES clause. The number of values in "
+               "the VALUES "
+               "clause must match the number of columns specified in the INSERT statement.",
+           s.target.place);
+    }
+    sql += sql.empty() ? "VALUES (" : ", (";
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      Scope nothing;
+      const std::size_t column = columns.given[i];
+      const Fragment value = row[i] == nullptr
+                                 ? defaultOf(table, column, binder)
+                                 : Binder::stored(binder.value(*row[i], nothing), targetOf(table, column));
+      sql += (i == 0 ? "" : ", ") + value.sql;
+    }
+    for (const std::size_t column : columns.omitted)
+      sql += ", " + defaultOf(table, column, binder).sql;
+    sql += ")";
+  }
+  return sql;
+}
+
+std::string selectedRows(const Statement& s, const Table& table, const InsertColumns& columns, Binder& binder) {
+  std::vector<Binder::Target> targets;
+  for (const std::size_t column : columns.given)
+    targets.push_back(targetOf(table, column));
+  std::string sql;
+  try {
+    sql = binder.queryInto(*s.query, targets).sql;
+  } catch (const SqlError& error) {
+    // Without a column list the table's own columns are the list.
+    if (!s.columns.empty() || (error.number() != 120 && error.number() != 121)) throw;
+    fail(213, "Column name or number of supplied values does not match table definition.", s.target.place);
+  }
+  if (columns.omitted.empty()) return sql;
+  std::string defaults;
+  for (const std::size_t column : columns.omitted)
+    defaults += ", " + defaultOf(table, column, binder).sql;
+  return "SELECT *" + defaults + " FROM (" + sql + ")";
+}
+
+// ---- Update and Delete
+
+// The From clause of an Update or Delete with its target found in it.
+struct Sources {
+  Scope scope;
+  std::string from;        // the whole From clause, in the order written
+  std::string others;      // without the target, where that can be: see `separable`
+  std::string conditions;  // the On conditions of `others`
+  bool separable = false;  // the target is joined by inner joins only
+  std::string target;      // its alias
+  std::shared_ptr<const Table> table;
+};
+
+void collectTables(const TableSource& source, std::vector<const TableSource*>& list) {
+  if (source.left != nullptr) {
+    collectTables(*source.left, list);
+    collectTables(*source.right, list);
+  } else if (source.derived == nullptr) {
+    list.push_back(&source);
+  }
+}
+
+// The parts that inner and cross joins put together, and the conditions between them.
+void flatten(const TableSource& source, std::vector<const TableSource*>& parts,
+             std::vector<const Expression*>& conditions) {
+  if (source.left == nullptr || (source.join != JoinKind::inner && source.join != JoinKind::cross)) {
+    parts.push_back(&source);
+    return;
+  }
+  flatten(*source.left, parts, conditions);
+  flatten(*source.right, parts, conditions);
+  if (source.on) conditions.push_back(source.on.get());
+}
+
+const TableSource* findTarget(const Statement& s) {
+  std::vector<const TableSource*> tables;
+  for (const TableSourcePtr& source : s.from)
+    collectTables(*source, tables);
+  const bool plain = s.target.database.empty();
+  for (const TableSource* table : tables) {
+    if (plain && equalsIgnoringCase(table->alias, s.target.name)) return table;
+  }
+  const TableSource* found = nullptr;
+  for (const TableSource* table : tables) {
+    if (!equalsIgnoringCase(table->table.name, s.target.name) ||
+        Catalog::databaseOf(table->table) != Catalog::databaseOf(s.target)) {
+      continue;
+    }
+    if (found != nullptr) {
+      // Of several the one without an alias is meant.
+      if (!found->alias.empty() && !table->alias.empty())
+        fail(8154, "The table '" + s.target.written + "' is ambiguous.", s.target.place);
+      if (found->alias.empty()) continue;
+    }
+    found = table;
+  }
+  return found;
+}
+
+std::string aliasOf(const TableSource& source) {
+  return source.alias.empty() ? source.table.name : source.alias;
+}
+
+Sources bindSources(const Statement& s, Binder& binder) {
+  Sources result;
+  const TableSource* const target = findTarget(s);
+  if (target == nullptr) {
+    result.table = binder.table(s.target);
+    result.target = s.target.name;
+    result.from = binder.addTable(s.target, {}, result.scope);
+    if (!s.from.empty()) {
+      result.others = binder.from(s.from, result.scope);
+      result.from += ", " + result.others;
+    }
+    result.separable = true;
+    return result;
+  }
+  result.table = binder.table(target->table);
+  result.target = aliasOf(*target);
+  std::vector<const TableSource*> parts;
+  std::vector<const Expression*> conditions;
+  for (const TableSourcePtr& source : s.from)
+    flatten(*source, parts, conditions);
+  result.separable = std::find(parts.begin(), parts.end(), target) != parts.end();
+  if (!result.separable) {
+    result.from = binder.from(s.from, result.scope);
+    return result;
+  }
+  for (const TableSource* part : parts) {
+    std::string sql = binder.join(*part, result.scope);
+    if (part->left != nullptr) sql = "(" + sql + ")";
+    result.from += (result.from.empty() ? "" : ", ") + sql;
+    if (part != target) result.others += (result.others.empty() ? "" : ", ") + sql;
+  }
+  for (const Expression* condition : conditions) {
+    result.conditions += (result.conditions.empty() ? "" : " AND ") + binder.condition(*condition, result.scope).sql;
+  }
+  return result;
+}
+
+std::string whereOf(const Statement& s, Sources& sources, Binder& binder) {
+  std::string where = sources.conditions;
+  if (s.condition) where += (where.empty() ? "" : " AND ") + binder.condition(*s.condition, sources.scope).sql;
+  return where.empty() ? "" : " WHERE " + where;
+}
+
+std::string limitOf(const Statement& s) {
+  return s.top ? " LIMIT " + std::to_string(*s.top) : "";
+}
+
+}  // namespace
+
+std::string insertStatement(const Statement& s, Binder& binder, bool identityInsert) {
+  const std::shared_ptr<const Table> table = binder.table(s.target);
+  const InsertColumns columns = insertColumns(s, *table, identityInsert);
+  std::string names;
+  for (const std::size_t column : columns.given)
+    names += (names.empty() ? "" : ", ") + quoteName(table->columns[column].name);
+  for (const std::size_t column : columns.omitted)
+    names += (names.empty() ? "" : ", ") + quoteName(table->columns[column].name);
+  const std::string head = "INSERT INTO " + table->physical;
+  if (s.defaultValues) {
+    if (columns.omitted.empty()) return head + " DEFAULT VALUES";
+    std::string values;
+    for (const std::size_t column : columns.omitted)
+      values += (values.empty() ? "" : ", ") + defaultOf(*table, column, binder).sql;
+    return head + "(" + names + ") VALUES (" + values + ")";
+  }
+  return head + "(" + names + ") " +
+         (s.query ? selectedRows(s, *table, columns, binder) : valueRows(s, *table, columns, binder));
+}
+
+std::string updateStatement(const Statement& s, Binder& binder) {
+  Sources sources = bindSources(s, binder);
+  const Table& table = *sources.table;
+  struct NewValue {
+    std::string column, sql;
+  };
+  std::vector<NewValue> values;
+  for (const Assignment& assignment : s.assignments) {
+    const int place = table.find(assignment.column);
+    if (place < 0) fail(207, "Invalid column name '" + assignment.column + "'.", assignment.place);
+    const auto index = static_cast<std::size_t>(place);
+    const std::string column = quoteName(table.columns[index].name);
+    if (table.columns[index].identity)
+      fail(8102, "Cannot update identity column '" + table.columns[index].name + "'.", assignment.place);
+    if (std::any_of(values.begin(), values.end(), [&](const NewValue& value) { return value.column == column; })) {
+      fail(264,
+           "The column name '" + assignment.column +
+               "' is specified more than once in the SET clause or column list of an INSERT. A column cannot be "
+               "assigned more than one value in the same clause.",
+           assignment.place);
+    }
+    const Fragment value = Binder::stored(binder.value(*assignment.value, sources.scope), targetOf(table, index));
+    values.push_back({column, value.sql});
+  }
+  const std::string where = whereOf(s, sources, binder);
+  const std::string target = quoteName(sources.target);
+  std::string sql = "UPDATE " + table.physical + " AS ";
+  if (sources.separable && !s.top) {
+    sql += target + " SET ";
+    for (std::size_t i = 0; i < values.size(); ++i)
+      sql += (i == 0 ? "" : ", ") + values[i].column + " = " + values[i].sql;
+    return sql + (sources.others.empty() ? "" : " FROM " + sources.others) + where;
+  }
+  // The new values are computed over the whole From clause, then brought to the target's rows.
+  sql += "target_row SET ";
+  std::string list = target + '.' + table.rowid() + " AS row_number";
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const std::string name = "value" + std::to_string(i);
+    sql += (i == 0 ? "" : ", ") + values[i].column + " = source." + name;
+    list += ", " + values[i].sql + " AS " + name;
+  }
+  return sql + " FROM (SELECT " + list + " FROM " + sources.from + where + limitOf(s) +
+         ") AS source WHERE target_row." + table.rowid() + " = source.row_number";
+}
+
+std::string deleteStatement(const Statement& s, Binder& binder) {
+  Sources sources = bindSources(s, binder);
+  const Table& table = *sources.table;
+  const std::string where = whereOf(s, sources, binder);
+  const std::string target = quoteName(sources.target);
+  if (s.from.empty() && !s.top) return "DELETE FROM " + table.physical + " AS " + target + where;
+  return "DELETE FROM " + table.physical + " WHERE " + table.rowid() + " IN (SELECT " + target + '.' + table.rowid() +
+         " FROM " + sources.from + where + limitOf(s) + ")";
+}
+
+}  // namespace quillon::tsql

@@ -1,0 +1,20 @@
+// Insert, Update, Delete and Truncate Table as SQLite statements.
+#pragma once
+
+#include <string>
+
+#include "workbench/tsql/ast.h"
+#include "workbench/tsql/binder.h"
+#include "workbench/tsql/catalog.h"
+
+namespace quillon::tsql {
+
+// `identityInsert`: the table takes values for its identity column. Throws SqlError 109, 110, 120, 121, 207, 208, 213,
+// 264, 544, 8101.
+std::string insertStatement(const Statement& statement, Binder& binder, bool identityInsert);
+// The target is the row of the From clause that bears the target's name or alias, as T-SQL has it. Throws SqlError 207,
+// 208, 264, 8102, 8154.
+std::string updateStatement(const Statement& statement, Binder& binder);
+std::string deleteStatement(const Statement& statement, Binder& binder);
+
+}  // namespace quillon::tsql

@@ -1,0 +1,149 @@
+#include "workbench/tsql/sqlite.h"
+
+#include <sqlite3.h>
+
+#include "workbench/tsql/sqlite_functions.h"
+
+namespace quillon::tsql {
+namespace {
+
+// "what: t.a, t.b" gives {"t", "a"}: the table and the first column that SQLite names in a constraint error.
+struct ConstraintPlace {
+  std::string table, column;
+};
+
+ConstraintPlace constraintPlace(std::string_view message) {
+  const std::size_t colon = message.find(": ");
+  if (colon == std::string_view::npos) return {};
+  std::string_view place = message.substr(colon + 2);
+  place = place.substr(0, place.find(", "));
+  const std::size_t dot = place.rfind('.');
+  if (dot == std::string_view::npos) return {std::string(place), {}};
+  return {std::string(place.substr(0, dot)), std::string(place.substr(dot + 1))};
+}
+
+[[noreturn]] void throwConstraint(int code, const std::string& message) {
+  const auto [table, column] = constraintPlace(message);
+  switch (code) {
+    case SQLITE_CONSTRAINT_NOTNULL:
+      throw SqlError(515, "Cannot insert the value NULL into column '" + column + "', table '" + table +
+                              "'; column does not allow nulls. INSERT fails.");
+    case SQLITE_CONSTRAINT_PRIMARYKEY:
+    case SQLITE_CONSTRAINT_ROWID:
+      throw SqlError(2627,
+                     "Violation of PRIMARY KEY constraint. Cannot insert duplicate key in object '" + table + "'.");
+    case SQLITE_CONSTRAINT_UNIQUE:
+      throw SqlError(
+          2601, "Cannot insert duplicate key row in object '" + table + "' with unique index on '" + column + "'.");
+    case SQLITE_CONSTRAINT_DATATYPE:
+      // The only way to a wrong type in a declared column is a whole number that left 64 bits.
+      throw SqlError(8115, "Arithmetic overflow error converting expression to data type numeric.");
+    default:
+      throw SqlError(547, "The statement conflicted with a constraint: " + message);
+  }
+}
+
+}  // namespace
+
+SumOverflow::SumOverflow() : SqlError(8115, "Arithmetic overflow error converting expression to data type numeric.") {}
+
+void throwSqliteError(sqlite3* database) {
+  const std::string message = sqlite3_errmsg(database);
+  const int extended = sqlite3_extended_errcode(database);
+  const int code = extended & 0xff;
+  if (code == SQLITE_ERROR) {
+    if (const auto error = errorFrom(message)) throw *error;
+    if (message == "integer overflow") throw SumOverflow();
+  }
+  switch (code) {
+    case SQLITE_CONSTRAINT:
+      throwConstraint(extended, message);
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      throw SqlError(1222, "Lock request time out period exceeded: another connection is writing to the account file.");
+    case SQLITE_FULL:
+      throw SqlError(1105, "Could not allocate space: the disk that holds the account file is full.");
+    case SQLITE_READONLY:
+      throw SqlError(3906, "Failed to update the database because it was opened for reading only.");
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      throw SqlError(
+          5172, "The header for the file is not a valid account file header: the file is damaged or is no account.");
+    case SQLITE_NOMEM:
+      throw SqlError(701, "There is insufficient memory to run this statement.");
+    default:
+      throw SqlError(50000, "The storage engine refused the statement: " + message);
+  }
+}
+
+void runSqlite(sqlite3* database, const std::string& sql) {
+  if (sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) throwSqliteError(database);
+}
+
+std::string quoteName(std::string_view name) {
+  std::string result = "\"";
+  for (const char c : name) {
+    if (c == '"') result += '"';
+    result += c;
+  }
+  return result + '"';
+}
+
+Prepared::Prepared(sqlite3* database, std::string_view sql) : database_(database) {
+  if (sqlite3_prepare_v2(database, sql.data(), static_cast<int>(sql.size()), &statement_, nullptr) != SQLITE_OK) {
+    throwSqliteError(database);
+  }
+}
+
+Prepared::~Prepared() {
+  sqlite3_finalize(statement_);
+}
+
+bool Prepared::step() {
+  const int result = sqlite3_step(statement_);
+  if (result == SQLITE_ROW) return true;
+  if (result != SQLITE_DONE) throwSqliteError(database_);
+  return false;
+}
+
+void Prepared::reset() noexcept {
+  sqlite3_reset(statement_);
+}
+
+void Prepared::bind(int parameter, std::string_view text) {
+  sqlite3_bind_text(statement_, parameter, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+}
+
+void Prepared::bind(int parameter, std::int64_t number) {
+  sqlite3_bind_int64(statement_, parameter, number);
+}
+
+std::string Prepared::text(int column) const {
+  const auto* const data = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+  return data == nullptr ? std::string()
+                         : std::string(data, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)));
+}
+
+std::int64_t Prepared::integer(int column) const {
+  return sqlite3_column_int64(statement_, column);
+}
+
+bool Prepared::isNull(int column) const {
+  return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+}
+
+Savepoint::Savepoint(sqlite3* database) : database_(database) {
+  runSqlite(database, "SAVEPOINT statement");
+}
+
+Savepoint::~Savepoint() {
+  // An error that SQLite itself answered by a rollback leaves nothing to undo; the failure of these two says just that.
+  if (!kept_) sqlite3_exec(database_, "ROLLBACK TO statement; RELEASE statement", nullptr, nullptr, nullptr);
+}
+
+void Savepoint::keep() {
+  runSqlite(database_, "RELEASE statement");
+  kept_ = true;
+}
+
+}  // namespace quillon::tsql

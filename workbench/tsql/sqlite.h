@@ -1,0 +1,67 @@
+// SQLite's C interface with the house's errors: every failure is a SqlError with SQL Server's number and text.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "workbench/tsql/engine.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace quillon::tsql {
+
+// SQLite's own sum left 64 bits. A sum of decimals may still be right with more: see aggregate() in emitter.h.
+class SumOverflow : public SqlError {
+ public:
+  SumOverflow();
+};
+
+// Throws what the last failure of the handle means in SQL Server's numbers and texts: an error raised by one of the
+// engine's own functions as it stands, SQLite's constraint errors as 515, 2627, 8115.
+[[noreturn]] void throwSqliteError(sqlite3* database);
+
+// Runs SQLite statements that give no rows.
+void runSqlite(sqlite3* database, const std::string& sql);
+
+// A name in SQLite's double quotes.
+std::string quoteName(std::string_view name);
+
+class Prepared {
+ public:
+  Prepared(sqlite3* database, std::string_view sql);
+  ~Prepared();
+  Prepared(const Prepared&) = delete;
+  Prepared& operator=(const Prepared&) = delete;
+
+  bool step();  // true: there is a row
+  void reset() noexcept;
+  void bind(int parameter, std::string_view text);  // the text must live until the next reset; parameters count from 1
+  void bind(int parameter, std::int64_t number);
+  std::string text(int column) const;  // columns count from 0; empty for NULL
+  std::int64_t integer(int column) const;
+  bool isNull(int column) const;
+  sqlite3_stmt* handle() const noexcept { return statement_; }
+
+ private:
+  sqlite3* database_;
+  sqlite3_stmt* statement_ = nullptr;
+};
+
+// A savepoint: everything since its making is undone unless keep() was called.
+class Savepoint {
+ public:
+  explicit Savepoint(sqlite3* database);
+  ~Savepoint();
+  Savepoint(const Savepoint&) = delete;
+  Savepoint& operator=(const Savepoint&) = delete;
+  void keep();
+
+ private:
+  sqlite3* database_;
+  bool kept_ = false;
+};
+
+}  // namespace quillon::tsql
