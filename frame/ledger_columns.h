@@ -9,19 +9,12 @@ namespace quillon {
 
 // As they are selected from the ledger line (alias base).
 inline constexpr std::string_view lineBatchAndFreeItems =
-    "base.cBatchia,base.cFree1,base.cFree2,base.cFree3,base.cFree4,base.cFree5,base.cFree6,base.cFree7,base.cFree8,"
-    "base.cFree9,base.cFree10,";
+    "base.cBatchia,base.cFree1,base.cFree2,base.cFree3,base.cFree4,base.cFree5,base.cFree6,base.cFree7,base.cFree8,base.cFree9,base.cFree10,";
 inline constexpr std::string_view lineDocumentFields =
-    "base.cDefine1,base.cDefine2,base.cDefine3,base.cDefine4,base.cDefine5,base.cDefine6,base.cDefine7,base.cDefine8,"
-    "\r\n"
-    "base.cDefine9,base.cDefine10,base.cDefine11,base.cDefine12,base.cDefine13,base.cDefine14,base.cDefine15,"
-    "base.cDefine16,"
-    "\r\n"
-    "base.cDefine22,base.cDefine23,base.cDefine24,base.cDefine25,base.cDefine26,base.cDefine27,base.cDefine28,"
-    "base.cDefine29,"
-    "\r\n"
-    "base.cDefine30,base.cDefine31,base.cDefine32,base.cDefine33,base.cDefine34,base.cDefine35,base.cDefine36,"
-    "base.cDefine37,";
+    "base.cDefine1,base.cDefine2,base.cDefine3,base.cDefine4,base.cDefine5,base.cDefine6,base.cDefine7,base.cDefine8,\r\n"
+    "base.cDefine9,base.cDefine10,base.cDefine11,base.cDefine12,base.cDefine13,base.cDefine14,base.cDefine15,base.cDefine16,\r\n"
+    "base.cDefine22,base.cDefine23,base.cDefine24,base.cDefine25,base.cDefine26,base.cDefine27,base.cDefine28,base.cDefine29,\r\n"
+    "base.cDefine30,base.cDefine31,base.cDefine32,base.cDefine33,base.cDefine34,base.cDefine35,base.cDefine36,base.cDefine37,";
 
 // By their bare names, as the tables of the reports have them.
 inline constexpr std::string_view batchAndFreeItems =
@@ -30,16 +23,12 @@ inline constexpr std::string_view batchAndFreeItems =
 inline constexpr std::string_view groupedBatchAndFreeItems =
     "isnull(cBatchia,''),cFree1, cFree2, cFree3, cFree4, cFree5, cFree6, cFree7, cFree8, cFree9, cFree10,";
 inline constexpr std::string_view inventoryFields =
-    "cInvDefine1,cInvDefine2,cInvDefine3,cInvDefine4,cInvDefine5,cInvDefine6,cInvDefine7,cInvDefine8,"
-    "\r\n"
+    "cInvDefine1,cInvDefine2,cInvDefine3,cInvDefine4,cInvDefine5,cInvDefine6,cInvDefine7,cInvDefine8,\r\n"
     "cInvDefine9,cInvDefine10,cInvDefine11,cInvDefine12,cInvDefine13,cInvDefine14,cInvDefine15,cInvDefine16, ";
 inline constexpr std::string_view documentFields =
-    "cDefine1, cDefine2, cDefine3, cDefine4, cDefine5, cDefine6, cDefine7, cDefine8,"
-    "\r\n"
-    "cDefine9, cDefine10, cDefine11, cDefine12, cDefine13, cDefine14, cDefine15, cDefine16,"
-    "\r\n"
-    "cDefine22, cDefine23, cDefine24, cDefine25, cDefine26, cDefine27, cDefine28, cDefine29,"
-    "\r\n"
+    "cDefine1, cDefine2, cDefine3, cDefine4, cDefine5, cDefine6, cDefine7, cDefine8,\r\n"
+    "cDefine9, cDefine10, cDefine11, cDefine12, cDefine13, cDefine14, cDefine15, cDefine16,\r\n"
+    "cDefine22, cDefine23, cDefine24, cDefine25, cDefine26, cDefine27, cDefine28, cDefine29,\r\n"
     "cDefine30, cDefine31, cDefine32, cDefine33, cDefine34, cDefine35, cDefine36, cDefine37,";
 
 }  // namespace quillon

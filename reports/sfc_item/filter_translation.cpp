@@ -106,18 +106,18 @@ struct BalanceState {
   std::string_view condition;
 };
 constexpr std::array balanceStates{
-    BalanceState{"1",
-                 "(Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iOutQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0 OR "
-                 "Sum(IsNull(iOutMoney,0))<>0)"},
-    BalanceState{"2",
-                 "(Sum(IsNull(iInQuantity,0))=0 And Sum(IsNull(iOutQuantity,0))=0 And Sum(IsNull(iInMoney,0))=0 And "
-                 "Sum(IsNull(iOutMoney,0))=0)"},
-    BalanceState{"3",
-                 "((Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0) And "
-                 "(Sum(IsNull(iOutQuantity,0))=0 And Sum(IsNull(iOutMoney,0))=0))"},
-    BalanceState{"4",
-                 "((Sum(IsNull(iInQuantity,0))=0 And Sum(IsNull(iInMoney,0))=0) And "
-                 "(Sum(IsNull(iOutQuantity,0))<>0 Or Sum(IsNull(iOutMoney,0))<>0))"},
+    BalanceState{
+        "1",
+        "(Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iOutQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0 OR Sum(IsNull(iOutMoney,0))<>0)"},
+    BalanceState{
+        "2",
+        "(Sum(IsNull(iInQuantity,0))=0 And Sum(IsNull(iOutQuantity,0))=0 And Sum(IsNull(iInMoney,0))=0 And Sum(IsNull(iOutMoney,0))=0)"},
+    BalanceState{
+        "3",
+        "((Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0) And (Sum(IsNull(iOutQuantity,0))=0 And Sum(IsNull(iOutMoney,0))=0))"},
+    BalanceState{
+        "4",
+        "((Sum(IsNull(iInQuantity,0))=0 And Sum(IsNull(iInMoney,0))=0) And (Sum(IsNull(iOutQuantity,0))<>0 Or Sum(IsNull(iOutMoney,0))<>0))"},
 };
 
 // Conditions on the closing balance: the piece for digit 0, 1 and 2 of the key's value. A unit cost is positive when

@@ -9,8 +9,7 @@ namespace {
 
 // Columns of the ledger line and its masters, as they are selected.
 constexpr std::string_view lineColumns =
-    "base.autoid,wh.cWhCode, wh.cWhName, inv.cInvCode, inv.cInvName, inv.cInvStd, inv.cInvAddCode as cInvAddCode, "
-    "unit.ccomunitcode As cUnitCode, unit.cComUnitName As cUnitName, ";
+    "base.autoid,wh.cWhCode, wh.cWhName, inv.cInvCode, inv.cInvName, inv.cInvStd, inv.cInvAddCode as cInvAddCode, unit.ccomunitcode As cUnitCode, unit.cComUnitName As cUnitName, ";
 constexpr std::string_view lineDepartmentAndDates = "dep.cDepCode, dep.cDepName, base.dKeepDate, base.dVouDate, ";
 
 // Columns of the result and detail tables, by their bare names.
@@ -19,23 +18,18 @@ constexpr std::string_view departmentDatesAndCostItem = "cDepCode, cDepName, dKe
 // Where the rows come from: the cost items of the ledger lines; or, once the cost-item breakdown has a start month of
 // its own, the opening balances that were entered for that month.
 constexpr std::string_view fromLedgerCostItems =
-    "from ia_subsidiary_Item item With(NoLock) "
-    "\r\n"
+    "from ia_subsidiary_Item item With(NoLock) \r\n"
     "Left Join ia_subsidiary base With(NoLock) ON item.iSubID = base.AutoID";
 constexpr std::string_view fromOpeningCostItems =
-    "from IA_Subsidiary_QC_Item item With(NoLock) "
-    "\r\n"
+    "from IA_Subsidiary_QC_Item item With(NoLock) \r\n"
     "Left Join IA_Subsidiary_QC base With(NoLock) ON item.isubqcid = base.AutoID";
 constexpr std::string_view fromLedgerLines = "from ia_subsidiary base With(NoLock) ";
 constexpr std::string_view fromOpeningLines = "from IA_Subsidiary_QC base With(NoLock) ";
 
 constexpr std::string_view masterJoins =
-    "Left Join Warehouse wh With(NoLock) ON wh.cWhCode = base.cWhCode"
-    "\r\n"
-    "left join Inventory inv With(NoLock) ON base.cInvCode = inv.cInvCode"
-    "\r\n"
-    "left join ComputationUnit unit With(NoLock) on inv.cComunitCode = unit.ccomunitcode "
-    "\r\n"
+    "Left Join Warehouse wh With(NoLock) ON wh.cWhCode = base.cWhCode\r\n"
+    "left join Inventory inv With(NoLock) ON base.cInvCode = inv.cInvCode\r\n"
+    "left join ComputationUnit unit With(NoLock) on inv.cComunitCode = unit.ccomunitcode \r\n"
     "left join Department dep With(NoLock) on dep.cDepCode = base.cDepCode";
 constexpr std::string_view costItemJoin = "Left Join Ca_FxDef With(Nolock) ON item.iItemID = Ca_FxDef.ifxID";
 
@@ -58,16 +52,11 @@ std::string createResultTable(const Build& build) {
       // The department follows the document fields on their last line.
       std::string(lineDocumentFields) + std::string(lineDepartmentAndDates),
       byClass ? "fxcls.cFxCCode As cFXCode, fxcls.cfxCName As cFXName, " : "Ca_FxDef.cFxCode, Ca_FxDef.cFxName, ",
-      "base.IAInQuantity As iQcQuantity, base.IAInPrice As iQcMoney, base.IAInQuantity As iInQuantity, base.IAInPrice "
-      "As iInMoney, ",
-      "base.IAInQuantity As iOutQuantity, base.IAInPrice As iOutMoney, base.IAInQuantity As iQmQuantity, "
-      "base.IAInPrice As iQmMoney, ",
-      "Cast('' As nVarChar(2)) as cJudgeQuantity, Cast('' As nVarChar(2)) as cJudgeMoney, Cast('' As nVarChar(2)) as "
-      "cJudgeCost, ",
-      "Cast('' As nVarChar(40)) as cState, Cast('' As int) as iState, base.IAInQuantity As iQuantity, base.IAInPrice "
-      "As iMoney ,Cast('' As nVarChar(10)) as cFSType ,",
-      "Cast('' As nVarChar(128)) as cFxCName, Cast('' As nVarChar(60)) As cAmoCode, Cast('' As nVarChar(255)) As "
-      "cAmoName ",
+      "base.IAInQuantity As iQcQuantity, base.IAInPrice As iQcMoney, base.IAInQuantity As iInQuantity, base.IAInPrice As iInMoney, ",
+      "base.IAInQuantity As iOutQuantity, base.IAInPrice As iOutMoney, base.IAInQuantity As iQmQuantity, base.IAInPrice As iQmMoney, ",
+      "Cast('' As nVarChar(2)) as cJudgeQuantity, Cast('' As nVarChar(2)) as cJudgeMoney, Cast('' As nVarChar(2)) as cJudgeCost, ",
+      "Cast('' As nVarChar(40)) as cState, Cast('' As int) as iState, base.IAInQuantity As iQuantity, base.IAInPrice As iMoney ,Cast('' As nVarChar(10)) as cFSType ,",
+      "Cast('' As nVarChar(128)) as cFxCName, Cast('' As nVarChar(60)) As cAmoCode, Cast('' As nVarChar(255)) As cAmoName ",
       "Into " + build.resultTable + " ",
       fromLedgerCostItems,
       masterJoins,
@@ -88,14 +77,13 @@ namespace {
 constexpr std::string_view fillerColumns =
     "(autoid,cWhCode, cWhName, cInvCode, cInvName, cInvStd, cInvAddCode, cUnitCode, cUnitName, ";
 constexpr std::string_view fillerAmounts =
-    "cState, iState, iQuantity, iMoney,"
-    "\r\n"
+    "cState, iState, iQuantity, iMoney,\r\n"
     "iQcQuantity, iQcMoney, iInQuantity, iInMoney, iOutQuantity, iOutMoney, iQmQuantity, iQmMoney)";
 
 std::string_view costItemColumns(ReportMode mode) {
-  return mode == ReportMode::costItemClass ? "IsNull(fxcls.cFxCCode, Ca_FxClassDef.cFxCCode) As cFXCode, "
-                                             "IsNull(fxcls.cfxCName, Ca_FxClassDef.cfxCName) As cFXName,"
-                                           : "Ca_FxDef.cFxCode, Ca_FxDef.cFxName,";
+  return mode == ReportMode::costItemClass
+             ? "IsNull(fxcls.cFxCCode, Ca_FxClassDef.cFxCCode) As cFXCode, IsNull(fxcls.cfxCName, Ca_FxClassDef.cfxCName) As cFXName,"
+             : "Ca_FxDef.cFxCode, Ca_FxDef.cFxName,";
 }
 constexpr std::string_view noCostItemColumns = "N'' As cFXCode, N'' As cFXName,";
 
@@ -104,8 +92,7 @@ std::string classJoins(const Build& build) {
   if (build.mode != ReportMode::costItemClass) return {};
   return joined({
       "left join Ca_FxClassDef With(NoLock) on Ca_FxDef.cFxCID = Ca_FxClassDef.iFxCID",
-      "left join Ca_FxClassDef fxcls With(NoLock) on Ca_FxClassDef.cFxCCode like (fxcls.cFxCCode + '%') And "
-      "fxcls.iGrade = " +
+      "left join Ca_FxClassDef fxcls With(NoLock) on Ca_FxClassDef.cFxCCode like (fxcls.cFxCCode + '%') And fxcls.iGrade = " +
           build.conditions.grade,
   });
 }
@@ -137,12 +124,10 @@ std::string insertCostItemOpenings(const Build& build, const StateTexts& states)
       lineDepartmentAndDates,
       costItemColumns(build.mode),
       openingState(states),
-      "(IsNull(item.iItemInquantity, 0) - IsNull(item.iItemOutquantity, 0)) As iQuantity, (IsNull(item.iItemInPrice, "
-      "0) - IsNull(item.iItemOutPrice, 0)) As iMoney ,",
+      "(IsNull(item.iItemInquantity, 0) - IsNull(item.iItemOutquantity, 0)) As iQuantity, (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0)) As iMoney ,",
       "0 As iQcQuantity, 0 As iQcMoney, ",
       "0 As iInQuantity, 0 As iInMoney, 0 As iOutQuantity, 0 As iOutMoney, ",
-      "(IsNull(item.iItemInquantity, 0) - IsNull(item.iItemOutquantity, 0)) As iQmQuantity , "
-      "(IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney",
+      "(IsNull(item.iItemInquantity, 0) - IsNull(item.iItemOutquantity, 0)) As iQmQuantity , (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney",
       conditions.monthActive() ? fromOpeningCostItems : fromLedgerCostItems,
       masterJoins,
       costItemJoin,
@@ -169,13 +154,11 @@ std::string insertCostItemMovements(const Build& build, const StateTexts& states
       lineDepartmentAndDates,
       costItemColumns(build.mode),
       movementState(states),
-      "(IsNull(item.iItemInQuantity, 0) + IsNull(item.iItemOutQuantity, 0)) As iQuantity, (IsNull(item.iItemInPrice, "
-      "0) + IsNull(item.iItemOutPrice, 0)) As iMoney ,",
+      "(IsNull(item.iItemInQuantity, 0) + IsNull(item.iItemOutQuantity, 0)) As iQuantity, (IsNull(item.iItemInPrice, 0) + IsNull(item.iItemOutPrice, 0)) As iMoney ,",
       // The money column has no "As": it takes its place by position.
       "0 As iQcQuantity, 0 As iQcMoney, 0 As iInQuantity, 0 iInMoney, ",
       "0 As iOutQuantity, 0 As iOutMoney, ",
-      "(IsNull(item.iItemInquantity, 0) - IsNull(item.iItemOutquantity, 0)) As iQmQuantity, (IsNull(item.iItemInPrice, "
-      "0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney",
+      "(IsNull(item.iItemInquantity, 0) - IsNull(item.iItemOutquantity, 0)) As iQmQuantity, (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney",
       fromLedgerCostItems,
       masterJoins,
       costItemJoin,
@@ -204,11 +187,9 @@ std::string insertLineOpenings(const Build& build, const StateTexts& states) {
       noCostItemColumns,
       openingState(states),
       "null As  iQuantity, null As iMoney ,",
-      "(IsNull(base.IaInQuantity, 0) - IsNull(base.IaOutQuantity, 0)) As iQcQuantity, (IsNull(base.iainprice, 0) - "
-      "IsNull(base.iaoutprice, 0)) As iQcMoney, ",
+      "(IsNull(base.IaInQuantity, 0) - IsNull(base.IaOutQuantity, 0)) As iQcQuantity, (IsNull(base.iainprice, 0) - IsNull(base.iaoutprice, 0)) As iQcMoney, ",
       "0 As iInQuantity, 0 As iInMoney, 0 As iOutQuantity, 0 As iOutMoney, ",
-      "(IsNull(base.IaInQuantity, 0) - IsNull(base.IaOutQuantity, 0)) As iQmQuantity, (IsNull(base.iainprice, 0) - "
-      "IsNull(base.iaoutprice, 0))  As iQmMoney",
+      "(IsNull(base.IaInQuantity, 0) - IsNull(base.IaOutQuantity, 0)) As iQmQuantity, (IsNull(base.iainprice, 0) - IsNull(base.iaoutprice, 0))  As iQmMoney",
       conditions.monthActive() ? fromOpeningLines : fromLedgerLines,
       masterJoins,
       conditions.where,
@@ -235,11 +216,9 @@ std::string insertLineMovements(const Build& build, const StateTexts& states) {
       movementState(states),
       // The line's own movement is told by its cost items' rows; a second time here it would count twice.
       "null As  iQuantity, null As iMoney ,",
-      "0 As iQcQuantity, 0 As iQcMoney, IsNull(base.IaInQuantity, 0) As iInQuantity, IsNull(base.iainprice, 0) As "
-      "iInMoney, ",
+      "0 As iQcQuantity, 0 As iQcMoney, IsNull(base.IaInQuantity, 0) As iInQuantity, IsNull(base.iainprice, 0) As iInMoney, ",
       "IsNull(base.IaOutQuantity, 0) As iOutQuantity, IsNull(base.iaoutprice, 0) As iOutMoney, ",
-      "(IsNull(base.IaInQuantity, 0) - IsNull(base.IaOutQuantity, 0)) As iQmQuantity, (IsNull(base.iainprice, 0) - "
-      "IsNull(base.iaoutprice, 0))  As iQmMoney",
+      "(IsNull(base.IaInQuantity, 0) - IsNull(base.IaOutQuantity, 0)) As iQmQuantity, (IsNull(base.iainprice, 0) - IsNull(base.iaoutprice, 0))  As iQmMoney",
       fromLedgerLines,
       masterJoins,
       conditions.where,
@@ -299,27 +278,17 @@ namespace {
 constexpr std::string_view expenseColumns =
     " (cWhCode, cWhName, cInvCode, cInvName, cInvStd, cInvAddCode, cUnitCode, cUnitName, ";
 constexpr std::string_view expenseAmounts =
-    "iQcQuantity, iQcMoney, iInQuantity, iInMoney, iOutQuantity, iOutMoney, iQmQuantity, iQmMoney, cFxCName, cAmoCode, "
-    "cAmoName)";
+    "iQcQuantity, iQcMoney, iInQuantity, iInMoney, iOutQuantity, iOutMoney, iQmQuantity, iQmMoney, cFxCName, cAmoCode, cAmoName)";
 
 constexpr std::string_view selectedExpenseLine =
-    "Select wh.cWhCode, wh.cWhName, inv.cInvCode, inv.cInvName, inv.cInvStd, inv.cInvAddCode, unit.ccomunitcode As "
-    "cUnitCode, unit.cComUnitName As cUnitName, "
-    "\r\n"
+    "Select wh.cWhCode, wh.cWhName, inv.cInvCode, inv.cInvName, inv.cInvStd, inv.cInvAddCode, unit.ccomunitcode As cUnitCode, unit.cComUnitName As cUnitName, \r\n"
     // The free items are those of the expense mapping, not of the ledger line.
-    "base.cBatchia,Ca_FxMapExpDetails.cFree1,Ca_FxMapExpDetails.cFree2,Ca_FxMapExpDetails.cFree3,"
-    "Ca_FxMapExpDetails.cFree4,Ca_FxMapExpDetails.cFree5,Ca_FxMapExpDetails.cFree6,Ca_FxMapExpDetails.cFree7,"
-    "Ca_FxMapExpDetails.cFree8,Ca_FxMapExpDetails.cFree9,Ca_FxMapExpDetails.cFree10,"
-    "\r\n"
-    "inv.cInvDefine1,inv.cInvDefine2,inv.cInvDefine3,inv.cInvDefine4,inv.cInvDefine5,inv.cInvDefine6,inv.cInvDefine7,"
-    "inv.cInvDefine8,"
-    "\r\n"
-    "inv.cInvDefine9,inv.cInvDefine10,inv.cInvDefine11,inv.cInvDefine12,inv.cInvDefine13,inv.cInvDefine14,"
-    "inv.cInvDefine15,inv.cInvDefine16, ";
+    "base.cBatchia,Ca_FxMapExpDetails.cFree1,Ca_FxMapExpDetails.cFree2,Ca_FxMapExpDetails.cFree3,Ca_FxMapExpDetails.cFree4,Ca_FxMapExpDetails.cFree5,Ca_FxMapExpDetails.cFree6,Ca_FxMapExpDetails.cFree7,Ca_FxMapExpDetails.cFree8,Ca_FxMapExpDetails.cFree9,Ca_FxMapExpDetails.cFree10,\r\n"
+    "inv.cInvDefine1,inv.cInvDefine2,inv.cInvDefine3,inv.cInvDefine4,inv.cInvDefine5,inv.cInvDefine6,inv.cInvDefine7,inv.cInvDefine8,\r\n"
+    "inv.cInvDefine9,inv.cInvDefine10,inv.cInvDefine11,inv.cInvDefine12,inv.cInvDefine13,inv.cInvDefine14,inv.cInvDefine15,inv.cInvDefine16, ";
 constexpr std::string_view expenseTypeColumn = "Ca_AmoTypeName.cAmoTypeName as cfxCName,  ";
 constexpr std::string_view expenseNameColumn =
-    "case when Ca_FxMapExpDID.cAmotype = 0 then Inventory.cInvName else Ca_CostExpDetail_Period.cAmoName end as "
-    "cAmoName";
+    "case when Ca_FxMapExpDID.cAmotype = 0 then Inventory.cInvName else Ca_CostExpDetail_Period.cAmoName end as cAmoName";
 
 // Warehouse, inventory, unit and department, the cost item and its class, then what the expense mapping knows of it.
 // `period` restricts Ca_CostExpDetail_Period.
@@ -328,10 +297,8 @@ std::string expenseJoins(std::string_view period, std::string_view language) {
       masterJoins,
       costItemJoin,
       "left join Ca_FxClassDef With(NoLock) on Ca_FxDef.cFxCID =Ca_FxClassDef.iFxCId",
-      "left join Ca_FxMapExpDetails With(NoLock) on item.iItemDetailID=Ca_FxMapExpDetails.ifxdid and "
-      "Ca_FxDef.bHasDetails=1",
-      "left join Ca_CostExpDetail_Period With(NoLock) on "
-      "isnull(Ca_FxMapExpDetails.cAmoID,N'')=Ca_CostExpDetail_Period.cAmoID and",
+      "left join Ca_FxMapExpDetails With(NoLock) on item.iItemDetailID=Ca_FxMapExpDetails.ifxdid and Ca_FxDef.bHasDetails=1",
+      "left join Ca_CostExpDetail_Period With(NoLock) on isnull(Ca_FxMapExpDetails.cAmoID,N'')=Ca_CostExpDetail_Period.cAmoID and",
       "Ca_FxMapExpDetails.cInvCode is null and Ca_FxMapExpDetails.cAmotype=Ca_CostExpDetail_Period.cAmoType and",
       "Ca_CostExpDetail_Period.iPeriod = " + std::string(period),
       "left join Inventory With(NoLock) ON CA_FxMapExpDetails.cInvCode = Inventory.cInvCode",
@@ -362,14 +329,11 @@ std::string insertExpenseOpenings(const Build& build, std::string_view openingTe
       lineDocumentFields,
       lineDepartmentAndDates,
       "Ca_FxDef.cFxCode, Ca_FxDef.cFxName,N'" + std::string(openingText) + "' As cState,1 As iState,",
-      "(IsNull(item.iItemInQuantity, 0) - IsNull(item.iItemOutQuantity, 0)) As iQcQuantity, (IsNull(item.iItemInPrice, "
-      "0) - IsNull(item.iItemOutPrice, 0)) As iQcMoney, ",
+      "(IsNull(item.iItemInQuantity, 0) - IsNull(item.iItemOutQuantity, 0)) As iQcQuantity, (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0)) As iQcMoney, ",
       "0 As iInQuantity, 0 As iInMoney, 0 As iOutQuantity, 0 As iOutMoney, ",
-      "(IsNull(item.iItemInQuantity, 0) - IsNull(item.iItemOutQuantity, 0)) As iQmQuantity, (IsNull(item.iItemInPrice, "
-      "0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney,",
+      "(IsNull(item.iItemInQuantity, 0) - IsNull(item.iItemOutQuantity, 0)) As iQmQuantity, (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney,",
       expenseTypeColumn,
-      "case when Ca_FxMapExpDID.cAmotype = 0 then Ca_FxMapExpDetails.cInvCode else Ca_FxMapExpDetails.cAmoID end as "
-      "cAmoCode, ",
+      "case when Ca_FxMapExpDID.cAmotype = 0 then Ca_FxMapExpDetails.cInvCode else Ca_FxMapExpDetails.cAmoID end as cAmoCode, ",
       expenseNameColumn,
       conditions.monthActive() ? fromOpeningCostItems : fromLedgerCostItems,
       expenseJoins("'" + std::string(period) + "'", language),
@@ -392,21 +356,18 @@ std::string insertExpenseMovements(const Build& build, std::string_view language
       lineDocumentFields,
       lineDepartmentAndDates,
       "Ca_FxDef.cFxCode, Ca_FxDef.cFxName,",
-      "0 As iQcQuantity, 0 As iQcMoney, IsNull(item.iItemInQuantity, 0) As iInQuantity, item.iItemInPrice As "
-      "iInMoney, ",
+      "0 As iQcQuantity, 0 As iQcMoney, IsNull(item.iItemInQuantity, 0) As iInQuantity, item.iItemInPrice As iInMoney, ",
       "IsNull(item.iItemOutQuantity, 0) As iOutQuantity, item.iItemOutPrice As iOutMoney, ",
-      "(IsNull(IsNull(item.iItemInQuantity, 0), 0) - IsNull(IsNull(item.iItemOutQuantity, 0), 0)) As iQmQuantity, "
-      "(IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney,",
+      "(IsNull(IsNull(item.iItemInQuantity, 0), 0) - IsNull(IsNull(item.iItemOutQuantity, 0), 0)) As iQmQuantity, (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney,",
       expenseTypeColumn,
-      "case when Ca_FxMapExpDID.cAmotype = 0 then Ca_FxMapExpDetails.cInvCode else Ca_FxMapExpDetails.cAmoID  end as "
-      "cAmoCode, ",
+      "case when Ca_FxMapExpDID.cAmotype = 0 then Ca_FxMapExpDetails.cInvCode else Ca_FxMapExpDetails.cAmoID  end as cAmoCode, ",
       expenseNameColumn,
       "from ia_subsidiary base With(NoLock) ",
       "Left Join ia_subsidiary_Item item With(NoLock) ON item.iSubID = base.AutoID",
       // Each line's own year and month.
-      expenseJoins("Cast(base.iYear as nVarchar(10)) + Case When Len(base.iMonth) = 1 Then '0' else '' End + "
-                   "Cast(base.iMonth as nVarchar(10))",
-                   language),
+      expenseJoins(
+          "Cast(base.iYear as nVarchar(10)) + Case When Len(base.iMonth) = 1 Then '0' else '' End + Cast(base.iMonth as nVarchar(10))",
+          language),
       conditions.where,
       conditions.month,
       movementsOf(conditions.year),
@@ -444,8 +405,7 @@ std::string insertReportRows(const Build& build, const WorkTable* groupIndex) {
       inventoryFields,
       documentFields,
       "cDepCode, cDepName, cFXCode, cFXName, cState, iState, iQuantity, iMoney, ",
-      "iQcQuantity, iQcMoney, iInQuantity, iInMoney, iOutQuantity, iOutMoney, iQmQuantity, iQmMoney, cFSType, "
-      "cFxCName, cAmoCode, cAmoName)",
+      "iQcQuantity, iQcMoney, iInQuantity, iInMoney, iOutQuantity, iOutMoney, iQmQuantity, iQmMoney, cFSType, cFxCName, cAmoCode, cAmoName)",
       "Select src.autoid,src.cWhCode, cWhName, src.cInvCode, cInvName, cInvStd, cInvAddCode, cUnitCode, cUnitName, ",
       groupedBatchAndFreeItems,
       inventoryFields,

@@ -23,9 +23,10 @@ class PeriodDatesTest : public testing::Test {
 
 TEST_F(PeriodDatesTest, AsksTheSystemDatabaseForTheLoginsAccount) {
   periodDates(module_, "2019.3");
-  EXPECT_THAT(platform_.record.queries(),
-              testing::ElementsAre("select dBegin,dEnd from orvsystem..UA_Period With(NoLock) where CAST( iYear as "
-                                   "nvarchar(4)) + '.' + CAST(iId as nvarchar(2)) ='2019.3' and cAcc_Id = '001' "));
+  EXPECT_THAT(
+      platform_.record.queries(),
+      testing::ElementsAre(
+          "select dBegin,dEnd from orvsystem..UA_Period With(NoLock) where CAST( iYear as nvarchar(4)) + '.' + CAST(iId as nvarchar(2)) ='2019.3' and cAcc_Id = '001' "));
   EXPECT_EQ(platform_.record.lastQueryOptions->cursorType, CursorType::fixed);
   EXPECT_EQ(platform_.record.lastQueryOptions->lockType, LockType::readOnly);
   EXPECT_EQ(platform_.record.calls.back(), "Recordset.Close");

@@ -1,7 +1,10 @@
 // The program `quillon`: the reports and the embedded account on the command line.
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <exception>
-#include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "workbench/cli/account_command.h"
 #include "workbench/cli/command_error.h"
@@ -31,17 +34,19 @@ int run(std::vector<std::string> arguments) {
   } catch (const CLI::RuntimeError& end) {
     return end.get_exit_code();
   } catch (const CLI::ParseError& error) {
-    std::cerr << "quillon: " << error.what() << "; see quillon --help\n";
+    std::fprintf(stderr, "quillon: %s; see quillon --help\n", error.what());
     return wrongUsage;
-  } catch (const std::exception& error) {
-    std::cerr << "quillon: " << error.what() << '\n';
-    return failed;
   }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  quillon::workbench::prepareStandardStreams();
-  return run(quillon::workbench::utf8Arguments(argc, argv));
+  try {
+    quillon::workbench::prepareStandardStreams();
+    return run(quillon::workbench::utf8Arguments(argc, argv));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "quillon: %s\n", error.what());
+    return failed;
+  }
 }

@@ -390,7 +390,7 @@ TraceDescription::TraceDescription(const Json& description) {
   accountInformation = texts(component, "GetAccInformation", componentPath);
   currentPeriodYear = number(member(component, "CurPeriodYear", componentPath), componentPath + ".CurPeriodYear");
   for (const auto& [year, month] : object(component, "iFxStartMonth", componentPath).items()) {
-    costItemStartMonths[year] = number(month, componentPath + ".iFxStartMonth." + year);
+    costItemStartMonths[year] = number(month, pathOf(componentPath + ".iFxStartMonth", year));
   }
 
   usedYears = textList(component, "GetIAUsedYears", componentPath);

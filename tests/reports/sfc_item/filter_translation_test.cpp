@@ -234,18 +234,18 @@ TEST_P(HavingText, IsWhatTheKeyAdds) {
 INSTANTIATE_TEST_SUITE_P(
     BalanceStates, HavingText,
     testing::Values(
-        KeyCase{"cFSType", "1",
-                "Having (Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iOutQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0 "
-                "OR Sum(IsNull(iOutMoney,0))<>0)"},
-        KeyCase{"cFSType", "2",
-                "Having (Sum(IsNull(iInQuantity,0))=0 And Sum(IsNull(iOutQuantity,0))=0 And Sum(IsNull(iInMoney,0))=0 "
-                "And Sum(IsNull(iOutMoney,0))=0)"},
-        KeyCase{"cFSType", "3",
-                "Having ((Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0) And "
-                "(Sum(IsNull(iOutQuantity,0))=0 And Sum(IsNull(iOutMoney,0))=0))"},
-        KeyCase{"cFSType", "4",
-                "Having ((Sum(IsNull(iInQuantity,0))=0 And Sum(IsNull(iInMoney,0))=0) And "
-                "(Sum(IsNull(iOutQuantity,0))<>0 Or Sum(IsNull(iOutMoney,0))<>0))"},
+        KeyCase{
+            "cFSType", "1",
+            "Having (Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iOutQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0 OR Sum(IsNull(iOutMoney,0))<>0)"},
+        KeyCase{
+            "cFSType", "2",
+            "Having (Sum(IsNull(iInQuantity,0))=0 And Sum(IsNull(iOutQuantity,0))=0 And Sum(IsNull(iInMoney,0))=0 And Sum(IsNull(iOutMoney,0))=0)"},
+        KeyCase{
+            "cFSType", "3",
+            "Having ((Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0) And (Sum(IsNull(iOutQuantity,0))=0 And Sum(IsNull(iOutMoney,0))=0))"},
+        KeyCase{
+            "cFSType", "4",
+            "Having ((Sum(IsNull(iInQuantity,0))=0 And Sum(IsNull(iInMoney,0))=0) And (Sum(IsNull(iOutQuantity,0))<>0 Or Sum(IsNull(iOutMoney,0))<>0))"},
         KeyCase{"cFSType", "0", ""}, KeyCase{"cFSType", "12", ""}, KeyCase{"cFSType", " 1", ""}));
 
 INSTANTIATE_TEST_SUITE_P(
@@ -257,9 +257,9 @@ INSTANTIATE_TEST_SUITE_P(
         KeyCase{"cJudgeQuantity", "0\t2",
                 "Having (Sum(IsNull(iQmQuantity, 0)) > 0 OR Sum(IsNull(iQmQuantity, 0)) < 0 )"},
         // The pieces come in the order 0, 1, 2, whatever the order in the value.
-        KeyCase{"cJudgeQuantity", "210",
-                "Having (Sum(IsNull(iQmQuantity, 0)) > 0 OR Sum(IsNull(iQmQuantity, 0)) = 0 OR "
-                "Sum(IsNull(iQmQuantity, 0)) < 0 )"},
+        KeyCase{
+            "cJudgeQuantity", "210",
+            "Having (Sum(IsNull(iQmQuantity, 0)) > 0 OR Sum(IsNull(iQmQuantity, 0)) = 0 OR Sum(IsNull(iQmQuantity, 0)) < 0 )"},
         // A digit counts wherever it occurs, and once.
         KeyCase{"cJudgeQuantity", "x11x", "Having (Sum(IsNull(iQmQuantity, 0)) = 0 )"},
         KeyCase{"cJudgeMoney", "0", "Having (Sum(IsNull(iQmMoney, 0)) > 0 )"},
@@ -269,17 +269,17 @@ INSTANTIATE_TEST_SUITE_P(
         KeyCase{"cJudgeCost", "0", "Having (Sum(IsNull(iQmQuantity, 0)) * Sum(IsNull(iQmMoney, 0)) > 0 )"},
         KeyCase{"cJudgeCost", "1", "Having (Sum(IsNull(iQmMoney, 0)) = 0 )"},
         KeyCase{"cJudgeCost", "2", "Having (Sum(IsNull(iQmQuantity, 0)) * Sum(IsNull(iQmMoney, 0)) < 0 )"},
-        KeyCase{"cJudgeCost", "012",
-                "Having (Sum(IsNull(iQmQuantity, 0)) * Sum(IsNull(iQmMoney, 0)) > 0 OR Sum(IsNull(iQmMoney, 0)) = 0 OR "
-                "Sum(IsNull(iQmQuantity, 0)) * Sum(IsNull(iQmMoney, 0)) < 0 )"}));
+        KeyCase{
+            "cJudgeCost", "012",
+            "Having (Sum(IsNull(iQmQuantity, 0)) * Sum(IsNull(iQmMoney, 0)) > 0 OR Sum(IsNull(iQmMoney, 0)) = 0 OR Sum(IsNull(iQmQuantity, 0)) * Sum(IsNull(iQmMoney, 0)) < 0 )"}));
 
 TEST_F(FilterTranslation, HavingConditionsAreJoinedInListOrder) {
-  EXPECT_EQ(translate({{"cFSType", "1"}, {"cJudgeMoney", "1"}}).having,
-            "Having (Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iOutQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0 OR "
-            "Sum(IsNull(iOutMoney,0))<>0) And (Sum(IsNull(iQmMoney, 0)) = 0 )");
-  EXPECT_EQ(translate({{"cJudgeMoney", "1"}, {"cJudgeCost", "1"}, {"cJudgeQuantity", "1"}}).having,
-            "Having (Sum(IsNull(iQmMoney, 0)) = 0 ) And (Sum(IsNull(iQmMoney, 0)) = 0 ) And "
-            "(Sum(IsNull(iQmQuantity, 0)) = 0 )");
+  EXPECT_EQ(
+      translate({{"cFSType", "1"}, {"cJudgeMoney", "1"}}).having,
+      "Having (Sum(IsNull(iInQuantity,0))<>0 OR Sum(IsNull(iOutQuantity,0))<>0 OR Sum(IsNull(iInMoney,0))<>0 OR Sum(IsNull(iOutMoney,0))<>0) And (Sum(IsNull(iQmMoney, 0)) = 0 )");
+  EXPECT_EQ(
+      translate({{"cJudgeMoney", "1"}, {"cJudgeCost", "1"}, {"cJudgeQuantity", "1"}}).having,
+      "Having (Sum(IsNull(iQmMoney, 0)) = 0 ) And (Sum(IsNull(iQmMoney, 0)) = 0 ) And (Sum(IsNull(iQmQuantity, 0)) = 0 )");
 }
 
 TEST_F(FilterTranslation, AClosingBalanceWithoutADigitFails) {
@@ -289,9 +289,10 @@ TEST_F(FilterTranslation, AClosingBalanceWithoutADigitFails) {
       FAIL() << key;
     } catch (const AutomationError& error) {
       EXPECT_EQ(error.code(), static_cast<HResult>(0x800A0005U));
-      EXPECT_EQ(error.description(), "The filter item " + std::string(key) +
-                                         " has the value \"3\"; choose at least one of 0 (positive), 1 (zero) and 2 "
-                                         "(negative), or leave it empty.");
+      EXPECT_EQ(
+          error.description(),
+          "The filter item " + std::string(key) +
+              " has the value \"3\"; choose at least one of 0 (positive), 1 (zero) and 2 (negative), or leave it empty.");
     }
   }
 }
