@@ -40,7 +40,8 @@ class FakeResourceService : public ComObject<bindings::IResourceService, ISuppor
     return answer("EnumName(" + toUtf8(type) + ", " + toUtf8(code) + ")", "name of " + toUtf8(code), name);
   }
   STDMETHODIMP Text(BSTR key, BSTR* text) override {
-    return answer("Text(" + toUtf8(key) + ")", "text " + toUtf8(key).substr(toUtf8(key).size() - 5), text);
+    const std::string name = toUtf8(key);
+    return answer("Text(" + name + ")", "text " + name.substr(name.rfind('.') + 1), text);
   }
   STDMETHODIMP ShowMessage(BSTR text, LONG flags, LONG helpContext, LONG defaultAnswer) override {
     return answer("ShowMessage(" + toUtf8(text) + ", " + std::to_string(flags) + ", " + std::to_string(helpContext) +
@@ -209,7 +210,7 @@ ComPtr<IUnknown> FakePlatform::makePublicComponent() {
           DISPID_VALUE);
   object->property(bindings::public_component::accountInformation, "by inventory")
       .property(bindings::public_component::currentPeriodYear, 2024)
-      .property(bindings::public_component::costItemStartMonth, 1)
+      .on(bindings::public_component::costItemStartMonth, [this](Call& /*call*/) -> Variant { return startMonth; })
       .property(bindings::public_component::usedYears, years);
   return ComPtr<IUnknown>(object);
 }

@@ -32,6 +32,8 @@ class FakePlatform {
   std::function<std::vector<std::vector<Variant>>(const std::string& sql)> rows;
   // ADO's State of each connection after Open.
   int openState = 1;
+  // What the public component gives as iFxStartMonth.
+  int startMonth = 1;
 
   // Takes a component out, as on a machine where it is not registered.
   void withoutResourceService() { resourceService_.reset(); }

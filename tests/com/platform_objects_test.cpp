@@ -1,0 +1,187 @@
+#include "frame/com/platform_objects.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+#include "frame/automation_error.h"
+#include "tests/com/com_scope.h"
+#include "tests/com/fake_platform.h"
+
+namespace quillon::com::test {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+class PlatformObjectsTest : public testing::Test {
+ protected:
+  // The calls since the last look.
+  Calls calls() {
+    Calls seen;
+    seen.swap(recorder.calls);
+    return seen;
+  }
+
+  ComScope apartment;
+  Recorder recorder;
+  FakePlatform fake{recorder};
+  ComPlatform platform;
+};
+
+TEST_F(PlatformObjectsTest, TheArgumentAndItsDataSource) {
+  ComReportArgument e(fake.argument({}));
+  EXPECT_EQ(e.action(), "Link");
+  const auto dataSource = e.dataSource();
+  dataSource->setType(2);
+  EXPECT_EQ(dataSource->resultTable(), "ResultTable");
+  EXPECT_TRUE(e.login());
+  EXPECT_TRUE(e.filterLogin());
+  EXPECT_TRUE(e.rawFilter());
+  EXPECT_EQ(calls(), (Calls{"e.Action", "e.DataSource", "DataSource.Type = 2", "DataSource.SQL", "e.Login",
+                            "e.LoginObj", "e.rawFilter"}));
+}
+
+TEST_F(PlatformObjectsTest, TheLogin) {
+  ComReportArgument e(fake.argument({}));
+  const auto login = e.login();
+  calls();
+  EXPECT_EQ(login->accountConnection(), "Provider=Fake;Data Source=account");
+  EXPECT_EQ(login->password(), "secret");
+  EXPECT_EQ(login->accountCode(), "001");
+  EXPECT_EQ(login->accountingYear(), "2024");
+  EXPECT_EQ(login->accountingYearText(), "2024");
+  EXPECT_EQ(login->languageRegion(), "zh-CN");
+  EXPECT_EQ(login->languageId(), "2052");
+  EXPECT_EQ(login->currentPeriodYear(), 2024);
+  EXPECT_EQ(login->businessDate(), "2024-06-30") << "a date value is ISO text";
+  login->setAuthString("department=False");
+  EXPECT_EQ(calls(), (Calls{"Login.OrvDbName", "Login.SysPassword", "Login.cAcc_Id", "Login.iYear", "Login.cIYear",
+                            "Login.LanguageRegion", "Login.LangID", "Login.CurPeriodYear", "Login.CurDate",
+                            "Login.AuthString = \"department=False\""}));
+}
+
+TEST_F(PlatformObjectsTest, TheFilterAndItsItems) {
+  ComReportArgument e(fake.argument({{"iYear", "2024", ""}, {"cInvCode", "01\t02", "09"}}));
+  const auto filter = e.rawFilter();
+  calls();
+  EXPECT_EQ(filter->count(), 2);
+  const auto second = filter->item(2);
+  second->setGroupToken(1);
+  EXPECT_EQ(second->name(), "cInvCode");
+  EXPECT_EQ(second->value(), "01\t02");
+  EXPECT_EQ(second->value2(), "09");
+  EXPECT_FALSE(second->rangeInput());
+  EXPECT_FALSE(second->multipleSelection());
+  EXPECT_EQ(second->sqlText(), "");
+  EXPECT_EQ(filter->item("iYear")->value(), "2024");
+  EXPECT_EQ(filter->whereWithToken(0), "");
+  EXPECT_EQ(calls(), (Calls{"Filter.FilterList", "FilterList.Count", "Filter.FilterList", "FilterList.Item(2)",
+                            "Item.LngGrouptoken = 1", "Item.Name", "Item.varValue", "Item.varValue2", "Item.RangeInput",
+                            "Item.IsMultSel", "Item.strSqlString", "Filter.FilterList", "FilterList.Item(\"iYear\")",
+                            "Item.varValue", "Filter.GetWhereWithToken(0)"}));
+}
+
+TEST_F(PlatformObjectsTest, ThePublicComponentGetsTheConnectionByReferenceAndLast) {
+  const auto session = platform.createSession();
+  const auto component = platform.createPublicComponent();
+  EXPECT_EQ(component->accountInformation("IA", "cValueStyle", *session), "by inventory");
+  EXPECT_EQ(component->currentPeriodYear(*session), 2024);
+  EXPECT_EQ(component->costItemStartMonth("2024", *session), 1);
+  EXPECT_EQ(component->usedYears("001", *session), (std::vector<std::string>{"2023", "2024"}));
+  EXPECT_EQ(calls(), (Calls{"new ADODB.Connection", "new IA_Pub.ClsIAPub",
+                            "IAPub.GetAccInformation(\"IA\", \"cValueStyle\", ref <Connection>)",
+                            "IAPub.CurPeriodYear(ref <Connection>)", "IAPub.iFxStartMonth(\"2024\", ref <Connection>)",
+                            "IAPub.GetIAUsedYears(\"001\", ref <Connection>)", "Years.Count", "Years.Item(\"1\")",
+                            "Years.Item(\"2\")"}));
+}
+
+TEST_F(PlatformObjectsTest, TheResourceServiceIsCalledThroughItsSlots) {
+  const auto service = platform.createResourceService();
+  const auto login = ComReportArgument(fake.argument({})).login();
+  calls();
+  EXPECT_EQ(service->enumName("IA.Bustype", "PO"), "name of PO");
+  EXPECT_EQ(service->text("Mirel.IA.CHHSSQL.00182"), "text 00182");
+  service->showMessage("Careful", 48);
+  service->takeLogin(*login);
+  EXPECT_EQ(calls(),
+            (Calls{"ResourceService.EnumName(IA.Bustype, PO)", "ResourceService.Text(Mirel.IA.CHHSSQL.00182)",
+                   "ResourceService.ShowMessage(Careful, 48, 0, 0)", "ResourceService.FormatText(<Login>, missing)"}));
+}
+
+TEST_F(PlatformObjectsTest, AnErrorOfTheResourceServiceKeepsItsWords) {
+  const auto service = platform.createResourceService();
+  calls();
+  recorder.failAt = 1;
+  try {
+    service->text("key");
+    FAIL() << "nothing was thrown";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.code(), Recorder::failure);
+    EXPECT_EQ(error.source(), "Fake");
+    EXPECT_EQ(error.description(), "refused: ResourceService.Text(key)");
+  }
+}
+
+TEST_F(PlatformObjectsTest, WithoutAResourceServiceAKeyIsItsOwnText) {
+  fake.withoutResourceService();
+  const auto service = platform.createResourceService();
+  EXPECT_EQ(service->text("Mirel.IA.CHHSSQL.00182"), "Mirel.IA.CHHSSQL.00182");
+  EXPECT_EQ(service->enumName("IA.Bustype", "PO"), "PO");
+  try {
+    service->showMessage("Choose a warehouse.", 48);
+    FAIL() << "a message that nobody sees must not pass for shown";
+  } catch (const AutomationError& error) {
+    EXPECT_TRUE(error.description().ends_with(": Choose a warehouse.")) << error.description();
+  }
+}
+
+TEST_F(PlatformObjectsTest, NamesComeFromThePlatform) {
+  EXPECT_EQ(platform.namingNumber(), "77");
+  const auto names = platform.createUniqueNameSource();
+  EXPECT_EQ(names->next(), "u1");
+  EXPECT_EQ(names->next(), "u2");
+  EXPECT_EQ(calls(), (Calls{"new OrvPlatform.Naming", "Naming.Number", "new OrvPlatform.UniqueName",
+                            "UniqueName.UniqueName", "UniqueName.UniqueName"}));
+}
+
+TEST_F(PlatformObjectsTest, WithoutANamingClassNamesAreUniqueAndFitIntoBrackets) {
+  fake.withoutNaming();
+  const auto names = platform.createUniqueNameSource();
+  std::set<std::string> seen;
+  constexpr std::size_t many = 1000;
+  for (std::size_t i = 0; i < many; ++i) {
+    const std::string part = names->next();
+    EXPECT_EQ(part.size(), 32U);
+    EXPECT_EQ(part.find_first_not_of("0123456789abcdef"), std::string::npos) << part;
+    seen.insert(part);
+  }
+  EXPECT_EQ(seen.size(), many);
+  const std::string number = platform.namingNumber();
+  EXPECT_FALSE(number.empty());
+  EXPECT_EQ(number.find_first_not_of("0123456789"), std::string::npos) << number;
+  EXPECT_NE(platform.namingNumber(), number);
+}
+
+TEST_F(PlatformObjectsTest, TheDrillThroughHelper) {
+  const auto helper = platform.createDrillThroughHelper();
+  const auto login = ComReportArgument(fake.argument({})).login();
+  calls();
+  EXPECT_TRUE(helper->filterFor(*login, true));
+  EXPECT_EQ(calls(), Calls{"DrillThrough.GetFilter(<Login>, True)"});
+}
+
+TEST_F(PlatformObjectsTest, ALackingMemberIsNamed) {
+  ComReportArgument e(makeObject<FakeObject>(recorder, "e"));
+  try {
+    e.rawFilter();
+    FAIL() << "nothing was thrown";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.code(), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(error.description(), "e.rawFilter: The object has no member of this name.");
+  }
+}
+
+}  // namespace
+}  // namespace quillon::com::test
