@@ -3,25 +3,15 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "workbench/account/account_error.h"
 #include "workbench/account/sample.h"
 #include "workbench/tsql/engine.h"
 
 namespace quillon::account {
-
-// What is wrong and what to do about it, in one line for the user.
-class AccountError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// Told now and then while a sample is made: ledger lines written so far, and how many there will be.
-using Progress = std::function<void(std::int64_t done, std::int64_t total)>;
 
 // Makes a sample account in `file`. The file appears complete or not at all: it grows under the name `file` + ".part"
 // in the same folder and is renamed at the end; what an interrupted run left there is overwritten. Throws AccountError

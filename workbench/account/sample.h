@@ -13,13 +13,16 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+
+#include "workbench/tsql/engine.h"
 
 namespace quillon::account {
 
 enum class Valuation { inventory, warehouse, department };
 
 struct SampleOptions {
-  std::int64_t rows = 20'000;                  // lines of ia_subsidiary, 500 or more
+  std::int64_t rows = 20'000;                  // lines of ia_subsidiary, 500 a year or more
   std::uint64_t seed = 1;                      // any number
   int years = 3;                               // 1 to 10; the last one is 2024
   Valuation valuation = Valuation::warehouse;  // cValueStyle
@@ -27,8 +30,19 @@ struct SampleOptions {
   int startMonth = 1;                          // 1 to costItemStartMonth: where inventory accounting begins
 };
 
-inline constexpr std::int64_t minimumSampleRows = 500;
+inline constexpr std::int64_t minimumSampleRowsAYear = 500;
 inline constexpr int lastSampleYear = 2024;
 inline constexpr int maximumSampleYears = 10;
+
+// Told now and then while a sample is made: ledger lines written so far, and how many there will be.
+using Progress = std::function<void(std::int64_t done, std::int64_t total)>;
+
+// Throws AccountError when an option is out of its range, saying what the range is.
+void checkOptions(const SampleOptions& options);
+
+// Fills the empty tables of an account, in a transaction of the caller's. Memory does not grow with the ledger: what is
+// kept is the company and one balance for each inventory, warehouse, batch and free items.
+// Throws AccountError for the options, tsql::SqlError when the account does not take a row.
+void writeSample(tsql::Connection& connection, const SampleOptions& options, const Progress& progress = {});
 
 }  // namespace quillon::account

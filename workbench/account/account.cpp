@@ -1,0 +1,182 @@
+#include "workbench/account/account.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <system_error>
+
+#include "workbench/account/schema.h"
+
+namespace quillon::account {
+namespace {
+
+std::string utf8(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+// A file that is in the making, with what SQLite keeps beside it. Gone with the object unless it became the account.
+class PartialFile {
+ public:
+  explicit PartialFile(const std::filesystem::path& file) : path_(file) {
+    path_ += ".part";
+    remove();
+  }
+  PartialFile(const PartialFile&) = delete;
+  PartialFile& operator=(const PartialFile&) = delete;
+  ~PartialFile() { remove(); }
+
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  void remove() const noexcept {
+    for (const char* suffix : {"", "-journal", "-wal", "-shm"}) {
+      std::error_code ignored;
+      std::filesystem::remove(std::filesystem::path(path_).concat(suffix), ignored);
+    }
+  }
+
+  std::filesystem::path path_;
+};
+
+void refuseExisting(const std::filesystem::path& file) {
+  std::error_code error;
+  if (std::filesystem::exists(file, error)) {
+    throw AccountError(utf8(file) + " exists already; choose another name or delete the file first");
+  }
+}
+
+// The first value of the first row as text; empty without a row or for null.
+std::string firstText(tsql::Connection& connection, std::string_view sql) {
+  const std::unique_ptr<tsql::Cursor> rows = connection.query(sql);
+  return rows->next() ? tsql::toText(rows->value(0)).value_or("") : "";
+}
+
+std::int64_t integerOf(const tsql::Value& value) {
+  return tsql::isNull(value) ? 0 : std::get<std::int64_t>(value);
+}
+
+// The option `name` of `system`; empty when it is not set.
+std::string option(tsql::Connection& connection, std::string_view system, std::string_view name) {
+  return firstText(connection, "Select cValue From AccInformation Where cSysID = N'" + std::string(system) +
+                                   "' And cName = N'" + std::string(name) + "'");
+}
+
+// The first cost-item month of `year`, from the start period "202204"; 0 when the year is before it.
+int costItemStartMonth(const std::string& startPeriod, int year) {
+  constexpr std::size_t yearDigits = 4;
+  if (startPeriod.size() <= yearDigits) return 0;
+  const int startYear = std::stoi(startPeriod.substr(0, yearDigits));
+  if (year < startYear) return 0;
+  return year > startYear ? 1 : std::stoi(startPeriod.substr(yearDigits));
+}
+
+constexpr std::array<std::string_view, 4> workTableSuffixes = {"IA_SFC_Item_DetailTmp", "IA_SFC_IX_GroupIndex",
+                                                               "IA_OutSum_Item_DetailTmp", "FXWtTmp"};
+
+bool isDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
+bool isUniquePartCharacter(char character) {
+  return isDigit(character) || (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+         character == '_';
+}
+
+}  // namespace
+
+void createSample(const std::filesystem::path& file, const SampleOptions& options, const Progress& progress) {
+  checkOptions(options);
+  refuseExisting(file);
+  const PartialFile partial(file);
+  try {
+    const std::unique_ptr<tsql::Connection> connection =
+        tsql::Connection::open(partial.path(), tsql::OpenMode::createNew);
+    connection->begin();
+    createTables(*connection);
+    writeSample(*connection, options, progress);
+    createIndexes(*connection);
+    connection->commit();
+  } catch (const tsql::SqlError& error) {
+    throw AccountError("cannot write " + utf8(file) + ": " + error.message());
+  }
+  refuseExisting(file);
+  std::error_code error;
+  std::filesystem::rename(partial.path(), file, error);
+  if (error) throw AccountError("cannot write " + utf8(file) + ": " + error.message());
+}
+
+AccountInfo info(tsql::Connection& connection) {
+  std::vector<std::string> missing;
+  for (const TableDefinition& table : tables()) {
+    if (connection.describe(table.name).empty()) missing.emplace_back(table.name);
+  }
+  if (!missing.empty()) {
+    throw AccountError("this is no account: the table " + missing.front() +
+                       " is missing; make one with: quillon account new FILE");
+  }
+
+  AccountInfo result;
+  result.accountCode = firstText(connection, "Select Min(cAcc_Id) From orvsystem..UA_Period");
+  result.startDate = option(connection, "IA", "dIAStartDate");
+  result.valuationMethod = option(connection, "IA", "cValueStyle");
+  const std::string startPeriod =
+      firstText(connection, "Select cValue From AccInformation Where cSysID = N'CA' And cID = N'11002'");
+
+  {
+    const std::unique_ptr<tsql::Cursor> rows = connection.query(
+        "Select iYear, Max(Case When bSettled = 1 Then iMonth Else 0 End), Min(Case When bSettled = 1 Then 1 Else 0 "
+        "End) From IA_PeriodState Where iMonth > 0 Group By iYear Order By iYear");
+    while (rows->next()) {
+      YearInfo year;
+      year.year = static_cast<int>(integerOf(rows->value(0)));
+      year.costItemStartMonth = costItemStartMonth(startPeriod, year.year);
+      year.settledMonths = static_cast<int>(integerOf(rows->value(1)));
+      const bool allSettled = integerOf(rows->value(2)) == 1;
+      if (!allSettled && result.currentYear == 0) result.currentYear = year.year;
+      result.years.push_back(year);
+    }
+  }
+  if (result.currentYear == 0 && !result.years.empty()) result.currentYear = result.years.back().year;
+
+  {
+    const std::unique_ptr<tsql::Cursor> rows =
+        connection.query("Select iYear, Count(*) From ia_subsidiary Group By iYear");
+    while (rows->next()) {
+      const auto year = std::ranges::find(result.years, integerOf(rows->value(0)), &YearInfo::year);
+      if (year != result.years.end()) year->ledgerLines = integerOf(rows->value(1));
+    }
+  }
+  for (const TableDefinition& table : tables()) {
+    const std::unique_ptr<tsql::Cursor> rows = connection.query("Select Count(*) From " + std::string(table.name));
+    rows->next();
+    result.tables.push_back({std::string(table.name), integerOf(rows->value(0))});
+  }
+  return result;
+}
+
+bool isWorkTableName(std::string_view name) {
+  const auto* suffix =
+      std::ranges::find_if(workTableSuffixes, [&](std::string_view end) { return name.ends_with(end); });
+  if (suffix == workTableSuffixes.end()) return false;
+  name.remove_suffix(suffix->size());
+  if (name.starts_with('-')) name.remove_prefix(1);  // the naming number may be negative
+  constexpr std::size_t shortest = 2;                // one digit of the number, one character of the unique part
+  return name.size() >= shortest && isDigit(name.front()) && std::ranges::all_of(name, isUniquePartCharacter);
+}
+
+std::vector<std::string> leftoverWorkTables(tsql::Connection& connection) {
+  std::vector<std::string> names = connection.tables("");
+  std::erase_if(names, [](const std::string& name) { return !isWorkTableName(name); });
+  std::ranges::sort(names);
+  return names;
+}
+
+std::vector<std::string> dropLeftoverWorkTables(tsql::Connection& connection) {
+  const std::vector<std::string> names = leftoverWorkTables(connection);
+  for (const std::string& name : names)
+    connection.execute("Drop Table [" + name + "]");
+  return names;
+}
+
+}  // namespace quillon::account
