@@ -105,7 +105,7 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo, IProvideClassI
  private:
   ITypeInfo& slots() {
     if (!slots_) slots_ = slotDescription(__uuidof(Interface));
-    return *slots_.get();
+    return *slots_;
   }
 
   std::string name_;

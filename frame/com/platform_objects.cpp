@@ -205,7 +205,7 @@ ComResourceService::ComResourceService(const LateBound& service) : source_(servi
 }
 
 void ComResourceService::check(HRESULT code, std::string_view member) const {
-  if (FAILED(code)) throw takeErrorInfo(code, *service_.get(), bindings::resourceServiceId, source_, member);
+  if (FAILED(code)) throw takeErrorInfo(code, *service_, bindings::resourceServiceId, source_, member);
 }
 
 void ComResourceService::takeLogin(Login& login) {

@@ -36,8 +36,10 @@ std::wstring classKeyOf(const ServerClass& entry) {
 
 // Writes the text `value` under `name` (null: the key's own value), making the key where it is not there.
 void writeValue(const std::wstring& key, const wchar_t* name, const std::wstring& value) {
-  const auto size = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
-  check(HRESULT_FROM_WIN32(RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), name, REG_SZ, value.c_str(), size)), key);
+  const std::size_t size = (value.size() + 1) * sizeof(wchar_t);
+  check(HRESULT_FROM_WIN32(
+            RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), name, REG_SZ, value.c_str(), static_cast<DWORD>(size))),
+        key);
 }
 
 void removeKey(const std::wstring& key) {
