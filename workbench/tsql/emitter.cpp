@@ -64,7 +64,9 @@ std::optional<Fragment> rescaledPlainly(const Fragment& value, const Type& to) {
   const int digits = scaleOf(to) - scaleOf(value.type);
   if (digits < 0) return std::nullopt;
   const double magnitude = value.magnitude * tenTo(digits);
-  const bool fitsTarget = magnitude <= magnitudeOf(to);
+  // The bound of int is that of its least value, which its own values may reach but no other type's positive ones.
+  const bool fitsTarget =
+      magnitude < magnitudeOf(to) || (digits == 0 && value.type.kind == to.kind && magnitude <= magnitudeOf(to));
   Fragment result = withType(value, to);
   result.constant.reset();
   result.magnitude = std::min(magnitude, magnitudeOf(to));
@@ -211,7 +213,8 @@ Fragment exactArithmetic(Arithmetic operation, const Fragment& left, const Fragm
     result.sql = plain->sql;
     result.magnitude = std::min(plain->magnitude, magnitudeOf(type));
     result.mayOverflow = left.mayOverflow || right.mayOverflow;
-    if (plain->magnitude <= kPlainLimit && plain->magnitude <= magnitudeOf(type)) return result;
+    // Not equal to the bound: 2147483647 + 1 has that of int and does not fit.
+    if (plain->magnitude <= kPlainLimit && plain->magnitude < magnitudeOf(type)) return result;
     if (overflowsToReal(type)) {
       result.mayOverflow = true;
       return result;
@@ -365,7 +368,8 @@ Fragment negate(const Fragment& value) {
   result.literalDigits = value.literalDigits;
   result.constant.reset();
   if (value.constant) {
-    if (const auto* const number = std::get_if<std::int64_t>(&*value.constant)) {
+    const auto* const number = std::get_if<std::int64_t>(&*value.constant);
+    if (number != nullptr && fits(-Int128(*number), value.type)) {
       Fragment literal = literalFragment(-*number, value.type);
       literal.literalDigits = value.literalDigits;
       return literal;

@@ -218,7 +218,9 @@ constexpr auto kFunctions = std::to_array<Function>({
      [](const Arguments& a, const Expression& e) { return call("date_part", {partFragment(e), asDate(a[1])}, intType()); }},
     {"day", 1, 1, [](const Arguments& a, const Expression&) { return fixedPart("day", a); }},
     {"floor", 1, 1, [](const Arguments& a, const Expression&) { return neighbour("floor", a); }},
-    {"getdate", 0, 0, [](const Arguments&, const Expression&) { return call("date_now", {}, dateTimeType()); }},
+    // One moment for the whole statement.
+    {"getdate", 0, 0,
+     [](const Arguments&, const Expression&) { return literalFragment(currentDateTime(), dateTimeType()); }},
     {"isnull", 2, 2, [](const Arguments& a, const Expression&) { return isNullCall(a); }},
     {"isnumeric", 1, 1, [](const Arguments& a, const Expression&) { return call("text_isnumeric", {asText(a[0])}, intType()); }},
     {"left", 2, 2, [](const Arguments& a, const Expression&) { return cut("text_left", a); }},

@@ -1,0 +1,113 @@
+// Values and types of single expressions, where a careless translation would give something else in silence.
+#include <gtest/gtest.h>
+
+#include "workbench/tsql/engine.h"
+
+namespace quillon::tsql {
+namespace {
+
+class Expression : public testing::Test {
+ protected:
+  void run(const std::string& batch) { connection_->execute(batch); }
+
+  // The first column of all rows, joined with blanks, after its type: "int: 1 2"; an error as its number.
+  std::string query(const std::string& batch) {
+    try {
+      const auto cursor = connection_->query(batch);
+      std::string result = cursor->columns()[0].type.name() + ':';
+      while (cursor->next())
+        result += ' ' + toText(cursor->value(0)).value_or("null");
+      return result;
+    } catch (const SqlError& error) {
+      return std::to_string(error.number());
+    }
+  }
+  std::string value(const std::string& expression) { return query("select " + expression + " as x"); }
+
+ private:
+  std::unique_ptr<Connection> connection_ = Connection::openInMemory();
+};
+
+TEST_F(Expression, LiteralsHaveTheLeastDecimalType) {
+  EXPECT_EQ(value("1/3.0"), "decimal(8,6): 0.333333");
+  EXPECT_EQ(value("1.0/3"), "decimal(7,6): 0.333333");
+  EXPECT_EQ(value("3*1.25"), "decimal(5,2): 3.75");
+  EXPECT_EQ(value("10/4"), "int: 2");
+  EXPECT_EQ(value("5.5%2"), "decimal(2,1): 1.5");
+  EXPECT_EQ(value("2147483648"), "decimal(10,0): 2147483648");
+}
+
+TEST_F(Expression, IntNeverGrowsBeyondIts32Bits) {
+  run("create table t(i int, j int) insert into t values(2147483647, -2147483648)");
+  EXPECT_EQ(value("2147483647+1"), "8115");
+  EXPECT_EQ(value("1000000*1000000"), "8115");
+  EXPECT_EQ(value("-cast(-2147483648 as int)"), "8115");
+  EXPECT_EQ(value("abs(cast(-2147483648 as int))"), "8115");
+  EXPECT_EQ(value("-2147483648"), "decimal(10,0): -2147483648");
+  EXPECT_EQ(query("select i+1 from t"), "8115");
+  EXPECT_EQ(query("select -j from t"), "8115");
+  EXPECT_EQ(query("select j-1 from t"), "8115");
+  EXPECT_EQ(query("select i from t where i+1 > 5"), "8115");
+  EXPECT_EQ(query("select j/-1 from t"), "8115");
+  EXPECT_EQ(query("select sum(i) from (select i from t union all select 1) x"), "8115");
+  EXPECT_EQ(query("select i+j from t"), "int: -1");
+}
+
+TEST_F(Expression, MoneyNeverGrowsBeyond64Bits) {
+  run("create table t(m money) insert into t values(900000000000000)");
+  EXPECT_EQ(query("select m+m from t"), "8115");
+  EXPECT_EQ(query("select m*2 from t"), "8115");
+  EXPECT_EQ(query("select m-m from t"), "money: 0.0000");
+  EXPECT_EQ(value("cast(1 as money)/3*3"), "money: 0.9999");
+  EXPECT_EQ(value("cast(10 as money)*0.1"), "decimal(21,5): 1.00000");
+}
+
+TEST_F(Expression, WideDecimalsCompareSortAndSumAsNumbers) {
+  run("create table t(id int, a decimal(38,6), b decimal(28,6)) "
+      "insert into t values(1,99999999999999999999999999999999.999999,1),"
+      "(2,-99999999999999999999999999999999.999999,2),(3,5,5),(4,-5,-5),(5,null,null)");
+  EXPECT_EQ(query("select id from t order by a"), "int: 5 2 4 3 1");
+  EXPECT_EQ(query("select id from t order by a desc"), "int: 1 3 4 2 5");
+  EXPECT_EQ(query("select id from t where a > b order by id"), "int: 1");
+  EXPECT_EQ(query("select id from t where a > 4 and a < 1000"), "int: 3");
+  EXPECT_EQ(query("select id from t where a between -6 and 6 order by id"), "int: 3 4");
+  EXPECT_EQ(query("select id from t where a in (5, -5.0) order by id"), "int: 3 4");
+  EXPECT_EQ(query("select max(a) from t"), "decimal(38,6): 99999999999999999999999999999999.999999");
+  EXPECT_EQ(query("select min(a) from t"), "decimal(38,6): -99999999999999999999999999999999.999999");
+  EXPECT_EQ(query("select sum(a) from t"), "decimal(38,6): 0.000000");
+  EXPECT_EQ(query("select avg(b) from t"), "decimal(38,6): 0.750000");
+  EXPECT_EQ(query("select count(distinct a) from t"), "int: 4");
+  EXPECT_EQ(query("select a+b from t where id=1"), "8115");
+  EXPECT_EQ(query("select count(*) from t x inner join t y on x.a=y.a"), "int: 4");
+}
+
+TEST_F(Expression, TextBesideANumberIsANumber) {
+  EXPECT_EQ(value("'1'+1"), "int: 2");
+  EXPECT_EQ(value("'1.5'+1.5"), "decimal(3,1): 3.0");
+  EXPECT_EQ(value("'1.5'+1"), "245");
+  EXPECT_EQ(value("left(12.50,3)"), "varchar(3): 12.");
+  EXPECT_EQ(value("len(12.00)"), "int: 5");
+  EXPECT_EQ(query("select '5' as x union select 3 order by x"), "int: 3 5");
+}
+
+TEST_F(Expression, DatesCalculate) {
+  EXPECT_EQ(value("cast('2024-03-05' as datetime)+1"), "datetime: 2024-03-06 00:00:00.000");
+  EXPECT_EQ(value("year('2024-3-5')*100+month('2024-3-5')"), "int: 202403");
+  EXPECT_EQ(value("datediff(day,'2024-2-28','2024-3-1')"), "int: 2");
+  EXPECT_EQ(value("dateadd(month,1,'2024-1-31')"), "datetime: 2024-02-29 00:00:00.000");
+  EXPECT_EQ(value("convert(varchar(10), cast('2024-3-5' as datetime), 120)"), "varchar(10): 2024-03-05");
+  EXPECT_EQ(value("case when '2024-01-05' < cast('2024-1-10' as datetime) then 1 else 0 end"), "int: 1");
+  EXPECT_EQ(value("datediff(second, getdate(), getdate())"), "int: 0");
+}
+
+TEST_F(Expression, NullsAndBranchesTakeTheRightType) {
+  EXPECT_EQ(value("isnull(null, 5)"), "int: 5");
+  EXPECT_EQ(value("nullif(1, 1)"), "int: null");
+  EXPECT_EQ(value("coalesce(null, N'x', 'yy')"), "nvarchar(2): x");
+  EXPECT_EQ(value("isnull(cast(null as nvarchar(2)), 12345)"), "8115");
+  EXPECT_EQ(value("isnull(cast(null as nvarchar(2)), N'abc')"), "nvarchar(2): ab");
+  EXPECT_EQ(value("case when 1=1 then 1 else 2.50 end"), "decimal(3,2): 1.00");
+}
+
+}  // namespace
+}  // namespace quillon::tsql
