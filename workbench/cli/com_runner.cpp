@@ -38,9 +38,10 @@ class ComRunner final : public ReportRunner {
   void run(std::string_view report, const std::shared_ptr<WorkbenchArgument>& argument) override {
     const com::LateBound instance = com::tryCreateObject(classOf(report));
     if (!instance) {
-      throw AutomationError(REGDB_E_CLASSNOTREG, "Quillon",
-                            "Quillon.dll is not registered on this machine: run \"regsvr32 Quillon.dll\" in its folder, "
-                            "as an administrator");
+      throw AutomationError(
+          REGDB_E_CLASSNOTREG, "Quillon",
+          "Quillon.dll is not registered on this machine: run \"regsvr32 Quillon.dll\" in its folder, "
+          "as an administrator");
     }
     const com::ComPtr<IDispatch> e = argumentObject(argument);
     IDispatch* reference = e.get();

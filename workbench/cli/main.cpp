@@ -21,6 +21,8 @@ constexpr int wrongUsage = 2;
 int run(std::vector<std::string> arguments) {
   CLI::App app("Inventory-accounting reports by cost item, and the workbench that runs them");
   app.name("quillon");
+  // Under Wine a path may begin with a slash; it is not an option.
+  app.allow_windows_style_options(false);
   app.require_subcommand(1);
   quillon::workbench::addAccountCommand(app);
   quillon::workbench::addReportCommand(app);

@@ -5,9 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "frame/com/ado_session.h"
 #include "frame/com/class_lookup.h"
 #include "frame/com/errors.h"
 #include "frame/com/platform_bindings.h"
+#include "frame/com/platform_objects.h"
 #include "workbench/com/variant_list.h"
 
 namespace quillon::workbench {
@@ -113,7 +115,7 @@ class FilterListDispatch : public com::Automation<FilterListDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Item", DISPID_VALUE, com::readable, 1, 1, &FilterListDispatch::item},
+        {L"Item", DISPID_VALUE, com::readable | com::writable, 1, 1, &FilterListDispatch::item},
         {bindings::filter::count, 1, com::readable, 0, 0, &FilterListDispatch::count},
         {L"_NewEnum", DISPID_NEWENUM, com::readable, 0, 0, &FilterListDispatch::each},
     };
@@ -122,24 +124,29 @@ class FilterListDispatch : public com::Automation<FilterListDispatch> {
 
   explicit FilterListDispatch(std::shared_ptr<FilterObject> filter) : filter_(std::move(filter)) {}
 
-  Variant at(const Variant& index) {
-    const auto& entries = filter_->entries();
-    const auto found = index.vt == VT_BSTR ? std::ranges::find(entries, filter_->find(com::toText(index)),
-                                                               &std::shared_ptr<FilterEntry>::get)
-                                           : atPosition(com::toInteger(index));
-    if (found == entries.end()) {
-      throw AutomationError(DISP_E_BADINDEX, sourceName(), "The filter has no item \"" + com::toText(index) + "\".");
-    }
-    return makeObject<FilterItemDispatch>(*found);
+  // The item that the first argument names; what is assigned to it becomes its value, as by its default member.
+  Variant item(Call& call) {
+    const std::shared_ptr<FilterEntry> entry = entryAt(call.value(0));
+    if (!call.assigns()) return makeObject<FilterItemDispatch>(entry);
+    entry->value = com::toText(call.assigned());
+    return {};
   }
 
  private:
-  std::vector<std::shared_ptr<FilterEntry>>::const_iterator atPosition(int position) const {
+  std::shared_ptr<FilterEntry> entryAt(const Variant& index) const {
     const auto& entries = filter_->entries();
-    return position < 1 || position > filter_->count() ? entries.end() : entries.begin() + (position - 1);
+    auto found = entries.end();
+    if (index.vt == VT_BSTR) {
+      found = std::ranges::find(entries, filter_->find(com::toText(index)), &std::shared_ptr<FilterEntry>::get);
+    } else if (const int position = com::toInteger(index); position >= 1 && position <= filter_->count()) {
+      found = entries.begin() + (position - 1);
+    }
+    if (found == entries.end()) {
+      throw AutomationError(DISP_E_BADINDEX, sourceName(), "The filter has no item \"" + com::toText(index) + "\".");
+    }
+    return *found;
   }
 
-  Variant item(Call& call) { return at(call.value(0)); }
   Variant count(Call&) { return filter_->count(); }
   Variant each(Call&) {
     std::vector<Variant> items;
@@ -156,7 +163,7 @@ class FilterDispatch : public com::Automation<FilterDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::filter::filterList, 1, com::readable, 0, 1, &FilterDispatch::filterList},
+        {bindings::filter::filterList, 1, com::readable | com::writable, 0, 1, &FilterDispatch::filterList},
         {bindings::filter::whereWithToken, 2, com::callable, 1, 1, &FilterDispatch::whereWithToken},
     };
     return table;
@@ -167,7 +174,7 @@ class FilterDispatch : public com::Automation<FilterDispatch> {
  private:
   Variant filterList(Call& call) {
     const ComPtr<FilterListDispatch> list = makeObject<FilterListDispatch>(filter_);
-    if (call.given(0)) return list->at(call.value(0));
+    if (call.assigns() || call.given(0)) return list->item(call);
     return list;
   }
   Variant whereWithToken(Call& call) { return filter_->whereWithToken(call.integer(0)); }
@@ -234,6 +241,31 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
   std::string action_;
 };
 
+// The used years as a dictionary: the keys are "1", "2" and so on.
+class UsedYearsDispatch : public com::Automation<UsedYearsDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {L"Item", DISPID_VALUE, com::readable, 1, 1, &UsedYearsDispatch::item},
+        {bindings::public_component::dictionaryCount, 1, com::readable, 0, 0, &UsedYearsDispatch::count},
+    };
+    return table;
+  }
+
+  explicit UsedYearsDispatch(std::vector<std::string> years) : years_(std::move(years)) {}
+
+ private:
+  Variant item(Call& call) {
+    const int key = call.integer(0);
+    // A dictionary answers an unknown key with an empty value.
+    if (key < 1 || static_cast<std::size_t>(key) > years_.size()) return {};
+    return years_[static_cast<std::size_t>(key) - 1];
+  }
+  Variant count(Call&) { return static_cast<int>(years_.size()); }
+
+  std::vector<std::string> years_;
+};
+
 // IA_Pub.ClsIAPub over the connection that the caller passes: the one argument that is an object, wherever it stands
 // among the others, so that callers of either argument order are served.
 class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> {
@@ -246,6 +278,7 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
          &PublicComponentDispatch::currentPeriodYear},
         {bindings::public_component::costItemStartMonth, 3, com::callable, 2, 2,
          &PublicComponentDispatch::costItemStartMonth},
+        {bindings::public_component::usedYears, 4, com::callable, 2, 2, &PublicComponentDispatch::usedYears},
     };
     return table;
   }
@@ -255,35 +288,43 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
  private:
   // The arguments of a call, sorted into the connection and the texts in their order.
   struct Sorted {
-    ComPtr<AdoConnection> connection;
+    com::AdoSession session;
     std::vector<std::string> texts;
   };
 
   Sorted sorted(Call& call) const {
-    Sorted result;
+    ComPtr<IDispatch> connection;
+    std::vector<std::string> texts;
     for (std::size_t index = 0; index < call.count(); ++index) {
       const Variant value = call.value(index);
-      if (value.vt != VT_DISPATCH && value.vt != VT_UNKNOWN) {
-        result.texts.push_back(call.text(index));
-        continue;
+      if (value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN) {
+        connection = call.object(index);
+      } else {
+        texts.push_back(call.text(index));
       }
-      result.connection = AdoConnection::from(call.object(index).get());
     }
-    if (!result.connection || result.texts.size() + 1 != call.count()) {
+    if (!connection || texts.size() + 1 != call.count()) {
       throw AutomationError(hresult::invalidArgument, sourceName(),
-                            "One argument must be the connection to the embedded account, the others texts.");
+                            "One argument must be the connection to the account database, the others texts.");
     }
-    return result;
+    return {com::AdoSession({std::move(connection), "ADODB.Connection"}), std::move(texts)};
   }
 
   Variant accountInformation(Call& call) {
-    const Sorted arguments = sorted(call);
-    return component_->accountInformation(arguments.texts[0], arguments.texts[1], arguments.connection->session());
+    Sorted arguments = sorted(call);
+    return component_->accountInformation(arguments.texts[0], arguments.texts[1], arguments.session);
   }
-  Variant currentPeriodYear(Call& call) { return component_->currentPeriodYear(sorted(call).connection->session()); }
+  Variant currentPeriodYear(Call& call) {
+    Sorted arguments = sorted(call);
+    return component_->currentPeriodYear(arguments.session);
+  }
   Variant costItemStartMonth(Call& call) {
-    const Sorted arguments = sorted(call);
-    return component_->costItemStartMonth(arguments.texts[0], arguments.connection->session());
+    Sorted arguments = sorted(call);
+    return component_->costItemStartMonth(arguments.texts[0], arguments.session);
+  }
+  Variant usedYears(Call& call) {
+    Sorted arguments = sorted(call);
+    return makeObject<UsedYearsDispatch>(component_->usedYears(arguments.texts[0], arguments.session));
   }
   const char* sourceName() const override { return "IA_Pub.ClsIAPub"; }
 
@@ -367,10 +408,13 @@ class ResourceDispatch : public com::ComObject<bindings::IResourceService> {
     return com::guarded(bindings::resourceServiceId, source, [&] { *result = com::makeBstr(give()); });
   }
 
-  // The text of a key as it stands; a login brings nothing new, for the service speaks the language of the run.
   std::string formatted(const VARIANT& keyOrLogin, const VARIANT& arguments) const {
     const Variant plain = com::dereferenced(keyOrLogin);
-    if (plain.vt == VT_DISPATCH) return {};
+    if (plain.vt == VT_DISPATCH) {
+      com::ComLogin login({com::toObject(plain), "login"});
+      service_->takeLogin(login);
+      return {};
+    }
     if (!com::isMissing(arguments) && com::dereferenced(arguments).vt != VT_EMPTY) {
       throw AutomationError(hresult::notImplemented, source, "Texts with arguments are not available.");
     }

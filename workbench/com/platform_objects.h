@@ -19,7 +19,7 @@ com::ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argumen
 
 // The filter object: FilterList, GetWhereWithToken(token). FilterList(position or key) is an item: Name, varValue,
 // varValue2, strSqlString and LngGrouptoken read and written, RangeInput and IsMultSel read. An item stands for its
-// varValue.
+// varValue, so FilterList(key) = value sets it.
 com::ComPtr<IDispatch> filterDispatch(std::shared_ptr<FilterObject> filter);
 
 // The login object.

@@ -99,6 +99,27 @@ TEST_F(PlatformObjectsTest, AnItemIsWrittenAndReadThroughItsMembers) {
   EXPECT_FALSE(item.flag(L"IsMultSel"));
 }
 
+TEST_F(PlatformObjectsTest, AssigningToAnItemOfTheListSetsItsValue) {
+  const LateBound filter = argument().object(L"rawFilter", "f");
+  const auto assign = [](const LateBound& target, DISPID id, Variant index, Variant value) {
+    VARIANT arguments[] = {value, index};  // borrowed, last to first
+    DISPID put = DISPID_PROPERTYPUT;
+    DISPPARAMS parameters{arguments, &put, 2, 1};
+    return target.get()->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &parameters, nullptr, nullptr,
+                                nullptr);
+  };
+  std::wstring name = bindings::filter::filterList;
+  LPOLESTR names[] = {name.data()};
+  DISPID filterList = DISPID_UNKNOWN;
+  ASSERT_EQ(filter.get()->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &filterList), S_OK);
+  // FilterList("cModal") = 2 and, on the list itself, list("iYear") = "2023".
+  EXPECT_EQ(assign(filter, filterList, "cModal", 2), S_OK);
+  EXPECT_EQ(assign(filter.object(L"FilterList", "list"), DISPID_VALUE, "iYear", "2023"), S_OK);
+  EXPECT_EQ(filter_->find("cModal")->value, "2");
+  EXPECT_EQ(filter_->find("iYear")->value, "2023");
+  EXPECT_EQ(assign(filter, filterList, "none", 2), DISP_E_EXCEPTION);
+}
+
 TEST_F(PlatformObjectsTest, TheFilterMakesConditionsOfItsOwnItemsOnly) {
   const LateBound filter = argument().object(L"rawFilter", "f");
   for (const auto& entry : filter_->entries())
@@ -106,7 +127,7 @@ TEST_F(PlatformObjectsTest, TheFilterMakesConditionsOfItsOwnItemsOnly) {
   const LateBound item = filter.object(L"FilterList", "item", {"cBatchIA"});
   item.put(L"varValue", "B'1");
   item.put(L"LngGrouptoken", 0);
-  EXPECT_EQ(filter.text(L"GetWhereWithToken", {0}), "base.cBatchIA = N'B''1'");
+  EXPECT_EQ(filter.text(L"GetWhereWithToken", {0}), "base.cBatchia = N'B''1'");
   item.put(L"strSqlString", "base.cBatchIA Like N'B%'");
   EXPECT_EQ(filter.text(L"GetWhereWithToken", {0}), "base.cBatchIA Like N'B%'");
 }
@@ -115,7 +136,9 @@ TEST_F(PlatformObjectsTest, ThePublicComponentTakesItsConnectionInAnyPlace) {
   openConnection().call(
       L"Execute", {"Create Table AccInformation (cSysID nvarchar(10), cID nvarchar(20), cName nvarchar(60), cValue "
                    "nvarchar(255)) Insert Into AccInformation Values (N'IA', N'1', N'cValueStyle', N'按仓库核算') "
-                   "Insert Into AccInformation Values (N'IA', N'2', N'iCurrentYear', N'2024') "
+                   "Create Table IA_PeriodState (iYear int, iMonth int, bSettled bit) "
+                   "Insert Into IA_PeriodState Values (2023, 12, 1) "
+                   "Insert Into IA_PeriodState Values (2024, 1, 0) "
                    "Insert Into AccInformation Values (N'CA', N'11002', N'start', N'202403')"});
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
@@ -129,6 +152,22 @@ TEST_F(PlatformObjectsTest, ThePublicComponentTakesItsConnectionInAnyPlace) {
   EXPECT_EQ(codeOf([&] { component.integer(L"CurPeriodYear", {"2024"}); }), hresult::invalidArgument);
   IDispatch* byReference = connection.get();
   EXPECT_EQ(component.integer(L"CurPeriodYear", {Variant::reference(byReference)}), 2024);
+}
+
+TEST_F(PlatformObjectsTest, UsedYearsComeAsADictionaryWithCountedKeys) {
+  openConnection().call(L"Execute", {"Create Table orvsystem..UA_Period (cAcc_Id nvarchar(3), iYear int, iId int) "
+                                     "Insert Into orvsystem..UA_Period Values (N'001', 2024, 1) "
+                                     "Insert Into orvsystem..UA_Period Values (N'001', 2023, 1) "
+                                     "Insert Into orvsystem..UA_Period Values (N'002', 2022, 1)"});
+  EmbeddedPlatform platform(options());
+  const PlatformStandIn standIn(platform, nullptr);
+  const LateBound connection = openConnection();
+  const LateBound years =
+      com::createObject(bindings::publicComponent).object(L"GetIAUsedYears", "years", {"001", connection.get()});
+  EXPECT_EQ(years.integer(L"Count"), 2);
+  EXPECT_EQ(com::toText(years.getById(DISPID_VALUE, L"Item", {"1"})), "2023");
+  EXPECT_EQ(com::toText(years.getById(DISPID_VALUE, L"Item", {"2"})), "2024");
+  EXPECT_EQ(years.getById(DISPID_VALUE, L"Item", {"3"}).vt, VT_EMPTY);
 }
 
 TEST_F(PlatformObjectsTest, TheResourceServiceIsADualInterface) {
@@ -146,6 +185,19 @@ TEST_F(PlatformObjectsTest, TheResourceServiceIsADualInterface) {
   EXPECT_NE(text.utf8(), "Mirel.IA.CHHSSQL.00182");
   EXPECT_EQ(service.text(L"Text", {"Mirel.IA.CHHSSQL.00182"}), text.utf8());
   EXPECT_EQ(early->Text(key.get(), nullptr), E_POINTER);
+
+  // FormatText: a key gives its text as Text does, a login changes the language.
+  const Variant keyValue("Mirel.IA.CHHSSQL.00182");
+  com::Bstr formatted;
+  ASSERT_EQ(early->FormatText(keyValue, Variant::missing(), formatted.out()), S_OK);
+  EXPECT_EQ(formatted.utf8(), text.utf8());
+  const Variant login(loginObject(std::make_shared<WorkbenchLogin>(details())));
+  ASSERT_EQ(early->FormatText(login, Variant::missing(), formatted.out()), S_OK);
+  EXPECT_EQ(formatted.utf8(), "");
+  com::Bstr chinese;
+  ASSERT_EQ(early->Text(key.get(), chinese.out()), S_OK);
+  EXPECT_NE(chinese.utf8(), text.utf8());
+  EXPECT_EQ(early->FormatText(keyValue, Variant(1), formatted.out()), E_NOTIMPL);
 }
 
 TEST_F(PlatformObjectsTest, MessagesGoToThePlatformsSink) {
