@@ -2,7 +2,8 @@
 
 #include <cstddef>
 #include <new>
-#include <string_view>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "frame/automation_error.h"
@@ -40,6 +41,11 @@ class Function {
   Function& operator=(const Function&) = delete;
   ~Function() { slots_.ReleaseFuncDesc(description_); }
 
+  std::string name() const {
+    Bstr text;
+    static_cast<void>(slots_.GetDocumentation(description_->memid, text.out(), nullptr, nullptr, nullptr));
+    return text.utf8();
+  }
   std::size_t slotOffset() const { return static_cast<std::size_t>(description_->oVft); }
   CALLCONV callingConvention() const { return description_->callconv; }
   // How many arguments a caller gives; the result is not one of them.
@@ -164,11 +170,6 @@ std::vector<Argument> argumentsOf(const Function& function, const DISPPARAMS& pa
   return arguments;
 }
 
-// The member's failure as it left it in IErrorInfo.
-AutomationError failureOf(HRESULT code, IDispatch& object, REFIID interfaceId) {
-  return takeErrorInfo(code, object, interfaceId, "Quillon", "Invoke");
-}
-
 IID interfaceOf(ITypeInfo& slots) {
   TYPEATTR* attributes = nullptr;
   if (FAILED(slots.GetTypeAttr(&attributes))) return IID_IDispatch;
@@ -211,10 +212,12 @@ HRESULT invoke(ITypeInfo& slots, IDispatch& object, DISPID id, WORD kind, const 
     places.push_back(&entry);
   }
   Variant returned;
+  SetErrorInfo(0, nullptr);  // so that no earlier call's words pass for this one's
   const HRESULT called = DispCallFunc(&object, function.slotOffset(), function.callingConvention(), VT_I4,
                                       static_cast<UINT>(stack.size()), types.data(), places.data(), &returned);
   if (FAILED(called)) return called;
-  if (FAILED(returned.lVal)) return fillExcepInfo(failureOf(returned.lVal, object, interfaceOf(slots)), info);
+  if (FAILED(returned.lVal))
+    return fillExcepInfo(takeErrorInfo(returned.lVal, object, interfaceOf(slots), "Quillon", function.name()), info);
 
   for (Argument& argument : arguments) {
     const HRESULT code = argument.returnToCaller();

@@ -204,34 +204,37 @@ ComResourceService::ComResourceService(const LateBound& service) : source_(servi
                               "belongs to this platform.");
 }
 
-void ComResourceService::check(HRESULT code, std::string_view member) const {
+template <class Operation>
+void ComResourceService::call(std::string_view member, Operation operation) const {
+  SetErrorInfo(0, nullptr);  // so that no earlier call's words pass for this one's
+  const HRESULT code = operation();
   if (FAILED(code)) throw takeErrorInfo(code, *service_, bindings::resourceServiceId, source_, member);
 }
 
 void ComResourceService::takeLogin(Login& login) {
   Bstr none;
   const Variant object(adapterOf<ComLogin>(login).object());
-  check(service_->FormatText(object, Variant::missing(), none.out()), "FormatText");
+  call("FormatText", [&] { return service_->FormatText(object, Variant::missing(), none.out()); });
 }
 
 std::string ComResourceService::enumName(std::string_view type, std::string_view code) {
   const Bstr typeText(type);
   const Bstr codeText(code);
   Bstr name;
-  check(service_->EnumName(typeText.get(), codeText.get(), name.out()), "EnumName");
+  call("EnumName", [&] { return service_->EnumName(typeText.get(), codeText.get(), name.out()); });
   return name.utf8();
 }
 
 std::string ComResourceService::text(std::string_view key) {
   const Bstr keyText(key);
   Bstr text;
-  check(service_->Text(keyText.get(), text.out()), "Text");
+  call("Text", [&] { return service_->Text(keyText.get(), text.out()); });
   return text.utf8();
 }
 
 void ComResourceService::showMessage(std::string_view text, int flags) {
   const Bstr message(text);
-  check(service_->ShowMessage(message.get(), flags, 0, 0), "ShowMessage");
+  call("ShowMessage", [&] { return service_->ShowMessage(message.get(), flags, 0, 0); });
 }
 
 void KeysAsTexts::takeLogin(Login& /*login*/) {}

@@ -119,7 +119,9 @@ class ComResourceService : public ResourceService {
   void showMessage(std::string_view text, int flags) override;
 
  private:
-  void check(HRESULT code, std::string_view member) const;
+  // Runs one call of the service; a failure is thrown with what the service left in IErrorInfo.
+  template <class Operation>
+  void call(std::string_view member, Operation operation) const;
 
   ComPtr<bindings::IResourceService> service_;
   std::string source_;

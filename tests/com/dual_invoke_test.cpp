@@ -390,6 +390,7 @@ TEST_F(DualInvoke, AFailureFillsExcepInfoWithTheMembersOwnWords) {
 TEST_F(DualInvoke, AFailureWithoutWordsStillHasItsCode) {
   EXPECT_EQ(invoke(*dialog.get(), L"InitGrade", both, {}), DISP_E_EXCEPTION);
   EXPECT_EQ(info.scode, E_ACCESSDENIED);
+  EXPECT_TRUE(toUtf8(info.bstrDescription).starts_with("Quillon.InitGrade: ")) << toUtf8(info.bstrDescription);
 }
 
 TEST_F(DualInvoke, ReferencesAreCountedWhateverTheForm) {
