@@ -21,6 +21,11 @@ double tenTo(int exponent) {
   return std::pow(10.0, exponent);
 }
 
+// The largest number of units that surely lies in a type's range: int reaches one further below zero than above.
+double limitOf(const Type& type) {
+  return type.kind == Kind::integer ? 2147483647.0 : magnitudeOf(type);
+}
+
 // Types whose range is that of 64 bits: leaving it is an overflow in T-SQL too, and shows as a REAL.
 bool overflowsToReal(const Type& type) {
   return type.kind == Kind::bigInt || type.kind == Kind::money;
@@ -64,9 +69,7 @@ std::optional<Fragment> rescaledPlainly(const Fragment& value, const Type& to) {
   const int digits = scaleOf(to) - scaleOf(value.type);
   if (digits < 0) return std::nullopt;
   const double magnitude = value.magnitude * tenTo(digits);
-  // The bound of int is that of its least value, which its own values may reach but no other type's positive ones.
-  const bool fitsTarget =
-      magnitude < magnitudeOf(to) || (digits == 0 && value.type.kind == to.kind && magnitude <= magnitudeOf(to));
+  const bool fitsTarget = magnitude <= limitOf(to);
   Fragment result = withType(value, to);
   result.constant.reset();
   result.magnitude = std::min(magnitude, magnitudeOf(to));
@@ -213,8 +216,7 @@ Fragment exactArithmetic(Arithmetic operation, const Fragment& left, const Fragm
     result.sql = plain->sql;
     result.magnitude = std::min(plain->magnitude, magnitudeOf(type));
     result.mayOverflow = left.mayOverflow || right.mayOverflow;
-    // Not equal to the bound: 2147483647 + 1 has that of int and does not fit.
-    if (plain->magnitude <= kPlainLimit && plain->magnitude < magnitudeOf(type)) return result;
+    if (plain->magnitude <= kPlainLimit && plain->magnitude <= limitOf(type)) return result;
     if (overflowsToReal(type)) {
       result.mayOverflow = true;
       return result;
