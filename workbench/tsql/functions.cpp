@@ -258,7 +258,10 @@ constexpr auto kFunctions = std::to_array<Function>({
      [](const Arguments& a, const Expression&) {
        const Fragment length = a.size() > 1 ? asInt(a[1]) : literalFragment(std::int64_t{10}, intType());
        const Fragment decimals = a.size() > 2 ? asInt(a[2]) : literalFragment(std::int64_t{0}, intType());
-       return call("text_str", {asReal(a[0]), length, decimals}, varCharType(8000));
+       const auto* const width = length.constant ? std::get_if<std::int64_t>(&*length.constant) : nullptr;
+       const bool isKnown = width != nullptr && *width > 0 && *width < 8000;
+       const Type type = varCharType(isKnown ? static_cast<int>(*width) : 8000);
+       return call("text_str", {asReal(a[0]), length, decimals}, type);
      }},
     {"stuff", 4, 4,
      [](const Arguments& a, const Expression&) {

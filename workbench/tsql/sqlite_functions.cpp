@@ -722,8 +722,9 @@ void registerFunctions(sqlite3* database) {
 }
 
 std::int64_t typeCode(const Type& type) {
-  return std::int64_t{type.width} * 1'000'000 + static_cast<int>(type.kind) * 10'000 + type.precision * 100 +
-         type.scale;
+  constexpr std::int64_t million = 1'000'000;
+  const int rest = static_cast<int>(type.kind) * 10'000 + type.precision * 100 + type.scale;
+  return type.width * million + rest;
 }
 
 Type typeFromCode(std::int64_t code) {

@@ -87,6 +87,8 @@ TEST_F(Expression, TextBesideANumberIsANumber) {
   EXPECT_EQ(value("'1.5'+1"), "245");
   EXPECT_EQ(value("left(12.50,3)"), "varchar(3): 12.");
   EXPECT_EQ(value("len(12.00)"), "int: 5");
+  EXPECT_EQ(value("str(3.14159,6,2)"), "varchar(6):   3.14");
+  EXPECT_EQ(value("str(12)"), "varchar(10):         12");
   EXPECT_EQ(query("select '5' as x union select 3 order by x"), "int: 3 5");
 }
 
