@@ -6,6 +6,7 @@
 #include <string>
 
 #include "workbench/account/account.h"
+#include "workbench/cli/named_choice.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/text_table.h"
 #include "workbench/cli/value_output.h"
@@ -83,7 +84,7 @@ void addAccountCommand(CLI::App& app) {
   create.add_option("--seed", options->seed, "The same seed gives the same account")->capture_default_str();
   create.add_option("--years", options->years, "Years")->capture_default_str();
   create.add_option("--valuation", options->valuation, "inventory, warehouse or department")
-      ->transform(CLI::CheckedTransformer(valuations, CLI::ignore_case).description(""));
+      ->transform(oneOf(valuations));
   create.add_option("--fx-start-month", options->costItemStartMonth, "The first year's first month with cost items")
       ->capture_default_str();
   create.callback([file, options] { makeSample(*file, *options); });

@@ -14,6 +14,7 @@
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/json_file.h"
+#include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_document.h"
 #include "workbench/cli/report_output.h"
 #include "workbench/cli/report_runner.h"
@@ -231,9 +232,6 @@ void addReportCommand(CLI::App& app) {
                                                               {"json", ReportFormat::json},
                                                               {"html", ReportFormat::html}};
   static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
-  const auto oneOf = [](const auto& choices) {
-    return CLI::CheckedTransformer(choices, CLI::ignore_case).description("");
-  };
   command.add_option("REPORT", options->report, "The report: sfc-item")->required();
   command.add_option("--account", options->account, "The account file")->required();
   command.add_option("--filter", options->filterFile, "The filter, a JSON file");

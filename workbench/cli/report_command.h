@@ -15,18 +15,18 @@ namespace quillon::workbench {
 enum class ReportFormat { table, csv, json, html };
 
 struct ReportOptions {
-  std::string report;                 // "sfc-item"
-  std::string account;                // SOURCE
-  std::string filterFile;             // a filter file; empty for none
-  std::vector<std::string> settings;  // key=value, over the filter file
+  std::string report = {};                 // "sfc-item"
+  std::string account = {};                // SOURCE
+  std::string filterFile = {};             // a filter file; empty for none
+  std::vector<std::string> settings = {};  // key=value, over the filter file
   ReportFormat format = ReportFormat::table;
-  std::string outputFile;  // empty: `out`
+  std::string outputFile = {};  // empty: `out`
   Language language = Language::chinese;
-  std::string date;                   // the login's date, yyyy-mm-dd; empty: the last day of the current year
-  std::optional<std::int64_t> limit;  // rows shown by table and html
-  bool explain = false;               // each statement with its time and row count, to `notes`
-  bool keep = false;                  // keep the result table and tell its name
-  bool terminal = false;              // `notes` is a terminal: show progress there
+  std::string date = {};                   // the login's date, yyyy-mm-dd; empty: the last day of the current year
+  std::optional<std::int64_t> limit = {};  // rows shown by table and html
+  bool explain = false;                    // each statement with its time and row count, to `notes`
+  bool keep = false;                       // keep the result table and tell its name
+  bool terminal = false;                   // `notes` is a terminal: show progress there
 };
 
 // Runs the report and writes it. Throws std::exception with one line for the user when it cannot be made. What the user

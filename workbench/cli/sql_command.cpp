@@ -8,6 +8,7 @@
 
 #include "frame/text.h"
 #include "workbench/cli/command_error.h"
+#include "workbench/cli/named_choice.h"
 #include "workbench/cli/text_table.h"
 #include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
@@ -170,8 +171,7 @@ void addSqlCommand(CLI::App& app) {
   source.add_option("--account", options->account, "The account file");
   source.add_flag("--empty", options->empty, "An empty database in memory");
   source.require_option(1);
-  command.add_option("--format", options->format, "table or json")
-      ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case).description(""));
+  command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
   command.add_option("FILE", options->file, "The script; standard input when it is left out");
   command.callback([options] {
     const auto account = options->empty

@@ -121,7 +121,7 @@ TEST_F(EmbeddedSessionTest, TellsErrorsApartAsAdoDoes) {
   EXPECT_EQ(codeOfStatement("Insert Into t (nothing) Values (1)"), 0x80040E14U) << "unknown column";
   EXPECT_EQ(codeOfStatement("Delete nowhere"), 0x80040E37U) << "no such table";
   EXPECT_EQ(codeOfStatement("Insert Into t Values (2, N'abc')"), 0x80040E57U) << "lost text";
-  EXPECT_EQ(codeOfStatement("Insert Into t Values (2147483647 + 1, N'a')"), 0x80040E57U) << "overflow";
+  EXPECT_EQ(codeOfStatement("Insert Into t Values (Cast(1000 As decimal(3,0)), N'a')"), 0x80040E57U) << "overflow";
   EXPECT_EQ(codeOfStatement("Insert Into t Values ('abc', N'a')"), 0x80040E07U) << "conversion";
   EXPECT_EQ(codeOfStatement("Insert Into t Values (1, N'b')"), 0x80040E2FU) << "primary key";
   EXPECT_EQ(codeOfStatement("Insert Into t Values (Null, N'b')"), 0x80040E2FU) << "null";

@@ -1,0 +1,29 @@
+// Options whose value is one of a few words.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <map>
+#include <string>
+
+namespace quillon::workbench {
+
+// Turns the word (in any letter case) into the number that CLI11 makes the enumerator of; refuses any other word and
+// says which there are.
+template <typename Enumeration>
+CLI::Validator oneOf(const std::map<std::string, Enumeration>& choices) {
+  return CLI::Validator(
+      [choices](std::string& word) -> std::string {
+        const auto found = choices.find(CLI::detail::to_lower(word));
+        if (found != choices.end()) {
+          word = std::to_string(static_cast<int>(found->second));
+          return {};
+        }
+        std::string names;
+        for (const auto& [name, value] : choices)
+          names += (names.empty() ? "" : ", ") + name;
+        return "\"" + word + "\" is none of " + names;
+      },
+      "");
+}
+
+}  // namespace quillon::workbench
