@@ -18,4 +18,7 @@ if [ ! -f "$WINEPREFIX/.ready" ]; then
     fi
   ) 9>"$WINEPREFIX.lock"
 fi
+# The first program in a prefix brings up Wine's services, which hold on to its output for as long as any program runs: a
+# test would seem to last that long. So they are brought up apart.
+if ! wineserver -k0 2>/dev/null; then wineboot >/dev/null 2>&1 </dev/null; fi
 exec wine "$@"
