@@ -1,0 +1,210 @@
+#include "workbench/cli/report_command.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <sstream>
+
+#include "tests/workbench/platform/temporary_file.h"
+#include "workbench/account/account.h"
+#include "workbench/cli/account_command.h"
+#include "workbench/cli/sql_command.h"
+#include "workbench/platform/account_source.h"
+
+namespace quillon::workbench {
+namespace {
+
+// What a command gives back to the shell: 0, 1 for work that cannot be done, 2 for wrong usage.
+enum class Ends { well, failed, wrongUsage };
+
+struct Outcome {
+  Ends ends = Ends::well;
+  std::string message;
+};
+
+Outcome call(std::vector<std::string> arguments) {
+  CLI::App app;
+  addReportCommand(app);
+  addAccountCommand(app);
+  addSqlCommand(app);
+  std::ranges::reverse(arguments);
+  try {
+    app.parse(std::move(arguments));
+    return {};
+  } catch (const CLI::RuntimeError& error) {
+    return {Ends::failed, error.what()};
+  } catch (const CLI::ParseError& error) {
+    return {Ends::wrongUsage, error.what()};
+  } catch (const std::exception& error) {
+    return {Ends::failed, error.what()};
+  }
+}
+
+// The regular expressions of GoogleTest differ from system to system; these do not.
+MATCHER_P(MatchesPattern, pattern, "matches the regular expression " + std::string(pattern)) {
+  return std::regex_match(arg, std::regex(pattern));
+}
+MATCHER_P(ContainsPattern, pattern, "contains the regular expression " + std::string(pattern)) {
+  return std::regex_search(arg, std::regex(pattern));
+}
+
+class ReportCommand : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    file_ = std::make_unique<test::TemporaryFile>(".qacc");
+    account::createSample(file_->path(), {.rows = 600, .years = 1});
+  }
+  static void TearDownTestSuite() { file_.reset(); }
+
+  static std::string source() { return utf8FromPath(file_->path()); }
+
+  static Outcome report(std::vector<std::string> more) {
+    std::vector<std::string> arguments = {"report", "sfc-item", "--account", source()};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return call(arguments);
+  }
+
+  // The outcome of a run with this filter file.
+  static Outcome reportWithFilter(const std::string& text) {
+    const test::TemporaryFile filter(".json");
+    std::ofstream(filter.path(), std::ios::binary) << text;
+    const test::TemporaryFile output(".txt");
+    return report({"--filter", utf8FromPath(filter.path()), "-o", utf8FromPath(output.path())});
+  }
+
+  static std::string outputOf(std::vector<std::string> more) {
+    const test::TemporaryFile output(".txt");
+    more.insert(more.end(), {"-o", utf8FromPath(output.path())});
+    const Outcome outcome = report(more);
+    EXPECT_EQ(outcome.ends, Ends::well) << outcome.message;
+    std::ifstream file(output.path(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
+
+  static inline std::unique_ptr<test::TemporaryFile> file_;
+};
+
+TEST_F(ReportCommand, WritesEachFormatToAFile) {
+  EXPECT_THAT(outputOf({"--format", "csv"}), testing::StartsWith("autoid,cWhCode,cWhName,cInvCode,"));
+  EXPECT_THAT(outputOf({"--format", "JSON"}), testing::StartsWith("{\"report\":\"sfc-item\","));
+  EXPECT_THAT(outputOf({"--format", "html"}), testing::StartsWith("<!DOCTYPE html>"));
+  EXPECT_THAT(outputOf({}),
+              testing::StartsWith("收发存汇总表（按成本项目）\n会计年度：2024\n报表方式：按成本项目分类\n"));
+  EXPECT_THAT(outputOf({"--lang", "en"}),
+              testing::StartsWith("Receipt/issue/balance by cost item\nYear: 2024\nReport mode: by cost-item class\n"));
+}
+
+TEST_F(ReportCommand, TakesAFilterFileAndSettingsOverIt) {
+  const test::TemporaryFile filter(".json");
+  std::ofstream(filter.path(), std::ios::binary)
+      << R"({"items":[{"name":"cmodal","value":1},{"name":"dKeepDate","value":"2024-01-01","value2":"2024-06-30"}]})";
+  EXPECT_THAT(outputOf({"--filter", utf8FromPath(filter.path())}),
+              testing::HasSubstr("报表方式：按成本项目\n记账日期：2024-01-01 .. 2024-06-30\n"));
+  EXPECT_THAT(outputOf({"--filter", utf8FromPath(filter.path()), "--set", "cModal=2"}),
+              testing::HasSubstr("报表方式：按费用项目\n"));
+}
+
+TEST_F(ReportCommand, TranslatesAnItemThatTheReportLeavesToTheFilter) {
+  const test::TemporaryFile filter(".json");
+  std::ofstream(filter.path(), std::ios::binary)
+      << R"({"items":[{"name":"cInvStdItem","sql":"inv.cInvStd = N'no such specification'"}]})";
+  EXPECT_THAT(outputOf({"--filter", utf8FromPath(filter.path())}), testing::EndsWith("没有符合条件的数据\n"));
+}
+
+TEST_F(ReportCommand, RefusesAFilterFileThatItCannotUse) {
+  EXPECT_THAT(reportWithFilter("{\n\"items\":[\n").message, testing::HasSubstr("is not valid JSON: see line 3"));
+  EXPECT_EQ(reportWithFilter("[]").message, "the filter file must hold one object with \"items\"");
+  EXPECT_EQ(reportWithFilter(R"({"items":1})").message, "filter file: \"items\" must be a list");
+  EXPECT_EQ(reportWithFilter(R"({"items":[{"value":"1"}]})").message,
+            "filter file, item 1: \"name\" is missing; give the item's key");
+  EXPECT_EQ(reportWithFilter(R"({"items":[{"name":"cModal","value":["1"]}]})").message,
+            "filter file, item 1: \"value\" must be a text");
+  EXPECT_EQ(reportWithFilter(R"({"items":[{"name":"cModal"},{"name":"a b"}]})").message,
+            "filter file, item 2: \"a b\" is neither an item of the report nor a column's name");
+  EXPECT_EQ(reportWithFilter(R"({"items":[{"name":"cModal","valeu":"1"}]})").message,
+            "filter file, item 1: \"valeu\" is not known");
+  EXPECT_EQ(reportWithFilter(R"({"items":[{"name":"cJudgeMoney","value":"9"}]})").message,
+            "filter item cJudgeMoney (Closing amount): there is no choice \"9\"; choose of 0 (above zero), 1 (zero), 2 "
+            "(below zero)");
+}
+
+TEST_F(ReportCommand, TellsWhatStoppedTheBuildAndWhatWasLeft) {
+  const Outcome outcome = reportWithFilter(R"({"items":[{"name":"cNoColumn","value":"1"}]})");
+  EXPECT_EQ(outcome.ends, Ends::failed);
+  EXPECT_THAT(outcome.message,
+              testing::StartsWith("the build stopped: error 207: Invalid column name 'cNoColumn'., at: Insert Into ["));
+  EXPECT_THAT(outcome.message, testing::HasSubstr("IA_SFC_Item_DetailTmp (drop with: quillon account clean "));
+  EXPECT_EQ(outcome.message.find('\n'), std::string::npos) << "one line";
+  const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::existing);
+  EXPECT_EQ(account::dropLeftoverWorkTables(*account).size(), 1U);
+  for (const std::string& table : account->tables(""))
+    EXPECT_FALSE(table.starts_with("QuillonReport")) << table;
+}
+
+TEST_F(ReportCommand, KeepsTheResultTableWhenAsked) {
+  std::ostringstream out;
+  std::ostringstream notes;
+  runReport({.report = "sfc-item", .account = source(), .format = ReportFormat::csv, .keep = true}, out, notes);
+  EXPECT_THAT(notes.str(), MatchesPattern("quillon: the result table QuillonReport[0-9a-z]+ is kept\n"));
+  constexpr std::size_t nameStart = std::string_view("quillon: the result table ").size();
+  const std::string name = notes.str().substr(nameStart, notes.str().find(" is kept") - nameStart);
+  const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::existing);
+  EXPECT_FALSE(account->describe(name).empty());
+  account->execute("Drop Table " + name);
+}
+
+TEST_F(ReportCommand, ExplainsEachStatement) {
+  std::ostringstream out;
+  std::ostringstream notes;
+  runReport({.report = "sfc-item", .account = source(), .format = ReportFormat::csv, .explain = true}, out, notes);
+  EXPECT_THAT(notes.str(), ContainsPattern("\\[1\\] [0-9.]+ ms"));
+  EXPECT_THAT(notes.str(), testing::HasSubstr("Select Top 0 base.autoid,wh.cWhCode"));
+  EXPECT_THAT(notes.str(), ContainsPattern("ms, [0-9]+ rows\ndelete QuillonReport"));
+  EXPECT_THAT(notes.str(), ContainsPattern("\n[0-9]+ statements, [0-9.]+ ms in the account"));
+}
+
+TEST_F(ReportCommand, ShowsProgressOnATerminalOnly) {
+  std::ostringstream out;
+  std::ostringstream notes;
+  runReport({.report = "sfc-item", .account = source(), .format = ReportFormat::csv, .terminal = true}, out, notes);
+  EXPECT_THAT(notes.str(), testing::HasSubstr("\r\x1b[K1: "));
+  EXPECT_TRUE(notes.str().ends_with("\r\x1b[K")) << "the line is taken away at the end";
+  notes.str("");
+  runReport({.report = "sfc-item", .account = source(), .format = ReportFormat::csv}, out, notes);
+  EXPECT_EQ(notes.str(), "");
+}
+
+TEST_F(ReportCommand, FailsWithOneLineWhenItsWorkCannotBeDone) {
+  const auto expectFailure = [](const Outcome& outcome, const std::string& part) {
+    EXPECT_EQ(outcome.ends, Ends::failed);
+    EXPECT_THAT(outcome.message, testing::HasSubstr(part));
+    EXPECT_EQ(outcome.message.find('\n'), std::string::npos);
+  };
+  expectFailure(call({"report", "sfc-item", "--account", "no-such-account.qacc"}), "no-such-account.qacc");
+  expectFailure(call({"report", "sfc-item", "--account", "Driver={X};PWD=secret"}), "name an account file");
+  expectFailure(call({"report", "no-report", "--account", source()}),
+                "there is no report \"no-report\"; the reports are: ");
+  expectFailure(report({"--filter", "no-such-filter.json"}), "cannot read no-such-filter.json");
+  expectFailure(report({"-o", "no-such-folder/report.csv"}), "cannot write no-such-folder/report.csv");
+  expectFailure(report({"--set", "iYear=1999"}), "there is no choice \"1999\"; choose of 2024");
+  expectFailure(call({"account", "new", source()}), "exists already");
+  expectFailure(call({"account", "info", "no-such-account.qacc"}), "no-such-account.qacc");
+  expectFailure(call({"sql", "--empty", "no-such-script.sql"}), "cannot read no-such-script.sql");
+}
+
+TEST_F(ReportCommand, RefusesWrongUsage) {
+  EXPECT_EQ(call({"report"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(call({"report", "sfc-item"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(report({"--nothing"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(report({"--format", "xml"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(report({"--format", "xml"}).message, "--format: \"xml\" is none of csv, html, json, table");
+  EXPECT_EQ(report({"--limit", "-1"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(call({"account"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(call({"sql"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(call({"sql", "--empty", "--account", source()}).ends, Ends::wrongUsage);
+}
+
+}  // namespace
+}  // namespace quillon::workbench
