@@ -4,15 +4,30 @@
 
 namespace quillon {
 
-void openReportSession(Module& module, ReportArgument& argument) {
-  module.session = module.platform().createSession();
-  module.login = argument.login();
+namespace {
+
+void openWithLogin(Module& module) {
   Session& session = *module.session;
   session.setCursorLocation(CursorLocation::client);
   session.setConnectionString(module.login->accountConnection());
   session.setConnectionTimeout(0);
   session.setCommandTimeout(0);
   session.open("", "", optionsUnspecified);
+}
+
+}  // namespace
+
+void openReportSession(Module& module, ReportArgument& argument) {
+  module.session = module.platform().createSession();
+  module.login = argument.login();
+  openWithLogin(module);
+}
+
+void openDialogSession(Module& module, FilterDialog& dialog) {
+  module.session = module.platform().createSession();
+  module.login = dialog.login();
+  openWithLogin(module);
+  module.resources().takeLogin(*module.login);
 }
 
 void closeReportSession(Module& module) {

@@ -1,6 +1,8 @@
-// The account database's connection during one report run: GETSQL opens it and, after a successful build, closes it.
+// The account database's connection: during one report run GETSQL opens it and, after a successful build, closes it; a
+// filter dialog opens it at its start and leaves it open.
 #pragma once
 
+#include "frame/filter_dialog.h"
 #include "frame/module.h"
 
 namespace quillon {
@@ -9,6 +11,9 @@ namespace quillon {
 // client-side cursors and no time limit. Throws AutomationError of the failing call; what was set so far stays and is
 // replaced by the next run.
 void openReportSession(Module& module, ReportArgument& argument);
+
+// The same with the dialog's login, which it then hands to the resource service.
+void openDialogSession(Module& module, FilterDialog& dialog);
 
 // Closes the module's session unless it is closed already, and releases it even when closing throws AutomationError.
 // Does nothing when there is none.

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -271,7 +273,9 @@ class FakeArgument final : public ReportArgument {
 // What the fake components answer.
 struct Answers {
   std::vector<Answer> queries;
-  int costItemStartMonth = 0;
+  int costItemStartMonth = 0;                                   // of every year that is not among the following
+  std::map<std::string, int, std::less<>> costItemStartMonths;  // by year
+  std::vector<std::string> usedYears{"2023", "2024"};
   int currentPeriodYear = 2024;
   std::string valuationMethod = "按仓库核算";
   std::string namingNumber = "77";
@@ -291,11 +295,12 @@ class FakePublicComponent final : public PublicComponent, private Counted {
   }
   int costItemStartMonth(std::string_view year, Session&) override {
     call("iFxStartMonth(" + std::string(year) + ")");
-    return answers_.costItemStartMonth;
+    const auto found = answers_.costItemStartMonths.find(year);
+    return found == answers_.costItemStartMonths.end() ? answers_.costItemStartMonth : found->second;
   }
   std::vector<std::string> usedYears(std::string_view accountCode, Session&) override {
     call("GetIAUsedYears(" + std::string(accountCode) + ")");
-    return {"2023", "2024"};
+    return answers_.usedYears;
   }
 
  private:

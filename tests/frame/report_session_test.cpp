@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/frame/fake_dialog.h"
 #include "tests/frame/fakes.h"
 
 namespace quillon {
@@ -24,6 +25,17 @@ TEST_F(ReportSession, OpensAsTheAccountDatabaseExpects) {
               ElementsAre("create Session", "e.Login", "Session.CursorLocation = 3", "Login.OrvDbName",
                           "Session.ConnectionString = the account's connection", "Session.ConnectionTimeout = 0",
                           "Session.CommandTimeout = 0", "Session.open(\"\", \"\", -1)"));
+  EXPECT_TRUE(module_.session);
+  EXPECT_TRUE(module_.login);
+}
+
+TEST_F(ReportSession, ADialogOpensItsOwnAndHandsTheLoginToTheResources) {
+  fakes::FakeDialog dialog(platform_, "", {});
+  openDialogSession(module_, dialog);
+  EXPECT_THAT(calls_, ElementsAre("create Session", "dialog.login", "Session.CursorLocation = 3", "Login.OrvDbName",
+                                  "Session.ConnectionString = the account's connection",
+                                  "Session.ConnectionTimeout = 0", "Session.CommandTimeout = 0",
+                                  "Session.open(\"\", \"\", -1)", "create ResourceService", "resources.takeLogin"));
   EXPECT_TRUE(module_.session);
   EXPECT_TRUE(module_.login);
 }
