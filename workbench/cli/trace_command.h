@@ -5,6 +5,7 @@
 #include <iosfwd>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -15,10 +16,11 @@ namespace quillon::workbench {
 // Adds the command to the program. Its errors are CommandError.
 void addTraceCommand(CLI::App& app);
 
-// Runs `report` and writes its trace to `out`; a build that the report absorbed is told in one line on `notes`. Gives
-// the exit status: 1 when an error left the report's member, which the trace's last line then tells; else 0. Throws
-// CommandError for a description that cannot be used and for an unknown report.
+// Runs `report`, or plays `events` on a filter dialog ("dialog-sfc"; init, view and click when there are none), and
+// writes its trace to `out`; a build that the report absorbed is told in one line on `notes`. Gives the exit status: 1
+// when an error left the report's member, which the trace's last line then tells; else 0. Throws CommandError for a
+// description that cannot be used and for an unknown report or event.
 int trace(const std::string& report, const nlohmann::ordered_json& filter, const nlohmann::ordered_json& platform,
-          std::ostream& out, std::ostream& notes);
+          std::ostream& out, std::ostream& notes, const std::vector<std::string>& events = {});
 
 }  // namespace quillon::workbench

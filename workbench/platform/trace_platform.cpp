@@ -107,10 +107,6 @@ std::vector<std::vector<std::optional<std::string>>> recordRows(const Json& rows
   return result;
 }
 
-void print(std::ostream& out, const Json& line) {
-  out << line.dump() << '\n';
-}
-
 // --- The filter -----------------------------------------------------------------------------------------------------
 
 class TraceFilterItem final : public FilterItem {
@@ -157,8 +153,8 @@ class TraceRecordset final : public Recordset {
 
 class TraceSession final : public Session {
  public:
-  TraceSession(const TraceDescription& description, std::ostream& out, std::string& lastFailure)
-      : description_(description), out_(out), lastFailure_(lastFailure) {}
+  TraceSession(const TraceDescription& description, TraceLog& log, std::string& lastFailure)
+      : description_(description), log_(log), lastFailure_(lastFailure) {}
 
   void setCursorLocation(CursorLocation location) override { set("CursorLocation", static_cast<int>(location)); }
   void setConnectionString(std::string_view text) override { set("ConnectionString", withoutPassword(text)); }
@@ -166,13 +162,13 @@ class TraceSession final : public Session {
   void setCommandTimeout(int seconds) override { set("CommandTimeout", seconds); }
 
   void open(std::string_view user, std::string_view password, int options) override {
-    print(out_, {{"call", "open"}, {"user", user}, {"password", password.empty() ? "" : "***"}, {"options", options}});
+    log_.print({{"call", "open"}, {"user", user}, {"password", password.empty() ? "" : "***"}, {"options", options}});
     failIfAsked("(open)");
     state_ = 1;
   }
 
   std::int64_t execute(std::string_view sql) override {
-    print(out_, {{"call", "execute"}, {"sql", sql}, {"options", optionsUnspecified}});
+    log_.print({{"call", "execute"}, {"sql", sql}, {"options", optionsUnspecified}});
     failIfAsked(sql);
     return 0;
   }
@@ -184,7 +180,7 @@ class TraceSession final : public Session {
               {"lockType", static_cast<int>(options.lockType)},
               {"options", optionsUnspecified}};
     if (options.cursorLocation) line["cursorLocation"] = static_cast<int>(*options.cursorLocation);
-    print(out_, line);
+    log_.print(line);
     failIfAsked(sql);
     for (const auto& query : description_.queries) {
       if (contains(sql, query.pattern)) return std::make_unique<TraceRecordset>(query.rows);
@@ -194,14 +190,14 @@ class TraceSession final : public Session {
 
   int state() override { return state_; }
   void close() override {
-    print(out_, {{"call", "close"}});
+    log_.print({{"call", "close"}});
     state_ = stateClosed;
   }
 
  private:
   template <typename Value>
   void set(std::string_view name, const Value& value) {
-    print(out_, {{"call", "set"}, {"name", name}, {"value", value}});
+    log_.print({{"call", "set"}, {"name", name}, {"value", value}});
   }
 
   static bool contains(std::string_view text, const std::regex& expression) {
@@ -217,7 +213,7 @@ class TraceSession final : public Session {
   }
 
   const TraceDescription& description_;
-  std::ostream& out_;
+  TraceLog& log_;
   std::string& lastFailure_;
   int state_ = stateClosed;
 };
@@ -226,7 +222,7 @@ class TraceSession final : public Session {
 
 class TraceLogin final : public Login {
  public:
-  TraceLogin(const TraceDescription& description, std::ostream& out) : description_(description), out_(out) {}
+  TraceLogin(const TraceDescription& description, TraceLog& log) : description_(description), log_(log) {}
 
   std::string accountConnection() override { return description_.accountConnection; }
   std::string password() override { return description_.password; }
@@ -237,11 +233,11 @@ class TraceLogin final : public Login {
   std::string languageId() override { return description_.languageId; }
   int currentPeriodYear() override { return description_.loginPeriodYear; }
   std::string businessDate() override { return description_.businessDate; }
-  void setAuthString(std::string_view rights) override { print(out_, {{"effect", "AuthString"}, {"value", rights}}); }
+  void setAuthString(std::string_view rights) override { log_.print({{"effect", "AuthString"}, {"value", rights}}); }
 
  private:
   const TraceDescription& description_;
-  std::ostream& out_;
+  TraceLog& log_;
 };
 
 class TraceDataSource final : public DataSource {
@@ -257,8 +253,8 @@ class TraceDataSource final : public DataSource {
 
 class TraceArgument final : public ReportArgument {
  public:
-  TraceArgument(const TraceDescription& description, std::ostream& out, std::shared_ptr<Filter> filter)
-      : description_(description), filter_(std::move(filter)), login_(std::make_shared<TraceLogin>(description, out)) {}
+  TraceArgument(const TraceDescription& description, TraceLog& log, std::shared_ptr<Filter> filter)
+      : description_(description), filter_(std::move(filter)), login_(std::make_shared<TraceLogin>(description, log)) {}
 
   std::shared_ptr<Filter> rawFilter() override { return filter_; }
   std::shared_ptr<Login> login() override { return login_; }
@@ -270,6 +266,68 @@ class TraceArgument final : public ReportArgument {
   const TraceDescription& description_;
   std::shared_ptr<Filter> filter_;
   std::shared_ptr<Login> login_;
+};
+
+class TraceDialogItem final : public DialogItem {
+ public:
+  TraceDialogItem(std::shared_ptr<TraceFilter::Item> item, TraceLog& log) : item_(std::move(item)), log_(log) {}
+
+  std::string name() override { return item_->name; }
+  std::string caption() override { return item_->caption; }
+  std::string value() override { return item_->value; }
+  void setValue(std::string_view value) override {
+    item_->value = value;
+    log_.print({{"effect", "value"}, {"key", item_->name}, {"value", value}});
+  }
+  void setBounds(std::string_view lower, std::string_view upper) override {
+    item_->value = lower;
+    item_->value2 = upper;
+    log_.print({{"effect", "value"}, {"key", item_->name}, {"value", lower}, {"value2", upper}});
+  }
+  void setListText(std::string_view choices) override {
+    log_.print({{"effect", "list"}, {"key", item_->name}, {"text", choices}});
+  }
+  void setListSource(std::string_view choicesOrStatement) override {
+    log_.print({{"effect", "listSource"}, {"key", item_->name}, {"text", choicesOrStatement}});
+  }
+
+ private:
+  std::shared_ptr<TraceFilter::Item> item_;
+  TraceLog& log_;
+};
+
+class TraceDialog final : public FilterDialog {
+ public:
+  TraceDialog(std::shared_ptr<TraceFilter> filter, std::shared_ptr<Login> login, std::shared_ptr<Session> connection,
+              TraceLog& log)
+      : filter_(std::move(filter)), login_(std::move(login)), connection_(std::move(connection)), log_(log) {}
+
+  std::shared_ptr<Login> login() override { return login_; }
+  std::string identifier() override { return filter_->identifier(); }
+  Session& connection() override { return *connection_; }
+  int count() override { return filter_->count(); }
+  std::unique_ptr<DialogItem> item(int position) override {
+    return std::make_unique<TraceDialogItem>(filter_->entry(position), log_);
+  }
+  std::unique_ptr<DialogItem> item(std::string_view key) override {
+    return std::make_unique<TraceDialogItem>(filter_->entry(key), log_);
+  }
+  void setUnavailable(std::string_view key, bool flag) override { log_.available(key, !flag); }
+  void setEnumeration(std::string_view key, std::string_view text) override {
+    log_.print({{"effect", "enum"}, {"key", key}, {"text", text}});
+  }
+  void setLookupCondition(std::string_view key, std::string_view secondArgument, std::string_view condition) override {
+    log_.print({{"effect", "lookup"}, {"key", key}, {"arg2", secondArgument}, {"condition", condition}});
+  }
+  void setLookupConditionOfValue(std::string_view key, std::string_view condition, bool valueIsEmpty) override {
+    log_.print({{"effect", "lookup"}, {"key", key}, {"condition", condition}, {"emptyFlag", valueIsEmpty}});
+  }
+
+ private:
+  std::shared_ptr<TraceFilter> filter_;
+  std::shared_ptr<Login> login_;
+  std::shared_ptr<Session> connection_;
+  TraceLog& log_;
 };
 
 template <typename Map, typename Value>
@@ -299,18 +357,18 @@ class TracePublicComponent final : public PublicComponent {
 
 class TraceResources final : public ResourceService {
  public:
-  TraceResources(const TraceDescription& description, std::ostream& out) : description_(description), out_(out) {}
+  TraceResources(const TraceDescription& description, TraceLog& log) : description_(description), log_(log) {}
 
   void takeLogin(Login&) override {}
   std::string enumName(std::string_view type, std::string_view code) override {
     return found(description_.enums, std::string(type) + "/" + std::string(code), std::string(code));
   }
   std::string text(std::string_view key) override { return found(description_.resources, key, std::string(key)); }
-  void showMessage(std::string_view text, int) override { print(out_, {{"effect", "message"}, {"text", text}}); }
+  void showMessage(std::string_view text, int) override { log_.print({{"effect", "message"}, {"text", text}}); }
 
  private:
   const TraceDescription& description_;
-  std::ostream& out_;
+  TraceLog& log_;
 };
 
 class TraceUniqueNames final : public UniqueNameSource {
@@ -335,7 +393,7 @@ class TraceDrillThroughHelper final : public DrillThroughHelper {
 
 }  // namespace
 
-TraceFilter::TraceFilter(const Json& description) {
+TraceFilter::TraceFilter(const Json& description) : identifier_(text(description, "id", "")) {
   std::size_t position = 0;
   for (const Json& item : array(description, "items", "")) {
     const std::string path = "items[" + std::to_string(position++) + "]";
@@ -343,22 +401,31 @@ TraceFilter::TraceFilter(const Json& description) {
     items_.push_back(std::make_shared<Item>(Item{.name = text(item, "name", path),
                                                  .value = text(item, "value", path),
                                                  .value2 = text(item, "value2", path),
+                                                 .caption = text(item, "caption", path),
                                                  .sql = text(item, "sql", path),
                                                  .range = flag(item, "range", path),
                                                  .multiple = flag(item, "multi", path)}));
   }
 }
 
-std::unique_ptr<FilterItem> TraceFilter::item(int position) {
+const std::shared_ptr<TraceFilter::Item>& TraceFilter::entry(int position) {
   if (position < 1 || position > count()) refuseSubscript(std::to_string(position));
-  return std::make_unique<TraceFilterItem>(items_[static_cast<std::size_t>(position) - 1]);
+  return items_[static_cast<std::size_t>(position) - 1];
 }
 
-std::unique_ptr<FilterItem> TraceFilter::item(std::string_view key) {
+const std::shared_ptr<TraceFilter::Item>& TraceFilter::entry(std::string_view key) {
   const auto found =
       std::ranges::find_if(items_, [&](const auto& candidate) { return equalIgnoringCase(candidate->name, key); });
   if (found == items_.end()) refuseSubscript("\"" + std::string(key) + "\"");
-  return std::make_unique<TraceFilterItem>(*found);
+  return *found;
+}
+
+std::unique_ptr<FilterItem> TraceFilter::item(int position) {
+  return std::make_unique<TraceFilterItem>(entry(position));
+}
+
+std::unique_ptr<FilterItem> TraceFilter::item(std::string_view key) {
+  return std::make_unique<TraceFilterItem>(entry(key));
 }
 
 std::string TraceFilter::whereWithToken(int token) {
@@ -410,14 +477,34 @@ TraceDescription::TraceDescription(const Json& description) {
   }
 }
 
+void TraceLog::print(const Json& line) {
+  flush();
+  out_ << line.dump() << '\n';
+}
+
+void TraceLog::available(std::string_view key, bool value) {
+  const auto held = std::ranges::find(held_, key, &std::pair<std::string, bool>::first);
+  if (held == held_.end()) {
+    held_.emplace_back(key, value);
+  } else {
+    held->second = value;
+  }
+}
+
+void TraceLog::flush() {
+  for (const auto& [key, value] : held_)
+    out_ << Json{{"effect", "available"}, {"key", key}, {"value", value}}.dump() << '\n';
+  held_.clear();
+}
+
 std::shared_ptr<Session> TracePlatform::createSession() {
-  return std::make_shared<TraceSession>(description_, out_, lastFailure_);
+  return std::make_shared<TraceSession>(description_, log_, lastFailure_);
 }
 std::shared_ptr<PublicComponent> TracePlatform::createPublicComponent() {
   return std::make_shared<TracePublicComponent>(description_);
 }
 std::shared_ptr<ResourceService> TracePlatform::createResourceService() {
-  return std::make_shared<TraceResources>(description_, out_);
+  return std::make_shared<TraceResources>(description_, log_);
 }
 std::shared_ptr<UniqueNameSource> TracePlatform::createUniqueNameSource() {
   return std::make_shared<TraceUniqueNames>(description_);
@@ -426,8 +513,16 @@ std::shared_ptr<DrillThroughHelper> TracePlatform::createDrillThroughHelper() {
   return std::make_shared<TraceDrillThroughHelper>();
 }
 
+std::shared_ptr<Login> TracePlatform::login() {
+  return std::make_shared<TraceLogin>(description_, log_);
+}
+
+std::unique_ptr<FilterDialog> TracePlatform::dialog(std::shared_ptr<TraceFilter> filter) {
+  return std::make_unique<TraceDialog>(std::move(filter), login(), createSession(), log_);
+}
+
 std::unique_ptr<ReportArgument> TracePlatform::argument(std::shared_ptr<Filter> filter) {
-  return std::make_unique<TraceArgument>(description_, out_, std::move(filter));
+  return std::make_unique<TraceArgument>(description_, log_, std::move(filter));
 }
 
 }  // namespace quillon::workbench

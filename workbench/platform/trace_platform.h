@@ -12,8 +12,10 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "frame/filter_dialog.h"
 #include "frame/platform.h"
 
 namespace quillon::workbench {
@@ -24,14 +26,15 @@ class DescriptionError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// A filter: {"id":"...","items":[{"name":"cModal","value":"1","value2":"","range":false,"multi":false,"sql":"..."}]}.
-// Only `name` must be there. Text, numbers and flags may stand for a text.
+// A filter: {"id":"...","items":[{"name":"cModal","value":"1","value2":"","range":false,"multi":false,"caption":"...",
+// "sql":"..."}]}. Only `name` must be there. Text, numbers and flags may stand for a text.
 class TraceFilter final : public Filter {
  public:
   struct Item {
     std::string name;
     std::string value;
     std::string value2;
+    std::string caption;
     std::string sql;  // the item's strSqlString, and its condition in whereWithToken()
     bool range = false;
     bool multiple = false;
@@ -48,7 +51,13 @@ class TraceFilter final : public Filter {
   // The non-empty `sql` texts of the token's items, joined with " And ".
   std::string whereWithToken(int token) override;
 
+  const std::string& identifier() const { return identifier_; }
+  // The item itself. Throws AutomationError (subscript out of range) when there is none.
+  const std::shared_ptr<Item>& entry(int position);
+  const std::shared_ptr<Item>& entry(std::string_view key);
+
  private:
+  std::string identifier_;
   std::vector<std::shared_ptr<Item>> items_;
 };
 
@@ -96,10 +105,26 @@ struct TraceDescription {
   std::vector<Failure> failures;
 };
 
+// Where the lines go. The availability of items is held back until something else happens, so that an item which a rule
+// makes available and then unavailable is told once, as it ends.
+class TraceLog {
+ public:
+  explicit TraceLog(std::ostream& out) : out_(out) {}
+
+  void print(const nlohmann::ordered_json& line);
+  void available(std::string_view key, bool value);
+  // Writes what is held back: at the end of each event, and before a line that does not come from here.
+  void flush();
+
+ private:
+  std::ostream& out_;
+  std::vector<std::pair<std::string, bool>> held_;  // in the order in which the items were first touched
+};
+
 class TracePlatform final : public Platform {
  public:
   // Both must outlive the platform and what it makes.
-  TracePlatform(const TraceDescription& description, std::ostream& out) : description_(description), out_(out) {}
+  TracePlatform(const TraceDescription& description, std::ostream& out) : description_(description), log_(out) {}
 
   std::shared_ptr<Session> createSession() override;
   std::shared_ptr<PublicComponent> createPublicComponent() override;
@@ -110,12 +135,17 @@ class TracePlatform final : public Platform {
 
   // The argument object of a run with `filter`.
   std::unique_ptr<ReportArgument> argument(std::shared_ptr<Filter> filter);
+  // The login, as argument and dialog hand it out.
+  std::shared_ptr<Login> login();
+  // The dialog side of `filter`. Its own connection runs on the described database too.
+  std::unique_ptr<FilterDialog> dialog(std::shared_ptr<TraceFilter> filter);
+  TraceLog& log() { return log_; }
   // What the database refused last, for whoever wants to know why a build stopped; empty when nothing failed.
   const std::string& lastFailure() const { return lastFailure_; }
 
  private:
   const TraceDescription& description_;
-  std::ostream& out_;
+  TraceLog log_;
   std::string lastFailure_;
 };
 

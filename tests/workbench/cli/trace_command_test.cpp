@@ -36,11 +36,12 @@ std::vector<Json> parsedLines(std::istream& text) {
   return lines;
 }
 
-Traced traced(const Json& filter, const Json& platform) {
+Traced traced(const Json& filter, const Json& platform, const std::string& report = "sfc-item",
+              const std::vector<std::string>& events = {}) {
   std::stringstream out;
   std::stringstream notes;
   Traced result;
-  result.status = trace("sfc-item", filter, platform, out, notes);
+  result.status = trace(report, filter, platform, out, notes, events);
   result.lines = parsedLines(out);
   result.notes = notes.str();
   return result;
@@ -59,18 +60,38 @@ class TraceCase : public testing::TestWithParam<const char*> {};
 
 TEST_P(TraceCase, PrintsTheExpectedLines) {
   const Json description = readJsonFile(casePath(std::string(GetParam()) + ".json"));
-  const Traced result = traced(description["filter"], description["platform"]);
+  const Traced result = traced(description["filter"], description["platform"], description["report"],
+                               description.value("events", std::vector<std::string>()));
   std::ifstream file(casePath(std::string(GetParam()) + ".expected.jsonl"), std::ios::binary);
   ASSERT_TRUE(file.is_open());
   const std::vector<Json> expected = parsedLines(file);
   ASSERT_EQ(result.lines.size(), expected.size());
   for (std::size_t i = 0; i < expected.size(); ++i)
     EXPECT_EQ(result.lines[i], expected[i]) << "line " << i + 1;
-  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.status, expected.back().contains("error") ? 1 : 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, TraceCase,
-                         testing::Values("cost_item_classes", "expense_types_of_a_bare_platform", "failing_statement"));
+                         testing::Values("cost_item_classes", "expense_types_of_a_bare_platform", "failing_statement",
+                                         "outbound_summary_by_class", "dialog_of_the_outbound_summary",
+                                         "dialog_of_the_receipt_issue_balance", "dialog_of_another_report"));
+
+// --- Dialogs ---
+
+TEST(TraceDialog, BeginsAnywhereWithItsConnectionOpen) {
+  const Json platform = Json::parse(R"({"queries":{"MAX":[[2]]}})");
+  const Traced result = traced(Json::object(), platform, "dialog-sfc", {"grade"});
+  ASSERT_EQ(result.lines.size(), 2U);
+  EXPECT_EQ(result.lines[0]["sql"], "select IsNull(MAX(iGrade),1) from Ca_FxClassDef");
+  EXPECT_EQ(result.lines[1], Json::parse(R"({"effect":"gradeList","keys":[1,2]})"));
+}
+
+TEST(TraceDialog, RefusesWhatIsNoEvent) {
+  for (const char* event : {"", "open", "change", "change:", "change:=1", "set:iYear", "view:cModal"}) {
+    EXPECT_THROW(traced(Json::object(), Json::object(), "dialog-sfc", {event}), CommandError) << event;
+  }
+  EXPECT_THROW(traced(byCostItem, Json::object(), "sfc-item", {"init"}), CommandError);
+}
 
 // --- The form of the output ---
 
