@@ -21,6 +21,8 @@ class Module {
   PublicComponent& publicComponent();
   ResourceService& resources();
   UniqueNameSource& uniqueNames();
+  // The next use creates it anew.
+  void releasePublicComponent() { publicComponent_.reset(); }
 
   std::shared_ptr<Session> session;          // set and, after a successful build, released by GETSQL
   std::shared_ptr<Login> login;              // set by GETSQL

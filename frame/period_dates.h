@@ -8,14 +8,10 @@
 
 namespace quillon {
 
-struct PeriodDates {
-  std::string begin;  // "yyyy-mm-dd"; both are empty when the account has no such period
-  std::string end;
-};
-
 // `period` is the year, a point and the month number without a leading zero ("2019.3"). Reads
 // orvsystem..UA_Period.dBegin and .dEnd for the session login's account code (cAcc_Id) on the module's session; both
-// must be set. Throws AutomationError when the login or the session refuses.
+// must be set. Both dates are empty when the account has no such period. Throws AutomationError when the login or the
+// session refuses.
 PeriodDates periodDates(Module& module, std::string_view period);
 
 }  // namespace quillon

@@ -1,15 +1,20 @@
 // The host platform's ports: the argument object and the login that a report gets, and the components that the
 // library creates. frame/com implements them with late-bound automation objects, the workbench with its own.
 // Every member throws AutomationError with the failing call's own code, source and description. All texts are UTF-8.
+// Members with a body are those that not every platform offers: called where they are not offered, they throw
+// AutomationError (not implemented) that names the member, except where the member says otherwise.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/filter.h"
+#include "frame/inventory_environment.h"
 #include "frame/session.h"
+#include "frame/voucher_components.h"
 
 namespace quillon {
 
@@ -27,6 +32,9 @@ class Login {
   virtual std::string languageId() = 0;          // LangID
   virtual int currentPeriodYear() = 0;           // CurPeriodYear
   virtual std::string businessDate() = 0;        // the login's date as the platform formats it
+  // The code of the module that the user is signed in to ("IA" is inventory accounting); empty when the platform does
+  // not tell.
+  virtual std::string moduleCode() { return {}; }
 
   // AuthString: which of the user's data rights restrict the lookups of the filter dialog.
   virtual void setAuthString(std::string_view rights) = 0;
@@ -42,6 +50,17 @@ class DataSource {
 
   virtual void setType(int type) = 0;     // Type
   virtual std::string resultTable() = 0;  // SQL: the name of the table that the report makes and fills
+  // The detail ledger tells the platform where its rows are, instead of being told.
+  virtual void setResultTable(std::string_view name);
+};
+
+// The row of a report that the user acts on.
+class ReportRow {
+ public:
+  virtual ~ReportRow() = default;
+
+  // GetData: the value of the result table's column `column` as text; empty for null.
+  virtual std::string value(std::string_view column) = 0;
 };
 
 // The argument object e of GETSQL and Execute.
@@ -54,6 +73,18 @@ class ReportArgument {
   virtual std::shared_ptr<Login> filterLogin() = 0;      // LoginObj
   virtual std::unique_ptr<DataSource> dataSource() = 0;  // DataSource
   virtual std::string action() = 0;                      // Action
+  virtual std::unique_ptr<ReportRow> row();              // RelateData: the row that Execute is called for
+};
+
+// The first and the last day of an accounting period, "yyyy-mm-dd".
+struct PeriodDates {
+  std::string begin;
+  std::string end;
+};
+
+struct AccountingPeriod {
+  int year = 0;
+  int month = 0;  // 1 to 12
 };
 
 // The public component IA_Pub.ClsIAPub: account information.
@@ -69,6 +100,20 @@ class PublicComponent {
   // The years in use of account `accountCode`, as text, in the order of the component's dictionary (keys "1", "2",
   // ...).
   virtual std::vector<std::string> usedYears(std::string_view accountCode, Session& session) = 0;  // GetIAUsedYears
+
+  // Whether the cost items' opening balances of `year` are complete.
+  virtual bool costItemOpeningsFinished(int year, Session& session);  // IsFxFinishQC
+  // The period in which module `system` ("IA") began.
+  virtual AccountingPeriod moduleStart(std::string_view system, Session& session);  // StartMonthYear
+  // The first and the last day of a period of account `accountCode`.
+  virtual PeriodDates datesOfPeriod(std::string_view accountCode, AccountingPeriod period,
+                                    Session& session);  // GetDateFromPeriod
+  // The period that holds `date` ("yyyy-mm-dd").
+  virtual AccountingPeriod periodOfDate(std::string_view date, Session& session);  // GetPeriodFromDate
+  // Whether the period is settled, so that a report may run past it.
+  virtual bool periodSettled(AccountingPeriod period, Session& session);  // GetMonthState
+  // The workstation's name as it is used in work-table names: letters, digits and underscores.
+  virtual std::string workstationName();  // GetComputerName
 };
 
 // The resource and message service.
@@ -99,12 +144,6 @@ class DrillThroughHelper {
   virtual std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) = 0;
 };
 
-// The platform's business object, kept for whoever drills through; the library only holds it.
-class BusinessObject {
- public:
-  virtual ~BusinessObject() = default;
-};
-
 // Makes the platform's components. One per thread, outliving everything that it made.
 class Platform {
  public:
@@ -117,6 +156,14 @@ class Platform {
   virtual std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() = 0;
   // Creates a naming object, reads the number of its member with dispatch id 1 and gives its decimal text as it comes.
   virtual std::string namingNumber() = 0;
+  // Creates a helper and reads the number that is its default member: a fresh one for each work table of a session.
+  virtual std::int32_t workTableNumber();
+
+  virtual std::unique_ptr<AccountLogin> createAccountLogin();
+  virtual std::unique_ptr<InventoryEnvironment> createInventoryEnvironment();
+  virtual std::unique_ptr<SourceVoucherComponent> createSourceVoucherComponent();  // PellUniVch.clsUniVch
+  virtual std::unique_ptr<LedgerModule> createLedgerModule();                      // ZzPub.clsPub
+  virtual std::unique_ptr<LedgerVoucherComponent> createLedgerVoucherComponent();  // ZzPz.clsPZ
 };
 
 }  // namespace quillon

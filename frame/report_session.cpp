@@ -4,9 +4,7 @@
 
 namespace quillon {
 
-namespace {
-
-void openWithLogin(Module& module) {
+void openSession(Module& module) {
   Session& session = *module.session;
   session.setCursorLocation(CursorLocation::client);
   session.setConnectionString(module.login->accountConnection());
@@ -15,18 +13,16 @@ void openWithLogin(Module& module) {
   session.open("", "", optionsUnspecified);
 }
 
-}  // namespace
-
 void openReportSession(Module& module, ReportArgument& argument) {
   module.session = module.platform().createSession();
   module.login = argument.login();
-  openWithLogin(module);
+  openSession(module);
 }
 
 void openDialogSession(Module& module, FilterDialog& dialog) {
   module.session = module.platform().createSession();
   module.login = dialog.login();
-  openWithLogin(module);
+  openSession(module);
   module.resources().takeLogin(*module.login);
 }
 

@@ -7,9 +7,12 @@
 
 namespace quillon {
 
-// Puts a new session and the argument's login into the module and opens the session with the login's OrvDbName,
-// client-side cursors and no time limit. Throws AutomationError of the failing call; what was set so far stays and is
-// replaced by the next run.
+// Opens the module's session with the OrvDbName of the module's login, client-side cursors and no time limit; both must
+// be set. Throws AutomationError of the failing call.
+void openSession(Module& module);
+
+// Puts a new session and the argument's login into the module and opens the session. Throws AutomationError of the
+// failing call; what was set so far stays and is replaced by the next run.
 void openReportSession(Module& module, ReportArgument& argument);
 
 // The same with the dialog's login, which it then hands to the resource service.

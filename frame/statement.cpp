@@ -18,4 +18,11 @@ std::string terminated(Lines lines) {
   return statement;
 }
 
+std::string concatenated(Lines pieces) {
+  std::string statement;
+  for (const std::string_view piece : pieces)
+    statement += piece;
+  return statement;
+}
+
 }  // namespace quillon

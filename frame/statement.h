@@ -1,4 +1,4 @@
-// How a statement is put together from its lines.
+// How a statement is put together from its lines or pieces.
 #pragma once
 
 #include <initializer_list>
@@ -17,5 +17,8 @@ std::string joined(Lines lines);
 
 // The same with a line break behind the last line too.
 std::string terminated(Lines lines);
+
+// A statement that is written as pieces, with nothing between them; each piece has its own blanks and line breaks.
+std::string concatenated(Lines pieces);
 
 }  // namespace quillon

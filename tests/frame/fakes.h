@@ -218,6 +218,7 @@ class FakeLogin final : public Login, private Counted {
     return 2024;
   }
   std::string businessDate() override { return read("date", "2024-06-30"); }
+  std::string moduleCode() override { return read("module code", "IA"); }
   void setAuthString(std::string_view rights) override { call("Login.AuthString = " + std::string(rights)); }
 
  private:
@@ -236,6 +237,23 @@ class FakeDataSource final : public DataSource, private Counted {
     call("DataSource.SQL");
     return "tmp_result";
   }
+  void setResultTable(std::string_view name) override { call("DataSource.SQL = " + std::string(name)); }
+};
+
+// A column that it does not have is null.
+class FakeRow final : public ReportRow, private Counted {
+ public:
+  FakeRow(Record& record, std::map<std::string, std::string, std::less<>> columns)
+      : Counted(record), columns_(std::move(columns)) {}
+
+  std::string value(std::string_view column) override {
+    call("GetData(" + std::string(column) + ")");
+    const auto found = columns_.find(column);
+    return found == columns_.end() ? std::string() : found->second;
+  }
+
+ private:
+  std::map<std::string, std::string, std::less<>> columns_;
 };
 
 class FakeArgument final : public ReportArgument {
@@ -243,6 +261,7 @@ class FakeArgument final : public ReportArgument {
   FakeArgument(Record& record, std::shared_ptr<Filter> filter) : record_(record), filter_(std::move(filter)) {}
 
   std::string actionText;
+  std::map<std::string, std::string, std::less<>> rowColumns;
 
   std::shared_ptr<Filter> rawFilter() override {
     record_.call("e.rawFilter");
@@ -264,6 +283,10 @@ class FakeArgument final : public ReportArgument {
     record_.call("e.Action");
     return actionText;
   }
+  std::unique_ptr<ReportRow> row() override {
+    record_.call("e.RelateData");
+    return std::make_unique<FakeRow>(record_, rowColumns);
+  }
 
  private:
   Record& record_;
@@ -279,6 +302,12 @@ struct Answers {
   int currentPeriodYear = 2024;
   std::string valuationMethod = "按仓库核算";
   std::string namingNumber = "77";
+
+  std::map<std::string, std::string, std::less<>> options;  // by "SYSTEM.NAME"; others answer with valuationMethod
+  bool costItemOpeningsFinished = true;
+  AccountingPeriod moduleStart{.year = 2024, .month = 1};
+  int lastSettledMonth = 12;  // of every year
+  std::string costingBasis = "按仓库核算";
 };
 
 class FakePublicComponent final : public PublicComponent, private Counted {
@@ -287,7 +316,8 @@ class FakePublicComponent final : public PublicComponent, private Counted {
 
   std::string accountInformation(std::string_view system, std::string_view name, Session&) override {
     call("GetAccInformation(" + std::string(system) + ", " + std::string(name) + ")");
-    return answers_.valuationMethod;
+    const auto option = answers_.options.find(std::string(system) + "." + std::string(name));
+    return option == answers_.options.end() ? answers_.valuationMethod : option->second;
   }
   int currentPeriodYear(Session&) override {
     call("CurPeriodYear");
@@ -302,8 +332,39 @@ class FakePublicComponent final : public PublicComponent, private Counted {
     call("GetIAUsedYears(" + std::string(accountCode) + ")");
     return answers_.usedYears;
   }
+  bool costItemOpeningsFinished(int year, Session&) override {
+    call("IsFxFinishQC(" + std::to_string(year) + ")");
+    return answers_.costItemOpeningsFinished;
+  }
+  AccountingPeriod moduleStart(std::string_view system, Session&) override {
+    call("StartMonthYear(" + std::string(system) + ")");
+    return answers_.moduleStart;
+  }
+  // Periods are calendar months; every month has 28 days.
+  PeriodDates datesOfPeriod(std::string_view accountCode, AccountingPeriod period, Session&) override {
+    call("GetDateFromPeriod(" + std::string(accountCode) + ", " + periodText(period) + ")");
+    const std::string month =
+        std::to_string(period.year) + (period.month < 10 ? "-0" : "-") + std::to_string(period.month);
+    return {.begin = month + "-01", .end = month + "-28"};
+  }
+  AccountingPeriod periodOfDate(std::string_view date, Session&) override {
+    call("GetPeriodFromDate(" + std::string(date) + ")");
+    return {.year = std::stoi(std::string(date.substr(0, 4))), .month = std::stoi(std::string(date.substr(5, 2)))};
+  }
+  bool periodSettled(AccountingPeriod period, Session&) override {
+    call("GetMonthState(" + periodText(period) + ")");
+    return period.month <= answers_.lastSettledMonth;
+  }
+  std::string workstationName() override {
+    call("GetComputerName");
+    return "BENCH";
+  }
 
  private:
+  static std::string periodText(AccountingPeriod period) {
+    return std::to_string(period.year) + "." + std::to_string(period.month);
+  }
+
   const Answers& answers_;
 };
 
@@ -350,6 +411,109 @@ class FakeDrillThroughHelper final : public DrillThroughHelper, private Counted 
   }
 };
 
+class FakeAccountLogin final : public AccountLogin, private Counted {
+ public:
+  using Counted::Counted;
+
+  void initialise(std::string_view connection, std::string_view passwordText) override {
+    call("AccountLogin.initialise(" + std::string(connection) + ", " + std::string(passwordText) + ")");
+  }
+};
+
+class FakeAccountOptions final : public AccountOptions, private Counted {
+ public:
+  FakeAccountOptions(Record& record, const Answers& answers) : Counted(record), answers_(answers) {}
+
+  std::string costingBasis() override {
+    call("AccountOptions.costingBasis");
+    return answers_.costingBasis;
+  }
+  std::string inventoryTable() override {
+    call("AccountOptions.inventoryTable");
+    return "Inventory_rights";
+  }
+  std::string warehouseTable() override {
+    call("AccountOptions.warehouseTable");
+    return "Warehouse_rights";
+  }
+
+ private:
+  const Answers& answers_;
+};
+
+class FakeInventoryEnvironment final : public InventoryEnvironment, private Counted {
+ public:
+  FakeInventoryEnvironment(Record& record, const Answers& answers) : Counted(record), answers_(answers) {}
+
+  void setLogin(AccountLogin&) override { call("InventoryEnvironment.setLogin"); }
+  std::string resultTable() override {
+    call("InventoryEnvironment.resultTable");
+    return "tmp_detail";
+  }
+  std::unique_ptr<AccountOptions> accountOptions(AccountLogin&, std::string_view resultTable) override {
+    call("InventoryEnvironment.accountOptions(" + std::string(resultTable) + ")");
+    return std::make_unique<FakeAccountOptions>(record(), answers_);
+  }
+
+ private:
+  const Answers& answers_;
+};
+
+class FakeSourceVoucherComponent final : public SourceVoucherComponent, private Counted {
+ public:
+  using Counted::Counted;
+
+  void initialise(Login&, Session&, std::string_view systemVersion) override {
+    call("clsUniVch.Init(" + std::string(systemVersion) + ")");
+  }
+  void showVoucher(VoucherGroup group, const SourceVoucher& voucher, Session&) override {
+    const std::string form = group == VoucherGroup::adjustment  ? "adjustment, "
+                             : group == VoucherGroup::writeBack ? "write-back, "
+                                                                : "other, ";
+    call("clsUniVch.ShowVoucher(" + form + text(voucher) + ")");
+  }
+  void showCostItemAdjustment(const SourceVoucher& voucher, Session&) override {
+    call("clsUniVch.ShowProJust(" + text(voucher) + ")");
+  }
+  void showDifferences(const SourceVoucher& voucher, bool commercial, std::string_view valuationMethod,
+                       Session&) override {
+    call("clsUniVch.ShowDifVouchs(" + text(voucher) + (commercial ? ", commercial, " : ", industrial, ") +
+         std::string(valuationMethod) + ")");
+  }
+  void showPriceAdjustment(const SourceVoucher& voucher) override {
+    call("clsUniVch.ShowCostJustVouch(" + text(voucher) + ")");
+  }
+
+ private:
+  // Type, code and line, the code in quotes, so that its blanks are seen.
+  static std::string text(const SourceVoucher& voucher) {
+    return voucher.type + ", \"" + voucher.code + "\", " + std::to_string(voucher.lineId);
+  }
+};
+
+class FakeLedgerModule final : public LedgerModule, private Counted {
+ public:
+  using Counted::Counted;
+
+  void setBusiness(BusinessObject&) override { call("clsPub.g_business"); }
+  void setLogin(Login&) override { call("clsPub.oLogIn"); }
+  void initialise(std::string_view connection, std::string_view passwordText, int year, Login&) override {
+    call("clsPub.InitPubs2(" + std::string(connection) + ", " + std::string(passwordText) + ", " +
+         std::to_string(year) + ")");
+  }
+};
+
+class FakeLedgerVoucherComponent final : public LedgerVoucherComponent, private Counted {
+ public:
+  using Counted::Counted;
+
+  void setLogin(Login&) override { call("clsPZ.zzLogin"); }
+  void setModule(LedgerModule&) override { call("clsPZ.zzSys"); }
+  void open(const LedgerVoucher& voucher) override {
+    call("clsPZ.StartUpPz(" + voucher.menuCode + ", " + voucher.moduleTitle + ", " + voucher.id + ")");
+  }
+};
+
 class FakePlatform final : public Platform {
  public:
   Record record;
@@ -380,9 +544,38 @@ class FakePlatform final : public Platform {
     return answers.namingNumber;
   }
 
+  // 101, 102, ...
+  std::int32_t workTableNumber() override {
+    record.call("work table number");
+    return ++workTableNumber_;
+  }
+  std::unique_ptr<AccountLogin> createAccountLogin() override {
+    record.call("create AccountLogin");
+    return std::make_unique<FakeAccountLogin>(record);
+  }
+  std::unique_ptr<InventoryEnvironment> createInventoryEnvironment() override {
+    record.call("create InventoryEnvironment");
+    return std::make_unique<FakeInventoryEnvironment>(record, answers);
+  }
+  std::unique_ptr<SourceVoucherComponent> createSourceVoucherComponent() override {
+    record.call("create PellUniVch.clsUniVch");
+    return std::make_unique<FakeSourceVoucherComponent>(record);
+  }
+  std::unique_ptr<LedgerModule> createLedgerModule() override {
+    record.call("create ZzPub.clsPub");
+    return std::make_unique<FakeLedgerModule>(record);
+  }
+  std::unique_ptr<LedgerVoucherComponent> createLedgerVoucherComponent() override {
+    record.call("create ZzPz.clsPZ");
+    return std::make_unique<FakeLedgerVoucherComponent>(record);
+  }
+
   std::shared_ptr<FakeFilter> filter(std::vector<ItemValues> items) {
     return std::make_shared<FakeFilter>(record, std::move(items));
   }
+
+ private:
+  std::int32_t workTableNumber_ = 100;
 };
 
 }  // namespace quillon::fakes

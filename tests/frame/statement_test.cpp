@@ -17,5 +17,9 @@ TEST(Statement, CanEndEveryLineWithCrLf) {
   EXPECT_EQ(terminated({"a", "", "b"}), "a\r\nb\r\n");
 }
 
+TEST(Statement, CanBeWrittenInPiecesWithNothingBetween) {
+  EXPECT_EQ(concatenated({"a ", "", "b\r\n", "c"}), "a b\r\nc");
+}
+
 }  // namespace
 }  // namespace quillon

@@ -1,0 +1,60 @@
+// The inventory-accounting environment: what the platform's own objects know of an account's costing basis and of the
+// tables that the detail ledger and its filter dialog read and write.
+// Every member throws AutomationError with the failing call's own code, source and description. All texts are UTF-8.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+class Login;
+class Platform;
+
+// Values of the costing basis. The platform may give others: then neither warehouse nor department counts.
+inline constexpr std::string_view costedByInventory = "按存货核算";
+inline constexpr std::string_view costedByWarehouse = "按仓库核算";
+inline constexpr std::string_view costedByDepartment = "按部门核算";
+
+// The login that the environment works with.
+class AccountLogin {
+ public:
+  virtual ~AccountLogin() = default;
+
+  // `connection` is the ADO connection string of the account database, `passwordText` ";PWD=" and the password.
+  virtual void initialise(std::string_view connection, std::string_view passwordText) = 0;
+};
+
+class AccountOptions {
+ public:
+  virtual ~AccountOptions() = default;
+
+  virtual std::string costingBasis() = 0;
+  // Tables, or views of them that the user's data rights limit, as they are named in statements.
+  virtual std::string inventoryTable() = 0;
+  virtual std::string warehouseTable() = 0;
+};
+
+class InventoryEnvironment {
+ public:
+  virtual ~InventoryEnvironment() = default;
+
+  virtual void setLogin(AccountLogin& login) = 0;
+  // The table that the detail ledger makes and fills: the first of the two names that the environment gives.
+  virtual std::string resultTable() = 0;
+  virtual std::unique_ptr<AccountOptions> accountOptions(AccountLogin& login, std::string_view resultTable) = 0;
+};
+
+// An environment that has been given its login, and what it answers. Released together.
+struct OpenEnvironment {
+  std::unique_ptr<AccountLogin> login;
+  std::unique_ptr<InventoryEnvironment> environment;
+  std::string resultTable;
+  std::unique_ptr<AccountOptions> options;
+};
+
+// Creates the platform's objects for the account that `login` names by OrvDbName and SysPassword.
+OpenEnvironment openInventoryEnvironment(Platform& platform, Login& login);
+
+}  // namespace quillon
