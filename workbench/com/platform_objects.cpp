@@ -485,8 +485,12 @@ ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login) {
 }
 
 PlatformStandIn::PlatformStandIn(EmbeddedPlatform& platform, const std::shared_ptr<SessionMonitor>& monitor)
-    : ado_(monitor),
-      publicComponent_(com::classIdOf(bindings::publicComponent),
+    : PlatformStandIn(platform) {
+  ado_.emplace(monitor);
+}
+
+PlatformStandIn::PlatformStandIn(EmbeddedPlatform& platform)
+    : publicComponent_(com::classIdOf(bindings::publicComponent),
                        [&platform]() -> ComPtr<IUnknown> {
                          return makeObject<PublicComponentDispatch>(platform.createPublicComponent());
                        }),

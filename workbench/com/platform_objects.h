@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "frame/com/class_factory.h"
 #include "frame/com/dispatch_object.h"
@@ -35,9 +36,11 @@ class PlatformStandIn {
   // loaded; it does not refer to `platform`. `monitor` watches every session that is opened; it may be null. Throws
   // AutomationError.
   PlatformStandIn(EmbeddedPlatform& platform, const std::shared_ptr<SessionMonitor>& monitor);
+  // For an account on a server: ADO's ProgIDs keep meaning the ADO that the machine has.
+  explicit PlatformStandIn(EmbeddedPlatform& platform);
 
  private:
-  EmbeddedAdo ado_;
+  std::optional<EmbeddedAdo> ado_;
   com::InProcessClass publicComponent_;
   com::InProcessClass resourceService_;
   com::InProcessClass naming_;

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "frame/com/class_lookup.h"
+#include "frame/com/platform_bindings.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/registrations.h"
@@ -10,11 +12,17 @@ namespace quillon::workbench {
 
 using com::Call;
 using com::Variant;
+namespace bindings = com::bindings;
 
 namespace {
 
 AutomationError refusal(HResult code, std::string description) {
   return {code, "QuillonWorkbench.Platform", std::move(description)};
+}
+
+// The machine's own ADO.
+std::shared_ptr<Session> newSession() {
+  return std::make_shared<com::AdoSession>(com::createObject(bindings::connection));
 }
 
 // Runs `action`; what the workbench refuses in its own words reaches the script with them.
@@ -48,10 +56,9 @@ auto WorkbenchPlatform::members() -> std::span<const Member> {
   return table;
 }
 
-AdoConnection& WorkbenchPlatform::account() {
-  if (!connection_)
-    throw refusal(hresult::unexpected, "No account is open: call OpenAccount with an account file first.");
-  return *connection_;
+com::AdoSession& WorkbenchPlatform::account() {
+  if (!account_) throw refusal(hresult::unexpected, "No account is open: call OpenAccount with an account file first.");
+  return *account_;
 }
 
 Variant WorkbenchPlatform::language(Call& call) {
@@ -60,36 +67,50 @@ Variant WorkbenchPlatform::language(Call& call) {
     if (wanted != "zh" && wanted != "en") {
       throw refusal(hresult::invalidArgument, "The language \"" + wanted + "\" is not known: use \"zh\" or \"en\".");
     }
-    if (connection_) throw refusal(hresult::unexpected, "Set the language before the account is opened.");
+    if (account_) throw refusal(hresult::unexpected, "Set the language before the account is opened.");
     language_ = wanted == "zh" ? Language::chinese : Language::english;
   }
   return language_ == Language::chinese ? "zh" : "en";
 }
 
 Variant WorkbenchPlatform::openAccount(Call& call) {
-  if (connection_) {
+  if (account_) {
     throw refusal(hresult::unexpected,
                   "An account is open already: Quillon.dll keeps its components for as long as it is loaded, so a "
                   "process works on one account.");
   }
   const std::string source = call.text(0);
-  const std::string text = inAutomationWords([&] { return connectionString(accountFile(source)); });
-  com::ComPtr<AdoConnection> connection = com::makeObject<AdoConnection>(failures_);
-  connection->openWith(text);
-  platform_ = std::make_unique<EmbeddedPlatform>(EmbeddedPlatformOptions{
-      .accountConnection = text, .language = language_, .monitor = failures_.get(), .messages = {}});
-  standIn_.emplace(*platform_, failures_);
-  connection_ = std::move(connection);
+  const bool onServer = namesServer(source);
+  accountConnection_ = onServer ? source : inAutomationWords([&] { return connectionString(accountFile(source)); });
+  EmbeddedPlatformOptions options{
+      .accountConnection = accountConnection_, .language = language_, .monitor = failures_.get()};
+  if (onServer) options.makeSession = newSession;
+  platform_ = std::make_unique<EmbeddedPlatform>(std::move(options));
+  if (onServer) {
+    standIn_.emplace(*platform_);
+  } else {
+    standIn_.emplace(*platform_, failures_);
+  }
+  try {
+    com::AdoSession session(com::createObject(bindings::connection));
+    // So that a recordset of Query counts its rows and outlives the next query.
+    session.setCursorLocation(CursorLocation::client);
+    session.setConnectionString(accountConnection_);
+    session.open("", "", optionsUnspecified);
+    account_ = std::move(session);
+  } catch (...) {
+    standIn_.reset();
+    throw;
+  }
   return {};
 }
 
 Variant WorkbenchPlatform::newArgument(Call& call) {
-  EmbeddedSession& session = account().session();
+  Session& session = account();
   const std::string report = call.text(0);
   return inAutomationWords([&] {
     const auto filter = std::make_shared<FilterObject>(registrationOf(report));
-    const auto login =
-        std::make_shared<WorkbenchLogin>(accountLogin(session, session.connectionText(), language_, "", ""));
+    const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, accountConnection_, language_, "", ""));
     prepareFilter(*filter, *login, session);
     return Variant(
         argumentObject(std::make_shared<WorkbenchArgument>(filter, login, "QuillonReport" + uniqueNamePart())));
@@ -97,9 +118,8 @@ Variant WorkbenchPlatform::newArgument(Call& call) {
 }
 
 Variant WorkbenchPlatform::query(Call& call) {
-  std::string sql = call.text(0);
-  BatchResult result = account().runBatch(sql);
-  return com::makeObject<AdoRecordset>(connection_, std::move(sql), std::move(result.recordset));
+  const com::LateBound connection(account().connection(), "ADODB.Connection");
+  return connection.object(bindings::ado::execute, "ADODB.Recordset", {call.text(0)}).object();
 }
 
 Variant WorkbenchPlatform::failureNumber(Call&) {

@@ -1,11 +1,13 @@
 // QuillonWorkbench.Platform: the stand-alone platform for scripts. While it has an account open, the script's process
-// finds the embedded account under ADO's ProgIDs and the workbench's components under the platform's.
+// finds the workbench's components under the platform's ProgIDs, and under ADO's the embedded account, unless the
+// account is on a server: then ADO is the machine's own.
 #pragma once
 
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "frame/com/ado_session.h"
 #include "frame/com/dispatch_object.h"
 #include "workbench/com/platform_objects.h"
 
@@ -26,17 +28,17 @@ class FailureKeeper final : public SessionMonitor {
   StatementFailure last_;
 };
 
-// Members:
-//   Language                 "zh" (the default) or "en"; written before OpenAccount
-//   OpenAccount(source)      an account file, or its connection string; once for an object
-//   NewArgument(report)      an argument object e for the report ("sfc-item"): a filter with its defaults, the
-//   account's
-//                            login, and a data source whose SQL is a fresh table name
-//   Query(sql)               a Recordset with the rows of a query on the platform's own connection
-//   FailureNumber, FailureText, FailureStatement
-//                            SQL Server's number and text of the last statement that failed in this process (0 and
-//                            empty when none did), and the statement: what a report absorbed is read here
-//   LiveObjects              how many of the workbench's automation objects are alive
+// Its members:
+// - Language: "zh" (the default) or "en"; written before OpenAccount.
+// - OpenAccount(source): an account file, its connection string, or ADO's connection string to an account on a server;
+//   once for an object.
+// - NewArgument(report): an argument object e for the report ("sfc-item"): a filter with its defaults, the account's
+//   login, and a data source whose SQL is a fresh table name.
+// - Query(sql): a Recordset with the rows of a query on the platform's own connection.
+// - FailureNumber, FailureText, FailureStatement: SQL Server's number and text of the last statement that failed on an
+//   embedded account in this process (0 and empty when none did), and the statement: what a report absorbed is read
+//   here.
+// - LiveObjects: how many of the workbench's automation objects are alive.
 class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
  public:
   static std::span<const Member> members();
@@ -52,13 +54,14 @@ class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
   com::Variant liveObjects(com::Call& call);
   const char* sourceName() const override { return "QuillonWorkbench.Platform"; }
 
-  AdoConnection& account();
+  com::AdoSession& account();
 
   Language language_ = Language::chinese;
   std::shared_ptr<FailureKeeper> failures_ = std::make_shared<FailureKeeper>();
-  com::ComPtr<AdoConnection> connection_;
+  std::string accountConnection_;
   std::unique_ptr<EmbeddedPlatform> platform_;
   std::optional<PlatformStandIn> standIn_;
+  std::optional<com::AdoSession> account_;  // open
 };
 
 }  // namespace quillon::workbench

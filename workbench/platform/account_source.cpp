@@ -1,6 +1,7 @@
 #include "workbench/platform/account_source.h"
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 
 #include "frame/text.h"
@@ -42,6 +43,21 @@ bool isConnectionString(std::string_view source) {
   return source.find('=') != std::string_view::npos && std::ranges::find(keywords, keyword) != std::end(keywords);
 }
 
+// The "Data Source" of a connection string that has no other keyword but a password's; empty when it has not even that
+// one, nullopt when another keyword makes it a server's.
+std::optional<std::string> embeddedDataSource(std::string_view connectionString) {
+  std::string file;
+  for (std::string_view rest = trimBlanks(connectionString); !rest.empty(); rest = trimBlanks(rest)) {
+    auto [keyword, value] = takePart(rest);
+    if (keyword == "data source") {
+      file = std::move(value);
+    } else if (keyword != "pwd" && keyword != "password") {
+      return std::nullopt;
+    }
+  }
+  return file;
+}
+
 }  // namespace
 
 std::filesystem::path pathFromUtf8(std::string_view text) {
@@ -53,23 +69,20 @@ std::string utf8FromPath(const std::filesystem::path& path) {
   return {text.begin(), text.end()};
 }
 
+bool namesServer(std::string_view source) {
+  return isConnectionString(source) && !embeddedDataSource(source);
+}
+
 std::filesystem::path accountFile(std::string_view source) {
-  std::string file(source);
-  if (isConnectionString(source)) {
-    file.clear();
-    for (std::string_view rest = trimBlanks(source); !rest.empty(); rest = trimBlanks(rest)) {
-      const auto [keyword, value] = takePart(rest);
-      if (keyword == "data source") {
-        file = value;
-      } else if (keyword != "pwd" && keyword != "password") {
-        throw std::invalid_argument(
-            "a connection string to a database server cannot be used here; name an account file (made with \"quillon "
-            "account new FILE\")");
-      }
-    }
+  const std::optional<std::string> file =
+      isConnectionString(source) ? embeddedDataSource(source) : std::optional(std::string(source));
+  if (!file) {
+    throw std::invalid_argument(
+        "a connection string to a database server cannot be used here; name an account file (made with \"quillon "
+        "account new FILE\")");
   }
-  if (file.empty()) throw std::invalid_argument("no account is named; name an account file");
-  return pathFromUtf8(file);
+  if (file->empty()) throw std::invalid_argument("no account is named; name an account file");
+  return pathFromUtf8(*file);
 }
 
 std::string connectionString(const std::filesystem::path& file) {

@@ -82,8 +82,12 @@ std::vector<std::string> AccountPublicComponent::usedYears(std::string_view acco
   return years;
 }
 
-WorkbenchResources::WorkbenchResources(Language language, std::string accountConnection, MessageSink messages)
-    : language_(language), accountConnection_(std::move(accountConnection)), messages_(std::move(messages)) {}
+WorkbenchResources::WorkbenchResources(Language language, std::string accountConnection, SessionMaker makeSession,
+                                       MessageSink messages)
+    : language_(language),
+      accountConnection_(std::move(accountConnection)),
+      makeSession_(std::move(makeSession)),
+      messages_(std::move(messages)) {}
 
 void WorkbenchResources::takeLogin(Login& login) {
   language_ = login.languageRegion().starts_with("zh") ? Language::chinese : Language::english;
@@ -91,10 +95,10 @@ void WorkbenchResources::takeLogin(Login& login) {
 
 std::string WorkbenchResources::enumName(std::string_view type, std::string_view code) {
   if (!session_) {
-    auto session = std::make_unique<EmbeddedSession>();
+    const std::shared_ptr<Session> session = makeSession_();
     session->setConnectionString(accountConnection_);
     session->open("", "", optionsUnspecified);
-    session_ = std::move(session);
+    session_ = session;
   }
   return lookUp(*session_, "Select EnumName From AA_Enum Where EnumType = " + quotedText(type) +
                                " And EnumCode = " + quotedText(code) +
@@ -123,7 +127,7 @@ std::string uniqueNamePart() {
 }
 
 std::shared_ptr<Session> EmbeddedPlatform::createSession() {
-  return std::make_shared<EmbeddedSession>(options_.monitor);
+  return options_.makeSession ? options_.makeSession() : std::make_shared<EmbeddedSession>(options_.monitor);
 }
 
 std::shared_ptr<PublicComponent> EmbeddedPlatform::createPublicComponent() {
@@ -131,7 +135,11 @@ std::shared_ptr<PublicComponent> EmbeddedPlatform::createPublicComponent() {
 }
 
 std::shared_ptr<ResourceService> EmbeddedPlatform::createResourceService() {
-  return std::make_shared<WorkbenchResources>(options_.language, options_.accountConnection, options_.messages);
+  // What the service reads of an embedded account is no part of a report: nobody watches it.
+  SessionMaker sessions =
+      options_.makeSession ? options_.makeSession : SessionMaker([] { return std::make_shared<EmbeddedSession>(); });
+  return std::make_shared<WorkbenchResources>(options_.language, options_.accountConnection, std::move(sessions),
+                                              options_.messages);
 }
 
 std::shared_ptr<UniqueNameSource> EmbeddedPlatform::createUniqueNameSource() {

@@ -1,4 +1,5 @@
-// The stand-alone platform over an embedded account: makes every component that the library asks its platform for.
+// The stand-alone platform over an account, embedded or on a server: makes every component that the library asks its
+// platform for.
 #pragma once
 
 #include <functional>
@@ -12,6 +13,9 @@
 #include "workbench/platform/language.h"
 
 namespace quillon::workbench {
+
+// Makes a session that is not open yet.
+using SessionMaker = std::function<std::shared_ptr<Session>()>;
 
 // IA_Pub.ClsIAPub: answers from the account's own tables, through the session that the caller passes.
 class AccountPublicComponent final : public PublicComponent {
@@ -32,7 +36,8 @@ class WorkbenchResources final : public ResourceService {
  public:
   using MessageSink = std::function<void(std::string_view text, int flags)>;
 
-  WorkbenchResources(Language language, std::string accountConnection, MessageSink messages);
+  // `makeSession` makes the session that enumeration names are read on; it is opened with `accountConnection`.
+  WorkbenchResources(Language language, std::string accountConnection, SessionMaker makeSession, MessageSink messages);
 
   // Texts come in the login's language from then on.
   void takeLogin(Login& login) override;
@@ -44,8 +49,9 @@ class WorkbenchResources final : public ResourceService {
  private:
   Language language_;
   std::string accountConnection_;
+  SessionMaker makeSession_;
   MessageSink messages_;
-  std::unique_ptr<Session> session_;  // opened when the first enumeration name is asked for
+  std::shared_ptr<Session> session_;  // opened when the first enumeration name is asked for
 };
 
 // A unique part of a table name: lower-case letters and digits, never the same twice, whichever process asks.
@@ -59,7 +65,8 @@ class WorkbenchUniqueNames final : public UniqueNameSource {
 struct EmbeddedPlatformOptions {
   std::string accountConnection = {};  // as the login gives it
   Language language = Language::chinese;
-  SessionMonitor* monitor = nullptr;              // watches every session that the platform makes; outlives it
+  SessionMonitor* monitor = nullptr;              // watches every embedded session; outlives the platform
+  SessionMaker makeSession = {};                  // reaches an account on a server; empty for an embedded one
   WorkbenchResources::MessageSink messages = {};  // takes what a report or a dialog shows; may be empty
 };
 

@@ -42,6 +42,16 @@ TEST(AccountSource, RefusesAServersConnectionString) {
   }
 }
 
+TEST(AccountSource, IsAServerWhenItHasAServersKeywords) {
+  EXPECT_TRUE(namesServer("Provider=SQLOLEDB;Data Source=here;Initial Catalog=account;User ID=sa;Password=secret"));
+  EXPECT_TRUE(namesServer("driver={SQL Server};Server=here;Database=account;UID=sa;PWD=secret"));
+  EXPECT_TRUE(namesServer("Data Source=here;Initial Catalog=account"));
+  EXPECT_FALSE(namesServer("Data Source=demo.qacc;PWD=secret"));
+  EXPECT_FALSE(namesServer("demo.qacc"));
+  EXPECT_FALSE(namesServer("PWD=secret;Server=here")) << "a text that begins otherwise is a file's name";
+  EXPECT_FALSE(namesServer(""));
+}
+
 TEST(AccountSource, RefusesNoName) {
   EXPECT_THROW(accountFile(""), std::invalid_argument);
   EXPECT_THROW(accountFile("Data Source="), std::invalid_argument);
