@@ -43,10 +43,12 @@ class WorkbenchLogin final : public Login {
   std::string languageId() override { return details_.languageId; }
   int currentPeriodYear() override { return details_.currentPeriodYear; }
   std::string businessDate() override { return details_.businessDate; }
-  // The workbench's user has every right, whatever the dialog asks for.
-  void setAuthString(std::string_view) override {}
+  // The workbench's user has every right, whatever the dialog asks for; it only keeps what was asked.
+  void setAuthString(std::string_view rights) override { authString_ = rights; }
+  const std::string& authString() const { return authString_; }
 
  private:
+  std::string authString_;
   LoginDetails details_;
 };
 

@@ -90,7 +90,7 @@ WorkbenchResources::WorkbenchResources(Language language, std::string accountCon
       messages_(std::move(messages)) {}
 
 void WorkbenchResources::takeLogin(Login& login) {
-  language_ = login.languageRegion().starts_with("zh") ? Language::chinese : Language::english;
+  language_ = languageOfRegion(login.languageRegion());
 }
 
 std::string WorkbenchResources::enumName(std::string_view type, std::string_view code) {

@@ -76,12 +76,15 @@ const Choice* findChoice(const ItemRegistration& item, std::string_view code) {
   return found == item.choices.end() ? nullptr : &*found;
 }
 
-// The codes that a choice item holds. Several of the one-digit codes may stand together ("02"), as the platform's own
-// dialog writes them.
+// The codes that a choice item holds. Where all codes are one digit, several may stand together ("02"), as the
+// platform's own dialog writes them.
 std::vector<std::string> chosenCodes(const FilterEntry& entry) {
+  const bool oneDigit = entry.item.multiple && std::ranges::all_of(entry.item.choices, [](const Choice& choice) {
+                          return choice.code.size() == 1;
+                        });
   std::vector<std::string> codes;
   for (const std::string& part : split(entry.value, '\t')) {
-    if (!entry.item.multiple || findChoice(entry.item, part) != nullptr) {
+    if (!oneDigit || findChoice(entry.item, part) != nullptr) {
       codes.push_back(part);
     } else {
       for (const char digit : part)
@@ -105,7 +108,8 @@ void checkEntry(const FilterEntry& entry) {
   const ItemRegistration& item = entry.item;
   const std::vector<std::string> values = split(entry.value, '\t');
   if (values.size() > 1 && !item.multiple) refuse(item, "takes one value only");
-  if (!entry.value2.empty() && !item.range) refuse(item, "takes a single value, not a range");
+  if (!entry.value2.empty() && entry.value2 != entry.value && !item.range)
+    refuse(item, "takes a single value, not a range");
   for (const std::string& value : values)
     checkValue(item, value);
   checkValue(item, entry.value2);

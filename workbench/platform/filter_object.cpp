@@ -10,7 +10,6 @@ namespace quillon::workbench {
 namespace {
 
 constexpr HResult badIndex = static_cast<HResult>(0x8002000BU);
-constexpr std::string_view filterSource = "Quillon filter object";
 
 AutomationError noSuchItem(const std::string& which) {
   return {badIndex, std::string(filterSource), "The filter has no item " + which + "."};
@@ -98,21 +97,33 @@ std::string conditionOf(const FilterEntry& entry) {
   return item.column + " In (" + list + ")";
 }
 
-FilterObject::FilterObject(const ReportRegistration& registration) : identifier_(registration.identifier) {
-  for (const ItemRegistration& item : registration.items)
-    add(item).value = item.defaultValue;
+FilterObject::FilterObject(const ReportRegistration& registration, InitialValues values)
+    : identifier_(registration.identifier) {
+  for (const ItemRegistration& item : registration.items) {
+    FilterEntry& entry = add(item);
+    if (values == InitialValues::defaults) entry.value = item.defaultValue;
+  }
 }
 
 std::unique_ptr<FilterItem> FilterObject::item(int position) {
-  if (position < 1 || position > count()) throw noSuchItem("number " + std::to_string(position));
-  return std::make_unique<EntryItem>(entries_[static_cast<std::size_t>(position) - 1]);
+  return std::make_unique<EntryItem>(entry(position));
 }
 
 std::unique_ptr<FilterItem> FilterObject::item(std::string_view key) {
-  for (const auto& entry : entries_) {
-    if (equalIgnoringCase(entry->item.key, key)) return std::make_unique<EntryItem>(entry);
-  }
-  throw noSuchItem("\"" + std::string(key) + "\"");
+  return std::make_unique<EntryItem>(entry(key));
+}
+
+const std::shared_ptr<FilterEntry>& FilterObject::entry(int position) const {
+  const auto index = static_cast<std::size_t>(position) - 1;
+  if (position < 1 || index >= entries_.size()) throw noSuchItem("number " + std::to_string(position));
+  return entries_[index];
+}
+
+const std::shared_ptr<FilterEntry>& FilterObject::entry(std::string_view key) const {
+  const auto found =
+      std::ranges::find_if(entries_, [key](const auto& entry) { return equalIgnoringCase(entry->item.key, key); });
+  if (found == entries_.end()) throw noSuchItem("\"" + std::string(key) + "\"");
+  return *found;
 }
 
 std::string FilterObject::whereWithToken(int token) {

@@ -13,6 +13,9 @@
 
 namespace quillon::workbench {
 
+// The source text of every error that the filter object throws.
+inline constexpr std::string_view filterSource = "Quillon filter object";
+
 // How an item is entered.
 enum class InputKind { text, reference, choice, flag, number, date };
 
@@ -39,24 +42,30 @@ struct ItemRegistration {
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };
 
-// What a report registers: its name on the command line, its title, the filter's identifier and the items in order.
+// What a report registers: its name on the command line, its title, the filter's identifier, the library's classes that
+// make it and serve its dialog, and the items in order.
 struct ReportRegistration {
   std::string name;
   std::string chinese;
   std::string english;
   std::string identifier = {};
+  std::string reportClass = {};    // "clsSFC_Item"
+  std::string filterControl = {};  // "clsSFCFilterControl"
   std::vector<ItemRegistration> items = {};
 
   const std::string& title(Language language) const { return language == Language::chinese ? chinese : english; }
 };
 
-// An item as it stands: its registration, what the user gave it and the token that the report wrote.
+// An item as it stands: its registration, what the user gave it, what the dialog made of it and the token that the
+// report wrote.
 struct FilterEntry {
   ItemRegistration item;
   std::string value;  // several values are TAB-separated
   std::string value2;
   std::string sql;  // a condition given ready-made; it wins over the one made from the values
   int token = tokenFilter;
+  bool available = true;        // whether the dialog lets the user enter it
+  std::string lookupCondition;  // what its lookup is restricted to; #FN[column] is a column of the looked-up table
 };
 
 // The condition that the filter object makes of an entry: the column compared with the value, with the list of the
@@ -64,10 +73,15 @@ struct FilterEntry {
 // when nothing was entered. Throws AutomationError (type mismatch) when a number item holds something else.
 std::string conditionOf(const FilterEntry& entry);
 
+// How the items of a new filter object begin.
+enum class InitialValues {
+  defaults,  // as the registration says
+  none,      // empty, for a dialog to give them its own
+};
+
 class FilterObject final : public Filter {
  public:
-  // Every item of the registration with its default value.
-  explicit FilterObject(const ReportRegistration& registration);
+  explicit FilterObject(const ReportRegistration& registration, InitialValues values = InitialValues::defaults);
 
   int count() override { return static_cast<int>(entries_.size()); }
   // Throws AutomationError (0x8002000B, bad index) when there is no such item.
@@ -80,6 +94,9 @@ class FilterObject final : public Filter {
   // The entries in order, for whoever fills or shows them; nullptr when there is no item `key`.
   const std::vector<std::shared_ptr<FilterEntry>>& entries() const { return entries_; }
   FilterEntry* find(std::string_view key);
+  // The entry at `position` (from 1), or of `key`; throws as item() does.
+  const std::shared_ptr<FilterEntry>& entry(int position) const;
+  const std::shared_ptr<FilterEntry>& entry(std::string_view key) const;
   // Adds an item behind the others.
   FilterEntry& add(ItemRegistration item);
 

@@ -7,6 +7,11 @@ namespace quillon::workbench {
 
 enum class Language { chinese, english };
 
+// The language of a login's LanguageRegion: "zh-CN" and its like are Chinese, everything else is taken for English.
+constexpr Language languageOfRegion(std::string_view region) {
+  return region.starts_with("zh") ? Language::chinese : Language::english;
+}
+
 // A text in both languages; UTF-8.
 struct Caption {
   std::string_view chinese;

@@ -103,6 +103,33 @@ TEST(FilterSettings, TakeClosingBalanceDigitsInEveryForm) {
             "(below zero)");
 }
 
+// Codes of several characters stand for themselves, never for their digits.
+TEST(FilterSettings, TakeLongCodesWhole) {
+  FilterObject filter(outsumItemRegistration());
+  filter.find("iYear")->value = "2024";
+  filter.find("cVouType")->item.choices = {{"08", "其他", "other"}, {"32", "销售", "sale"}};
+  setFilterItems(filter, std::vector<std::string>{"cVouType=32,08"});
+  checkFilter(filter);
+  EXPECT_EQ(filter.find("cVouType")->value, "32\t08");
+  setFilterItems(filter, std::vector<std::string>{"cVouType=3208"});
+  try {
+    checkFilter(filter);
+    ADD_FAILURE() << "nothing was refused";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_STREQ(error.what(),
+                 "filter item cVouType (Voucher type): there is no choice \"3208\"; choose of 08 (other), 32 (sale)");
+  }
+}
+
+// The dialog sets both bounds of the grade.
+TEST(FilterSettings, TakeTheSameValueTwiceForASingleOne) {
+  FilterObject filter = filterWith({});
+  filter.find("iGrade")->value2 = "1";
+  checkFilter(filter);
+  filter.find("iGrade")->value2 = "2";
+  EXPECT_THROW(checkFilter(filter), std::invalid_argument);
+}
+
 TEST(FilterDescription, IsForAReader) {
   FilterObject filter = filterWith({"cModal=2", "dKeepDate=2024-01-01..", "cInvCode=0101,0102", "cJudgeQuantity=02"});
   EXPECT_EQ(describeEntry(*filter.find("cModal"), Language::chinese), "按费用项目");

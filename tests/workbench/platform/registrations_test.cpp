@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <set>
+#include <stdexcept>
 
 #include "workbench/platform/resource_texts.h"
 
@@ -50,23 +52,97 @@ TEST(SfcItemRegistration, HasEveryKeyOnce) {
   EXPECT_EQ(sfcItemRegistration().items.size(), expected.size());
 }
 
-TEST(SfcItemRegistration, HasCaptionsInBothLanguages) {
-  for (const ItemRegistration& item : sfcItemRegistration().items) {
-    EXPECT_FALSE(item.caption(Language::chinese).empty()) << item.key;
-    EXPECT_FALSE(item.caption(Language::english).empty()) << item.key;
-    EXPECT_NE(item.caption(Language::chinese), item.caption(Language::english)) << item.key;
-    for (const Choice& choice : item.choices) {
-      EXPECT_FALSE(choice.chinese.empty()) << item.key << ' ' << choice.code;
-      EXPECT_FALSE(choice.english.empty()) << item.key << ' ' << choice.code;
+TEST(OutsumItemRegistration, HasEveryKeyOnce) {
+  std::set<std::string> expected = {
+      "cModal",       "iGrade",       "iYear",           "cSource",         "dVouDate",
+      "cVouType",     "cBusType",     "cVouCode",        "cWhCode",         "cInvCCode",
+      "cInvCode",     "cInvPspCode",  "dKeepDate",       "RdCode",          "cDepCode",
+      "cProCode",     "cWhDep",       "cCusCCode",       "cCusCode",        "cVenCode",
+      "cItem_Class",  "cItemCode",    "cOppHead",        "strContractCode", "cProordercode",
+      "iProorderids", "cworkprocode", "cworkcentername", "cSaleorderCode",  "isaleorderids",
+      "exoCode",      "iexrowno",     "cImordercode",    "cpurorderCode",   "centrustordercode",
+      "cBuscode",     "cperson",      "cMaker",          "dIncludeExpire",  "cBatchIA"};
+  const auto add = [&expected](const std::string& key, int first, int last) {
+    for (int number = first; number <= last; ++number)
+      expected.insert(key + std::to_string(number));
+  };
+  add("cFree", 1, 10);
+  add("cDefine", 1, 16);
+  add("cDefine", 22, 37);
+  add("cInvDefine", 1, 16);
+  EXPECT_EQ(keysOf(outsumItemRegistration()), expected);
+  EXPECT_EQ(outsumItemRegistration().items.size(), expected.size());
+}
+
+// The lists of voucher and business types are filled for the year, which so must have its value by then.
+TEST(OutsumItemRegistration, HasTheYearBeforeWhatDependsOnIt) {
+  const auto& items = outsumItemRegistration().items;
+  const auto at = [&items](const char* key) { return std::ranges::find(items, key, &ItemRegistration::key); };
+  EXPECT_LT(at("iYear"), at("cVouType"));
+  EXPECT_LT(at("iYear"), at("cBusType"));
+}
+
+TEST(OutsumItemRegistration, TakesValuesAsTheReportReadsThem) {
+  FilterObject filter(outsumItemRegistration());
+  const std::set<std::string> ranges = {"dVouDate", "dKeepDate"};
+  const std::set<std::string> single = {
+      "cModal",        "iGrade",         "iYear",        "cSource",        "cVouCode",
+      "cInvCCode",     "cProCode",       "cCusCCode",    "cItem_Class",    "strContractCode",
+      "cProordercode", "iProorderids",   "cworkprocode", "cSaleorderCode", "isaleorderids",
+      "exoCode",       "iexrowno",       "cImordercode", "cpurorderCode",  "centrustordercode",
+      "cBuscode",      "dIncludeExpire", "cDefine4",     "cDefine5",       "cDefine6",
+      "cDefine7",      "cDefine15",      "cDefine16",    "cDefine26",      "cDefine27",
+      "cDefine34",     "cDefine35",      "cDefine36",    "cDefine37",      "cInvDefine11",
+      "cInvDefine12",  "cInvDefine13",   "cInvDefine14", "cInvDefine15",   "cInvDefine16"};
+  for (const auto& entry : filter.entries()) {
+    const std::string& key = entry->item.key;
+    EXPECT_EQ(entry->item.range, ranges.contains(key)) << key;
+    EXPECT_EQ(entry->item.multiple, !ranges.contains(key) && !single.contains(key)) << key;
+  }
+}
+
+TEST(Registrations, HaveCaptionsInBothLanguages) {
+  for (const char* report : {"sfc-item", "outsum-item"}) {
+    for (const ItemRegistration& item : registeredReport(report).items) {
+      EXPECT_FALSE(item.caption(Language::chinese).empty()) << item.key;
+      EXPECT_FALSE(item.caption(Language::english).empty()) << item.key;
+      EXPECT_NE(item.caption(Language::chinese), item.caption(Language::english)) << item.key;
+      for (const Choice& choice : item.choices) {
+        EXPECT_FALSE(choice.chinese.empty()) << item.key << ' ' << choice.code;
+        EXPECT_FALSE(choice.english.empty()) << item.key << ' ' << choice.code;
+      }
     }
   }
 }
 
+TEST(Registrations, AreFoundByName) {
+  EXPECT_EQ(&registeredReport("sfc-item"), &sfcItemRegistration());
+  EXPECT_EQ(&registeredReport("outsum-item"), &outsumItemRegistration());
+  try {
+    registeredReport("outsum");
+    ADD_FAILURE() << "nothing was refused";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_STREQ(error.what(), "there is no report \"outsum\"; the reports are: sfc-item, outsum-item");
+  }
+}
+
+// The filter-control class tells its two reports apart by these.
+TEST(Registrations, HaveTheirIdentifiersAndClasses) {
+  EXPECT_EQ(sfcItemRegistration().identifier, "CA3BAD03-9D4C-463A-827E-E971D5A36C81");
+  EXPECT_EQ(sfcItemRegistration().reportClass, "clsSFC_Item");
+  EXPECT_EQ(sfcItemRegistration().filterControl, "clsSFCFilterControl");
+  EXPECT_EQ(outsumItemRegistration().identifier, "E55F9D31-F4C3-44D2-BDEB-9F83A208CAEE");
+  EXPECT_EQ(outsumItemRegistration().reportClass, "clsOutsum_Item");
+  EXPECT_EQ(outsumItemRegistration().filterControl, "clsSFCFilterControl");
+}
+
 // The filter object must be able to translate an item that a report leaves to it.
-TEST(SfcItemRegistration, NamesTheColumnOfTheBatch) {
-  FilterObject filter(sfcItemRegistration());
-  filter.find("cBatchIA")->value = "B1";
-  EXPECT_EQ(conditionOf(*filter.find("cBatchIA")), "base.cBatchia = N'B1'");
+TEST(Registrations, NameTheColumnOfTheBatch) {
+  for (const char* report : {"sfc-item", "outsum-item"}) {
+    FilterObject filter(registeredReport(report));
+    filter.find("cBatchIA")->value = "B1";
+    EXPECT_EQ(conditionOf(*filter.find("cBatchIA")), "base.cBatchia = N'B1'");
+  }
 }
 
 TEST(SfcItemRegistration, BeginsAsTheDialogDoes) {
@@ -76,6 +152,14 @@ TEST(SfcItemRegistration, BeginsAsTheDialogDoes) {
   EXPECT_EQ(filter.item("iGrade")->value(), "1");
   EXPECT_EQ(filter.item("bIncludeExpire")->value(), "1");
   EXPECT_EQ(filter.item("bIncludeTransVouch")->value(), "1");
+}
+
+TEST(OutsumItemRegistration, BeginsAsTheDialogDoes) {
+  FilterObject filter(outsumItemRegistration());
+  EXPECT_EQ(filter.item("cModal")->value(), "0");
+  EXPECT_EQ(filter.item("cSource")->value(), "0");
+  EXPECT_EQ(filter.item("iGrade")->value(), "1");
+  EXPECT_EQ(filter.item("dIncludeExpire")->value(), "");
 }
 
 TEST(ResourceTexts, NameTheStates) {

@@ -1,0 +1,38 @@
+// Filter items that several reports register alike.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "workbench/platform/filter_object.h"
+
+namespace quillon::workbench {
+
+// No and yes, "0" and "1".
+std::vector<Choice> yesNo();
+
+// What the summary reports begin with: iYear, cModal and iGrade.
+std::vector<ItemRegistration> summaryReportItems();
+
+// The free items of an inventory: cFree1 to cFree10.
+std::vector<ItemRegistration> freeItems();
+
+// The user-defined fields of the ledger, texts first, then dates, then numbers: cDefine1 to cDefine16 and cDefine22 to
+// cDefine37; 17 to 21 belong to document lines and are not in the ledger.
+std::vector<ItemRegistration> definedFields();
+
+// Fields numbered `numbers`: key, captions and column are the texts given with the number behind them.
+struct NumberedField {
+  std::string key;
+  std::string chinese;
+  std::string english;
+  std::string column;
+};
+std::vector<ItemRegistration> numberedFields(const NumberedField& field, std::span<const int> numbers, InputKind kind,
+                                             bool multiple);
+
+// Puts `more` behind `items`.
+void append(std::vector<ItemRegistration>& items, std::vector<ItemRegistration> more);
+
+}  // namespace quillon::workbench
