@@ -1,10 +1,10 @@
-#include <stdexcept>
 #include <string>
 
 #include "frame/com/class_lookup.h"
 #include "frame/com/errors.h"
+#include "frame/com/text.h"
 #include "frame/com/win32.h"
-#include "workbench/cli/report_runner.h"
+#include "workbench/cli/library_runner.h"
 #include "workbench/com/platform_objects.h"
 
 namespace quillon::workbench {
@@ -23,9 +23,16 @@ class Apartment {
   ~Apartment() { CoUninitialize(); }
 };
 
-com::PlatformClass classOf(std::string_view report) {
-  if (report == "sfc-item") return {L"Quillon.clsSFC_Item", CLSID_NULL};
-  throw std::invalid_argument("there is no report \"" + std::string(report) + "\"");
+// An instance of one of the library's classes, by its ProgID.
+com::LateBound createInstance(std::string_view className) {
+  const std::wstring progId = com::toWide("Quillon." + std::string(className));
+  com::LateBound instance = com::tryCreateObject({progId.c_str(), CLSID_NULL});
+  if (!instance) {
+    throw AutomationError(REGDB_E_CLASSNOTREG, "Quillon",
+                          "Quillon.dll is not registered on this machine: run \"regsvr32 Quillon.dll\" in its folder, "
+                          "as an administrator");
+  }
+  return instance;
 }
 
 // Calls the report classes as the host platform does: by ProgID, late-bound, the argument by reference.
@@ -35,14 +42,8 @@ class ComRunner final : public ReportRunner {
   explicit ComRunner(EmbeddedPlatform& platform)
       : standIn_(platform, std::shared_ptr<SessionMonitor>(std::shared_ptr<void>(), platform.options().monitor)) {}
 
-  void run(std::string_view report, const std::shared_ptr<WorkbenchArgument>& argument) override {
-    const com::LateBound instance = com::tryCreateObject(classOf(report));
-    if (!instance) {
-      throw AutomationError(
-          REGDB_E_CLASSNOTREG, "Quillon",
-          "Quillon.dll is not registered on this machine: run \"regsvr32 Quillon.dll\" in its folder, "
-          "as an administrator");
-    }
+  void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+    const com::LateBound instance = createInstance(report.reportClass);
     const com::ComPtr<IDispatch> e = argumentObject(argument);
     IDispatch* reference = e.get();
     instance.call(L"GETSQL", {com::Variant::reference(reference)});

@@ -70,7 +70,7 @@ void writeConditions(std::ostream& out, const ReportDocument& document) {
 }
 
 void writeCrossRow(std::ostream& out, const ReportDocument& document, const CrossRow& row) {
-  for (std::size_t state = 0; state < crossStates; ++state) {
+  for (std::size_t state = 0; state < document.crossStates.size(); ++state) {
     writeCell(out, quantityText(document, row.quantity[state]), true);
     writeCell(out, moneyText(row.money[state]), true);
   }
@@ -80,17 +80,17 @@ void writeCrossRow(std::ostream& out, const ReportDocument& document, const Cros
 void writeCross(std::ostream& out, const ReportDocument& document) {
   out << "<h2>" << document.text(crossCaption) << "</h2>\n<table class=\"cross\">\n<thead>\n<tr><th rowspan=\"2\">"
       << document.text(codeCaption) << "</th><th rowspan=\"2\">" << document.text(costItemCaption) << "</th>";
-  for (const std::string& state : stateNames(document.language))
-    out << "<th colspan=\"2\">" << escaped(state) << "</th>";
+  for (const CrossState& state : document.crossStates)
+    out << "<th colspan=\"2\">" << escaped(stateName(document, state)) << "</th>";
   out << "</tr>\n<tr>";
-  for (std::size_t state = 0; state < crossStates; ++state) {
+  for (std::size_t state = 0; state < document.crossStates.size(); ++state) {
     out << "<th>" << document.text(quantityCaption) << "</th><th>" << document.text(moneyCaption) << "</th>";
   }
   out << "</tr>\n</thead>\n<tbody>\n";
   for (const CrossRow& row : document.cross.rows) {
     out << "<tr>";
     writeCell(out, row.code, false);
-    writeCell(out, row.name, false);
+    writeCell(out, costItemName(document, row), false);
     writeCrossRow(out, document, row);
   }
   out << "</tbody>\n<tfoot>\n<tr><td colspan=\"2\">" << document.text(totalCaption) << "</td>";

@@ -62,10 +62,95 @@ std::vector<ReportColumn> makeSfcItemColumns() {
   return columns;
 }
 
+std::vector<ReportColumn> makeOutsumItemColumns() {
+  using enum ColumnRole;
+  std::vector<ReportColumn> columns = {
+      {"autoid", "流水号", "Ledger line", internal},
+      {"cSource", "数据来源", "Source", internal},
+      {"dVouDate", "单据日期", "Document date", date},
+      {"cVouType", "单据类型", "Voucher type"},
+      {"cBusType", "业务类型", "Business type"},
+      {"cVouCode", "单据号", "Voucher number"},
+      {"dKeepDate", "记账日期", "Posting date", date},
+      {"cWhCode", "仓库编码", "Warehouse code"},
+      {"cWhName", "仓库", "Warehouse"},
+      {"cInvCCode", "存货分类编码", "Inventory class code"},
+      {"cInvCode", "存货编码", "Inventory code"},
+      {"cInvName", "存货", "Inventory"},
+      {"cInvStd", "规格型号", "Specification"},
+      {"cInvAddCode", "存货代码", "Additional code"},
+      {"cbatchia", "批号", "Batch"},
+  };
+  addNumbered(columns, "cFree", "自由项", "Free item", 1, 10);
+  columns.insert(columns.end(), {
+                                    {"cFXCode", "成本项目编码", "Cost item code"},
+                                    {"cFXName", "成本项目", "Cost item"},
+                                    {"cFxCName", "费用类型", "Expense type"},
+                                    {"cAmoCode", "费用项目编码", "Expense item code"},
+                                    {"cAmoName", "费用项目", "Expense item"},
+                                    {"iQuantity", "数量", "Quantity", quantity},
+                                    {"iMoney", "金额", "Amount", money},
+                                    {"iFXMoney", "成本项目金额", "Cost item amount", money},
+                                    {"cCross", "交叉项", "Cross item", internal},
+                                    {"cInvPspCode", "父项产品编码", "Parent product code"},
+                                    {"cInvPspName", "父项产品", "Parent product"},
+                                    {"RdCode", "收发类别编码", "Receipt/issue type code"},
+                                    {"RdName", "收发类别", "Receipt/issue type"},
+                                    {"cCostCenter", "成本中心编码", "Cost centre code"},
+                                    {"cCostCenterName", "成本中心", "Cost centre"},
+                                    {"cDepCode", "核算部门编码", "Accounting department code"},
+                                    {"cDepName", "核算部门", "Accounting department"},
+                                    {"cProCode", "生产部门编码", "Production department code"},
+                                    {"cWhDep", "单据部门编码", "Document department code"},
+                                    {"cWhDepName", "单据部门", "Document department"},
+                                    {"cCusCCode", "客户分类编码", "Customer class code"},
+                                    {"cCusCName", "客户分类", "Customer class"},
+                                    {"cCusCode", "客户编码", "Customer code"},
+                                    {"cCusName", "客户", "Customer"},
+                                    {"cVenCode", "供应商编码", "Vendor code"},
+                                    {"cVenName", "供应商", "Vendor"},
+                                    {"cItem_Class", "项目大类编码", "Project class code"},
+                                    {"cItem_ClassName", "项目大类", "Project class"},
+                                    {"cItemCCode", "项目分类编码", "Project item class code"},
+                                    {"cItemCName", "项目分类", "Project item class"},
+                                    {"cItemCode", "项目编码", "Project item code"},
+                                    {"cItemName", "项目", "Project item"},
+                                    {"cOppHead", "对方科目编码", "Contra account code"},
+                                    {"cOppHeadName", "对方科目", "Contra account"},
+                                    {"strContractCode", "合同号", "Contract"},
+                                    {"cProordercode", "生产订单号", "Production order"},
+                                    {"iProorderids", "生产订单行标识", "Production order line", internal},
+                                    {"cworkprocode", "工序行号", "Operation"},
+                                    {"cworkcentercode", "工作中心编码", "Work centre code"},
+                                    {"cworkcentername", "工作中心", "Work centre"},
+                                    {"cSaleorderCode", "销售订单号", "Sales order"},
+                                    {"isaleorderids", "销售订单行标识", "Sales order line", internal},
+                                    {"exoCode", "出口订单号", "Export order"},
+                                    {"iexrowno", "出口订单行号", "Export order line", internal},
+                                    {"cImordercode", "进口订单号", "Import order"},
+                                    {"cpurorderCode", "采购订单号", "Purchase order"},
+                                    {"centrustordercode", "委外订单号", "Subcontracting order"},
+                                    {"cBuscode", "业务号", "Business number"},
+                                    {"cperson", "业务员编码", "Person code"},
+                                    {"cPersonName", "业务员", "Person"},
+                                    {"cMaker", "制单人编码", "Prepared by, code"},
+                                    {"cMakerName", "制单人", "Prepared by"},
+                                });
+  addNumbered(columns, "cInvDefine", "存货自定义项", "Inventory field", 1, 16);
+  addNumbered(columns, "cDefine", "自定义项", "User-defined field", 1, 16);
+  addNumbered(columns, "cDefine", "自定义项", "User-defined field", 22, 37);
+  return columns;
+}
+
 }  // namespace
 
 std::span<const ReportColumn> sfcItemColumns() {
   static const std::vector<ReportColumn> columns = makeSfcItemColumns();
+  return columns;
+}
+
+std::span<const ReportColumn> outsumItemColumns() {
+  static const std::vector<ReportColumn> columns = makeOutsumItemColumns();
   return columns;
 }
 

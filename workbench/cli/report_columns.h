@@ -38,7 +38,9 @@ struct ReportColumn {
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };
 
-// The columns of receipt/issue/balance in the order in which the table and the page show them.
+// The columns of receipt/issue/balance and of the outbound summary in the order in which the table and the page show
+// them.
 std::span<const ReportColumn> sfcItemColumns();
+std::span<const ReportColumn> outsumItemColumns();
 
 }  // namespace quillon::workbench

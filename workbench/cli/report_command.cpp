@@ -11,13 +11,15 @@
 
 #include "frame/text.h"
 #include "workbench/account/account.h"
+#include "workbench/cli/account_login.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/json_file.h"
+#include "workbench/cli/library_runner.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_document.h"
+#include "workbench/cli/report_layout.h"
 #include "workbench/cli/report_output.h"
-#include "workbench/cli/report_runner.h"
 #include "workbench/cli/run_monitor.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/text_cells.h"
@@ -32,17 +34,17 @@ namespace {
 // What the workbench knows of a report.
 struct KnownReport {
   const ReportRegistration& registration;
-  std::span<const ReportColumn> columns;
+  const ReportLayout& layout;
 };
 
 KnownReport knownReport(const std::string& name) {
-  if (name == sfcItemRegistration().name) return {sfcItemRegistration(), sfcItemColumns()};
-  throw CommandError("there is no report \"" + name + "\"; the reports are: " + sfcItemRegistration().name);
+  const ReportRegistration& registration = registeredReport(name);
+  return {registration, layoutOf(registration.name)};
 }
 
 // Everything that is read from the account before the report runs.
 struct PreparedRun {
-  std::shared_ptr<Login> login;
+  AccountLogin account;
   std::shared_ptr<FilterObject> filter;
   int quantityDecimals = 2;
 };
@@ -54,18 +56,39 @@ int quantityDecimals(Session& session) {
   return std::clamp(decimals, 0, 6);
 }
 
-PreparedRun prepare(const ReportOptions& options, const KnownReport& report, const std::string& connection) {
-  EmbeddedSession session;
-  session.setConnectionString(connection);
-  session.open("", "", optionsUnspecified);
-  PreparedRun run;
-  run.login = std::make_shared<WorkbenchLogin>(accountLogin(session, connection, options.language, "", options.date));
-  run.filter = std::make_shared<FilterObject>(report.registration);
-  prepareFilter(*run.filter, *run.login, session);
+// Puts the filter through the report's dialog, as if it had been opened with these values and confirmed.
+void passDialog(const PreparedRun& run, const ReportOptions& options, const ReportRegistration& report,
+                std::ostream& notes) {
+  EmbeddedPlatform platform({.accountConnection = run.account.connection,
+                             .language = options.language,
+                             .messages = [&notes](std::string_view text, int) { notes << oneLine(text) << '\n'; }});
+  const auto runner = makeDialogRunner(
+      platform, report, std::make_shared<FilterDialogObject>(run.filter, run.account.login, run.account.session));
+  runner->init();
+  checkFilter(*run.filter);
+  if (!runner->click())
+    throw CommandError("the report's dialog does not accept the filter; change it, or give --no-dialog");
+  for (const auto& entry : run.filter->entries()) {
+    const bool given = entry->value != entry->item.defaultValue || !entry->value2.empty();
+    if (entry->available || !given) continue;
+    notes << "quillon: the report's dialog would not let " << entry->item.key << " (" << entry->item.english
+          << ") be entered in this account; it is applied as it was given\n";
+  }
+}
+
+PreparedRun prepare(const ReportOptions& options, const KnownReport& report, std::ostream& notes) {
+  PreparedRun run{.account = logIn(options.account, options.language, options.date), .filter = {}};
+  run.filter = std::make_shared<FilterObject>(report.registration,
+                                              options.dialog ? InitialValues::none : InitialValues::defaults);
+  if (!options.dialog) prepareFilter(*run.filter, *run.account.login, *run.account.session);
   if (!options.filterFile.empty()) applyFilterFile(*run.filter, readJsonFile(options.filterFile));
   setFilterItems(*run.filter, options.settings);
-  checkFilter(*run.filter);
-  run.quantityDecimals = quantityDecimals(session);
+  if (options.dialog) {
+    passDialog(run, options, report.registration, notes);
+  } else {
+    checkFilter(*run.filter);
+  }
+  run.quantityDecimals = quantityDecimals(*run.account.session);
   return run;
 }
 
@@ -81,7 +104,8 @@ std::vector<std::pair<std::string, std::string>> conditions(FilterObject& filter
   for (const auto& entry : filter.entries()) {
     const std::string& key = entry->item.key;
     const bool always = key == "iYear" || key == "cModal" || (key == "iGrade" && byClass);
-    const bool changed = entry->value != entry->item.defaultValue || !entry->value2.empty() || !entry->sql.empty();
+    const bool upperBound = !entry->value2.empty() && entry->value2 != entry->value;
+    const bool changed = entry->value != entry->item.defaultValue || upperBound || !entry->sql.empty();
     if (!always && !changed) continue;
     const std::string text = describeEntry(*entry, language);
     if (!text.empty()) lines.emplace_back(entry->item.caption(language), text);
@@ -152,15 +176,15 @@ void write(const ReportOptions& options, const KnownReport& report, PreparedRun&
   document.report = report.registration.name;
   document.title = report.registration.title(options.language);
   if (options.format == ReportFormat::json) {
-    writeJson(out, document, table, report.columns);
+    writeJson(out, document, table, report.layout.columns);
     return;
   }
   document.conditions = conditions(*run.filter, options.language);
   document.quantityDecimals = run.quantityDecimals;
-  document.columns = table.filledColumns(report.columns);
+  document.columns = table.filledColumns(report.layout.columns);
   document.totals = table.totals(document.columns);
-  document.cross =
-      table.crossView(entered(*run.filter, "cModal") == "2" ? CrossSource::balanceColumns : CrossSource::stateRows);
+  document.crossStates = report.layout.states(entered(*run.filter, "cModal"));
+  document.cross = table.crossView(document.crossStates);
   document.rowCount = table.rowCount();
   if (options.format == ReportFormat::html) {
     writeHtml(out, document, table, options.limit);
@@ -198,28 +222,26 @@ std::string totalTime(const RunMonitor& monitor, double seconds) {
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
   const KnownReport report = knownReport(options.report);
-  const std::filesystem::path file = accountFile(options.account);
-  const std::string connection = connectionString(file);
-  PreparedRun run = prepare(options, report, connection);
+  PreparedRun run = prepare(options, report, notes);
 
-  const auto account = tsql::Connection::open(file, tsql::OpenMode::existing);
+  const auto account = tsql::Connection::open(run.account.file, tsql::OpenMode::existing);
   ResultTable table(*account, "QuillonReport" + uniqueNamePart());
   std::optional<ResultGuard> guard;
   if (!options.keep) guard.emplace(table);
 
   RunMonitor monitor(options.terminal ? &notes : nullptr, options.explain ? &notes : nullptr);
-  EmbeddedPlatform platform({.accountConnection = connection,
+  EmbeddedPlatform platform({.accountConnection = run.account.connection,
                              .language = options.language,
                              .monitor = &monitor,
                              .messages = [&notes](std::string_view text, int) { notes << oneLine(text) << '\n'; }});
   {
     const auto runner = makeReportRunner(platform);
     const auto start = std::chrono::steady_clock::now();
-    runner->run(options.report, std::make_shared<WorkbenchArgument>(run.filter, run.login, table.name()));
+    runner->run(report.registration, std::make_shared<WorkbenchArgument>(run.filter, run.account.login, table.name()));
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     if (options.explain) notes << totalTime(monitor, time.count());
   }
-  if (monitor.leftOpen()) tellStop(monitor, *account, utf8FromPath(file), notes);
+  if (monitor.leftOpen()) tellStop(monitor, *account, utf8FromPath(run.account.file), notes);
   writeTo(options, report, run, table, out);
   if (options.keep) notes << "quillon: the result table " << table.name() << " is kept\n";
 }
@@ -232,7 +254,7 @@ void addReportCommand(CLI::App& app) {
                                                               {"json", ReportFormat::json},
                                                               {"html", ReportFormat::html}};
   static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
-  command.add_option("REPORT", options->report, "The report: sfc-item")->required();
+  command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
   command.add_option("--account", options->account, "The account file")->required();
   command.add_option("--filter", options->filterFile, "The filter, a JSON file");
   command
@@ -240,6 +262,8 @@ void addReportCommand(CLI::App& app) {
                   "Set a filter item: key=value; ranges as lower..upper, several values with commas or again")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command.add_flag("!--no-dialog", options->dialog,
+                   "Do not run the report's filter dialog; items that are not given take registered defaults");
   command.add_option("--format", options->format, "table, csv, json or html")->transform(oneOf(formats));
   command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
   command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));

@@ -15,10 +15,13 @@ namespace quillon::workbench {
 enum class ReportFormat { table, csv, json, html };
 
 struct ReportOptions {
-  std::string report = {};                 // "sfc-item"
+  std::string report = {};                 // "sfc-item", "outsum-item"
   std::string account = {};                // SOURCE
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file
+  // The report's dialog fills what filter file and settings leave empty and says which choices there are; without it
+  // the registered defaults do.
+  bool dialog = true;
   ReportFormat format = ReportFormat::table;
   std::string outputFile = {};  // empty: `out`
   Language language = Language::chinese;

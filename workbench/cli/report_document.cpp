@@ -40,9 +40,12 @@ std::string rowCountText(const ReportDocument& document, std::optional<std::int6
   return cut ? "the first " + std::to_string(*limit) + " of " + all + " rows" : all + " rows";
 }
 
-std::vector<std::string> stateNames(Language language) {
-  return {resourceText(openingBalanceKey, language), resourceText(receiptKey, language),
-          resourceText(issueKey, language), resourceText(closingBalanceKey, language)};
+std::string stateName(const ReportDocument& document, const CrossState& state) {
+  return resourceText(state.nameKey, document.language);
+}
+
+std::string costItemName(const ReportDocument& document, const CrossRow& row) {
+  return row.code.empty() && row.name.empty() ? std::string(document.text(noCostItemCaption)) : row.name;
 }
 
 }  // namespace quillon::workbench

@@ -22,6 +22,7 @@ struct ReportDocument {
   int quantityDecimals = 2;                                     // the account's
   std::vector<ReportColumn> columns;                            // those that are shown: the filled ones
   std::vector<std::optional<std::string>> totals;               // one a column
+  std::vector<CrossState> crossStates;
   CrossView cross;
   std::int64_t rowCount = 0;
 
@@ -46,10 +47,13 @@ inline constexpr Caption rowsCaption{"明细", "Rows"};
 inline constexpr Caption noRowsCaption{"没有符合条件的数据", "No rows meet the conditions"};
 inline constexpr Caption codeCaption{"编码", "Code"};
 inline constexpr Caption costItemCaption{"成本项目", "Cost item"};
+inline constexpr Caption noCostItemCaption{"（无成本项目）", "(no cost item)"};
 inline constexpr Caption quantityCaption{"数量", "quantity"};
 inline constexpr Caption moneyCaption{"金额", "amount"};
 
-// The names of the cross view's states in the document's language: opening, receipt, issue, closing.
-std::vector<std::string> stateNames(Language language);
+// The name of a state of the cross view in the document's language.
+std::string stateName(const ReportDocument& document, const CrossState& state);
+// What the cross view calls a row: its cost item; ledger lines that fall to none have neither code nor name.
+std::string costItemName(const ReportDocument& document, const CrossRow& row);
 
 }  // namespace quillon::workbench

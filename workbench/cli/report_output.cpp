@@ -14,24 +14,25 @@ void writeCrossTable(std::ostream& out, const ReportDocument& document) {
   std::vector<TableColumn> columns = {{std::string(document.text(codeCaption))},
                                       {std::string(document.text(costItemCaption))}};
   const std::string_view blank = document.language == Language::chinese ? "" : " ";
-  for (const std::string& state : stateNames(document.language)) {
+  for (const CrossState& state : document.crossStates) {
     for (const Caption& measure : {quantityCaption, moneyCaption}) {
-      columns.push_back({state + std::string(blank) + std::string(document.text(measure)), Align::right});
+      columns.push_back(
+          {stateName(document, state) + std::string(blank) + std::string(document.text(measure)), Align::right});
     }
   }
   TextTable table(out, std::move(columns));
-  const auto write = [&](const CrossRow& row, std::string code) {
-    std::vector<std::string> cells = {std::move(code), row.name};
-    for (std::size_t state = 0; state < crossStates; ++state) {
+  const auto write = [&](const CrossRow& row, std::string code, std::string name) {
+    std::vector<std::string> cells = {std::move(code), std::move(name)};
+    for (std::size_t state = 0; state < document.crossStates.size(); ++state) {
       cells.push_back(quantityText(document, row.quantity[state]));
       cells.push_back(moneyText(row.money[state]));
     }
     table.row(std::move(cells));
   };
   for (const CrossRow& row : document.cross.rows)
-    write(row, row.code);
+    write(row, row.code, costItemName(document, row));
   table.rule();
-  write(document.cross.total, std::string(document.text(totalCaption)));
+  write(document.cross.total, std::string(document.text(totalCaption)), "");
   table.finish();
 }
 

@@ -9,26 +9,14 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr std::array<std::string_view, 8> balanceColumns = {
-    "IsNull(iQcQuantity, 0)",  "IsNull(iQcMoney, 0)",  "IsNull(iInQuantity, 0)", "IsNull(iInMoney, 0)",
-    "IsNull(iOutQuantity, 0)", "IsNull(iOutMoney, 0)", "IsNull(iQmQuantity, 0)", "IsNull(iQmMoney, 0)"};
-
 // What comes first in the order of the rows.
 constexpr std::array<std::string_view, 9> leadingOrder = {"cWhCode",  "cDepCode", "cInvCode", "cBatchia", "cFXCode",
                                                           "cAmoCode", "cFxCName", "iState",   "autoid"};
 
-std::string crossSums(CrossSource source) {
+std::string crossSums(std::span<const CrossState> states) {
   std::string list;
-  for (std::size_t i = 0; i < balanceColumns.size(); ++i) {
-    const std::string column = i % 2 == 0 ? "iQuantity" : "iMoney";
-    list += ", Sum(";
-    if (source == CrossSource::stateRows) {
-      list += "Case When iState = " + std::to_string(i / 2 + 1) + " Then IsNull(" + column + ", 0) Else 0 End";
-    } else {
-      list += balanceColumns[i];
-    }
-    list += ")";
-  }
+  for (const CrossState& state : states)
+    list += ", Sum(" + state.quantity + "), Sum(" + state.money + ")";
   return list;
 }
 
@@ -40,9 +28,9 @@ CrossRow crossRow(const tsql::Cursor& cursor) {
   CrossRow row;
   row.code = tsql::toText(cursor.value(0)).value_or("");
   row.name = tsql::toText(cursor.value(1)).value_or("");
-  for (std::size_t state = 0; state < crossStates; ++state) {
-    row.quantity[state] = sumText(cursor.value(2 + 2 * state));
-    row.money[state] = sumText(cursor.value(3 + 2 * state));
+  for (std::size_t column = 2; column + 1 < cursor.columns().size(); column += 2) {
+    row.quantity.push_back(sumText(cursor.value(column)));
+    row.money.push_back(sumText(cursor.value(column + 1)));
   }
   return row;
 }
@@ -98,8 +86,8 @@ std::vector<std::optional<std::string>> ResultTable::totals(std::span<const Repo
   return totals;
 }
 
-CrossView ResultTable::crossView(CrossSource source) const {
-  const std::string sums = crossSums(source);
+CrossView ResultTable::crossView(std::span<const CrossState> states) const {
+  const std::string sums = crossSums(states);
   CrossView view;
   const auto rows = account_.query("Select cFXCode, cFXName" + sums + " From " + name_ +
                                    " Group By cFXCode, cFXName Order By cFXCode, cFXName");

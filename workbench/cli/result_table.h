@@ -2,7 +2,6 @@
 // dialect, so that sums are the account's sums, and dropped when it was read.
 #pragma once
 
-#include <array>
 #include <memory>
 #include <optional>
 #include <span>
@@ -10,29 +9,23 @@
 #include <vector>
 
 #include "workbench/cli/report_columns.h"
+#include "workbench/cli/report_layout.h"
 #include "workbench/tsql/engine.h"
 
 namespace quillon::workbench {
 
-// Opening, receipt, issue and closing: quantity and money of each, in this order.
-inline constexpr std::size_t crossStates = 4;
-
-// One row of the cross view: a cost item with its sums by state. Sums are exact texts; a state without rows is "0".
+// One row of the cross view: a cost item with its sums, one a state. Sums are exact texts; a state without rows is "0".
 struct CrossRow {
   std::string code;
   std::string name;
-  std::array<std::string, crossStates> quantity;
-  std::array<std::string, crossStates> money;
+  std::vector<std::string> quantity;
+  std::vector<std::string> money;
 };
 
 struct CrossView {
   std::vector<CrossRow> rows;  // by cost-item code
   CrossRow total;
 };
-
-// Where the cross view takes its sums from: modes 0 and 1 have one row a state with the state's own quantity and money;
-// mode 2 has no states, but opening, receipt, issue and closing columns in each row.
-enum class CrossSource { stateRows, balanceColumns };
 
 class ResultTable {
  public:
@@ -48,7 +41,8 @@ class ResultTable {
   std::vector<ReportColumn> filledColumns(std::span<const ReportColumn> known) const;
   // One exact text a column of `columns`: the sum of a summed column, nullopt for the others.
   std::vector<std::optional<std::string>> totals(std::span<const ReportColumn> columns) const;
-  CrossView crossView(CrossSource source) const;
+  // The sums of `states` by cost item.
+  CrossView crossView(std::span<const CrossState> states) const;
 
   // All rows in a settled order: by place, inventory, cost item, state and ledger line, then by every other column, so
   // that the same report always comes in the same order. `columns` are the table's names; empty means all of them.

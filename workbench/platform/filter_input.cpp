@@ -66,7 +66,8 @@ bool isNumber(std::string_view text) {
 std::string choiceList(const ItemRegistration& item) {
   std::vector<std::string> texts;
   for (const Choice& choice : item.choices) {
-    texts.push_back(choice.english.empty() ? choice.code : choice.code + " (" + choice.english + ")");
+    const bool named = !choice.english.empty() && choice.english != choice.code;
+    texts.push_back(named ? choice.code + " (" + choice.english + ")" : choice.code);
   }
   return join(texts, ", ");
 }
@@ -113,12 +114,52 @@ void checkEntry(const FilterEntry& entry) {
   for (const std::string& value : values)
     checkValue(item, value);
   checkValue(item, entry.value2);
-  if (entry.value.empty() && item.required) refuse(item, "must be given");
   if (item.choices.empty() || entry.value.empty()) return;
   for (const std::string& code : chosenCodes(entry)) {
     if (findChoice(item, code) == nullptr) {
       refuse(item, "there is no choice \"" + code + "\"; choose of " + choiceList(item));
     }
+  }
+}
+
+// A text "key=value" that sets an item.
+struct Setting {
+  FilterEntry& entry;
+  std::string value;
+};
+
+Setting readSetting(FilterObject& filter, const std::string& setting) {
+  const auto equals = setting.find('=');
+  if (equals == std::string::npos) {
+    throw std::invalid_argument("\"" + setting + "\" sets no filter item; write key=value");
+  }
+  const std::string_view key = trimBlanks(std::string_view(setting).substr(0, equals));
+  FilterEntry* entry = filter.find(key);
+  if (entry == nullptr) {
+    std::vector<std::string> keys;
+    for (const auto& known : filter.entries())
+      keys.push_back(known->item.key);
+    throw std::invalid_argument("the report has no filter item \"" + std::string(key) + "\"; it has " +
+                                join(keys, ", "));
+  }
+  return {*entry, setting.substr(equals + 1)};
+}
+
+// `again`: the item has been set before, and takes the value beside what it has.
+void apply(const Setting& setting, bool again) {
+  auto& [entry, value] = setting;
+  if (again && !entry.item.multiple) refuse(entry.item, "is set twice");
+  if (entry.item.range) {
+    const auto bounds = value.find(boundMark);
+    entry.value = trimBlanks(value.substr(0, bounds));
+    entry.value2 =
+        bounds == std::string::npos ? entry.value : std::string(trimBlanks(value.substr(bounds + boundMark.size())));
+  } else if (entry.item.multiple) {
+    const std::string list = join(split(value, ','), "\t");
+    entry.value = again ? entry.value + "\t" + list : list;
+  } else {
+    entry.value = trimBlanks(value);
+    entry.value2.clear();
   }
 }
 
@@ -151,40 +192,25 @@ void prepareFilter(FilterObject& filter, Login& login, Session& session) {
 
 void setFilterItems(FilterObject& filter, std::span<const std::string> settings) {
   std::set<const FilterEntry*> seen;
-  for (const std::string& setting : settings) {
-    const auto equals = setting.find('=');
-    if (equals == std::string::npos) {
-      throw std::invalid_argument("\"" + setting + "\" sets no filter item; write key=value");
-    }
-    const std::string_view key = trimBlanks(std::string_view(setting).substr(0, equals));
-    FilterEntry* entry = filter.find(key);
-    if (entry == nullptr) {
-      std::vector<std::string> keys;
-      for (const auto& known : filter.entries())
-        keys.push_back(known->item.key);
-      throw std::invalid_argument("the report has no filter item \"" + std::string(key) + "\"; it has " +
-                                  join(keys, ", "));
-    }
-    const std::string value = setting.substr(equals + 1);
-    const bool again = !seen.insert(entry).second;
-    const auto bounds = value.find(boundMark);
-    if (again && !entry->item.multiple) refuse(entry->item, "is set twice");
-    if (entry->item.range) {
-      entry->value = trimBlanks(value.substr(0, bounds));
-      entry->value2 =
-          bounds == std::string::npos ? entry->value : std::string(trimBlanks(value.substr(bounds + boundMark.size())));
-    } else if (entry->item.multiple) {
-      const std::string list = join(split(value, ','), "\t");
-      entry->value = again ? entry->value + "\t" + list : list;
-    } else {
-      entry->value = trimBlanks(value);
-    }
+  for (const std::string& text : settings) {
+    const Setting setting = readSetting(filter, text);
+    apply(setting, !seen.insert(&setting.entry).second);
   }
 }
 
+const FilterEntry& changeItem(FilterObject& filter, const std::string& setting) {
+  const Setting change = readSetting(filter, setting);
+  if (!change.entry.available) refuse(change.entry.item, "the dialog does not let it be entered now");
+  apply(change, false);
+  checkEntry(change.entry);
+  return change.entry;
+}
+
 void checkFilter(const FilterObject& filter) {
-  for (const auto& entry : filter.entries())
+  for (const auto& entry : filter.entries()) {
+    if (entry->value.empty() && entry->item.required) refuse(entry->item, "must be given");
     checkEntry(*entry);
+  }
 }
 
 std::string describeEntry(const FilterEntry& entry, Language language) {

@@ -21,7 +21,12 @@ void prepareFilter(FilterObject& filter, Login& login, Session& session);
 // several values takes them separated by commas, or the key again. An empty value clears the item.
 void setFilterItems(FilterObject& filter, std::span<const std::string> settings);
 
-// Checks what was entered: choices against their codes, numbers, dates, and that single values are single.
+// Sets one item as the dialog lets the user do it: only an available one, and only to a value that would do. Gives the
+// item.
+const FilterEntry& changeItem(FilterObject& filter, const std::string& setting);
+
+// Checks what was entered: choices against their codes, numbers, dates, and that single values are single, and that
+// nothing that must be given is missing.
 void checkFilter(const FilterObject& filter);
 
 // What was entered in `entry`, for a reader: choices by their names, bounds as "from .. to", several values with

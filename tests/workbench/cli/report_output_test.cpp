@@ -219,7 +219,7 @@ TEST_F(ReportOutputTest, CrossViewOfExpensesReadsTheBalanceColumns) {
   account_->execute(
       "Insert Into Result (cFXCode, cFXName, cState, iState, iQcMoney, iInMoney, iOutMoney, iQmMoney) "
       "Values (N'01', N'材料', N'', 1, 100, 0, 0, 100), (N'01', N'材料', N'', Null, 0, 50, 30, 20)");
-  const CrossView view = result_.crossView(CrossSource::balanceColumns);
+  const CrossView view = result_.crossView(layoutOf("sfc-item").states("2"));
   ASSERT_EQ(view.rows.size(), 1U);
   EXPECT_THAT(view.rows[0].money, testing::ElementsAre("100.0000", "50.0000", "30.0000", "120.0000"));
   EXPECT_THAT(view.total.money, testing::ElementsAre("100.0000", "50.0000", "30.0000", "120.0000"));

@@ -48,7 +48,8 @@ inline ReportDocument documentOf(const ResultTable& table, Language language) {
   document.conditions = {{language == Language::chinese ? "会计年度" : "Year", "2024"}};
   document.columns = table.filledColumns(sfcItemColumns());
   document.totals = table.totals(document.columns);
-  document.cross = table.crossView(CrossSource::stateRows);
+  document.crossStates = layoutOf("sfc-item").states("1");
+  document.cross = table.crossView(document.crossStates);
   document.rowCount = table.rowCount();
   return document;
 }

@@ -1,0 +1,77 @@
+#include "workbench/cli/dialog_command.h"
+
+#include <iostream>
+#include <map>
+#include <memory>
+
+#include "workbench/cli/account_login.h"
+#include "workbench/cli/command_error.h"
+#include "workbench/cli/dialog_output.h"
+#include "workbench/cli/filter_file.h"
+#include "workbench/cli/json_file.h"
+#include "workbench/cli/named_choice.h"
+#include "workbench/platform/registrations.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+std::vector<DialogStep> stepsOf(const DialogOptions& options) {
+  std::vector<DialogStep> steps;
+  for (const std::string& step :
+       options.steps.empty() ? std::vector<std::string>{"init", "view", "click"} : options.steps)
+    steps.push_back(dialogStep(step));
+  return steps;
+}
+
+}  // namespace
+
+void runDialog(const DialogOptions& options, std::ostream& out) {
+  const ReportRegistration& report = registeredReport(options.report);
+  const std::vector<DialogStep> steps = stepsOf(options);
+  const AccountLogin account = logIn(options.account, options.language, options.date);
+  const auto filter = std::make_shared<FilterObject>(report, InitialValues::none);
+  if (!options.filterFile.empty()) applyFilterFile(*filter, readJsonFile(options.filterFile));
+
+  std::vector<std::string> messages;
+  EmbeddedPlatform platform({.accountConnection = account.connection,
+                             .language = options.language,
+                             .messages = [&messages](std::string_view text, int) { messages.emplace_back(text); }});
+  const auto dialog = std::make_shared<FilterDialogObject>(filter, account.login, account.session);
+  const auto runner = makeDialogRunner(platform, report, dialog);
+  DialogPlay play(dialog, *runner, messages);
+  for (const DialogStep& step : steps) {
+    play.take(step);
+    if (options.format == DialogFormat::json) {
+      writeDialogJson(out, step, play, options.language);
+    } else {
+      if (&step != &steps.front()) out << '\n';
+      writeDialogTable(out, step, play, options.language);
+    }
+  }
+  out.flush();
+  if (!out) throw CommandError("the dialog could not be written to standard output");
+}
+
+void addDialogCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("dialog", "Show what a report's filter dialog shows after each step");
+  const auto options = std::make_shared<DialogOptions>();
+  static const std::map<std::string, DialogFormat> formats = {{"table", DialogFormat::table},
+                                                              {"json", DialogFormat::json}};
+  static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
+  command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
+  command.add_option("--account", options->account, "The account file")->required();
+  command.add_option("--filter", options->filterFile, "The filter with which the dialog begins, a JSON file");
+  command
+      .add_option("--step", options->steps,
+                  "What happens, in order (may be repeated): init, view, click, change:KEY=VALUE; without it: init, "
+                  "view, click")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command.add_option("--format", options->format, "table or json (one object a step)")->transform(oneOf(formats));
+  command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
+  command.add_option("--date", options->date, "The login's date, yyyy-mm-dd");
+  command.callback([options] { runDialog(*options, std::cout); });
+}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,31 @@
+// `quillon dialog`: the filter dialog of a report, step by step, as the library's filter-control class fills it.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "workbench/platform/language.h"
+
+namespace quillon::workbench {
+
+enum class DialogFormat { table, json };
+
+struct DialogOptions {
+  std::string report = {};              // "sfc-item"
+  std::string account = {};             // SOURCE
+  std::string filterFile = {};          // a filter file with which the dialog begins; empty for an empty filter
+  std::vector<std::string> steps = {};  // see dialog_steps.h; none: init, view, click
+  DialogFormat format = DialogFormat::table;
+  Language language = Language::chinese;
+  std::string date = {};  // the login's date, yyyy-mm-dd; empty: the last day of the current year
+};
+
+// Shows the dialog after each step. Throws std::exception with one line for the user; what the steps before showed has
+// been written by then.
+void runDialog(const DialogOptions& options, std::ostream& out);
+
+void addDialogCommand(CLI::App& app);
+
+}  // namespace quillon::workbench

@@ -1,0 +1,69 @@
+#include "workbench/cli/dialog_steps.h"
+
+#include <array>
+#include <utility>
+
+#include "workbench/cli/command_error.h"
+#include "workbench/platform/filter_input.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, DialogStep::Kind>, 3> plainSteps = {{
+    {"init", DialogStep::Kind::init},
+    {"view", DialogStep::Kind::view},
+    {"click", DialogStep::Kind::click},
+}};
+constexpr std::string_view changeMark = "change:";
+
+}  // namespace
+
+DialogStep dialogStep(const std::string& text) {
+  for (const auto& [word, kind] : plainSteps) {
+    if (text == word) return {kind, text, {}};
+  }
+  const bool change = text.starts_with(changeMark);
+  const auto equals = text.find('=');
+  if (!change || equals == std::string::npos || equals == changeMark.size()) {
+    throw CommandError("there is no step \"" + text + "\"; the steps are: init, view, click, change:KEY=VALUE");
+  }
+  return {DialogStep::Kind::change, text, text.substr(changeMark.size())};
+}
+
+void DialogPlay::take(const DialogStep& step) {
+  accepted_.reset();
+  messages_.clear();
+  try {
+    switch (step.kind) {
+      case DialogStep::Kind::init:
+        runner_.init();
+        break;
+      case DialogStep::Kind::view:
+        show(runner_.view());
+        break;
+      case DialogStep::Kind::click:
+        accepted_ = runner_.click();
+        break;
+      case DialogStep::Kind::change:
+        change(step.setting);
+        break;
+    }
+  } catch (const std::exception& error) {
+    throw CommandError("step " + step.text + ": " + error.what());
+  }
+}
+
+void DialogPlay::change(const std::string& setting) {
+  FilterObject& filter = *dialog_->filter();
+  const FilterEntry& entry = changeItem(filter, setting);
+  const std::string& key = entry.item.key;
+  runner_.changed(key);
+  show(runner_.viewAfterChange(key));
+}
+
+void DialogPlay::show(std::optional<std::string> view) {
+  if (view) view_ = std::move(view);
+}
+
+}  // namespace quillon::workbench
