@@ -8,12 +8,9 @@
 
 #include "frame/filter_dialog.h"
 #include "frame/module.h"
+#include "frame/valuation_method.h"
 
 namespace quillon {
-
-// The valuation methods, as option cValueStyle of system IA spells them.
-inline constexpr std::string_view valuationByInventory = "按存货核算";
-inline constexpr std::string_view valuationByDepartment = "按部门核算";
 
 // Takes the user's rights to departments, inventories and warehouses off the lookups of the dialog (AuthString). The
 // public component, which answers those lookups, is created if there is none.

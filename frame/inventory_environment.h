@@ -12,11 +12,6 @@ namespace quillon {
 class Login;
 class Platform;
 
-// Values of the costing basis. The platform may give others: then neither warehouse nor department counts.
-inline constexpr std::string_view costedByInventory = "按存货核算";
-inline constexpr std::string_view costedByWarehouse = "按仓库核算";
-inline constexpr std::string_view costedByDepartment = "按部门核算";
-
 // The login that the environment works with.
 class AccountLogin {
  public:
@@ -30,6 +25,7 @@ class AccountOptions {
  public:
   virtual ~AccountOptions() = default;
 
+  // The valuation method (frame/valuation_method.h).
   virtual std::string costingBasis() = 0;
   // Tables, or views of them that the user's data rights limit, as they are named in statements.
   virtual std::string inventoryTable() = 0;
