@@ -10,11 +10,9 @@
 
 namespace quillon {
 
-namespace {
-
-int yearNumber(const std::string& year) {
+std::int16_t yearNumber(const std::string& year) {
   const std::string_view text = trimBlanks(year);
-  int number = 0;
+  std::int16_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size()) {
     throw AutomationError(hresult::typeMismatch, "Quillon",
@@ -22,8 +20,6 @@ int yearNumber(const std::string& year) {
   }
   return number;
 }
-
-}  // namespace
 
 std::string translateItems(Filter& filter, const std::function<bool(const FilterValues& item)>& translate) {
   const int count = filter.count();

@@ -2,6 +2,7 @@
 // turns the item into SQL; and the condition on the months that the account's start of the cost-item breakdown adds.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -15,6 +16,10 @@ struct FilterValues {
   std::string value;   // the value or lower bound; several values are TAB-separated
   std::string value2;  // the upper bound; empty when not given
 };
+
+// The value of the filter item iYear as a number. Throws AutomationError (type mismatch) for anything but a 16-bit
+// number.
+std::int16_t yearNumber(const std::string& year);
 
 // Claims each item for the report by its grouping token, before its name is read, and hands it to `translate`; an item
 // for which that gives false goes back to the filter object. Gives the filter object's own condition
