@@ -31,9 +31,12 @@ class Record {
   std::size_t failAt = 0;          // this call, counted from 1, throws; 0: none does
   int alive = 0;                   // objects that were handed out and not yet released
   std::optional<QueryOptions> lastQueryOptions;
+  // Runs at every call whose text ends with `first`, before the call is answered.
+  std::pair<std::string, std::function<void()>> atCall;
 
   void call(std::string what) {
     calls.push_back(std::move(what));
+    if (atCall.second && calls.back().ends_with(atCall.first)) atCall.second();
     if (calls.size() == failAt) throw AutomationError(failure, std::string(failingSource), calls.back());
   }
 
@@ -204,7 +207,8 @@ class FakeSession final : public Session, private Counted {
 
 class FakeLogin final : public Login, private Counted {
  public:
-  using Counted::Counted;
+  explicit FakeLogin(Record& record, std::string moduleCode = "IA")
+      : Counted(record), moduleCode_(std::move(moduleCode)) {}
 
   std::string accountConnection() override { return read("OrvDbName", "the account's connection"); }
   std::string password() override { return read("SysPassword", "secret"); }
@@ -218,7 +222,7 @@ class FakeLogin final : public Login, private Counted {
     return 2024;
   }
   std::string businessDate() override { return read("date", "2024-06-30"); }
-  std::string moduleCode() override { return read("module code", "IA"); }
+  std::string moduleCode() override { return read("module code", moduleCode_); }
   void setAuthString(std::string_view rights) override { call("Login.AuthString = " + std::string(rights)); }
 
  private:
@@ -226,6 +230,8 @@ class FakeLogin final : public Login, private Counted {
     call("Login." + std::string(member));
     return value;
   }
+
+  std::string moduleCode_;
 };
 
 class FakeDataSource final : public DataSource, private Counted {
@@ -261,6 +267,7 @@ class FakeArgument final : public ReportArgument {
   FakeArgument(Record& record, std::shared_ptr<Filter> filter) : record_(record), filter_(std::move(filter)) {}
 
   std::string actionText;
+  std::string moduleCode = "IA";
   std::map<std::string, std::string, std::less<>> rowColumns;
 
   std::shared_ptr<Filter> rawFilter() override {
@@ -269,7 +276,7 @@ class FakeArgument final : public ReportArgument {
   }
   std::shared_ptr<Login> login() override {
     record_.call("e.Login");
-    return std::make_shared<FakeLogin>(record_);
+    return std::make_shared<FakeLogin>(record_, moduleCode);
   }
   std::shared_ptr<Login> filterLogin() override {
     record_.call("e.LoginObj");
@@ -468,7 +475,7 @@ class FakeSourceVoucherComponent final : public SourceVoucherComponent, private 
   }
   void showVoucher(VoucherGroup group, const SourceVoucher& voucher, Session&) override {
     const std::string form = group == VoucherGroup::adjustment  ? "adjustment, "
-                             : group == VoucherGroup::writeBack ? "write-back, "
+                             : group == VoucherGroup::writeBack ? "writeBack, "
                                                                 : "other, ";
     call("clsUniVch.ShowVoucher(" + form + text(voucher) + ")");
   }

@@ -1,0 +1,176 @@
+#include "reports/fx_detail/drill_through.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "frame/automation_error.h"
+#include "frame/report_session.h"
+#include "frame/text.h"
+
+namespace quillon::fx_detail {
+
+namespace {
+
+constexpr std::string_view notPostedKey = "Mirel.IA.CHHSSQL.02787";
+constexpr int warning = 48;
+
+constexpr std::string_view costItemAdjustment = "分项调整";
+constexpr std::string_view industrialEdition = "工业";
+
+// Where the platform's menus hold a voucher: in the general ledger itself, or in inventory accounting.
+constexpr std::string_view ledgerModuleCode = "ZZ";
+constexpr std::string_view ledgerMenu = "0101";
+constexpr std::string_view inventoryMenu = "*IACXPZ";
+constexpr std::string_view inventoryTitle = "存货核算";
+
+AutomationError failure(HResult code, std::string description) {
+  return {code, "Quillon.clsFXDetail", std::move(description)};
+}
+
+// The first field of the first row; nothing when there is no row.
+std::optional<std::string> lookUp(Session& session, const std::string& sql) {
+  const auto rows = session.query(sql, {});
+  std::optional<std::string> value;
+  if (!rows->eof()) value = rows->text(0).value_or("");
+  rows->close();
+  return value;
+}
+
+template <typename Number>
+Number number(const std::string& text, std::string_view what) {
+  const std::string_view digits = trimBlanks(text);
+  Number value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (error != std::errc() || end != digits.data() + digits.size()) {
+    throw failure(hresult::typeMismatch, std::string(what) + " is \"" + text + "\", which is not a whole number.");
+  }
+  return value;
+}
+
+// The row shows the voucher type's name; the components want its code. A type without a name goes by its code.
+std::string voucherTypeCode(Session& session, const std::string& name) {
+  return lookUp(
+             session,
+             "select VouchType.cVouchType from VouchType inner join AA_Enum on VouchType.cVouchName=AA_Enum.EnumCode "
+             "where AA_Enum.EnumType ='IA.vchtype' and AA_Enum.LocaleId=DBO.UDF_GetLocaleID() and AA_Enum.EnumName='" +
+                 name + "'")
+      .value_or(name);
+}
+
+void showSourceVoucher(Module& module, ReportRow& row, const std::string& typeName) {
+  Session& session = *module.session;
+  SourceVoucher voucher;
+  voucher.type = voucherTypeCode(session, typeName);
+  voucher.code = row.value("cVouCode");
+  row.value("iPZID");  // read as the platform expects; a source document does not need it
+  voucher.lineId = number<std::int32_t>(row.value("ID"), "The row's ID");
+
+  const auto component = module.platform().createSourceVoucherComponent();
+  PublicComponent& account = module.publicComponent();
+  const std::string version = account.accountInformation("AA", "cSysVersion", session);
+  component->initialise(*module.login, session, version);
+
+  if (voucher.type == "20" || voucher.type == "21") {
+    if (row.value("cBusType") == costItemAdjustment && voucher.type == "21") {
+      component->showCostItemAdjustment(voucher, session);
+    } else {
+      component->showVoucher(VoucherGroup::adjustment, voucher, session);
+    }
+  } else if (voucher.type == "24" || voucher.type == "30") {
+    component->showVoucher(VoucherGroup::writeBack, voucher, session);
+  } else if (voucher.type == "35") {
+    const std::string valuationMethod = account.accountInformation("AA", "cValueStyle", session);
+    component->showDifferences(voucher, version != industrialEdition, valuationMethod, session);
+  } else if (voucher.type == "22") {
+    voucher.code = trimBlanks(voucher.code);
+    component->showPriceAdjustment(voucher);
+  } else {
+    component->showVoucher(VoucherGroup::other, voucher, session);
+  }
+}
+
+// The year in which the voucher `postingId` was posted, from the first of the two ledgers that knows it.
+int voucherYear(Session& session, const std::string& postingId) {
+  const std::string condition = " Where cPzID = N'" + postingId + "' and imonth <>0 order by iyear";
+  std::optional<std::string> year = lookUp(session, "Select iYear From IA_SubSidiary" + condition);
+  if (!year) year = lookUp(session, "Select iYear From IA_ENSubSidiary" + condition);
+  if (!year) {
+    throw failure(hresult::fail, "No ledger line is posted to voucher " + postingId +
+                                     ", so that its year is not known; refresh the report.");
+  }
+  return number<int>(*year, "The year of voucher " + postingId);
+}
+
+bool isLedgerModule(const std::string& moduleCode) {
+  return equalIgnoringCase(trimBlanks(moduleCode).substr(0, ledgerModuleCode.size()), ledgerModuleCode);
+}
+
+DrillThrough showLedgerVoucher(Module& module, ReportRow& row) {
+  const std::string postingId = row.value("cPZID");
+  if (postingId.empty()) {
+    ResourceService& resources = module.resources();
+    resources.showMessage(resources.text(notPostedKey), warning);
+    return DrillThrough::notPosted;
+  }
+  const int year = voucherYear(*module.session, postingId);
+  Login& login = *module.login;
+
+  const auto ledger = module.platform().createLedgerModule();
+  const auto component = module.platform().createLedgerVoucherComponent();
+  if (module.business) ledger->setBusiness(*module.business);
+  ledger->setLogin(login);
+  const std::string connection = login.accountConnection();
+  ledger->initialise(connection, ";PWD=" + login.password(), year, login);
+  component->setLogin(login);
+  component->setModule(*ledger);
+
+  LedgerVoucher voucher{.id = row.value("iPZID"), .menuCode = {}, .moduleTitle = {}};
+  if (isLedgerModule(login.moduleCode())) {
+    voucher.menuCode = std::string(ledgerModuleCode) + std::string(ledgerMenu);
+  } else {
+    voucher.menuCode = inventoryMenu;
+    voucher.moduleTitle = inventoryTitle;
+  }
+  component->open(voucher);
+  return DrillThrough::ledgerVoucher;
+}
+
+// Releases session and login however the drill-through ends.
+class Release {
+ public:
+  explicit Release(Module& module) : module_(module) {}
+  Release(const Release&) = delete;
+  Release& operator=(const Release&) = delete;
+  ~Release() {
+    module_.session = nullptr;
+    module_.login = nullptr;
+  }
+
+ private:
+  Module& module_;
+};
+
+DrillThrough open(Module& module, ReportArgument& argument) {
+  const std::unique_ptr<ReportRow> row = argument.row();
+  const std::string typeName = row->value("cVouType");
+  if (typeName.empty()) return DrillThrough::nothing;
+  openSession(module);
+  module.publicComponent();  // created before the action is looked at
+  if (argument.action() != "Vouch") return showLedgerVoucher(module, *row);
+  showSourceVoucher(module, *row, typeName);
+  return DrillThrough::sourceVoucher;
+}
+
+}  // namespace
+
+DrillThrough drillThrough(Module& module, ReportArgument& argument) {
+  const Release release(module);
+  module.session = module.platform().createSession();
+  module.login = argument.login();
+  return open(module, argument);
+}
+
+}  // namespace quillon::fx_detail

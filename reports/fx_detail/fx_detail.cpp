@@ -1,0 +1,166 @@
+#include "reports/fx_detail/fx_detail.h"
+
+#include <charconv>
+#include <string_view>
+
+#include "frame/automation_error.h"
+#include "frame/inventory_checks.h"
+#include "frame/report_session.h"
+#include "frame/text.h"
+#include "frame/valuation_method.h"
+#include "reports/fx_detail/period_range.h"
+#include "reports/fx_detail/statements.h"
+
+namespace quillon {
+
+namespace {
+
+using namespace fx_detail;
+
+constexpr std::string_view openingKey = "Mirel.IA.CHHSSQL.05360";
+constexpr std::string_view monthKey = "Mirel.IA.Mirel71.00298";
+
+// Opening differences, and direct shipments, which never were in stock, do not belong to an inventory's ledger.
+constexpr std::string_view ledgerLinesOnly =
+    " and Base.cvoutype<>N'33' and isnull(Base.cBustype,N'') not in (N'直运销售',N'直运采购') ";
+
+// Decimal places from an account option; an account that does not say has none.
+int decimalPlaces(Module& module, std::string_view option) {
+  const std::string value = module.publicComponent().accountInformation("AA", option, *module.session);
+  const std::string_view digits = trimBlanks(value);
+  int places = 0;
+  if (digits.empty()) return places;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), places);
+  if (error != std::errc() || end != digits.data() + digits.size()) {
+    throw AutomationError(hresult::typeMismatch, "Quillon.clsFXDetail",
+                          "The account option " + std::string(option) + " of system AA has the value \"" + value +
+                              "\"; give it a number of decimal places, such as 2.");
+  }
+  return places;
+}
+
+std::string workTable(Module& module, std::string_view kind) {
+  const std::string workstation = module.publicComponent().workstationName();
+  return "#" + workstation + std::string(kind) + std::to_string(module.platform().workTableNumber());
+}
+
+// The filter's conditions on batch and free items, as far as the inventory is checked for them.
+std::string buildFreeItemCondition(Filter& filter, const DetailBuild& build, Session& session) {
+  const InventoryChecks checks = readInventoryChecks(
+      *session.query(inventoryChecksQuery(build.inventoryTable, "inventory", build.inventoryCode),
+                     {.cursorType = CursorType::fixed, .lockType = LockType::optimistic, .cursorLocation = {}}));
+  std::string condition = " and 1=1";
+  const auto add = [&](const std::string& item) {
+    const std::string text = filter.item(item)->sqlText();
+    if (!text.empty()) condition += " and " + text;
+  };
+  for (std::size_t i = 0; i < freeItemCount; ++i) {
+    if (checks.freeItems.at(i)) add("cFree" + std::to_string(i + 1));
+  }
+  if (checks.batch) add("cBatchIA");
+  return condition;
+}
+
+void insertOpeningBalances(const DetailBuild& build, Session& session) {
+  if (!build.range.splitOpening) {
+    session.execute(insertOpenings(build));
+    session.execute(setInventoryOpenings(build));
+    return;
+  }
+  session.execute(dropWorkTable(build.second));
+  session.execute(collectEnteredOpenings(build));
+  session.execute(collectMovementsSince(build));
+  session.execute(insertCollectedOpenings(build));
+
+  session.execute(dropWorkTable(build.second));
+  session.execute(collectEnteredInventoryOpenings(build));
+  session.execute(collectInventoryMovementsSince(build));
+  session.execute(setCollectedInventoryOpenings(build));
+}
+
+void insertMonthBalances(const DetailBuild& build, Session& session) {
+  for (int month = build.range.startPeriod; month <= build.range.endPeriod; ++month) {
+    session.execute(fx_detail::insertMonthBalances(build, month));
+    if (build.range.splitOpening) session.execute(addEnteredOpenings(build, month));
+    session.execute(setInventoryMonthBalances(build, month));
+  }
+}
+
+void makeResult(const DetailBuild& build, Session& session) {
+  session.execute(dropWorkTable(build.second));
+  session.execute(numberRows(build));
+  session.execute(setLedgerVoucherTexts(build));
+  session.execute(setVoucherTypeNames(build));
+  session.execute(nameSalesIssues(build));
+  session.execute(createResult(build));
+  session.execute(shareRowNumbers(build));
+}
+
+}  // namespace
+
+FxDetail::~FxDetail() {
+  const bool othersRun = module_.session && module_.session != session_;
+  if (session_ && !othersRun) release();
+}
+
+void FxDetail::release() {
+  module_.session = nullptr;
+  module_.releasePublicComponent();
+  module_.login = nullptr;
+  session_ = nullptr;
+}
+
+void FxDetail::getSql(ReportArgument& argument) {
+  const std::shared_ptr<Filter> filter = argument.rawFilter();
+  session_ = module_.platform().createSession();
+  module_.session = session_;
+  module_.login = argument.login();
+  openSession(module_);
+  const OpenEnvironment environment = openInventoryEnvironment(module_.platform(), *argument.filterLogin());
+  const std::unique_ptr<DataSource> dataSource = argument.dataSource();
+  dataSource->setType(dataSourceTable);
+  dataSource->setResultTable(environment.resultTable);
+  build(*filter, *environment.options, environment.resultTable);
+  closeReportSession(module_);
+  release();
+}
+
+void FxDetail::build(Filter& filter, AccountOptions& options, const std::string& resultTable) {
+  Session& session = *module_.session;
+  DetailBuild build;
+  build.inventoryCode = filter.item("cInvCode")->value();
+  build.departmentCode = filter.item("cDepCode")->value();
+  build.warehouseCode = filter.item("cWhCode")->value();
+  build.quantityDecimals = decimalPlaces(module_, "iStrsQuanDecDgt");
+  build.unitCostDecimals = decimalPlaces(module_, "iStrsPriDecDgt");
+  const std::string costingBasis = options.costingBasis();
+  build.byDepartment = costingBasis == valuationByDepartment;
+  build.byWarehouse = costingBasis == valuationByWarehouse;
+  build.inventoryTable = options.inventoryTable();
+  build.warehouseTable = options.warehouseTable();
+  build.resultTable = resultTable;
+  build.main = workTable(module_, "_FXDetail_");
+  build.second = workTable(module_, "_FXDetail2_");
+
+  session.execute(dropWorkTable(build.main));
+  session.execute(createMainTable(build));
+  // Asked for also when there is nothing to report.
+  build.condition = buildFreeItemCondition(filter, build, session);
+  build.range = resolvePeriodRange(filter, module_);
+  if (build.range.ok) {
+    build.condition += ledgerLinesOnly;
+    build.openingText = module_.resources().text(openingKey);
+    build.monthText = module_.resources().text(monthKey);
+    insertOpeningBalances(build, session);
+    session.execute(insertMovements(build));
+    insertMonthBalances(build, session);
+    session.execute(setUnitCosts(build));
+    makeResult(build, session);
+  } else {
+    session.execute(createEmptyResult(build));
+  }
+  session.execute(dropWorkTable(build.main));
+  session.execute(dropWorkTable(build.second));
+}
+
+}  // namespace quillon
