@@ -7,12 +7,14 @@ namespace {
 
 // ia_subsidiary, the ledger itself. IA_Subsidiary_QC (balances at the cost-item start month) and IA_ENSubSidiary (goods
 // delivered and not yet settled) have the same columns, since the same conditions run on them.
-//   iMonth         1 to 12; 0 on an opening line, whose voucher type is '34'
-//   bRdFlag        1 receipt, 0 issue; a receipt fills the "in" columns, an issue the "out" columns, the others are
-//   null iAInPrice, iAOutPrice   amounts, while iInCost, iOutCost are unit costs cDepCode       the department of the
-//   document, cAccDep the accounting department cPZID, iPZID   the general-ledger voucher: gl_AccVouch.coutNo_ID and
-//   the i_id of the voucher's first entry bFlag          1: the second flavour of voucher types 01, 30 and 70 (receipts
-//   at an estimated price) BakID          the line that this line takes its place behind, null: none
+//   iMonth                 1 to 12; 0 on an opening line, whose voucher type is '34'
+//   bRdFlag                1 receipt, 0 issue; a receipt fills the "in" columns, an issue the "out" columns, the others
+//                          are null
+//   iAInPrice, iAOutPrice  amounts, while iInCost, iOutCost are unit costs
+//   cDepCode, cAccDep      the department of the document, the accounting department
+//   cPZID, iPZID           the general-ledger voucher: gl_AccVouch.coutNo_ID and the i_id of the voucher's first entry
+//   bFlag                  1: the second flavour of voucher types 01, 30 and 70 (receipts at an estimated price)
+//   BakID                  the line that this line takes its place behind, null: none
 constexpr ColumnDefinition ledgerColumns[] = {
     {"AutoID", "int not null"},
     {"BakID", "int"},

@@ -23,11 +23,14 @@ struct ProviderError {
   int nativeError = 0;  // SQL Server's number; 0 when the failure was no statement's
 };
 
-// ADODB.Connection.
-//   CursorLocation, ConnectionString, ConnectionTimeout, CommandTimeout   read and written; the string only while
-//   closed Open([connection string], [user], [password], [options]) Execute(command text, [by reference: records
-//   affected], [options])    gives a Recordset, closed when there are no rows State (0 closed, 1 open), Close, Errors,
-//   Version, Provider
+// ADODB.Connection. Its members:
+//   CursorLocation, ConnectionTimeout, CommandTimeout  read and written
+//   ConnectionString                                   read; written while closed
+//   Open([connection string], [user], [password], [options])
+//   Execute(command text, [by reference: records affected], [options])
+//                                                      gives a Recordset, closed when there are no rows
+//   State                                              0 closed, 1 open
+//   Close, Errors, Version, Provider
 class AdoConnection : public com::Automation<AdoConnection> {
  public:
   static std::span<const Member> members();
@@ -72,14 +75,14 @@ class AdoConnection : public com::Automation<AdoConnection> {
   std::shared_ptr<std::vector<ProviderError>> errors_ = std::make_shared<std::vector<ProviderError>>();
 };
 
-// ADODB.Recordset.
-//   Open([source], [connection object or string], [cursor type], [lock type], [options]); what is left out is taken
-//   from
-//     the properties of the same names
-//   Source, ActiveConnection, CursorLocation, CursorType, LockType   read, and written while closed
+// ADODB.Recordset. Its members:
+//   Open([source], [connection object or string], [cursor type], [lock type], [options])
+//                                                       what is left out is taken from the properties of that name
+//   Source, ActiveConnection, CursorLocation, CursorType, LockType
+//                                                       read; written while closed
 //   EOF, BOF, MoveFirst, MoveNext, RecordCount, State, Close
-//   Fields, or Fields(name or position); the recordset's default member
-//   GetRows([count])                                                 a two-dimensional array: field, row
+//   Fields, Fields(name or position)                    the recordset's default member
+//   GetRows([count])                                    a two-dimensional array: field, row
 class AdoRecordset : public com::Automation<AdoRecordset> {
  public:
   static std::span<const Member> members();
