@@ -8,6 +8,8 @@ if(WIN32)
   target_compile_options(quillon_options INTERFACE -Wno-restrict)
   target_compile_definitions(quillon_options INTERFACE UNICODE _UNICODE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX
                                                        WIN32_LEAN_AND_MEAN)
+  # The entry points of a COM server are stdcall and exported without that calling convention's "@n".
+  target_link_options(quillon_options INTERFACE -Wl,--enable-stdcall-fixup)
 endif()
 
 if(QUILLON_SANITIZE)
