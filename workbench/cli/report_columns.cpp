@@ -7,10 +7,10 @@ namespace quillon::workbench {
 namespace {
 
 void addNumbered(std::vector<ReportColumn>& columns, const std::string& name, const std::string& chinese,
-                 const std::string& english, int first, int last) {
+                 const std::string& english, ColumnRole role, int first, int last) {
   for (int number = first; number <= last; ++number) {
     const std::string text = std::to_string(number);
-    columns.push_back({name + text, chinese + text, std::string(english).append(" ").append(text)});
+    columns.push_back({name + text, chinese + text, std::string(english).append(" ").append(text), role});
   }
 }
 
@@ -30,7 +30,7 @@ std::vector<ReportColumn> makeSfcItemColumns() {
       {"cUnitName", "计量单位", "Unit"},
       {"cBatchia", "批号", "Batch"},
   };
-  addNumbered(columns, "cFree", "自由项", "Free item", 1, 10);
+  addNumbered(columns, "cFree", "自由项", "Free item", text, 1, 10);
   columns.insert(columns.end(), {
                                     {"cFXCode", "成本项目编码", "Cost item code"},
                                     {"cFXName", "成本项目", "Cost item"},
@@ -56,9 +56,9 @@ std::vector<ReportColumn> makeSfcItemColumns() {
                                     {"cJudgeCost", "结存单价判断", "Closing unit cost test", internal},
                                     {"cFSType", "收发筛选", "Movements chosen", internal},
                                 });
-  addNumbered(columns, "cInvDefine", "存货自定义项", "Inventory field", 1, 16);
-  addNumbered(columns, "cDefine", "自定义项", "User-defined field", 1, 16);
-  addNumbered(columns, "cDefine", "自定义项", "User-defined field", 22, 37);
+  addNumbered(columns, "cInvDefine", "存货自定义项", "Inventory field", userDefined, 1, 16);
+  addNumbered(columns, "cDefine", "自定义项", "User-defined field", userDefined, 1, 16);
+  addNumbered(columns, "cDefine", "自定义项", "User-defined field", userDefined, 22, 37);
   return columns;
 }
 
@@ -81,7 +81,7 @@ std::vector<ReportColumn> makeOutsumItemColumns() {
       {"cInvAddCode", "存货代码", "Additional code"},
       {"cbatchia", "批号", "Batch"},
   };
-  addNumbered(columns, "cFree", "自由项", "Free item", 1, 10);
+  addNumbered(columns, "cFree", "自由项", "Free item", text, 1, 10);
   columns.insert(columns.end(), {
                                     {"cFXCode", "成本项目编码", "Cost item code"},
                                     {"cFXName", "成本项目", "Cost item"},
@@ -136,9 +136,9 @@ std::vector<ReportColumn> makeOutsumItemColumns() {
                                     {"cMaker", "制单人编码", "Prepared by, code"},
                                     {"cMakerName", "制单人", "Prepared by"},
                                 });
-  addNumbered(columns, "cInvDefine", "存货自定义项", "Inventory field", 1, 16);
-  addNumbered(columns, "cDefine", "自定义项", "User-defined field", 1, 16);
-  addNumbered(columns, "cDefine", "自定义项", "User-defined field", 22, 37);
+  addNumbered(columns, "cInvDefine", "存货自定义项", "Inventory field", userDefined, 1, 16);
+  addNumbered(columns, "cDefine", "自定义项", "User-defined field", userDefined, 1, 16);
+  addNumbered(columns, "cDefine", "自定义项", "User-defined field", userDefined, 22, 37);
   return columns;
 }
 

@@ -10,7 +10,8 @@
 namespace quillon::workbench {
 
 enum class ColumnRole {
-  internal,  // keys and helper columns; only in CSV and JSON
+  internal,     // keys and helper columns; only in CSV and JSON
+  userDefined,  // fields whose meaning each account gives; in CSV and JSON, elsewhere when asked for
   text,
   date,
   quantity,  // shown with the account's decimals, summed

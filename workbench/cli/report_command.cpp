@@ -182,6 +182,10 @@ void write(const ReportOptions& options, const KnownReport& report, PreparedRun&
   document.conditions = conditions(*run.filter, options.language);
   document.quantityDecimals = run.quantityDecimals;
   document.columns = table.filledColumns(report.layout.columns);
+  if (!options.allColumns) {
+    document.columnsLeftOut = std::erase_if(
+        document.columns, [](const ReportColumn& column) { return column.role == ColumnRole::userDefined; });
+  }
   document.totals = table.totals(document.columns);
   document.crossStates = report.layout.states(entered(*run.filter, "cModal"));
   document.cross = table.crossView(document.crossStates);
@@ -270,6 +274,8 @@ void addReportCommand(CLI::App& app) {
   command.add_option("--date", options->date, "The login's date, yyyy-mm-dd");
   command.add_option("--limit", options->limit, "Show at most this many rows (table, html)")
       ->check(CLI::NonNegativeNumber);
+  command.add_flag("--all-columns", options->allColumns,
+                   "Show user-defined fields too (table, html; always in csv, json)");
   command.add_flag("--explain", options->explain, "Print each statement with its time and row count");
   command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
   command.callback([options] {

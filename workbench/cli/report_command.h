@@ -27,6 +27,7 @@ struct ReportOptions {
   Language language = Language::chinese;
   std::string date = {};                   // the login's date, yyyy-mm-dd; empty: the last day of the current year
   std::optional<std::int64_t> limit = {};  // rows shown by table and html
+  bool allColumns = false;                 // user-defined fields too (table and html; csv and json have all)
   bool explain = false;                    // each statement with its time and row count, to `notes`
   bool keep = false;                       // keep the result table and tell its name
   bool terminal = false;                   // `notes` is a terminal: show progress there

@@ -34,10 +34,16 @@ std::string totalText(const ReportDocument& document, std::size_t column) {
 std::string rowCountText(const ReportDocument& document, std::optional<std::int64_t> limit) {
   const bool cut = limit && *limit < document.rowCount;
   const std::string all = std::to_string(document.rowCount);
+  const std::string leftOut = std::to_string(document.columnsLeftOut);
   if (document.language == Language::chinese) {
-    return cut ? "共 " + all + " 行，显示前 " + std::to_string(*limit) + " 行" : "共 " + all + " 行";
+    std::string text = "共 " + all + " 行";
+    if (cut) text += "，显示前 " + std::to_string(*limit) + " 行";
+    if (document.columnsLeftOut > 0) text += "；另有 " + leftOut + " 列自定义项（--all-columns）";
+    return text;
   }
-  return cut ? "the first " + std::to_string(*limit) + " of " + all + " rows" : all + " rows";
+  std::string text = (cut ? "the first " + std::to_string(*limit) + " of " : "") + all + " rows";
+  if (document.columnsLeftOut > 0) text += "; " + leftOut + " user-defined fields are not shown (--all-columns)";
+  return text;
 }
 
 std::string stateName(const ReportDocument& document, const CrossState& state) {

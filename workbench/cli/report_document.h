@@ -20,7 +20,8 @@ struct ReportDocument {
   std::string title;                                            // in the language
   std::vector<std::pair<std::string, std::string>> conditions;  // caption and what was entered
   int quantityDecimals = 2;                                     // the account's
-  std::vector<ReportColumn> columns;                            // those that are shown: the filled ones
+  std::vector<ReportColumn> columns;                            // those that are shown, of the filled ones
+  std::size_t columnsLeftOut = 0;                               // the filled ones that are not shown
   std::vector<std::optional<std::string>> totals;               // one a column
   std::vector<CrossState> crossStates;
   CrossView cross;
@@ -37,7 +38,7 @@ std::string quantityText(const ReportDocument& document, std::string_view exact)
 std::string moneyText(std::string_view exact);
 // What stands under column number `column` in the row of totals; the word for it under the first column.
 std::string totalText(const ReportDocument& document, std::size_t column);
-// How many rows there are and, when `limit` cuts them, how many of them are shown.
+// How many rows there are and, when `limit` cuts them, how many of them are shown; how many columns are not shown.
 std::string rowCountText(const ReportDocument& document, std::optional<std::int64_t> limit);
 
 // Words that more than one format uses.
