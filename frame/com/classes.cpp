@@ -3,9 +3,11 @@
 #include <memory>
 #include <string>
 
+#include "filters/sfc_filter_control.h"
 #include "frame/com/dual_object.h"
 #include "frame/com/module_state.h"
 #include "frame/com/quillon_interfaces.h"
+#include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 
 namespace quillon::com {
@@ -17,33 +19,50 @@ ComReportArgument argumentOf(IDispatch** e) {
   return ComReportArgument(ComPtr<IDispatch>(e ? *e : nullptr));
 }
 
-class SfcItemClass : public DualObject<_clsSFC_Item, clsSFC_Item> {
+// The filter object that a dialog passes by reference, as the core's port.
+ComFilterDialog dialogOf(IDispatch** filter) {
+  return ComFilterDialog(ComPtr<IDispatch>(filter ? *filter : nullptr));
+}
+
+// Gives the caller's variant a new value; one that refers to another variable passes it on to that one.
+void assign(VARIANT& variable, Variant value) {
+  if ((variable.vt & VT_BYREF) == 0) {
+    VariantClear(&variable);
+    variable = value.release();
+  } else if (const HRESULT code = writeBack(variable, value); FAILED(code)) {
+    throw AutomationError(code, "Quillon", "The variable for the result cannot hold a text.");
+  }
+}
+
+// The two summary reports have interfaces of one layout.
+template <class Interface, class Class, class Report>
+class SummaryReportClass : public DualObject<Interface, Class> {
  public:
-  SfcItemClass() : DualObject("Quillon.clsSFC_Item") {}
+  explicit SummaryReportClass(std::string_view progId) : DualObject<Interface, Class>(progId) {}
 
   STDMETHODIMP get_tarn_tmpTable(BSTR* value) override {
-    return run([&] { give(value, report_.tempTableProperty()); });
+    return this->run([&] { this->give(value, report_.tempTableProperty()); });
   }
   STDMETHODIMP put_tarn_tmpTable(BSTR* value) override {
-    return run([&] { report_.setTempTableProperty(taken(value)); });
+    return this->run([&] { report_.setTempTableProperty(this->taken(value)); });
   }
   STDMETHODIMP TempTablename(BSTR* result) override {
-    return run([&] { give(result, report_.tempTableName()); });
+    return this->run([&] { this->give(result, report_.tempTableName()); });
   }
   STDMETHODIMP MoveDataDetail(BSTR* result) override {
-    return run([&] {
-      require(result);
-      give(result, report_.moveDataDetail());
+    return this->run([&] {
+      this->require(result);
+      this->give(result, report_.moveDataDetail());
     });
   }
   STDMETHODIMP GETSQL(IDispatch** e) override {
-    return run([&] {
+    return this->run([&] {
       ComReportArgument argument = argumentOf(e);
       report_.getSql(argument);
     });
   }
   STDMETHODIMP Execute(IDispatch** e) override {
-    return run([&] {
+    return this->run([&] {
       ComReportArgument argument = argumentOf(e);
       report_.execute(argument);
     });
@@ -51,7 +70,17 @@ class SfcItemClass : public DualObject<_clsSFC_Item, clsSFC_Item> {
 
  private:
   std::shared_ptr<ModuleState> state_ = threadState();
-  SfcItem report_{state_->module()};
+  Report report_{state_->module()};
+};
+
+class ReceiptIssueBalanceClass : public SummaryReportClass<_clsSFC_Item, clsSFC_Item, SfcItem> {
+ public:
+  ReceiptIssueBalanceClass() : SummaryReportClass("Quillon.clsSFC_Item") {}
+};
+
+class OutboundSummaryClass : public SummaryReportClass<_clsOutsum_Item, clsOutsum_Item, OutsumItem> {
+ public:
+  OutboundSummaryClass() : SummaryReportClass("Quillon.clsOutsum_Item") {}
 };
 
 class BusinessClass : public DualObject<_ClsBusiness, ClsBusiness> {
@@ -82,27 +111,6 @@ class DetailLedgerClass : public DualObject<_clsFXDetail, clsFXDetail> {
 
  private:
   static constexpr std::string_view subject = "the cost-item detail ledger";
-};
-
-class OutboundSummaryClass : public DualObject<_clsOutsum_Item, clsOutsum_Item> {
- public:
-  OutboundSummaryClass() : DualObject("Quillon.clsOutsum_Item") {}
-
-  STDMETHODIMP get_tarn_tmpTable(BSTR* value) override {
-    return run([&] { give(value, tempTable_); });
-  }
-  STDMETHODIMP put_tarn_tmpTable(BSTR* value) override {
-    return run([&] { tempTable_ = taken(value); });
-  }
-  STDMETHODIMP TempTablename(BSTR* /*result*/) override { return notImplemented("TempTablename", subject); }
-  STDMETHODIMP MoveDataDetail(BSTR* /*result*/) override { return notImplemented("MoveDataDetail", subject); }
-  STDMETHODIMP GETSQL(IDispatch** /*e*/) override { return notImplemented("GETSQL", subject); }
-  STDMETHODIMP Execute(IDispatch** /*e*/) override { return notImplemented("Execute", subject); }
-
- private:
-  static constexpr std::string_view subject = "the outbound summary by cost item";
-
-  std::string tempTable_;
 };
 
 class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
@@ -184,26 +192,50 @@ class SummaryFilterClass : public DualObject<_clsSFCFilterControl, clsSFCFilterC
  public:
   SummaryFilterClass() : DualObject("Quillon.clsSFCFilterControl") {}
 
-  STDMETHODIMP CallBack_FilterInit(IDispatch** /*filter*/, VARIANT* /*result*/) override {
-    return notImplemented("CallBack_FilterInit", subject);
+  STDMETHODIMP CallBack_FilterInit(IDispatch** filter, VARIANT* result) override {
+    return run([&] {
+      require(result);
+      VariantInit(result);
+      ComFilterDialog dialog = dialogOf(filter);
+      control_.filterInit(dialog);
+    });
   }
-  STDMETHODIMP CallBack_ValueChange(BSTR* /*key*/, IDispatch** /*filter*/) override {
-    return notImplemented("CallBack_ValueChange", subject);
+  STDMETHODIMP CallBack_ValueChange(BSTR* key, IDispatch** filter) override {
+    return run([&] {
+      ComFilterDialog dialog = dialogOf(filter);
+      control_.valueChange(taken(key), dialog);
+    });
   }
-  STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* /*result*/) override {
-    return notImplemented("CallBack_FilterClick", subject);
+  STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* result) override {
+    return run([&] {
+      require(result);
+      *result = Variant(SfcFilterControl::filterClick()).release();
+    });
   }
-  STDMETHODIMP CallBack_ReportViewChange(BSTR* /*key*/, IDispatch** /*filter*/, VARIANT* /*viewClass*/) override {
-    return notImplemented("CallBack_ReportViewChange", subject);
+  STDMETHODIMP CallBack_ReportViewChange(BSTR* /*key*/, IDispatch** filter, VARIANT* viewClass) override {
+    return giveView(filter, viewClass);
   }
-  STDMETHODIMP CallBack_ReportViewInit(IDispatch** /*filter*/, VARIANT* /*viewClass*/) override {
-    return notImplemented("CallBack_ReportViewInit", subject);
+  STDMETHODIMP CallBack_ReportViewInit(IDispatch** filter, VARIANT* viewClass) override {
+    return giveView(filter, viewClass);
   }
-  STDMETHODIMP InitYear() override { return notImplemented("InitYear", subject); }
-  STDMETHODIMP InitGrade() override { return notImplemented("InitGrade", subject); }
+  STDMETHODIMP InitYear() override {
+    return run([&] { control_.initYear(); });
+  }
+  STDMETHODIMP InitGrade() override {
+    return run([&] { control_.initGrade(); });
+  }
 
  private:
-  static constexpr std::string_view subject = "the filter dialog of the summary reports";
+  HRESULT giveView(IDispatch** filter, VARIANT* viewClass) noexcept {
+    return run([&] {
+      require(viewClass);
+      ComFilterDialog dialog = dialogOf(filter);
+      assign(*viewClass, SfcFilterControl::reportView(dialog));
+    });
+  }
+
+  std::shared_ptr<ModuleState> state_ = threadState();
+  SfcFilterControl control_{state_->module()};
 };
 
 class LedgerFilterClass : public DualObject<_clsFilterControl, clsFilterControl> {
@@ -240,7 +272,8 @@ ComPtr<IUnknown> makeInstance() {
 
 std::span<const ServerClass> serverClasses() {
   static const ServerClass classes[] = {
-      {__uuidof(clsSFC_Item), L"clsSFC_Item", L"Receipt/issue/balance by cost item", &makeInstance<SfcItemClass>},
+      {__uuidof(clsSFC_Item), L"clsSFC_Item", L"Receipt/issue/balance by cost item",
+       &makeInstance<ReceiptIssueBalanceClass>},
       {__uuidof(ClsBusiness), L"ClsBusiness", L"Holder of the platform's business object",
        &makeInstance<BusinessClass>},
       {__uuidof(clsFXDetail), L"clsFXDetail", L"Cost-item detail ledger", &makeInstance<DetailLedgerClass>},

@@ -26,7 +26,7 @@ class ModuleState {
 std::shared_ptr<ModuleState> threadState();
 
 // Releases the calling thread's state if all that it holds can be made again. It stays while it holds the business
-// object or the connection that a failed build leaves open.
+// object or the connection that a failed build or a dialog leaves open.
 void releaseThreadState() noexcept;
 // How many threads have a state.
 long threadStates() noexcept;

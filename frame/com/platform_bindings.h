@@ -75,6 +75,21 @@ inline constexpr const wchar_t* groupToken = L"LngGrouptoken";          // writt
 inline constexpr const wchar_t* sqlText = L"strSqlString";              // the condition the filter made of the item
 }  // namespace filter
 
+namespace dialog {                                         // the same objects while the user fills in the filter
+inline constexpr const wchar_t* login = L"Login";          // the session's login object
+inline constexpr const wchar_t* identifier = L"FilterId";  // GUID without braces: which report the filter is for
+inline constexpr const wchar_t* connection = L"DialogConnection";        // the dialog's own open ADO connection
+inline constexpr const wchar_t* setUnavailable = L"SetItemUnavailable";  // (key, flag): True locks the item
+inline constexpr const wchar_t* setEnumeration = L"SetItemEnumeration";  // (key, codes{##}names): a choice item's list
+// (key, "", condition): what the lookup of a reference item is restricted to.
+inline constexpr const wchar_t* setLookupCondition = L"SetItemLookupCondition";
+// (key, condition, flag): the same; True tells that the value in the condition is empty.
+inline constexpr const wchar_t* setLookupConditionOfValue = L"SetItemLookupConditionOfValue";
+inline constexpr const wchar_t* caption = L"Caption";        // an item's: what the user sees beside it
+inline constexpr const wchar_t* listText = L"ListText";      // an item's, written: choices, separated by commas
+inline constexpr const wchar_t* listSource = L"ListSource";  // an item's, written: such a list or a Select statement
+}  // namespace dialog
+
 // --- Components that the library creates by ProgID.
 
 // Account information.

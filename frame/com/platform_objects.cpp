@@ -4,7 +4,6 @@
 #include <cstdio>
 
 #include "frame/automation_error.h"
-#include "frame/com/ado_session.h"
 #include "frame/com/errors.h"
 
 namespace quillon::com {
@@ -92,6 +91,84 @@ std::unique_ptr<FilterItem> ComFilter::item(std::string_view key) {
 
 std::string ComFilter::whereWithToken(int token) {
   return filter_.text(bindings::filter::whereWithToken, {token});
+}
+
+// --- Filter dialog
+
+std::string ComDialogItem::name() {
+  return item_.text(bindings::filter::name);
+}
+
+std::string ComDialogItem::caption() {
+  return item_.text(bindings::dialog::caption);
+}
+
+std::string ComDialogItem::value() {
+  return item_.text(bindings::filter::value);
+}
+
+void ComDialogItem::setValue(std::string_view value) {
+  item_.put(bindings::filter::value, value);
+}
+
+void ComDialogItem::setBounds(std::string_view lower, std::string_view upper) {
+  item_.put(bindings::filter::value, lower);
+  item_.put(bindings::filter::value2, upper);
+}
+
+void ComDialogItem::setListText(std::string_view choices) {
+  item_.put(bindings::dialog::listText, choices);
+}
+
+void ComDialogItem::setListSource(std::string_view choicesOrStatement) {
+  item_.put(bindings::dialog::listSource, choicesOrStatement);
+}
+
+LateBound ComFilterDialog::list() const {
+  return filter_.object(bindings::filter::filterList, "FilterList");
+}
+
+std::shared_ptr<Login> ComFilterDialog::login() {
+  return std::make_shared<ComLogin>(filter_.object(bindings::dialog::login, "Login"));
+}
+
+std::string ComFilterDialog::identifier() {
+  return filter_.text(bindings::dialog::identifier);
+}
+
+Session& ComFilterDialog::connection() {
+  if (!connection_)
+    connection_ = std::make_unique<AdoSession>(filter_.object(bindings::dialog::connection, "dialog connection"));
+  return *connection_;
+}
+
+int ComFilterDialog::count() {
+  return list().integer(bindings::filter::count);
+}
+
+std::unique_ptr<DialogItem> ComFilterDialog::item(int position) {
+  return std::make_unique<ComDialogItem>(list().item(position, "filter item"));
+}
+
+std::unique_ptr<DialogItem> ComFilterDialog::item(std::string_view key) {
+  return std::make_unique<ComDialogItem>(list().item(key, "filter item"));
+}
+
+void ComFilterDialog::setUnavailable(std::string_view key, bool flag) {
+  filter_.call(bindings::dialog::setUnavailable, {key, flag});
+}
+
+void ComFilterDialog::setEnumeration(std::string_view key, std::string_view text) {
+  filter_.call(bindings::dialog::setEnumeration, {key, text});
+}
+
+void ComFilterDialog::setLookupCondition(std::string_view key, std::string_view secondArgument,
+                                         std::string_view condition) {
+  filter_.call(bindings::dialog::setLookupCondition, {key, secondArgument, condition});
+}
+
+void ComFilterDialog::setLookupConditionOfValue(std::string_view key, std::string_view condition, bool valueIsEmpty) {
+  filter_.call(bindings::dialog::setLookupConditionOfValue, {key, condition, valueIsEmpty});
 }
 
 // --- Login, data source, argument

@@ -7,8 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/com/ado_session.h"
 #include "frame/com/late_bound.h"
 #include "frame/com/platform_bindings.h"
+#include "frame/filter_dialog.h"
 #include "frame/platform.h"
 
 namespace quillon::com {
@@ -67,6 +69,46 @@ class ComLogin : public Login {
   LateBound login_;
 };
 
+class ComDialogItem : public DialogItem {
+ public:
+  explicit ComDialogItem(LateBound item) : item_(std::move(item)) {}
+
+  std::string name() override;
+  std::string caption() override;
+  std::string value() override;
+  void setValue(std::string_view value) override;
+  void setBounds(std::string_view lower, std::string_view upper) override;
+  void setListText(std::string_view choices) override;
+  void setListSource(std::string_view choicesOrStatement) override;
+
+ private:
+  LateBound item_;
+};
+
+// One callback's view of the dialog.
+class ComFilterDialog : public FilterDialog {
+ public:
+  // `filter` may be null ("Nothing"): every member then throws Basic's error 91.
+  explicit ComFilterDialog(ComPtr<IDispatch> filter) : filter_(std::move(filter), "filter") {}
+
+  std::shared_ptr<Login> login() override;
+  std::string identifier() override;
+  Session& connection() override;
+  int count() override;
+  std::unique_ptr<DialogItem> item(int position) override;
+  std::unique_ptr<DialogItem> item(std::string_view key) override;
+  void setUnavailable(std::string_view key, bool flag) override;
+  void setEnumeration(std::string_view key, std::string_view text) override;
+  void setLookupCondition(std::string_view key, std::string_view secondArgument, std::string_view condition) override;
+  void setLookupConditionOfValue(std::string_view key, std::string_view condition, bool valueIsEmpty) override;
+
+ private:
+  LateBound list() const;
+
+  LateBound filter_;
+  std::unique_ptr<AdoSession> connection_;  // from the first time that it is asked for
+};
+
 class ComDataSource : public DataSource {
  public:
   explicit ComDataSource(LateBound dataSource) : dataSource_(std::move(dataSource)) {}
@@ -112,7 +154,7 @@ class ComResourceService : public ResourceService {
   // Throws AutomationError when `service` lacks the interface IResourceService.
   explicit ComResourceService(const LateBound& service);
 
-  // `login` is one that came from a ComReportArgument.
+  // `login` is one that came from a ComReportArgument or a ComFilterDialog.
   void takeLogin(Login& login) override;
   std::string enumName(std::string_view type, std::string_view code) override;
   std::string text(std::string_view key) override;

@@ -71,7 +71,10 @@ ComPtr<FakeObject> itemObject(Recorder& recorder, const FakeItem& item) {
       .property(bindings::filter::rangeInput, false)
       .property(bindings::filter::multipleSelection, false)
       .property(bindings::filter::sqlText, "")
-      .property(bindings::filter::groupToken, 7);
+      .property(bindings::filter::groupToken, 7)
+      .property(bindings::dialog::caption, "caption of " + item.name)
+      .property(bindings::dialog::listText)
+      .property(bindings::dialog::listSource);
   return object;
 }
 
@@ -98,6 +101,21 @@ ComPtr<FakeObject> filterObject(Recorder& recorder, const std::vector<FakeItem>&
   return filter;
 }
 
+ComPtr<FakeObject> loginObject(Recorder& recorder) {
+  ComPtr<FakeObject> login = makeObject<FakeObject>(recorder, "Login");
+  login->property(bindings::login::accountConnection, "Provider=Fake;Data Source=account")
+      .property(bindings::login::password, "secret")
+      .property(bindings::login::accountCode, "001")
+      .property(bindings::login::accountingYear, 2024)
+      .property(bindings::login::accountingYearText, "2024")
+      .property(bindings::login::languageRegion, "zh-CN")
+      .property(bindings::login::languageId, 2052)
+      .property(bindings::login::currentPeriodYear, 2024)
+      .property(bindings::login::businessDate, Variant::fromDate(45473.0))
+      .property(bindings::login::authString, "");
+  return login;
+}
+
 }  // namespace
 
 FakePlatform::FakePlatform(Recorder& recorder)
@@ -117,18 +135,21 @@ FakePlatform::Class FakePlatform::known(const PlatformClass& entry, ComPtr<IUnkn
   });
 }
 
+ComPtr<FakeObject> FakePlatform::dialog(const std::string& identifier, const std::vector<FakeItem>& items) {
+  ComPtr<FakeObject> dialog = filterObject(recorder_, items);
+  const auto nothing = [](Call& /*call*/) -> Variant { return {}; };
+  dialog->property(bindings::dialog::login, loginObject(recorder_))
+      .property(bindings::dialog::identifier, identifier)
+      .property(bindings::dialog::connection, makeObject<FakeObject>(recorder_, "DialogConnection"))
+      .on(bindings::dialog::setUnavailable, nothing)
+      .on(bindings::dialog::setEnumeration, nothing)
+      .on(bindings::dialog::setLookupCondition, nothing)
+      .on(bindings::dialog::setLookupConditionOfValue, nothing);
+  return dialog;
+}
+
 ComPtr<FakeObject> FakePlatform::argument(const std::vector<FakeItem>& items) {
-  const ComPtr<FakeObject> login = makeObject<FakeObject>(recorder_, "Login");
-  login->property(bindings::login::accountConnection, "Provider=Fake;Data Source=account")
-      .property(bindings::login::password, "secret")
-      .property(bindings::login::accountCode, "001")
-      .property(bindings::login::accountingYear, 2024)
-      .property(bindings::login::accountingYearText, "2024")
-      .property(bindings::login::languageRegion, "zh-CN")
-      .property(bindings::login::languageId, 2052)
-      .property(bindings::login::currentPeriodYear, 2024)
-      .property(bindings::login::businessDate, Variant::fromDate(45473.0))
-      .property(bindings::login::authString, "");
+  const ComPtr<FakeObject> login = loginObject(recorder_);
   const ComPtr<FakeObject> dataSource = makeObject<FakeObject>(recorder_, "DataSource");
   dataSource->property(bindings::data_source::type, 0).property(bindings::data_source::sql, "ResultTable");
   ComPtr<FakeObject> e = makeObject<FakeObject>(recorder_, "e");

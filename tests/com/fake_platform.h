@@ -27,6 +27,8 @@ class FakePlatform {
 
   // The argument object e with a filter of these items.
   ComPtr<FakeObject> argument(const std::vector<FakeItem>& items);
+  // The filter object of a dialog with these items, for the report that `identifier` names.
+  ComPtr<FakeObject> dialog(const std::string& identifier, const std::vector<FakeItem>& items);
 
   // The rows that a statement gives; a statement that is not asked for here gives none.
   std::function<std::vector<std::vector<Variant>>(const std::string& sql)> rows;

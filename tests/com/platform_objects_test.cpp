@@ -15,6 +15,8 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
+constexpr HRESULT objectNotSet = static_cast<HRESULT>(0x800A005BU);  // Basic's error 91
+
 class PlatformObjectsTest : public testing::Test {
  protected:
   // The calls since the last look.
@@ -81,6 +83,68 @@ TEST_F(PlatformObjectsTest, TheFilterAndItsItems) {
                             "Item.LngGrouptoken = 1", "Item.Name", "Item.varValue", "Item.varValue2", "Item.RangeInput",
                             "Item.IsMultSel", "Item.strSqlString", "Filter.FilterList", "FilterList.Item(\"iYear\")",
                             "Item.varValue", "Filter.GetWhereWithToken(0)"}));
+}
+
+TEST_F(PlatformObjectsTest, TheDialogAndItsItems) {
+  ComFilterDialog dialog(fake.dialog("A-B", {{"iYear", "2024", ""}, {"cInvCode", "01", ""}}));
+  EXPECT_EQ(dialog.identifier(), "A-B");
+  EXPECT_EQ(dialog.login()->accountCode(), "001");
+  EXPECT_EQ(dialog.count(), 2);
+  const auto item = dialog.item(2);
+  EXPECT_EQ(item->name(), "cInvCode");
+  EXPECT_EQ(item->caption(), "caption of cInvCode");
+  item->setValue("02");
+  EXPECT_EQ(item->value(), "02");
+  item->setBounds("03", "04");
+  item->setListText("03,04");
+  item->setListSource("Select cInvCode From Inventory");
+  EXPECT_EQ(dialog.item("iYear")->value(), "2024");
+  dialog.setUnavailable("cWhCode", true);
+  dialog.setEnumeration("iGrade", "1{##}1");
+  dialog.setLookupCondition("cInvCode", "", "#FN[cInvCCode] Like '01%'");
+  dialog.setLookupConditionOfValue("cCusCode", "#FN[cCCCode] Like N'%'", true);
+  EXPECT_EQ(calls(), (Calls{"Filter.FilterId",
+                            "Filter.Login",
+                            "Login.cAcc_Id",
+                            "Filter.FilterList",
+                            "FilterList.Count",
+                            "Filter.FilterList",
+                            "FilterList.Item(2)",
+                            "Item.Name",
+                            "Item.Caption",
+                            "Item.varValue = \"02\"",
+                            "Item.varValue",
+                            "Item.varValue = \"03\"",
+                            "Item.varValue2 = \"04\"",
+                            "Item.ListText = \"03,04\"",
+                            "Item.ListSource = \"Select cInvCode From Inventory\"",
+                            "Filter.FilterList",
+                            "FilterList.Item(\"iYear\")",
+                            "Item.varValue",
+                            "Filter.SetItemUnavailable(\"cWhCode\", True)",
+                            "Filter.SetItemEnumeration(\"iGrade\", \"1{##}1\")",
+                            "Filter.SetItemLookupCondition(\"cInvCode\", \"\", \"#FN[cInvCCode] Like '01%'\")",
+                            "Filter.SetItemLookupConditionOfValue(\"cCusCode\", \"#FN[cCCCode] Like N'%'\", True)"}));
+}
+
+TEST_F(PlatformObjectsTest, TheDialogsConnectionIsAskedForOnceAndPassedOnByReference) {
+  ComFilterDialog dialog(fake.dialog("", {}));
+  const auto component = platform.createPublicComponent();
+  calls();
+  EXPECT_EQ(component->currentPeriodYear(dialog.connection()), 2024);
+  EXPECT_EQ(component->costItemStartMonth("2024", dialog.connection()), 1);
+  EXPECT_EQ(calls(), (Calls{"Filter.DialogConnection", "IAPub.CurPeriodYear(ref <DialogConnection>)",
+                            "IAPub.iFxStartMonth(\"2024\", ref <DialogConnection>)"}));
+}
+
+TEST_F(PlatformObjectsTest, NoDialogIsBasicsError91) {
+  ComFilterDialog dialog{ComPtr<IDispatch>()};
+  try {
+    dialog.identifier();
+    FAIL() << "nothing was thrown";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.code(), objectNotSet);
+  }
 }
 
 TEST_F(PlatformObjectsTest, ThePublicComponentGetsTheConnectionByReferenceAndLast) {

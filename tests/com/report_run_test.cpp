@@ -1,5 +1,5 @@
-// Whole runs of clsSFC_Item in Quillon.dll against a fake platform: the calls that reach the outside and their order, a
-// failure at every one of them, and two threads at once.
+// Whole runs of the summary reports in Quillon.dll against a fake platform: the calls that reach the outside and their
+// order, a failure at every one of them, and two threads at once.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,19 +22,26 @@ namespace {
 using Calls = std::vector<std::string>;
 
 constexpr CLSID sfcItem = {0xe518f10c, 0xf08e, 0x4684, {0xa4, 0x65, 0x50, 0xe6, 0x80, 0x8d, 0x03, 0x1e}};
+constexpr CLSID outsumItem = {0xfddec39e, 0xa286, 0x4e4a, {0x96, 0x77, 0x98, 0xf4, 0x68, 0x45, 0xfc, 0xa4}};
 constexpr CLSID business = {0xae3cc61b, 0xe0a2, 0x4f0d, {0xa9, 0x60, 0xc8, 0x20, 0x92, 0xc5, 0x03, 0x5e}};
 
 const std::vector<FakeItem> costItemsOf2024 = {
     {"cModal", "1", ""}, {"iYear", "2024", ""}, {"CINVCODE", "01\t 02 ", ""}};
 
+// What the outbound summary finds of project classes: one with tables, the inventory itself, one without tables.
+std::vector<std::vector<Variant>> projectClasses(const std::string& sql) {
+  if (!sql.starts_with("Select Distinct base.cItem_Class")) return {};
+  return {{"00", "fItem_ProjectClass", "fItem_Project"}, {"CH", "", ""}, {"99", Variant::null(), Variant::null()}};
+}
+
 class ReportRun : public testing::Test {
  protected:
   // Creates a report, as the platform does. Throws AutomationError.
-  LateBound report() {
+  LateBound report(REFCLSID classId = sfcItem) {
     HRESULT code = S_OK;
-    ComPtr<IDispatch> object = library.create<IDispatch>(sfcItem, &code);
+    ComPtr<IDispatch> object = library.create<IDispatch>(classId, &code);
     if (FAILED(code)) throw AutomationError(code, "CreateInstance", "");
-    return {std::move(object), "clsSFC_Item"};
+    return {std::move(object), "report"};
   }
 
   QuillonLibrary library;
@@ -123,6 +130,44 @@ TEST_F(ReportRun, CallsThePlatformInOrder) {
   EXPECT_EQ(Calls(calls.end() - 3, calls.end()), (Calls{statements[11], "Connection.State", "Connection.Close"}));
 }
 
+TEST_F(ReportRun, TheOutboundSummarySendsItsStatementsInOrder) {
+  const ComScope apartment;
+  Recorder recorder;
+  FakePlatform platform(recorder);
+  platform.rows = projectClasses;
+  const LateBound report = this->report(outsumItem);
+  report.call(L"GETSQL", {platform.argument(costItemsOf2024)});
+  EXPECT_EQ(report.text(L"TempTablename"), "");
+
+  Calls statements;
+  std::copy_if(recorder.calls.begin(), recorder.calls.end(), std::back_inserter(statements),
+               [](const std::string& call) {
+                 return call.starts_with("Connection.Execute") || call.starts_with("Recordset.Open");
+               });
+  const Calls beginnings = {
+      "Connection.Execute(\"If Exists(Select Name From Sysobjects Where Name = '77u1IA_OutSum_Item_DetailTmp') Drop "
+      "Table [77u1IA_OutSum_Item_DetailTmp]\", ref Empty, -1)",
+      "Connection.Execute(\"select Top 0 base.autoid,",
+      "Connection.Execute(\"Select Top 0 * Into ResultTable From [77u1IA_OutSum_Item_DetailTmp]\", ref Empty, -1)",
+      "Connection.Execute(\"Insert Into [77u1IA_OutSum_Item_DetailTmp]",
+      "Connection.Execute(\"Insert Into [77u1IA_OutSum_Item_DetailTmp]",
+      "Recordset.Open(\"Select Distinct base.cItem_Class, fItem.cClasstable, fItem.ctable From "
+      "[77u1IA_OutSum_Item_DetailTmp] base",
+      "Connection.Execute(\"Update base\r\nSet cItemCCode = tarcls.cItemCCode, cItemCName = tarcls.cItemCName",
+      "Connection.Execute(\"Update base\r\nSet cItemCCode = invcls.cInvCCode, cItemCName = invcls.cInvCName",
+      "Connection.Execute(\"Insert Into ResultTable",
+      "Connection.Execute(\"Update ResultTable set cBusType=AA.EnumName from ResultTable Wt inner join aa_enum AA on ",
+      "Connection.Execute(\"Update ResultTable set cvoutype=AA_Enum.EnumName from  ResultTable temp inner join VouchType",
+      "Connection.Execute(\"If OBJECT_ID(N'[77u1IA_OutSum_Item_DetailTmp]') is not null Drop Table "
+      "[77u1IA_OutSum_Item_DetailTmp]\", ref Empty, -1)"};
+  ASSERT_EQ(statements.size(), beginnings.size());
+  for (std::size_t i = 0; i < beginnings.size(); ++i)
+    EXPECT_TRUE(statements[i].starts_with(beginnings[i])) << statements[i];
+  EXPECT_NE(statements[3].find("Where 1 = 1 And base.iYear = 2024 And inv.cInvcode In ('01','02') "), std::string::npos)
+      << statements[3];
+  EXPECT_EQ(recorder.calls.back(), "Connection.Close");
+}
+
 TEST_F(ReportRun, TheStartMonthOfInventoryAccountingIsLookedUpOnTheSession) {
   const ComScope apartment;
   Recorder recorder;
@@ -179,15 +224,17 @@ TEST_F(ReportRun, ExecuteNeverFails) {
 }
 
 // One run in an apartment of its own, with call `failAt` failing; gives how many calls there were.
-std::size_t runOnce(const QuillonLibrary& library, std::size_t failAt, const std::vector<FakeItem>& items) {
+std::size_t runOnce(const QuillonLibrary& library, std::size_t failAt, const std::vector<FakeItem>& items,
+                    REFCLSID classId = sfcItem) {
   Recorder recorder;
   recorder.failAt = failAt;
   {
     const ComScope apartment;
     FakePlatform platform(recorder);
     platform.startMonth = 4;
+    platform.rows = projectClasses;
     HRESULT created = S_OK;
-    LateBound report{library.create<IDispatch>(sfcItem, &created), "clsSFC_Item"};
+    LateBound report{library.create<IDispatch>(classId, &created), "report"};
     if (!report) {
       EXPECT_EQ(created, Recorder::failure) << failAt;
       EXPECT_LE(failAt, 2U) << "making an instance calls the naming class and nothing else";
@@ -221,11 +268,13 @@ TEST_F(ReportRun, NothingIsLeftOverWhateverFails) {
       costItemsOf2024,
       {{"cModal", "2", ""}, {"iYear", "2024", ""}, {"dKeepDate", "2024-03-01", "2024-06-30"}},
       {{"cModal", "0", ""}, {"iYear", "2024", ""}, {"bIncludeExpire", "0", ""}, {"cFSType", "1", ""}}};
-  for (const auto& items : filters) {
-    const std::size_t total = runOnce(library, 0, items);
-    EXPECT_GT(total, 50U);
-    for (std::size_t failAt = 1; failAt <= total; ++failAt)
-      runOnce(library, failAt, items);
+  for (const CLSID& classId : {sfcItem, outsumItem}) {
+    for (const auto& items : filters) {
+      const std::size_t total = runOnce(library, 0, items, classId);
+      EXPECT_GT(total, 50U);
+      for (std::size_t failAt = 1; failAt <= total; ++failAt)
+        runOnce(library, failAt, items, classId);
+    }
   }
 }
 
