@@ -106,16 +106,17 @@ void createSample(const std::filesystem::path& file, const SampleOptions& option
   if (error) throw AccountError("cannot write " + utf8(file) + ": " + error.message());
 }
 
-AccountInfo info(tsql::Connection& connection) {
-  std::vector<std::string> missing;
+void requireAccount(tsql::Connection& connection) {
   for (const TableDefinition& table : tables()) {
-    if (connection.describe(table.name).empty()) missing.emplace_back(table.name);
+    if (connection.describe(table.name).empty()) {
+      throw AccountError("this is no account: the table " + std::string(table.name) +
+                         " is missing; make one with: quillon account new FILE");
+    }
   }
-  if (!missing.empty()) {
-    throw AccountError("this is no account: the table " + missing.front() +
-                       " is missing; make one with: quillon account new FILE");
-  }
+}
 
+AccountInfo info(tsql::Connection& connection) {
+  requireAccount(connection);
   AccountInfo result;
   result.accountCode = firstText(connection, "Select Min(cAcc_Id) From orvsystem..UA_Period");
   result.startDate = option(connection, "IA", "dIAStartDate");

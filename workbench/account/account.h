@@ -39,6 +39,9 @@ struct AccountInfo {
   std::vector<TableInfo> tables;  // the tables of the schema, those of the system database with their qualifier
 };
 
+// Throws AccountError when the database lacks a table of an account.
+void requireAccount(tsql::Connection& connection);
+
 // Reads the account. Throws AccountError when the database lacks the tables of an account.
 AccountInfo info(tsql::Connection& connection);
 

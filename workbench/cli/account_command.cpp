@@ -4,8 +4,11 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "workbench/account/account.h"
+#include "workbench/account/key_check.h"
+#include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/text_table.h"
@@ -69,6 +72,21 @@ void clean(const std::string& source) {
 
 }  // namespace
 
+bool checkAccount(const std::string& source, std::ostream& out) {
+  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::readOnly);
+  const std::vector<account::BrokenKey> broken = account::brokenKeys(*connection);
+  if (broken.empty()) {
+    out << "every key by which the reports join has one row\n";
+    return true;
+  }
+  TextTable table(out, {{"table"}, {"key"}, {"rows", Align::right}, {"reports"}});
+  for (const account::BrokenKey& key : broken)
+    table.row({key.table, key.key, count(key.rows), key.reports});
+  table.finish();
+  out << "\nThese reports count a ledger line that names such a key once for each of its rows; leave one row a key.\n";
+  return false;
+}
+
 void addAccountCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("account", "Make, inspect and clean embedded accounts");
   command.require_subcommand(1);
@@ -92,6 +110,12 @@ void addAccountCommand(CLI::App& app) {
   CLI::App& information = *command.add_subcommand("info", "Years, start months, valuation method, row counts");
   information.add_option("SOURCE", *file, "The account file")->required();
   information.callback([file] { showInfo(*file); });
+
+  CLI::App& checking = *command.add_subcommand("check", "Name the rows that would make reports show lines twice");
+  checking.add_option("SOURCE", *file, "The account file")->required();
+  checking.callback([file] {
+    if (!checkAccount(*file, std::cout)) endWith(1);
+  });
 
   CLI::App& cleaning = *command.add_subcommand("clean", "Drop the work tables that interrupted reports left");
   cleaning.add_option("SOURCE", *file, "The account file")->required();

@@ -1,9 +1,16 @@
-// `quillon account`: makes sample accounts, tells what is in one, clears away what interrupted reports left.
+// `quillon account`: makes sample accounts, tells what is in one, checks its keys, clears away what interrupted reports
+// left.
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <ostream>
+#include <string>
 
 namespace quillon::workbench {
+
+// `quillon account check`: lists the keys of the account `source` by which reports join and which several rows share.
+// True when there is none. Throws std::exception with one line for the user.
+bool checkAccount(const std::string& source, std::ostream& out);
 
 void addAccountCommand(CLI::App& app);
 
