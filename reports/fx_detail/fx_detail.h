@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "frame/drill_through.h"
 #include "frame/module.h"
-#include "reports/fx_detail/drill_through.h"
 
 namespace quillon {
 
@@ -31,7 +31,7 @@ class FxDetail {
 
   // Execute: opens the document behind the row that the argument carries. Throws AutomationError for everything that
   // fails.
-  fx_detail::DrillThrough execute(ReportArgument& argument) { return fx_detail::drillThrough(module_, argument); }
+  DrillThrough execute(ReportArgument& argument) { return drillThrough(module_, argument); }
 
  private:
   void build(Filter& filter, AccountOptions& options, const std::string& resultTable);

@@ -360,6 +360,15 @@ TEST_F(FxDetailRun, AnInstanceLeavesAnothersRunAlone) {
   EXPECT_TRUE(module_.login);
 }
 
+TEST_F(FxDetailRun, OpensTheDocumentBehindARow) {
+  fakes::FakeArgument argument(platform_.record, nullptr);
+  argument.actionText = "Vouch";
+  argument.rowColumns = {{"cVouType", "32"}, {"cVouCode", "7"}, {"ID", "815"}};
+  FxDetail report(module_);
+  EXPECT_EQ(report.execute(argument), DrillThrough::sourceVoucher);
+  EXPECT_THAT(platform_.record.calls, Contains(HasSubstr("ShowVoucher")));
+}
+
 INSTANTIATE_TEST_SUITE_P(BothOpenings, FxDetailFailure, testing::Bool());
 
 }  // namespace

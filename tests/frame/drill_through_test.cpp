@@ -1,15 +1,13 @@
-#include "reports/fx_detail/drill_through.h"
+#include "frame/drill_through.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "reports/fx_detail/fx_detail.h"
 #include "tests/frame/fakes.h"
 
 namespace quillon {
 namespace {
 
-using fx_detail::DrillThrough;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -30,7 +28,7 @@ class DrillThroughTest : public testing::Test {
     argument.actionText = action;
     argument.moduleCode = moduleCode;
     argument.rowColumns = std::move(row);
-    return FxDetail(module_).execute(argument);
+    return drillThrough(module_, argument);
   }
 
   // The source document that is shown for a row of this voucher type.
@@ -217,12 +215,12 @@ TEST_F(DrillThroughTest, EveryCallMayFail) {
         argument.rowColumns = row;
         platform.record.failAt = k;
         if (k == 0) {
-          FxDetail(module).execute(argument);
+          drillThrough(module, argument);
           total = platform.record.calls.size();
           ASSERT_GT(total, 20U);
         } else {
           try {
-            FxDetail(module).execute(argument);
+            drillThrough(module, argument);
             ADD_FAILURE() << "no error";
           } catch (const AutomationError& error) {
             EXPECT_EQ(error.description(), platform.record.calls.back());

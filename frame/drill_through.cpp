@@ -1,4 +1,4 @@
-#include "reports/fx_detail/drill_through.h"
+#include "frame/drill_through.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,7 +10,7 @@
 #include "frame/report_session.h"
 #include "frame/text.h"
 
-namespace quillon::fx_detail {
+namespace quillon {
 
 namespace {
 
@@ -27,7 +27,7 @@ constexpr std::string_view inventoryMenu = "*IACXPZ";
 constexpr std::string_view inventoryTitle = "存货核算";
 
 AutomationError failure(HResult code, std::string description) {
-  return {code, "Quillon.clsFXDetail", std::move(description)};
+  return {code, "Quillon", std::move(description)};
 }
 
 // The first field of the first row; nothing when there is no row.
@@ -173,4 +173,4 @@ DrillThrough drillThrough(Module& module, ReportArgument& argument) {
   return open(module, argument);
 }
 
-}  // namespace quillon::fx_detail
+}  // namespace quillon
