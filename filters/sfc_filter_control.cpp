@@ -228,7 +228,8 @@ int SfcFilterControl::yearOfLists(FilterDialog& dialog) {
 }
 
 Session& SfcFilterControl::session() {
-  if (!module_.session) {
+  // A start that failed may have left the one without the other.
+  if (!module_.session || !module_.login) {
     throw AutomationError(hresult::unexpected, "Quillon.clsSFCFilterControl",
                           "The dialog has no connection to the account yet; call CallBack_FilterInit first.");
   }

@@ -257,7 +257,7 @@ TEST_F(DialogRun, AMissingDialogIsBasicsError91) {
     }
   };
   EXPECT_EQ(codeOf([&] { control.call(L"CallBack_FilterInit", {nothing}); }), objectNotSet);
-  EXPECT_EQ(codeOf([&] { control.call(L"CallBack_ValueChange", {"iYear", nothing}); }), objectNotSet);
+  EXPECT_EQ(codeOf([&] { control.call(L"CallBack_ValueChange", {"cModal", nothing}); }), objectNotSet);
   EXPECT_EQ(codeOf([&] {
               control.call(L"CallBack_ReportViewInit", {nothing, Variant::reference(view)});
             }),

@@ -275,13 +275,24 @@ TEST_F(SfcDialog, ListsAreReadClientSideStaticAndOptimistic) {
 }
 
 TEST_F(SfcDialog, ListsNeedAStartedDialog) {
-  try {
-    control.initYear();
-    FAIL() << "an error was due";
-  } catch (const AutomationError& error) {
-    EXPECT_EQ(error.code(), hresult::unexpected);
-    EXPECT_EQ(error.description(), "The dialog has no connection to the account yet; call CallBack_FilterInit first.");
-  }
+  const auto refusal = [this] {
+    try {
+      control.initYear();
+      return std::string("none");
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.code(), hresult::unexpected);
+      return error.description();
+    }
+  };
+  const std::string notStarted = "The dialog has no connection to the account yet; call CallBack_FilterInit first.";
+  EXPECT_EQ(refusal(), notStarted);
+
+  // A start that got as far as its connection, but to no login.
+  FakeDialog dialog(platform, "", {});
+  platform.record.failAt = 2;
+  EXPECT_THROW(control.filterInit(dialog), AutomationError);
+  EXPECT_EQ(platform.record.calls.back(), "dialog.login");
+  EXPECT_EQ(refusal(), notStarted);
 }
 
 // --- Changes ---
