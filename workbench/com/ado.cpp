@@ -236,7 +236,7 @@ auto AdoConnection::collectingErrors(Action action) {
   } catch (const AutomationError& error) {
     // ADO keeps its own refusals (of the control facility) out of the collection.
     if (HRESULT_FACILITY(error.code()) != FACILITY_CONTROL) {
-      const auto& failure = session_.lastFailure();
+      const auto& failure = session_->lastFailure();
       const bool statement = failure && failure->message == error.description();
       errors_->push_back({error.code(), error.description(), error.source(), statement ? failure->number : 0});
     }
@@ -245,12 +245,12 @@ auto AdoConnection::collectingErrors(Action action) {
 }
 
 void AdoConnection::openWith(const std::string& connectionString) {
-  session_.setConnectionString(connectionString);
-  collectingErrors([this] { session_.open("", "", optionsUnspecified); });
+  session_->setConnectionString(connectionString);
+  collectingErrors([this] { session_->open("", "", optionsUnspecified); });
 }
 
 BatchResult AdoConnection::runBatch(const std::string& sql) {
-  return collectingErrors([&] { return session_.runBatch(sql); });
+  return collectingErrors([&] { return session_->runBatch(sql); });
 }
 
 Variant AdoConnection::cursorLocationMember(Call& call) {
@@ -259,8 +259,8 @@ Variant AdoConnection::cursorLocationMember(Call& call) {
 }
 
 Variant AdoConnection::connectionString(Call& call) {
-  if (call.assigns()) session_.setConnectionString(com::toText(call.assigned()));
-  return session_.connectionText();
+  if (call.assigns()) session_->setConnectionString(com::toText(call.assigned()));
+  return session_->connectionText();
 }
 
 Variant AdoConnection::connectionTimeout(Call& call) {
@@ -276,7 +276,7 @@ Variant AdoConnection::commandTimeout(Call& call) {
 Variant AdoConnection::open(Call& call) {
   // User, password and options are taken and make no difference: an embedded account has no users.
   const std::string text = call.given(0) ? call.text(0) : std::string();
-  openWith(text.empty() ? session_.connectionText() : text);
+  openWith(text.empty() ? session_->connectionText() : text);
   return {};
 }
 
@@ -288,11 +288,11 @@ Variant AdoConnection::execute(Call& call) {
 }
 
 Variant AdoConnection::state(Call&) {
-  return session_.state();
+  return session_->state();
 }
 
 Variant AdoConnection::close(Call&) {
-  session_.close();
+  session_->close();
   return {};
 }
 

@@ -37,13 +37,16 @@ class AdoConnection : public com::Automation<AdoConnection> {
 
   // `monitor` watches the session; it may be null.
   explicit AdoConnection(std::shared_ptr<SessionMonitor> monitor)
-      : monitor_(std::move(monitor)), session_(monitor_.get()) {}
+      : monitor_(std::move(monitor)), session_(std::make_shared<EmbeddedSession>(monitor_.get())) {}
+  // A connection that shares `session`, which is open already.
+  AdoConnection(std::shared_ptr<SessionMonitor> monitor, std::shared_ptr<EmbeddedSession> session)
+      : monitor_(std::move(monitor)), session_(std::move(session)) {}
 
   // The connection behind an automation reference, or null when it is another program's object.
   static com::ComPtr<AdoConnection> from(IDispatch* object);
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
 
-  EmbeddedSession& session() { return session_; }
+  EmbeddedSession& session() { return *session_; }
   const std::shared_ptr<SessionMonitor>& monitor() const { return monitor_; }
   int cursorLocation() const { return cursorLocation_; }
   void openWith(const std::string& connectionString);
@@ -68,7 +71,7 @@ class AdoConnection : public com::Automation<AdoConnection> {
   auto collectingErrors(Action action);
 
   std::shared_ptr<SessionMonitor> monitor_;
-  EmbeddedSession session_;
+  std::shared_ptr<EmbeddedSession> session_;
   int cursorLocation_ = static_cast<int>(CursorLocation::server);
   int connectionTimeout_ = 15;  // ADO's defaults, in seconds
   int commandTimeout_ = 30;

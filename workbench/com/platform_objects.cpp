@@ -61,7 +61,10 @@ class LoginDispatch : public com::Automation<LoginDispatch> {
   Variant currentPeriodYear(Call&) { return login_->currentPeriodYear(); }
   Variant businessDate(Call&) { return login_->businessDate(); }
   Variant authString(Call& call) {
-    if (call.assigns()) authString_ = com::toText(call.assigned());
+    if (call.assigns()) {
+      authString_ = com::toText(call.assigned());
+      login_->setAuthString(authString_);
+    }
     return authString_;
   }
   const char* sourceName() const override { return "Quillon login"; }
@@ -69,6 +72,15 @@ class LoginDispatch : public com::Automation<LoginDispatch> {
   std::shared_ptr<Login> login_;
   std::string authString_;
 };
+
+// The dialog that a filter object is in. Throws when it is in none.
+FilterDialogObject& dialogOf(const std::shared_ptr<FilterDialogObject>& dialog) {
+  if (!dialog) {
+    throw AutomationError(hresult::unexpected, std::string(filterSource),
+                          "This filter is not in a dialog: take the one of the argument that NewDialog makes.");
+  }
+  return *dialog;
+}
 
 class FilterItemDispatch : public com::Automation<FilterItemDispatch> {
  public:
@@ -81,11 +93,19 @@ class FilterItemDispatch : public com::Automation<FilterItemDispatch> {
         {bindings::filter::multipleSelection, 4, com::readable, 0, 0, &FilterItemDispatch::multipleSelection},
         {bindings::filter::groupToken, 5, com::readable | com::writable, 0, 0, &FilterItemDispatch::groupToken},
         {bindings::filter::sqlText, 6, com::readable | com::writable, 0, 0, &FilterItemDispatch::sqlText},
+        {bindings::dialog::caption, 7, com::readable, 0, 0, &FilterItemDispatch::caption},
+        {bindings::dialog::listText, 8, com::writable, 0, 0, &FilterItemDispatch::listText},
+        {bindings::dialog::listSource, 9, com::writable, 0, 0, &FilterItemDispatch::listSource},
+        {L"Available", 10, com::readable, 0, 0, &FilterItemDispatch::available},
+        {L"Choices", 11, com::readable, 0, 0, &FilterItemDispatch::choices},
+        {L"LookupCondition", 12, com::readable, 0, 0, &FilterItemDispatch::lookupCondition},
     };
     return table;
   }
 
-  explicit FilterItemDispatch(std::shared_ptr<FilterEntry> entry) : entry_(std::move(entry)) {}
+  // `dialog` may be null: then the item is of a filter that is in no dialog.
+  FilterItemDispatch(std::shared_ptr<FilterEntry> entry, std::shared_ptr<FilterDialogObject> dialog)
+      : entry_(std::move(entry)), dialog_(std::move(dialog)) {}
 
  private:
   static Variant textMember(Call& call, std::string& text) {
@@ -106,9 +126,33 @@ class FilterItemDispatch : public com::Automation<FilterItemDispatch> {
     if (call.assigns()) entry_->sql = com::toText(call.assigned());
     return conditionOf(*entry_);
   }
+  Variant caption(Call&) { return inDialog()->caption(); }
+  Variant listText(Call& call) {
+    inDialog()->setListText(com::toText(call.assigned()));
+    return {};
+  }
+  Variant listSource(Call& call) {
+    inDialog()->setListSource(com::toText(call.assigned()));
+    return {};
+  }
+  Variant available(Call&) { return entry_->available; }
+  Variant choices(Call&) {
+    const Language language = dialog_ ? languageOfRegion(dialog_->login()->languageRegion()) : Language::chinese;
+    std::string codes;
+    std::string names;
+    for (const Choice& choice : entry_->item.choices) {
+      const bool first = &choice == &entry_->item.choices.front();
+      codes += (first ? "" : "{#}") + choice.code;
+      names += (first ? "" : "{#}") + (language == Language::chinese ? choice.chinese : choice.english);
+    }
+    return codes + "{##}" + names;
+  }
+  Variant lookupCondition(Call&) { return entry_->lookupCondition; }
+  std::unique_ptr<DialogItem> inDialog() const { return dialogOf(dialog_).item(entry_->item.key); }
   const char* sourceName() const override { return "Quillon filter item"; }
 
   std::shared_ptr<FilterEntry> entry_;
+  std::shared_ptr<FilterDialogObject> dialog_;
 };
 
 class FilterListDispatch : public com::Automation<FilterListDispatch> {
@@ -122,12 +166,13 @@ class FilterListDispatch : public com::Automation<FilterListDispatch> {
     return table;
   }
 
-  explicit FilterListDispatch(std::shared_ptr<FilterObject> filter) : filter_(std::move(filter)) {}
+  FilterListDispatch(std::shared_ptr<FilterObject> filter, std::shared_ptr<FilterDialogObject> dialog)
+      : filter_(std::move(filter)), dialog_(std::move(dialog)) {}
 
   // The item that the first argument names; what is assigned to it becomes its value, as by its default member.
   Variant item(Call& call) {
     const std::shared_ptr<FilterEntry> entry = entryAt(call.value(0));
-    if (!call.assigns()) return makeObject<FilterItemDispatch>(entry);
+    if (!call.assigns()) return makeObject<FilterItemDispatch>(entry, dialog_);
     entry->value = com::toText(call.assigned());
     return {};
   }
@@ -151,12 +196,13 @@ class FilterListDispatch : public com::Automation<FilterListDispatch> {
   Variant each(Call&) {
     std::vector<Variant> items;
     for (const auto& entry : filter_->entries())
-      items.emplace_back(makeObject<FilterItemDispatch>(entry));
+      items.emplace_back(makeObject<FilterItemDispatch>(entry, dialog_));
     return enumeratorOf(std::move(items));
   }
   const char* sourceName() const override { return "Quillon filter list"; }
 
   std::shared_ptr<FilterObject> filter_;
+  std::shared_ptr<FilterDialogObject> dialog_;
 };
 
 class FilterDispatch : public com::Automation<FilterDispatch> {
@@ -165,22 +211,59 @@ class FilterDispatch : public com::Automation<FilterDispatch> {
     static constexpr Member table[] = {
         {bindings::filter::filterList, 1, com::readable | com::writable, 0, 1, &FilterDispatch::filterList},
         {bindings::filter::whereWithToken, 2, com::callable, 1, 1, &FilterDispatch::whereWithToken},
+        {bindings::dialog::login, 3, com::readable, 0, 0, &FilterDispatch::login},
+        {bindings::dialog::identifier, 4, com::readable, 0, 0, &FilterDispatch::identifier},
+        {bindings::dialog::connection, 5, com::readable, 0, 0, &FilterDispatch::connection},
+        {bindings::dialog::setUnavailable, 6, com::callable, 2, 2, &FilterDispatch::setUnavailable},
+        {bindings::dialog::setEnumeration, 7, com::callable, 2, 2, &FilterDispatch::setEnumeration},
+        {bindings::dialog::setLookupCondition, 8, com::callable, 3, 3, &FilterDispatch::setLookupCondition},
+        {bindings::dialog::setLookupConditionOfValue, 9, com::callable, 3, 3,
+         &FilterDispatch::setLookupConditionOfValue},
     };
     return table;
   }
 
   explicit FilterDispatch(std::shared_ptr<FilterObject> filter) : filter_(std::move(filter)) {}
+  // A filter with its dialog, which is on the same filter and may be null.
+  FilterDispatch(std::shared_ptr<FilterObject> filter, std::shared_ptr<FilterDialogObject> dialog,
+                 ComPtr<LoginDispatch> login)
+      : filter_(std::move(filter)), dialog_(std::move(dialog)), login_(std::move(login)) {}
 
  private:
   Variant filterList(Call& call) {
-    const ComPtr<FilterListDispatch> list = makeObject<FilterListDispatch>(filter_);
+    const ComPtr<FilterListDispatch> list = makeObject<FilterListDispatch>(filter_, dialog_);
     if (call.assigns() || call.given(0)) return list->item(call);
     return list;
   }
   Variant whereWithToken(Call& call) { return filter_->whereWithToken(call.integer(0)); }
+  Variant login(Call&) {
+    inDialog();
+    return login_;
+  }
+  Variant identifier(Call&) { return filter_->identifier(); }
+  Variant connection(Call&) { return makeObject<AdoConnection>(nullptr, inDialog().ownConnection()); }
+  Variant setUnavailable(Call& call) {
+    inDialog().setUnavailable(call.text(0), com::toFlag(call.value(1)));
+    return {};
+  }
+  Variant setEnumeration(Call& call) {
+    inDialog().setEnumeration(call.text(0), call.text(1));
+    return {};
+  }
+  Variant setLookupCondition(Call& call) {
+    inDialog().setLookupCondition(call.text(0), call.text(1), call.text(2));
+    return {};
+  }
+  Variant setLookupConditionOfValue(Call& call) {
+    inDialog().setLookupConditionOfValue(call.text(0), call.text(1), com::toFlag(call.value(2)));
+    return {};
+  }
+  FilterDialogObject& inDialog() const { return dialogOf(dialog_); }
   const char* sourceName() const override { return "Quillon filter"; }
 
   std::shared_ptr<FilterObject> filter_;
+  std::shared_ptr<FilterDialogObject> dialog_;
+  ComPtr<LoginDispatch> login_;
 };
 
 class DataSourceDispatch : public com::Automation<DataSourceDispatch> {
@@ -219,10 +302,10 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
     return table;
   }
 
-  explicit ArgumentDispatch(std::shared_ptr<WorkbenchArgument> argument)
+  ArgumentDispatch(std::shared_ptr<WorkbenchArgument> argument, std::shared_ptr<FilterDialogObject> dialog)
       : argument_(std::move(argument)),
-        filter_(makeObject<FilterDispatch>(argument_->filter())),
         login_(makeObject<LoginDispatch>(argument_->login())),
+        filter_(makeObject<FilterDispatch>(argument_->filter(), std::move(dialog), login_)),
         action_(argument_->action()) {}
 
  private:
@@ -236,8 +319,8 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
   const char* sourceName() const override { return "Quillon argument"; }
 
   std::shared_ptr<WorkbenchArgument> argument_;
-  ComPtr<FilterDispatch> filter_;
   ComPtr<LoginDispatch> login_;
+  ComPtr<FilterDispatch> filter_;
   std::string action_;
 };
 
@@ -472,12 +555,19 @@ class DrillThroughDispatch : public com::Automation<DrillThroughDispatch> {
 
 }  // namespace
 
-ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument) {
-  return makeObject<ArgumentDispatch>(std::move(argument));
+ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument,
+                                 std::shared_ptr<FilterDialogObject> dialog) {
+  return makeObject<ArgumentDispatch>(std::move(argument), std::move(dialog));
 }
 
 ComPtr<IDispatch> filterDispatch(std::shared_ptr<FilterObject> filter) {
   return makeObject<FilterDispatch>(std::move(filter));
+}
+
+ComPtr<IDispatch> dialogDispatch(std::shared_ptr<FilterDialogObject> dialog) {
+  const std::shared_ptr<FilterObject> filter = dialog->filter();
+  ComPtr<LoginDispatch> login = makeObject<LoginDispatch>(dialog->login());
+  return makeObject<FilterDispatch>(filter, std::move(dialog), std::move(login));
 }
 
 ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login) {

@@ -11,17 +11,25 @@
 #include "workbench/com/ado.h"
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
+#include "workbench/platform/filter_dialog_object.h"
 
 namespace quillon::workbench {
 
-// The argument object e: rawFilter, Login, LoginObj, DataSource (Type, SQL), Action (read and written), LangID,
-// RelateData.
-com::ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument);
+// The argument object e: rawFilter, Login, LoginObj, DataSource (Type, SQL), Action (read and written). With `dialog`,
+// which is on the argument's own filter, rawFilter is the dialog's filter object as well.
+com::ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument,
+                                      std::shared_ptr<FilterDialogObject> dialog = nullptr);
 
 // The filter object: FilterList, GetWhereWithToken(token). FilterList(position or key) is an item: Name, varValue,
 // varValue2, strSqlString and LngGrouptoken read and written, RangeInput and IsMultSel read. An item stands for its
 // varValue, so FilterList(key) = value sets it.
 com::ComPtr<IDispatch> filterDispatch(std::shared_ptr<FilterObject> filter);
+
+// The filter object with its dialog side: Login, FilterId, DialogConnection, SetItemUnavailable(key, flag),
+// SetItemEnumeration(key, text), SetItemLookupCondition(key, "", condition), SetItemLookupConditionOfValue(key,
+// condition, flag); its items also have Caption, ListText and ListSource. What the dialog made of an item is read from
+// it: Available, Choices (as SetItemEnumeration takes them), LookupCondition.
+com::ComPtr<IDispatch> dialogDispatch(std::shared_ptr<FilterDialogObject> dialog);
 
 // The login object.
 com::ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login);

@@ -35,9 +35,15 @@ auto inAutomationWords(Action action) {
   }
 }
 
-const ReportRegistration& registrationOf(const std::string& report) {
-  if (report == sfcItemRegistration().name) return sfcItemRegistration();
-  throw std::invalid_argument("there is no report \"" + report + "\"; the reports are: " + sfcItemRegistration().name);
+// An embedded session that keeps its monitor.
+std::shared_ptr<EmbeddedSession> watchedSession(const std::shared_ptr<SessionMonitor>& monitor) {
+  struct Watched {
+    explicit Watched(std::shared_ptr<SessionMonitor> watcher) : monitor(std::move(watcher)), session(monitor.get()) {}
+    std::shared_ptr<SessionMonitor> monitor;
+    EmbeddedSession session;
+  };
+  const auto watched = std::make_shared<Watched>(monitor);
+  return {watched, &watched->session};
 }
 
 }  // namespace
@@ -52,6 +58,7 @@ auto WorkbenchPlatform::members() -> std::span<const Member> {
       {L"FailureText", 6, com::readable, 0, 0, &WorkbenchPlatform::failureText},
       {L"FailureStatement", 7, com::readable, 0, 0, &WorkbenchPlatform::failureStatement},
       {L"LiveObjects", 8, com::readable, 0, 0, &WorkbenchPlatform::liveObjects},
+      {L"NewDialog", 9, com::callable, 1, 1, &WorkbenchPlatform::newDialog},
   };
   return table;
 }
@@ -109,11 +116,29 @@ Variant WorkbenchPlatform::newArgument(Call& call) {
   Session& session = account();
   const std::string report = call.text(0);
   return inAutomationWords([&] {
-    const auto filter = std::make_shared<FilterObject>(registrationOf(report));
+    const auto filter = std::make_shared<FilterObject>(registeredReport(report));
     const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, accountConnection_, language_, "", ""));
     prepareFilter(*filter, *login, session);
     return Variant(
         argumentObject(std::make_shared<WorkbenchArgument>(filter, login, "QuillonReport" + uniqueNamePart())));
+  });
+}
+
+Variant WorkbenchPlatform::newDialog(Call& call) {
+  Session& session = account();
+  if (namesServer(accountConnection_)) {
+    throw refusal(hresult::notImplemented, "A dialog needs an account file; on a server, fill in the filter yourself.");
+  }
+  const std::string report = call.text(0);
+  return inAutomationWords([&] {
+    const auto filter = std::make_shared<FilterObject>(registeredReport(report), InitialValues::none);
+    const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, accountConnection_, language_, "", ""));
+    const auto connection = watchedSession(failures_);
+    connection->setConnectionString(accountConnection_);
+    connection->open("", "", optionsUnspecified);
+    return Variant(
+        argumentObject(std::make_shared<WorkbenchArgument>(filter, login, "QuillonReport" + uniqueNamePart()),
+                       std::make_shared<FilterDialogObject>(filter, login, connection)));
   });
 }
 

@@ -34,6 +34,8 @@ class FailureKeeper final : public SessionMonitor {
 //   once for an object.
 // - NewArgument(report): an argument object e for the report ("sfc-item"): a filter with its defaults, the account's
 //   login, and a data source whose SQL is a fresh table name.
+// - NewDialog(report): the same with a filter in which nothing is entered yet and which is in a dialog: e.rawFilter is
+//   what a filter-control class takes. For embedded accounts.
 // - Query(sql): a Recordset with the rows of a query on the platform's own connection.
 // - FailureNumber, FailureText, FailureStatement: SQL Server's number and text of the last statement that failed on an
 //   embedded account in this process (0 and empty when none did), and the statement: what a report absorbed is read
@@ -47,6 +49,7 @@ class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
   com::Variant language(com::Call& call);
   com::Variant openAccount(com::Call& call);
   com::Variant newArgument(com::Call& call);
+  com::Variant newDialog(com::Call& call);
   com::Variant query(com::Call& call);
   com::Variant failureNumber(com::Call& call);
   com::Variant failureText(com::Call& call);

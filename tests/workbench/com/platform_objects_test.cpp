@@ -1,5 +1,8 @@
 #include "workbench/com/platform_objects.h"
 
+#include <functional>
+#include <vector>
+
 #include "frame/com/class_lookup.h"
 #include "frame/com/platform_bindings.h"
 #include "tests/workbench/com/ado_fixture.h"
@@ -260,6 +263,70 @@ TEST_F(PlatformObjectsTest, AnArgumentReleasesAllThatItGave) {
     e.object(L"Login", "l").text(L"cAcc_Id");
   }
   EXPECT_EQ(com::LiveCount::value(), before);
+}
+
+// --- The filter in its dialog ---
+
+TEST_F(PlatformObjectsTest, AFilterInADialogTakesWhatTheDialogMakesOfIt) {
+  const auto filter = std::make_shared<FilterObject>(sfcItemRegistration(), InitialValues::none);
+  const auto login = std::make_shared<WorkbenchLogin>(details());
+  const auto session = std::make_shared<EmbeddedSession>();
+  session->setConnectionString(connectionString(file_));
+  session->open("", "", optionsUnspecified);
+  const LateBound dialog(dialogDispatch(std::make_shared<FilterDialogObject>(filter, login, session)), "dialog");
+  const LateBound list = dialog.object(L"FilterList", "FilterList");
+  const auto item = [&](const char* key) { return list.item(key, "item"); };
+
+  EXPECT_EQ(dialog.text(L"FilterId"), "CA3BAD03-9D4C-463A-827E-E971D5A36C81");
+  dialog.object(L"Login", "Login").put(L"AuthString", "department=False");
+  EXPECT_EQ(login->authString(), "department=False");
+  EXPECT_EQ(dialog.object(L"Login", "Login").text(L"AuthString"), "department=False");
+  EXPECT_EQ(item("iYear").text(L"Caption"), filter->entry("iYear")->item.chinese);
+
+  EXPECT_TRUE(item("cWhCode").flag(L"Available"));
+  dialog.call(L"SetItemUnavailable", {"cWhCode", true});
+  EXPECT_FALSE(item("cWhCode").flag(L"Available"));
+  EXPECT_FALSE(filter->entry("cWhCode")->available);
+
+  dialog.call(L"SetItemEnumeration", {"iGrade", "1{#}2{##}one{#}two"});
+  EXPECT_EQ(item("iGrade").text(L"Choices"), "1{#}2{##}one{#}two");
+  item("iYear").put(L"ListText", "2023,2024");
+  EXPECT_EQ(item("iYear").text(L"Choices"), "2023{#}2024{##}{#}");
+  item("cFSType").put(L"ListSource", "Select N'08', N'Other issue'");
+  EXPECT_EQ(item("cFSType").text(L"Choices"), "08{##}Other issue");
+
+  dialog.call(L"SetItemLookupCondition", {"cInvCode", "", "#FN[cInvCCode] Like '01%'"});
+  EXPECT_EQ(item("cInvCode").text(L"LookupCondition"), "#FN[cInvCCode] Like '01%'");
+  dialog.call(L"SetItemLookupConditionOfValue", {"cInvCode", "#FN[cInvCCode] Like N'02%'", false});
+  EXPECT_EQ(item("cInvCode").text(L"LookupCondition"), "#FN[cInvCCode] Like N'02%'");
+  dialog.call(L"SetItemLookupConditionOfValue", {"cInvCode", "#FN[cInvCCode] Like N'%'", true});
+  EXPECT_EQ(item("cInvCode").text(L"LookupCondition"), "");
+
+  const LateBound rows = dialog.object(L"DialogConnection", "connection")
+                             .object(L"Execute", "rows", {"Select 1"});
+  EXPECT_EQ(dialog.object(L"DialogConnection", "connection").integer(L"State"), 1);
+  EXPECT_FALSE(rows.flag(L"EOF"));
+}
+
+TEST_F(PlatformObjectsTest, AFilterInNoDialogSaysSo) {
+  const LateBound filter = argument().object(L"rawFilter", "rawFilter");
+  EXPECT_EQ(filter.text(L"FilterId"), filter_->identifier());
+  const LateBound item = filter.object(L"FilterList", "FilterList").item("iGrade", "item");
+  EXPECT_EQ(item.text(L"LookupCondition"), "");
+  for (const auto& action :
+       std::vector<std::function<void()>>{[&] { filter.get(L"Login"); }, [&] { filter.get(L"DialogConnection"); },
+                                          [&] {
+                                            filter.call(L"SetItemUnavailable", {"iGrade", true});
+                                          },
+                                          [&] { item.get(L"Caption"); }, [&] { item.put(L"ListText", "1"); }}) {
+    try {
+      action();
+      ADD_FAILURE() << "nothing was refused";
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.description(),
+                "This filter is not in a dialog: take the one of the argument that NewDialog makes.");
+    }
+  }
 }
 
 }  // namespace

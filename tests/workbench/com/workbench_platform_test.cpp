@@ -21,6 +21,7 @@ using com::Variant;
 namespace bindings = com::bindings;
 
 constexpr CLSID sfcItemClass = {0xe518f10c, 0xf08e, 0x4684, {0xa4, 0x65, 0x50, 0xe6, 0x80, 0x8d, 0x03, 0x1e}};
+constexpr CLSID sfcFilterControlClass = {0x7ecd1526, 0x372f, 0x43c7, {0xbe, 0x9c, 0x59, 0x23, 0xa0, 0x79, 0x15, 0xca}};
 constexpr const char* server =
     "Provider=SQLOLEDB;Data Source=here;Initial Catalog=account;User ID=reader;Password=secret";
 
@@ -134,6 +135,38 @@ TEST_F(WorkbenchPlatformTest, SaysWhatAReportAbsorbed) {
   EXPECT_NE(errorOf(platform, L"Query", "Select * From NoSuchTable"), "");
   EXPECT_EQ(platform.integer(L"FailureNumber"), 208);
   EXPECT_EQ(platform.text(L"FailureStatement"), "Select * From NoSuchTable");
+}
+
+TEST_F(WorkbenchPlatformTest, ADialogFillsInTheFilterOfItsArgument) {
+  const LateBound platform = newPlatform();
+  platform.call(L"OpenAccount", {utf8FromPath(file_)});
+  for (const char* report : {"sfc-item", "outsum-item"}) {
+    const LateBound e = platform.object(L"NewDialog", "e", {report});
+    const LateBound filter = e.object(L"rawFilter", "filter");
+    const auto item = [&](const char* key) { return filter.object(L"FilterList", "list").item(key, "item"); };
+    EXPECT_EQ(item("iYear").text(L"varValue"), "");
+    EXPECT_EQ(item("cModal").text(L"varValue"), "");
+    {
+      const LateBound control(library_.create<IDispatch>(sfcFilterControlClass), "Quillon.clsSFCFilterControl");
+      control.call(L"CallBack_FilterInit", {Variant(filter.object())});
+    }
+    EXPECT_EQ(item("iYear").text(L"varValue"), e.object(L"Login", "login").text(L"cIYear"));
+    EXPECT_EQ(item("cModal").text(L"varValue"), "0");
+    EXPECT_EQ(item("iGrade").text(L"varValue2"), "1");
+    EXPECT_FALSE(item("cDepCode").flag(L"Available"));
+    EXPECT_EQ(e.object(L"Login", "login").text(L"AuthString"), "department=False,inventory=False,warehouse=False");
+  }
+}
+
+TEST_F(WorkbenchPlatformTest, ADialogNeedsAnAccountFile) {
+  const com::InProcessClass machinesConnection(com::classIdOf(bindings::connection), [&]() -> com::ComPtr<IUnknown> {
+    static int connections = 0;
+    return com::makeObject<ServerConnection>(connectionString(file_), connections);
+  });
+  const LateBound platform = newPlatform();
+  platform.call(L"OpenAccount", {server});
+  EXPECT_EQ(errorOf(platform, L"NewDialog", "sfc-item"),
+            "A dialog needs an account file; on a server, fill in the filter yourself.");
 }
 
 TEST_F(WorkbenchPlatformTest, RefusesAReportThatItDoesNotHave) {
