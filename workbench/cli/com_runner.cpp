@@ -35,12 +35,22 @@ com::LateBound createInstance(std::string_view className) {
   return instance;
 }
 
-// Calls the report classes as the host platform does: by ProgID, late-bound, the argument by reference.
-class ComRunner final : public ReportRunner {
+// What a class of the library finds of the host platform while it is called.
+class Host {
  public:
   // The platform owns its monitor and lives longer than anything made here.
-  explicit ComRunner(EmbeddedPlatform& platform)
+  explicit Host(EmbeddedPlatform& platform)
       : standIn_(platform, std::shared_ptr<SessionMonitor>(std::shared_ptr<void>(), platform.options().monitor)) {}
+
+ private:
+  Apartment apartment_;
+  PlatformStandIn standIn_;
+};
+
+// Calls the report classes as the host platform does: by ProgID, late-bound, the argument by reference.
+class ComReportRunner final : public ReportRunner {
+ public:
+  explicit ComReportRunner(EmbeddedPlatform& platform) : host_(platform) {}
 
   void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
     const com::LateBound instance = createInstance(report.reportClass);
@@ -50,14 +60,60 @@ class ComRunner final : public ReportRunner {
   }
 
  private:
-  Apartment apartment_;
-  PlatformStandIn standIn_;
+  Host host_;
+};
+
+// Calls a filter-control class likewise: the filter and what is written back by reference.
+class ComDialogRunner final : public DialogRunner {
+ public:
+  ComDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
+                  std::shared_ptr<FilterDialogObject> dialog)
+      : host_(platform), control_(createInstance(report.filterControl)), filter_(dialogDispatch(std::move(dialog))) {}
+
+  void init() override { control_.call(L"CallBack_FilterInit", {filter()}); }
+  void changed(const std::string& key) override { control_.call(L"CallBack_ValueChange", {key, filter()}); }
+  bool click() override {
+    com::Variant cancel(false);
+    control_.call(L"CallBack_FilterClick", {filter(), com::Variant::reference(cancel)});
+    return !com::toFlag(cancel);
+  }
+  std::optional<std::string> view() override {
+    com::Variant viewClass;
+    control_.call(L"CallBack_ReportViewInit", {filter(), com::Variant::reference(viewClass)});
+    return textUnlessEmpty(viewClass);
+  }
+  std::optional<std::string> viewAfterChange(const std::string& key) override {
+    com::Variant viewClass;
+    control_.call(L"CallBack_ReportViewChange", {key, filter(), com::Variant::reference(viewClass)});
+    return textUnlessEmpty(viewClass);
+  }
+
+ private:
+  com::Variant filter() {
+    reference_ = filter_.get();
+    return com::Variant::reference(reference_);
+  }
+
+  static std::optional<std::string> textUnlessEmpty(const com::Variant& value) {
+    if (value.vt == VT_EMPTY) return std::nullopt;
+    return com::toText(value);
+  }
+
+  Host host_;
+  com::LateBound control_;
+  com::ComPtr<IDispatch> filter_;
+  IDispatch* reference_ = nullptr;  // what the class gets a reference to
 };
 
 }  // namespace
 
 std::unique_ptr<ReportRunner> makeReportRunner(EmbeddedPlatform& platform) {
-  return std::make_unique<ComRunner>(platform);
+  return std::make_unique<ComReportRunner>(platform);
+}
+
+std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
+                                               std::shared_ptr<FilterDialogObject> dialog) {
+  return std::make_unique<ComDialogRunner>(platform, report, std::move(dialog));
 }
 
 }  // namespace quillon::workbench
