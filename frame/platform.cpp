@@ -7,9 +7,8 @@ namespace quillon {
 namespace {
 
 [[noreturn]] void notOffered(std::string_view member) {
-  throw AutomationError(
-      hresult::notImplemented, "Quillon",
-      "The host platform does not offer " + std::string(member) + ", which the cost-item detail ledger needs.");
+  throw AutomationError(hresult::notImplemented, "Quillon",
+                        "The host platform does not offer " + std::string(member) + ", which this report needs.");
 }
 
 }  // namespace
@@ -20,6 +19,10 @@ void DataSource::setResultTable(std::string_view) {
 
 std::unique_ptr<ReportRow> ReportArgument::row() {
   notOffered("RelateData");
+}
+
+std::string ReportArgument::languageId() {
+  notOffered("LangID");
 }
 
 bool PublicComponent::costItemOpeningsFinished(int, Session&) {

@@ -74,6 +74,8 @@ class ReportArgument {
   virtual std::unique_ptr<DataSource> dataSource() = 0;  // DataSource
   virtual std::string action() = 0;                      // Action
   virtual std::unique_ptr<ReportRow> row();              // RelateData: the row that Execute is called for
+  // LangID: the language of the call, as Ca_AmoTypeName.localid has it.
+  virtual std::string languageId();
 };
 
 // The first and the last day of an accounting period, "yyyy-mm-dd".

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "frame/automation_error.h"
 #include "frame/text.h"
 
 namespace quillon {
@@ -40,6 +41,20 @@ int inventoryStartMonth(int year, Session& session) {
   int number = 0;
   std::from_chars(month.data(), month.data() + month.size(), number);
   return number;
+}
+
+int decimalPlaces(Module& module, std::string_view name) {
+  const std::string value = module.publicComponent().accountInformation("AA", name, *module.session);
+  const std::string_view digits = trimBlanks(value);
+  int places = 0;
+  if (digits.empty()) return places;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), places);
+  if (error != std::errc() || end != digits.data() + digits.size()) {
+    throw AutomationError(hresult::typeMismatch, "Quillon",
+                          "The account option " + std::string(name) + " of system AA has the value \"" + value +
+                              "\"; give it a number of decimal places, such as 2.");
+  }
+  return places;
 }
 
 std::string workTablePrefix(Platform& platform) {

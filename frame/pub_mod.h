@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "frame/module.h"
 
@@ -16,6 +17,11 @@ std::string valueStyle(Module& module, int year, Session& session);
 // The month (1 to 12) in which inventory accounting began, when it began in `year`: from AccInformation, cSysID 'IA',
 // cName 'dIAStartDate', a date "yyyy-mm-dd". 0 when it began in another year, or when the account does not say.
 int inventoryStartMonth(int year, Session& session);
+
+// How many decimal places the account shows, from option `name` of system AA ("iStrsQuanDecDgt" for quantities,
+// "iStrsPriDecDgt" for unit costs); 0 when the account does not say. The module's session must be set. Throws
+// AutomationError (type mismatch) also for a value that is not a whole number.
+int decimalPlaces(Module& module, std::string_view name);
 
 // The fixed first part of every work-table name: the number that the platform's naming class gives, as trimmed
 // decimal text.

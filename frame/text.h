@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace quillon {
@@ -25,6 +26,12 @@ inline constexpr std::string_view trimBlanks(std::string_view text) noexcept {
   while (text.ends_with(' '))
     text.remove_suffix(1);
   return text;
+}
+
+// Puts `to` in place of every `from`, from left to right; what was put in is not looked at again. `from` is not empty.
+inline void replaceAll(std::string& text, std::string_view from, std::string_view to) {
+  for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+    text.replace(at, from.size(), to);
 }
 
 }  // namespace quillon

@@ -1,12 +1,10 @@
 #include "reports/fx_detail/fx_detail.h"
 
-#include <charconv>
 #include <string_view>
 
-#include "frame/automation_error.h"
 #include "frame/inventory_checks.h"
+#include "frame/pub_mod.h"
 #include "frame/report_session.h"
-#include "frame/text.h"
 #include "frame/valuation_method.h"
 #include "reports/fx_detail/period_range.h"
 #include "reports/fx_detail/statements.h"
@@ -23,21 +21,6 @@ constexpr std::string_view monthKey = "Mirel.IA.Mirel71.00298";
 // Opening differences, and direct shipments, which never were in stock, do not belong to an inventory's ledger.
 constexpr std::string_view ledgerLinesOnly =
     " and Base.cvoutype<>N'33' and isnull(Base.cBustype,N'') not in (N'直运销售',N'直运采购') ";
-
-// Decimal places from an account option; an account that does not say has none.
-int decimalPlaces(Module& module, std::string_view option) {
-  const std::string value = module.publicComponent().accountInformation("AA", option, *module.session);
-  const std::string_view digits = trimBlanks(value);
-  int places = 0;
-  if (digits.empty()) return places;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), places);
-  if (error != std::errc() || end != digits.data() + digits.size()) {
-    throw AutomationError(hresult::typeMismatch, "Quillon.clsFXDetail",
-                          "The account option " + std::string(option) + " of system AA has the value \"" + value +
-                              "\"; give it a number of decimal places, such as 2.");
-  }
-  return places;
-}
 
 std::string workTable(Module& module, std::string_view kind) {
   const std::string workstation = module.publicComponent().workstationName();

@@ -136,12 +136,6 @@ constexpr std::array filterKeys{
     FilterKey{"cInvDefine16", Form::value, "And inv.cInvDefine16 = N'", "' "},
 };
 
-void replaceAll(std::string& text, std::string_view from, std::string_view to) {
-  for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
-    text.replace(at, from.size(), to);
-  }
-}
-
 // Choosing a type also chooses the types under which the ledger keeps vouchers of the same kind.
 std::string voucherTypeList(std::string_view value) {
   std::string list = quotedList(value);

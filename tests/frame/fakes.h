@@ -74,6 +74,8 @@ struct ItemValues {
   std::string value2 = {};
   std::string sql = {};
   int token = tokenFilter;
+  bool range = false;
+  bool multiple = false;
 };
 
 class FakeFilterItem final : public FilterItem, private Counted {
@@ -87,8 +89,14 @@ class FakeFilterItem final : public FilterItem, private Counted {
   std::string name() override { return read("Name", values_.name); }
   std::string value() override { return read("varValue", values_.value); }
   std::string value2() override { return read("varValue2", values_.value2); }
-  bool rangeInput() override { return read("RangeInput", "").size() == 1; }
-  bool multipleSelection() override { return read("IsMultSel", "").size() == 1; }
+  bool rangeInput() override {
+    call("FilterItem.RangeInput");
+    return values_.range;
+  }
+  bool multipleSelection() override {
+    call("FilterItem.IsMultSel");
+    return values_.multiple;
+  }
   std::string sqlText() override { return read("strSqlString", values_.sql); }
 
  private:
@@ -289,6 +297,10 @@ class FakeArgument final : public ReportArgument {
   std::string action() override {
     record_.call("e.Action");
     return actionText;
+  }
+  std::string languageId() override {
+    record_.call("e.LangID");
+    return "zh-CN";
   }
   std::unique_ptr<ReportRow> row() override {
     record_.call("e.RelateData");

@@ -66,6 +66,7 @@ TEST(Platform, SaysWhatItDoesNotOffer) {
   const std::map<std::string, std::function<void()>> calls{
       {"the data source's table name", [&] { dataSource.setResultTable("t"); }},
       {"RelateData", [&] { argument.row(); }},
+      {"LangID", [&] { argument.languageId(); }},
       {"IsFxFinishQC", [&] { component.costItemOpeningsFinished(2024, session); }},
       {"StartMonthYear", [&] { component.moduleStart("IA", session); }},
       {"GetDateFromPeriod", [&] { component.datesOfPeriod("001", {}, session); }},
@@ -80,8 +81,7 @@ TEST(Platform, SaysWhatItDoesNotOffer) {
       {"ZzPz.clsPZ", [&] { platform.createLedgerVoucherComponent(); }},
   };
   for (const auto& [offer, call] : calls) {
-    EXPECT_EQ(refusal(call),
-              "The host platform does not offer " + offer + ", which the cost-item detail ledger needs.");
+    EXPECT_EQ(refusal(call), "The host platform does not offer " + offer + ", which this report needs.");
   }
 }
 

@@ -83,6 +83,28 @@ TEST_F(PubMod, AStartDateWithoutAMonthGivesMonth0) {
   EXPECT_EQ(inventoryStartMonth(2024, session_), 0);
 }
 
+TEST_F(PubMod, DecimalPlacesAreAnOptionOfTheAccount) {
+  module_.session = platform_.createSession();
+  platform_.answers.options = {{"AA.iStrsQuanDecDgt", " 3 "}, {"AA.iStrsPriDecDgt", ""}};
+  EXPECT_EQ(decimalPlaces(module_, "iStrsQuanDecDgt"), 3);
+  EXPECT_EQ(decimalPlaces(module_, "iStrsPriDecDgt"), 0);
+}
+
+TEST_F(PubMod, DecimalPlacesThatAreNoNumberAreRefused) {
+  module_.session = platform_.createSession();
+  for (const char* value : {"two", "2.5", "2x"}) {
+    platform_.answers.options = {{"AA.iStrsQuanDecDgt", value}};
+    try {
+      decimalPlaces(module_, "iStrsQuanDecDgt");
+      ADD_FAILURE() << "no error for " << value;
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.code(), hresult::typeMismatch);
+      EXPECT_EQ(error.description(), "The account option iStrsQuanDecDgt of system AA has the value \"" +
+                                         std::string(value) + "\"; give it a number of decimal places, such as 2.");
+    }
+  }
+}
+
 TEST_F(PubMod, WorkTablePrefixIsTheTrimmedNamingNumber) {
   platform_.answers.namingNumber = "  1203 ";
   EXPECT_EQ(workTablePrefix(platform_), "1203");

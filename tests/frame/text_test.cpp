@@ -21,5 +21,17 @@ TEST(Text, TrimsBlanksOnBothSidesAndNothingElse) {
   EXPECT_EQ(trimBlanks(" \ta\n "), "\ta\n");
 }
 
+TEST(Text, ReplacesEveryOccurrenceOnce) {
+  const auto replaced = [](std::string text, std::string_view from, std::string_view to) {
+    replaceAll(text, from, to);
+    return text;
+  };
+  EXPECT_EQ(replaced("'05','32','05'", "'05'", "'05','06'"), "'05','06','32','05','06'");
+  EXPECT_EQ(replaced("'01','01'", ",'01'", ""), "'01'");
+  EXPECT_EQ(replaced("aaa", "aa", "a"), "aa");
+  EXPECT_EQ(replaced("abc", "B", "x"), "abc");
+  EXPECT_EQ(replaced("", "a", "b"), "");
+}
+
 }  // namespace
 }  // namespace quillon

@@ -69,6 +69,8 @@ class WorkbenchArgument final : public ReportArgument {
   std::shared_ptr<Login> filterLogin() override { return login_; }
   std::unique_ptr<DataSource> dataSource() override;
   std::string action() override { return action_; }
+  // Accounts name their languages as the login's region does.
+  std::string languageId() override { return login_->languageRegion(); }
 
   // The filter for whoever fills it in.
   const std::shared_ptr<FilterObject>& filter() const { return filter_; }

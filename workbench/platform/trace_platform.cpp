@@ -261,6 +261,7 @@ class TraceArgument final : public ReportArgument {
   std::shared_ptr<Login> filterLogin() override { return login_; }
   std::unique_ptr<DataSource> dataSource() override { return std::make_unique<TraceDataSource>(description_); }
   std::string action() override { return {}; }
+  std::string languageId() override { return login_->languageId(); }
 
  private:
   const TraceDescription& description_;

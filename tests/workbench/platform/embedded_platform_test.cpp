@@ -156,11 +156,13 @@ TEST(UniqueNames, AreValidInTableNames) {
 }
 
 TEST(WorkbenchArgument, HandsOutWhatItWasGiven) {
-  const auto login = std::make_shared<WorkbenchLogin>(LoginDetails{.accountCode = "007", .accountingYear = "2024"});
+  const auto login = std::make_shared<WorkbenchLogin>(
+      LoginDetails{.accountCode = "007", .accountingYear = "2024", .languageRegion = "en-US", .languageId = "1033"});
   WorkbenchArgument argument(nullptr, login, "Result1", "Link");
   EXPECT_EQ(argument.login()->accountCode(), "007");
   EXPECT_EQ(argument.filterLogin()->accountingYearText(), "2024");
   EXPECT_EQ(argument.action(), "Link");
+  EXPECT_EQ(argument.languageId(), "en-US") << "as accounts name their languages";
   const auto source = argument.dataSource();
   source->setType(2);
   EXPECT_EQ(source->resultTable(), "Result1");
