@@ -32,7 +32,6 @@ target_include_directories(header_libraries SYSTEM INTERFACE ${QUILLON_HEADERS})
 # GoogleTest, from Debian's source package, natively and for Win32 alike.
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
-include(GoogleTest)
 foreach(target gtest gtest_main gmock gmock_main)
   target_compile_options(${target} PRIVATE -w)
   get_target_property(includes ${target} INTERFACE_INCLUDE_DIRECTORIES)
