@@ -44,6 +44,10 @@ std::string PublicComponent::workstationName() {
   notOffered("GetComputerName");
 }
 
+std::string ResourceService::formattedText(std::string_view, const std::vector<std::string>&) {
+  notOffered("formatted texts");
+}
+
 std::int32_t Platform::workTableNumber() {
   notOffered("numbers for work tables");
 }

@@ -127,6 +127,8 @@ class ResourceService {
   virtual void takeLogin(Login& login) = 0;
   virtual std::string enumName(std::string_view type, std::string_view code) = 0;
   virtual std::string text(std::string_view key) = 0;
+  // The text of `key` with `arguments` put into its places.
+  virtual std::string formattedText(std::string_view key, const std::vector<std::string>& arguments);
   // `flags` are icon and buttons; 48 is a warning.
   virtual void showMessage(std::string_view text, int flags) = 0;
 };

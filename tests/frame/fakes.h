@@ -401,6 +401,13 @@ class FakeResources final : public ResourceService, private Counted {
     call("resources.text(" + std::string(key) + ")");
     return "<" + std::string(key.substr(key.size() - 5)) + ">";
   }
+  std::string formattedText(std::string_view key, const std::vector<std::string>& arguments) override {
+    std::string list;
+    for (const std::string& argument : arguments)
+      list += ", " + argument;
+    call("resources.formattedText(" + std::string(key) + list + ")");
+    return "<" + std::string(key.substr(key.size() - 5)) + list + ">";
+  }
   void showMessage(std::string_view text, int flags) override {
     call("resources.showMessage(" + std::string(text) + ", " + std::to_string(flags) + ")");
   }

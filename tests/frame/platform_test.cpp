@@ -29,6 +29,14 @@ class BarePublicComponent final : public PublicComponent {
   std::vector<std::string> usedYears(std::string_view, Session&) override { return {}; }
 };
 
+class BareResources final : public ResourceService {
+ public:
+  void takeLogin(Login&) override {}
+  std::string enumName(std::string_view, std::string_view) override { return {}; }
+  std::string text(std::string_view) override { return {}; }
+  void showMessage(std::string_view, int) override {}
+};
+
 class BareArgument final : public ReportArgument {
  public:
   std::shared_ptr<Filter> rawFilter() override { return nullptr; }
@@ -57,6 +65,7 @@ std::string refusal(const std::function<void()>& call) {
 TEST(Platform, SaysWhatItDoesNotOffer) {
   BarePlatform platform;
   BarePublicComponent component;
+  BareResources resources;
   BareArgument argument;
   BareDataSource dataSource;
   fakes::Record record;
@@ -73,6 +82,7 @@ TEST(Platform, SaysWhatItDoesNotOffer) {
       {"GetPeriodFromDate", [&] { component.periodOfDate("2024-06-30", session); }},
       {"GetMonthState", [&] { component.periodSettled({}, session); }},
       {"GetComputerName", [&] { component.workstationName(); }},
+      {"formatted texts", [&] { resources.formattedText("key", {}); }},
       {"numbers for work tables", [&] { platform.workTableNumber(); }},
       {"a login for its inventory-accounting environment", [&] { platform.createAccountLogin(); }},
       {"an inventory-accounting environment", [&] { platform.createInventoryEnvironment(); }},
