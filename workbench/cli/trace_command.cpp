@@ -10,9 +10,11 @@
 #include <string_view>
 #include <vector>
 
+#include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
 #include "frame/automation_error.h"
 #include "frame/module.h"
+#include "reports/fx_detail/fx_detail.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 #include "workbench/cli/command_error.h"
@@ -24,41 +26,6 @@ namespace quillon::workbench {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// What can be traced, by its name on the command line.
-struct TracedReport {
-  std::string_view name;
-  std::unique_ptr<SummaryReport> (*make)(Module& module);
-};
-
-template <typename Report>
-std::unique_ptr<SummaryReport> made(Module& module) {
-  return std::make_unique<Report>(module);
-}
-
-constexpr std::array tracedReports{
-    TracedReport{"sfc-item", made<SfcItem>},
-    TracedReport{"outsum-item", made<OutsumItem>},
-};
-
-// The filter dialog of both reports; the filter's identifier tells for which it is.
-constexpr std::string_view tracedDialog = "dialog-sfc";
-
-std::vector<std::string> tracedNames() {
-  std::vector<std::string> names;
-  names.reserve(tracedReports.size() + 1);
-  for (const TracedReport& report : tracedReports)
-    names.emplace_back(report.name);
-  names.emplace_back(tracedDialog);
-  return names;
-}
-
-std::string listed(const std::vector<std::string>& names) {
-  std::string list;
-  for (const std::string& name : names)
-    list += (list.empty() ? "" : ", ") + name;
-  return list;
-}
 
 // A part of a description, with errors that name it.
 template <typename Description>
@@ -105,42 +72,49 @@ DialogEvent dialogEvent(const std::string& text) {
                      "set:KEY=VALUE");
 }
 
-// One dialog from its first event to its last.
-class DialogTrace {
+// A filter-control class at play. What it does to the dialog is printed by the platform; what its members give, here.
+class TracedDialog {
  public:
-  DialogTrace(TracePlatform& platform, std::shared_ptr<TraceFilter> filter)
-      : platform_(platform),
-        module_(platform),
-        control_(module_),
-        filter_(std::move(filter)),
-        dialog_(platform.dialog(filter_)) {}
+  virtual ~TracedDialog() = default;
 
-  void play(const DialogEvent& event) {
-    if (event.value) filter_->entry(event.key)->value = *event.value;
-    if (event.kind == "init") {
-      control_.filterInit(*dialog_);
-    } else if (event.kind == "view") {
-      print({{"effect", "view"}, {"value", SfcFilterControl::reportView(*dialog_)}});
-    } else if (event.kind == "click") {
-      print({{"effect", "result"}, {"value", SfcFilterControl::filterClick()}});
-    } else if (event.kind != "set") {
-      beStarted();
-      if (event.kind == "change") {
-        control_.valueChange(event.key, *dialog_);
-      } else if (event.kind == "year") {
-        control_.initYear();
-        print({{"effect", "yearList"}, {"keys", control_.years()}});
-      } else {
-        control_.initGrade();
-        print({{"effect", "gradeList"}, {"keys", control_.grades()}});
-      }
-    }
-    platform_.log().flush();
+  virtual void init(FilterDialog& dialog) = 0;
+  virtual void view(FilterDialog& dialog, TraceLog& log) = 0;
+  virtual void click(FilterDialog& dialog, TraceLog& log) = 0;
+  virtual void change(std::string_view key, FilterDialog& dialog) = 0;
+  virtual void year(TraceLog& log) = 0;
+  virtual void grade(TraceLog& log) = 0;
+};
+
+void printView(TraceLog& log, const std::optional<std::string>& view) {
+  log.print({{"effect", "view"}, {"value", view ? Json(*view) : Json()}});
+}
+
+// The dialog of both summary reports; the filter's identifier tells for which it is.
+class TracedSfcDialog final : public TracedDialog {
+ public:
+  explicit TracedSfcDialog(TracePlatform& platform) : platform_(platform), module_(platform), control_(module_) {}
+
+  void init(FilterDialog& dialog) override { control_.filterInit(dialog); }
+  void view(FilterDialog& dialog, TraceLog& log) override { printView(log, SfcFilterControl::reportView(dialog)); }
+  void click(FilterDialog&, TraceLog& log) override {
+    log.print({{"effect", "result"}, {"value", SfcFilterControl::filterClick()}});
+  }
+  void change(std::string_view key, FilterDialog& dialog) override {
+    beStarted();
+    control_.valueChange(key, dialog);
+  }
+  void year(TraceLog& log) override {
+    beStarted();
+    control_.initYear();
+    log.print({{"effect", "yearList"}, {"keys", control_.years()}});
+  }
+  void grade(TraceLog& log) override {
+    beStarted();
+    control_.initGrade();
+    log.print({{"effect", "gradeList"}, {"keys", control_.grades()}});
   }
 
  private:
-  void print(const Json& line) { platform_.log().print(line); }
-
   // A trace may begin in the middle of a dialog: then the connection has been opened before its first line.
   void beStarted() {
     if (module_.session) return;
@@ -151,31 +125,122 @@ class DialogTrace {
   TracePlatform& platform_;
   Module module_;
   SfcFilterControl control_;
-  std::shared_ptr<TraceFilter> filter_;
-  std::unique_ptr<FilterDialog> dialog_;
 };
 
-void traceDialog(TracePlatform& platform, const std::shared_ptr<TraceFilter>& filter,
-                 const std::vector<std::string>& events) {
-  std::vector<DialogEvent> parsed;
-  for (const std::string& event : events.empty() ? std::vector<std::string>{"init", "view", "click"} : events)
-    parsed.push_back(dialogEvent(event));
-  DialogTrace dialog(platform, filter);
-  for (const DialogEvent& event : parsed)
-    dialog.play(event);
+// The dialog of the detail ledger.
+class TracedDetailDialog final : public TracedDialog {
+ public:
+  explicit TracedDetailDialog(TracePlatform& platform) : module_(platform), control_(module_) {}
+
+  void init(FilterDialog& dialog) override { control_.filterInit(dialog); }
+  void view(FilterDialog& dialog, TraceLog& log) override { printView(log, FilterControl::reportView(dialog)); }
+  void click(FilterDialog& dialog, TraceLog& log) override {
+    const std::optional<std::string> refused = control_.filterClick(dialog);
+    if (refused) log.print({{"effect", "cancel"}, {"value", true}, {"item", *refused}});
+  }
+  void change(std::string_view key, FilterDialog& dialog) override { control_.valueChange(key, dialog); }
+  void year(TraceLog&) override { refuse("year"); }
+  void grade(TraceLog&) override { refuse("grade"); }
+
+ private:
+  [[noreturn]] static void refuse(const std::string& event) {
+    throw CommandError("the dialog of the detail ledger has no event \"" + event + "\"; trace dialog-sfc for it");
+  }
+
+  Module module_;
+  FilterControl control_;
+};
+
+void play(const DialogEvent& event, TracedDialog& traced, FilterDialog& dialog, TraceFilter& filter, TraceLog& log) {
+  if (event.value) filter.entry(event.key)->value = *event.value;
+  if (event.kind == "init") {
+    traced.init(dialog);
+  } else if (event.kind == "view") {
+    traced.view(dialog, log);
+  } else if (event.kind == "click") {
+    traced.click(dialog, log);
+  } else if (event.kind == "change") {
+    traced.change(event.key, dialog);
+  } else if (event.kind == "year") {
+    traced.year(log);
+  } else if (event.kind == "grade") {
+    traced.grade(log);
+  }
+  log.flush();
 }
 
-// --- Reports --------------------------------------------------------------------------------------------------------
+// --- What can be traced ---------------------------------------------------------------------------------------------
 
-void traceReport(TracePlatform& platform, const std::shared_ptr<TraceFilter>& filter, const TracedReport& report,
-                 std::ostream& notes) {
-  Module module(platform);
-  report.make(module)->getSql(*platform.argument(filter));
-  // The report closes its session only after a complete build.
+struct TraceInput {
+  TracePlatform& platform;
+  const Json& filter;
+  const std::vector<std::string>& events;
+  std::ostream& notes;
+};
+
+template <typename Dialog>
+void traceDialog(const TraceInput& input) {
+  const auto filter = std::make_shared<TraceFilter>(described<TraceFilter>("filter's", input.filter));
+  std::vector<DialogEvent> events;
+  for (const std::string& event :
+       input.events.empty() ? std::vector<std::string>{"init", "view", "click"} : input.events)
+    events.push_back(dialogEvent(event));
+  Dialog traced(input.platform);
+  const std::unique_ptr<FilterDialog> dialog = input.platform.dialog(filter);
+  for (const DialogEvent& event : events)
+    play(event, traced, *dialog, *filter, input.platform.log());
+}
+
+template <typename Report>
+void traceReport(const TraceInput& input) {
+  const auto filter = std::make_shared<TraceFilter>(described<TraceFilter>("filter's", input.filter));
+  Module module(input.platform);
+  Report(module).getSql(*input.platform.argument(filter));
+  // A summary report closes its session only after a complete build.
   if (!module.session) return;
-  const std::string& failure = platform.lastFailure();
-  notes << "quillon: the build stopped and left its session open: "
-        << (failure.empty() ? "the filter could not be translated" : "a statement was " + failure) << '\n';
+  const std::string& failure = input.platform.lastFailure();
+  input.notes << "quillon: the build stopped and left its session open: "
+              << (failure.empty() ? "the filter could not be translated" : "a statement was " + failure) << '\n';
+}
+
+void traceDrillThrough(const TraceInput& input) {
+  const auto row = described<TraceRow>("row's", input.filter);
+  Module module(input.platform);
+  const auto result = FxDetail(module).execute(*input.platform.argument(row));
+  if (result == DrillThrough::nothing) {
+    input.platform.log().print({{"effect", "execute"}, {"result", "nothing"}});
+  }
+}
+
+// What can be traced, by its name on the command line.
+struct Tracer {
+  std::string_view name;
+  bool takesEvents;
+  void (*run)(const TraceInput& input);
+};
+
+constexpr std::array tracers{
+    Tracer{"sfc-item", false, traceReport<SfcItem>},
+    Tracer{"outsum-item", false, traceReport<OutsumItem>},
+    Tracer{"fx-detail", false, traceReport<FxDetail>},
+    Tracer{"dialog-sfc", true, traceDialog<TracedSfcDialog>},
+    Tracer{"dialog-detail", true, traceDialog<TracedDetailDialog>},
+    Tracer{"execute", false, traceDrillThrough},
+};
+
+std::vector<std::string> tracedNames() {
+  std::vector<std::string> names;
+  names.reserve(tracers.size());
+  for (const Tracer& tracer : tracers)
+    names.emplace_back(tracer.name);
+  return names;
+}
+
+std::string listed(const std::vector<std::string>& names) {
+  std::string list;
+  for (const std::string& name : names)
+    list += (list.empty() ? "" : ", ") + name;
+  return list;
 }
 
 struct TraceOptions {
@@ -213,23 +278,17 @@ int runTrace(const TraceOptions& options) {
 
 int trace(const std::string& report, const Json& filter, const Json& platform, std::ostream& out, std::ostream& notes,
           const std::vector<std::string>& events) {
-  const auto* const traced = std::ranges::find(tracedReports, report, &TracedReport::name);
-  const bool isDialog = report == tracedDialog;
-  if (traced == tracedReports.end() && !isDialog) {
-    throw CommandError("there is no report \"" + report + "\" to trace; the reports are: " + listed(tracedNames()));
+  const auto* const tracer = std::ranges::find(tracers, report, &Tracer::name);
+  if (tracer == tracers.end()) {
+    throw CommandError("there is nothing called \"" + report + "\" to trace; there are: " + listed(tracedNames()));
   }
-  if (!isDialog && !events.empty()) {
-    throw CommandError("a report has no events; leave them out, or trace " + std::string(tracedDialog));
+  if (!tracer->takesEvents && !events.empty()) {
+    throw CommandError("only a dialog has events; leave them out, or trace dialog-sfc or dialog-detail");
   }
-  const auto filterObject = std::make_shared<TraceFilter>(described<TraceFilter>("filter's", filter));
   const auto description = described<TraceDescription>("platform's", platform);
   TracePlatform tracePlatform(description, out);
   try {
-    if (isDialog) {
-      traceDialog(tracePlatform, filterObject, events);
-    } else {
-      traceReport(tracePlatform, filterObject, *traced, notes);
-    }
+    tracer->run({.platform = tracePlatform, .filter = filter, .events = events, .notes = notes});
     return 0;
   } catch (const AutomationError& error) {
     tracePlatform.log().flush();
@@ -242,9 +301,11 @@ void addTraceCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
       "trace", "Print every database call of a report against a described platform; nothing is executed");
   const auto options = std::make_shared<TraceOptions>();
-  command.add_option("REPORT", options->report, "The report, or a filter dialog: " + listed(tracedNames()))
+  command
+      .add_option("REPORT", options->report,
+                  "The report, a filter dialog, or execute for a drill-through: " + listed(tracedNames()))
       ->check(CLI::IsMember(tracedNames()));
-  command.add_option("--filter", options->filterFile, "The filter's description, a JSON file");
+  command.add_option("--filter", options->filterFile, "The filter's description, for execute the row's; a JSON file");
   command.add_option("--platform", options->platformFile, "The platform's description, a JSON file");
   command.add_option("--case", options->caseFile,
                      "Instead of them one JSON file with the keys report, filter, platform and, for dialogs, events");

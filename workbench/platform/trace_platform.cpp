@@ -1,6 +1,7 @@
 #include "workbench/platform/trace_platform.h"
 
 #include <algorithm>
+#include <chrono>
 #include <ostream>
 #include <utility>
 
@@ -52,11 +53,14 @@ int number(const Json& value, const std::string& path) {
   return value.get<int>();
 }
 
-bool flag(const Json& object, std::string_view key, const std::string& path) {
-  const Json& value = member(object, key, path);
+bool flag(const Json& value, const std::string& path) {
   if (value.is_null()) return false;
-  if (!value.is_boolean()) refuse(pathOf(path, key), "true or false");
+  if (!value.is_boolean()) refuse(path, "true or false");
   return value.get<bool>();
+}
+
+bool flag(const Json& object, std::string_view key, const std::string& path) {
+  return flag(member(object, key, path), pathOf(path, key));
 }
 
 const Json& object(const Json& outer, std::string_view key, const std::string& path) {
@@ -71,12 +75,22 @@ const Json& array(const Json& outer, std::string_view key, const std::string& pa
   return value;
 }
 
-TraceDescription::Texts texts(const Json& outer, std::string_view key, const std::string& path) {
-  TraceDescription::Texts result;
-  for (const auto& [name, value] : object(outer, key, path).items()) {
-    result[name] = fieldText(value, pathOf(pathOf(path, key), name)).value_or("");
-  }
+// The members of an object that `key` names, each read by `read` from its value and path.
+template <typename Value, typename Read>
+std::map<std::string, Value, std::less<>> entries(const Json& outer, std::string_view key, const std::string& path,
+                                                  Read read) {
+  std::map<std::string, Value, std::less<>> result;
+  for (const auto& [name, value] : object(outer, key, path).items())
+    result[name] = read(value, pathOf(pathOf(path, key), name));
   return result;
+}
+
+std::string textValue(const Json& value, const std::string& path) {
+  return fieldText(value, path).value_or("");
+}
+
+TraceDescription::Texts texts(const Json& outer, std::string_view key, const std::string& path) {
+  return entries<std::string>(outer, key, path, textValue);
 }
 
 std::vector<std::string> textList(const Json& outer, std::string_view key, const std::string& path) {
@@ -85,6 +99,23 @@ std::vector<std::string> textList(const Json& outer, std::string_view key, const
     result.push_back(fieldText(value, pathOf(path, key)).value_or(""));
   }
   return result;
+}
+
+// Two whole numbers.
+std::pair<int, int> numberPair(const Json& value, const std::string& path) {
+  constexpr const char* wanted = "an array of two whole numbers";
+  if (!value.is_array() || value.size() != 2) refuse(path, wanted);
+  return {number(value[0], path), number(value[1], path)};
+}
+
+AccountingPeriod yearAndMonth(const Json& value, const std::string& path) {
+  const auto [year, month] = numberPair(value, path);
+  return {.year = year, .month = month};
+}
+
+PeriodDates dates(const Json& value, const std::string& path) {
+  if (!value.is_array() || value.size() != 2) refuse(path, "an array of two dates");
+  return {.begin = fieldText(value[0], path).value_or(""), .end = fieldText(value[1], path).value_or("")};
 }
 
 std::regex pattern(const std::string& expression, const std::string& path) {
@@ -246,26 +277,48 @@ class TraceDataSource final : public DataSource {
 
   void setType(int) override {}
   std::string resultTable() override { return description_.resultTable; }
+  void setResultTable(std::string_view) override {}
 
  private:
   const TraceDescription& description_;
 };
 
+class TraceReportRow final : public ReportRow {
+ public:
+  explicit TraceReportRow(const TraceRow& row) : row_(row) {}
+
+  std::string value(std::string_view column) override {
+    const auto found = row_.columns.find(column);
+    return found == row_.columns.end() ? std::string() : found->second;
+  }
+
+ private:
+  const TraceRow& row_;
+};
+
+// Of a report run with `filter`, or of a drill-through from `row`; the other one is null.
 class TraceArgument final : public ReportArgument {
  public:
-  TraceArgument(const TraceDescription& description, TraceLog& log, std::shared_ptr<Filter> filter)
-      : description_(description), filter_(std::move(filter)), login_(std::make_shared<TraceLogin>(description, log)) {}
+  TraceArgument(const TraceDescription& description, TraceLog& log, std::shared_ptr<Filter> filter, const TraceRow* row)
+      : description_(description),
+        filter_(std::move(filter)),
+        row_(row),
+        login_(std::make_shared<TraceLogin>(description, log)) {}
 
   std::shared_ptr<Filter> rawFilter() override { return filter_; }
   std::shared_ptr<Login> login() override { return login_; }
   std::shared_ptr<Login> filterLogin() override { return login_; }
   std::unique_ptr<DataSource> dataSource() override { return std::make_unique<TraceDataSource>(description_); }
-  std::string action() override { return {}; }
   std::string languageId() override { return login_->languageId(); }
+  std::string action() override { return row_ ? row_->action : std::string(); }
+  std::unique_ptr<ReportRow> row() override {
+    return row_ ? std::make_unique<TraceReportRow>(*row_) : ReportArgument::row();
+  }
 
  private:
   const TraceDescription& description_;
   std::shared_ptr<Filter> filter_;
+  const TraceRow* row_;
   std::shared_ptr<Login> login_;
 };
 
@@ -351,8 +404,38 @@ class TracePublicComponent final : public PublicComponent {
     return found(description_.costItemStartMonths, year, 0);
   }
   std::vector<std::string> usedYears(std::string_view, Session&) override { return description_.usedYears; }
+  bool costItemOpeningsFinished(int year, Session&) override {
+    return found(description_.finishedOpenings, std::to_string(year), false);
+  }
+  AccountingPeriod moduleStart(std::string_view, Session&) override { return description_.moduleStart; }
+  PeriodDates datesOfPeriod(std::string_view, AccountingPeriod period, Session&) override {
+    return found(description_.periodDates, keyOf(period), calendarMonth(period));
+  }
+  AccountingPeriod periodOfDate(std::string_view date, Session&) override {
+    return found(description_.datePeriods, date,
+                 AccountingPeriod{.year = std::stoi(std::string(date.substr(0, yearDigits))),
+                                  .month = std::stoi(std::string(date.substr(yearDigits + 1, 2)))});
+  }
+  bool periodSettled(AccountingPeriod period, Session&) override {
+    return found(description_.settledPeriods, keyOf(period), false);
+  }
+  std::string workstationName() override { return description_.workstationName; }
 
  private:
+  static constexpr std::size_t yearDigits = 4;  // of a date "yyyy-mm-dd"
+
+  static std::string keyOf(AccountingPeriod period) {
+    return std::to_string(period.year) + "." + std::to_string(period.month);
+  }
+  static PeriodDates calendarMonth(AccountingPeriod period) {
+    const std::chrono::year_month_day_last last(
+        std::chrono::year(period.year),
+        std::chrono::month_day_last(std::chrono::month(static_cast<unsigned>(period.month))));
+    const std::string month =
+        std::to_string(period.year) + (period.month < 10 ? "-0" : "-") + std::to_string(period.month) + "-";
+    return {.begin = month + "01", .end = month + std::to_string(static_cast<unsigned>(last.day()))};
+  }
+
   const TraceDescription& description_;
 };
 
@@ -365,9 +448,27 @@ class TraceResources final : public ResourceService {
     return found(description_.enums, std::string(type) + "/" + std::string(code), std::string(code));
   }
   std::string text(std::string_view key) override { return found(description_.resources, key, std::string(key)); }
-  void showMessage(std::string_view text, int) override { log_.print({{"effect", "message"}, {"text", text}}); }
+  std::string formattedText(std::string_view key, const std::vector<std::string>& arguments) override {
+    formatted_ = {{"effect", "message"}, {"key", key}, {"args", arguments}, {"text", filled(text(key), arguments)}};
+    return formatted_["text"];
+  }
+  void showMessage(std::string_view text, int) override {
+    const bool isFormatted = !formatted_.is_null() && formatted_["text"] == text;
+    log_.print(isFormatted ? formatted_ : Json{{"effect", "message"}, {"text", text}});
+  }
 
  private:
+  // Puts each argument in the place of "{0}", "{1}", ...
+  static std::string filled(std::string text, const std::vector<std::string>& arguments) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+      const std::string place = "{" + std::to_string(i) + "}";
+      if (const std::size_t at = text.find(place); at != std::string::npos)
+        text.replace(at, place.size(), arguments[i]);
+    }
+    return text;
+  }
+
+  Json formatted_;  // the message of the text that was formatted last
   const TraceDescription& description_;
   TraceLog& log_;
 };
@@ -392,7 +493,90 @@ class TraceDrillThroughHelper final : public DrillThroughHelper {
   std::shared_ptr<Filter> filterFor(Login&, bool) override { return std::make_shared<TraceFilter>(Json::object()); }
 };
 
+class TraceAccountLogin final : public AccountLogin {
+ public:
+  void initialise(std::string_view, std::string_view) override {}
+};
+
+class TraceAccountOptions final : public AccountOptions {
+ public:
+  explicit TraceAccountOptions(const TraceDescription& description) : description_(description) {}
+
+  std::string costingBasis() override { return description_.costingBasis; }
+  std::string inventoryTable() override { return description_.inventoryTable; }
+  std::string warehouseTable() override { return description_.warehouseTable; }
+
+ private:
+  const TraceDescription& description_;
+};
+
+class TraceEnvironment final : public InventoryEnvironment {
+ public:
+  explicit TraceEnvironment(const TraceDescription& description) : description_(description) {}
+
+  void setLogin(AccountLogin&) override {}
+  std::string resultTable() override { return description_.environmentResultTable; }
+  std::unique_ptr<AccountOptions> accountOptions(AccountLogin&, std::string_view) override {
+    return std::make_unique<TraceAccountOptions>(description_);
+  }
+
+ private:
+  const TraceDescription& description_;
+};
+
+class TraceSourceVoucherComponent final : public SourceVoucherComponent {
+ public:
+  explicit TraceSourceVoucherComponent(TraceLog& log) : log_(log) {}
+
+  void initialise(Login&, Session&, std::string_view) override {}
+  void showVoucher(VoucherGroup, const SourceVoucher& voucher, Session&) override { shown("ShowVoucher", voucher); }
+  void showCostItemAdjustment(const SourceVoucher& voucher, Session&) override { shown("ShowProJust", voucher); }
+  void showDifferences(const SourceVoucher& voucher, bool, std::string_view, Session&) override {
+    shown("ShowDifVouchs", voucher);
+  }
+  void showPriceAdjustment(const SourceVoucher& voucher) override { shown("ShowCostJustVouch", voucher); }
+
+ private:
+  void shown(std::string_view call, const SourceVoucher& voucher) {
+    log_.print({{"effect", "voucher"}, {"call", call}, {"code", voucher.type}});
+  }
+
+  TraceLog& log_;
+};
+
+class TraceLedgerModule final : public LedgerModule {
+ public:
+  void setBusiness(BusinessObject&) override {}
+  void setLogin(Login&) override {}
+  void initialise(std::string_view, std::string_view, int year, Login&) override { year_ = year; }
+
+  int year() const { return year_; }
+
+ private:
+  int year_ = 0;
+};
+
+class TraceLedgerVoucherComponent final : public LedgerVoucherComponent {
+ public:
+  explicit TraceLedgerVoucherComponent(TraceLog& log) : log_(log) {}
+
+  void setLogin(Login&) override {}
+  void setModule(LedgerModule& module) override { year_ = dynamic_cast<TraceLedgerModule&>(module).year(); }
+  void open(const LedgerVoucher& voucher) override {
+    // A voucher's id is a number; whatever else the row holds is shown as it is.
+    const Json id = Json::parse(voucher.id, nullptr, false);
+    log_.print({{"effect", "glVoucher"}, {"year", year_}, {"id", id.is_number_integer() ? id : Json(voucher.id)}});
+  }
+
+ private:
+  TraceLog& log_;
+  int year_ = 0;
+};
+
 }  // namespace
+
+TraceRow::TraceRow(const Json& description)
+    : action(text(description, "Action", "")), columns(texts(description, "row", "")) {}
 
 TraceFilter::TraceFilter(const Json& description) : identifier_(text(description, "id", "")) {
   std::size_t position = 0;
@@ -457,18 +641,32 @@ TraceDescription::TraceDescription(const Json& description) {
   const Json& component = object(description, componentPath, "");
   accountInformation = texts(component, "GetAccInformation", componentPath);
   currentPeriodYear = number(member(component, "CurPeriodYear", componentPath), componentPath + ".CurPeriodYear");
-  for (const auto& [year, month] : object(component, "iFxStartMonth", componentPath).items()) {
-    costItemStartMonths[year] = number(month, pathOf(componentPath + ".iFxStartMonth", year));
-  }
-
+  costItemStartMonths = entries<int>(component, "iFxStartMonth", componentPath, number);
   usedYears = textList(component, "GetIAUsedYears", componentPath);
+  const auto flagValue = [](const Json& value, const std::string& path) { return flag(value, path); };
+  finishedOpenings = entries<bool>(component, "IsFxFinishQC", componentPath, flagValue);
+  if (const Json& start = member(component, "StartMonthYear", componentPath); !start.is_null()) {
+    const auto [month, year] = numberPair(start, componentPath + ".StartMonthYear");
+    moduleStart = {.year = year, .month = month};
+  }
+  periodDates = entries<PeriodDates>(component, "GetDateFromPeriod", componentPath, dates);
+  datePeriods = entries<AccountingPeriod>(component, "GetPeriodFromDate", componentPath, yearAndMonth);
+  settledPeriods = entries<bool>(component, "GetMonthState", componentPath, flagValue);
+  workstationName = text(component, "GetComputerName", componentPath);
 
   const Json& naming = object(description, "naming", "");
   namingNumber = fieldText(member(naming, "prefix", "naming"), "naming.prefix").value_or("0");
   uniqueParts = textList(naming, "unique", "naming");
+  for (const Json& value : array(naming, "numbers", "naming"))
+    workTableNumbers.push_back(number(value, "naming.numbers"));
 
   resources = texts(description, "resources", "");
   enums = texts(description, "enums", "");
+  environmentResultTable = text(object(description, "environment", ""), "resultTable", "environment");
+  const Json& options = object(description, "accountOptions", "");
+  costingBasis = text(options, "costingBasis", "accountOptions");
+  inventoryTable = text(options, "inventoryTable", "accountOptions");
+  warehouseTable = text(options, "warehouseTable", "accountOptions");
   for (const auto& [expression, rows] : object(description, "queries", "").items()) {
     queries.push_back({.pattern = pattern(expression, "queries"), .rows = recordRows(rows, "queries." + expression)});
   }
@@ -514,6 +712,27 @@ std::shared_ptr<DrillThroughHelper> TracePlatform::createDrillThroughHelper() {
   return std::make_shared<TraceDrillThroughHelper>();
 }
 
+std::int32_t TracePlatform::workTableNumber() {
+  const std::size_t position = workTablesNumbered_++;
+  return position < description_.workTableNumbers.size() ? description_.workTableNumbers[position]
+                                                         : static_cast<std::int32_t>(position + 1);
+}
+std::unique_ptr<AccountLogin> TracePlatform::createAccountLogin() {
+  return std::make_unique<TraceAccountLogin>();
+}
+std::unique_ptr<InventoryEnvironment> TracePlatform::createInventoryEnvironment() {
+  return std::make_unique<TraceEnvironment>(description_);
+}
+std::unique_ptr<SourceVoucherComponent> TracePlatform::createSourceVoucherComponent() {
+  return std::make_unique<TraceSourceVoucherComponent>(log_);
+}
+std::unique_ptr<LedgerModule> TracePlatform::createLedgerModule() {
+  return std::make_unique<TraceLedgerModule>();
+}
+std::unique_ptr<LedgerVoucherComponent> TracePlatform::createLedgerVoucherComponent() {
+  return std::make_unique<TraceLedgerVoucherComponent>(log_);
+}
+
 std::shared_ptr<Login> TracePlatform::login() {
   return std::make_shared<TraceLogin>(description_, log_);
 }
@@ -523,7 +742,11 @@ std::unique_ptr<FilterDialog> TracePlatform::dialog(std::shared_ptr<TraceFilter>
 }
 
 std::unique_ptr<ReportArgument> TracePlatform::argument(std::shared_ptr<Filter> filter) {
-  return std::make_unique<TraceArgument>(description_, log_, std::move(filter));
+  return std::make_unique<TraceArgument>(description_, log_, std::move(filter), nullptr);
+}
+
+std::unique_ptr<ReportArgument> TracePlatform::argument(const TraceRow& row) {
+  return std::make_unique<TraceArgument>(description_, log_, nullptr, &row);
 }
 
 }  // namespace quillon::workbench

@@ -61,8 +61,19 @@ class TraceFilter final : public Filter {
   std::vector<std::shared_ptr<Item>> items_;
 };
 
+// The row of a report and what the user wants of it: {"Action":"Vouch","row":{"cVouType":"...","ID":17}}. A column that
+// is left out is empty.
+struct TraceRow {
+  // Throws DescriptionError.
+  explicit TraceRow(const nlohmann::ordered_json& description);
+
+  std::string action;
+  std::map<std::string, std::string, std::less<>> columns;
+};
+
 // What the file says of the platform. What it leaves out answers: a text "", a number 0, a flag false, a resource or
-// enumeration text its own key or code, a unique part u1, u2, ...
+// enumeration text its own key or code, a period its calendar month, a date the period of its calendar month, a unique
+// part u1, u2, ..., a number for work tables 1, 2, ...
 struct TraceDescription {
   // Throws DescriptionError.
   explicit TraceDescription(const nlohmann::ordered_json& description);
@@ -94,11 +105,23 @@ struct TraceDescription {
   int currentPeriodYear = 0;
   std::map<std::string, int, std::less<>> costItemStartMonths;  // by year
   std::vector<std::string> usedYears;
+  std::map<std::string, bool, std::less<>> finishedOpenings;  // IsFxFinishQC, by year
+  AccountingPeriod moduleStart;
+  std::map<std::string, PeriodDates, std::less<>> periodDates;       // by year, a point and the month
+  std::map<std::string, AccountingPeriod, std::less<>> datePeriods;  // by date
+  std::map<std::string, bool, std::less<>> settledPeriods;           // by year, a point and the month
+  std::string workstationName;
   // naming
   std::string namingNumber;
   std::vector<std::string> uniqueParts;
+  std::vector<int> workTableNumbers;
   Texts resources;  // by key
   Texts enums;      // by "TYPE/CODE"
+  // environment and accountOptions
+  std::string environmentResultTable;
+  std::string costingBasis;
+  std::string inventoryTable;
+  std::string warehouseTable;
   // The rows of a recordset: those of the first pattern that is found in its SQL; none when none is found.
   std::vector<Query> queries;
   // An execute or a query whose SQL holds one of these patterns fails, and so does open for the text "(open)".
@@ -132,9 +155,17 @@ class TracePlatform final : public Platform {
   std::shared_ptr<UniqueNameSource> createUniqueNameSource() override;
   std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() override;
   std::string namingNumber() override { return description_.namingNumber; }
+  std::int32_t workTableNumber() override;
+  std::unique_ptr<AccountLogin> createAccountLogin() override;
+  std::unique_ptr<InventoryEnvironment> createInventoryEnvironment() override;
+  std::unique_ptr<SourceVoucherComponent> createSourceVoucherComponent() override;
+  std::unique_ptr<LedgerModule> createLedgerModule() override;
+  std::unique_ptr<LedgerVoucherComponent> createLedgerVoucherComponent() override;
 
   // The argument object of a run with `filter`.
   std::unique_ptr<ReportArgument> argument(std::shared_ptr<Filter> filter);
+  // The argument object of a drill-through from `row`, which must outlive it.
+  std::unique_ptr<ReportArgument> argument(const TraceRow& row);
   // The login, as argument and dialog hand it out.
   std::shared_ptr<Login> login();
   // The dialog side of `filter`. Its own connection runs on the described database too.
@@ -147,6 +178,7 @@ class TracePlatform final : public Platform {
   const TraceDescription& description_;
   TraceLog log_;
   std::string lastFailure_;
+  std::size_t workTablesNumbered_ = 0;
 };
 
 }  // namespace quillon::workbench

@@ -74,7 +74,12 @@ TEST_P(TraceCase, PrintsTheExpectedLines) {
 INSTANTIATE_TEST_SUITE_P(Cases, TraceCase,
                          testing::Values("cost_item_classes", "expense_types_of_a_bare_platform", "failing_statement",
                                          "outbound_summary_by_class", "dialog_of_the_outbound_summary",
-                                         "dialog_of_the_receipt_issue_balance", "dialog_of_another_report"));
+                                         "dialog_of_the_receipt_issue_balance", "dialog_of_another_report",
+                                         "detail_ledger_by_department", "detail_ledger_by_warehouse",
+                                         "detail_ledger_of_an_impossible_range", "detail_ledger_of_a_bare_platform",
+                                         "source_document", "ledger_voucher", "row_without_a_ledger_voucher",
+                                         "balance_row", "dialog_of_the_detail_ledger",
+                                         "dialog_of_the_detail_ledger_without_its_items"));
 
 // --- Dialogs ---
 
@@ -91,6 +96,12 @@ TEST(TraceDialog, RefusesWhatIsNoEvent) {
     EXPECT_THROW(traced(Json::object(), Json::object(), "dialog-sfc", {event}), CommandError) << event;
   }
   EXPECT_THROW(traced(byCostItem, Json::object(), "sfc-item", {"init"}), CommandError);
+}
+
+TEST(TraceDialog, OfTheDetailLedgerHasNoListsOfItsOwn) {
+  for (const char* event : {"year", "grade"}) {
+    EXPECT_THROW(traced(Json::object(), Json::object(), "dialog-detail", {event}), CommandError) << event;
+  }
 }
 
 // --- The form of the output ---
@@ -231,6 +242,43 @@ TEST(Trace, RefusesAPlatformThatItCannotRead) {
   EXPECT_THAT(
       platformRefusal(R"({"fail":["("]})"),
       testing::StartsWith("the platform's description cannot be used: fail: \"(\" is not a regular expression"));
+}
+
+TEST(Trace, RefusesADetailLedgersPlatformThatItCannotRead) {
+  EXPECT_EQ(platformRefusal(R"({"publicComponent":{"IsFxFinishQC":{"2024":1}}})"),
+            "the platform's description cannot be used: publicComponent.IsFxFinishQC.2024 must be true or false");
+  EXPECT_EQ(platformRefusal(R"({"publicComponent":{"StartMonthYear":[1]}})"),
+            "the platform's description cannot be used: publicComponent.StartMonthYear must be an array of two whole "
+            "numbers");
+  EXPECT_EQ(platformRefusal(R"({"publicComponent":{"GetDateFromPeriod":{"2024.1":"2024-01-01"}}})"),
+            "the platform's description cannot be used: publicComponent.GetDateFromPeriod.2024.1 must be an array of "
+            "two dates");
+  EXPECT_EQ(platformRefusal(R"({"publicComponent":{"GetPeriodFromDate":{"2024-03-05":[2024,"3"]}}})"),
+            "the platform's description cannot be used: publicComponent.GetPeriodFromDate.2024-03-05 must be a whole "
+            "number");
+  EXPECT_EQ(platformRefusal(R"({"naming":{"numbers":["a"]}})"),
+            "the platform's description cannot be used: naming.numbers must be a whole number");
+  EXPECT_EQ(platformRefusal(R"({"accountOptions":7})"),
+            "the platform's description cannot be used: accountOptions must be an object");
+}
+
+TEST(Trace, RefusesARowThatItCannotRead) {
+  try {
+    traced(Json::parse(R"({"Action":"Vouch","row":{"ID":[1]}})"), Json::object(), "execute");
+    FAIL() << "no error";
+  } catch (const CommandError& error) {
+    EXPECT_STREQ(error.what(),
+                 "the row's description cannot be used: row.ID must be a text, a number, true, false or null");
+  }
+}
+
+TEST(Trace, AnErrorOfTheDetailLedgerIsTheLastLine) {
+  const Json filter = Json::parse(
+      R"({"items":[{"name":"iYear","value":"2024"},{"name":"cInvCode"},{"name":"cWhCode"},{"name":"cDepCode"}]})");
+  const Traced result = traced(filter, Json::parse(R"({"fail":["^select .base.autoid"]})"), "fx-detail");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.lines.back()["error"]["hresult"], "0x80040e14");
+  EXPECT_EQ(result.notes, "");
 }
 
 TEST(Trace, RefusesAReportThatItDoesNotKnow) {
