@@ -56,21 +56,27 @@ int quantityDecimals(Session& session) {
   return std::clamp(decimals, 0, 6);
 }
 
-// Puts the filter through the report's dialog, as if it had been opened with these values and confirmed.
+// Puts the filter through the report's dialog, as if it had been opened with these values and confirmed. The dialog's
+// own defaults are its own affair: the current year may be one that its list of years does not have.
 void passDialog(const PreparedRun& run, const ReportOptions& options, const ReportRegistration& report,
                 std::ostream& notes) {
   EmbeddedPlatform platform({.accountConnection = run.account.connection,
                              .language = options.language,
                              .messages = [&notes](std::string_view text, int) { notes << oneLine(text) << '\n'; }});
+  std::vector<const FilterEntry*> given;
+  for (const auto& entry : run.filter->entries()) {
+    if (!entry->value.empty() || !entry->value2.empty()) given.push_back(entry.get());
+  }
   const auto runner = makeDialogRunner(
       platform, report, std::make_shared<FilterDialogObject>(run.filter, run.account.login, run.account.session));
   runner->init();
-  checkFilter(*run.filter);
+  for (const FilterEntry* entry : given)
+    checkItem(*entry);
+  checkComplete(*run.filter);
   if (!runner->click())
     throw CommandError("the report's dialog does not accept the filter; change it, or give --no-dialog");
-  for (const auto& entry : run.filter->entries()) {
-    const bool given = entry->value != entry->item.defaultValue || !entry->value2.empty();
-    if (entry->available || !given) continue;
+  for (const FilterEntry* entry : given) {
+    if (entry->available || entry->value == entry->item.defaultValue) continue;
     notes << "quillon: the report's dialog would not let " << entry->item.key << " (" << entry->item.english
           << ") be entered in this account; it is applied as it was given\n";
   }

@@ -105,23 +105,6 @@ void checkValue(const ItemRegistration& item, const std::string& value) {
   }
 }
 
-void checkEntry(const FilterEntry& entry) {
-  const ItemRegistration& item = entry.item;
-  const std::vector<std::string> values = split(entry.value, '\t');
-  if (values.size() > 1 && !item.multiple) refuse(item, "takes one value only");
-  if (!entry.value2.empty() && entry.value2 != entry.value && !item.range)
-    refuse(item, "takes a single value, not a range");
-  for (const std::string& value : values)
-    checkValue(item, value);
-  checkValue(item, entry.value2);
-  if (item.choices.empty() || entry.value.empty()) return;
-  for (const std::string& code : chosenCodes(entry)) {
-    if (findChoice(item, code) == nullptr) {
-      refuse(item, "there is no choice \"" + code + "\"; choose of " + choiceList(item));
-    }
-  }
-}
-
 // A text "key=value" that sets an item.
 struct Setting {
   FilterEntry& entry;
@@ -202,15 +185,37 @@ const FilterEntry& changeItem(FilterObject& filter, const std::string& setting) 
   const Setting change = readSetting(filter, setting);
   if (!change.entry.available) refuse(change.entry.item, "the dialog does not let it be entered now");
   apply(change, false);
-  checkEntry(change.entry);
+  checkItem(change.entry);
   return change.entry;
 }
 
-void checkFilter(const FilterObject& filter) {
+void checkItem(const FilterEntry& entry) {
+  const ItemRegistration& item = entry.item;
+  const std::vector<std::string> values = split(entry.value, '\t');
+  if (values.size() > 1 && !item.multiple) refuse(item, "takes one value only");
+  if (!entry.value2.empty() && entry.value2 != entry.value && !item.range)
+    refuse(item, "takes a single value, not a range");
+  for (const std::string& value : values)
+    checkValue(item, value);
+  checkValue(item, entry.value2);
+  if (item.choices.empty() || entry.value.empty()) return;
+  for (const std::string& code : chosenCodes(entry)) {
+    if (findChoice(item, code) == nullptr) {
+      refuse(item, "there is no choice \"" + code + "\"; choose of " + choiceList(item));
+    }
+  }
+}
+
+void checkComplete(const FilterObject& filter) {
   for (const auto& entry : filter.entries()) {
     if (entry->value.empty() && entry->item.required) refuse(entry->item, "must be given");
-    checkEntry(*entry);
   }
+}
+
+void checkFilter(const FilterObject& filter) {
+  for (const auto& entry : filter.entries())
+    checkItem(*entry);
+  checkComplete(filter);
 }
 
 std::string describeEntry(const FilterEntry& entry, Language language) {

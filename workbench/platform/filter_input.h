@@ -25,8 +25,11 @@ void setFilterItems(FilterObject& filter, std::span<const std::string> settings)
 // item.
 const FilterEntry& changeItem(FilterObject& filter, const std::string& setting);
 
-// Checks what was entered: choices against their codes, numbers, dates, and that single values are single, and that
-// nothing that must be given is missing.
+// Checks what was entered in one item: choices against their codes, numbers, dates, and that a single value is single.
+void checkItem(const FilterEntry& entry);
+// Checks that nothing that must be given is missing.
+void checkComplete(const FilterObject& filter);
+// Both, for all items.
 void checkFilter(const FilterObject& filter);
 
 // What was entered in `entry`, for a reader: choices by their names, bounds as "from .. to", several values with

@@ -8,6 +8,7 @@
 
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
+#include "workbench/account/schema.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/cli/report_layout.h"
 #include "workbench/cli/value_output.h"
@@ -164,6 +165,39 @@ TEST_F(OutboundSummary, TellsOfAnItemThatTheDialogWouldNotOffer) {
       "is applied as it was given\n");
   runWith({"cWhCode=01"}, ReportFormat::csv);
   EXPECT_EQ(notes_.str(), "") << "the account is valued by warehouse";
+}
+
+// Cost items begin next year: the dialog offers that year and begins with this one.
+TEST(OutboundSummaryBeforeCostItems, BeginsWithTheCurrentYear) {
+  const test::TemporaryFile file(".qacc");
+  {
+    const auto account = tsql::Connection::open(file.path(), tsql::OpenMode::createNew);
+    account::createTables(*account);
+    account->execute(
+        "Insert Into orvsystem..UA_Period (cAcc_Id, iYear, iId, dBegin, dEnd) Values "
+        "(N'001', 2024, 12, '2024-12-01', '2024-12-31'), (N'001', 2025, 12, '2025-12-01', '2025-12-31')");
+    account->execute("Insert Into IA_PeriodState (iYear, iMonth, bSettled) Values (2024, 12, 0)");
+    account->execute(
+        "Insert Into AccInformation (cSysID, cID, cName, cValue) Values (N'CA', N'11002', N'x', N'202501')");
+  }
+  ReportOptions options{.report = "outsum-item", .account = utf8FromPath(file.path()), .language = Language::english};
+  std::ostringstream out;
+  std::ostringstream notes;
+  runReport(options, out, notes);
+  EXPECT_EQ(out.str(),
+            "Outbound summary by cost item\n"
+            "Year: 2024\n"
+            "Report mode: by cost-item class\n"
+            "Class grade: 1\n"
+            "\n"
+            "No rows meet the conditions\n");
+  options.settings = {"iYear=2024"};
+  try {
+    runReport(options, out, notes);
+    ADD_FAILURE() << "a user could not choose this year";
+  } catch (const std::exception& error) {
+    EXPECT_STREQ(error.what(), "filter item iYear (Year): there is no choice \"2024\"; choose of 2025");
+  }
 }
 
 TEST_F(OutboundSummary, WithoutItsDialogHasTheSameRows) {
