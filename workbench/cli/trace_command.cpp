@@ -12,9 +12,11 @@
 
 #include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
+#include "filters/wt_filter_control.h"
 #include "frame/automation_error.h"
 #include "frame/module.h"
 #include "reports/fx_detail/fx_detail.h"
+#include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 #include "workbench/cli/command_error.h"
@@ -89,6 +91,11 @@ void printView(TraceLog& log, const std::optional<std::string>& view) {
   log.print({{"effect", "view"}, {"value", view ? Json(*view) : Json()}});
 }
 
+// Only the dialog of the summary reports has lists that are filled on request.
+[[noreturn]] void refuseEvent(const std::string& report, const std::string& event) {
+  throw CommandError("the dialog of " + report + " has no event \"" + event + "\"; trace dialog-sfc for it");
+}
+
 // The dialog of both summary reports; the filter's identifier tells for which it is.
 class TracedSfcDialog final : public TracedDialog {
  public:
@@ -139,16 +146,31 @@ class TracedDetailDialog final : public TracedDialog {
     if (refused) log.print({{"effect", "cancel"}, {"value", true}, {"item", *refused}});
   }
   void change(std::string_view key, FilterDialog& dialog) override { control_.valueChange(key, dialog); }
-  void year(TraceLog&) override { refuse("year"); }
-  void grade(TraceLog&) override { refuse("grade"); }
+  void year(TraceLog&) override { refuseEvent("the detail ledger", "year"); }
+  void grade(TraceLog&) override { refuseEvent("the detail ledger", "grade"); }
 
  private:
-  [[noreturn]] static void refuse(const std::string& event) {
-    throw CommandError("the dialog of the detail ledger has no event \"" + event + "\"; trace dialog-sfc for it");
-  }
-
   Module module_;
   FilterControl control_;
+};
+
+// The dialog of the cost-item voucher report. Its class is never asked for a view.
+class TracedWtDialog final : public TracedDialog {
+ public:
+  explicit TracedWtDialog(TracePlatform& platform) : module_(platform), control_(module_) {}
+
+  void init(FilterDialog& dialog) override { control_.filterInit(dialog); }
+  void view(FilterDialog&, TraceLog&) override {}
+  void click(FilterDialog&, TraceLog& log) override {
+    log.print({{"effect", "result"}, {"value", WtFilterControl::filterClick()}});
+  }
+  void change(std::string_view key, FilterDialog& dialog) override { control_.valueChange(key, dialog); }
+  void year(TraceLog&) override { refuseEvent("the cost-item voucher report", "year"); }
+  void grade(TraceLog&) override { refuseEvent("the cost-item voucher report", "grade"); }
+
+ private:
+  Module module_;
+  WtFilterControl control_;
 };
 
 void play(const DialogEvent& event, TracedDialog& traced, FilterDialog& dialog, TraceFilter& filter, TraceLog& log) {
@@ -223,8 +245,10 @@ constexpr std::array tracers{
     Tracer{"sfc-item", false, traceReport<SfcItem>},
     Tracer{"outsum-item", false, traceReport<OutsumItem>},
     Tracer{"fx-detail", false, traceReport<FxDetail>},
+    Tracer{"fx-wt", false, traceReport<FxWt>},
     Tracer{"dialog-sfc", true, traceDialog<TracedSfcDialog>},
     Tracer{"dialog-detail", true, traceDialog<TracedDetailDialog>},
+    Tracer{"dialog-wt", true, traceDialog<TracedWtDialog>},
     Tracer{"execute", false, traceDrillThrough},
 };
 
@@ -283,7 +307,7 @@ int trace(const std::string& report, const Json& filter, const Json& platform, s
     throw CommandError("there is nothing called \"" + report + "\" to trace; there are: " + listed(tracedNames()));
   }
   if (!tracer->takesEvents && !events.empty()) {
-    throw CommandError("only a dialog has events; leave them out, or trace dialog-sfc or dialog-detail");
+    throw CommandError("only a dialog has events; leave them out, or trace dialog-sfc, dialog-detail or dialog-wt");
   }
   const auto description = described<TraceDescription>("platform's", platform);
   TracePlatform tracePlatform(description, out);

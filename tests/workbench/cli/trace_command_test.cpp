@@ -79,7 +79,9 @@ INSTANTIATE_TEST_SUITE_P(Cases, TraceCase,
                                          "detail_ledger_of_an_impossible_range", "detail_ledger_of_a_bare_platform",
                                          "source_document", "ledger_voucher", "row_without_a_ledger_voucher",
                                          "balance_row", "dialog_of_the_detail_ledger",
-                                         "dialog_of_the_detail_ledger_without_its_items"));
+                                         "dialog_of_the_detail_ledger_without_its_items", "voucher_report",
+                                         "voucher_report_with_a_failing_statement", "dialog_of_the_voucher_report",
+                                         "dialog_of_the_voucher_report_under_another_identifier"));
 
 // --- Dialogs ---
 
@@ -98,9 +100,10 @@ TEST(TraceDialog, RefusesWhatIsNoEvent) {
   EXPECT_THROW(traced(byCostItem, Json::object(), "sfc-item", {"init"}), CommandError);
 }
 
-TEST(TraceDialog, OfTheDetailLedgerHasNoListsOfItsOwn) {
-  for (const char* event : {"year", "grade"}) {
-    EXPECT_THROW(traced(Json::object(), Json::object(), "dialog-detail", {event}), CommandError) << event;
+TEST(TraceDialog, OfALedgerReportHasNoListsOfItsOwn) {
+  for (const char* dialog : {"dialog-detail", "dialog-wt"}) {
+    for (const char* event : {"year", "grade"})
+      EXPECT_THROW(traced(Json::object(), Json::object(), dialog, {event}), CommandError) << dialog << " " << event;
   }
 }
 
