@@ -12,6 +12,9 @@ namespace {
 constexpr std::string_view summaryReports = "sfc-item, outsum-item";
 constexpr std::string_view outboundSummary = "outsum-item";
 constexpr std::string_view receiptIssueBalance = "sfc-item";
+constexpr std::string_view voucherReport = "fx-wt";
+constexpr std::string_view lineReports = "outsum-item, fx-wt";  // those that show ledger lines one by one
+constexpr std::string_view summaryAndVoucherReports = "sfc-item, outsum-item, fx-wt";
 
 struct JoinKey {
   std::string_view table;
@@ -21,29 +24,32 @@ struct JoinKey {
 
 // In the order in which the reports join the tables.
 constexpr JoinKey joinKeys[] = {
-    {"ia_subsidiary", "AutoID", summaryReports},
+    {"ia_subsidiary", "AutoID", summaryAndVoucherReports},
     {"IA_Subsidiary_QC", "AutoID", receiptIssueBalance},
-    {"Warehouse", "cWhCode", summaryReports},
-    {"Inventory", "cInvCode", summaryReports},
-    {"Rd_Style", "cRdCode", outboundSummary},
+    {"Warehouse", "cWhCode", summaryAndVoucherReports},
+    {"Inventory", "cInvCode", summaryAndVoucherReports},
+    {"Rd_Style", "cRdCode", lineReports},
     {"sfc_workcenter", "Description", outboundSummary},
     {"CA_CostCenterMap", "cDepCode, bIsWCID", outboundSummary},
     {"CA_CostCenter", "cCostCenter", outboundSummary},
-    {"ComputationUnit", "cComUnitCode", summaryReports},
-    {"Customer", "cCusCode", outboundSummary},
-    {"CustomerClass", "cCCCode", outboundSummary},
-    {"Vendor", "cVenCode", outboundSummary},
-    {"Department", "cDepCode", summaryReports},
+    {"CAQ_CostCenterMap", "cBusID", voucherReport},
+    {"CAQ_CostCenter", "cDeptID", voucherReport},
+    {"ComputationUnit", "cComUnitCode", summaryAndVoucherReports},
+    {"Customer", "cCusCode", lineReports},
+    {"CustomerClass", "cCCCode", lineReports},
+    {"Vendor", "cVenCode", lineReports},
+    {"VendorClass", "cVCCode", voucherReport},
+    {"Department", "cDepCode", summaryAndVoucherReports},
     {"Code", "iYear, cCode", outboundSummary},
     {"Person", "cPersonCode", outboundSummary},
     {"orvsystem..ua_user", "cUser_Id", outboundSummary},
     {"fItem", "cItem_Class", outboundSummary},
-    {"Ca_FxDef", "iFxID", summaryReports},
-    {"Ca_FxClassDef", "iFxCId", summaryReports},
-    {"Ca_FxMapExpDID", "iFxDID", summaryReports},
-    {"Ca_FxMapExpDetails", "iFxDID", summaryReports},
-    {"Ca_CostExpDetail_Period", "cAmoID, cAmoType, iPeriod", summaryReports},
-    {"Ca_AmoTypeName", "cAmoType, localid", summaryReports},
+    {"Ca_FxDef", "iFxID", summaryAndVoucherReports},
+    {"Ca_FxClassDef", "iFxCId", summaryAndVoucherReports},
+    {"Ca_FxMapExpDID", "iFxDID", summaryAndVoucherReports},
+    {"Ca_FxMapExpDetails", "iFxDID", summaryAndVoucherReports},
+    {"Ca_CostExpDetail_Period", "cAmoID, cAmoType, iPeriod", summaryAndVoucherReports},
+    {"Ca_AmoTypeName", "cAmoType, localid", summaryAndVoucherReports},
 };
 
 std::string textOf(const tsql::Cursor& cursor, std::size_t column) {

@@ -468,6 +468,51 @@ TEST_F(FxWtRows, PartsSumToTheirLineAndEachRowShowsTheLinesOwnFigures) {
   }
 }
 
+TEST_F(FxWtRows, BringBookingsOfOnePartTogether) {
+  const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::existing);
+  // An issue's part with a quantity, and the row that shows it.
+  const Line* part = nullptr;
+  for (const Line& candidate : table("ia_subsidiary_Item")) {
+    const Line* line = find("ia_subsidiary", "autoid", candidate.at("isubid"));
+    if (line && line->at("cvoutype") == "11" && !isZero(candidate.at("iitemoutquantity")) &&
+        !isZero(line->at("iaoutquantity")))
+      part = &candidate;
+  }
+  ASSERT_NE(part, nullptr);
+  const Text costItem = found("Ca_FxDef", "ifxid", part->at("iitemid"), "cfxcode");
+  const Row wanted = partRow(*find("ia_subsidiary", "autoid", part->at("isubid")), *part);
+  const auto row = [&] {
+    std::vector<Line> rows;
+    for (Line& candidate :
+         reportLines({}, "AutoID,cfxCode,cAmoID,iAOutQuantity,iItemoutQuantity,iItemOutPrice,iUnitCost")) {
+      if (candidate.at("autoid") == part->at("isubid") && candidate.at("cfxcode") == costItem &&
+          candidate.at("camoid").value_or("") == wanted.detail)
+        rows.push_back(std::move(candidate));
+    }
+    EXPECT_EQ(rows.size(), 1U);
+    return rows.at(0);
+  };
+  const auto quantity = [](const Line& line, const char* column) { return *units(line.at(column), quantityScale); };
+  const Line once = row();
+
+  account->execute(
+      "Insert Into ia_subsidiary_Item Select 900001, iSubID, iItemID, iItemDetailID, iYear, iMonth, bRdFlag, "
+      "iItemInQuantity, iItemInCost, iItemInPrice, iItemOutQuantity, iItemOutCost, iItemOutPrice From "
+      "ia_subsidiary_Item Where AutoID = " +
+      *part->at("autoid"));
+  const Line twice = row();
+  EXPECT_EQ(quantity(twice, "iitemoutquantity"), 2 * quantity(once, "iitemoutquantity"));
+  EXPECT_EQ(twice.at("iaoutquantity"), once.at("iaoutquantity"));
+  EXPECT_EQ(twice.at("iunitcost"), once.at("iunitcost")) << "twice the amount by twice the quantity";
+
+  account->execute("Update ia_subsidiary_Item Set iItemOutCost = iItemOutCost + 1 Where AutoID = 900001");
+  const Line apart = row();
+  EXPECT_EQ(quantity(apart, "iitemoutquantity"), 2 * quantity(once, "iitemoutquantity"));
+  EXPECT_EQ(quantity(apart, "iaoutquantity"), 2 * quantity(once, "iaoutquantity"));
+  EXPECT_EQ(*units(apart.at("iunitcost"), 4), 2 * *units(once.at("iunitcost"), 4));
+  account->execute("Delete From ia_subsidiary_Item Where AutoID = 900001");
+}
+
 // --- Names and columns ----------------------------------------------------------------------------------------------
 
 TEST_F(FxWtRows, CarryTheColumnsOfTheirLineAndItsMasters) {
