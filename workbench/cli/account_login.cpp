@@ -4,8 +4,8 @@
 
 namespace quillon::workbench {
 
-AccountLogin logIn(const std::string& source, Language language, const std::string& date) {
-  AccountLogin account;
+SignedInAccount logIn(const std::string& source, Language language, const std::string& date) {
+  SignedInAccount account;
   account.file = accountFile(source);
   account.connection = connectionString(account.file);
   account.session = std::make_shared<EmbeddedSession>();

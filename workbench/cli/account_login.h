@@ -11,7 +11,7 @@
 
 namespace quillon::workbench {
 
-struct AccountLogin {
+struct SignedInAccount {
   std::filesystem::path file;
   std::string connection;                    // the connection string, as the login gives it
   std::shared_ptr<EmbeddedSession> session;  // open
@@ -20,6 +20,6 @@ struct AccountLogin {
 
 // Signs in to the account that `source` (SOURCE on the command line) names. `date` is the login's, yyyy-mm-dd; empty:
 // the last day of the current year. Throws std::exception with one line for the user.
-AccountLogin logIn(const std::string& source, Language language, const std::string& date);
+SignedInAccount logIn(const std::string& source, Language language, const std::string& date);
 
 }  // namespace quillon::workbench

@@ -29,7 +29,7 @@ std::vector<DialogStep> stepsOf(const DialogOptions& options) {
 void runDialog(const DialogOptions& options, std::ostream& out) {
   const ReportRegistration& report = registeredReport(options.report);
   const std::vector<DialogStep> steps = stepsOf(options);
-  const AccountLogin account = logIn(options.account, options.language, options.date);
+  const SignedInAccount account = logIn(options.account, options.language, options.date);
   const auto filter = std::make_shared<FilterObject>(report, InitialValues::none);
   if (!options.filterFile.empty()) applyFilterFile(*filter, readJsonFile(options.filterFile));
 

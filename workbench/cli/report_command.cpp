@@ -44,7 +44,7 @@ KnownReport knownReport(const std::string& name) {
 
 // Everything that is read from the account before the report runs.
 struct PreparedRun {
-  AccountLogin account;
+  SignedInAccount account;
   std::shared_ptr<FilterObject> filter;
   int quantityDecimals = 2;
 };
@@ -235,7 +235,7 @@ void runReport(const ReportOptions& options, std::ostream& out, std::ostream& no
   PreparedRun run = prepare(options, report, notes);
 
   const auto account = tsql::Connection::open(run.account.file, tsql::OpenMode::existing);
-  ResultTable table(*account, "QuillonReport" + uniqueNamePart());
+  ResultTable table(*account, freshResultTable());
   std::optional<ResultGuard> guard;
   if (!options.keep) guard.emplace(table);
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <vector>
 
+#include "frame/text.h"
 #include "workbench/platform/embedded_platform.h"
 
 namespace quillon::workbench {
@@ -15,9 +15,25 @@ class ArgumentDataSource final : public DataSource {
   explicit ArgumentDataSource(std::shared_ptr<DataSourceState> state) : state_(std::move(state)) {}
   void setType(int type) override { state_->type = type; }
   std::string resultTable() override { return state_->resultTable; }
+  void setResultTable(std::string_view name) override { state_->resultTable = name; }
 
  private:
   std::shared_ptr<DataSourceState> state_;
+};
+
+class ArgumentRow final : public ReportRow {
+ public:
+  explicit ArgumentRow(RowValues values) : values_(std::move(values)) {}
+
+  // A column that the report does not have is empty, as the platform has it.
+  std::string value(std::string_view column) override {
+    const auto found =
+        std::ranges::find_if(values_, [column](const auto& entry) { return equalIgnoringCase(entry.first, column); });
+    return found == values_.end() ? std::string() : found->second;
+  }
+
+ private:
+  RowValues values_;
 };
 
 struct AccountYear {
@@ -74,6 +90,16 @@ WorkbenchArgument::WorkbenchArgument(std::shared_ptr<FilterObject> filter, std::
       dataSource_(std::make_shared<DataSourceState>()),
       action_(std::move(action)) {
   dataSource_->resultTable = std::move(resultTable);
+}
+
+WorkbenchArgument::WorkbenchArgument(std::shared_ptr<Login> login, RowValues row, std::string action)
+    : login_(std::move(login)),
+      dataSource_(std::make_shared<DataSourceState>()),
+      action_(std::move(action)),
+      row_(std::move(row)) {}
+
+std::unique_ptr<ReportRow> WorkbenchArgument::row() {
+  return row_ ? std::make_unique<ArgumentRow>(*row_) : ReportArgument::row();
 }
 
 std::unique_ptr<DataSource> WorkbenchArgument::dataSource() {

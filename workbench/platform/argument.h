@@ -2,8 +2,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "frame/platform.h"
 #include "workbench/platform/filter_object.h"
@@ -46,6 +49,8 @@ class WorkbenchLogin final : public Login {
   // The workbench's user has every right, whatever the dialog asks for; it only keeps what was asked.
   void setAuthString(std::string_view rights) override { authString_ = rights; }
   const std::string& authString() const { return authString_; }
+  // The workbench is a program of inventory accounting.
+  std::string moduleCode() override { return "IA"; }
 
  private:
   std::string authString_;
@@ -58,17 +63,25 @@ struct DataSourceState {
   std::string resultTable;
 };
 
+// The row that a drill-through starts from: the values of the result table's columns as text, empty for null.
+using RowValues = std::vector<std::pair<std::string, std::string>>;
+
 class WorkbenchArgument final : public ReportArgument {
  public:
-  // `resultTable` is the name that the report gives its result table, as it is pasted into statements.
+  // For a report run. `resultTable` is the name that the report gives its result table, as it is pasted into
+  // statements; a report that names its table itself replaces it.
   WorkbenchArgument(std::shared_ptr<FilterObject> filter, std::shared_ptr<Login> login, std::string resultTable,
                     std::string action = {});
+  // For a drill-through from a row of a report.
+  WorkbenchArgument(std::shared_ptr<Login> login, RowValues row, std::string action);
 
   std::shared_ptr<Filter> rawFilter() override { return filter_; }
   std::shared_ptr<Login> login() override { return login_; }
   std::shared_ptr<Login> filterLogin() override { return login_; }
   std::unique_ptr<DataSource> dataSource() override;
   std::string action() override { return action_; }
+  // Throws AutomationError (not implemented) when the argument is for no drill-through.
+  std::unique_ptr<ReportRow> row() override;
   // Accounts name their languages as the login's region does.
   std::string languageId() override { return login_->languageRegion(); }
 
@@ -81,6 +94,7 @@ class WorkbenchArgument final : public ReportArgument {
   std::shared_ptr<Login> login_;
   std::shared_ptr<DataSourceState> dataSource_;
   std::string action_;
+  std::optional<RowValues> row_;
 };
 
 }  // namespace quillon::workbench

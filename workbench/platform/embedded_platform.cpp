@@ -1,10 +1,11 @@
 #include "workbench/platform/embedded_platform.h"
 
 #include <array>
-#include <charconv>
 #include <cstdio>
 #include <random>
 
+#include "frame/text.h"
+#include "workbench/platform/account_environment.h"
 #include "workbench/platform/filter_object.h"
 #include "workbench/platform/resource_texts.h"
 
@@ -12,27 +13,11 @@ namespace quillon::workbench {
 
 namespace {
 
-// The first field of the query's first row; nullopt when there is no row or the field is null.
-std::optional<std::string> lookUp(Session& session, std::string_view sql) {
-  const std::unique_ptr<Recordset> rows = session.query(sql, readOnlyQuery);
-  std::optional<std::string> value;
-  if (!rows->eof()) value = rows->text(0);
-  rows->close();
-  return value;
-}
-
-std::string quotedText(std::string_view text) {
-  std::string result = "N'";
-  for (const char c : text)
-    result.append(c == '\'' ? 2 : 1, c);
-  return result + "'";
-}
-
-// The number at the front of `text`; 0 when there is none.
-int leadingNumber(std::string_view text) {
-  int number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
+// The year and month at the front of a date "yyyy-mm-dd".
+AccountingPeriod calendarMonth(std::string_view date) {
+  constexpr std::size_t monthAt = 5;
+  if (date.size() <= monthAt) return {};
+  return {.year = leadingNumber(date), .month = leadingNumber(date.substr(monthAt))};
 }
 
 // Execute of the two summary reports asks for a filter and does nothing with it.
@@ -82,6 +67,57 @@ std::vector<std::string> AccountPublicComponent::usedYears(std::string_view acco
   return years;
 }
 
+bool AccountPublicComponent::costItemOpeningsFinished(int year, Session& session) {
+  return periodSettled({.year = year, .month = 0}, session);
+}
+
+AccountingPeriod AccountPublicComponent::moduleStart(std::string_view system, Session& session) {
+  const std::string option = "d" + std::string(system) + "StartDate";
+  const std::string date = accountInformation(system, option, session);
+  const AccountingPeriod start = calendarMonth(date);
+  if (start.month < 1 || start.month > 12) {
+    throw AutomationError(hresult::fail, "IA_Pub.ClsIAPub",
+                          "The account's option " + option + " of system " + std::string(system) + " is \"" + date +
+                              "\"; it must be the date on which the module began, yyyy-mm-dd.");
+  }
+  return start;
+}
+
+PeriodDates AccountPublicComponent::datesOfPeriod(std::string_view accountCode, AccountingPeriod period,
+                                                  Session& session) {
+  const std::unique_ptr<Recordset> rows =
+      session.query("Select dBegin, dEnd From orvsystem..UA_Period Where cAcc_Id = " + quotedText(accountCode) +
+                        " And iYear = " + std::to_string(period.year) + " And iId = " + std::to_string(period.month),
+                    readOnlyQuery);
+  if (rows->eof()) {
+    throw AutomationError(hresult::fail, "IA_Pub.ClsIAPub",
+                          "The account " + std::string(accountCode) + " has no period " + std::to_string(period.month) +
+                              " in " + std::to_string(period.year) + ".");
+  }
+  PeriodDates dates{.begin = dateOnly(rows->text(0).value_or("")), .end = dateOnly(rows->text(1).value_or(""))};
+  rows->close();
+  return dates;
+}
+
+AccountingPeriod AccountPublicComponent::periodOfDate(std::string_view date, Session& session) {
+  const std::string day = quotedText(date);
+  const std::unique_ptr<Recordset> rows =
+      session.query("Select iYear, iId From orvsystem..UA_Period Where iYear < 9999 And dBegin <= " + day +
+                        " And dEnd >= " + day + " Order By iYear, iId",
+                    readOnlyQuery);
+  AccountingPeriod period = calendarMonth(date);
+  if (!rows->eof()) {
+    period = {.year = leadingNumber(rows->text(0).value_or("")), .month = leadingNumber(rows->text(1).value_or(""))};
+  }
+  rows->close();
+  return period;
+}
+
+bool AccountPublicComponent::periodSettled(AccountingPeriod period, Session& session) {
+  return lookUp(session, "Select bSettled From IA_PeriodState Where iYear = " + std::to_string(period.year) +
+                             " And iMonth = " + std::to_string(period.month)) == "True";
+}
+
 WorkbenchResources::WorkbenchResources(Language language, std::string accountConnection, SessionMaker makeSession,
                                        MessageSink messages)
     : language_(language),
@@ -94,12 +130,7 @@ void WorkbenchResources::takeLogin(Login& login) {
 }
 
 std::string WorkbenchResources::enumName(std::string_view type, std::string_view code) {
-  if (!session_) {
-    const std::shared_ptr<Session> session = makeSession_();
-    session->setConnectionString(accountConnection_);
-    session->open("", "", optionsUnspecified);
-    session_ = session;
-  }
+  if (!session_) session_ = openAccount(makeSession_, accountConnection_);
   return lookUp(*session_, "Select EnumName From AA_Enum Where EnumType = " + quotedText(type) +
                                " And EnumCode = " + quotedText(code) +
                                " And LocaleId = " + (language_ == Language::chinese ? "N'zh-CN'" : "N'en-US'"))
@@ -108,6 +139,13 @@ std::string WorkbenchResources::enumName(std::string_view type, std::string_view
 
 std::string WorkbenchResources::text(std::string_view key) {
   return resourceText(key, language_);
+}
+
+std::string WorkbenchResources::formattedText(std::string_view key, const std::vector<std::string>& arguments) {
+  std::string result = text(key);
+  for (std::size_t i = 0; i < arguments.size(); ++i)
+    replaceAll(result, "{" + std::to_string(i) + "}", arguments[i]);
+  return result;
 }
 
 void WorkbenchResources::showMessage(std::string_view text, int flags) {
@@ -126,6 +164,10 @@ std::string uniqueNamePart() {
   return part;
 }
 
+std::string freshResultTable() {
+  return "QuillonReport" + uniqueNamePart();
+}
+
 std::shared_ptr<Session> EmbeddedPlatform::createSession() {
   return options_.makeSession ? options_.makeSession() : std::make_shared<EmbeddedSession>(options_.monitor);
 }
@@ -135,10 +177,7 @@ std::shared_ptr<PublicComponent> EmbeddedPlatform::createPublicComponent() {
 }
 
 std::shared_ptr<ResourceService> EmbeddedPlatform::createResourceService() {
-  // What the service reads of an embedded account is no part of a report: nobody watches it.
-  SessionMaker sessions =
-      options_.makeSession ? options_.makeSession : SessionMaker([] { return std::make_shared<EmbeddedSession>(); });
-  return std::make_shared<WorkbenchResources>(options_.language, options_.accountConnection, std::move(sessions),
+  return std::make_shared<WorkbenchResources>(options_.language, options_.accountConnection, unwatchedSessions(),
                                               options_.messages);
 }
 
@@ -153,6 +192,31 @@ std::shared_ptr<DrillThroughHelper> EmbeddedPlatform::createDrillThroughHelper()
 std::string EmbeddedPlatform::namingNumber() {
   constexpr unsigned mask = 0x7fffffffU;  // what a Long of automation holds
   return std::to_string(static_cast<unsigned>(std::random_device{}()) & mask);
+}
+
+std::unique_ptr<AccountLogin> EmbeddedPlatform::createAccountLogin() {
+  return std::make_unique<WorkbenchAccountLogin>();
+}
+
+std::unique_ptr<InventoryEnvironment> EmbeddedPlatform::createInventoryEnvironment() {
+  return std::make_unique<WorkbenchEnvironment>(unwatchedSessions(), freshResultTable());
+}
+
+std::unique_ptr<SourceVoucherComponent> EmbeddedPlatform::createSourceVoucherComponent() {
+  return std::make_unique<WorkbenchSourceVouchers>(options_.language, options_.vouchers);
+}
+
+std::unique_ptr<LedgerModule> EmbeddedPlatform::createLedgerModule() {
+  return std::make_unique<WorkbenchLedgerModule>(unwatchedSessions());
+}
+
+std::unique_ptr<LedgerVoucherComponent> EmbeddedPlatform::createLedgerVoucherComponent() {
+  return std::make_unique<WorkbenchLedgerVouchers>(options_.vouchers);
+}
+
+SessionMaker EmbeddedPlatform::unwatchedSessions() const {
+  if (options_.makeSession) return options_.makeSession;
+  return [] { return std::make_shared<EmbeddedSession>(); };
 }
 
 }  // namespace quillon::workbench

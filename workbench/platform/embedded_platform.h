@@ -9,13 +9,12 @@
 #include <vector>
 
 #include "frame/platform.h"
+#include "workbench/platform/account_lookup.h"
 #include "workbench/platform/embedded_session.h"
 #include "workbench/platform/language.h"
+#include "workbench/platform/voucher_components.h"
 
 namespace quillon::workbench {
-
-// Makes a session that is not open yet.
-using SessionMaker = std::function<std::shared_ptr<Session>()>;
 
 // IA_Pub.ClsIAPub: answers from the account's own tables, through the session that the caller passes.
 class AccountPublicComponent final : public PublicComponent {
@@ -29,6 +28,18 @@ class AccountPublicComponent final : public PublicComponent {
   int costItemStartMonth(std::string_view year, Session& session) override;
   // The years of orvsystem..UA_Period, but not 9999, which stands for the opening of the account.
   std::vector<std::string> usedYears(std::string_view accountCode, Session& session) override;
+  // Month 0 of the year in IA_PeriodState stands for them; false without such a row.
+  bool costItemOpeningsFinished(int year, Session& session) override;
+  // The month of the system's option dIAStartDate, dCAStartDate, ... (yyyy-mm-dd). Throws AutomationError when the
+  // account does not say.
+  AccountingPeriod moduleStart(std::string_view system, Session& session) override;
+  // From orvsystem..UA_Period. Throws AutomationError when the account has no such period.
+  PeriodDates datesOfPeriod(std::string_view accountCode, AccountingPeriod period, Session& session) override;
+  // From orvsystem..UA_Period; the calendar month of a date in years that the account does not have.
+  AccountingPeriod periodOfDate(std::string_view date, Session& session) override;
+  // From IA_PeriodState; a month that it does not have is not settled.
+  bool periodSettled(AccountingPeriod period, Session& session) override;
+  std::string workstationName() override { return "Workbench"; }
 };
 
 // Texts from resource_texts.h, enumeration names from the account's AA_Enum.
@@ -44,6 +55,8 @@ class WorkbenchResources final : public ResourceService {
   // The code itself when the account has no name for it.
   std::string enumName(std::string_view type, std::string_view code) override;
   std::string text(std::string_view key) override;
+  // The places are {0}, {1}, ...
+  std::string formattedText(std::string_view key, const std::vector<std::string>& arguments) override;
   void showMessage(std::string_view text, int flags) override;
 
  private:
@@ -56,6 +69,8 @@ class WorkbenchResources final : public ResourceService {
 
 // A unique part of a table name: lower-case letters and digits, never the same twice, whichever process asks.
 std::string uniqueNamePart();
+// A fresh name for a report's result table.
+std::string freshResultTable();
 
 class WorkbenchUniqueNames final : public UniqueNameSource {
  public:
@@ -68,6 +83,7 @@ struct EmbeddedPlatformOptions {
   SessionMonitor* monitor = nullptr;              // watches every embedded session; outlives the platform
   SessionMaker makeSession = {};                  // reaches an account on a server; empty for an embedded one
   WorkbenchResources::MessageSink messages = {};  // takes what a report or a dialog shows; may be empty
+  VoucherSink vouchers = {};                      // takes the documents that a drill-through opens; may be empty
 };
 
 class EmbeddedPlatform final : public Platform {
@@ -83,9 +99,21 @@ class EmbeddedPlatform final : public Platform {
   std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() override;
   // A number drawn anew for each call, so that two users' names differ in their first part already.
   std::string namingNumber() override;
+  std::int32_t workTableNumber() override { return ++workTables_; }
+
+  std::unique_ptr<AccountLogin> createAccountLogin() override;
+  std::unique_ptr<InventoryEnvironment> createInventoryEnvironment() override;
+  std::unique_ptr<SourceVoucherComponent> createSourceVoucherComponent() override;
+  std::unique_ptr<LedgerModule> createLedgerModule() override;
+  std::unique_ptr<LedgerVoucherComponent> createLedgerVoucherComponent() override;
 
  private:
+  // Makes the sessions on which the platform's own objects read an account. They are no part of a report: nobody
+  // watches them.
+  SessionMaker unwatchedSessions() const;
+
   EmbeddedPlatformOptions options_;
+  std::int32_t workTables_ = 0;
 };
 
 }  // namespace quillon::workbench

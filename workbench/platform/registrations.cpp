@@ -7,7 +7,7 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr std::array reports = {sfcItemRegistration, outsumItemRegistration};
+constexpr std::array reports = {sfcItemRegistration, outsumItemRegistration, fxDetailRegistration};
 
 }  // namespace
 

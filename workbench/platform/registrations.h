@@ -14,10 +14,12 @@ const ReportRegistration& sfcItemRegistration();
 // Outbound summary by cost item, "outsum-item". Its voucher and business types have no choices here: they are the
 // year's.
 const ReportRegistration& outsumItemRegistration();
+// Cost-item detail ledger, "fx-detail".
+const ReportRegistration& fxDetailRegistration();
 
 // The report called `name`. Throws std::invalid_argument that lists the reports there are.
 const ReportRegistration& registeredReport(std::string_view name);
-// The names of all reports, separated by commas: "sfc-item, outsum-item".
+// The names of all reports, separated by commas: "sfc-item, outsum-item, fx-detail".
 std::string reportNames();
 
 }  // namespace quillon::workbench

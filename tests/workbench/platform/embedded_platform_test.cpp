@@ -78,6 +78,58 @@ TEST_F(EmbeddedPlatformTest, TakesTheCostItemStartFromItsOption) {
   EXPECT_EQ(component_.costItemStartMonth("2023", session_), 1);
 }
 
+TEST_F(EmbeddedPlatformTest, TakesTheStateOfMonthsAndOpenings) {
+  session_.execute("Insert Into IA_PeriodState Values (2022, 0, 1), (2022, 11, 1), (2022, 12, 0), (2023, 0, 0)");
+  EXPECT_TRUE(component_.periodSettled({.year = 2022, .month = 11}, session_));
+  EXPECT_FALSE(component_.periodSettled({.year = 2022, .month = 12}, session_));
+  EXPECT_FALSE(component_.periodSettled({.year = 2022, .month = 10}, session_)) << "there is no such month";
+  EXPECT_TRUE(component_.costItemOpeningsFinished(2022, session_));
+  EXPECT_FALSE(component_.costItemOpeningsFinished(2023, session_));
+  EXPECT_FALSE(component_.costItemOpeningsFinished(2024, session_)) << "there is no such year";
+}
+
+TEST_F(EmbeddedPlatformTest, TakesTheStartOfTheModuleFromItsOption) {
+  option("IA", "1", "dIAStartDate", "2022-11-01");
+  const AccountingPeriod start = component_.moduleStart("IA", session_);
+  EXPECT_EQ(start.year, 2022);
+  EXPECT_EQ(start.month, 11);
+  option("CA", "1", "dCAStartDate", "soon");
+  for (const char* system : {"CA", "GL"}) {
+    EXPECT_THROW(component_.moduleStart(system, session_), AutomationError) << system;
+  }
+}
+
+TEST_F(EmbeddedPlatformTest, TurnsPeriodsIntoDates) {
+  const PeriodDates dates = component_.datesOfPeriod("007", {.year = 2023, .month = 11}, session_);
+  EXPECT_EQ(dates.begin, "2023-11-01");
+  EXPECT_EQ(dates.end, "2023-11-30");
+  try {
+    component_.datesOfPeriod("007", {.year = 2023, .month = 1}, session_);
+    ADD_FAILURE() << "nothing was refused";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.description(), "The account 007 has no period 1 in 2023.");
+  }
+}
+
+TEST_F(EmbeddedPlatformTest, TurnsDatesIntoPeriods) {
+  // A year that does not follow the calendar.
+  session_.execute("Insert Into orvsystem..UA_Period Values (N'007', 2024, 1, '2024-01-15', '2024-02-14')");
+  const auto period = [this](const char* date) {
+    const AccountingPeriod found = component_.periodOfDate(date, session_);
+    return std::to_string(found.year) + "." + std::to_string(found.month);
+  };
+  EXPECT_EQ(period("2023-11-01"), "2023.11");
+  EXPECT_EQ(period("2023-11-30"), "2023.11");
+  EXPECT_EQ(period("2024-01-15"), "2024.1");
+  EXPECT_EQ(period("2024-02-14"), "2024.1");
+  EXPECT_EQ(period("2019-06-30"), "2019.6") << "before the account's years";
+  EXPECT_EQ(period("2025-08-01"), "2025.8") << "after them";
+}
+
+TEST_F(EmbeddedPlatformTest, NamesItsWorkstationForTableNames) {
+  EXPECT_EQ(component_.workstationName(), "Workbench");
+}
+
 TEST_F(EmbeddedPlatformTest, LogsInToTheCurrentYear) {
   const LoginDetails details = login();
   EXPECT_EQ(details.accountConnection, "Data Source=x");
@@ -130,6 +182,20 @@ TEST_F(EmbeddedPlatformTest, PassesMessagesOn) {
   EXPECT_NO_THROW(silent.createResourceService()->showMessage("nobody listens", 48));
 }
 
+TEST_F(EmbeddedPlatformTest, PutsArgumentsIntoTheirPlaces) {
+  const auto chinese = EmbeddedPlatform({}).createResourceService();
+  EXPECT_EQ(chinese->formattedText("Mirel.IA.Mirel71.00228", {"自由项1"}), "自由项1不能为空");
+  const auto english = EmbeddedPlatform({.language = Language::english}).createResourceService();
+  EXPECT_EQ(english->formattedText("Mirel.IA.Mirel71.00228", {"Free item 1"}), "Free item 1 must be given");
+  EXPECT_EQ(english->formattedText("Mirel.IA.Mirel71.00217", {"unused"}), english->text("Mirel.IA.Mirel71.00217"));
+}
+
+TEST(WorkTables, AreNumberedAnew) {
+  EmbeddedPlatform platform({});
+  const std::int32_t first = platform.workTableNumber();
+  EXPECT_NE(platform.workTableNumber(), first);
+}
+
 TEST(UniqueNames, AreNeverTheSame) {
   std::set<std::string> seen;
   constexpr int count = 1000;
@@ -167,6 +233,19 @@ TEST(WorkbenchArgument, HandsOutWhatItWasGiven) {
   source->setType(2);
   EXPECT_EQ(source->resultTable(), "Result1");
   EXPECT_EQ(argument.dataSourceState().type, 2) << "what the report writes stays with the argument";
+  source->setResultTable("Result2");
+  EXPECT_EQ(argument.dataSourceState().resultTable, "Result2");
+  EXPECT_THROW(argument.row(), AutomationError) << "nobody acted on a row";
+}
+
+TEST(WorkbenchArgument, HandsOutTheRowOfADrillThrough) {
+  const auto login = std::make_shared<WorkbenchLogin>(LoginDetails{});
+  WorkbenchArgument argument(login, {{"id", "17"}, {"cVouType", "材料出库单"}}, "Vouch");
+  EXPECT_EQ(argument.action(), "Vouch");
+  EXPECT_EQ(argument.row()->value("ID"), "17") << "columns are found in any letter case";
+  EXPECT_EQ(argument.row()->value("cVouType"), "材料出库单");
+  EXPECT_EQ(argument.row()->value("cPZID"), "") << "a column that the report does not have is empty";
+  EXPECT_EQ(login->moduleCode(), "IA");
 }
 
 }  // namespace

@@ -74,6 +74,36 @@ TEST(OutsumItemRegistration, HasEveryKeyOnce) {
   EXPECT_EQ(outsumItemRegistration().items.size(), expected.size());
 }
 
+TEST(FxDetailRegistration, HasEveryKeyOnce) {
+  const std::set<std::string> expected = {"iYear",    "cCaType",  "dKeepDate", "cInvCCode", "cInvCode", "cWhCode",
+                                          "cDepCode", "cBatchIA", "cFree1",    "cFree2",    "cFree3",   "cFree4",
+                                          "cFree5",   "cFree6",   "cFree7",    "cFree8",    "cFree9",   "cFree10"};
+  EXPECT_EQ(keysOf(fxDetailRegistration()), expected);
+  EXPECT_EQ(fxDetailRegistration().items.size(), expected.size());
+}
+
+// One inventory in one place; a ledger of several batches or free items keeps them apart.
+TEST(FxDetailRegistration, TakesValuesAsTheReportReadsThem) {
+  FilterObject filter(fxDetailRegistration());
+  const std::set<std::string> single = {"iYear", "cCaType", "cInvCCode", "cInvCode", "cWhCode", "cDepCode"};
+  for (const auto& entry : filter.entries()) {
+    const std::string& key = entry->item.key;
+    EXPECT_EQ(entry->item.range, key == "dKeepDate") << key;
+    EXPECT_EQ(entry->item.multiple, key != "dKeepDate" && !single.contains(key)) << key;
+    EXPECT_EQ(entry->item.required, key == "iYear" || key == "cCaType" || key == "cInvCode") << key;
+  }
+}
+
+// The view goes by the value "成本项目" of cCaType.
+TEST(FxDetailRegistration, OffersTheBreakdownsOfItsDialog) {
+  FilterObject filter(fxDetailRegistration());
+  const auto& choices = filter.find("cCaType")->item.choices;
+  ASSERT_EQ(choices.size(), 2U);
+  EXPECT_EQ(choices[0].code, "项目分类");
+  EXPECT_EQ(choices[1].code, "成本项目");
+  EXPECT_EQ(filter.item("cCaType")->value(), "项目分类");
+}
+
 // The lists of voucher and business types are filled for the year, which so must have its value by then.
 TEST(OutsumItemRegistration, HasTheYearBeforeWhatDependsOnIt) {
   const auto& items = outsumItemRegistration().items;
@@ -102,7 +132,7 @@ TEST(OutsumItemRegistration, TakesValuesAsTheReportReadsThem) {
 }
 
 TEST(Registrations, HaveCaptionsInBothLanguages) {
-  for (const char* report : {"sfc-item", "outsum-item"}) {
+  for (const char* report : {"sfc-item", "outsum-item", "fx-detail"}) {
     for (const ItemRegistration& item : registeredReport(report).items) {
       EXPECT_FALSE(item.caption(Language::chinese).empty()) << item.key;
       EXPECT_FALSE(item.caption(Language::english).empty()) << item.key;
@@ -118,11 +148,12 @@ TEST(Registrations, HaveCaptionsInBothLanguages) {
 TEST(Registrations, AreFoundByName) {
   EXPECT_EQ(&registeredReport("sfc-item"), &sfcItemRegistration());
   EXPECT_EQ(&registeredReport("outsum-item"), &outsumItemRegistration());
+  EXPECT_EQ(&registeredReport("fx-detail"), &fxDetailRegistration());
   try {
     registeredReport("outsum");
     ADD_FAILURE() << "nothing was refused";
   } catch (const std::invalid_argument& error) {
-    EXPECT_STREQ(error.what(), "there is no report \"outsum\"; the reports are: sfc-item, outsum-item");
+    EXPECT_STREQ(error.what(), "there is no report \"outsum\"; the reports are: sfc-item, outsum-item, fx-detail");
   }
 }
 
@@ -134,11 +165,13 @@ TEST(Registrations, HaveTheirIdentifiersAndClasses) {
   EXPECT_EQ(outsumItemRegistration().identifier, "E55F9D31-F4C3-44D2-BDEB-9F83A208CAEE");
   EXPECT_EQ(outsumItemRegistration().reportClass, "clsOutsum_Item");
   EXPECT_EQ(outsumItemRegistration().filterControl, "clsSFCFilterControl");
+  EXPECT_EQ(fxDetailRegistration().reportClass, "clsFXDetail");
+  EXPECT_EQ(fxDetailRegistration().filterControl, "clsFilterControl");
 }
 
 // The filter object must be able to translate an item that a report leaves to it.
 TEST(Registrations, NameTheColumnOfTheBatch) {
-  for (const char* report : {"sfc-item", "outsum-item"}) {
+  for (const char* report : {"sfc-item", "outsum-item", "fx-detail"}) {
     FilterObject filter(registeredReport(report));
     filter.find("cBatchIA")->value = "B1";
     EXPECT_EQ(conditionOf(*filter.find("cBatchIA")), "base.cBatchia = N'B1'");
@@ -169,6 +202,28 @@ TEST(ResourceTexts, NameTheStates) {
   EXPECT_EQ(resourceText("Mirel.IA.Mirel71.00271", Language::chinese), "期末结存");
   EXPECT_EQ(resourceText("Mirel.IA.CHHSSQL.00182", Language::english), "Opening balance");
   EXPECT_EQ(resourceText("Mirel.IA.Mirel71.00271", Language::english), "Closing balance");
+}
+
+// The detail ledger puts a month's number and a blank before the second of them.
+TEST(ResourceTexts, NameTheBalancesOfTheDetailLedger) {
+  EXPECT_EQ(resourceText("Mirel.IA.CHHSSQL.05360", Language::chinese), "期初结存");
+  EXPECT_EQ(resourceText("Mirel.IA.CHHSSQL.05360", Language::english), "Opening balance");
+  EXPECT_EQ(resourceText("Mirel.IA.Mirel71.00298", Language::chinese), "月末结存");
+  EXPECT_EQ(resourceText("Mirel.IA.Mirel71.00298", Language::english), "month-end balance");
+}
+
+TEST(ResourceTexts, RefuseInBothLanguages) {
+  for (const char* key : {"Mirel.IA.CHHSSQL.02787", "Mirel.IA.Mirel71.00217", "Mirel.IA.Mirel71.00218"}) {
+    EXPECT_NE(resourceText(key, Language::chinese), key);
+    EXPECT_NE(resourceText(key, Language::english), key);
+    EXPECT_NE(resourceText(key, Language::english), resourceText(key, Language::chinese));
+  }
+  EXPECT_EQ(resourceText("Mirel.IA.CHHSSQL.00010", Language::chinese) +
+                resourceText("Mirel.IA.CHHSSQL.13198", Language::chinese),
+            "批号不能为空");
+  EXPECT_EQ(resourceText("Mirel.IA.CHHSSQL.00010", Language::english) +
+                resourceText("Mirel.IA.CHHSSQL.13198", Language::english),
+            "Batch must be given");
 }
 
 TEST(ResourceTexts, OfAnUnknownKeyIsTheKey) {
