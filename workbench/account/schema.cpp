@@ -121,20 +121,21 @@ constexpr ColumnDefinition ledgerColumns[] = {
 };
 
 // The parts of ledger lines by cost item: iItemID is the cost item (Ca_FxDef.ifxID), iItemDetailID its detail
-// (Ca_FxMapExpDID.ifxdid). Prices are amounts, costs unit costs, as in the ledger.
+// (Ca_FxMapExpDID.ifxdid). Prices are amounts, costs unit costs, as in the ledger. The detail may be null: the detail
+// ledger's work table takes its column from here and has lines without cost items too.
 constexpr ColumnDefinition itemColumns[] = {
     {"AutoID", "int not null"},        {"iSubID", "int not null"},  // ia_subsidiary.AutoID
-    {"iItemID", "int not null"},       {"iItemDetailID", "int not null"}, {"iYear", "int not null"},
-    {"iMonth", "int not null"},        {"bRdFlag", "bit not null"},       {"iItemInQuantity", "decimal(18,6)"},
-    {"iItemInCost", "decimal(18,6)"},  {"iItemInPrice", "money"},         {"iItemOutQuantity", "decimal(18,6)"},
+    {"iItemID", "int not null"},       {"iItemDetailID", "int"},    {"iYear", "int not null"},
+    {"iMonth", "int not null"},        {"bRdFlag", "bit not null"}, {"iItemInQuantity", "decimal(18,6)"},
+    {"iItemInCost", "decimal(18,6)"},  {"iItemInPrice", "money"},   {"iItemOutQuantity", "decimal(18,6)"},
     {"iItemOutCost", "decimal(18,6)"}, {"iItemOutPrice", "money"},
 };
 
 constexpr ColumnDefinition openingItemColumns[] = {
     {"AutoID", "int not null"},        {"iSubQcID", "int not null"},  // IA_Subsidiary_QC.AutoID
-    {"iItemID", "int not null"},       {"iItemDetailID", "int not null"}, {"iYear", "int not null"},
-    {"iMonth", "int not null"},        {"bRdFlag", "bit not null"},       {"iItemInQuantity", "decimal(18,6)"},
-    {"iItemInCost", "decimal(18,6)"},  {"iItemInPrice", "money"},         {"iItemOutQuantity", "decimal(18,6)"},
+    {"iItemID", "int not null"},       {"iItemDetailID", "int"},     {"iYear", "int not null"},
+    {"iMonth", "int not null"},        {"bRdFlag", "bit not null"},  {"iItemInQuantity", "decimal(18,6)"},
+    {"iItemInCost", "decimal(18,6)"},  {"iItemInPrice", "money"},    {"iItemOutQuantity", "decimal(18,6)"},
     {"iItemOutCost", "decimal(18,6)"}, {"iItemOutPrice", "money"},
 };
 
@@ -193,10 +194,10 @@ constexpr ColumnDefinition inventoryClassColumns[] = {
 };
 
 // bCheckBatch, bCheckFree1 ..: whether the item is kept by batch and by this free item. dEDate: the day it goes out of
-// use.
+// use. The name may be null: the detail ledger's work table takes its column from here, and its balances have no name.
 constexpr ColumnDefinition inventoryColumns[] = {
     {"cInvCode", "nvarchar(60) not null"},
-    {"cInvName", "nvarchar(255) not null"},
+    {"cInvName", "nvarchar(255)"},
     {"cInvAddCode", "nvarchar(255)"},
     {"cInvStd", "nvarchar(255)"},
     {"cInvCCode", "nvarchar(20) not null"},
