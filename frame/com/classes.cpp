@@ -3,10 +3,12 @@
 #include <memory>
 #include <string>
 
+#include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
 #include "frame/com/dual_object.h"
 #include "frame/com/module_state.h"
 #include "frame/com/quillon_interfaces.h"
+#include "reports/fx_detail/fx_detail.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 
@@ -106,11 +108,22 @@ class DetailLedgerClass : public DualObject<_clsFXDetail, clsFXDetail> {
  public:
   DetailLedgerClass() : DualObject("Quillon.clsFXDetail") {}
 
-  STDMETHODIMP GETSQL(IDispatch** /*e*/) override { return notImplemented("GETSQL", subject); }
-  STDMETHODIMP Execute(IDispatch** /*e*/) override { return notImplemented("Execute", subject); }
+  STDMETHODIMP GETSQL(IDispatch** e) override {
+    return run([&] {
+      ComReportArgument argument = argumentOf(e);
+      report_.getSql(argument);
+    });
+  }
+  STDMETHODIMP Execute(IDispatch** e) override {
+    return run([&] {
+      ComReportArgument argument = argumentOf(e);
+      report_.execute(argument);
+    });
+  }
 
  private:
-  static constexpr std::string_view subject = "the cost-item detail ledger";
+  std::shared_ptr<ModuleState> state_ = threadState();
+  FxDetail report_{state_->module()};
 };
 
 class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
@@ -242,24 +255,48 @@ class LedgerFilterClass : public DualObject<_clsFilterControl, clsFilterControl>
  public:
   LedgerFilterClass() : DualObject("Quillon.clsFilterControl") {}
 
-  STDMETHODIMP CallBack_FilterInit(IDispatch** /*filter*/, VARIANT* /*result*/) override {
-    return notImplemented("CallBack_FilterInit", subject);
+  STDMETHODIMP CallBack_FilterInit(IDispatch** filter, VARIANT* result) override {
+    return run([&] {
+      require(result);
+      VariantInit(result);
+      ComFilterDialog dialog = dialogOf(filter);
+      control_.filterInit(dialog);
+    });
   }
-  STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* /*result*/) override {
-    return notImplemented("CallBack_FilterClick", subject);
+  STDMETHODIMP CallBack_FilterClick(IDispatch** filter, VARIANT_BOOL* cancel, VARIANT* result) override {
+    return run([&] {
+      require(cancel);
+      require(result);
+      VariantInit(result);
+      ComFilterDialog dialog = dialogOf(filter);
+      if (control_.filterClick(dialog)) *cancel = VARIANT_TRUE;
+    });
   }
-  STDMETHODIMP CallBack_ValueChange(BSTR* /*key*/, IDispatch** /*filter*/) override {
-    return notImplemented("CallBack_ValueChange", subject);
+  STDMETHODIMP CallBack_ValueChange(BSTR* key, IDispatch** filter) override {
+    return run([&] {
+      ComFilterDialog dialog = dialogOf(filter);
+      control_.valueChange(taken(key), dialog);
+    });
   }
-  STDMETHODIMP CallBack_ReportViewChange(BSTR* /*key*/, IDispatch** /*filter*/, VARIANT* /*viewClass*/) override {
-    return notImplemented("CallBack_ReportViewChange", subject);
+  STDMETHODIMP CallBack_ReportViewChange(BSTR* /*key*/, IDispatch** filter, VARIANT* viewClass) override {
+    return giveView(filter, viewClass);
   }
-  STDMETHODIMP CallBack_ReportViewInit(IDispatch** /*filter*/, VARIANT* /*viewClass*/) override {
-    return notImplemented("CallBack_ReportViewInit", subject);
+  STDMETHODIMP CallBack_ReportViewInit(IDispatch** filter, VARIANT* viewClass) override {
+    return giveView(filter, viewClass);
   }
 
  private:
-  static constexpr std::string_view subject = "the filter dialog of the cost-item detail ledger";
+  // A dialog without the item that decides leaves the caller's variable as it is.
+  HRESULT giveView(IDispatch** filter, VARIANT* viewClass) noexcept {
+    return run([&] {
+      require(viewClass);
+      ComFilterDialog dialog = dialogOf(filter);
+      if (const auto view = FilterControl::reportView(dialog)) assign(*viewClass, *view);
+    });
+  }
+
+  std::shared_ptr<ModuleState> state_ = threadState();
+  FilterControl control_{state_->module()};
 };
 
 // The references that an instance has besides IUnknown do not matter to who makes it.

@@ -22,20 +22,32 @@ void LateBound::fail(HRESULT code, const wchar_t* member) const {
   throw AutomationError(code, source_, source_ + "." + toUtf8(std::wstring_view(member)) + ": " + systemMessage(code));
 }
 
-DISPID LateBound::idOf(const wchar_t* member) const {
+HRESULT LateBound::find(const wchar_t* member, DISPID& id) const {
   if (!object_)
     throw AutomationError(
         objectNotSet, source_,
         source_ + " is not set: its member " + toUtf8(std::wstring_view(member)) + " cannot be used.");
   std::wstring name(member);
   LPOLESTR names[] = {name.data()};
+  return object_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id);
+}
+
+DISPID LateBound::idOf(const wchar_t* member) const {
   DISPID id = DISPID_UNKNOWN;
-  const HRESULT code = object_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id);
+  const HRESULT code = find(member, id);
   if (FAILED(code)) fail(code, member);
   return id;
 }
 
-Variant LateBound::invoke(DISPID id, const wchar_t* member, WORD kind, std::span<const Variant> arguments) const {
+bool LateBound::offers(const wchar_t* member) const {
+  DISPID id = DISPID_UNKNOWN;
+  const HRESULT code = find(member, id);
+  if (FAILED(code) && code != DISP_E_UNKNOWNNAME) fail(code, member);
+  return SUCCEEDED(code);
+}
+
+HRESULT LateBound::tryInvoke(DISPID id, const wchar_t* member, WORD kind, std::span<const Variant> arguments,
+                             Variant& result) const {
   // Automation wants the arguments last to first. The array borrows what the arguments hold.
   std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
   DISPID assigned = DISPID_PROPERTYPUT;
@@ -45,18 +57,27 @@ Variant LateBound::invoke(DISPID id, const wchar_t* member, WORD kind, std::span
     parameters.rgdispidNamedArgs = &assigned;
     parameters.cNamedArgs = 1;
   }
-  Variant result;
   EXCEPINFO info{};
   UINT badArgument = 0;
   const HRESULT code = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
                                        put ? nullptr : result.out(), &info, &badArgument);
   if (code == DISP_E_EXCEPTION) throw takeExcepInfo(info, source_, toUtf8(std::wstring_view(member)));
+  return code;
+}
+
+Variant LateBound::invoke(DISPID id, const wchar_t* member, WORD kind, std::span<const Variant> arguments) const {
+  Variant result;
+  const HRESULT code = tryInvoke(id, member, kind, arguments, result);
   if (FAILED(code)) fail(code, member);
   return result;
 }
 
 void LateBound::call(const wchar_t* member, std::initializer_list<Variant> arguments) const {
-  invoke(idOf(member), member, DISPATCH_METHOD, {arguments.begin(), arguments.size()});
+  call(member, std::span<const Variant>(arguments.begin(), arguments.size()));
+}
+
+void LateBound::call(const wchar_t* member, std::span<const Variant> arguments) const {
+  invoke(idOf(member), member, DISPATCH_METHOD, arguments);
 }
 
 Variant LateBound::get(const wchar_t* member, std::initializer_list<Variant> arguments) const {
@@ -65,6 +86,15 @@ Variant LateBound::get(const wchar_t* member, std::initializer_list<Variant> arg
 
 void LateBound::put(const wchar_t* member, Variant value) const {
   invoke(idOf(member), member, DISPATCH_PROPERTYPUT, {&value, 1});
+}
+
+void LateBound::putObject(const wchar_t* member, const ComPtr<IDispatch>& object) const {
+  const DISPID id = idOf(member);
+  const Variant value(object);
+  Variant none;
+  HRESULT code = tryInvoke(id, member, DISPATCH_PROPERTYPUTREF, {&value, 1}, none);
+  if (code == DISP_E_MEMBERNOTFOUND) code = tryInvoke(id, member, DISPATCH_PROPERTYPUT, {&value, 1}, none);
+  if (FAILED(code)) fail(code, member);
 }
 
 Variant LateBound::getById(DISPID id, const wchar_t* member, std::initializer_list<Variant> arguments) const {

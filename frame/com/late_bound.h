@@ -26,6 +26,7 @@ class LateBound {
   // error 91 when there is no object. Arguments stand in their natural order; a result written into a reference stays
   // in the caller's variable.
   void call(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
+  void call(const wchar_t* member, std::span<const Variant> arguments) const;
   Variant get(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
   std::string text(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
   int integer(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
@@ -34,6 +35,11 @@ class LateBound {
   LateBound object(const wchar_t* member, std::string resultSource,
                    std::initializer_list<Variant> arguments = {}) const;
   void put(const wchar_t* member, Variant value) const;
+  // Assigns an object as Basic's Set does; an object whose member only knows plain assignment gets that.
+  void putObject(const wchar_t* member, const ComPtr<IDispatch>& object) const;
+
+  // Whether the object has the member. Throws like the others for any other failure.
+  bool offers(const wchar_t* member) const;
 
   // By dispatch id; `member` only names it in errors. DISPID_VALUE is the default member.
   Variant getById(DISPID id, const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
@@ -41,7 +47,11 @@ class LateBound {
   LateBound item(Variant index, std::string resultSource) const;
 
  private:
+  HRESULT find(const wchar_t* member, DISPID& id) const;
   DISPID idOf(const wchar_t* member) const;
+  // One call; gives the callee's code, except that an error which the callee describes is thrown.
+  HRESULT tryInvoke(DISPID id, const wchar_t* member, WORD kind, std::span<const Variant> arguments,
+                    Variant& result) const;
   Variant invoke(DISPID id, const wchar_t* member, WORD kind, std::span<const Variant> arguments) const;
   [[noreturn]] void fail(HRESULT code, const wchar_t* member) const;
   template <class Read>

@@ -3,6 +3,8 @@
 // whole story. To bind the library to a platform that uses other names, change this header only.
 #pragma once
 
+#include <array>
+
 #include "frame/com/class_lookup.h"
 
 namespace quillon::com::bindings {
@@ -41,11 +43,16 @@ inline constexpr const wchar_t* login = L"Login";            // the session's lo
 inline constexpr const wchar_t* loginObj = L"LoginObj";      // the same kind of login object, for the detail ledger
 inline constexpr const wchar_t* dataSource = L"DataSource";  // the data-source descriptor
 inline constexpr const wchar_t* action = L"Action";          // what Execute is asked for ("Link", "Vouch")
+inline constexpr const wchar_t* row = L"RelateData";         // the row of the report that Execute is called for
 }  // namespace argument
+
+namespace report_row {
+inline constexpr const wchar_t* value = L"GetData";  // (column): the value of that column of the result table
+}  // namespace report_row
 
 namespace data_source {
 inline constexpr const wchar_t* type = L"Type";  // written: 2, rows lie in a table
-inline constexpr const wchar_t* sql = L"SQL";    // read: the table's name
+inline constexpr const wchar_t* sql = L"SQL";    // the table's name; read, but written by the detail ledger
 }  // namespace data_source
 
 namespace login {
@@ -60,6 +67,7 @@ inline constexpr const wchar_t* currentPeriodYear = L"CurPeriodYear";  // year o
 // The date of the user's work. A date value is used as yyyy-mm-dd text, a text as it stands.
 inline constexpr const wchar_t* businessDate = L"CurDate";
 inline constexpr const wchar_t* authString = L"AuthString";  // written: data rights of a dialog's lookups
+inline constexpr const wchar_t* moduleCode = L"ModuleCode";  // module that the user is in, such as IA; may be lacking
 }  // namespace login
 
 namespace filter {                                           // the filter object OrvGeneralFilter and its items
@@ -102,6 +110,16 @@ inline constexpr const wchar_t* currentPeriodYear = L"CurPeriodYear";       // (
 inline constexpr const wchar_t* costItemStartMonth = L"iFxStartMonth";      // (year text, connection)
 inline constexpr const wchar_t* usedYears = L"GetIAUsedYears";              // (account code, connection): a dictionary
 inline constexpr const wchar_t* dictionaryCount = L"Count";  // of that dictionary; its keys are "1", "2", ...
+// What the detail ledger asks; here the connection stands before what is asked about. Years and months are 16-bit
+// integers where they are received, integers where they are given.
+inline constexpr const wchar_t* costItemOpeningsFinished = L"IsFxFinishQC";  // (connection, year): a flag
+inline constexpr const wchar_t* moduleStart = L"StartMonthYear";      // (system, connection, month out, year out)
+inline constexpr const wchar_t* periodOfDate = L"GetPeriodFromDate";  // (connection, date, year out, month out)
+inline constexpr const wchar_t* periodSettled = L"GetMonthState";     // (connection, year, month): True when settled
+// (connection, account code, year, month, first day out, last day out); the days are dates.
+inline constexpr const wchar_t* datesOfPeriod = L"GetDateFromPeriod";
+// (): part of work-table names that stand without brackets, so only letters, digits and underscores will do.
+inline constexpr const wchar_t* workstationName = L"GetComputerName";
 }  // namespace public_component
 
 // Names of work tables: a number that differs between sessions, by the member with dispatch id 1.
@@ -113,6 +131,85 @@ inline constexpr DISPID namingNumber = 1;
 inline constexpr PlatformClass uniqueNames = {
     L"OrvPlatform.UniqueName", {0x0d204fb7, 0x1d0a, 0x41cf, {0x8e, 0x9c, 0x8c, 0xd8, 0xe1, 0xd9, 0xa6, 0xa6}}};
 inline constexpr const wchar_t* uniqueName = L"UniqueName";  // a fresh text with each read
+
+// Names of the detail ledger's work tables: a number that differs between the tables of a session, by the default member
+// of an object that is made anew for each.
+inline constexpr PlatformClass workTableNumber = {
+    L"OrvPlatform.WorkTableNumber", {0xb15bdbe4, 0x049f, 0x4ce9, {0xa2, 0x4b, 0x59, 0x54, 0xa6, 0xbb, 0x94, 0x66}}};
+
+// The login that the inventory-accounting environment works with.
+inline constexpr PlatformClass accountLogin = {
+    L"OrvPlatform.AccountLogin", {0x7b36c25f, 0x3960, 0x4e30, {0xb4, 0xde, 0xf0, 0xb1, 0xf9, 0x6a, 0x64, 0x04}}};
+
+namespace account_login {
+inline constexpr const wchar_t* initialise = L"Init";  // (connection string, ";PWD=" and the password)
+}  // namespace account_login
+
+// The inventory-accounting environment.
+inline constexpr PlatformClass environment = {
+    L"OrvPlatform.InventoryEnvironment",
+    {0xbb04c263, 0x4d58, 0x4441, {0xb6, 0x46, 0x07, 0x77, 0x47, 0x0d, 0x60, 0x10}}};
+
+namespace inventory_environment {
+inline constexpr const wchar_t* initialise = L"Init";           // (account login)
+inline constexpr const wchar_t* tableNames = L"GetTableNames";  // (result table out, second name out): texts
+// (account-options object, account login, result table): fills the object.
+inline constexpr const wchar_t* fillOptions = L"FillAccountOptions";
+}  // namespace inventory_environment
+
+// The account options; made empty and filled by the environment.
+inline constexpr PlatformClass accountOptions = {
+    L"OrvPlatform.AccountOptions", {0x8f2aba28, 0x9e60, 0x44d8, {0x86, 0xcd, 0x70, 0x80, 0xf5, 0x1f, 0x7e, 0x3f}}};
+
+namespace account_options {
+inline constexpr const wchar_t* costingBasis = L"CostingBasis";      // the valuation method
+inline constexpr const wchar_t* inventoryTable = L"InventoryTable";  // tables, or views that data rights limit
+inline constexpr const wchar_t* warehouseTable = L"WarehouseTable";
+}  // namespace account_options
+
+// Opens source documents.
+inline constexpr PlatformClass sourceVoucher = {
+    L"PellUniVch.clsUniVch", {0x7432f519, 0xa8ce, 0x4314, {0x9c, 0x02, 0xc1, 0xa5, 0x20, 0x3c, 0x42, 0xb6}}};
+
+namespace source_voucher {                                                // the connection is passed by reference
+inline constexpr const wchar_t* initialise = L"Init";                     // (login, connection, system version)
+inline constexpr const wchar_t* show = L"ShowVoucher";                    // its arguments: the lists below
+inline constexpr const wchar_t* showCostItemAdjustment = L"ShowProJust";  // (connection, row id)
+// (voucher type code, voucher code, row id, connection, whether the account is commercial, valuation method)
+inline constexpr const wchar_t* showDifferences = L"ShowDifVouchs";
+inline constexpr const wchar_t* showPriceAdjustment = L"ShowCostJustVouch";  // (voucher code)
+
+// What ShowVoucher takes, in its order, for each group of voucher types that has a list of its own.
+enum class Argument { typeCode, voucherCode, rowId, connection };
+using Arguments = std::array<Argument, 4>;
+inline constexpr Arguments ofAdjustment = {  // types 20 and 21
+    Argument::typeCode, Argument::voucherCode, Argument::rowId, Argument::connection};
+inline constexpr Arguments ofWriteBack = {  // types 24 and 30
+    Argument::typeCode, Argument::voucherCode, Argument::rowId, Argument::connection};
+inline constexpr Arguments ofOther = {  // all the rest
+    Argument::typeCode, Argument::voucherCode, Argument::rowId, Argument::connection};
+}  // namespace source_voucher
+
+// The general ledger's shared state.
+inline constexpr PlatformClass ledgerModule = {
+    L"ZzPub.clsPub", {0xdb034130, 0x830f, 0x424b, {0xa6, 0xd6, 0xfd, 0x4f, 0x16, 0x09, 0xb5, 0xdd}}};
+
+namespace ledger_module {
+inline constexpr const wchar_t* business = L"g_business";  // written: what ClsBusiness.Init was given, if anything
+inline constexpr const wchar_t* login = L"oLogIn";         // written: the login object
+// (connection string, ";PWD=" and the password, year of the voucher, account code, the login's date)
+inline constexpr const wchar_t* initialise = L"InitPubs2";
+}  // namespace ledger_module
+
+// Opens general-ledger vouchers.
+inline constexpr PlatformClass ledgerVoucher = {
+    L"ZzPz.clsPZ", {0xcdf3ba16, 0xea64, 0x415d, {0x9c, 0xba, 0x6c, 0x03, 0x15, 0xc0, 0x4d, 0x28}}};
+
+namespace ledger_voucher {
+inline constexpr const wchar_t* login = L"zzLogin";   // written: the login object
+inline constexpr const wchar_t* module = L"zzSys";    // written: the shared state
+inline constexpr const wchar_t* open = L"StartUpPz";  // (menu code, module title or empty, voucher id): texts
+}  // namespace ledger_voucher
 
 // What Execute of the summary reports asks for a filter object.
 inline constexpr PlatformClass drillThrough = {
@@ -136,7 +233,7 @@ struct IResourceService : IDispatch {
   virtual HRESULT STDMETHODCALLTYPE Text(BSTR key, BSTR* text) = 0;
   // Shows `text`; `flags` are icon and buttons (48: a warning); the last two are 0.
   virtual HRESULT STDMETHODCALLTYPE ShowMessage(BSTR text, LONG flags, LONG helpContext, LONG defaultAnswer) = 0;
-  // With a key: its text with the list `arguments` put in. With a login object (and no arguments): takes it over, so
+  // With a key: its text with the list `arguments`, an array of variants, put in. With a login object (and no arguments): takes it over, so
   // that texts come in its language; the text is empty then.
   virtual HRESULT STDMETHODCALLTYPE FormatText(VARIANT keyOrLogin, VARIANT arguments, BSTR* text) = 0;
 };

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include "frame/automation_error.h"
 #include "frame/com/errors.h"
@@ -40,6 +41,17 @@ class ConnectionVariable {
  private:
   IDispatch* object_;
 };
+
+const bindings::source_voucher::Arguments& argumentsOf(VoucherGroup group) {
+  switch (group) {
+    case VoucherGroup::adjustment:
+      return bindings::source_voucher::ofAdjustment;
+    case VoucherGroup::writeBack:
+      return bindings::source_voucher::ofWriteBack;
+    default:
+      return bindings::source_voucher::ofOther;
+  }
+}
 
 }  // namespace
 
@@ -209,6 +221,10 @@ std::string ComLogin::businessDate() {
   return login_.text(bindings::login::businessDate);
 }
 
+std::string ComLogin::moduleCode() {
+  return login_.offers(bindings::login::moduleCode) ? login_.text(bindings::login::moduleCode) : std::string();
+}
+
 void ComLogin::setAuthString(std::string_view rights) {
   login_.put(bindings::login::authString, rights);
 }
@@ -219,6 +235,14 @@ void ComDataSource::setType(int type) {
 
 std::string ComDataSource::resultTable() {
   return dataSource_.text(bindings::data_source::sql);
+}
+
+void ComDataSource::setResultTable(std::string_view name) {
+  dataSource_.put(bindings::data_source::sql, name);
+}
+
+std::string ComReportRow::value(std::string_view column) {
+  return row_.text(bindings::report_row::value, {column});
 }
 
 std::shared_ptr<Filter> ComReportArgument::rawFilter() {
@@ -239,6 +263,10 @@ std::unique_ptr<DataSource> ComReportArgument::dataSource() {
 
 std::string ComReportArgument::action() {
   return argument_.text(bindings::argument::action);
+}
+
+std::unique_ptr<ReportRow> ComReportArgument::row() {
+  return std::make_unique<ComReportRow>(argument_.object(bindings::argument::row, "RelateData"));
 }
 
 // --- Public component: the one place that knows its argument orders
@@ -267,6 +295,49 @@ std::vector<std::string> ComPublicComponent::usedYears(std::string_view accountC
   for (int key = 1; key <= count; ++key)
     years.push_back(toText(dictionary.getById(DISPID_VALUE, L"Item", {std::to_string(key)})));
   return years;
+}
+
+bool ComPublicComponent::costItemOpeningsFinished(int year, Session& session) {
+  ConnectionVariable connection(session);
+  return component_.flag(bindings::public_component::costItemOpeningsFinished, {connection.reference(), year});
+}
+
+AccountingPeriod ComPublicComponent::moduleStart(std::string_view system, Session& session) {
+  ConnectionVariable connection(session);
+  SHORT month = 0;
+  SHORT year = 0;
+  component_.call(bindings::public_component::moduleStart,
+                  {system, connection.reference(), Variant::reference(month), Variant::reference(year)});
+  return {.year = year, .month = month};
+}
+
+PeriodDates ComPublicComponent::datesOfPeriod(std::string_view accountCode, AccountingPeriod period, Session& session) {
+  ConnectionVariable connection(session);
+  DATE begin = 0;
+  DATE end = 0;
+  component_.call(bindings::public_component::datesOfPeriod,
+                  {connection.reference(), accountCode, period.year, period.month, Variant::dateReference(begin),
+                   Variant::dateReference(end)});
+  return {.begin = toText(Variant::fromDate(begin)), .end = toText(Variant::fromDate(end))};
+}
+
+AccountingPeriod ComPublicComponent::periodOfDate(std::string_view date, Session& session) {
+  ConnectionVariable connection(session);
+  SHORT year = 0;
+  SHORT month = 0;
+  component_.call(bindings::public_component::periodOfDate, {connection.reference(), Variant::fromIsoDate(date),
+                                                             Variant::reference(year), Variant::reference(month)});
+  return {.year = year, .month = month};
+}
+
+bool ComPublicComponent::periodSettled(AccountingPeriod period, Session& session) {
+  ConnectionVariable connection(session);
+  return component_.flag(bindings::public_component::periodSettled,
+                         {connection.reference(), period.year, period.month});
+}
+
+std::string ComPublicComponent::workstationName() {
+  return component_.text(bindings::public_component::workstationName);
 }
 
 // --- Resource and message service
@@ -309,6 +380,14 @@ std::string ComResourceService::text(std::string_view key) {
   return text.utf8();
 }
 
+std::string ComResourceService::formattedText(std::string_view key, const std::vector<std::string>& arguments) {
+  const Variant keyText(key);
+  const Variant list = Variant::textArray(arguments);
+  Bstr text;
+  call("FormatText", [&] { return service_->FormatText(keyText, list, text.out()); });
+  return text.utf8();
+}
+
 void ComResourceService::showMessage(std::string_view text, int flags) {
   const Bstr message(text);
   call("ShowMessage", [&] { return service_->ShowMessage(message.get(), flags, 0, 0); });
@@ -322,6 +401,14 @@ std::string KeysAsTexts::enumName(std::string_view /*type*/, std::string_view co
 
 std::string KeysAsTexts::text(std::string_view key) {
   return std::string(key);
+}
+
+std::string KeysAsTexts::formattedText(std::string_view key, const std::vector<std::string>& arguments) {
+  std::string text(key);
+  const char* separator = " (";
+  for (const std::string& argument : arguments)
+    text += std::exchange(separator, ", ") + argument;
+  return arguments.empty() ? text : text + ")";
 }
 
 void KeysAsTexts::showMessage(std::string_view text, int /*flags*/) {
@@ -349,11 +436,126 @@ std::string builtInNamingNumber() {
   return std::to_string(newGuid().Data1);
 }
 
+std::int32_t builtInWorkTableNumber() {
+  return static_cast<std::int32_t>(newGuid().Data1 >> 1U);
+}
+
 // --- Drill-through
 
 std::shared_ptr<Filter> ComDrillThroughHelper::filterFor(Login& login, bool drillThrough) {
   return std::make_shared<ComFilter>(helper_.object(bindings::filterForLogin, "drill-through filter",
                                                     {adapterOf<ComLogin>(login).object(), drillThrough}));
+}
+
+// --- The inventory-accounting environment
+
+void ComAccountLogin::initialise(std::string_view connection, std::string_view passwordText) {
+  login_.call(bindings::account_login::initialise, {connection, passwordText});
+}
+
+std::string ComAccountOptions::costingBasis() {
+  return options_.text(bindings::account_options::costingBasis);
+}
+
+std::string ComAccountOptions::inventoryTable() {
+  return options_.text(bindings::account_options::inventoryTable);
+}
+
+std::string ComAccountOptions::warehouseTable() {
+  return options_.text(bindings::account_options::warehouseTable);
+}
+
+void ComInventoryEnvironment::setLogin(AccountLogin& login) {
+  environment_.call(bindings::inventory_environment::initialise, {adapterOf<ComAccountLogin>(login).object()});
+}
+
+std::string ComInventoryEnvironment::resultTable() {
+  Bstr table;
+  Bstr second;
+  environment_.call(bindings::inventory_environment::tableNames,
+                    {Variant::reference(*table.inOut()), Variant::reference(*second.inOut())});
+  return table.utf8();
+}
+
+std::unique_ptr<AccountOptions> ComInventoryEnvironment::accountOptions(AccountLogin& login,
+                                                                        std::string_view resultTable) {
+  LateBound options = createObject(bindings::accountOptions);
+  environment_.call(bindings::inventory_environment::fillOptions,
+                    {options.object(), adapterOf<ComAccountLogin>(login).object(), resultTable});
+  return std::make_unique<ComAccountOptions>(std::move(options));
+}
+
+// --- Voucher components: the one place that knows their argument orders
+
+void ComSourceVoucherComponent::initialise(Login& login, Session& session, std::string_view systemVersion) {
+  ConnectionVariable connection(session);
+  component_.call(bindings::source_voucher::initialise,
+                  {adapterOf<ComLogin>(login).object(), connection.reference(), systemVersion});
+}
+
+void ComSourceVoucherComponent::showVoucher(VoucherGroup group, const SourceVoucher& voucher, Session& session) {
+  using bindings::source_voucher::Argument;
+  ConnectionVariable connection(session);
+  std::vector<Variant> arguments;
+  for (const Argument argument : argumentsOf(group)) {
+    switch (argument) {
+      case Argument::typeCode:
+        arguments.emplace_back(voucher.type);
+        break;
+      case Argument::voucherCode:
+        arguments.emplace_back(voucher.code);
+        break;
+      case Argument::rowId:
+        arguments.emplace_back(voucher.lineId);
+        break;
+      case Argument::connection:
+        arguments.push_back(connection.reference());
+        break;
+    }
+  }
+  component_.call(bindings::source_voucher::show, arguments);
+}
+
+void ComSourceVoucherComponent::showCostItemAdjustment(const SourceVoucher& voucher, Session& session) {
+  ConnectionVariable connection(session);
+  component_.call(bindings::source_voucher::showCostItemAdjustment, {connection.reference(), voucher.lineId});
+}
+
+void ComSourceVoucherComponent::showDifferences(const SourceVoucher& voucher, bool commercial,
+                                                std::string_view valuationMethod, Session& session) {
+  ConnectionVariable connection(session);
+  component_.call(bindings::source_voucher::showDifferences,
+                  {voucher.type, voucher.code, voucher.lineId, connection.reference(), commercial, valuationMethod});
+}
+
+void ComSourceVoucherComponent::showPriceAdjustment(const SourceVoucher& voucher) {
+  component_.call(bindings::source_voucher::showPriceAdjustment, {voucher.code});
+}
+
+void ComLedgerModule::setBusiness(BusinessObject& business) {
+  module_.putObject(bindings::ledger_module::business, adapterOf<ComBusinessObject>(business).object());
+}
+
+void ComLedgerModule::setLogin(Login& login) {
+  module_.putObject(bindings::ledger_module::login, adapterOf<ComLogin>(login).object());
+}
+
+void ComLedgerModule::initialise(std::string_view connection, std::string_view passwordText, int year, Login& login) {
+  const std::string accountCode = login.accountCode();
+  module_.call(bindings::ledger_module::initialise,
+               {connection, passwordText, year, accountCode, login.businessDate()});
+}
+
+void ComLedgerVoucherComponent::setLogin(Login& login) {
+  component_.putObject(bindings::ledger_voucher::login, adapterOf<ComLogin>(login).object());
+}
+
+void ComLedgerVoucherComponent::setModule(LedgerModule& module) {
+  component_.putObject(bindings::ledger_voucher::module, adapterOf<ComLedgerModule>(module).object());
+}
+
+void ComLedgerVoucherComponent::open(const LedgerVoucher& voucher) {
+  component_.call(bindings::ledger_voucher::open, {voucher.menuCode, voucher.moduleTitle, voucher.id});
 }
 
 // --- The platform
@@ -386,6 +588,32 @@ std::string ComPlatform::namingNumber() {
   if (const LateBound naming = tryCreateObject(bindings::naming))
     return toText(naming.getById(bindings::namingNumber, L"the naming number"));
   return builtInNamingNumber();
+}
+
+std::int32_t ComPlatform::workTableNumber() {
+  if (const LateBound number = tryCreateObject(bindings::workTableNumber))
+    return toInteger(number.getById(DISPID_VALUE, L"the work table's number"));
+  return builtInWorkTableNumber();
+}
+
+std::unique_ptr<AccountLogin> ComPlatform::createAccountLogin() {
+  return std::make_unique<ComAccountLogin>(createObject(bindings::accountLogin));
+}
+
+std::unique_ptr<InventoryEnvironment> ComPlatform::createInventoryEnvironment() {
+  return std::make_unique<ComInventoryEnvironment>(createObject(bindings::environment));
+}
+
+std::unique_ptr<SourceVoucherComponent> ComPlatform::createSourceVoucherComponent() {
+  return std::make_unique<ComSourceVoucherComponent>(createObject(bindings::sourceVoucher));
+}
+
+std::unique_ptr<LedgerModule> ComPlatform::createLedgerModule() {
+  return std::make_unique<ComLedgerModule>(createObject(bindings::ledgerModule));
+}
+
+std::unique_ptr<LedgerVoucherComponent> ComPlatform::createLedgerVoucherComponent() {
+  return std::make_unique<ComLedgerVoucherComponent>(createObject(bindings::ledgerVoucher));
 }
 
 }  // namespace quillon::com

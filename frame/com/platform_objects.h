@@ -2,6 +2,7 @@
 // (platform_bindings.h). The resource and message service alone is called early-bound.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -60,6 +61,7 @@ class ComLogin : public Login {
   int currentPeriodYear() override;
   // A date value as yyyy-mm-dd, a text as it stands.
   std::string businessDate() override;
+  std::string moduleCode() override;
   void setAuthString(std::string_view rights) override;
 
   // The login itself, for the platform's components that take it.
@@ -115,9 +117,20 @@ class ComDataSource : public DataSource {
 
   void setType(int type) override;
   std::string resultTable() override;
+  void setResultTable(std::string_view name) override;
 
  private:
   LateBound dataSource_;
+};
+
+class ComReportRow : public ReportRow {
+ public:
+  explicit ComReportRow(LateBound row) : row_(std::move(row)) {}
+
+  std::string value(std::string_view column) override;
+
+ private:
+  LateBound row_;
 };
 
 class ComReportArgument : public ReportArgument {
@@ -130,6 +143,7 @@ class ComReportArgument : public ReportArgument {
   std::shared_ptr<Login> filterLogin() override;
   std::unique_ptr<DataSource> dataSource() override;
   std::string action() override;
+  std::unique_ptr<ReportRow> row() override;
 
  private:
   LateBound argument_;
@@ -144,6 +158,12 @@ class ComPublicComponent : public PublicComponent {
   int currentPeriodYear(Session& session) override;
   int costItemStartMonth(std::string_view year, Session& session) override;
   std::vector<std::string> usedYears(std::string_view accountCode, Session& session) override;
+  bool costItemOpeningsFinished(int year, Session& session) override;
+  AccountingPeriod moduleStart(std::string_view system, Session& session) override;
+  PeriodDates datesOfPeriod(std::string_view accountCode, AccountingPeriod period, Session& session) override;
+  AccountingPeriod periodOfDate(std::string_view date, Session& session) override;
+  bool periodSettled(AccountingPeriod period, Session& session) override;
+  std::string workstationName() override;
 
  private:
   LateBound component_;
@@ -158,6 +178,7 @@ class ComResourceService : public ResourceService {
   void takeLogin(Login& login) override;
   std::string enumName(std::string_view type, std::string_view code) override;
   std::string text(std::string_view key) override;
+  std::string formattedText(std::string_view key, const std::vector<std::string>& arguments) override;
   void showMessage(std::string_view text, int flags) override;
 
  private:
@@ -176,6 +197,8 @@ class KeysAsTexts : public ResourceService {
   void takeLogin(Login& login) override;
   std::string enumName(std::string_view type, std::string_view code) override;
   std::string text(std::string_view key) override;
+  // The key, and the arguments in brackets behind it.
+  std::string formattedText(std::string_view key, const std::vector<std::string>& arguments) override;
   void showMessage(std::string_view text, int flags) override;
 };
 
@@ -197,6 +220,8 @@ class BuiltInUniqueNames : public UniqueNameSource {
 
 // Stands in when no naming class is registered: a whole number that differs between calls, sessions and machines.
 std::string builtInNamingNumber();
+// The same for a class that numbers work tables; never negative.
+std::int32_t builtInWorkTableNumber();
 
 class ComDrillThroughHelper : public DrillThroughHelper {
  public:
@@ -218,6 +243,88 @@ class ComBusinessObject : public BusinessObject {
   ComPtr<IDispatch> object_;
 };
 
+// --- The inventory-accounting environment. Members take the ports that this file implements.
+
+class ComAccountLogin : public AccountLogin {
+ public:
+  explicit ComAccountLogin(LateBound login) : login_(std::move(login)) {}
+
+  void initialise(std::string_view connection, std::string_view passwordText) override;
+
+  const ComPtr<IDispatch>& object() const { return login_.object(); }
+
+ private:
+  LateBound login_;
+};
+
+class ComAccountOptions : public AccountOptions {
+ public:
+  explicit ComAccountOptions(LateBound options) : options_(std::move(options)) {}
+
+  std::string costingBasis() override;
+  std::string inventoryTable() override;
+  std::string warehouseTable() override;
+
+ private:
+  LateBound options_;
+};
+
+class ComInventoryEnvironment : public InventoryEnvironment {
+ public:
+  explicit ComInventoryEnvironment(LateBound environment) : environment_(std::move(environment)) {}
+
+  void setLogin(AccountLogin& login) override;
+  std::string resultTable() override;
+  // Creates the options object, which the environment then fills.
+  std::unique_ptr<AccountOptions> accountOptions(AccountLogin& login, std::string_view resultTable) override;
+
+ private:
+  LateBound environment_;
+};
+
+// --- The voucher components. Members take the ports that this file implements.
+
+class ComSourceVoucherComponent : public SourceVoucherComponent {
+ public:
+  explicit ComSourceVoucherComponent(LateBound component) : component_(std::move(component)) {}
+
+  void initialise(Login& login, Session& session, std::string_view systemVersion) override;
+  void showVoucher(VoucherGroup group, const SourceVoucher& voucher, Session& session) override;
+  void showCostItemAdjustment(const SourceVoucher& voucher, Session& session) override;
+  void showDifferences(const SourceVoucher& voucher, bool commercial, std::string_view valuationMethod,
+                       Session& session) override;
+  void showPriceAdjustment(const SourceVoucher& voucher) override;
+
+ private:
+  LateBound component_;
+};
+
+class ComLedgerModule : public LedgerModule {
+ public:
+  explicit ComLedgerModule(LateBound module) : module_(std::move(module)) {}
+
+  void setBusiness(BusinessObject& business) override;
+  void setLogin(Login& login) override;
+  void initialise(std::string_view connection, std::string_view passwordText, int year, Login& login) override;
+
+  const ComPtr<IDispatch>& object() const { return module_.object(); }
+
+ private:
+  LateBound module_;
+};
+
+class ComLedgerVoucherComponent : public LedgerVoucherComponent {
+ public:
+  explicit ComLedgerVoucherComponent(LateBound component) : component_(std::move(component)) {}
+
+  void setLogin(Login& login) override;
+  void setModule(LedgerModule& module) override;
+  void open(const LedgerVoucher& voucher) override;
+
+ private:
+  LateBound component_;
+};
+
 // Creates the components by ProgID. A component that must be there and is not registered is an AutomationError that
 // names it; the stand-ins above take the place of those that may be missing.
 class ComPlatform : public Platform {
@@ -228,6 +335,12 @@ class ComPlatform : public Platform {
   std::shared_ptr<UniqueNameSource> createUniqueNameSource() override;
   std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() override;
   std::string namingNumber() override;
+  std::int32_t workTableNumber() override;
+  std::unique_ptr<AccountLogin> createAccountLogin() override;
+  std::unique_ptr<InventoryEnvironment> createInventoryEnvironment() override;
+  std::unique_ptr<SourceVoucherComponent> createSourceVoucherComponent() override;
+  std::unique_ptr<LedgerModule> createLedgerModule() override;
+  std::unique_ptr<LedgerVoucherComponent> createLedgerVoucherComponent() override;
 };
 
 }  // namespace quillon::com

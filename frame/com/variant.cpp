@@ -1,6 +1,7 @@
 #include "frame/com/variant.h"
 
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <new>
 #include <utility>
@@ -124,10 +125,39 @@ Variant Variant::null() noexcept {
   return result;
 }
 
-Variant Variant::fromDate(double days) noexcept {
+Variant Variant::fromDate(DATE days) noexcept {
   Variant result;
   result.vt = VT_DATE;
   result.date = days;
+  return result;
+}
+
+Variant Variant::fromIsoDate(std::string_view text) {
+  constexpr std::size_t length = 10;  // yyyy-mm-dd
+  const auto number = [text](std::size_t at, std::size_t digits, WORD& value) {
+    const char* end = text.data() + at + digits;
+    const auto [stop, error] = std::from_chars(text.data() + at, end, value);
+    return error == std::errc() && stop == end;
+  };
+  SYSTEMTIME time{};
+  DATE days = 0;
+  const bool isDate = text.size() == length && text[4] == '-' && text[7] == '-' && number(0, 4, time.wYear) &&
+                      number(5, 2, time.wMonth) && number(8, 2, time.wDay) && SystemTimeToVariantTime(&time, &days);
+  if (!isDate) throwMismatch(Variant(text), "a date");
+  return fromDate(days);
+}
+
+Variant Variant::textArray(std::span<const std::string> texts) {
+  Variant result;
+  result.parray = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(texts.size()));
+  if (!result.parray) throw std::bad_alloc();
+  result.vt = VT_ARRAY | VT_VARIANT;
+  for (LONG index = 0; const std::string& text : texts) {
+    Variant element(text);
+    // Puts a copy; nothing but memory can be lacking, for the index is inside.
+    if (FAILED(SafeArrayPutElement(result.parray, &index, &element))) throw std::bad_alloc();
+    ++index;
+  }
   return result;
 }
 
@@ -142,6 +172,27 @@ Variant Variant::reference(IDispatch*& variable) noexcept {
   Variant result;
   result.vt = VT_DISPATCH | VT_BYREF;
   result.ppdispVal = &variable;
+  return result;
+}
+
+Variant Variant::reference(SHORT& variable) noexcept {
+  Variant result;
+  result.vt = VT_I2 | VT_BYREF;
+  result.piVal = &variable;
+  return result;
+}
+
+Variant Variant::reference(BSTR& variable) noexcept {
+  Variant result;
+  result.vt = VT_BSTR | VT_BYREF;
+  result.pbstrVal = &variable;
+  return result;
+}
+
+Variant Variant::dateReference(DATE& variable) noexcept {
+  Variant result;
+  result.vt = VT_DATE | VT_BYREF;
+  result.pdate = &variable;
   return result;
 }
 

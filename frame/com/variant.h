@@ -4,6 +4,7 @@
 
 #include <concepts>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -61,10 +62,17 @@ class Variant : public VARIANT {
   static Variant missing() noexcept;
   static Variant null() noexcept;
   // A date, as automation counts it: days since 1899-12-30.
-  static Variant fromDate(double days) noexcept;
+  static Variant fromDate(DATE days) noexcept;
+  // The date that "yyyy-mm-dd" names. Throws AutomationError with DISP_E_TYPEMISMATCH for another text.
+  static Variant fromIsoDate(std::string_view text);
+  // An array of variants, counted from 0, that holds these texts. Throws std::bad_alloc.
+  static Variant textArray(std::span<const std::string> texts);
   // References, as a caller passes its own variable.
   static Variant reference(VARIANT& variable) noexcept;
   static Variant reference(IDispatch*& variable) noexcept;
+  static Variant reference(SHORT& variable) noexcept;
+  static Variant reference(BSTR& variable) noexcept;
+  static Variant dateReference(DATE& variable) noexcept;
 
   // Hands the value to the caller, who clears it; this becomes empty.
   [[nodiscard]] VARIANT release() noexcept;

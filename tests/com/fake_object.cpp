@@ -12,6 +12,22 @@ void Recorder::record(const std::string& call) {
   if (calls.size() == failAt) throw AutomationError(failure, "Fake", "refused: " + call);
 }
 
+namespace {
+
+std::string shownList(SAFEARRAY& list) {
+  LONG last = -1;
+  SafeArrayGetUBound(&list, 1, &last);
+  std::string text = "[";
+  for (LONG index = 0; index <= last; ++index) {
+    Variant element;
+    SafeArrayGetElement(&list, &index, element.out());
+    text += (index > 0 ? ", " : "") + shown(element);
+  }
+  return text + "]";
+}
+
+}  // namespace
+
 std::string shown(const VARIANT& value) {
   if (value.vt & VT_BYREF) return "ref " + shown(dereferenced(value));
   if (isMissing(value)) return "missing";
@@ -27,6 +43,8 @@ std::string shown(const VARIANT& value) {
       const auto* object = dynamic_cast<const FakeObject*>(value.pdispVal);
       return "<" + (object ? object->name() : "object") + ">";
     }
+    case VT_ARRAY | VT_VARIANT:
+      return shownList(*value.parray);
     default:
       return toText(value);
   }

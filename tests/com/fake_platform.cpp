@@ -9,6 +9,22 @@ namespace quillon::com::test {
 
 namespace {
 
+// A member that does nothing and gives nothing.
+Variant nothing(Call& /*call*/) {
+  return {};
+}
+
+// The first day of a month; month 13 is the next year's first.
+DATE firstDay(int year, int month) {
+  SYSTEMTIME time{};
+  time.wYear = static_cast<WORD>(year + (month - 1) / 12);
+  time.wMonth = static_cast<WORD>((month - 1) % 12 + 1);
+  time.wDay = 1;
+  DATE days = 0;
+  SystemTimeToVariantTime(&time, &days);
+  return days;
+}
+
 class FakeResourceService : public ComObject<bindings::IResourceService, ISupportErrorInfo> {
  public:
   explicit FakeResourceService(Recorder& recorder) : recorder_(recorder) {}
@@ -49,7 +65,9 @@ class FakeResourceService : public ComObject<bindings::IResourceService, ISuppor
                   "", nullptr);
   }
   STDMETHODIMP FormatText(VARIANT keyOrLogin, VARIANT arguments, BSTR* text) override {
-    return answer("FormatText(" + shown(keyOrLogin) + ", " + shown(arguments) + ")", "", text);
+    const bool takesLogin = dereferenced(keyOrLogin).vt == VT_DISPATCH;
+    return answer("FormatText(" + shown(keyOrLogin) + ", " + shown(arguments) + ")",
+                  takesLogin ? "" : "text with " + shown(arguments), text);
   }
 
  private:
@@ -101,21 +119,6 @@ ComPtr<FakeObject> filterObject(Recorder& recorder, const std::vector<FakeItem>&
   return filter;
 }
 
-ComPtr<FakeObject> loginObject(Recorder& recorder) {
-  ComPtr<FakeObject> login = makeObject<FakeObject>(recorder, "Login");
-  login->property(bindings::login::accountConnection, "Provider=Fake;Data Source=account")
-      .property(bindings::login::password, "secret")
-      .property(bindings::login::accountCode, "001")
-      .property(bindings::login::accountingYear, 2024)
-      .property(bindings::login::accountingYearText, "2024")
-      .property(bindings::login::languageRegion, "zh-CN")
-      .property(bindings::login::languageId, 2052)
-      .property(bindings::login::currentPeriodYear, 2024)
-      .property(bindings::login::businessDate, Variant::fromDate(45473.0))
-      .property(bindings::login::authString, "");
-  return login;
-}
-
 }  // namespace
 
 FakePlatform::FakePlatform(Recorder& recorder)
@@ -126,7 +129,30 @@ FakePlatform::FakePlatform(Recorder& recorder)
       resourceService_(known(bindings::resourceService, &FakePlatform::makeResourceService)),
       naming_(known(bindings::naming, &FakePlatform::makeNaming)),
       uniqueNames_(known(bindings::uniqueNames, &FakePlatform::makeUniqueNames)),
-      drillThrough_(known(bindings::drillThrough, &FakePlatform::makeDrillThrough)) {}
+      drillThrough_(known(bindings::drillThrough, &FakePlatform::makeDrillThrough)),
+      workTableNumber_(known(bindings::workTableNumber, &FakePlatform::makeWorkTableNumber)),
+      accountLogin_(known(bindings::accountLogin, &FakePlatform::makeAccountLogin)),
+      environment_(known(bindings::environment, &FakePlatform::makeEnvironment)),
+      accountOptions_(known(bindings::accountOptions, &FakePlatform::makeAccountOptions)),
+      sourceVoucher_(known(bindings::sourceVoucher, &FakePlatform::makeSourceVoucher)),
+      ledgerModule_(known(bindings::ledgerModule, &FakePlatform::makeLedgerModule)),
+      ledgerVoucher_(known(bindings::ledgerVoucher, &FakePlatform::makeLedgerVoucher)) {}
+
+ComPtr<FakeObject> FakePlatform::loginObject() {
+  ComPtr<FakeObject> login = makeObject<FakeObject>(recorder_, "Login");
+  login->property(bindings::login::accountConnection, "Provider=Fake;Data Source=account")
+      .property(bindings::login::password, "secret")
+      .property(bindings::login::accountCode, "001")
+      .property(bindings::login::accountingYear, 2024)
+      .property(bindings::login::accountingYearText, "2024")
+      .property(bindings::login::languageRegion, "zh-CN")
+      .property(bindings::login::languageId, 2052)
+      .property(bindings::login::currentPeriodYear, 2024)
+      .property(bindings::login::businessDate, Variant::fromDate(45473.0))
+      .property(bindings::login::authString, "");
+  if (moduleCode) login->property(bindings::login::moduleCode, *moduleCode);
+  return login;
+}
 
 FakePlatform::Class FakePlatform::known(const PlatformClass& entry, ComPtr<IUnknown> (FakePlatform::*make)()) {
   return std::make_unique<InProcessClass>(classIdOf(entry), [this, &entry, make] {
@@ -137,8 +163,7 @@ FakePlatform::Class FakePlatform::known(const PlatformClass& entry, ComPtr<IUnkn
 
 ComPtr<FakeObject> FakePlatform::dialog(const std::string& identifier, const std::vector<FakeItem>& items) {
   ComPtr<FakeObject> dialog = filterObject(recorder_, items);
-  const auto nothing = [](Call& /*call*/) -> Variant { return {}; };
-  dialog->property(bindings::dialog::login, loginObject(recorder_))
+  dialog->property(bindings::dialog::login, loginObject())
       .property(bindings::dialog::identifier, identifier)
       .property(bindings::dialog::connection, makeObject<FakeObject>(recorder_, "DialogConnection"))
       .on(bindings::dialog::setUnavailable, nothing)
@@ -149,7 +174,12 @@ ComPtr<FakeObject> FakePlatform::dialog(const std::string& identifier, const std
 }
 
 ComPtr<FakeObject> FakePlatform::argument(const std::vector<FakeItem>& items) {
-  const ComPtr<FakeObject> login = loginObject(recorder_);
+  const ComPtr<FakeObject> login = loginObject();
+  const ComPtr<FakeObject> related = makeObject<FakeObject>(recorder_, "Row");
+  related->on(bindings::report_row::value, [this](Call& call) -> Variant {
+    const auto found = row.find(call.text(0));
+    return found == row.end() ? Variant::null() : found->second;
+  });
   const ComPtr<FakeObject> dataSource = makeObject<FakeObject>(recorder_, "DataSource");
   dataSource->property(bindings::data_source::type, 0).property(bindings::data_source::sql, "ResultTable");
   ComPtr<FakeObject> e = makeObject<FakeObject>(recorder_, "e");
@@ -157,7 +187,8 @@ ComPtr<FakeObject> FakePlatform::argument(const std::vector<FakeItem>& items) {
       .property(bindings::argument::login, login)
       .property(bindings::argument::loginObj, login)
       .property(bindings::argument::dataSource, dataSource)
-      .property(bindings::argument::action, "Link");
+      .property(bindings::argument::action, "Link")
+      .property(bindings::argument::row, related);
   return e;
 }
 
@@ -229,10 +260,39 @@ ComPtr<IUnknown> FakePlatform::makePublicComponent() {
       .on(
           L"Item", [](Call& call) -> Variant { return call.text(0) == "1" ? Variant(2023) : Variant("2024"); },
           DISPID_VALUE);
-  object->property(bindings::public_component::accountInformation, "by inventory")
+  object
+      ->on(bindings::public_component::accountInformation,
+           [this](Call& call) -> Variant {
+             if (call.text(1) == "cSysVersion") return edition;
+             return call.text(0) == "AA" && call.text(1) != "cValueStyle" ? "2" : "by inventory";
+           })
       .property(bindings::public_component::currentPeriodYear, 2024)
       .on(bindings::public_component::costItemStartMonth, [this](Call& /*call*/) -> Variant { return startMonth; })
-      .property(bindings::public_component::usedYears, years);
+      .property(bindings::public_component::usedYears, years)
+      .property(bindings::public_component::costItemOpeningsFinished, true)
+      .on(bindings::public_component::moduleStart,
+          [](Call& call) -> Variant {
+            call.writeBack(2, Variant(5));
+            call.writeBack(3, Variant(2023));
+            return {};
+          })
+      .on(bindings::public_component::datesOfPeriod,
+          [](Call& call) -> Variant {
+            call.writeBack(4, Variant::fromDate(firstDay(call.integer(2), call.integer(3))));
+            call.writeBack(5, Variant::fromDate(firstDay(call.integer(2), call.integer(3) + 1) - 1));
+            return {};
+          })
+      .on(bindings::public_component::periodOfDate,
+          [](Call& call) -> Variant {
+            SYSTEMTIME time{};
+            VariantTimeToSystemTime(call.value(1).date, &time);
+            call.writeBack(2, Variant(int{time.wYear}));
+            call.writeBack(3, Variant(int{time.wMonth}));
+            return {};
+          })
+      .on(bindings::public_component::periodSettled,
+          [this](Call& call) -> Variant { return call.integer(2) <= lastSettledMonth; })
+      .property(bindings::public_component::workstationName, "DESK_7");
   return ComPtr<IUnknown>(object);
 }
 
@@ -256,6 +316,73 @@ ComPtr<IUnknown> FakePlatform::makeUniqueNames() {
 ComPtr<IUnknown> FakePlatform::makeDrillThrough() {
   ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "DrillThrough");
   object->property(bindings::filterForLogin, makeObject<FakeObject>(recorder_, "DrillThroughFilter"));
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeWorkTableNumber() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "WorkTableNumber");
+  constexpr int first = 500;
+  object->property(L"Number", first + ++workTableCount_, DISPID_VALUE);
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeAccountLogin() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "AccountLogin");
+  object->on(bindings::account_login::initialise, nothing);
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeEnvironment() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "Environment");
+  object->on(bindings::inventory_environment::initialise, nothing)
+      .on(bindings::inventory_environment::tableNames,
+          [](Call& call) -> Variant {
+            call.writeBack(0, Variant("DetailResult"));
+            call.writeBack(1, Variant("OtherTable"));
+            return {};
+          })
+      .on(bindings::inventory_environment::fillOptions, [this](Call& /*call*/) -> Variant {
+        optionsFilled_ = true;
+        return {};
+      });
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeAccountOptions() {
+  optionsFilled_ = false;
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "AccountOptions");
+  const auto filled = [this](const std::string& value) {
+    return [this, value](Call& /*call*/) -> Variant { return optionsFilled_ ? Variant(value) : Variant(); };
+  };
+  object->on(bindings::account_options::costingBasis, filled(costingBasis))
+      .on(bindings::account_options::inventoryTable, filled("InventoryView"))
+      .on(bindings::account_options::warehouseTable, filled("WarehouseView"));
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeSourceVoucher() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "UniVch");
+  object->on(bindings::source_voucher::initialise, nothing)
+      .on(bindings::source_voucher::show, nothing)
+      .on(bindings::source_voucher::showCostItemAdjustment, nothing)
+      .on(bindings::source_voucher::showDifferences, nothing)
+      .on(bindings::source_voucher::showPriceAdjustment, nothing);
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeLedgerModule() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "ZzPub");
+  object->property(bindings::ledger_module::business)
+      .property(bindings::ledger_module::login)
+      .on(bindings::ledger_module::initialise, nothing);
+  return ComPtr<IUnknown>(object);
+}
+
+ComPtr<IUnknown> FakePlatform::makeLedgerVoucher() {
+  ComPtr<FakeObject> object = makeObject<FakeObject>(recorder_, "ZzPz");
+  object->property(bindings::ledger_voucher::login)
+      .property(bindings::ledger_voucher::module)
+      .on(bindings::ledger_voucher::open, nothing);
   return ComPtr<IUnknown>(object);
 }
 

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,13 +38,25 @@ class FakePlatform {
   int openState = 1;
   // What the public component gives as iFxStartMonth.
   int startMonth = 1;
+  // What it gives for the options of system AA: the edition, and the valuation method under its other name.
+  std::string edition = "工业";
+  // The last month of 2024 that it calls settled. The year's months are the calendar's.
+  int lastSettledMonth = 1;
+  // What the account options answer once the environment has filled them.
+  std::string costingBasis = "按存货核算";
+  // The row that Execute is called for; a column that is not here is Null.
+  std::map<std::string, Variant> row;
+  // The module that the login tells; without one the login object lacks the member. Read when the login is made.
+  std::optional<std::string> moduleCode = "IA";
 
   // Takes a component out, as on a machine where it is not registered.
   void withoutResourceService() { resourceService_.reset(); }
   void withoutNaming() {
     naming_.reset();
     uniqueNames_.reset();
+    workTableNumber_.reset();
   }
+  void withoutEnvironment() { environment_.reset(); }
 
  private:
   ComPtr<IUnknown> makeConnection();
@@ -52,12 +66,23 @@ class FakePlatform {
   ComPtr<IUnknown> makeNaming();
   ComPtr<IUnknown> makeUniqueNames();
   ComPtr<IUnknown> makeDrillThrough();
+  ComPtr<IUnknown> makeWorkTableNumber();
+  ComPtr<IUnknown> makeAccountLogin();
+  ComPtr<IUnknown> makeEnvironment();
+  ComPtr<IUnknown> makeAccountOptions();
+  ComPtr<IUnknown> makeSourceVoucher();
+  ComPtr<IUnknown> makeLedgerModule();
+  ComPtr<IUnknown> makeLedgerVoucher();
+
+  ComPtr<FakeObject> loginObject();
 
   using Class = std::unique_ptr<InProcessClass>;
   Class known(const PlatformClass& entry, ComPtr<IUnknown> (FakePlatform::*make)());
 
   Recorder& recorder_;
   int uniqueCount_ = 0;
+  int workTableCount_ = 0;
+  bool optionsFilled_ = false;
   Class connection_;
   Class recordset_;
   Class publicComponent_;
@@ -65,6 +90,13 @@ class FakePlatform {
   Class naming_;
   Class uniqueNames_;
   Class drillThrough_;
+  Class workTableNumber_;
+  Class accountLogin_;
+  Class environment_;
+  Class accountOptions_;
+  Class sourceVoucher_;
+  Class ledgerModule_;
+  Class ledgerVoucher_;
 };
 
 }  // namespace quillon::com::test

@@ -13,15 +13,20 @@ class Callee : public Automation<Callee> {
  public:
   static std::span<const Member> members() {
     static constexpr Member rows[] = {
-        {L"Item", DISPID_VALUE, readable, 1, 1, &Callee::item}, {L"Name", 1, readable | writable, 0, 0, &Callee::name},
-        {L"Nothing", 2, readable, 0, 0, &Callee::nothing},      {L"Self", 3, readable, 0, 0, &Callee::self},
+        {L"Item", DISPID_VALUE, readable, 1, 1, &Callee::item},
+        {L"Name", 1, readable | writable, 0, 0, &Callee::name},
+        {L"Nothing", 2, readable, 0, 0, &Callee::nothing},
+        {L"Self", 3, readable, 0, 0, &Callee::self},
         {L"Count", 4, callable, 1, 1, &Callee::count},
+        {L"Owner", 5, DISPATCH_PROPERTYPUTREF, 0, 0, &Callee::owner},
+        {L"PlainOwner", 6, DISPATCH_PROPERTYPUT, 0, 0, &Callee::owner},
     };
     return rows;
   }
 
   enum class Failure { none, number, deferred, code, empty };
   Failure failure = Failure::none;
+  IDispatch* ownerGiven = nullptr;
 
   STDMETHODIMP Invoke(DISPID id, REFIID reserved, LCID locale, WORD kind, DISPPARAMS* parameters, VARIANT* result,
                       EXCEPINFO* info, UINT* badArgument) override {
@@ -68,6 +73,11 @@ class Callee : public Automation<Callee> {
     return {};
   }
 
+  Variant owner(Call& call) {
+    ownerGiven = toObject(call.assigned()).get();
+    return {};
+  }
+
   std::string name_ = "first";
 };
 
@@ -105,6 +115,25 @@ TEST_F(LateBoundTest, AResultComesBackThroughAReference) {
   Variant count;
   object_.call(L"Count", {Variant::reference(count)});
   EXPECT_EQ(toInteger(count), 3);
+}
+
+TEST_F(LateBoundTest, AnObjectIsAssignedAsSetDoesOrPlainly) {
+  for (const wchar_t* member : {L"Owner", L"PlainOwner"}) {
+    callee_->ownerGiven = nullptr;
+    object_.putObject(member, callee_);
+    EXPECT_EQ(callee_->ownerGiven, callee_.get());
+  }
+  const AutomationError error = errorOf([&] { object_.putObject(L"Count", callee_); });
+  EXPECT_EQ(error.code(), DISP_E_MEMBERNOTFOUND) << "a function takes no assignment";
+  EXPECT_EQ(errorOf([&] { object_.putObject(L"Missing", callee_); }).code(), DISP_E_UNKNOWNNAME);
+}
+
+TEST_F(LateBoundTest, AMemberIsLookedForWithoutBeingCalled) {
+  callee_->failure = Callee::Failure::code;
+  EXPECT_TRUE(object_.offers(L"name"));
+  EXPECT_FALSE(object_.offers(L"Missing"));
+  EXPECT_EQ(static_cast<std::uint32_t>(errorOf([] { static_cast<void>(LateBound().offers(L"Name")); }).code()),
+            0x800A005BU);
 }
 
 TEST_F(LateBoundTest, AMissingMemberIsNamed) {

@@ -64,6 +64,79 @@ TEST_F(PlatformObjectsTest, TheLogin) {
                             "Login.AuthString = \"department=False\""}));
 }
 
+TEST_F(PlatformObjectsTest, TheLoginsModuleIsEmptyWhereItIsNotTold) {
+  EXPECT_EQ(ComReportArgument(fake.argument({})).login()->moduleCode(), "IA");
+  fake.moduleCode = std::nullopt;
+  EXPECT_EQ(ComReportArgument(fake.argument({})).login()->moduleCode(), "");
+}
+
+TEST_F(PlatformObjectsTest, ARowGivesTextsOfItsColumns) {
+  fake.row = {{"ID", 815}, {"cVouType", "Sale"}, {"dKeepDate", Variant::fromDate(45351.0)}};
+  ComReportArgument e(fake.argument({}));
+  const auto row = e.row();
+  EXPECT_EQ(row->value("ID"), "815");
+  EXPECT_EQ(row->value("cVouType"), "Sale");
+  EXPECT_EQ(row->value("dKeepDate"), "2024-02-29");
+  EXPECT_EQ(row->value("cPZID"), "") << "Null";
+  EXPECT_EQ(calls(), (Calls{"e.RelateData", "Row.GetData(\"ID\")", "Row.GetData(\"cVouType\")",
+                            "Row.GetData(\"dKeepDate\")", "Row.GetData(\"cPZID\")"}));
+}
+
+TEST_F(PlatformObjectsTest, TheDataSourceTakesATablesName) {
+  ComReportArgument e(fake.argument({}));
+  const auto dataSource = e.dataSource();
+  dataSource->setResultTable("DetailResult");
+  EXPECT_EQ(dataSource->resultTable(), "DetailResult");
+  EXPECT_EQ(calls(), (Calls{"e.DataSource", "DataSource.SQL = \"DetailResult\"", "DataSource.SQL"}));
+}
+
+TEST_F(PlatformObjectsTest, ThePublicComponentAnswersAboutPeriods) {
+  fake.lastSettledMonth = 3;
+  const auto session = platform.createSession();
+  const auto component = platform.createPublicComponent();
+  EXPECT_TRUE(component->costItemOpeningsFinished(2024, *session));
+  const AccountingPeriod start = component->moduleStart("IA", *session);
+  EXPECT_EQ(start.year, 2023);
+  EXPECT_EQ(start.month, 5);
+  const PeriodDates february = component->datesOfPeriod("001", {.year = 2024, .month = 2}, *session);
+  EXPECT_EQ(february.begin, "2024-02-01");
+  EXPECT_EQ(february.end, "2024-02-29");
+  const AccountingPeriod period = component->periodOfDate("2023-12-31", *session);
+  EXPECT_EQ(period.year, 2023);
+  EXPECT_EQ(period.month, 12);
+  EXPECT_TRUE(component->periodSettled({.year = 2024, .month = 3}, *session));
+  EXPECT_FALSE(component->periodSettled({.year = 2024, .month = 4}, *session));
+  EXPECT_EQ(component->workstationName(), "DESK_7");
+}
+
+TEST_F(PlatformObjectsTest, TheEnvironmentFillsTheAccountOptions) {
+  fake.costingBasis = "按部门核算";
+  const auto login = platform.createAccountLogin();
+  login->initialise("Data Source=account", ";PWD=secret");
+  const auto environment = platform.createInventoryEnvironment();
+  environment->setLogin(*login);
+  const std::string table = environment->resultTable();
+  EXPECT_EQ(table, "DetailResult");
+  const auto options = environment->accountOptions(*login, table);
+  EXPECT_EQ(options->costingBasis(), "按部门核算");
+  EXPECT_EQ(options->inventoryTable(), "InventoryView");
+  EXPECT_EQ(options->warehouseTable(), "WarehouseView");
+}
+
+TEST_F(PlatformObjectsTest, WorkTablesAreNumberedAnew) {
+  EXPECT_EQ(platform.workTableNumber(), 501);
+  EXPECT_EQ(platform.workTableNumber(), 502);
+  fake.withoutNaming();
+  constexpr std::size_t many = 1000;
+  std::set<std::int32_t> seen;
+  for (std::size_t i = 0; i < many; ++i) {
+    const std::int32_t number = platform.workTableNumber();
+    EXPECT_GE(number, 0);
+    seen.insert(number);
+  }
+  EXPECT_GT(seen.size(), many - 2) << "numbers are drawn: two of so many may be equal, once in some thousand runs";
+}
+
 TEST_F(PlatformObjectsTest, TheFilterAndItsItems) {
   ComReportArgument e(fake.argument({{"iYear", "2024", ""}, {"cInvCode", "01\t02", "09"}}));
   const auto filter = e.rawFilter();
@@ -174,6 +247,12 @@ TEST_F(PlatformObjectsTest, TheResourceServiceIsCalledThroughItsSlots) {
                    "ResourceService.ShowMessage(Careful, 48, 0, 0)", "ResourceService.FormatText(<Login>, missing)"}));
 }
 
+TEST_F(PlatformObjectsTest, ATextsArgumentsAreAnArray) {
+  const auto service = platform.createResourceService();
+  EXPECT_EQ(service->formattedText("Mirel.IA.Mirel71.00228", {"颜色", "b"}), "text with [\"颜色\", \"b\"]");
+  EXPECT_EQ(calls().back(), "ResourceService.FormatText(\"Mirel.IA.Mirel71.00228\", [\"颜色\", \"b\"])");
+}
+
 TEST_F(PlatformObjectsTest, AnErrorOfTheResourceServiceKeepsItsWords) {
   const auto service = platform.createResourceService();
   calls();
@@ -193,6 +272,8 @@ TEST_F(PlatformObjectsTest, WithoutAResourceServiceAKeyIsItsOwnText) {
   const auto service = platform.createResourceService();
   EXPECT_EQ(service->text("Mirel.IA.CHHSSQL.00182"), "Mirel.IA.CHHSSQL.00182");
   EXPECT_EQ(service->enumName("IA.Bustype", "PO"), "PO");
+  EXPECT_EQ(service->formattedText("Mirel.IA.Mirel71.00228", {"colour", "b"}), "Mirel.IA.Mirel71.00228 (colour, b)");
+  EXPECT_EQ(service->formattedText("Mirel.IA.Mirel71.00228", {}), "Mirel.IA.Mirel71.00228");
   try {
     service->showMessage("Choose a warehouse.", 48);
     FAIL() << "a message that nobody sees must not pass for shown";

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "frame/automation_error.h"
 #include "frame/com/dispatch_object.h"
 
@@ -41,6 +44,54 @@ TEST(VariantReading, ADateIsIsoText) {
   EXPECT_EQ(toText(Variant::fromDate(45356.0)), "2024-03-05");
   EXPECT_EQ(toText(Variant::fromDate(45356.75)), "2024-03-05 18:00:00");
   EXPECT_EQ(toText(Variant::fromDate(2.0)), "1900-01-01");
+}
+
+TEST(VariantMaking, ADateFromIsoText) {
+  const Variant leapDay = Variant::fromIsoDate("2024-02-29");
+  EXPECT_EQ(leapDay.vt, VT_DATE);
+  EXPECT_EQ(leapDay.date, 45351.0);
+  EXPECT_EQ(toText(Variant::fromIsoDate("1899-12-31")), "1899-12-31");
+  for (const char* text : {"", "2024-2-9", "2024/02/09", "2024-02-0x", "x024-02-09", "2024-02-091", "2024-13-01"}) {
+    try {
+      Variant::fromIsoDate(text);
+      ADD_FAILURE() << text << " was taken";
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.code(), hresult::typeMismatch) << text;
+    }
+  }
+}
+
+TEST(VariantMaking, AnArrayOfTexts) {
+  for (const std::vector<std::string>& texts : {std::vector<std::string>{}, {"颜色"}, {"a", ""}}) {
+    const Variant list = Variant::textArray(texts);
+    ASSERT_EQ(list.vt, VT_ARRAY | VT_VARIANT);
+    LONG last = 0;
+    ASSERT_EQ(SafeArrayGetUBound(list.parray, 1, &last), S_OK);
+    std::vector<std::string> read;
+    for (LONG index = 0; index <= last; ++index) {
+      Variant element;
+      ASSERT_EQ(SafeArrayGetElement(list.parray, &index, element.out()), S_OK);
+      EXPECT_EQ(element.vt, VT_BSTR);
+      read.push_back(toText(element));
+    }
+    EXPECT_EQ(read, texts);
+  }
+}
+
+TEST(VariantMaking, ATypedReferenceTakesAResult) {
+  SHORT number = 1;
+  DATE day = 0;
+  Variant text("before");
+  Variant toNumber = Variant::reference(number);
+  Variant toDay = Variant::dateReference(day);
+  Variant toText = Variant::reference(text.bstrVal);
+  EXPECT_EQ(writeBack(toNumber, Variant("12")), S_OK);
+  EXPECT_EQ(writeBack(toDay, Variant::fromDate(45351.0)), S_OK);
+  EXPECT_EQ(writeBack(toText, Variant("after")), S_OK);
+  EXPECT_EQ(number, 12);
+  EXPECT_EQ(day, 45351.0);
+  EXPECT_EQ(com::toText(text), "after");
+  EXPECT_EQ(writeBack(toNumber, Variant("2024-02-29")), DISP_E_TYPEMISMATCH);
 }
 
 TEST(VariantReading, ADateIsTheSameUnderAnotherLocale) {

@@ -124,13 +124,9 @@ Sub ProvokeErrors()
   SayError "ADO's error"
   Say "ADO's native error", connection.Errors(0).NativeError
 
-  CreateObject("Quillon.clsFXDetail").GETSQL e
-  Say "the detail ledger says why", YesNo(Len(Err.Description) > 0)
-  SayError "the detail ledger"
   CreateObject("Quillon.clsFXWt").GETSQL e
+  Say "the voucher report says why", YesNo(Len(Err.Description) > 0)
   SayError "the voucher report"
-  CreateObject("Quillon.clsFilterControl").CallBack_FilterInit e.rawFilter
-  SayError "the detail ledger's dialog"
   On Error GoTo 0
 
   Set business = CreateObject("Quillon.ClsBusiness")
