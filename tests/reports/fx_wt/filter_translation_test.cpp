@@ -44,6 +44,11 @@ ItemValues multiple(std::string name, std::string value) {
   return {.name = std::move(name), .value = std::move(value), .multiple = true};
 }
 
+// The two bounds of a range on `column`.
+std::string bounds(const std::string& column, const std::string& from, const std::string& to) {
+  return " And " + column + ">= N'" + from + "' And " + column + "<= N'" + to + "'";
+}
+
 TEST_F(FxWtFilter, WithoutItemsOnlyLeavesOutTypes33And34) {
   const FilterConditions conditions = translate({});
   EXPECT_EQ(conditions.where, " base.cVouType not in (N'33',N'34')");
@@ -107,7 +112,7 @@ TEST_F(FxWtFilter, DatesAreBoundedOnEachSideThatIsGiven) {
 
 TEST_F(FxWtFilter, ClassCodesAreARangeOrAPrefix) {
   for (const std::string key : {"Inventory.cInvCCode", "Customer.cCCCode", "Vendor.cVCCode"}) {
-    EXPECT_EQ(where({range(key, "01", "02")}), " And " + key + ">= N'01' And " + key + "<= N'02'");
+    EXPECT_EQ(where({range(key, "01", "02")}), bounds(key, "01", "02"));
     EXPECT_EQ(where({range(key, "01", "")}), " And " + key + ">= N'01'");
     EXPECT_EQ(where({range(key, "", "02")}), " And " + key + "<= N'02'");
     EXPECT_EQ(where({range(key, "", "")}), "");
@@ -124,7 +129,7 @@ TEST_F(FxWtFilter, CodesAreAListARangeOrASingleValue) {
   for (const std::string key : {"Customer.cCusCode", "Vendor.cVenCode", "Inventory.cInvCode"}) {
     EXPECT_EQ(where({multiple(key, "A\t B ")}), " And " + key + " in ('A','B')");
     EXPECT_EQ(where({multiple(key, "")}), "");
-    EXPECT_EQ(where({range(key, "A", "B")}), " And " + key + ">= N'A' And " + key + "<= N'B'");
+    EXPECT_EQ(where({range(key, "A", "B")}), bounds(key, "A", "B"));
     EXPECT_EQ(where({range(key, "A", "")}), " And " + key + ">= N'A'");
     EXPECT_EQ(where({range(key, "", "B")}), " And " + key + "<= N'B'");
     EXPECT_EQ(where({range(key, "", "")}), "");
@@ -177,7 +182,7 @@ TEST_F(FxWtFilter, InventoryFieldsAreARangeOrASingleValueInAnyLetterCase) {
     EXPECT_EQ(where({item(key, "x")}), " And inventory." + key + "= N'x'");
     EXPECT_EQ(token(), 0);
     EXPECT_EQ(where({multiple(key, "x\ty")}), " And inventory." + key + "= N'x\ty'") << "there is no list";
-    EXPECT_EQ(where({range(key, "x", "z")}), " And inventory." + key + ">= N'x' And inventory." + key + "<= N'z'");
+    EXPECT_EQ(where({range(key, "x", "z")}), bounds("inventory." + key, "x", "z"));
     EXPECT_EQ(where({range(key, "x", "")}), " And inventory." + key + ">= N'x'");
     EXPECT_EQ(where({range(key, "", "z")}), " And inventory." + key + "<= N'z'");
     EXPECT_EQ(token(), 0);
@@ -193,7 +198,7 @@ TEST_F(FxWtFilter, AnyOtherKeyIsAColumnOfTheLedger) {
     EXPECT_EQ(where({item(key, "x")}), " And base." + key + "= N'x'");
     EXPECT_EQ(token(), 0);
     EXPECT_EQ(where({item(key, "", "z")}), " And base." + key + "= N''");
-    EXPECT_EQ(where({range(key, "x", "z")}), " And base." + key + ">= N'x' And base." + key + "<= N'z'");
+    EXPECT_EQ(where({range(key, "x", "z")}), bounds("base." + key, "x", "z"));
     EXPECT_EQ(where({range(key, "x", "")}), " And base." + key + ">= N'x'");
     EXPECT_EQ(where({range(key, "", "z")}), " And base." + key + "<= N'z'");
     EXPECT_EQ(token(), 0);
