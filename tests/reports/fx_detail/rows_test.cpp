@@ -186,7 +186,9 @@ struct Figures {
     return *this;
   }
   friend bool operator==(const Figures&, const Figures&) = default;
-  friend auto operator<=>(const Figures&, const Figures&) = default;
+  friend bool operator<(const Figures& a, const Figures& b) {
+    return std::tie(a.quantity, a.amount) < std::tie(b.quantity, b.amount);
+  }
   friend void PrintTo(const Figures& figures, std::ostream* out) { *out << figures.quantity << "/" << figures.amount; }
 };
 
@@ -199,7 +201,10 @@ struct Row {
   Figures whole;         // the inventory's
 
   friend bool operator==(const Row&, const Row&) = default;
-  friend auto operator<=>(const Row&, const Row&) = default;
+  friend bool operator<(const Row& a, const Row& b) {
+    return std::tie(a.kind, a.id, a.stock, a.costItem, a.item, a.whole) <
+           std::tie(b.kind, b.id, b.stock, b.costItem, b.item, b.whole);
+  }
   friend void PrintTo(const Row& row, std::ostream* out) {
     *out << row.kind << " " << row.id << " [" << row.stock << "] " << row.costItem << " item ";
     PrintTo(row.item, out);
@@ -249,9 +254,6 @@ constexpr std::array rangesFromApril{
 struct Subject {
   std::string inventory;
   std::string place;
-
-  friend bool operator==(const Subject&, const Subject&) = default;
-  friend auto operator<=>(const Subject&, const Subject&) = default;
 };
 
 class Ledger {

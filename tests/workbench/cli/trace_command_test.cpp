@@ -17,7 +17,6 @@ namespace quillon::workbench {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using testing::ElementsAre;
 
 std::string casePath(const std::string& file) {
   return std::string(QUILLON_TRACE_CASES) + "/" + file;
