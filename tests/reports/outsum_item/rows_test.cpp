@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "reports/outsum_item/outsum_item.h"
+#include "tests/reports/table_lines.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/platform/account_source.h"
@@ -27,39 +28,15 @@
 namespace quillon {
 namespace {
 
-using Text = std::optional<std::string>;
-using Line = std::map<std::string, Text, std::less<>>;  // a row of a table, by column name in lower case
+using tables::amountUnits;
+using tables::Line;
+using tables::linesOf;
+using tables::lower;
+using tables::quantityUnits;
+using tables::Text;
 using Condition = std::function<bool(const Line&)>;
 
 constexpr const char* year = "2024";
-
-std::string lower(std::string text) {
-  for (char& c : text)
-    c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return text;
-}
-
-// The digits of an exact number with `scale` digits behind the point, as a whole number of its last place.
-std::int64_t units(const Text& number, std::size_t scale) {
-  if (!number) return 0;
-  std::string digits = *number;
-  const std::size_t point = digits.find('.');
-  std::size_t behind = 0;
-  if (point != std::string::npos) {
-    behind = digits.size() - point - 1;
-    digits.erase(point, 1);
-  }
-  for (; behind < scale; ++behind)
-    digits += '0';
-  EXPECT_LE(behind, scale) << *number;
-  return std::stoll(digits);
-}
-std::int64_t quantityUnits(const Text& number) {
-  return units(number, 6);
-}
-std::int64_t amountUnits(const Text& number) {
-  return units(number, 4);
-}
 
 struct Item {
   std::string key;
@@ -107,7 +84,7 @@ class OutsumItemRows : public testing::Test {
          {"ia_subsidiary", "ia_subsidiary_Item", "ia_subsidiary_ItemOut", "Ca_FxDef", "Ca_FxClassDef",
           "Ca_FxMapExpDetails", "Ca_FxMapExpDID", "Ca_CostExpDetail_Period", "Inventory", "Customer", "Warehouse",
           "fItem_Project", "fItem_ProjectClass", "VouchType", "AA_Enum"}) {
-      tables_[table] = rowsOf(*account, "Select * From " + std::string(table));
+      tables_[table] = linesOf(*account, "Select * From " + std::string(table));
     }
     ASSERT_GT(outboundLines([](const Line&) { return true; }).size(), 300U);
   }
@@ -115,18 +92,6 @@ class OutsumItemRows : public testing::Test {
     indexes_.clear();
     tables_.clear();
     file_.reset();
-  }
-
-  static std::vector<Line> rowsOf(tsql::Connection& account, const std::string& query) {
-    std::vector<Line> rows;
-    const auto cursor = account.query(query);
-    while (cursor->next()) {
-      Line row;
-      for (std::size_t i = 0; i < cursor->columns().size(); ++i)
-        row[lower(cursor->columns()[i].name)] = tsql::toText(cursor->value(i));
-      rows.push_back(std::move(row));
-    }
-    return rows;
   }
 
   // --- The report ---
@@ -154,7 +119,7 @@ class OutsumItemRows : public testing::Test {
     report.getSql(argument);
     EXPECT_EQ(module.session, nullptr) << "the build did not come to its end";
     const auto account = tsql::Connection::open(file, tsql::OpenMode::existing);
-    std::vector<Line> rows = rowsOf(*account, "Select " + columns + " From outsum_result");
+    std::vector<Line> rows = linesOf(*account, "Select " + columns + " From outsum_result");
     account->execute("Drop Table outsum_result");
     EXPECT_THAT(account::leftoverWorkTables(*account), testing::IsEmpty());
     return rows;
