@@ -410,7 +410,7 @@ Fragment arithmetic(Arithmetic operation, const Fragment& left, const Fragment& 
   } else if (type.kind == Kind::real) {
     result = realArithmetic(operation, a, b);
   } else if (type.kind == Kind::dateTime) {
-    result.sql = "(" + a.sql + ' ' + symbolOf(operation) + ' ' + b.sql + ")";
+    result.sql = "date_check(" + a.sql + ' ' + symbolOf(operation) + ' ' + b.sql + ")";
     result.type = type;
   } else {
     result = exactArithmetic(operation, a, b, type);

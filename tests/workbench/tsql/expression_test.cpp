@@ -53,6 +53,13 @@ TEST_F(Expression, IntNeverGrowsBeyondIts32Bits) {
   EXPECT_EQ(query("select i+j from t"), "int: -1");
 }
 
+TEST_F(Expression, DatesNeverLeaveTheirRange) {
+  EXPECT_EQ(value("cast('9999-12-31' as datetime)+1"), "517");
+  EXPECT_EQ(value("cast('1753-01-01' as datetime)-1"), "517");
+  EXPECT_EQ(value("cast('9999-12-30' as datetime)+1"), "datetime: 9999-12-31 00:00:00.000");
+  EXPECT_EQ(value("cast(null as datetime)+1"), "datetime: null");
+}
+
 TEST_F(Expression, MoneyNeverGrowsBeyond64Bits) {
   run("create table t(m money) insert into t values(900000000000000)");
   EXPECT_EQ(query("select m+m from t"), "8115");
