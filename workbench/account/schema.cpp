@@ -461,7 +461,8 @@ constexpr IndexDefinition indexDefinitions[] = {
     {"IX_gl_AccVouch_coutNo_ID", "gl_AccVouch", "coutNo_ID"},
     {"IX_ia_subsidiary_Month", "ia_subsidiary", "iYear, iMonth"},
     {"IX_ia_subsidiary_VouType", "ia_subsidiary", "iYear, cVouType"},
-    {"IX_ia_subsidiary_Inventory", "ia_subsidiary", "cInvCode, iYear"},
+    // With the month: or the months of one inventory would be looked for among the lines of all.
+    {"IX_ia_subsidiary_Inventory", "ia_subsidiary", "cInvCode, iYear, iMonth"},
     {"IX_ia_subsidiary_Voucher", "ia_subsidiary", "cPZID"},
     {"IX_ia_subsidiary_Item_Line", "ia_subsidiary_Item", "iSubID"},
     {"IX_ia_subsidiary_ItemOut_Line", "ia_subsidiary_ItemOut", "iSubID"},
