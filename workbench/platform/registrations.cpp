@@ -7,7 +7,7 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr std::array reports = {sfcItemRegistration, outsumItemRegistration, fxDetailRegistration};
+constexpr std::array reports = {sfcItemRegistration, outsumItemRegistration, fxDetailRegistration, fxWtRegistration};
 
 }  // namespace
 

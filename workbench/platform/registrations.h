@@ -16,10 +16,13 @@ const ReportRegistration& sfcItemRegistration();
 const ReportRegistration& outsumItemRegistration();
 // Cost-item detail ledger, "fx-detail".
 const ReportRegistration& fxDetailRegistration();
+// Cost-item voucher report, "fx-wt". Its voucher and business types have no choices here: the dialog gives them. Every
+// key that the report does not know by name is a column of the ledger.
+const ReportRegistration& fxWtRegistration();
 
 // The report called `name`. Throws std::invalid_argument that lists the reports there are.
 const ReportRegistration& registeredReport(std::string_view name);
-// The names of all reports, separated by commas: "sfc-item, outsum-item, fx-detail".
+// The names of all reports, separated by commas: "sfc-item, outsum-item, fx-detail, fx-wt".
 std::string reportNames();
 
 }  // namespace quillon::workbench

@@ -29,6 +29,7 @@
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_object.h"
+#include "workbench/platform/registrations.h"
 #include "workbench/tsql/engine.h"
 
 namespace quillon {
@@ -68,6 +69,7 @@ struct Item {
   std::string value;
   std::string value2 = {};
   enum Input { single, range, multiple } input = single;
+  std::string column = {};  // of the filter object's own condition; empty: the ledger's of that name
 };
 
 std::int64_t tenTo(std::size_t exponent) {
@@ -204,7 +206,7 @@ class FxWtRows : public testing::Test {
                                                    .english = item.key,
                                                    .range = item.input == Item::range,
                                                    .multiple = item.input == Item::multiple,
-                                                   .column = "base." + item.key});
+                                                   .column = item.column.empty() ? "base." + item.key : item.column});
       entry.value = item.value;
       entry.value2 = item.value2;
     }
@@ -774,6 +776,26 @@ TEST_F(FxWtRows, ChooseByDatesAndBusinessTypes) {
       [](const Line& line) { return line.at("cbustype") == "领料" || line.at("cbustype") == "普通采购"; });
   ASSERT_GT(issues.size(), 100U);
   EXPECT_EQ(reportedLines({{"cBusType", "领料\t普通采购"}}), issues);
+}
+
+// Every item that the workbench offers names a column that there is.
+TEST_F(FxWtRows, TakeEveryRegisteredItem) {
+  std::vector<Item> items;
+  for (const workbench::ItemRegistration& item : workbench::fxWtRegistration().items) {
+    const bool number = item.kind == workbench::InputKind::number;
+    const bool date = item.kind == workbench::InputKind::date;
+    items.push_back({.key = item.key,
+                     .value = number ? "1"
+                              : date ? "2024-01-01"
+                                     : "x",
+                     .value2 = item.range ? "2024-12-31" : "",
+                     .input = item.range      ? Item::range
+                              : item.multiple ? Item::multiple
+                                              : Item::single,
+                     .column = item.column});
+  }
+  ASSERT_GT(items.size(), 80U);
+  EXPECT_THAT(reportedLines(items), testing::IsEmpty());
 }
 
 TEST_F(FxWtRows, AKeyThatIsNoColumnStopsTheReport) {

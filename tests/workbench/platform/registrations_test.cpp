@@ -104,6 +104,64 @@ TEST(FxDetailRegistration, OffersTheBreakdownsOfItsDialog) {
   EXPECT_EQ(filter.item("cCaType")->value(), "项目分类");
 }
 
+// The report compares keys to the letter.
+TEST(FxWtRegistration, HasEveryKeyOnce) {
+  std::set<std::string> expected = {"dKeepDate",
+                                    "dVouDate",
+                                    "cVouType",
+                                    "cBusType",
+                                    "cVouCode",
+                                    "Inventory.cInvCCode",
+                                    "Inventory.cInvCode",
+                                    "Customer.cCCCode",
+                                    "Customer.cCusCode",
+                                    "Vendor.cVCCode",
+                                    "Vendor.cVenCode",
+                                    "cWhCode",
+                                    "cDepCode",
+                                    "cDeptID",
+                                    "cRdCode",
+                                    "PzNoId",
+                                    "cHandler",
+                                    "cAccounter",
+                                    "cItem_Class",
+                                    "cItemCode",
+                                    "strContractCode",
+                                    "cproordercode",
+                                    "csaleordercode",
+                                    "cpurordercode",
+                                    "cBatchia"};
+  const auto add = [&expected](const std::string& key, int first, int last) {
+    for (int number = first; number <= last; ++number)
+      expected.insert(key + std::to_string(number));
+  };
+  add("cFree", 1, 10);
+  add("cDefine", 1, 16);
+  add("cDefine", 22, 37);
+  add("cInvDefine", 1, 16);
+  EXPECT_EQ(keysOf(fxWtRegistration()), expected);
+  EXPECT_EQ(fxWtRegistration().items.size(), expected.size());
+}
+
+// Only these have a list form; a key that stands for a column is compared with one value.
+TEST(FxWtRegistration, TakesValuesAsTheReportReadsThem) {
+  const std::set<std::string> multiple = {
+      "cVouType", "cBusType", "Inventory.cInvCode", "Customer.cCusCode", "Vendor.cVenCode", "cWhCode", "cBatchia"};
+  for (const ItemRegistration& item : fxWtRegistration().items) {
+    EXPECT_EQ(item.range, item.key == "dKeepDate" || item.key == "dVouDate") << item.key;
+    EXPECT_EQ(item.multiple, multiple.contains(item.key)) << item.key;
+    EXPECT_FALSE(item.required) << item.key;
+  }
+}
+
+TEST(FxWtRegistration, LetsTheFilterObjectTranslateBatchAndAccountingVoucher) {
+  FilterObject filter(fxWtRegistration());
+  filter.find("cBatchia")->value = "B1";
+  filter.find("PzNoId")->value = "IA20240100001";
+  EXPECT_EQ(conditionOf(*filter.find("cBatchia")), "base.cBatchia = N'B1'");
+  EXPECT_EQ(conditionOf(*filter.find("PzNoId")), "base.cPZID = N'IA20240100001'");
+}
+
 // The lists of voucher and business types are filled for the year, which so must have its value by then.
 TEST(OutsumItemRegistration, HasTheYearBeforeWhatDependsOnIt) {
   const auto& items = outsumItemRegistration().items;
@@ -132,7 +190,7 @@ TEST(OutsumItemRegistration, TakesValuesAsTheReportReadsThem) {
 }
 
 TEST(Registrations, HaveCaptionsInBothLanguages) {
-  for (const char* report : {"sfc-item", "outsum-item", "fx-detail"}) {
+  for (const char* report : {"sfc-item", "outsum-item", "fx-detail", "fx-wt"}) {
     for (const ItemRegistration& item : registeredReport(report).items) {
       EXPECT_FALSE(item.caption(Language::chinese).empty()) << item.key;
       EXPECT_FALSE(item.caption(Language::english).empty()) << item.key;
@@ -149,11 +207,13 @@ TEST(Registrations, AreFoundByName) {
   EXPECT_EQ(&registeredReport("sfc-item"), &sfcItemRegistration());
   EXPECT_EQ(&registeredReport("outsum-item"), &outsumItemRegistration());
   EXPECT_EQ(&registeredReport("fx-detail"), &fxDetailRegistration());
+  EXPECT_EQ(&registeredReport("fx-wt"), &fxWtRegistration());
   try {
     registeredReport("outsum");
     ADD_FAILURE() << "nothing was refused";
   } catch (const std::invalid_argument& error) {
-    EXPECT_STREQ(error.what(), "there is no report \"outsum\"; the reports are: sfc-item, outsum-item, fx-detail");
+    EXPECT_STREQ(error.what(),
+                 "there is no report \"outsum\"; the reports are: sfc-item, outsum-item, fx-detail, fx-wt");
   }
 }
 
@@ -167,6 +227,9 @@ TEST(Registrations, HaveTheirIdentifiersAndClasses) {
   EXPECT_EQ(outsumItemRegistration().filterControl, "clsSFCFilterControl");
   EXPECT_EQ(fxDetailRegistration().reportClass, "clsFXDetail");
   EXPECT_EQ(fxDetailRegistration().filterControl, "clsFilterControl");
+  EXPECT_EQ(fxWtRegistration().identifier, "3D1986A9-884B-4835-B4AA-DCCBD2E1487C");
+  EXPECT_EQ(fxWtRegistration().reportClass, "clsFXWt");
+  EXPECT_EQ(fxWtRegistration().filterControl, "clsWtFilterControl");
 }
 
 // The filter object must be able to translate an item that a report leaves to it.
