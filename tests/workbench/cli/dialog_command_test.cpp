@@ -213,7 +213,8 @@ TEST_F(DialogCommand, RefusesWhatCannotBeDoneInOneLine) {
             "step change:iYear=2022: filter item iYear (Year): there is no choice \"2022\"; choose of 2023, 2024");
   EXPECT_EQ(refusalOf("outsum-item", {"change:iYear=2023"}),
             "step change:iYear=2023: The dialog has no connection to the account yet; call CallBack_FilterInit first.");
-  EXPECT_EQ(refusalOf("no-report", {}), "there is no report \"no-report\"; the reports are: sfc-item, outsum-item");
+  EXPECT_EQ(refusalOf("no-report", {}),
+            "there is no report \"no-report\"; the reports are: sfc-item, outsum-item, fx-detail, fx-wt");
 }
 
 TEST_F(DialogCommand, ShowsWhatWentWellBeforeAStepFailed) {
