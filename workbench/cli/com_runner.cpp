@@ -53,13 +53,21 @@ class ComReportRunner final : public ReportRunner {
   explicit ComReportRunner(EmbeddedPlatform& platform) : host_(platform) {}
 
   void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
-    const com::LateBound instance = createInstance(report.reportClass);
-    const com::ComPtr<IDispatch> e = argumentObject(argument);
-    IDispatch* reference = e.get();
-    instance.call(L"GETSQL", {com::Variant::reference(reference)});
+    call(L"GETSQL", report, argument);
+  }
+  void execute(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+    call(L"Execute", report, argument);
   }
 
  private:
+  static void call(const wchar_t* member, const ReportRegistration& report,
+                   const std::shared_ptr<WorkbenchArgument>& argument) {
+    const com::LateBound instance = createInstance(report.reportClass);
+    const com::ComPtr<IDispatch> e = argumentObject(argument);
+    IDispatch* reference = e.get();
+    instance.call(member, {com::Variant::reference(reference)});
+  }
+
   Host host_;
 };
 

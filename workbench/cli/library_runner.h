@@ -21,6 +21,9 @@ class ReportRunner {
   // when GETSQL fails. A build that the report absorbed returns normally: whoever watches the sessions (the platform's
   // monitor) sees the failing statement, and that the session was not closed.
   virtual void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) = 0;
+  // The same for Execute: opens the document behind the argument's row. What was opened and what the user was told the
+  // platform knows.
+  virtual void execute(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) = 0;
 };
 
 // `platform` makes the components and outlives the runner. Throws AutomationError when the classes cannot be had.

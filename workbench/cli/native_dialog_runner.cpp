@@ -1,6 +1,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
 #include "frame/module.h"
 #include "workbench/cli/library_runner.h"
@@ -9,22 +10,29 @@ namespace quillon::workbench {
 
 namespace {
 
-class NativeSfcDialog final : public DialogRunner {
+bool accepts(SfcFilterControl&, FilterDialog&) {
+  return SfcFilterControl::filterClick();
+}
+bool accepts(FilterControl& control, FilterDialog& dialog) {
+  return !control.filterClick(dialog).has_value();
+}
+
+// A dialog that is served by an instance of `Control`.
+template <typename Control>
+class NativeDialog final : public DialogRunner {
  public:
-  NativeSfcDialog(EmbeddedPlatform& platform, std::shared_ptr<FilterDialogObject> dialog)
+  NativeDialog(EmbeddedPlatform& platform, std::shared_ptr<FilterDialogObject> dialog)
       : module_(platform), control_(module_), dialog_(std::move(dialog)) {}
 
   void init() override { control_.filterInit(*dialog_); }
   void changed(const std::string& key) override { control_.valueChange(key, *dialog_); }
-  bool click() override { return SfcFilterControl::filterClick(); }
-  std::optional<std::string> view() override { return SfcFilterControl::reportView(*dialog_); }
-  std::optional<std::string> viewAfterChange(const std::string&) override {
-    return SfcFilterControl::reportView(*dialog_);
-  }
+  bool click() override { return accepts(control_, *dialog_); }
+  std::optional<std::string> view() override { return Control::reportView(*dialog_); }
+  std::optional<std::string> viewAfterChange(const std::string&) override { return Control::reportView(*dialog_); }
 
  private:
   Module module_;
-  SfcFilterControl control_;
+  Control control_;
   std::shared_ptr<FilterDialogObject> dialog_;
 };
 
@@ -32,10 +40,11 @@ class NativeSfcDialog final : public DialogRunner {
 
 std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
                                                std::shared_ptr<FilterDialogObject> dialog) {
-  if (report.filterControl != "clsSFCFilterControl") {
-    throw std::invalid_argument("the library has no class " + report.filterControl);
-  }
-  return std::make_unique<NativeSfcDialog>(platform, std::move(dialog));
+  if (report.filterControl == "clsSFCFilterControl")
+    return std::make_unique<NativeDialog<SfcFilterControl>>(platform, std::move(dialog));
+  if (report.filterControl == "clsFilterControl")
+    return std::make_unique<NativeDialog<FilterControl>>(platform, std::move(dialog));
+  throw std::invalid_argument("the library has no class " + report.filterControl);
 }
 
 }  // namespace quillon::workbench

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "frame/module.h"
+#include "reports/fx_detail/fx_detail.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 #include "workbench/cli/library_runner.h"
@@ -15,16 +16,30 @@ class NativeReportRunner final : public ReportRunner {
   explicit NativeReportRunner(EmbeddedPlatform& platform) : module_(platform) {}
 
   void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+    with(report, [&](auto& instance) { instance.getSql(*argument); });
+  }
+  void execute(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+    with(report, [&](auto& instance) { instance.execute(*argument); });
+  }
+
+ private:
+  // Calls `action` with a new instance of the report's class.
+  template <typename Action>
+  void with(const ReportRegistration& report, Action action) {
     if (report.reportClass == "clsSFC_Item") {
-      SfcItem(module_).getSql(*argument);
+      SfcItem instance(module_);
+      action(instance);
     } else if (report.reportClass == "clsOutsum_Item") {
-      OutsumItem(module_).getSql(*argument);
+      OutsumItem instance(module_);
+      action(instance);
+    } else if (report.reportClass == "clsFXDetail") {
+      FxDetail instance(module_);
+      action(instance);
     } else {
       throw std::invalid_argument("the library has no class " + report.reportClass);
     }
   }
 
- private:
   Module module_;
 };
 
