@@ -1,6 +1,7 @@
 // A report as an HTML page. The markup stands in the order in which it is written; the style sheet is one text.
 #include <string>
 
+#include "workbench/cli/ledger_rows.h"
 #include "workbench/cli/report_output.h"
 
 namespace quillon::workbench {
@@ -20,6 +21,8 @@ table { border-collapse: collapse; font-variant-numeric: tabular-nums; }
 th, td { border: 1px solid #c9ced6; padding: .2rem .5rem; text-align: left; white-space: nowrap; }
 thead th { background: #eef1f5; font-weight: 600; text-align: center; }
 tbody tr:nth-child(even) { background: #f8f9fb; }
+tbody tr.balance td { background: #eef1f5; font-weight: 600; }
+tbody tr.line td { border-top: 2px solid #8a93a0; }
 tfoot td { background: #eef1f5; font-weight: 600; border-top: 2px solid #8a93a0; }
 .n { text-align: right; }
 .note { color: #5b626b; }
@@ -120,6 +123,25 @@ void writeRows(std::ostream& out, const ReportDocument& document, const ResultTa
   out << "</tr>\n</tfoot>\n</table>\n";
 }
 
+// Balances are set off, and a rule stands above each ledger line.
+void writeLedger(std::ostream& out, const ReportDocument& document, const ResultTable& table,
+                 std::optional<std::int64_t> limit) {
+  const std::vector<TableColumn> headings = ledgerHeadings(document);
+  out << "<table class=\"rows\">\n<thead>\n<tr>";
+  for (const TableColumn& column : headings)
+    out << "<th>" << escaped(column.heading) << "</th>";
+  out << "</tr>\n</thead>\n<tbody>\n";
+  LedgerRows rows(document, table);
+  for (std::int64_t shown = 0; (!limit || shown < *limit) && rows.next(); ++shown) {
+    const LedgerRow& row = rows.row();
+    out << "<tr class=\"" << (isBalance(row.kind) ? "balance" : "movement") << (row.beginsLine ? " line" : "") << "\">";
+    for (std::size_t i = 0; i < headings.size(); ++i)
+      writeCell(out, row.cells[i], headings[i].align == Align::right);
+    out << "</tr>\n";
+  }
+  out << "</tbody>\n</table>\n";
+}
+
 }  // namespace
 
 void writeHtml(std::ostream& out, const ReportDocument& document, const ResultTable& table,
@@ -132,8 +154,12 @@ void writeHtml(std::ostream& out, const ReportDocument& document, const ResultTa
   if (document.rowCount == 0) {
     out << "<p class=\"note\">" << document.text(noRowsCaption) << "</p>\n";
   } else {
-    writeCross(out, document);
-    writeRows(out, document, table, limit);
+    if (document.ledger) {
+      writeLedger(out, document, table, limit);
+    } else {
+      writeCross(out, document);
+      writeRows(out, document, table, limit);
+    }
     out << "<p class=\"note\">" << rowCountText(document, limit) << "</p>\n";
   }
   out << "</body>\n</html>\n";

@@ -9,6 +9,7 @@
 #include "workbench/cli/account_command.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/dialog_command.h"
+#include "workbench/cli/drill_command.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/standard_streams.h"
@@ -27,6 +28,7 @@ int run(std::vector<std::string> arguments) {
   app.require_subcommand(1);
   quillon::workbench::addAccountCommand(app);
   quillon::workbench::addDialogCommand(app);
+  quillon::workbench::addDrillCommand(app);
   quillon::workbench::addReportCommand(app);
   quillon::workbench::addSqlCommand(app);
   quillon::workbench::addTraceCommand(app);

@@ -142,7 +142,82 @@ std::vector<ReportColumn> makeOutsumItemColumns() {
   return columns;
 }
 
+// The inventory is the same in all rows and stands in the heading.
+std::vector<ReportColumn> makeFxDetailColumns() {
+  using enum ColumnRole;
+  std::vector<ReportColumn> columns = {
+      {"RowNo", "行号", "Line"},
+      {"dKeepDate", "记账日期", "Posting date", date},
+      {"cVouDate", "单据日期", "Document date", further},
+      {"cVouType", "单据类型", "Voucher type"},
+      {"cVouCode", "单据号", "Voucher number"},
+      {"cPZCode", "凭证号", "Ledger voucher"},
+      {"cPZdigest", "摘要", "Digest"},
+      {"bRdFlag", "收发类别", "Receipt/issue type"},
+      {"cBusType", "业务类型", "Business type"},
+      {"cWhCode", "仓库编码", "Warehouse code", further},
+      {"cWhName", "仓库", "Warehouse"},
+      {"cVenCode", "供应商编码", "Vendor code", further},
+      {"cVenName", "供应商", "Vendor", further},
+      {"cCusCode", "客户编码", "Customer code", further},
+      {"cCusName", "客户", "Customer", further},
+      {"cItem_class", "项目大类编码", "Project class code", further},
+      {"cItemCName", "项目大类", "Project class", further},
+      {"cItemCode", "项目编码", "Project item code", further},
+      {"cName", "项目", "Project item", further},
+      {"cBusCode", "业务号", "Business number", further},
+      {"strContractCode", "合同号", "Contract", further},
+      {"cproordercode", "生产订单号", "Production order", further},
+      {"iproorderids", "生产订单行标识", "Production order line", internal},
+      {"cworkprocodedis", "工序", "Operation", further},
+      {"cworkcentercode", "工作中心编码", "Work centre code", further},
+      {"csaleordercode", "销售订单号", "Sales order", further},
+      {"isaleorderids", "销售订单行标识", "Sales order line", internal},
+      {"exoCode", "出口订单号", "Export order", further},
+      {"iExRowno", "出口订单行号", "Export order line", internal},
+      {"centrustordercode", "委外订单号", "Subcontracting order", further},
+      {"cOrderCode", "采购订单号", "Purchase order", further},
+      {"cAccounter", "记账人", "Posted by", further},
+      {"cBatchia", "批号", "Batch"},
+  };
+  addNumbered(columns, "cFree", "自由项", "Free item", text, 1, 10);
+  addNumbered(columns, "cInvDefine", "存货自定义项", "Inventory field", userDefined, 1, 16);
+  addNumbered(columns, "cDefine", "自定义项", "User-defined field", userDefined, 1, 16);
+  addNumbered(columns, "cDefine", "自定义项", "User-defined field", userDefined, 22, 37);
+  columns.insert(columns.end(), {
+                                    {"iQuantity", "数量", "Quantity", movement},
+                                    {"iCost", "单价", "Unit cost", unitCost},
+                                    {"iPrice", "金额", "Amount", amount},
+                                });
+  for (ReportColumn& column : columns)
+    column.ofLine = true;
+  columns.insert(columns.end(), {
+                                    {"cfxCCode", "项目分类编码", "Cost-item class code", further},
+                                    {"cfxCName", "项目分类", "Cost-item class"},
+                                    {"cfxCode", "成本项目编码", "Cost item code"},
+                                    {"cfxName", "成本项目", "Cost item"},
+                                    {"iItemQuantity", "成本项目数量", "Cost item quantity", movement},
+                                    {"iItemCost", "成本项目单价", "Cost item unit cost", unitCost},
+                                    {"iItemPrice", "成本项目金额", "Cost item amount", amount},
+                                    {"id", "流水号", "Ledger line", internal},
+                                    {"datatype", "行类型", "Row kind", internal},
+                                    {"cInvCode", "存货编码", "Inventory code", internal},
+                                    {"cInvName", "存货", "Inventory", internal},
+                                    {"cInvAddCode", "存货代码", "Additional code", internal},
+                                    {"cInvStd", "规格型号", "Specification", internal},
+                                    {"cUnitName", "计量单位", "Unit", internal},
+                                    {"cPZID", "凭证标识", "Ledger voucher key", internal},
+                                    {"iPZID", "凭证分录标识", "Ledger voucher entry", internal},
+                                });
+  return columns;
+}
+
 }  // namespace
+
+std::span<const ReportColumn> fxDetailColumns() {
+  static const std::vector<ReportColumn> columns = makeFxDetailColumns();
+  return columns;
+}
 
 std::span<const ReportColumn> sfcItemColumns() {
   static const std::vector<ReportColumn> columns = makeSfcItemColumns();

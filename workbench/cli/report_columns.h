@@ -12,12 +12,14 @@ namespace quillon::workbench {
 enum class ColumnRole {
   internal,     // keys and helper columns; only in CSV and JSON
   userDefined,  // fields whose meaning each account gives; in CSV and JSON, elsewhere when asked for
+  further,      // what a document carries beside; likewise
   text,
   date,
   quantity,  // shown with the account's decimals, summed
   money,     // shown with two decimals, summed
   movement,  // quantity of a row's state: shown, not summed, since states do not add up
   amount,    // money of a row's state, likewise
+  unitCost,  // shown with the account's decimals of unit costs, not summed
 };
 
 constexpr bool isNumber(ColumnRole role) {
@@ -35,13 +37,15 @@ struct ReportColumn {
   std::string chinese;
   std::string english;
   ColumnRole role = ColumnRole::text;
+  bool ofLine = false;  // of a ledger line as a whole, whatever cost item the row is for
 
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };
 
-// The columns of receipt/issue/balance and of the outbound summary in the order in which the table and the page show
-// them.
+// The columns of receipt/issue/balance, the outbound summary and the detail ledger in the order in which the table and
+// the page show them.
 std::span<const ReportColumn> sfcItemColumns();
 std::span<const ReportColumn> outsumItemColumns();
+std::span<const ReportColumn> fxDetailColumns();
 
 }  // namespace quillon::workbench

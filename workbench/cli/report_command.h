@@ -15,7 +15,7 @@ namespace quillon::workbench {
 enum class ReportFormat { table, csv, json, html };
 
 struct ReportOptions {
-  std::string report = {};                 // "sfc-item", "outsum-item"
+  std::string report = {};                 // "sfc-item", "outsum-item", "fx-detail"
   std::string account = {};                // SOURCE
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file
@@ -27,7 +27,7 @@ struct ReportOptions {
   Language language = Language::chinese;
   std::string date = {};                   // the login's date, yyyy-mm-dd; empty: the last day of the current year
   std::optional<std::int64_t> limit = {};  // rows shown by table and html
-  bool allColumns = false;                 // user-defined fields too (table and html; csv and json have all)
+  bool allColumns = false;                 // also those that are shown when asked (table, html; csv and json have all)
   bool explain = false;                    // each statement with its time and row count, to `notes`
   bool keep = false;                       // keep the result table and tell its name
   bool terminal = false;                   // `notes` is a terminal: show progress there

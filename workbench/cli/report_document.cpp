@@ -22,6 +22,7 @@ std::string moneyText(std::string_view exact) {
 std::string cellText(const ReportDocument& document, const ReportColumn& column, const tsql::Value& value) {
   std::string text = plainText(value, "");
   if (text.empty() || !isNumber(column.role)) return text;
+  if (column.role == ColumnRole::unitCost) return groupedNumber(text, document.unitCostDecimals);
   return isMoney(column.role) ? moneyText(text) : quantityText(document, text);
 }
 
@@ -38,11 +39,11 @@ std::string rowCountText(const ReportDocument& document, std::optional<std::int6
   if (document.language == Language::chinese) {
     std::string text = "共 " + all + " 行";
     if (cut) text += "，显示前 " + std::to_string(*limit) + " 行";
-    if (document.columnsLeftOut > 0) text += "；另有 " + leftOut + " 列自定义项（--all-columns）";
+    if (document.columnsLeftOut > 0) text += "；另有 " + leftOut + " 列未显示（--all-columns）";
     return text;
   }
   std::string text = (cut ? "the first " + std::to_string(*limit) + " of " : "") + all + " rows";
-  if (document.columnsLeftOut > 0) text += "; " + leftOut + " user-defined fields are not shown (--all-columns)";
+  if (document.columnsLeftOut > 0) text += "; " + leftOut + " more columns are not shown (--all-columns)";
   return text;
 }
 

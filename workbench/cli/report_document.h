@@ -25,6 +25,8 @@ struct ReportDocument {
   std::vector<std::optional<std::string>> totals;               // one a column
   std::vector<CrossState> crossStates;
   CrossView cross;
+  bool ledger = false;       // without totals and cross view; its rows are read as LedgerRows
+  int unitCostDecimals = 4;  // the account's
   std::int64_t rowCount = 0;
 
   std::string_view text(const Caption& caption) const { return caption.in(language); }

@@ -49,6 +49,8 @@ std::vector<CrossState> outsumItemStates(std::string_view) {
 const ReportLayout& layoutOf(std::string_view report) {
   static const ReportLayout sfcItem = {sfcItemColumns(), sfcItemStates};
   static const ReportLayout outsumItem = {outsumItemColumns(), outsumItemStates};
+  static const ReportLayout fxDetail = {fxDetailColumns(), nullptr, true};
+  if (report == "fx-detail") return fxDetail;
   if (report == "sfc-item") return sfcItem;
   if (report == "outsum-item") return outsumItem;
   throw std::invalid_argument("the report " + std::string(report) + " has no layout");

@@ -23,6 +23,8 @@ struct ReportLayout {
   std::span<const ReportColumn> columns;  // in the order in which table and page show them
   // The states of the cross view for a report mode (the value of cModal).
   std::vector<CrossState> (*states)(std::string_view mode);
+  // The report is a ledger: its rows are lines and balances, which cannot be summed, so it has no cross view.
+  bool ledger = false;
 };
 
 // The layout of the report called `report`. Throws std::invalid_argument for a report that has none.

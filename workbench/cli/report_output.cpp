@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/text.h"
+#include "workbench/cli/ledger_rows.h"
 #include "workbench/cli/text_table.h"
 #include "workbench/cli/value_output.h"
 
@@ -57,6 +58,21 @@ void writeRowTable(std::ostream& out, const ReportDocument& document, const Resu
     cells.push_back(totalText(document, i));
   }
   table.row(std::move(cells));
+  table.finish();
+}
+
+// Balances stand between rules.
+void writeLedgerTable(std::ostream& out, const ReportDocument& document, const ResultTable& result,
+                      std::optional<std::int64_t> limit) {
+  TextTable table(out, ledgerHeadings(document));
+  LedgerRows rows(document, result);
+  bool balanceBefore = false;
+  for (std::int64_t shown = 0; (!limit || shown < *limit) && rows.next(); ++shown) {
+    const bool balance = isBalance(rows.row().kind);
+    if (shown > 0 && rows.row().beginsLine && (balance || balanceBefore)) table.rule();
+    table.row(rows.row().cells);
+    balanceBefore = balance;
+  }
   table.finish();
 }
 
@@ -130,10 +146,14 @@ void writeTable(std::ostream& out, const ReportDocument& document, const ResultT
     out << document.text(noRowsCaption) << '\n';
     return;
   }
-  out << document.text(crossCaption) << '\n';
-  writeCrossTable(out, document);
-  out << '\n' << document.text(rowsCaption) << '\n';
-  writeRowTable(out, document, table, limit);
+  if (document.ledger) {
+    writeLedgerTable(out, document, table, limit);
+  } else {
+    out << document.text(crossCaption) << '\n';
+    writeCrossTable(out, document);
+    out << '\n' << document.text(rowsCaption) << '\n';
+    writeRowTable(out, document, table, limit);
+  }
   out << '\n' << rowCountText(document, limit) << '\n';
 }
 

@@ -24,7 +24,7 @@ void writeCsv(std::ostream& out, const ResultTable& table);
 void writeJson(std::ostream& out, const ReportDocument& document, const ResultTable& table,
                std::span<const ReportColumn> known);
 
-// Heading, conditions, cross view, rows and totals as aligned text. `limit` rows at most are shown, the totals are of
+// Heading, conditions, cross view, rows and totals as aligned text; of a ledger its rows, balances between rules. `limit` rows at most are shown, the totals are of
 // all.
 void writeTable(std::ostream& out, const ReportDocument& document, const ResultTable& table,
                 std::optional<std::int64_t> limit);

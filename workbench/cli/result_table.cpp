@@ -10,8 +10,8 @@ namespace quillon::workbench {
 namespace {
 
 // What comes first in the order of the rows.
-constexpr std::array<std::string_view, 9> leadingOrder = {"cWhCode",  "cDepCode", "cInvCode", "cBatchia", "cFXCode",
-                                                          "cAmoCode", "cFxCName", "iState",   "autoid"};
+constexpr std::array<std::string_view, 10> leadingOrder = {"RowNo",   "cWhCode",  "cDepCode", "cInvCode", "cBatchia",
+                                                           "cFXCode", "cAmoCode", "cFxCName", "iState",   "autoid"};
 
 std::string crossSums(std::span<const CrossState> states) {
   std::string list;
@@ -115,6 +115,17 @@ std::unique_ptr<tsql::Cursor> ResultTable::rows(std::span<const ReportColumn> co
     if (!leads(column)) orderBy(column.name);
   }
   return account_.query("Select " + (list.empty() ? "*" : list) + " From " + name_ + " Order By " + order);
+}
+
+std::unique_ptr<tsql::Cursor> ResultTable::ledgerRows(std::span<const ReportColumn> columns) const {
+  std::string list;
+  for (const ReportColumn& column : columns)
+    list += "temp." + column.name + ", ";
+  return account_.query("Select " + list + "temp.datatype, line.bRdFlag From " + name_ +
+                        " temp left join ia_subsidiary line on line.AutoID = temp.id and temp.datatype = 1 "
+                        "Order By temp.RowNo, temp.cBatchia, temp.cFree1, temp.cFree2, temp.cFree3, temp.cFree4, "
+                        "temp.cFree5, temp.cFree6, temp.cFree7, temp.cFree8, temp.cFree9, temp.cFree10, temp.cfxCCode, "
+                        "temp.cfxCode, temp.iItemQuantity, temp.iItemPrice");
 }
 
 void ResultTable::drop() {

@@ -48,6 +48,11 @@ class ResultTable {
   // that the same report always comes in the same order. `columns` are the table's names; empty means all of them.
   std::unique_ptr<tsql::Cursor> rows(std::span<const ReportColumn> columns = {}) const;
 
+  // The rows of a detail ledger in its order: by line number, the rows of a line by batch and free items, then by cost
+  // item. Behind `columns` stand two more: the kind of the row (Datatype) and, of a movement, whether its ledger line is
+  // a receipt.
+  std::unique_ptr<tsql::Cursor> ledgerRows(std::span<const ReportColumn> columns) const;
+
   // Drops the table if it exists.
   void drop();
 

@@ -99,8 +99,8 @@ TEST_F(ReportCommand, WritesEachFormatToAFile) {
 TEST_F(ReportCommand, ShowsUserDefinedFieldsWhenAsked) {
   const std::string usual = outputOf({"--lang", "en"});
   EXPECT_EQ(usual.find("Inventory field 1"), std::string::npos);
-  EXPECT_THAT(usual, ContainsPattern("rows; [0-9]+ user-defined fields are not shown \\(--all-columns\\)\n"));
-  EXPECT_THAT(outputOf({}), ContainsPattern("行；另有 [0-9]+ 列自定义项（--all-columns）\n"));
+  EXPECT_THAT(usual, ContainsPattern("rows; [0-9]+ more columns are not shown \\(--all-columns\\)\n"));
+  EXPECT_THAT(outputOf({}), ContainsPattern("行；另有 [0-9]+ 列未显示（--all-columns）\n"));
   const std::string all = outputOf({"--lang", "en", "--all-columns"});
   EXPECT_THAT(all, testing::HasSubstr("Inventory field 1"));
   EXPECT_EQ(all.find("not shown"), std::string::npos);

@@ -1,0 +1,229 @@
+#include "workbench/cli/drill_command.h"
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "frame/text.h"
+#include "workbench/cli/command_error.h"
+#include "workbench/cli/library_runner.h"
+#include "workbench/cli/named_choice.h"
+#include "workbench/cli/text_cells.h"
+#include "workbench/cli/text_table.h"
+#include "workbench/cli/value_output.h"
+#include "workbench/platform/registrations.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr Caption nothingOpened{"没有打开单据：期初结存和月末结存行没有单据",
+                                "Nothing was opened: opening balances and month-end balances have no document"};
+constexpr Caption openedCaption{"打开方式", "Opened by"};
+
+// What came of the action.
+struct Outcome {
+  std::vector<std::string> messages;
+  std::vector<OpenedVoucher> opened;
+};
+
+RowValues readRow(const std::vector<std::string>& settings) {
+  RowValues row;
+  for (const std::string& setting : settings) {
+    const auto equals = setting.find('=');
+    if (equals == std::string::npos || equals == 0)
+      throw CommandError("\"" + setting + "\" names no column of a row; write column=value");
+    row.emplace_back(trimBlanks(std::string_view(setting).substr(0, equals)), setting.substr(equals + 1));
+  }
+  return row;
+}
+
+const std::string* valueOf(const RowValues& row, std::string_view column) {
+  const auto found =
+      std::ranges::find_if(row, [column](const auto& entry) { return equalIgnoringCase(entry.first, column); });
+  return found == row.end() ? nullptr : &found->second;
+}
+
+std::string described(const RowValues& row) {
+  std::string text;
+  for (const auto& [column, value] : row)
+    text.append(text.empty() ? "" : ", ").append(column).append("=").append(value);
+  return text;
+}
+
+void requireColumns(const RowValues& wanted, std::span<const tsql::Column> columns) {
+  for (const auto& [name, value] : wanted) {
+    const auto has = [&name](const tsql::Column& column) { return equalIgnoringCase(column.name, name); };
+    if (std::ranges::any_of(columns, has)) continue;
+    throw CommandError("the rows of the report have no column \"" + name +
+                       "\"; quillon report ... --format csv shows their columns");
+  }
+}
+
+// The first row of the report, in its order, that has all the values wanted.
+RowValues findRow(const MadeReport& report, const RowValues& wanted) {
+  const ResultTable table = report.table();
+  const bool numbered = std::ranges::any_of(report.connection().describe(table.name()), [](const tsql::Column& column) {
+    return equalIgnoringCase(column.name, "RowNo");
+  });
+  const auto rows =
+      report.account().session->openRecordset("Select * From " + table.name() + (numbered ? " Order By RowNo" : ""));
+  requireColumns(wanted, rows->columns());
+  for (; !rows->eof(); rows->moveNext()) {
+    RowValues row;
+    for (std::size_t i = 0; i < rows->columns().size(); ++i)
+      row.emplace_back(rows->columns()[i].name, rows->text(static_cast<int>(i)).value_or(""));
+    const auto has = [&row](const auto& entry) { return *valueOf(row, entry.first) == entry.second; };
+    if (std::ranges::all_of(wanted, has)) return row;
+  }
+  throw CommandError("no row of the report has " + described(wanted));
+}
+
+// The row that is acted on, and who is signed in. A report that was run for it is gone again.
+std::pair<RowValues, SignedInAccount> chooseRow(const DrillOptions& options, std::ostream& notes) {
+  const RowValues wanted = readRow(options.row);
+  const ReportRequest& request = options.report;
+  if (!request.filterFile.empty() || !request.settings.empty()) {
+    const auto report = makeReport(request, {.notes = notes});
+    return {findRow(*report, wanted), report->account()};
+  }
+  if (valueOf(wanted, "RowNo") != nullptr) {
+    throw CommandError(
+        "RowNo counts the rows of a report that is run with a filter: give its filter too (--set, --filter)");
+  }
+  return {wanted, logIn(request.account, request.language, request.date)};
+}
+
+Outcome act(const DrillOptions& options, const RowValues& row, const SignedInAccount& account) {
+  Outcome outcome;
+  EmbeddedPlatform platform(
+      {.accountConnection = account.connection,
+       .language = options.report.language,
+       .messages = [&outcome](std::string_view text, int) { outcome.messages.emplace_back(text); },
+       .vouchers = [&outcome](const OpenedVoucher& voucher) { outcome.opened.push_back(voucher); }});
+  const auto runner = makeReportRunner(platform);
+  runner->execute(registeredReport(options.report.report),
+                  std::make_shared<WorkbenchArgument>(account.login, row, options.action));
+  return outcome;
+}
+
+// A value as a reader has it: quantities with the decimals that they have, but two at least.
+std::string shownValue(const VoucherField& field, const std::string& value) {
+  constexpr int moneyDecimals = 2;
+  if (value.empty() || field.kind == VoucherField::Kind::text) return value;
+  if (field.kind == VoucherField::Kind::money) return groupedNumber(value, moneyDecimals);
+  const auto point = value.find('.');
+  const std::size_t decimals = point == std::string::npos ? 0 : value.size() - point - 1;
+  return groupedNumber(value, std::max(static_cast<int>(decimals), moneyDecimals));
+}
+
+void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, Language language) {
+  const std::string_view colon = language == Language::chinese ? "：" : ": ";
+  out << voucher.title.in(language) << '\n' << openedCaption.in(language) << colon << voucher.member << '\n';
+  for (const auto& [field, value] : voucher.heading) {
+    if (!value.empty()) out << field.caption.in(language) << colon << oneLine(shownValue(field, value)) << '\n';
+  }
+  out << '\n';
+  std::vector<TableColumn> columns;
+  for (const VoucherField& field : voucher.columns) {
+    columns.push_back(
+        {std::string(field.caption.in(language)), field.kind == VoucherField::Kind::text ? Align::left : Align::right});
+  }
+  TextTable table(out, std::move(columns));
+  for (const auto& line : voucher.lines) {
+    std::vector<std::string> cells;
+    for (std::size_t i = 0; i < line.size(); ++i)
+      cells.push_back(shownValue(voucher.columns[i], line[i]));
+    table.row(std::move(cells));
+  }
+  table.finish();
+}
+
+void writeTable(std::ostream& out, const Outcome& outcome, Language language) {
+  for (const std::string& message : outcome.messages)
+    out << oneLine(message) << '\n';
+  for (const OpenedVoucher& voucher : outcome.opened)
+    writeVoucher(out, voucher, language);
+  if (outcome.messages.empty() && outcome.opened.empty()) out << nothingOpened.in(language) << '\n';
+}
+
+Json jsonOf(const OpenedVoucher& voucher, Language language) {
+  Json heading = Json::object();
+  for (const auto& [field, value] : voucher.heading)
+    heading[std::string(field.name)] = value;
+  Json lines = Json::array();
+  for (const auto& line : voucher.lines) {
+    Json entry = Json::object();
+    for (std::size_t i = 0; i < line.size(); ++i)
+      entry[std::string(voucher.columns[i].name)] = line[i];
+    lines.push_back(std::move(entry));
+  }
+  return {{"member", voucher.member},
+          {"title", voucher.title.in(language)},
+          {"heading", std::move(heading)},
+          {"lines", std::move(lines)}};
+}
+
+void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& row, const Outcome& outcome) {
+  Json columns = Json::object();
+  for (const auto& [column, value] : row) {
+    if (!value.empty()) columns[column] = value;
+  }
+  Json opened = Json::array();
+  for (const OpenedVoucher& voucher : outcome.opened)
+    opened.push_back(jsonOf(voucher, options.report.language));
+  out << Json{{"action", options.action},
+              {"row", std::move(columns)},
+              {"messages", outcome.messages},
+              {"opened", std::move(opened)}}
+             .dump()
+      << '\n';
+}
+
+}  // namespace
+
+void runDrill(const DrillOptions& options, std::ostream& out, std::ostream& notes) {
+  registeredReport(options.report.report);
+  const auto [row, account] = chooseRow(options, notes);
+  const Outcome outcome = act(options, row, account);
+  if (options.format == DrillFormat::json) {
+    writeJson(out, options, row, outcome);
+  } else {
+    writeTable(out, outcome, options.report.language);
+  }
+  out.flush();
+  if (!out) throw CommandError("the document could not be written to standard output");
+}
+
+void addDrillCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("drill", "Open the document behind a row of a report");
+  const auto options = std::make_shared<DrillOptions>();
+  static const std::map<std::string, DrillFormat> formats = {{"table", DrillFormat::table},
+                                                             {"json", DrillFormat::json}};
+  static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
+  const auto several = [](CLI::Option* option) {
+    return option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  };
+  command.add_option("REPORT", options->report.report, "The report: " + reportNames())->required();
+  command.add_option("--account", options->report.account, "The account file")->required();
+  several(command.add_option("--row", options->row,
+                             "The row: column=value (may be repeated). With a filter the report is run and its first "
+                             "row that has these values is taken (RowNo=N: line N); without one these are its columns"))
+      ->required();
+  command.add_option("--action", options->action,
+                     "Vouch: the source document; anything else: the general-ledger voucher");
+  command.add_option("--filter", options->report.filterFile, "The report's filter, a JSON file");
+  several(command.add_option("--set", options->report.settings, "Set a filter item of the report: key=value"));
+  command.add_flag("!--no-dialog", options->report.dialog, "Do not run the report's filter dialog");
+  command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
+  command.add_option("--lang", options->report.language, "zh or en")->transform(oneOf(languages));
+  command.add_option("--date", options->report.date, "The login's date, yyyy-mm-dd");
+  command.callback([options] { runDrill(*options, std::cout, std::cerr); });
+}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,46 @@
+// The rows of a detail ledger as a reader sees them: told apart by what they are, and with what belongs to a ledger
+// line as a whole written once, however many cost items the line has.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "workbench/cli/report_document.h"
+#include "workbench/cli/result_table.h"
+#include "workbench/cli/text_table.h"
+
+namespace quillon::workbench {
+
+struct LedgerRow {
+  enum class Kind { opening, receipt, issue, monthBalance };
+
+  Kind kind = Kind::opening;
+  bool beginsLine = true;          // false: another cost item of the row before
+  std::vector<std::string> cells;  // one for each heading; empty where they repeat the row before
+};
+
+inline bool isBalance(LedgerRow::Kind kind) {
+  return kind == LedgerRow::Kind::opening || kind == LedgerRow::Kind::monthBalance;
+}
+
+// The headings: the document's columns, and the kind of the row behind the first.
+std::vector<TableColumn> ledgerHeadings(const ReportDocument& document);
+
+class LedgerRows {
+ public:
+  // Both must outlive this. The table has rows, and so the columns of a ledger.
+  LedgerRows(const ReportDocument& document, const ResultTable& table);
+
+  // False after the last row. The row stays until the next call.
+  bool next();
+  const LedgerRow& row() const { return row_; }
+
+ private:
+  const ReportDocument& document_;
+  std::unique_ptr<tsql::Cursor> cursor_;
+  std::vector<std::string> lineCells_;  // of the row before
+  LedgerRow row_;
+};
+
+}  // namespace quillon::workbench

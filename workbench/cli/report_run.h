@@ -1,0 +1,68 @@
+// Making a report on an account, for whoever shows its rows or acts on one of them.
+#pragma once
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "workbench/cli/account_login.h"
+#include "workbench/cli/result_table.h"
+#include "workbench/platform/language.h"
+
+namespace quillon::workbench {
+
+// Which report, on what, and with which filter.
+struct ReportRequest {
+  std::string report = {};                 // "sfc-item", "outsum-item", "fx-detail"
+  std::string account = {};                // SOURCE
+  std::string filterFile = {};             // a filter file; empty for none
+  std::vector<std::string> settings = {};  // key=value, over the filter file
+  // The report's dialog fills what filter file and settings leave empty and says which choices there are; without it
+  // the registered defaults do.
+  bool dialog = true;
+  Language language = Language::chinese;
+  std::string date = {};  // the login's date, yyyy-mm-dd; empty: the last day of the current year
+};
+
+// A report that has been made. Its result table is dropped with it, unless it is to be kept.
+class MadeReport {
+ public:
+  MadeReport(const ReportRegistration& registration, SignedInAccount account, std::shared_ptr<FilterObject> filter);
+  MadeReport(const MadeReport&) = delete;
+  MadeReport& operator=(const MadeReport&) = delete;
+  ~MadeReport();
+
+  void keepTable() { keep_ = true; }
+
+  const ReportRegistration& registration() const { return registration_; }
+  const SignedInAccount& account() const { return account_; }
+  FilterObject& filter() const { return *filter_; }
+  // What the report is run with.
+  const std::shared_ptr<WorkbenchArgument>& argument() const { return argument_; }
+  // The result table's account, on a connection of its own.
+  tsql::Connection& connection() const { return *connection_; }
+  // The result table, by the name that the argument's data source has for it.
+  ResultTable table() const { return {*connection_, argument_->dataSourceState().resultTable}; }
+
+ private:
+  const ReportRegistration& registration_;
+  SignedInAccount account_;
+  std::shared_ptr<FilterObject> filter_;
+  std::shared_ptr<WorkbenchArgument> argument_;
+  std::unique_ptr<tsql::Connection> connection_;
+  bool keep_ = false;
+};
+
+// How a run is watched: progress on a terminal and an explanation of each statement; either may be null.
+struct RunNotes {
+  std::ostream& notes;  // what the user must know beside the report
+  std::ostream* progress = nullptr;
+  std::ostream* explanation = nullptr;
+};
+
+// Signs in, fills the filter and runs the report. Throws std::exception with one line for the user when it cannot be
+// made.
+std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNotes& notes);
+
+}  // namespace quillon::workbench
