@@ -261,6 +261,22 @@ bool toFlag(const VARIANT& value) {
   return converted(plainValue(value, "a flag"), VT_BOOL, "a flag").boolVal != VARIANT_FALSE;
 }
 
+std::vector<std::string> toTexts(const VARIANT& value) {
+  const Variant plain = dereferenced(value);
+  if (plain.vt != (VT_ARRAY | VT_VARIANT) || SafeArrayGetDim(plain.parray) != 1) throwMismatch(plain, "a list");
+  LONG index = 0;
+  LONG last = -1;
+  SafeArrayGetLBound(plain.parray, 1, &index);
+  SafeArrayGetUBound(plain.parray, 1, &last);
+  std::vector<std::string> texts;
+  for (; index <= last; ++index) {
+    Variant element;
+    if (FAILED(SafeArrayGetElement(plain.parray, &index, element.out()))) throw std::bad_alloc();
+    texts.push_back(toText(element));
+  }
+  return texts;
+}
+
 ComPtr<IDispatch> toObject(const VARIANT& value) {
   Variant plain = dereferenced(value);
   if (plain.vt == VT_DISPATCH) return ComPtr<IDispatch>(plain.pdispVal);

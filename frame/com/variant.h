@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/com/com_ptr.h"
 #include "frame/com/text.h"
@@ -97,6 +98,8 @@ std::optional<std::string> toTextOrNull(const VARIANT& value);
 // As a whole number (rounded); empty gives 0.
 int toInteger(const VARIANT& value);
 bool toFlag(const VARIANT& value);
+// An array of values as texts.
+std::vector<std::string> toTexts(const VARIANT& value);
 // As an object; "Nothing" gives null.
 ComPtr<IDispatch> toObject(const VARIANT& value);
 

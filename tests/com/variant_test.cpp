@@ -63,18 +63,21 @@ TEST(VariantMaking, ADateFromIsoText) {
 
 TEST(VariantMaking, AnArrayOfTexts) {
   for (const std::vector<std::string>& texts : {std::vector<std::string>{}, {"颜色"}, {"a", ""}}) {
-    const Variant list = Variant::textArray(texts);
-    ASSERT_EQ(list.vt, VT_ARRAY | VT_VARIANT);
-    LONG last = 0;
-    ASSERT_EQ(SafeArrayGetUBound(list.parray, 1, &last), S_OK);
-    std::vector<std::string> read;
-    for (LONG index = 0; index <= last; ++index) {
-      Variant element;
-      ASSERT_EQ(SafeArrayGetElement(list.parray, &index, element.out()), S_OK);
-      EXPECT_EQ(element.vt, VT_BSTR);
-      read.push_back(toText(element));
+    Variant list = Variant::textArray(texts);
+    EXPECT_EQ(list.vt, VT_ARRAY | VT_VARIANT);
+    EXPECT_EQ(toTexts(list), texts);
+    EXPECT_EQ(toTexts(Variant::reference(list)), texts);
+  }
+}
+
+TEST(VariantReading, OnlyAListIsReadAsOne) {
+  for (const Variant& value : {Variant("text"), Variant(), Variant(1)}) {
+    try {
+      toTexts(value);
+      ADD_FAILURE() << "read automation type " << value.vt;
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.code(), hresult::typeMismatch);
     }
-    EXPECT_EQ(read, texts);
   }
 }
 

@@ -44,6 +44,7 @@ class LoginDispatch : public com::Automation<LoginDispatch> {
         {bindings::login::currentPeriodYear, 8, com::readable, 0, 0, &LoginDispatch::currentPeriodYear},
         {bindings::login::businessDate, 9, com::readable, 0, 0, &LoginDispatch::businessDate},
         {bindings::login::authString, 10, com::readable | com::writable, 0, 0, &LoginDispatch::authString},
+        {bindings::login::moduleCode, 11, com::readable, 0, 0, &LoginDispatch::moduleCode},
     };
     return table;
   }
@@ -67,6 +68,7 @@ class LoginDispatch : public com::Automation<LoginDispatch> {
     }
     return authString_;
   }
+  Variant moduleCode(Call&) { return login_->moduleCode(); }
   const char* sourceName() const override { return "Quillon login"; }
 
   std::shared_ptr<Login> login_;
@@ -270,7 +272,7 @@ class DataSourceDispatch : public com::Automation<DataSourceDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::data_source::sql, DISPID_VALUE, com::readable, 0, 0, &DataSourceDispatch::sql},
+        {bindings::data_source::sql, DISPID_VALUE, com::readable | com::writable, 0, 0, &DataSourceDispatch::sql},
         {bindings::data_source::type, 1, com::readable | com::writable, 0, 0, &DataSourceDispatch::type},
     };
     return table;
@@ -279,7 +281,10 @@ class DataSourceDispatch : public com::Automation<DataSourceDispatch> {
   explicit DataSourceDispatch(std::shared_ptr<WorkbenchArgument> argument) : argument_(std::move(argument)) {}
 
  private:
-  Variant sql(Call&) { return argument_->dataSource()->resultTable(); }
+  Variant sql(Call& call) {
+    if (call.assigns()) argument_->dataSource()->setResultTable(com::toText(call.assigned()));
+    return argument_->dataSource()->resultTable();
+  }
   Variant type(Call& call) {
     if (call.assigns()) argument_->dataSource()->setType(com::toInteger(call.assigned()));
     return argument_->dataSourceState().type;
@@ -287,6 +292,42 @@ class DataSourceDispatch : public com::Automation<DataSourceDispatch> {
   const char* sourceName() const override { return "Quillon data source"; }
 
   std::shared_ptr<WorkbenchArgument> argument_;
+};
+
+// The row that Execute is called for.
+class RowDispatch : public com::Automation<RowDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::report_row::value, 1, com::callable, 1, 1, &RowDispatch::value},
+        {L"TakeRow", 2, com::callable, 1, 1, &RowDispatch::takeRow},
+    };
+    return table;
+  }
+
+  explicit RowDispatch(std::shared_ptr<WorkbenchArgument> argument) : argument_(std::move(argument)) {}
+
+ private:
+  Variant value(Call& call) {
+    if (!row_) row_ = argument_->row();
+    return row_->value(call.text(0));
+  }
+  Variant takeRow(Call& call) {
+    const com::LateBound recordset(call.object(0), "ADODB.Recordset");
+    const com::LateBound fields = recordset.object(bindings::ado::fields, "Fields");
+    const int count = fields.integer(L"Count");
+    RowValues values;
+    for (int position = 0; position < count; ++position) {
+      const com::LateBound field = fields.item(position, "Field");
+      values.emplace_back(field.text(L"Name"), field.text(bindings::ado::value));
+    }
+    row_ = WorkbenchArgument(argument_->login(), std::move(values), {}).row();
+    return {};
+  }
+  const char* sourceName() const override { return "Quillon row"; }
+
+  std::shared_ptr<WorkbenchArgument> argument_;
+  std::unique_ptr<ReportRow> row_;
 };
 
 class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
@@ -298,6 +339,7 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
         {bindings::argument::loginObj, 3, com::readable, 0, 0, &ArgumentDispatch::login},
         {bindings::argument::dataSource, 4, com::readable, 0, 0, &ArgumentDispatch::dataSource},
         {bindings::argument::action, 5, com::readable | com::writable, 0, 0, &ArgumentDispatch::action},
+        {bindings::argument::row, 6, com::readable, 0, 0, &ArgumentDispatch::row},
     };
     return table;
   }
@@ -305,8 +347,10 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
   ArgumentDispatch(std::shared_ptr<WorkbenchArgument> argument, std::shared_ptr<FilterDialogObject> dialog)
       : argument_(std::move(argument)),
         login_(makeObject<LoginDispatch>(argument_->login())),
-        filter_(makeObject<FilterDispatch>(argument_->filter(), std::move(dialog), login_)),
-        action_(argument_->action()) {}
+        row_(makeObject<RowDispatch>(argument_)),
+        action_(argument_->action()) {
+    if (argument_->filter()) filter_ = makeObject<FilterDispatch>(argument_->filter(), std::move(dialog), login_);
+  }
 
  private:
   Variant rawFilter(Call&) { return filter_; }
@@ -316,11 +360,13 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
     if (call.assigns()) action_ = com::toText(call.assigned());
     return action_;
   }
+  Variant row(Call&) { return row_; }
   const char* sourceName() const override { return "Quillon argument"; }
 
   std::shared_ptr<WorkbenchArgument> argument_;
   ComPtr<LoginDispatch> login_;
   ComPtr<FilterDispatch> filter_;
+  ComPtr<RowDispatch> row_;
   std::string action_;
 };
 
@@ -349,8 +395,8 @@ class UsedYearsDispatch : public com::Automation<UsedYearsDispatch> {
   std::vector<std::string> years_;
 };
 
-// IA_Pub.ClsIAPub over the connection that the caller passes: the one argument that is an object, wherever it stands
-// among the others, so that callers of either argument order are served.
+// IA_Pub.ClsIAPub over the connection that the caller passes. In the operations of all reports that is the one argument
+// that is an object, wherever it stands among the others, so that callers of either argument order are served.
 class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> {
  public:
   static std::span<const Member> members() {
@@ -362,6 +408,14 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
         {bindings::public_component::costItemStartMonth, 3, com::callable, 2, 2,
          &PublicComponentDispatch::costItemStartMonth},
         {bindings::public_component::usedYears, 4, com::callable, 2, 2, &PublicComponentDispatch::usedYears},
+        {bindings::public_component::costItemOpeningsFinished, 5, com::callable, 2, 2,
+         &PublicComponentDispatch::costItemOpeningsFinished},
+        {bindings::public_component::moduleStart, 6, com::callable, 4, 4, &PublicComponentDispatch::moduleStart},
+        {bindings::public_component::datesOfPeriod, 7, com::callable, 6, 6, &PublicComponentDispatch::datesOfPeriod},
+        {bindings::public_component::periodOfDate, 8, com::callable, 4, 4, &PublicComponentDispatch::periodOfDate},
+        {bindings::public_component::periodSettled, 9, com::callable, 3, 3, &PublicComponentDispatch::periodSettled},
+        {bindings::public_component::workstationName, 10, com::callable, 0, 0,
+         &PublicComponentDispatch::workstationName},
     };
     return table;
   }
@@ -409,6 +463,42 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
     Sorted arguments = sorted(call);
     return makeObject<UsedYearsDispatch>(component_->usedYears(arguments.texts[0], arguments.session));
   }
+
+  // What the detail ledger asks. Results are written into variables behind the arguments that are read.
+  com::AdoSession sessionAt(Call& call, std::size_t index) const {
+    return com::AdoSession({call.object(index), "ADODB.Connection"});
+  }
+  Variant costItemOpeningsFinished(Call& call) {
+    com::AdoSession session = sessionAt(call, 0);
+    return component_->costItemOpeningsFinished(call.integer(1), session);
+  }
+  Variant moduleStart(Call& call) {
+    com::AdoSession session = sessionAt(call, 1);
+    const AccountingPeriod start = component_->moduleStart(call.text(0), session);
+    call.writeBack(2, Variant(start.month));
+    call.writeBack(3, Variant(start.year));
+    return {};
+  }
+  Variant datesOfPeriod(Call& call) {
+    com::AdoSession session = sessionAt(call, 0);
+    const PeriodDates dates =
+        component_->datesOfPeriod(call.text(1), {.year = call.integer(2), .month = call.integer(3)}, session);
+    call.writeBack(4, Variant::fromIsoDate(dates.begin));
+    call.writeBack(5, Variant::fromIsoDate(dates.end));
+    return {};
+  }
+  Variant periodOfDate(Call& call) {
+    com::AdoSession session = sessionAt(call, 0);
+    const AccountingPeriod period = component_->periodOfDate(call.text(1), session);
+    call.writeBack(2, Variant(period.year));
+    call.writeBack(3, Variant(period.month));
+    return {};
+  }
+  Variant periodSettled(Call& call) {
+    com::AdoSession session = sessionAt(call, 0);
+    return component_->periodSettled({.year = call.integer(1), .month = call.integer(2)}, session);
+  }
+  Variant workstationName(Call&) { return component_->workstationName(); }
   const char* sourceName() const override { return "IA_Pub.ClsIAPub"; }
 
   std::shared_ptr<PublicComponent> component_;
@@ -498,10 +588,9 @@ class ResourceDispatch : public com::ComObject<bindings::IResourceService> {
       service_->takeLogin(login);
       return {};
     }
-    if (!com::isMissing(arguments) && com::dereferenced(arguments).vt != VT_EMPTY) {
-      throw AutomationError(hresult::notImplemented, source, "Texts with arguments are not available.");
-    }
-    return service_->text(com::toText(plain));
+    if (com::isMissing(arguments) || com::dereferenced(arguments).vt == VT_EMPTY)
+      return service_->text(com::toText(plain));
+    return service_->formattedText(com::toText(plain), com::toTexts(arguments));
   }
 
   std::shared_ptr<ResourceService> service_;
@@ -594,6 +683,8 @@ PlatformStandIn::PlatformStandIn(EmbeddedPlatform& platform)
                      return makeObject<UniqueNameDispatch>(platform.createUniqueNameSource());
                    }),
       drillThrough_(com::classIdOf(bindings::drillThrough),
-                    []() -> ComPtr<IUnknown> { return makeObject<DrillThroughDispatch>(); }) {}
+                    []() -> ComPtr<IUnknown> { return makeObject<DrillThroughDispatch>(); }),
+      environment_(platform),
+      vouchers_(platform) {}
 
 }  // namespace quillon::workbench

@@ -9,14 +9,18 @@
 #include "frame/com/class_factory.h"
 #include "frame/com/dispatch_object.h"
 #include "workbench/com/ado.h"
+#include "workbench/com/environment_objects.h"
+#include "workbench/com/voucher_objects.h"
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_dialog_object.h"
 
 namespace quillon::workbench {
 
-// The argument object e: rawFilter, Login, LoginObj, DataSource (Type, SQL), Action (read and written). With `dialog`,
-// which is on the argument's own filter, rawFilter is the dialog's filter object as well.
+// The argument object e: rawFilter, Login, LoginObj, DataSource (Type, SQL), Action (read and written), RelateData. With
+// `dialog`, which is on the argument's own filter, rawFilter is the dialog's filter object as well; an argument without
+// a filter has none. RelateData gives the argument's row by GetData(column), or the one that it was told by
+// TakeRow(recordset): the recordset's current row.
 com::ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument,
                                       std::shared_ptr<FilterDialogObject> dialog = nullptr);
 
@@ -35,8 +39,8 @@ com::ComPtr<IDispatch> dialogDispatch(std::shared_ptr<FilterDialogObject> dialog
 com::ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login);
 
 // Makes, in this thread's apartment and for as long as it lives, ADO's ProgIDs mean the embedded account and the
-// platform's ProgIDs (IA_Pub.ClsIAPub, resource and message service, naming, unique names, drill-through helper) mean
-// the components that `platform` makes. Neither the registry nor another process sees any of it, and a platform that is
+// platform's ProgIDs (IA_Pub.ClsIAPub, resource and message service, naming, unique names, drill-through helper,
+// environment, voucher components) mean the components that `platform` makes. Neither the registry nor another process sees any of it, and a platform that is
 // installed on the machine is left alone.
 class PlatformStandIn {
  public:
@@ -54,6 +58,8 @@ class PlatformStandIn {
   com::InProcessClass naming_;
   com::InProcessClass uniqueNames_;
   com::InProcessClass drillThrough_;
+  EnvironmentStandIn environment_;
+  VoucherStandIn vouchers_;
 };
 
 }  // namespace quillon::workbench

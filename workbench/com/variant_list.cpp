@@ -1,6 +1,10 @@
 #include "workbench/com/variant_list.h"
 
 #include <algorithm>
+#include <string>
+#include <utility>
+
+#include "frame/automation_error.h"
 
 namespace quillon::workbench {
 
@@ -51,6 +55,49 @@ STDMETHODIMP VariantList::Clone(IEnumVARIANT** copy) {
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
   }
+}
+
+namespace {
+
+constexpr const char* collectionSource = "Quillon collection";
+
+com::Variant itemAt(com::Call& call, const std::vector<com::Variant>& values) {
+  const int position = call.integer(0);
+  if (position < 1 || static_cast<std::size_t>(position) > values.size()) {
+    throw AutomationError(DISP_E_BADINDEX, collectionSource,
+                          "The collection has " + std::to_string(values.size()) + " items, but item " +
+                              std::to_string(position) + " was asked for.");
+  }
+  return values[static_cast<std::size_t>(position) - 1];
+}
+
+class Collection : public com::Automation<Collection> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {L"Item", DISPID_VALUE, com::readable, 1, 1, &Collection::item},
+        {L"Count", 1, com::readable, 0, 0, &Collection::count},
+        {L"_NewEnum", DISPID_NEWENUM, com::readable | com::callable, 0, 0, &Collection::each},
+    };
+    return table;
+  }
+
+  explicit Collection(std::vector<com::Variant> values) : values_(std::move(values)) {}
+
+ private:
+  com::Variant item(com::Call& call) { return itemAt(call, values_); }
+  com::Variant count(com::Call&) { return static_cast<int>(values_.size()); }
+  com::Variant each(com::Call&) { return enumeratorOf(values_); }
+  const char* sourceName() const override { return collectionSource; }
+
+  std::vector<com::Variant> values_;
+};
+
+}  // namespace
+
+com::Variant collectionMember(com::Call& call, const std::vector<com::Variant>& values) {
+  if (call.given(0)) return itemAt(call, values);
+  return com::makeObject<Collection>(values);
 }
 
 com::Variant enumeratorOf(std::vector<com::Variant> values) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "frame/com/com_object.h"
+#include "frame/com/dispatch_object.h"
 #include "frame/com/variant.h"
 
 namespace quillon::workbench {
@@ -25,5 +26,10 @@ class VariantList : public com::ComObject<IEnumVARIANT> {
 
 // What a collection's member with DISPID_NEWENUM gives.
 com::Variant enumeratorOf(std::vector<com::Variant> values);
+
+// What a member gives that stands for a collection of these values. Called without an argument: the collection, with
+// Item (from 1; the default member), Count, and what "For Each" asks for. With one: that item, as Basic writes it.
+// Throws AutomationError (bad index) for an item that there is not.
+com::Variant collectionMember(com::Call& call, const std::vector<com::Variant>& values);
 
 }  // namespace quillon::workbench

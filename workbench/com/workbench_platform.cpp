@@ -4,6 +4,7 @@
 
 #include "frame/com/class_lookup.h"
 #include "frame/com/platform_bindings.h"
+#include "workbench/com/variant_list.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/registrations.h"
@@ -59,6 +60,8 @@ auto WorkbenchPlatform::members() -> std::span<const Member> {
       {L"FailureStatement", 7, com::readable, 0, 0, &WorkbenchPlatform::failureStatement},
       {L"LiveObjects", 8, com::readable, 0, 0, &WorkbenchPlatform::liveObjects},
       {L"NewDialog", 9, com::callable, 1, 1, &WorkbenchPlatform::newDialog},
+      {L"Messages", 10, com::readable | com::callable, 0, 1, &WorkbenchPlatform::messages},
+      {L"Vouchers", 11, com::readable | com::callable, 0, 1, &WorkbenchPlatform::vouchers},
   };
   return table;
 }
@@ -89,8 +92,17 @@ Variant WorkbenchPlatform::openAccount(Call& call) {
   const std::string source = call.text(0);
   const bool onServer = namesServer(source);
   accountConnection_ = onServer ? source : inAutomationWords([&] { return connectionString(accountFile(source)); });
-  EmbeddedPlatformOptions options{
-      .accountConnection = accountConnection_, .language = language_, .monitor = failures_.get()};
+  EmbeddedPlatformOptions options{.accountConnection = accountConnection_,
+                                  .language = language_,
+                                  .monitor = failures_.get(),
+                                  .messages =
+                                      [shown = shown_](std::string_view text, int flags) {
+                                        shown->messages.emplace_back(messageObject(std::string(text), flags));
+                                      },
+                                  .vouchers =
+                                      [shown = shown_, language = language_](const OpenedVoucher& voucher) {
+                                        shown->vouchers.emplace_back(openedVoucherObject(voucher, language));
+                                      }};
   if (onServer) options.makeSession = newSession;
   platform_ = std::make_unique<EmbeddedPlatform>(std::move(options));
   if (onServer) {
@@ -157,6 +169,14 @@ Variant WorkbenchPlatform::failureText(Call&) {
 
 Variant WorkbenchPlatform::failureStatement(Call&) {
   return failures_->last().sql;
+}
+
+Variant WorkbenchPlatform::messages(Call& call) {
+  return collectionMember(call, shown_->messages);
+}
+
+Variant WorkbenchPlatform::vouchers(Call& call) {
+  return collectionMember(call, shown_->vouchers);
 }
 
 Variant WorkbenchPlatform::liveObjects(Call&) {

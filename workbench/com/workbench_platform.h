@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "frame/com/ado_session.h"
 #include "frame/com/dispatch_object.h"
@@ -28,18 +29,26 @@ class FailureKeeper final : public SessionMonitor {
   StatementFailure last_;
 };
 
+// Keeps what the user was told and shown, for scripts to read.
+struct ShownToUser {
+  std::vector<com::Variant> messages;
+  std::vector<com::Variant> vouchers;
+};
+
 // Its members:
 // - Language: "zh" (the default) or "en"; written before OpenAccount.
 // - OpenAccount(source): an account file, its connection string, or ADO's connection string to an account on a server;
 //   once for an object.
 // - NewArgument(report): an argument object e for the report ("sfc-item"): a filter with its defaults, the account's
-//   login, and a data source whose SQL is a fresh table name.
+//   login, a data source whose SQL is a fresh table name, and RelateData without a row until TakeRow gives it one.
 // - NewDialog(report): the same with a filter in which nothing is entered yet and which is in a dialog: e.rawFilter is
 //   what a filter-control class takes. For embedded accounts.
 // - Query(sql): a Recordset with the rows of a query on the platform's own connection.
 // - FailureNumber, FailureText, FailureStatement: SQL Server's number and text of the last statement that failed on an
 //   embedded account in this process (0 and empty when none did), and the statement: what a report absorbed is read
 //   here.
+// - Messages, Vouchers: collections of what reports and dialogs told the user and of the documents that they opened, in
+//   order, since the account was opened (objects of voucher_objects.h).
 // - LiveObjects: how many of the workbench's automation objects are alive.
 class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
  public:
@@ -54,6 +63,8 @@ class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
   com::Variant failureNumber(com::Call& call);
   com::Variant failureText(com::Call& call);
   com::Variant failureStatement(com::Call& call);
+  com::Variant messages(com::Call& call);
+  com::Variant vouchers(com::Call& call);
   com::Variant liveObjects(com::Call& call);
   const char* sourceName() const override { return "QuillonWorkbench.Platform"; }
 
@@ -61,6 +72,7 @@ class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
 
   Language language_ = Language::chinese;
   std::shared_ptr<FailureKeeper> failures_ = std::make_shared<FailureKeeper>();
+  std::shared_ptr<ShownToUser> shown_ = std::make_shared<ShownToUser>();
   std::string accountConnection_;
   std::unique_ptr<EmbeddedPlatform> platform_;
   std::optional<PlatformStandIn> standIn_;

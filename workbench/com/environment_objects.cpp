@@ -1,0 +1,152 @@
+#include "workbench/com/environment_objects.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "frame/com/class_lookup.h"
+#include "frame/com/platform_bindings.h"
+#include "workbench/com/own_object.h"
+
+namespace quillon::workbench {
+
+using com::Call;
+using com::ComPtr;
+using com::makeObject;
+using com::Variant;
+namespace bindings = com::bindings;
+
+namespace {
+
+class WorkTableNumberDispatch : public com::Automation<WorkTableNumberDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {L"Number", DISPID_VALUE, com::readable, 0, 0, &WorkTableNumberDispatch::number}};
+    return table;
+  }
+
+  explicit WorkTableNumberDispatch(int number) : number_(number) {}
+
+ private:
+  Variant number(Call&) { return number_; }
+
+  int number_;
+};
+
+class AccountLoginDispatch : public OwnObject<AccountLoginDispatch> {
+ public:
+  static constexpr IID ownId = {0x6fdcb58e, 0x2b11, 0x4f47, {0x8d, 0x1c, 0x08, 0x23, 0xde, 0x13, 0xb4, 0x3e}};
+
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::account_login::initialise, 1, com::callable, 2, 2, &AccountLoginDispatch::initialise}};
+    return table;
+  }
+
+  explicit AccountLoginDispatch(std::unique_ptr<AccountLogin> login) : login_(std::move(login)) {}
+
+  AccountLogin& login() { return *login_; }
+
+ private:
+  Variant initialise(Call& call) {
+    login_->initialise(call.text(0), call.text(1));
+    return {};
+  }
+  const char* sourceName() const override { return "OrvPlatform.AccountLogin"; }
+
+  std::unique_ptr<AccountLogin> login_;
+};
+
+// Empty until the environment fills it.
+class AccountOptionsDispatch : public OwnObject<AccountOptionsDispatch> {
+ public:
+  static constexpr IID ownId = {0xd14a4f0f, 0xf614, 0x4c90, {0x9d, 0xb7, 0x67, 0xd6, 0x09, 0x02, 0xca, 0xff}};
+
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::account_options::costingBasis, 1, com::readable, 0, 0, &AccountOptionsDispatch::costingBasis},
+        {bindings::account_options::inventoryTable, 2, com::readable, 0, 0, &AccountOptionsDispatch::inventoryTable},
+        {bindings::account_options::warehouseTable, 3, com::readable, 0, 0, &AccountOptionsDispatch::warehouseTable},
+    };
+    return table;
+  }
+
+  void fill(std::unique_ptr<AccountOptions> options) { options_ = std::move(options); }
+
+ private:
+  AccountOptions& options() const {
+    if (!options_) {
+      throw AutomationError(hresult::unexpected, sourceName(),
+                            "The account options are empty: call the environment's FillAccountOptions first.");
+    }
+    return *options_;
+  }
+  Variant costingBasis(Call&) { return options().costingBasis(); }
+  Variant inventoryTable(Call&) { return options().inventoryTable(); }
+  Variant warehouseTable(Call&) { return options().warehouseTable(); }
+  const char* sourceName() const override { return "OrvPlatform.AccountOptions"; }
+
+  std::unique_ptr<AccountOptions> options_;
+};
+
+class EnvironmentDispatch : public com::Automation<EnvironmentDispatch> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member table[] = {
+        {bindings::inventory_environment::initialise, 1, com::callable, 1, 1, &EnvironmentDispatch::initialise},
+        {bindings::inventory_environment::tableNames, 2, com::callable, 2, 2, &EnvironmentDispatch::tableNames},
+        {bindings::inventory_environment::fillOptions, 3, com::callable, 3, 3, &EnvironmentDispatch::fillOptions},
+    };
+    return table;
+  }
+
+  explicit EnvironmentDispatch(std::unique_ptr<InventoryEnvironment> environment)
+      : environment_(std::move(environment)) {}
+
+ private:
+  ComPtr<AccountLoginDispatch> loginAt(Call& call, std::size_t index) const {
+    return AccountLoginDispatch::from(call.object(index), sourceName(), "an account login");
+  }
+
+  Variant initialise(Call& call) {
+    login_ = loginAt(call, 0);
+    environment_->setLogin(login_->login());
+    return {};
+  }
+  // The workbench has no use for a second table.
+  Variant tableNames(Call& call) {
+    call.writeBack(0, Variant(environment_->resultTable()));
+    call.writeBack(1, Variant(""));
+    return {};
+  }
+  Variant fillOptions(Call& call) {
+    const auto options = AccountOptionsDispatch::from(call.object(0), sourceName(), "account options");
+    options->fill(environment_->accountOptions(loginAt(call, 1)->login(), call.text(2)));
+    return {};
+  }
+  const char* sourceName() const override { return "OrvPlatform.InventoryEnvironment"; }
+
+  std::unique_ptr<InventoryEnvironment> environment_;
+  ComPtr<AccountLoginDispatch> login_;  // what the environment was handed stays with it
+};
+
+}  // namespace
+
+EnvironmentStandIn::EnvironmentStandIn(EmbeddedPlatform& platform)
+    : workTableNumber_(com::classIdOf(bindings::workTableNumber),
+                       [&platform]() -> ComPtr<IUnknown> {
+                         return makeObject<WorkTableNumberDispatch>(platform.workTableNumber());
+                       }),
+      accountLogin_(com::classIdOf(bindings::accountLogin),
+                    [&platform]() -> ComPtr<IUnknown> {
+                      return makeObject<AccountLoginDispatch>(platform.createAccountLogin());
+                    }),
+      environment_(com::classIdOf(bindings::environment),
+                   [&platform]() -> ComPtr<IUnknown> {
+                     return makeObject<EnvironmentDispatch>(platform.createInventoryEnvironment());
+                   }),
+      accountOptions_(com::classIdOf(bindings::accountOptions),
+                      []() -> ComPtr<IUnknown> { return makeObject<AccountOptionsDispatch>(); }) {}
+
+}  // namespace quillon::workbench

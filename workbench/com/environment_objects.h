@@ -1,0 +1,23 @@
+// What the detail ledger and its dialog create of the inventory-accounting environment, as automation objects: account
+// login, environment, account options, and the numbers of work tables. Thin wrappers; workbench/platform does the work.
+#pragma once
+
+#include "frame/com/class_factory.h"
+#include "workbench/platform/embedded_platform.h"
+
+namespace quillon::workbench {
+
+// Makes the ProgIDs of these objects mean what `platform` makes, in this thread's apartment and for as long as it
+// lives. `platform` outlives it, but what was made may live longer. Throws AutomationError.
+class EnvironmentStandIn {
+ public:
+  explicit EnvironmentStandIn(EmbeddedPlatform& platform);
+
+ private:
+  com::InProcessClass workTableNumber_;
+  com::InProcessClass accountLogin_;
+  com::InProcessClass environment_;
+  com::InProcessClass accountOptions_;
+};
+
+}  // namespace quillon::workbench

@@ -1,0 +1,36 @@
+// The voucher components as automation objects, and what a platform tells its user as objects for scripts. Thin
+// wrappers; the objects of workbench/platform look the documents up.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "frame/com/class_factory.h"
+#include "workbench/platform/embedded_platform.h"
+#include "workbench/platform/voucher_components.h"
+
+namespace quillon::workbench {
+
+// Makes PellUniVch.clsUniVch, ZzPub.clsPub and ZzPz.clsPZ mean what `platform` makes, in this thread's apartment and
+// for as long as it lives. `platform` outlives it, but what was made may live longer. Throws AutomationError.
+class VoucherStandIn {
+ public:
+  explicit VoucherStandIn(EmbeddedPlatform& platform);
+
+ private:
+  com::InProcessClass sourceVoucher_;
+  com::InProcessClass ledgerModule_;
+  com::InProcessClass ledgerVoucher_;
+};
+
+// PellUniVch.clsUniVch over a component. It takes the lists of arguments that the library passes.
+com::ComPtr<IDispatch> sourceVoucherObject(std::unique_ptr<SourceVoucherComponent> component);
+
+// An opened document for scripts: Member (of the component that was called), Title, Heading(name) and Line(number,
+// name), the values of its fields as texts, LineCount, and Text, all of it as it may be shown.
+com::ComPtr<IDispatch> openedVoucherObject(OpenedVoucher voucher, Language language);
+
+// A message for scripts: Text (its default member) and Flags.
+com::ComPtr<IDispatch> messageObject(std::string text, int flags);
+
+}  // namespace quillon::workbench
