@@ -57,10 +57,10 @@ std::string described(const RowValues& row) {
 }
 
 void requireColumns(const RowValues& wanted, std::span<const tsql::Column> columns) {
-  for (const auto& [name, value] : wanted) {
-    const auto has = [&name](const tsql::Column& column) { return equalIgnoringCase(column.name, name); };
+  for (const auto& entry : wanted) {
+    const auto has = [&entry](const tsql::Column& column) { return equalIgnoringCase(column.name, entry.first); };
     if (std::ranges::any_of(columns, has)) continue;
-    throw CommandError("the rows of the report have no column \"" + name +
+    throw CommandError("the rows of the report have no column \"" + entry.first +
                        "\"; quillon report ... --format csv shows their columns");
   }
 }
@@ -68,11 +68,7 @@ void requireColumns(const RowValues& wanted, std::span<const tsql::Column> colum
 // The first row of the report, in its order, that has all the values wanted.
 RowValues findRow(const MadeReport& report, const RowValues& wanted) {
   const ResultTable table = report.table();
-  const bool numbered = std::ranges::any_of(report.connection().describe(table.name()), [](const tsql::Column& column) {
-    return equalIgnoringCase(column.name, "RowNo");
-  });
-  const auto rows =
-      report.account().session->openRecordset("Select * From " + table.name() + (numbered ? " Order By RowNo" : ""));
+  const auto rows = report.account().session->openRecordset(table.selectRows());
   requireColumns(wanted, rows->columns());
   for (; !rows->eof(); rows->moveNext()) {
     RowValues row;

@@ -3,6 +3,7 @@
 
 #include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
+#include "filters/wt_filter_control.h"
 #include "frame/module.h"
 #include "workbench/cli/library_runner.h"
 
@@ -17,6 +18,20 @@ bool accepts(FilterControl& control, FilterDialog& dialog) {
   return !control.filterClick(dialog).has_value();
 }
 
+bool accepts(WtFilterControl&, FilterDialog&) {
+  return WtFilterControl::filterClick();
+}
+
+template <typename Control>
+std::optional<std::string> viewOf(FilterDialog& dialog) {
+  return Control::reportView(dialog);
+}
+// The cost-item voucher report has one view, which its class is not asked for.
+template <>
+std::optional<std::string> viewOf<WtFilterControl>(FilterDialog&) {
+  return std::nullopt;
+}
+
 // A dialog that is served by an instance of `Control`.
 template <typename Control>
 class NativeDialog final : public DialogRunner {
@@ -27,8 +42,8 @@ class NativeDialog final : public DialogRunner {
   void init() override { control_.filterInit(*dialog_); }
   void changed(const std::string& key) override { control_.valueChange(key, *dialog_); }
   bool click() override { return accepts(control_, *dialog_); }
-  std::optional<std::string> view() override { return Control::reportView(*dialog_); }
-  std::optional<std::string> viewAfterChange(const std::string&) override { return Control::reportView(*dialog_); }
+  std::optional<std::string> view() override { return viewOf<Control>(*dialog_); }
+  std::optional<std::string> viewAfterChange(const std::string&) override { return viewOf<Control>(*dialog_); }
 
  private:
   Module module_;
@@ -44,6 +59,8 @@ std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const
     return std::make_unique<NativeDialog<SfcFilterControl>>(platform, std::move(dialog));
   if (report.filterControl == "clsFilterControl")
     return std::make_unique<NativeDialog<FilterControl>>(platform, std::move(dialog));
+  if (report.filterControl == "clsWtFilterControl")
+    return std::make_unique<NativeDialog<WtFilterControl>>(platform, std::move(dialog));
   throw std::invalid_argument("the library has no class " + report.filterControl);
 }
 

@@ -3,6 +3,7 @@
 
 #include "frame/module.h"
 #include "reports/fx_detail/fx_detail.h"
+#include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 #include "workbench/cli/library_runner.h"
@@ -34,6 +35,9 @@ class NativeReportRunner final : public ReportRunner {
       action(instance);
     } else if (report.reportClass == "clsFXDetail") {
       FxDetail instance(module_);
+      action(instance);
+    } else if (report.reportClass == "clsFXWt") {
+      FxWt instance(module_);
       action(instance);
     } else {
       throw std::invalid_argument("the library has no class " + report.reportClass);

@@ -42,10 +42,10 @@ struct ReportColumn {
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };
 
-// The columns of receipt/issue/balance, the outbound summary and the detail ledger in the order in which the table and
-// the page show them.
+// The columns of each report in the order in which the table and the page show them.
 std::span<const ReportColumn> sfcItemColumns();
 std::span<const ReportColumn> outsumItemColumns();
 std::span<const ReportColumn> fxDetailColumns();
+std::span<const ReportColumn> fxWtColumns();
 
 }  // namespace quillon::workbench

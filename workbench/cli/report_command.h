@@ -15,7 +15,7 @@ namespace quillon::workbench {
 enum class ReportFormat { table, csv, json, html };
 
 struct ReportOptions {
-  std::string report = {};                 // "sfc-item", "outsum-item", "fx-detail"
+  std::string report = {};                 // as it is registered, such as "fx-wt"
   std::string account = {};                // SOURCE
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file

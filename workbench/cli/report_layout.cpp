@@ -44,15 +44,23 @@ std::vector<CrossState> outsumItemStates(std::string_view) {
   return {{issueKey, orZero("iQuantity"), orZero("iMoney")}};
 }
 
+// A row is a part of a receipt or of an issue.
+std::vector<CrossState> fxWtStates(std::string_view) {
+  return {{receiptKey, orZero("iItemInQuantity"), orZero("iIteminPrice")},
+          {issueKey, orZero("iItemoutQuantity"), orZero("iItemOutPrice")}};
+}
+
 }  // namespace
 
 const ReportLayout& layoutOf(std::string_view report) {
   static const ReportLayout sfcItem = {sfcItemColumns(), sfcItemStates};
   static const ReportLayout outsumItem = {outsumItemColumns(), outsumItemStates};
   static const ReportLayout fxDetail = {fxDetailColumns(), nullptr, true};
+  static const ReportLayout fxWt = {.columns = fxWtColumns(), .states = fxWtStates, .order = orderByLine};
   if (report == "fx-detail") return fxDetail;
   if (report == "sfc-item") return sfcItem;
   if (report == "outsum-item") return outsumItem;
+  if (report == "fx-wt") return fxWt;
   throw std::invalid_argument("the report " + std::string(report) + " has no layout");
 }
 

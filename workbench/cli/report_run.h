@@ -14,7 +14,7 @@ namespace quillon::workbench {
 
 // Which report, on what, and with which filter.
 struct ReportRequest {
-  std::string report = {};                 // "sfc-item", "outsum-item", "fx-detail"
+  std::string report = {};                 // as it is registered, such as "fx-wt"
   std::string account = {};                // SOURCE
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file
@@ -43,7 +43,9 @@ class MadeReport {
   // The result table's account, on a connection of its own.
   tsql::Connection& connection() const { return *connection_; }
   // The result table, by the name that the argument's data source has for it.
-  ResultTable table() const { return {*connection_, argument_->dataSourceState().resultTable}; }
+  ResultTable table() const {
+    return {*connection_, argument_->dataSourceState().resultTable, layoutOf(registration_.name).order};
+  }
 
  private:
   const ReportRegistration& registration_;

@@ -1,17 +1,12 @@
 #include "workbench/cli/result_table.h"
 
 #include <algorithm>
-#include <array>
 
 #include "frame/text.h"
 
 namespace quillon::workbench {
 
 namespace {
-
-// What comes first in the order of the rows.
-constexpr std::array<std::string_view, 10> leadingOrder = {"RowNo",   "cWhCode",  "cDepCode", "cInvCode", "cBatchia",
-                                                           "cFXCode", "cAmoCode", "cFxCName", "iState",   "autoid"};
 
 std::string crossSums(std::span<const CrossState> states) {
   std::string list;
@@ -99,22 +94,26 @@ CrossView ResultTable::crossView(std::span<const CrossState> states) const {
 }
 
 std::unique_ptr<tsql::Cursor> ResultTable::rows(std::span<const ReportColumn> columns) const {
+  return account_.query(selectRows(columns));
+}
+
+std::string ResultTable::selectRows(std::span<const ReportColumn> columns) const {
   const std::vector<tsql::Column> present = account_.describe(name_);
   std::string list;
   for (const ReportColumn& column : columns)
     list += (list.empty() ? "" : ", ") + column.name;
   std::string order;
   const auto orderBy = [&order](std::string_view name) { order += (order.empty() ? "" : ", ") + std::string(name); };
-  const auto leads = [](const tsql::Column& column) {
-    return std::ranges::any_of(leadingOrder, [&](auto name) { return equalIgnoringCase(name, column.name); });
+  const auto leads = [this](const tsql::Column& column) {
+    return std::ranges::any_of(order_, [&](auto name) { return equalIgnoringCase(name, column.name); });
   };
-  for (const std::string_view name : leadingOrder) {
+  for (const std::string_view name : order_) {
     if (hasColumn(present, name)) orderBy(name);
   }
   for (const tsql::Column& column : present) {
     if (!leads(column)) orderBy(column.name);
   }
-  return account_.query("Select " + (list.empty() ? "*" : list) + " From " + name_ + " Order By " + order);
+  return "Select " + (list.empty() ? "*" : list) + " From " + name_ + " Order By " + order;
 }
 
 std::unique_ptr<tsql::Cursor> ResultTable::ledgerRows(std::span<const ReportColumn> columns) const {

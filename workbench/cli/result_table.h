@@ -29,8 +29,9 @@ struct CrossView {
 
 class ResultTable {
  public:
-  // `account` stays open as long as this. The table need not exist yet.
-  ResultTable(tsql::Connection& account, std::string name) : account_(account), name_(std::move(name)) {}
+  // `account` stays open as long as this. The table need not exist yet. `order` is what its rows are ordered by.
+  ResultTable(tsql::Connection& account, std::string name, RowOrder order = orderByPlace)
+      : account_(account), name_(std::move(name)), order_(order) {}
 
   const std::string& name() const { return name_; }
   bool exists() const { return !account_.describe(name_).empty(); }
@@ -44,9 +45,11 @@ class ResultTable {
   // The sums of `states` by cost item.
   CrossView crossView(std::span<const CrossState> states) const;
 
-  // All rows in a settled order: by place, inventory, cost item, state and ledger line, then by every other column, so
-  // that the same report always comes in the same order. `columns` are the table's names; empty means all of them.
+  // All rows in the table's order, then by every other column, so that the same report always comes in the same order.
+  // `columns` are the table's names; empty means all of them.
   std::unique_ptr<tsql::Cursor> rows(std::span<const ReportColumn> columns = {}) const;
+  // The statement that gives them.
+  std::string selectRows(std::span<const ReportColumn> columns = {}) const;
 
   // The rows of a detail ledger in its order: by line number, the rows of a line by batch and free items, then by cost
   // item. Behind `columns` stand two more: the kind of the row (Datatype) and, of a movement, whether its ledger line is
@@ -59,6 +62,7 @@ class ResultTable {
  private:
   tsql::Connection& account_;
   std::string name_;
+  RowOrder order_;
 };
 
 }  // namespace quillon::workbench

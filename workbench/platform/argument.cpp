@@ -25,14 +25,21 @@ class ArgumentRow final : public ReportRow {
  public:
   explicit ArgumentRow(RowValues values) : values_(std::move(values)) {}
 
-  // A column that the report does not have is empty, as the platform has it.
+  // A column that the report does not have is empty, as the platform has it; but a ledger line's number goes by ID also
+  // where the report calls it AutoID.
   std::string value(std::string_view column) override {
-    const auto found =
-        std::ranges::find_if(values_, [column](const auto& entry) { return equalIgnoringCase(entry.first, column); });
-    return found == values_.end() ? std::string() : found->second;
+    const std::string* own = find(column);
+    if (own == nullptr && equalIgnoringCase(column, "ID")) own = find("AutoID");
+    return own == nullptr ? std::string() : *own;
   }
 
  private:
+  const std::string* find(std::string_view column) const {
+    const auto found =
+        std::ranges::find_if(values_, [column](const auto& entry) { return equalIgnoringCase(entry.first, column); });
+    return found == values_.end() ? nullptr : &found->second;
+  }
+
   RowValues values_;
 };
 

@@ -248,5 +248,12 @@ TEST(WorkbenchArgument, HandsOutTheRowOfADrillThrough) {
   EXPECT_EQ(login->moduleCode(), "IA");
 }
 
+TEST(WorkbenchArgument, GivesTheNumberOfALedgerLineAsTheRowsId) {
+  const auto login = std::make_shared<WorkbenchLogin>(LoginDetails{});
+  EXPECT_EQ(WorkbenchArgument(login, {{"AutoID", "815"}}, "Vouch").row()->value("ID"), "815");
+  EXPECT_EQ(WorkbenchArgument(login, {{"AutoID", "815"}, {"id", ""}}, "Vouch").row()->value("ID"), "");
+  EXPECT_EQ(WorkbenchArgument(login, {{"AutoID", "815"}}, "Vouch").row()->value("RowNo"), "");
+}
+
 }  // namespace
 }  // namespace quillon::workbench
