@@ -5,10 +5,12 @@
 
 #include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
+#include "filters/wt_filter_control.h"
 #include "frame/com/dual_object.h"
 #include "frame/com/module_state.h"
 #include "frame/com/quillon_interfaces.h"
 #include "reports/fx_detail/fx_detail.h"
+#include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 
@@ -24,6 +26,11 @@ ComReportArgument argumentOf(IDispatch** e) {
 // The filter object that a dialog passes by reference, as the core's port.
 ComFilterDialog dialogOf(IDispatch** filter) {
   return ComFilterDialog(ComPtr<IDispatch>(filter ? *filter : nullptr));
+}
+
+// The platform's object behind a filter that came from it; null for none.
+ComPtr<IDispatch> objectOf(const std::shared_ptr<Filter>& filter) {
+  return filter ? dynamic_cast<const ComFilter&>(*filter).object() : ComPtr<IDispatch>();
 }
 
 // Gives the caller's variant a new value; one that refers to another variable passes it on to that one.
@@ -131,15 +138,15 @@ class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
   VoucherReportClass() : DualObject("Quillon.clsFXWt") {}
 
   STDMETHODIMP get_msLanguage(BSTR* value) override {
-    return run([&] { give(value, language_); });
+    return run([&] { give(value, report_.language()); });
   }
   STDMETHODIMP put_msLanguage(BSTR* value) override {
-    return run([&] { language_ = taken(value); });
+    return run([&] { report_.setLanguage(taken(value)); });
   }
   STDMETHODIMP get_objFilter(IDispatch** value) override {
     return run([&] {
       require(value);
-      *value = ComPtr<IDispatch>(filter_).release();
+      *value = objectOf(report_.filter()).release();
     });
   }
   // The reserved slot: clients that know no assignment by reference (JScript) set the object through it.
@@ -147,78 +154,97 @@ class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
   STDMETHODIMP putref_objFilter(IDispatch** value) override {
     return run([&] {
       require(value);
-      filter_ = ComPtr<IDispatch>(*value);
+      report_.setFilter(*value ? std::make_shared<ComFilter>(LateBound(ComPtr<IDispatch>(*value), "objFilter"))
+                               : nullptr);
     });
   }
   STDMETHODIMP get_tarn_tmpTable(BSTR* value) override {
-    return run([&] { give(value, tempTable_); });
+    return run([&] { give(value, report_.tempTableProperty()); });
   }
   STDMETHODIMP put_tarn_tmpTable(BSTR* value) override {
-    return run([&] { tempTable_ = taken(value); });
+    return run([&] { report_.setTempTableProperty(taken(value)); });
   }
   STDMETHODIMP get_m_sBaseTable(BSTR* value) override {
-    return run([&] { give(value, baseTable_); });
+    return run([&] { give(value, report_.baseTable()); });
   }
   STDMETHODIMP put_m_sBaseTable(BSTR* value) override {
-    return run([&] { baseTable_ = taken(value); });
+    return run([&] { report_.setBaseTable(taken(value)); });
   }
-  STDMETHODIMP GETSQL(IDispatch** /*e*/) override { return notImplemented("GETSQL", subject); }
-  STDMETHODIMP MoveDataDetail(BSTR* /*result*/) override { return notImplemented("MoveDataDetail", subject); }
-  STDMETHODIMP Execute(IDispatch** /*e*/) override { return notImplemented("Execute", subject); }
-
- private:
-  static constexpr std::string_view subject = "the cost-item voucher report";
-
-  std::string language_;
-  ComPtr<IDispatch> filter_;
-  std::string tempTable_;
-  std::string baseTable_;
-};
-
-class VoucherFilterClass : public DualObject<_clsWtFilterControl, clsWtFilterControl> {
- public:
-  VoucherFilterClass() : DualObject("Quillon.clsWtFilterControl") {}
-
-  STDMETHODIMP get_msLanguage(BSTR* value) override {
-    return run([&] { give(value, language_); });
+  STDMETHODIMP GETSQL(IDispatch** e) override {
+    return run([&] {
+      ComReportArgument argument = argumentOf(e);
+      report_.getSql(argument);
+    });
   }
-  STDMETHODIMP put_msLanguage(BSTR* value) override {
-    return run([&] { language_ = taken(value); });
-  }
-  STDMETHODIMP CallBack_FilterInit(IDispatch** /*filter*/, VARIANT* /*result*/) override {
-    return notImplemented("CallBack_FilterInit", subject);
-  }
-  STDMETHODIMP CallBack_ValueChange(BSTR* /*key*/, IDispatch** /*filter*/) override {
-    return notImplemented("CallBack_ValueChange", subject);
-  }
-  STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* /*result*/) override {
-    return notImplemented("CallBack_FilterClick", subject);
-  }
-
- private:
-  static constexpr std::string_view subject = "the filter dialog of the cost-item voucher report";
-
-  std::string language_;
-};
-
-class SummaryFilterClass : public DualObject<_clsSFCFilterControl, clsSFCFilterControl> {
- public:
-  SummaryFilterClass() : DualObject("Quillon.clsSFCFilterControl") {}
-
-  STDMETHODIMP CallBack_FilterInit(IDispatch** filter, VARIANT* result) override {
+  STDMETHODIMP MoveDataDetail(BSTR* result) override {
     return run([&] {
       require(result);
+      give(result, report_.moveDataDetail());
+    });
+  }
+  STDMETHODIMP Execute(IDispatch** e) override {
+    return run([&] {
+      ComReportArgument argument = argumentOf(e);
+      report_.execute(argument);
+    });
+  }
+
+ private:
+  std::shared_ptr<ModuleState> state_ = threadState();
+  FxWt report_{state_->module()};
+};
+
+// What the filter dialogs' classes have in common; `Control` is the core's class behind one.
+template <class Interface, class Class, class Control>
+class FilterControlClass : public DualObject<Interface, Class> {
+ public:
+  explicit FilterControlClass(std::string_view progId) : DualObject<Interface, Class>(progId) {}
+
+  STDMETHODIMP CallBack_FilterInit(IDispatch** filter, VARIANT* result) override {
+    return this->run([&] {
+      this->require(result);
       VariantInit(result);
       ComFilterDialog dialog = dialogOf(filter);
       control_.filterInit(dialog);
     });
   }
   STDMETHODIMP CallBack_ValueChange(BSTR* key, IDispatch** filter) override {
-    return run([&] {
+    return this->run([&] {
       ComFilterDialog dialog = dialogOf(filter);
-      control_.valueChange(taken(key), dialog);
+      control_.valueChange(this->taken(key), dialog);
     });
   }
+
+ protected:
+  Control& control() { return control_; }
+
+ private:
+  std::shared_ptr<ModuleState> state_ = threadState();
+  Control control_{state_->module()};
+};
+
+class VoucherFilterClass : public FilterControlClass<_clsWtFilterControl, clsWtFilterControl, WtFilterControl> {
+ public:
+  VoucherFilterClass() : FilterControlClass("Quillon.clsWtFilterControl") {}
+
+  STDMETHODIMP get_msLanguage(BSTR* value) override {
+    return run([&] { give(value, control().language()); });
+  }
+  STDMETHODIMP put_msLanguage(BSTR* value) override {
+    return run([&] { control().setLanguage(taken(value)); });
+  }
+  STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* result) override {
+    return run([&] {
+      require(result);
+      *result = Variant(WtFilterControl::filterClick()).release();
+    });
+  }
+};
+
+class SummaryFilterClass : public FilterControlClass<_clsSFCFilterControl, clsSFCFilterControl, SfcFilterControl> {
+ public:
+  SummaryFilterClass() : FilterControlClass("Quillon.clsSFCFilterControl") {}
+
   STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* result) override {
     return run([&] {
       require(result);
@@ -232,10 +258,10 @@ class SummaryFilterClass : public DualObject<_clsSFCFilterControl, clsSFCFilterC
     return giveView(filter, viewClass);
   }
   STDMETHODIMP InitYear() override {
-    return run([&] { control_.initYear(); });
+    return run([&] { control().initYear(); });
   }
   STDMETHODIMP InitGrade() override {
-    return run([&] { control_.initGrade(); });
+    return run([&] { control().initGrade(); });
   }
 
  private:
@@ -246,36 +272,19 @@ class SummaryFilterClass : public DualObject<_clsSFCFilterControl, clsSFCFilterC
       assign(*viewClass, SfcFilterControl::reportView(dialog));
     });
   }
-
-  std::shared_ptr<ModuleState> state_ = threadState();
-  SfcFilterControl control_{state_->module()};
 };
 
-class LedgerFilterClass : public DualObject<_clsFilterControl, clsFilterControl> {
+class LedgerFilterClass : public FilterControlClass<_clsFilterControl, clsFilterControl, FilterControl> {
  public:
-  LedgerFilterClass() : DualObject("Quillon.clsFilterControl") {}
+  LedgerFilterClass() : FilterControlClass("Quillon.clsFilterControl") {}
 
-  STDMETHODIMP CallBack_FilterInit(IDispatch** filter, VARIANT* result) override {
-    return run([&] {
-      require(result);
-      VariantInit(result);
-      ComFilterDialog dialog = dialogOf(filter);
-      control_.filterInit(dialog);
-    });
-  }
   STDMETHODIMP CallBack_FilterClick(IDispatch** filter, VARIANT_BOOL* cancel, VARIANT* result) override {
     return run([&] {
       require(cancel);
       require(result);
       VariantInit(result);
       ComFilterDialog dialog = dialogOf(filter);
-      if (control_.filterClick(dialog)) *cancel = VARIANT_TRUE;
-    });
-  }
-  STDMETHODIMP CallBack_ValueChange(BSTR* key, IDispatch** filter) override {
-    return run([&] {
-      ComFilterDialog dialog = dialogOf(filter);
-      control_.valueChange(taken(key), dialog);
+      if (control().filterClick(dialog)) *cancel = VARIANT_TRUE;
     });
   }
   STDMETHODIMP CallBack_ReportViewChange(BSTR* /*key*/, IDispatch** filter, VARIANT* viewClass) override {
@@ -294,9 +303,6 @@ class LedgerFilterClass : public DualObject<_clsFilterControl, clsFilterControl>
       if (const auto view = FilterControl::reportView(dialog)) assign(*viewClass, *view);
     });
   }
-
-  std::shared_ptr<ModuleState> state_ = threadState();
-  FilterControl control_{state_->module()};
 };
 
 // The references that an instance has besides IUnknown do not matter to who makes it.

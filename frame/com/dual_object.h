@@ -79,15 +79,6 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo, IProvideClassI
     return guarded(__uuidof(Interface), name_, std::forward<Body>(body));
   }
 
-  // For a member of a report that is not part of this version: E_NOTIMPL, with what is missing.
-  HRESULT notImplemented(std::string_view member, std::string_view subject) noexcept {
-    return run([&] {
-      throw AutomationError(hresult::notImplemented, name_,
-                            name_ + "." + std::string(member) + ": " + std::string(subject) +
-                                " is not part of this version of Quillon. Install a version that contains it.");
-    });
-  }
-
   // Stores a text in the caller's variable; `out` must be one.
   static void give(BSTR* out, std::string_view text) {
     require(out);

@@ -44,6 +44,7 @@ inline constexpr const wchar_t* loginObj = L"LoginObj";      // the same kind of
 inline constexpr const wchar_t* dataSource = L"DataSource";  // the data-source descriptor
 inline constexpr const wchar_t* action = L"Action";          // what Execute is asked for ("Link", "Vouch")
 inline constexpr const wchar_t* row = L"RelateData";         // the row of the report that Execute is called for
+inline constexpr const wchar_t* languageId = L"LangID";      // the language of the call, for the voucher report
 }  // namespace argument
 
 namespace report_row {

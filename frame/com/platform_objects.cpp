@@ -269,6 +269,10 @@ std::unique_ptr<ReportRow> ComReportArgument::row() {
   return std::make_unique<ComReportRow>(argument_.object(bindings::argument::row, "RelateData"));
 }
 
+std::string ComReportArgument::languageId() {
+  return argument_.text(bindings::argument::languageId);
+}
+
 // --- Public component: the one place that knows its argument orders
 
 std::string ComPublicComponent::accountInformation(std::string_view system, std::string_view name, Session& session) {

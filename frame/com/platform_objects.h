@@ -41,6 +41,9 @@ class ComFilter : public Filter {
   std::unique_ptr<FilterItem> item(std::string_view key) override;
   std::string whereWithToken(int token) override;
 
+  // The filter itself, for whoever asks the report for it.
+  const ComPtr<IDispatch>& object() const { return filter_.object(); }
+
  private:
   LateBound list() const;
 
@@ -144,6 +147,7 @@ class ComReportArgument : public ReportArgument {
   std::unique_ptr<DataSource> dataSource() override;
   std::string action() override;
   std::unique_ptr<ReportRow> row() override;
+  std::string languageId() override;
 
  private:
   LateBound argument_;

@@ -96,7 +96,8 @@ ComPtr<FakeObject> itemObject(Recorder& recorder, const FakeItem& item) {
   return object;
 }
 
-ComPtr<FakeObject> filterObject(Recorder& recorder, const std::vector<FakeItem>& items) {
+ComPtr<FakeObject> filterObject(Recorder& recorder, const std::vector<FakeItem>& items,
+                                const std::map<int, std::string>& conditions) {
   const ComPtr<FakeObject> list = makeObject<FakeObject>(recorder, "FilterList");
   std::vector<ComPtr<FakeObject>> objects;
   std::vector<std::string> names;
@@ -115,7 +116,11 @@ ComPtr<FakeObject> filterObject(Recorder& recorder, const std::vector<FakeItem>&
       DISPID_VALUE);
   list->property(bindings::filter::count, static_cast<int>(items.size()));
   ComPtr<FakeObject> filter = makeObject<FakeObject>(recorder, "Filter");
-  filter->property(bindings::filter::filterList, list).property(bindings::filter::whereWithToken, "");
+  filter->property(bindings::filter::filterList, list)
+      .on(bindings::filter::whereWithToken, [&conditions](Call& call) -> Variant {
+        const auto found = conditions.find(call.integer(0));
+        return found == conditions.end() ? "" : found->second;
+      });
   return filter;
 }
 
@@ -162,7 +167,7 @@ FakePlatform::Class FakePlatform::known(const PlatformClass& entry, ComPtr<IUnkn
 }
 
 ComPtr<FakeObject> FakePlatform::dialog(const std::string& identifier, const std::vector<FakeItem>& items) {
-  ComPtr<FakeObject> dialog = filterObject(recorder_, items);
+  ComPtr<FakeObject> dialog = filterObject(recorder_, items, conditions);
   dialog->property(bindings::dialog::login, loginObject())
       .property(bindings::dialog::identifier, identifier)
       .property(bindings::dialog::connection, makeObject<FakeObject>(recorder_, "DialogConnection"))
@@ -183,11 +188,12 @@ ComPtr<FakeObject> FakePlatform::argument(const std::vector<FakeItem>& items) {
   const ComPtr<FakeObject> dataSource = makeObject<FakeObject>(recorder_, "DataSource");
   dataSource->property(bindings::data_source::type, 0).property(bindings::data_source::sql, "ResultTable");
   ComPtr<FakeObject> e = makeObject<FakeObject>(recorder_, "e");
-  e->property(bindings::argument::rawFilter, filterObject(recorder_, items))
+  e->property(bindings::argument::rawFilter, filterObject(recorder_, items, conditions))
       .property(bindings::argument::login, login)
       .property(bindings::argument::loginObj, login)
       .property(bindings::argument::dataSource, dataSource)
       .property(bindings::argument::action, "Link")
+      .property(bindings::argument::languageId, 2052)
       .property(bindings::argument::row, related);
   return e;
 }
@@ -264,7 +270,8 @@ ComPtr<IUnknown> FakePlatform::makePublicComponent() {
       ->on(bindings::public_component::accountInformation,
            [this](Call& call) -> Variant {
              if (call.text(1) == "cSysVersion") return edition;
-             return call.text(0) == "AA" && call.text(1) != "cValueStyle" ? "2" : "by inventory";
+             if (call.text(1) == "dIAFirstDate") return firstDate;
+             return call.text(0) == "AA" && call.text(1) != "cValueStyle" ? "2" : valuationMethod;
            })
       .property(bindings::public_component::currentPeriodYear, 2024)
       .on(bindings::public_component::costItemStartMonth, [this](Call& /*call*/) -> Variant { return startMonth; })

@@ -34,12 +34,16 @@ class FakePlatform {
 
   // The rows that a statement gives; a statement that is not asked for here gives none.
   std::function<std::vector<std::vector<Variant>>(const std::string& sql)> rows;
+  // The conditions that filter objects build, by token; a token that is not here has none.
+  std::map<int, std::string> conditions;
   // ADO's State of each connection after Open.
   int openState = 1;
   // What the public component gives as iFxStartMonth.
   int startMonth = 1;
-  // What it gives for the options of system AA: the edition, and the valuation method under its other name.
+  // What it gives for options: the edition, the valuation method, and the first day of inventory accounting.
   std::string edition = "工业";
+  std::string valuationMethod = "by inventory";
+  std::string firstDate = "2023-01-01";
   // The last month of 2024 that it calls settled. The year's months are the calendar's.
   int lastSettledMonth = 1;
   // What the account options answer once the environment has filled them.

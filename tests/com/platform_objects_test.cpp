@@ -35,13 +35,14 @@ class PlatformObjectsTest : public testing::Test {
 TEST_F(PlatformObjectsTest, TheArgumentAndItsDataSource) {
   ComReportArgument e(fake.argument({}));
   EXPECT_EQ(e.action(), "Link");
+  EXPECT_EQ(e.languageId(), "2052");
   const auto dataSource = e.dataSource();
   dataSource->setType(2);
   EXPECT_EQ(dataSource->resultTable(), "ResultTable");
   EXPECT_TRUE(e.login());
   EXPECT_TRUE(e.filterLogin());
   EXPECT_TRUE(e.rawFilter());
-  EXPECT_EQ(calls(), (Calls{"e.Action", "e.DataSource", "DataSource.Type = 2", "DataSource.SQL", "e.Login",
+  EXPECT_EQ(calls(), (Calls{"e.Action", "e.LangID", "e.DataSource", "DataSource.Type = 2", "DataSource.SQL", "e.Login",
                             "e.LoginObj", "e.rawFilter"}));
 }
 

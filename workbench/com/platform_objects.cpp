@@ -340,6 +340,7 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
         {bindings::argument::dataSource, 4, com::readable, 0, 0, &ArgumentDispatch::dataSource},
         {bindings::argument::action, 5, com::readable | com::writable, 0, 0, &ArgumentDispatch::action},
         {bindings::argument::row, 6, com::readable, 0, 0, &ArgumentDispatch::row},
+        {bindings::argument::languageId, 7, com::readable, 0, 0, &ArgumentDispatch::languageId},
     };
     return table;
   }
@@ -361,6 +362,7 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
     return action_;
   }
   Variant row(Call&) { return row_; }
+  Variant languageId(Call&) { return argument_->languageId(); }
   const char* sourceName() const override { return "Quillon argument"; }
 
   std::shared_ptr<WorkbenchArgument> argument_;

@@ -17,10 +17,10 @@
 
 namespace quillon::workbench {
 
-// The argument object e: rawFilter, Login, LoginObj, DataSource (Type, SQL), Action (read and written), RelateData. With
-// `dialog`, which is on the argument's own filter, rawFilter is the dialog's filter object as well; an argument without
-// a filter has none. RelateData gives the argument's row by GetData(column), or the one that it was told by
-// TakeRow(recordset): the recordset's current row.
+// The argument object e: rawFilter, Login, LoginObj, DataSource (Type, SQL), Action (read and written), RelateData,
+// LangID. With `dialog`, which is on the argument's own filter, rawFilter is the dialog's filter object as well; an
+// argument without a filter has none. RelateData gives the argument's row by GetData(column), or the one that it was
+// told by TakeRow(recordset): the recordset's current row.
 com::ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument,
                                       std::shared_ptr<FilterDialogObject> dialog = nullptr);
 
