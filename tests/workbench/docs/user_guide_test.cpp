@@ -1,0 +1,356 @@
+// docs/user-guide.md against the program: whoever adds a filter item, a column or a member, or gives one another name,
+// is told here that the guide no longer holds.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "frame/text.h"
+#include "tests/workbench/docs/guide_tables.h"
+#include "tests/workbench/platform/temporary_file.h"
+#include "workbench/account/account.h"
+#include "workbench/account/schema.h"
+#include "workbench/cli/report_layout.h"
+#include "workbench/cli/report_run.h"
+#include "workbench/platform/account_source.h"
+#include "workbench/platform/registrations.h"
+
+namespace quillon::workbench {
+namespace {
+
+using test::GuideTable;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testing::UnorderedElementsAreArray;
+
+using Rows = std::vector<std::vector<std::string>>;
+
+const std::vector<GuideTable>& guide() {
+  static const std::vector<GuideTable> tables = test::readGuide(QUILLON_USER_GUIDE);
+  return tables;
+}
+
+// The one table that `fits`.
+template <class Condition>
+const GuideTable& theTable(const std::string& what, Condition fits) {
+  const auto found = std::ranges::find_if(guide(), fits);
+  if (found == guide().end()) throw std::runtime_error("the guide has no table of " + what);
+  if (std::find_if(std::next(found), guide().end(), fits) != guide().end())
+    throw std::runtime_error("the guide has several tables of " + what);
+  return *found;
+}
+
+// The table of a report's chapter whose first heading is `heading`.
+const GuideTable& tableOf(const ReportRegistration& report, const std::string& heading) {
+  const std::string chapter = report.english + " · " + report.chinese;
+  return theTable(heading + " in " + chapter, [&](const GuideTable& table) {
+    return table.chapter == chapter && table.headings.front() == heading;
+  });
+}
+
+const GuideTable& sectionTable(const std::string& section) {
+  return theTable(section, [&](const GuideTable& table) { return table.section == section; });
+}
+
+std::string bothCaptions(const std::string& chinese, const std::string& english) {
+  return chinese + " " + english;
+}
+
+// How the guide says what an item takes.
+std::string taken(const ItemRegistration& item) {
+  const auto oneOrMany = [&item](const std::string& one, const std::string& many) {
+    return item.multiple ? many : one;
+  };
+  std::string words;
+  switch (item.kind) {
+    case InputKind::choice:
+      words = oneOrMany("one choice", "choices");
+      break;
+    case InputKind::reference:
+      words = oneOrMany("one code", "codes");
+      break;
+    case InputKind::text:
+      words = oneOrMany("one value", "values");
+      break;
+    case InputKind::number:
+      words = "one number";
+      break;
+    case InputKind::date:
+      words = item.range ? "date range" : "one date";
+      break;
+    case InputKind::flag:
+      words = "yes or no";
+      break;
+  }
+  return item.required ? words + ", required" : words;
+}
+
+class UserGuide : public testing::TestWithParam<std::string> {};
+
+TEST_P(UserGuide, HasEveryFilterItemWithItsCaptionsAndForm) {
+  const ReportRegistration& report = registeredReport(GetParam());
+  Rows expected;
+  for (const ItemRegistration& item : report.items)
+    expected.push_back({item.key, bothCaptions(item.chinese, item.english), taken(item)});
+  Rows written;
+  for (const auto& row : tableOf(report, "Key").rows) {
+    const std::vector<std::string> keys = test::namesIn(row[0]);
+    const std::vector<std::string> captions = test::captionsOf(keys, row[1]);
+    for (std::size_t i = 0; i < keys.size(); ++i)
+      written.push_back({keys[i], captions[i], row[2]});
+    EXPECT_FALSE(row[3].empty()) << row[0];
+  }
+  EXPECT_THAT(written, UnorderedElementsAreArray(expected));
+}
+
+TEST_P(UserGuide, HasEveryColumnWithItsCaptions) {
+  Rows expected;
+  for (const ReportColumn& column : layoutOf(GetParam()).columns)
+    expected.push_back({column.name, bothCaptions(column.chinese, column.english)});
+  Rows written;
+  for (const auto& row : tableOf(registeredReport(GetParam()), "Column").rows) {
+    const std::vector<std::string> columns = test::namesIn(row[0]);
+    const std::vector<std::string> captions = test::captionsOf(columns, row[1]);
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      written.push_back({columns[i], captions[i]});
+    EXPECT_FALSE(row[2].empty()) << row[0];
+  }
+  EXPECT_THAT(written, UnorderedElementsAreArray(expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(Reports, UserGuide, testing::Values("sfc-item", "outsum-item", "fx-detail", "fx-wt"),
+                         [](const testing::TestParamInfo<std::string>& report) {
+                           std::string name = report.param;
+                           std::erase(name, '-');
+                           return name;
+                         });
+
+// --- The library's members ------------------------------------------------------------------------------------------
+
+// An argument's type as the guide calls it.
+std::string typeName(const std::string& type) {
+  static const std::map<std::string, std::string> names = {
+      {"BSTR", "text"}, {"IDispatch", "object"}, {"VARIANT", "variant"}, {"VARIANT_BOOL", "boolean"}};
+  return names.at(type);
+}
+
+// Slot, dispatch id, member, arguments and result of each member, by class, as the interface definition has them.
+std::map<std::string, Rows> definedMembers() {
+  static const std::regex interfaceLine(R"(^\s*interface _(\w+) : IDispatch)");
+  static const std::regex memberLine(R"(^\s*\[(?:(prop\w+), )?id\((\d+)\)\] HRESULT (\w+)\((.*)\);)");
+  static const std::regex argument(R"(\[([^\]]+)\] (\w+) \*+(\w+))");
+  static const std::map<std::string, std::string> uses = {
+      {"", ""}, {"propget", "get "}, {"propput", "let "}, {"propputref", "set "}};
+  // Those of IDispatch.
+  constexpr std::size_t slotsBefore = 7;
+
+  std::ifstream in(QUILLON_IDL);
+  std::map<std::string, Rows> classes;
+  std::string current;
+  std::smatch match;
+  for (std::string line; std::getline(in, line);) {
+    if (std::regex_search(line, match, interfaceLine)) current = match[1];
+    if (!std::regex_search(line, match, memberLine)) continue;
+    std::string arguments;
+    std::string result;
+    const std::string list = match[4];
+    for (std::sregex_iterator it(list.begin(), list.end(), argument); it != std::sregex_iterator(); ++it) {
+      const std::string type = typeName((*it)[2]);
+      if ((*it)[1].str().ends_with("retval")) {
+        result = type;
+      } else {
+        arguments += (arguments.empty() ? "`" : ", `") + (*it)[3].str() + "`: " + type;
+      }
+    }
+    Rows& members = classes[current];
+    members.push_back({std::to_string(slotsBefore + members.size() + 1), match[2],
+                       uses.at(match[1]) + "`" + match[3].str() + "`", arguments, result});
+  }
+  return classes;
+}
+
+TEST(UserGuide, HasEveryMemberOfEveryClassInSlotOrder) {
+  std::map<std::string, Rows> written;
+  for (const GuideTable& table : guide()) {
+    if (table.headings.front() != "Slot") continue;
+    Rows members;
+    for (const auto& row : table.rows) {
+      members.emplace_back(row.begin(), row.begin() + 5);
+      EXPECT_FALSE(row[5].empty()) << table.section << ' ' << row[2];
+    }
+    std::istringstream classes(table.section);
+    for (std::string name; std::getline(classes, name, ',');)
+      written[std::string(trimBlanks(name))] = members;
+  }
+  const std::map<std::string, Rows> defined = definedMembers();
+  ASSERT_EQ(defined.size(), 8U);
+  EXPECT_EQ(written, defined);
+}
+
+// --- Tables of the account ------------------------------------------------------------------------------------------
+
+const account::TableDefinition* schemaTable(std::string_view name) {
+  const auto tables = account::tables();
+  const auto found =
+      std::ranges::find_if(tables, [name](const auto& table) { return equalIgnoringCase(table.name, name); });
+  return found == tables.end() ? nullptr : &*found;
+}
+
+// The type of `column` of `table`, "nvarchar(20)"; empty when there is no such column.
+std::string schemaType(std::string_view table, std::string_view column) {
+  const account::TableDefinition* const definition = schemaTable(table);
+  if (definition == nullptr) return {};
+  for (const account::ColumnDefinition& candidate : definition->columns) {
+    if (equalIgnoringCase(candidate.name, column))
+      return std::string(candidate.type.substr(0, candidate.type.find(' ')));
+  }
+  return {};
+}
+
+const GuideTable& tablesRead() {
+  return theTable("the tables that are read", [](const GuideTable& table) {
+    return table.chapter == "Tables that are read" && table.headings.front() == "Table";
+  });
+}
+
+TEST(UserGuide, NamesColumnsThatTheTablesHave) {
+  for (const auto& row : tablesRead().rows) {
+    const std::string table = test::namesIn(row[0]).at(0);
+    EXPECT_NE(schemaTable(table), nullptr) << table;
+    for (const std::string& column : test::namesIn(row[1])) {
+      const bool ofProjectItems = table == "fItem" && column.starts_with("cItemC");
+      const bool anotherTable = schemaTable(column) != nullptr;
+      EXPECT_TRUE(ofProjectItems || anotherTable || !schemaType(table, column).empty()) << table << '.' << column;
+    }
+  }
+}
+
+TEST(UserGuide, NamesEveryTableThatIsRead) {
+  std::set<std::string> written;
+  for (const auto& row : tablesRead().rows)
+    written.insert(test::namesIn(row[0]).at(0));
+  // The workbench's own, and the tables that the sample's fItem names.
+  std::set<std::string> others = {"IA_PeriodState"};
+  std::set<std::string> expected;
+  for (const account::TableDefinition& table : account::tables()) {
+    if (!table.name.starts_with("fItem_") && !others.contains(std::string(table.name)))
+      expected.insert(std::string(table.name));
+  }
+  EXPECT_EQ(written, expected);
+}
+
+// --- Result tables --------------------------------------------------------------------------------------------------
+
+// The account's decimal places, as a new sample has them.
+constexpr std::string_view quantityDecimals = "2";
+constexpr std::string_view unitCostDecimals = "4";
+
+// What the guide says of a column's type, as a type: "as `T`", "as `T.column`", "by class `T.column`, else `T.column`"
+// or the type itself.
+std::string meantType(const std::string& cell, const std::string& column, bool byClass) {
+  const std::vector<std::string> sources = test::namesIn(cell);
+  if (sources.empty()) {
+    std::string type = cell;
+    replaceAll(type, ",q)", "," + std::string(quantityDecimals) + ")");
+    replaceAll(type, ",p)", "," + std::string(unitCostDecimals) + ")");
+    return type;
+  }
+  const std::string& source = byClass ? sources.front() : sources.back();
+  if (schemaTable(source) != nullptr) return schemaType(source, column);
+  const std::size_t point = source.rfind('.');
+  return schemaType(source.substr(0, point), source.substr(point + 1));
+}
+
+std::string lower(std::string text) {
+  std::ranges::transform(text, text.begin(), lowerAscii);
+  return text;
+}
+
+class ResultTables : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    file_ = std::make_unique<test::TemporaryFile>(".qacc");
+    account::createSample(file_->path(), {.rows = 500, .years = 1, .costItemStartMonth = 1});
+  }
+  static void TearDownTestSuite() { file_.reset(); }
+
+  // Names and types of the result table's columns in order.
+  static Rows made(const std::string& report, const std::vector<std::string>& settings) {
+    std::ostringstream notes;
+    const auto run = makeReport(
+        {.report = report, .account = utf8FromPath(file_->path()), .settings = settings, .dialog = false}, {notes});
+    Rows columns;
+    for (const tsql::Column& column : run->connection().describe(run->table().name()))
+      columns.push_back({lower(column.name), column.type.name()});
+    return columns;
+  }
+  static Rows written(const std::string& section, bool byClass) {
+    Rows columns;
+    for (const auto& row : sectionTable(section).rows) {
+      for (const std::string& column : test::namesIn(row[0]))
+        columns.push_back({lower(column), meantType(row[1], column, byClass)});
+    }
+    return columns;
+  }
+
+ private:
+  static std::unique_ptr<test::TemporaryFile> file_;
+};
+
+std::unique_ptr<test::TemporaryFile> ResultTables::file_;
+
+TEST_F(ResultTables, OfTheSummaryReportsAreAsWritten) {
+  for (const std::string mode : {"0", "1", "2"}) {
+    SCOPED_TRACE("mode " + mode);
+    EXPECT_THAT(made("sfc-item", {"iYear=2024", "cModal=" + mode}),
+                ElementsAreArray(written("Result table of clsSFC_Item", mode == "0")));
+    EXPECT_THAT(made("outsum-item", {"iYear=2024", "cModal=" + mode}),
+                ElementsAreArray(written("Result table of clsOutsum_Item", mode == "0")));
+  }
+}
+
+TEST_F(ResultTables, OfTheDetailLedgerIsAsWritten) {
+  EXPECT_THAT(made("fx-detail", {"iYear=2024", "cInvCode=0101-00001", "cWhCode=01"}),
+              ElementsAreArray(written("Result table of clsFXDetail", false)));
+}
+
+// The guide says which columns an empty result lacks and has.
+TEST_F(ResultTables, OfTheDetailLedgerHasOtherColumnsWhenThereIsNothingToReport) {
+  const auto names = [](const Rows& columns) {
+    std::set<std::string> set;
+    for (const auto& column : columns)
+      set.insert(column[0]);
+    return set;
+  };
+  std::set<std::string> expected = names(written("Result table of clsFXDetail", false));
+  EXPECT_EQ(expected.erase("rowno") + expected.erase("cbustype"), 2U);
+  expected.insert({"cdepcode", "cdepname"});
+  EXPECT_EQ(names(made("fx-detail", {"iYear=2024", "cInvCode=0101-00001", "cWhCode=01", "dKeepDate=2025-01-01.."})),
+            expected);
+}
+
+TEST_F(ResultTables, OfTheVoucherReportIsAsWritten) {
+  EXPECT_THAT(made("fx-wt", {}), ElementsAreArray(written("Result table of clsFXWt", false)));
+}
+
+// --- The reader of the guide ----------------------------------------------------------------------------------------
+
+TEST(GuideTables, NamesComeSinglyAndInRanges) {
+  EXPECT_THAT(test::namesIn("`cWhCode`, `cFree9` to `cFree11`"),
+              testing::ElementsAre("cWhCode", "cFree9", "cFree10", "cFree11"));
+  EXPECT_THAT(test::namesIn("nvarchar(20)"), IsEmpty());
+}
+
+TEST(GuideTables, CaptionsBelongToNamesOneByOneOrByNumber) {
+  EXPECT_THAT(test::captionsOf({"a", "b"}, "甲 A · 乙 B"), testing::ElementsAre("甲 A", "乙 B"));
+  EXPECT_THAT(test::captionsOf({"f1", "f2"}, "项*n* Item *n*"), testing::ElementsAre("项1 Item 1", "项2 Item 2"));
+  EXPECT_THROW(test::captionsOf({"a", "b"}, "甲 A"), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace quillon::workbench
