@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Shows the receipt/issue/balance report and the outbound summary by cost item, made by Quillon.dll through COM from a
-# ledger of 20,000 lines, each with the defaults of its filter dialog. Sets the machine up and builds first; what is
-# there already is kept, so the second run takes seconds.
+# Shows the receipt/issue/balance report and the outbound summary by cost item and the detail ledger of one item with
+# the documents behind one of its rows, made by Quillon.dll through COM from a ledger of 20,000 lines, each with the
+# defaults of its filter dialog. Sets the machine up and builds first; what is there already is kept, so the second run
+# takes seconds.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -45,9 +46,21 @@ wine "$win32/quillon.exe" report sfc-item --account "$account" --set cModal=1 --
 say "outbound summary by cost-item class"
 wine "$win32/quillon.exe" report outsum-item --account "$account" --limit 14
 
-page() { # REPORT MODE FILE
-  wine "$win32/quillon.exe" report "$1" --account "$account" --set "cModal=$2" --format html -o "$demo/$3"
-  say "the whole report as a page to read and print: $PWD/$demo/$3"
+# An item that is kept neither by batch nor by free items, so that item and warehouse are all its ledger needs.
+item=(--set cInvCode=0301-00237 --set cWhCode=07)
+spring=(--set dKeepDate=2024-03-01..2024-04-30)
+say "detail ledger of one item in two months"
+wine "$win32/quillon.exe" report fx-detail --account "$account" "${item[@]}" "${spring[@]}"
+say "the source document of its line 8, and the general-ledger voucher that it is posted to"
+wine "$win32/quillon.exe" drill fx-detail --account "$account" "${item[@]}" "${spring[@]}" --row RowNo=8 --action Vouch
+wine "$win32/quillon.exe" drill fx-detail --account "$account" "${item[@]}" "${spring[@]}" --row RowNo=8 --action Voucher
+
+page() { # REPORT FILE SETTING...
+  local report=$1 file=$2
+  shift 2
+  wine "$win32/quillon.exe" report "$report" --account "$account" "$@" --format html -o "$demo/$file"
+  say "the whole report as a page to read and print: $PWD/$demo/$file"
 }
-page sfc-item 1 receipt-issue-balance.html
-page outsum-item 0 outbound-summary.html
+page sfc-item receipt-issue-balance.html --set cModal=1
+page outsum-item outbound-summary.html
+page fx-detail detail-ledger.html "${item[@]}"
