@@ -19,6 +19,7 @@
 #include "workbench/cli/report_run.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/registrations.h"
+#include "workbench/platform/resource_texts.h"
 
 namespace quillon::workbench {
 namespace {
@@ -129,6 +130,29 @@ INSTANTIATE_TEST_SUITE_P(Reports, UserGuide, testing::Values("sfc-item", "outsum
                            std::erase(name, '-');
                            return name;
                          });
+
+// What the user is told, in both languages.
+TEST(UserGuide, QuotesTheMessages) {
+  std::ifstream in(QUILLON_USER_GUIDE);
+  std::ostringstream text;
+  text << in.rdbuf();
+  const auto told = [](Language language) {
+    std::vector<std::string> messages;
+    for (const char* const key : {"Mirel.IA.CHHSSQL.02787", "Mirel.IA.Mirel71.00217", "Mirel.IA.Mirel71.00218"})
+      messages.push_back(resourceText(key, language));
+    messages.push_back(resourceText("Mirel.IA.CHHSSQL.00010", language) +
+                       resourceText("Mirel.IA.CHHSSQL.13198", language));
+    std::string ofFreeItem = resourceText("Mirel.IA.Mirel71.00228", language);
+    const auto freeItem = std::ranges::find(fxDetailRegistration().items, "cFree1", &ItemRegistration::key);
+    replaceAll(ofFreeItem, "{0}", freeItem->caption(language));
+    messages.push_back(ofFreeItem);
+    return messages;
+  };
+  const std::vector<std::string> chinese = told(Language::chinese);
+  const std::vector<std::string> english = told(Language::english);
+  for (std::size_t i = 0; i < chinese.size(); ++i)
+    EXPECT_THAT(text.str(), testing::HasSubstr(bothCaptions(chinese[i], english[i])));
+}
 
 // --- The library's members ------------------------------------------------------------------------------------------
 
