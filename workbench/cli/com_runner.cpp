@@ -87,12 +87,12 @@ class ComDialogRunner final : public DialogRunner {
   }
   std::optional<std::string> view() override {
     com::Variant viewClass;
-    control_.call(L"CallBack_ReportViewInit", {filter(), com::Variant::reference(viewClass)});
+    if (hasViews()) control_.call(L"CallBack_ReportViewInit", {filter(), com::Variant::reference(viewClass)});
     return textUnlessEmpty(viewClass);
   }
   std::optional<std::string> viewAfterChange(const std::string& key) override {
     com::Variant viewClass;
-    control_.call(L"CallBack_ReportViewChange", {key, filter(), com::Variant::reference(viewClass)});
+    if (hasViews()) control_.call(L"CallBack_ReportViewChange", {key, filter(), com::Variant::reference(viewClass)});
     return textUnlessEmpty(viewClass);
   }
 
@@ -101,6 +101,9 @@ class ComDialogRunner final : public DialogRunner {
     reference_ = filter_.get();
     return com::Variant::reference(reference_);
   }
+
+  // The class of a report that has one view is not asked for it.
+  bool hasViews() const { return control_.offers(L"CallBack_ReportViewInit"); }
 
   static std::optional<std::string> textUnlessEmpty(const com::Variant& value) {
     if (value.vt == VT_EMPTY) return std::nullopt;

@@ -114,9 +114,6 @@ function provokeErrors() {
   say("ADO's error", refused.description);
   say("ADO's error number", codeOf(refused));
   say("ADO's native error", connection.Errors(0).NativeError);
-  var later = errorOf(function() { new ActiveXObject("Quillon.clsFXWt").GETSQL(e); });
-  say("the voucher report", codeOf(later));
-  say("the voucher report says why", yesNo(later.description.length > 0));
   say("Init gives undefined", yesNo(new ActiveXObject("Quillon.ClsBusiness").Init(e) === undefined));
 }
 

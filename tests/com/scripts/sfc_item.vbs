@@ -123,10 +123,6 @@ Sub ProvokeErrors()
   Say "ADO's error", Err.Description
   SayError "ADO's error"
   Say "ADO's native error", connection.Errors(0).NativeError
-
-  CreateObject("Quillon.clsFXWt").GETSQL e
-  Say "the voucher report says why", YesNo(Len(Err.Description) > 0)
-  SayError "the voucher report"
   On Error GoTo 0
 
   Set business = CreateObject("Quillon.ClsBusiness")

@@ -23,6 +23,7 @@
 
 #include "frame/automation_error.h"
 #include "reports/fx_wt/fx_wt.h"
+#include "tests/reports/table_lines.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/platform/account_source.h"
@@ -35,31 +36,15 @@
 namespace quillon {
 namespace {
 
-using Text = std::optional<std::string>;
-using Line = std::map<std::string, Text, std::less<>>;  // a row of a table, by column name in lower case
+using tables::Line;
+using tables::linesOf;
+using tables::lower;
+using tables::Text;
 using Condition = std::function<bool(const Line&)>;
 
-std::string lower(std::string text) {
-  for (char& c : text)
-    c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return text;
-}
-
-// The digits of an exact number with `scale` digits behind the point, as a whole number of its last place; nothing for
-// null.
-std::optional<std::int64_t> units(const Text& number, std::size_t scale) {
-  if (!number) return std::nullopt;
-  std::string digits = *number;
-  const std::size_t point = digits.find('.');
-  std::size_t behind = 0;
-  if (point != std::string::npos) {
-    behind = digits.size() - point - 1;
-    digits.erase(point, 1);
-  }
-  for (; behind < scale; ++behind)
-    digits += '0';
-  EXPECT_EQ(behind, scale) << *number;
-  return std::stoll(digits);
+// The whole number that tables::units gives, but nothing for null.
+std::optional<std::int64_t> unitsOrNull(const Text& number, std::size_t scale) {
+  return number ? std::optional(tables::units(number, scale)) : std::nullopt;
 }
 constexpr std::size_t quantityScale = 6;
 constexpr std::size_t amountScale = 4;
@@ -92,8 +77,8 @@ bool roundsAway(double number, std::size_t decimals) {
 // and rounded. Half of the last place, which the report has as a float, goes to where that float lies.
 std::int64_t quotient(const std::string& dividend, std::size_t dividendScale, const std::string& divisor,
                       std::size_t decimals) {
-  const std::int64_t upper = *units(dividend, dividendScale) * tenTo(quantityScale - dividendScale + decimals);
-  const std::int64_t lower = *units(divisor, quantityScale);
+  const std::int64_t upper = tables::units(dividend, dividendScale) * tenTo(quantityScale - dividendScale + decimals);
+  const std::int64_t lower = tables::units(divisor, quantityScale);
   const std::int64_t whole = upper / lower;
   const std::int64_t twiceRest = 2 * std::abs(upper % lower);
   const std::int64_t away = (upper < 0) == (lower < 0) ? 1 : -1;
@@ -156,7 +141,7 @@ class FxWtRows : public testing::Test {
                               "CustomerClass",
                               "Rd_Style",
                               "AA_Enum"})
-      tables_[table] = rowsOf(*account, "Select * From " + std::string(table));
+      tables_[table] = linesOf(*account, "Select * From " + std::string(table));
   }
   static void TearDownTestSuite() {
     tables_.clear();
@@ -181,18 +166,6 @@ class FxWtRows : public testing::Test {
              "Update ia_subsidiary Set iCreditDifCost = -5 Where cVouType = N'20' And AutoID % 8 = 5",
          })
       account.execute(statement);
-  }
-
-  static std::vector<Line> rowsOf(tsql::Connection& account, const std::string& query) {
-    std::vector<Line> rows;
-    const auto cursor = account.query(query);
-    while (cursor->next()) {
-      Line row;
-      for (std::size_t i = 0; i < cursor->columns().size(); ++i)
-        row[lower(cursor->columns()[i].name)] = tsql::toText(cursor->value(i));
-      rows.push_back(std::move(row));
-    }
-    return rows;
   }
 
   // --- The report ---------------------------------------------------------------------------------------------------
@@ -224,7 +197,7 @@ class FxWtRows : public testing::Test {
   }
   static std::vector<Line> reportLines(const std::vector<Item>& items, const std::string& columns = "*") {
     std::vector<Line> rows;
-    report(items, [&](tsql::Connection& account) { rows = rowsOf(account, "Select " + columns + " From wt_result"); });
+    report(items, [&](tsql::Connection& account) { rows = linesOf(account, "Select " + columns + " From wt_result"); });
     return rows;
   }
 
@@ -239,12 +212,12 @@ class FxWtRows : public testing::Test {
                     .costItem = line.at("cfxcode").value_or(""),
                     .detail = line.at("camoid").value_or(""),
                     .detailName = line.at("camoname").value_or(""),
-                    .inQuantity = units(line.at("iiteminquantity"), quantityScale),
-                    .inAmount = units(line.at("iiteminprice"), amountScale),
-                    .outQuantity = units(line.at("iitemoutquantity"), quantityScale),
-                    .outAmount = units(line.at("iitemoutprice"), amountScale),
-                    .unitCost = units(line.at("iunitcost"), costDecimals),
-                    .unitUsage = units(line.at("iunitused"), quantityDecimals)};
+                    .inQuantity = unitsOrNull(line.at("iiteminquantity"), quantityScale),
+                    .inAmount = unitsOrNull(line.at("iiteminprice"), amountScale),
+                    .outQuantity = unitsOrNull(line.at("iitemoutquantity"), quantityScale),
+                    .outAmount = unitsOrNull(line.at("iitemoutprice"), amountScale),
+                    .unitCost = unitsOrNull(line.at("iunitcost"), costDecimals),
+                    .unitUsage = unitsOrNull(line.at("iunitused"), quantityDecimals)};
       // A line is a receipt or an issue, and so are its parts.
       EXPECT_EQ(line.at(row.outAmount ? "iitemoutcost" : "iitemincost"), line.at("iunitcost"));
       EXPECT_FALSE(line.at(row.outAmount ? "iitemincost" : "iitemoutcost"));
@@ -328,8 +301,8 @@ class FxWtRows : public testing::Test {
         const Text& quantity = part.at(in ? "iiteminquantity" : "iitemoutquantity");
         const Text& amount = part.at(in ? "iiteminprice" : "iitemoutprice");
         Row row = partRow(*line, part);
-        (in ? row.inQuantity : row.outQuantity) = units(quantity, quantityScale);
-        (in ? row.inAmount : row.outAmount) = units(amount, amountScale);
+        (in ? row.inQuantity : row.outQuantity) = unitsOrNull(quantity, quantityScale);
+        (in ? row.inAmount : row.outAmount) = unitsOrNull(amount, amountScale);
         row.unitCost = cost(amount, quantity, costDecimals);
         row.unitUsage = usage(quantity, line->at(in ? "iainquantity" : "iaoutquantity"), quantityDecimals);
         rows.push_back(row);
@@ -454,20 +427,21 @@ TEST_F(FxWtRows, PartsSumToTheirLineAndEachRowShowsTheLinesOwnFigures) {
     const std::string& key = *row.at("autoid");
     const Line& line = *find("ia_subsidiary", "autoid", key);
     for (const char* figure : {"iainquantity", "iaoutquantity", "iincost", "ioutcost"})
-      EXPECT_EQ(units(row.at(figure), quantityScale), units(line.at(figure), quantityScale)) << key << figure;
+      EXPECT_EQ(unitsOrNull(row.at(figure), quantityScale), unitsOrNull(line.at(figure), quantityScale))
+          << key << figure;
     for (const char* figure : {"iainprice", "iaoutprice"})
-      EXPECT_EQ(units(row.at(figure), amountScale), units(line.at(figure), amountScale)) << key << figure;
+      EXPECT_EQ(unitsOrNull(row.at(figure), amountScale), unitsOrNull(line.at(figure), amountScale)) << key << figure;
     if (row.at("cfxcode")) split.insert(key);
-    amounts[key].in += units(row.at("iiteminprice"), amountScale).value_or(0);
-    amounts[key].out += units(row.at("iitemoutprice"), amountScale).value_or(0);
+    amounts[key].in += tables::units(row.at("iiteminprice"), amountScale);
+    amounts[key].out += tables::units(row.at("iitemoutprice"), amountScale);
   }
   EXPECT_EQ(amounts.size(), shownLines([](const Line&) { return true; }).size());
   ASSERT_GT(split.size(), 1000U);
   for (const std::string& key : split) {
     const Line& line = *find("ia_subsidiary", "autoid", key);
     if (line.at("cvoutype") == "20") continue;  // their amounts were changed for these tests
-    EXPECT_EQ(amounts[key].in, units(line.at("iainprice"), amountScale).value_or(0)) << key;
-    EXPECT_EQ(amounts[key].out, units(line.at("iaoutprice"), amountScale).value_or(0)) << key;
+    EXPECT_EQ(amounts[key].in, tables::units(line.at("iainprice"), amountScale)) << key;
+    EXPECT_EQ(amounts[key].out, tables::units(line.at("iaoutprice"), amountScale)) << key;
   }
 }
 
@@ -495,7 +469,9 @@ TEST_F(FxWtRows, BringBookingsOfOnePartTogether) {
     EXPECT_EQ(rows.size(), 1U);
     return rows.at(0);
   };
-  const auto quantity = [](const Line& line, const char* column) { return *units(line.at(column), quantityScale); };
+  const auto quantity = [](const Line& line, const char* column) {
+    return tables::units(line.at(column), quantityScale);
+  };
   const Line once = row();
 
   account->execute(
@@ -512,7 +488,7 @@ TEST_F(FxWtRows, BringBookingsOfOnePartTogether) {
   const Line apart = row();
   EXPECT_EQ(quantity(apart, "iitemoutquantity"), 2 * quantity(once, "iitemoutquantity"));
   EXPECT_EQ(quantity(apart, "iaoutquantity"), 2 * quantity(once, "iaoutquantity"));
-  EXPECT_EQ(*units(apart.at("iunitcost"), 4), 2 * *units(once.at("iunitcost"), 4));
+  EXPECT_EQ(tables::units(apart.at("iunitcost"), 4), 2 * tables::units(once.at("iunitcost"), 4));
   account->execute("Delete From ia_subsidiary_Item Where AutoID = 900001");
 }
 
@@ -657,9 +633,9 @@ TEST_F(FxWtRows, BeginWithTheFirstDateOfInventoryAccounting) {
     account->execute("Update AccInformation Set cValue = N'" + date +
                      "' Where cSysID = 'IA' And cName = 'dIAFirstDate'");
   };
-  const Text before = rowsOf(*account,
-                             "Select cValue From AccInformation Where cSysID = 'IA' And cName = "
-                             "'dIAFirstDate'")
+  const Text before = linesOf(*account,
+                              "Select cValue From AccInformation Where cSysID = 'IA' And cName = "
+                              "'dIAFirstDate'")
                           .front()
                           .at("cvalue");
   setFirstDate("2024-06-15");

@@ -49,6 +49,7 @@ TEST_F(PlatformObjectsTest, TheArgumentGivesItsParts) {
   EXPECT_EQ(e.text(L"Action"), "Link");
   e.put(L"Action", "Vouch");
   EXPECT_EQ(e.text(L"Action"), "Vouch");
+  EXPECT_EQ(e.text(L"LangID"), "zh-CN");
   EXPECT_EQ(e.object(L"LoginObj", "LoginObj").text(L"OrvDbName"), "Data Source=\"a.account\"");
   const LateBound source = e.object(L"DataSource", "DataSource");
   EXPECT_EQ(source.text(L"SQL"), "Result");
