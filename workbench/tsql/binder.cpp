@@ -405,7 +405,10 @@ std::string Binder::renderCore(const Core& core, Naming naming) const {
   for (std::size_t i = 0; i < core.items.size(); ++i) {
     const OutputColumn& column = core.columns[i];
     sql += i == 0 ? "" : ", ";
-    if (static_cast<int>(i) == core.identityItem) {
+    if (static_cast<int>(i) == core.identityItem && column.increment == 1 && !core.distinct) {
+      // Rows are inserted in the query's order, and the new table's identity counts them.
+      sql += "NULL";
+    } else if (static_cast<int>(i) == core.identityItem) {
       sql += std::to_string(column.seed) + " + (row_number() OVER (" +
              (core.order.empty() ? "" : "ORDER BY " + joined(core.order, ", ")) + ") - 1) * " +
              std::to_string(column.increment);
