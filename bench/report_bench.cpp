@@ -1,17 +1,18 @@
-// Runs the receipt/issue/balance report (mode 1: by cost item, the whole year) on an embedded account and prints what
-// it costs, one figure a line (name, blank, value):
+// Runs a report on an embedded account and prints what it costs, one figure a line (name, blank, value):
 //
+//   result              count of rows and sums of the result table
 //   report_seconds      median of a whole run: open, filter, statements, close
 //   own_share           the part of a run that the library spends outside the session, median
 //   translated_seconds  median of the same statements translated by hand into SQLite's SQL, on the same file
 //   ratio               report_seconds / translated_seconds, run by run in turn, median
 //   best_seconds        one query for the same rows, written without regard to the statements
-//   first_seconds      the first run of the process
-//   peak_mib           the most memory that the process had
+//   first_seconds       the first run of the process
+//   peak_mib            the most memory that the process had
 //
-// Count of rows and sums of all three must be the same; else it fails.
+// The receipt/issue/balance report runs by cost item over a year, the detail ledger over the same year of an inventory
+// that has LINES ledger lines in one warehouse then. Count of rows and sums of all must be the same; else it fails.
 //
-//   report_bench ACCOUNT HAND.sql BEST.sql [RUNS]      (RUNS 0: the report once, without the others)
+//   report_bench REPORT[:LINES] ACCOUNT HAND.sql BEST.sql|- [RUNS]      (RUNS 0: the report once, without the others)
 #include <sqlite3.h>
 #include <sys/resource.h>
 
@@ -19,20 +20,19 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "frame/module.h"
-#include "reports/sfc_item/sfc_item.h"
 #include "workbench/account/account.h"
+#include "workbench/cli/library_runner.h"
 #include "workbench/platform/account_source.h"
-#include "workbench/platform/argument.h"
-#include "workbench/platform/embedded_platform.h"
-#include "workbench/platform/filter_object.h"
 #include "workbench/platform/registrations.h"
 #include "workbench/tsql/engine.h"
 
@@ -109,36 +109,62 @@ class SessionTime final : public Session {
   double& seconds_;
 };
 
-class TimedPlatform final : public Platform {
- public:
-  explicit TimedPlatform(workbench::EmbeddedPlatform& platform) : platform_(platform) {}
-
-  double sessionSeconds = 0;
-
-  std::shared_ptr<Session> createSession() override {
-    return std::make_shared<SessionTime>(platform_.createSession(), sessionSeconds);
-  }
-  std::shared_ptr<PublicComponent> createPublicComponent() override { return platform_.createPublicComponent(); }
-  std::shared_ptr<ResourceService> createResourceService() override { return platform_.createResourceService(); }
-  std::shared_ptr<UniqueNameSource> createUniqueNameSource() override { return platform_.createUniqueNameSource(); }
-  std::shared_ptr<DrillThroughHelper> createDrillThroughHelper() override {
-    return platform_.createDrillThroughHelper();
-  }
-  std::string namingNumber() override { return platform_.namingNumber(); }
-
- private:
-  workbench::EmbeddedPlatform& platform_;
+// A report as it is measured: the filter, and what of the result must agree with the other statements' result.
+struct Subject {
+  std::string_view report;
+  std::vector<std::pair<std::string, std::string>> settings;  // filter values; $year and the like are put in
+  std::string_view figures;                                   // columns of the result table, summed
 };
+
+const Subject& subjectOf(std::string_view report) {
+  static const std::vector<Subject> subjects = {
+      {.report = "sfc-item",
+       .settings = {{"cModal", "1"}, {"iYear", "$year"}},
+       .figures = "iQuantity, iMoney, iQcQuantity, iQcMoney, iInQuantity, iInMoney, iOutQuantity, iOutMoney, "
+                  "iQmQuantity, iQmMoney"},
+      {.report = "fx-detail",
+       .settings = {{"iYear", "$year"}, {"cInvCode", "$inventory"}, {"cWhCode", "$warehouse"}},
+       .figures = "rowno, iQuantity, iCost, iPrice, iItemQuantity, iItemCost, iItemPrice"},
+  };
+  const auto found = std::ranges::find(subjects, report, &Subject::report);
+  if (found == subjects.end()) throw std::runtime_error("no report to measure: " + std::string(report));
+  return *found;
+}
+
+// "a, b" as "sum(a), sum(b)".
+std::string sumsOf(std::string_view columns) {
+  std::string text = "sum(";
+  for (const char c : columns)
+    text += c == ',' ? std::string("), sum(") : std::string(1, c);
+  return text + ")";
+}
 
 class Bench {
  public:
-  explicit Bench(std::filesystem::path account) : account_(std::move(account)) {
-    // The fullest year.
-    const auto info = account::info(*tsql::Connection::open(account_, tsql::OpenMode::readOnly));
-    const auto year = std::max_element(info.years.begin(), info.years.end(), [](const auto& left, const auto& right) {
-      return left.ledgerLines < right.ledgerLines;
-    });
-    year_ = std::to_string(year->year);
+  Bench(const Subject& subject, const std::string& lines, std::filesystem::path account)
+      : subject_(subject), account_(std::move(account)) {
+    const auto connection = tsql::Connection::open(account_, tsql::OpenMode::readOnly);
+    const auto info = account::info(*connection);
+    // The fullest year whose months are all settled; of the accounts' years the first is no whole year of cost items.
+    const account::YearInfo* year = nullptr;
+    for (const account::YearInfo& each : info.years) {
+      if (each.settledMonths == 12 && each.costItemStartMonth == 1 && (!year || year->ledgerLines < each.ledgerLines))
+        year = &each;
+    }
+    if (!year) throw std::runtime_error("the account has no year that is settled and kept by cost item throughout");
+    values_["$year"] = std::to_string(year->year);
+    if (lines.empty()) return;
+    eachRow(
+        *connection,
+        "select base.cInvCode, base.cWhCode from ia_subsidiary base join Inventory using (cInvCode) where iYear = " +
+            values_["$year"] +
+            " and bCheckBatch = 0 and 1 not in (bCheckFree1, bCheckFree2, bCheckFree3) "
+            "group by base.cInvCode, base.cWhCode having count(*) = " +
+            lines + " order by base.cInvCode limit 1",
+        [&](char** row) {
+          values_.insert({{"$inventory", row[0]}, {"$warehouse", row[1]}});
+        });
+    if (!values_.contains("$inventory")) throw std::runtime_error("no inventory has " + lines + " ledger lines");
   }
 
   struct Run {
@@ -147,65 +173,111 @@ class Bench {
   };
 
   Run report() {
-    const std::string connection = workbench::connectionString(account_);
-    workbench::EmbeddedPlatform embedded({.accountConnection = connection, .messages = {}});
-    TimedPlatform platform(embedded);
-    Module module(platform);
-    const auto filter = std::make_shared<workbench::FilterObject>(workbench::sfcItemRegistration());
-    filter->find("cModal")->value = "1";
-    filter->find("iYear")->value = year_;
-    const auto login = std::make_shared<workbench::WorkbenchLogin>(
-        workbench::LoginDetails{.accountConnection = connection, .accountingYear = year_, .languageRegion = "zh-CN"});
-    workbench::WorkbenchArgument argument(filter, login, std::string(resultTable));
+    using namespace workbench;
+    const std::string connection = connectionString(account_);
+    double sessionSeconds = 0;
+    EmbeddedPlatform platform({.accountConnection = connection, .makeSession = [&] {
+                                 return std::make_shared<SessionTime>(std::make_shared<EmbeddedSession>(nullptr),
+                                                                      sessionSeconds);
+                               }});
+    const auto filter = std::make_shared<FilterObject>(registeredReport(subject_.report));
+    for (const auto& [key, value] : subject_.settings)
+      filter->find(key)->value = withValues(value);
+    const auto login = std::make_shared<WorkbenchLogin>(LoginDetails{.accountConnection = connection,
+                                                                     .accountCode = "001",
+                                                                     .accountingYear = values_["$year"],
+                                                                     .languageRegion = "zh-CN",
+                                                                     .currentPeriodYear = std::stoi(values_["$year"])});
+    const auto argument = std::make_shared<WorkbenchArgument>(filter, login, std::string(resultTable));
+    const auto runner = makeReportRunner(platform);
 
     const auto start = Clock::now();
-    SfcItem instance(module);
-    instance.getSql(argument);
+    runner->run(registeredReport(subject_.report), argument);
     const double seconds = secondsSince(start);
-    if (module.session) throw std::runtime_error("the build stopped half-way");
-    return {.seconds = seconds, .ownShare = (seconds - platform.sessionSeconds) / seconds};
+    madeTable_ = argument->dataSourceState().resultTable;
+    return {.seconds = seconds, .ownShare = (seconds - sessionSeconds) / seconds};
   }
 
-  // Runs SQLite statements as they stand, on a connection of their own.
-  double handWritten(std::string sql) {
-    for (std::size_t at = sql.find("$year"); at != std::string::npos; at = sql.find("$year", at))
-      sql.replace(at, std::string_view("$year").size(), year_);
+  // Runs SQLite statements as they stand, on a connection of their own. What stands between "-- for each month" and
+  // "-- end" runs twelve times, with $month put in.
+  double handWritten(std::string_view script) {
+    const std::string sql = withMonths(withValues(std::string(script)));
     const auto start = Clock::now();
     const auto connection = tsql::Connection::open(account_, tsql::OpenMode::existing);
-    char* message = nullptr;
-    if (sqlite3_exec(connection->handle(), sql.c_str(), nullptr, nullptr, &message) != SQLITE_OK)
-      throw std::runtime_error(message);
+    run(*connection, sql);
     return secondsSince(start);
   }
 
-  // Count of rows and sums of the result table, as they lie in the file; the table is gone afterwards. `declared` tells
-  // whether the engine knows the table, or SQLite alone.
-  std::string takeResult(bool declared) {
+  // Count of rows and sums of the table that the report made, or that the statements made by hand, as they lie in the
+  // file; the table is gone afterwards.
+  std::string takeReportResult() {
     const auto connection = tsql::Connection::open(account_, tsql::OpenMode::existing);
-    std::string text;
-    const auto appendField = [](void* to, int count, char** values, char**) {
-      for (int column = 0; column < count; ++column) {
-        static_cast<std::string*>(to)->append(values[column] ? values[column] : "null").append(" ");
-      }
-      return 0;
-    };
-    const char* const sums =
-        "select count(*), sum(iQuantity), sum(iMoney), sum(iQcQuantity), sum(iQcMoney), sum(iInQuantity), "
-        "sum(iInMoney), sum(iOutQuantity), sum(iOutMoney), sum(iQmQuantity), sum(iQmMoney) from bench_result";
-    char* message = nullptr;
-    if (sqlite3_exec(connection->handle(), sums, appendField, &text, &message) != SQLITE_OK)
-      throw std::runtime_error(message);
-    if (declared) {
-      connection->execute("drop table bench_result");
-    } else {
-      sqlite3_exec(connection->handle(), "drop table bench_result", nullptr, nullptr, nullptr);
-    }
+    std::string text = sums(*connection, madeTable_);
+    connection->execute("drop table " + madeTable_);
+    return text;
+  }
+  std::string takeHandResult() {
+    const auto connection = tsql::Connection::open(account_, tsql::OpenMode::existing);
+    std::string text = sums(*connection, "bench_result");
+    run(*connection, "drop table bench_result");
     return text;
   }
 
  private:
+  static int call(void* action, int, char** row, char**) {
+    (*static_cast<std::function<void(char**)>*>(action))(row);
+    return 0;
+  }
+  static void eachRow(tsql::Connection& connection, const std::string& sql, std::function<void(char**)> action) {
+    char* message = nullptr;
+    if (sqlite3_exec(connection.handle(), sql.c_str(), call, &action, &message) != SQLITE_OK) {
+      throw std::runtime_error(message);
+    }
+  }
+  static void run(tsql::Connection& connection, const std::string& sql) {
+    eachRow(connection, sql, [](char**) {});
+  }
+
+  std::string sums(tsql::Connection& connection, const std::string& table) const {
+    std::string text;
+    eachRow(connection, "select count(*) || ' rows', " + sumsOf(subject_.figures) + " from \"" + table + "\"",
+            [&](char** row) {
+              const auto columns = 2 + std::ranges::count(subject_.figures, ',');
+              for (std::ptrdiff_t column = 0; column < columns; ++column) {
+                text.append(row[column] ? row[column] : "null").append(" ");
+              }
+            });
+    return text;
+  }
+
+  std::string withValues(std::string text) const {
+    for (const auto& [name, value] : values_)
+      text = replaced(std::move(text), name, value);
+    return text;
+  }
+  static std::string replaced(std::string text, std::string_view what, std::string_view by) {
+    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size()))
+      text.replace(at, what.size(), by);
+    return text;
+  }
+  static std::string withMonths(std::string script) {
+    constexpr std::string_view open = "-- for each month", close = "-- end";
+    for (std::size_t begin = script.find(open); begin != std::string::npos; begin = script.find(open, begin)) {
+      const std::size_t end = script.find(close, begin);
+      if (end == std::string::npos) throw std::runtime_error("a block of months does not end");
+      const std::string block = script.substr(begin + open.size(), end - begin - open.size());
+      std::string months;
+      for (int month = 1; month <= 12; ++month)
+        months += replaced(block, "$month", std::to_string(month));
+      script.replace(begin, end + close.size() - begin, months);
+    }
+    return script;
+  }
+
+  const Subject& subject_;
   std::filesystem::path account_;
-  std::string year_;
+  std::map<std::string, std::string> values_;
+  std::string madeTable_;
 };
 
 double peakMib() {
@@ -226,29 +298,36 @@ void requireSame(std::string_view what, const std::string& report, const std::st
 }
 
 int run(int argc, char** argv) {
-  if (argc < 4) throw std::runtime_error("usage: report_bench ACCOUNT HAND.sql BEST.sql [RUNS]");
-  Bench bench(argv[1]);
-  const int runs = argc > 4 ? std::atoi(argv[4]) : 5;
+  if (argc < 5) throw std::runtime_error("usage: report_bench REPORT[:LINES] ACCOUNT HAND.sql BEST.sql|- [RUNS]");
+  const std::string_view what = argv[1];
+  const std::size_t colon = std::min(what.find(':'), what.size());
+  Bench bench(subjectOf(what.substr(0, colon)), std::string(what.substr(std::min(colon + 1, what.size()))), argv[2]);
+  const int runs = argc > 5 ? std::atoi(argv[5]) : 5;
 
   const Bench::Run first = bench.report();
-  const std::string sums = bench.takeResult(true);
+  const std::string sums = bench.takeReportResult();
+  std::cout << "result " << sums << '\n';
   print("first_seconds", first.seconds);
   if (runs > 0) {
-    const std::string hand = readFile(argv[2]);
-    const std::string best = readFile(argv[3]);
+    const std::string hand = readFile(argv[3]);
+    const std::string best = std::string_view(argv[4]) == "-" ? std::string() : readFile(argv[4]);
     bench.handWritten(hand);
-    requireSame("translated", sums, bench.takeResult(false));
-    bench.handWritten(best);
-    requireSame("best", sums, bench.takeResult(false));
+    requireSame("translated", sums, bench.takeHandResult());
+    if (!best.empty()) {
+      bench.handWritten(best);
+      requireSame("best", sums, bench.takeHandResult());
+    }
 
     std::vector<double> report, share, translated, bestOf, ratio;
     for (int i = 0; i < runs; ++i) {
       const Bench::Run one = bench.report();
-      bench.takeResult(true);
+      bench.takeReportResult();
       const double other = bench.handWritten(hand);
-      bench.takeResult(false);
-      bestOf.push_back(bench.handWritten(best));
-      bench.takeResult(false);
+      bench.takeHandResult();
+      if (!best.empty()) {
+        bestOf.push_back(bench.handWritten(best));
+        bench.takeHandResult();
+      }
       report.push_back(one.seconds);
       share.push_back(one.ownShare);
       translated.push_back(other);
@@ -257,7 +336,7 @@ int run(int argc, char** argv) {
     print("report_seconds", median(report));
     print("own_share", median(share));
     print("translated_seconds", median(translated));
-    print("best_seconds", median(bestOf));
+    if (!best.empty()) print("best_seconds", median(bestOf));
     print("ratio", median(ratio));
   }
   print("peak_mib", peakMib());

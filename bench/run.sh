@@ -15,36 +15,58 @@ cmake --preset native >"$work/configure.log"
 cmake --build --preset native --target quillon report_bench filter_translation_bench -- --quiet
 
 for rows in "$small" "$large"; do
-  [ -f "$work/$rows.account" ] || "$bin/quillon" account new "$work/$rows.account" --rows "$rows" --seed 1 >/dev/null
+  account=$work/$rows.account
+  [ -f "$account" ] || "$bin/quillon" account new "$account" --rows "$rows" --seed 1 >/dev/null
+  busy=$work/$rows-busy.account
+  if [ ! -f "$busy" ]; then
+    cp "$account" "$busy.part"
+    "$bin/quillon" sql --account "$busy.part" bench/busy_inventory.sql >/dev/null
+    mv "$busy.part" "$busy"
+  fi
 done
-
-figure() { awk -v name="$2" '$1 == name { print $2 }' "$1"; } # FILE NAME
 
 "$bin/filter_translation_bench" --benchmark_format=csv 2>/dev/null >"$work/filter.csv"
 filter_us=$(awk -F, '/translate120Items/ { print $4 }' "$work/filter.csv")
-"$bin/report_bench" "$work/$small.account" bench/receipt_issue_balance.sql bench/best_query.sql 7 >"$work/small.txt"
-"$bin/report_bench" "$work/$large.account" bench/receipt_issue_balance.sql bench/best_query.sql 0 >"$work/large.txt"
 
+measure() { # NAME REPORT ACCOUNT HAND.sql BEST.sql|- RUNS
+  "$bin/report_bench" "$2" "$work/$3.account" "bench/$4" "$5" "$6" >"$work/$1.txt"
+}
+best=bench/best_query.sql
+measure balance-small sfc-item "$small" receipt_issue_balance.sql "$best" 7
+measure balance-large sfc-item "$large" receipt_issue_balance.sql "$best" 0
+measure ledger-small fx-detail:2000 "$small-busy" detail_ledger.sql - 7
+measure ledger-large fx-detail:2000 "$large-busy" detail_ledger.sql - 7
+measure ledger-short fx-detail:20 "$large" detail_ledger.sql - 7
+
+figure() { awk -v name="$2" '$1 == name { print $2 }' "$work/$1.txt"; } # MEASUREMENT NAME
+quotient() { awk -v a="$1" -v b="$2" 'BEGIN { print a / b }'; }
 missed=0
 row() { # WHAT VALUE LIMIT
   local verdict
   verdict=$(awk -v value="$2" -v limit="$3" 'BEGIN { print (value + 0 <= limit + 0) ? "pass" : "FAIL" }')
   [ "$verdict" = pass ] || missed=1
-  printf '%-66s %10.4g %10s  %s\n' "$1" "$2" "$3" "$verdict"
+  printf '%-78s %10.4g %10s  %s\n' "$1" "$2" "$3" "$verdict"
 }
-record() { printf '%-66s %10.4g\n' "$1" "$2"; }
-quotient() { awk -v a="$1" -v b="$2" 'BEGIN { print a / b }'; }
+record() { printf '%-78s %10.4g\n' "$1" "$2"; }
+title() { printf '\n%-78s %10s %10s\n' "$1" value limit; }
 
-printf '%-66s %10s %10s\n' "receipt/issue/balance by cost item, one year" value limit
+title "receipt/issue/balance by cost item, one year"
 row "filter translation, 120 items, microseconds" "$filter_us" 100
-row "library's own share of a run, $small lines, percent" \
-  "$(quotient "$(figure "$work/small.txt" own_share)" 0.01)" 1
-row "run / same statements by hand in SQLite's SQL, $small lines" "$(figure "$work/small.txt" ratio)" 1.15
+row "library's own share of a run, $small lines, percent" "$(quotient "$(figure balance-small own_share)" 0.01)" 1
+row "run / same statements by hand in SQLite's SQL, $small lines" "$(figure balance-small ratio)" 1.15
 row "growth from $small to $large lines, first runs" \
-  "$(quotient "$(figure "$work/large.txt" first_seconds)" "$(figure "$work/small.txt" first_seconds)")" 12
-row "peak memory at $large lines, MiB" "$(figure "$work/large.txt" peak_mib)" 600
+  "$(quotient "$(figure balance-large first_seconds)" "$(figure balance-small first_seconds)")" 12
+row "peak memory at $large lines, MiB" "$(figure balance-large peak_mib)" 600
 record "for the record: run / best query for the same rows" \
-  "$(quotient "$(figure "$work/small.txt" report_seconds)" "$(figure "$work/small.txt" best_seconds)")"
-record "for the record: run at $small lines, seconds" "$(figure "$work/small.txt" report_seconds)"
-record "for the record: run at $large lines, seconds" "$(figure "$work/large.txt" first_seconds)"
+  "$(quotient "$(figure balance-small report_seconds)" "$(figure balance-small best_seconds)")"
+record "for the record: run at $small lines, seconds" "$(figure balance-small report_seconds)"
+record "for the record: run at $large lines, seconds" "$(figure balance-large first_seconds)"
+
+title "detail ledger of one inventory, one year, 2000 lines of its own"
+row "run / same statements by hand in SQLite's SQL, among $large lines" "$(figure ledger-large ratio)" 1.15
+row "growth from $small to $large lines in the account" \
+  "$(quotient "$(figure ledger-large report_seconds)" "$(figure ledger-small report_seconds)")" 1.5
+record "for the record: run among $large lines, seconds" "$(figure ledger-large report_seconds)"
+record "for the record: 20 lines of its own, run / same statements by hand" "$(figure ledger-short ratio)"
+record "for the record: 20 lines of its own, seconds" "$(figure ledger-short report_seconds)"
 exit "$missed"
