@@ -36,10 +36,10 @@ constexpr Unit units[] = {
 struct Family {
   std::string_view name;
   std::string_view inventoryClass;
-  std::string_view specificationBefore;
+  std::string_view modelBefore;
   int firstSize;
   int sizeStep;
-  std::string_view specificationAfter;
+  std::string_view modelAfter;
   std::string_view unit;
   std::int64_t unitPrice;    // cents, of the first size
   std::int64_t targetStock;  // units
@@ -132,10 +132,10 @@ FamilyMember familyMember(int number) {
   return {share->category, &families[static_cast<std::size_t>(ordinal % count)], ordinal / count};
 }
 
-std::string specification(const FamilyMember& member) {
+std::string model(const FamilyMember& member) {
   const Family& family = *member.family;
-  return std::string(family.specificationBefore) + std::to_string(family.firstSize + family.sizeStep * member.ordinal) +
-         std::string(family.specificationAfter);
+  return std::string(family.modelBefore) + std::to_string(family.firstSize + family.sizeStep * member.ordinal) +
+         std::string(family.modelAfter);
 }
 
 constexpr std::array<std::array<std::string_view, 4>, freeItemCount> freeItems = {{
@@ -401,7 +401,7 @@ void writeInventories(tsql::Connection& connection, const Company& company, int 
     row = {toValue(item.code),
            toValue(item.name),
            toValue("T" + padded(number + 1, 6)),
-           toValue(specification(member)),
+           toValue(model(member)),
            toValue(member.family->inventoryClass),
            toValue(member.family->unit.substr(0, 2)),
            toValue(member.family->unit),

@@ -80,7 +80,7 @@ class WorkbenchArgument final : public ReportArgument {
   std::shared_ptr<Login> filterLogin() override { return login_; }
   std::unique_ptr<DataSource> dataSource() override;
   std::string action() override { return action_; }
-  // Throws AutomationError (not implemented) when the argument is for no drill-through.
+  // Throws AutomationError when the argument is for no drill-through.
   std::unique_ptr<ReportRow> row() override;
   // Accounts name their languages as the login's region does.
   std::string languageId() override { return login_->languageRegion(); }

@@ -120,7 +120,7 @@ TEST_F(ReportCommand, TakesAFilterFileAndSettingsOverIt) {
 TEST_F(ReportCommand, TranslatesAnItemThatTheReportLeavesToTheFilter) {
   const test::TemporaryFile filter(".json");
   std::ofstream(filter.path(), std::ios::binary)
-      << R"({"items":[{"name":"cInvStdItem","sql":"inv.cInvStd = N'no such specification'"}]})";
+      << R"({"items":[{"name":"cInvStdItem","sql":"inv.cInvStd = N'no such model'"}]})";
   EXPECT_THAT(outputOf({"--filter", utf8FromPath(filter.path())}), testing::EndsWith("没有符合条件的数据\n"));
 }
 
