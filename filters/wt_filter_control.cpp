@@ -82,6 +82,7 @@ void WtFilterControl::valueChange(std::string_view key, FilterDialog& dialog) {
 }
 
 void WtFilterControl::offerChoices(FilterDialog& dialog) {
+  const std::string languageRegion = module_.login->languageRegion();
   const int count = dialog.count();
   for (int position = 1; position <= count; ++position) {
     const std::unique_ptr<DialogItem> item = dialog.item(position);
@@ -89,15 +90,14 @@ void WtFilterControl::offerChoices(FilterDialog& dialog) {
     if (name == "cBusType") {
       item->setListSource(businessTypes);
     } else if (name == "cVouType") {
-      item->setListSource(voucherTypesStatement(dialog));
+      item->setListSource(voucherTypesStatement(dialog, languageRegion));
     }
   }
 }
 
 // The choices are the statement's rows: code and name, under localized headings.
-std::string WtFilterControl::voucherTypesStatement(FilterDialog& dialog) {
+std::string WtFilterControl::voucherTypesStatement(FilterDialog& dialog, std::string_view languageRegion) {
   ResourceService& resources = module_.resources();
-  const std::string languageRegion = module_.login->languageRegion();
   const std::string codeHeading = resources.enumName("IA.FltField", "单据编码");
   const std::string nameHeading = resources.enumName("IA.FltField", "单据类型");
   const std::string edition = module_.publicComponent().accountInformation("AA", "cSysVersion", dialog.connection());

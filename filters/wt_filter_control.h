@@ -39,7 +39,7 @@ class WtFilterControl {
 
  private:
   void offerChoices(FilterDialog& dialog);
-  std::string voucherTypesStatement(FilterDialog& dialog);
+  std::string voucherTypesStatement(FilterDialog& dialog, std::string_view languageRegion);
 
   Module& module_;
   std::string language_;

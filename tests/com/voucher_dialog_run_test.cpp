@@ -100,7 +100,8 @@ TEST_F(VoucherDialogRun, CallsThePlatformInOrder) {
       platform.dialog(voucherReport, {{"cBusType", "", ""}, {"CVOUTYPE", "", ""}, {"cVouType", "", ""}});
   EXPECT_EQ(control().get(L"CallBack_FilterInit", {dialog}).vt, VT_EMPTY);
   EXPECT_EQ(recorder.calls,
-            joined(connectionAndRights, {"Filter.FilterList",
+            joined(connectionAndRights, {"Login.LanguageRegion",
+                                         "Filter.FilterList",
                                          "FilterList.Count",
                                          "Filter.FilterList",
                                          "FilterList.Item(1)",
@@ -112,7 +113,6 @@ TEST_F(VoucherDialogRun, CallsThePlatformInOrder) {
                                          "Filter.FilterList",
                                          "FilterList.Item(3)",
                                          "Item.Name",
-                                         "Login.LanguageRegion",
                                          "ResourceService.EnumName(IA.FltField, 单据编码)",
                                          "ResourceService.EnumName(IA.FltField, 单据类型)",
                                          "Filter.DialogConnection",
