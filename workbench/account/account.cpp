@@ -3,48 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <memory>
-#include <system_error>
 
+#include "workbench/account/partial_file.h"
 #include "workbench/account/schema.h"
 
 namespace quillon::account {
 namespace {
-
-std::string utf8(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
-
-// A file that is in the making, with what SQLite keeps beside it. Gone with the object unless it became the account.
-class PartialFile {
- public:
-  explicit PartialFile(const std::filesystem::path& file) : path_(file) {
-    path_ += ".part";
-    remove();
-  }
-  PartialFile(const PartialFile&) = delete;
-  PartialFile& operator=(const PartialFile&) = delete;
-  ~PartialFile() { remove(); }
-
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  void remove() const noexcept {
-    for (const char* suffix : {"", "-journal", "-wal", "-shm"}) {
-      std::error_code ignored;
-      std::filesystem::remove(std::filesystem::path(path_).concat(suffix), ignored);
-    }
-  }
-
-  std::filesystem::path path_;
-};
-
-void refuseExisting(const std::filesystem::path& file) {
-  std::error_code error;
-  if (std::filesystem::exists(file, error)) {
-    throw AccountError(utf8(file) + " exists already; choose another name or delete the file first");
-  }
-}
 
 // The first value of the first row as text; empty without a row or for null.
 std::string firstText(tsql::Connection& connection, std::string_view sql) {
@@ -87,8 +51,7 @@ bool isUniquePartCharacter(char character) {
 
 void createSample(const std::filesystem::path& file, const SampleOptions& options, const Progress& progress) {
   checkOptions(options);
-  refuseExisting(file);
-  const PartialFile partial(file);
+  PartialFile partial(file);
   try {
     const std::unique_ptr<tsql::Connection> connection =
         tsql::Connection::open(partial.path(), tsql::OpenMode::createNew);
@@ -98,12 +61,9 @@ void createSample(const std::filesystem::path& file, const SampleOptions& option
     createIndexes(*connection);
     connection->commit();
   } catch (const tsql::SqlError& error) {
-    throw AccountError("cannot write " + utf8(file) + ": " + error.message());
+    throw AccountError("cannot write " + utf8FromPath(file) + ": " + error.message());
   }
-  refuseExisting(file);
-  std::error_code error;
-  std::filesystem::rename(partial.path(), file, error);
-  if (error) throw AccountError("cannot write " + utf8(file) + ": " + error.message());
+  partial.complete();
 }
 
 void requireAccount(tsql::Connection& connection) {

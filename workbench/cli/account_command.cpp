@@ -8,6 +8,7 @@
 
 #include "workbench/account/account.h"
 #include "workbench/account/key_check.h"
+#include "workbench/cli/account_transfer_command.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/standard_streams.h"
@@ -88,7 +89,7 @@ bool checkAccount(const std::string& source, std::ostream& out) {
 }
 
 void addAccountCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("account", "Make, inspect and clean embedded accounts");
+  CLI::App& command = *app.add_subcommand("account", "Make, inspect, clean, export and import embedded accounts");
   command.require_subcommand(1);
 
   const auto file = std::make_shared<std::string>();
@@ -120,6 +121,8 @@ void addAccountCommand(CLI::App& app) {
   CLI::App& cleaning = *command.add_subcommand("clean", "Drop the work tables that interrupted reports left");
   cleaning.add_option("SOURCE", *file, "The account file")->required();
   cleaning.callback([file] { clean(*file); });
+
+  addTransferCommands(command);
 }
 
 }  // namespace quillon::workbench

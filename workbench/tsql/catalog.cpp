@@ -18,15 +18,6 @@ std::string fold(std::string_view name) {
   return result;
 }
 
-std::string bracketed(std::string_view name) {
-  std::string result = "[";
-  for (const char c : name) {
-    if (c == ']') result += ']';
-    result += c;
-  }
-  return result + ']';
-}
-
 std::string schemaOf(std::string_view database) {
   return database == "tempdb" ? "temp" : "main";
 }
@@ -131,34 +122,34 @@ TableColumn columnOf(const ColumnDefinition& definition) {
   return column;
 }
 
-std::shared_ptr<Table> makeTable(std::string database, std::string name, const std::vector<ColumnDefinition>& columns,
-                                 const std::vector<KeyDefinition>& keys) {
-  auto table = std::make_shared<Table>();
-  table->database = std::move(database);
-  table->name = std::move(name);
-  table->schema = schemaOf(table->database);
-  table->stored = physicalName(table->database, table->name);
-  table->physical = table->schema + '.' + quoteName(table->stored);
+Table makeTable(std::string database, std::string name, const std::vector<ColumnDefinition>& columns,
+                const std::vector<KeyDefinition>& keys) {
+  Table table;
+  table.database = std::move(database);
+  table.name = std::move(name);
+  table.schema = schemaOf(table.database);
+  table.stored = physicalName(table.database, table.name);
+  table.physical = table.schema + '.' + quoteName(table.stored);
   for (const ColumnDefinition& column : columns) {
-    if (table->find(column.name) >= 0) {
+    if (table.find(column.name) >= 0) {
       throw SqlError(2705,
                      "Column names in each table must be unique. Column name '" + column.name + "' in table '" +
-                         table->name + "' is specified more than once.",
+                         table.name + "' is specified more than once.",
                      column.place.line, column.name);
     }
-    table->columns.push_back(columnOf(column));
+    table.columns.push_back(columnOf(column));
   }
-  table->keys = keys;
+  table.keys = keys;
   for (const KeyDefinition& key : keys) {
     for (const std::string& column : key.columns) {
-      const int place = table->find(column);
+      const int place = table.find(column);
       if (place < 0) {
         throw SqlError(1911, "Column name '" + column + "' does not exist in the target table or view.", 0, column);
       }
-      if (key.primary) table->columns[static_cast<std::size_t>(place)].notNull = true;
+      if (key.primary) table.columns[static_cast<std::size_t>(place)].notNull = true;
     }
   }
-  table->rowidColumn = rowidColumnOf(*table);
+  table.rowidColumn = rowidColumnOf(table);
   return table;
 }
 
@@ -168,6 +159,20 @@ std::string declaration(const Type& type) {
   const bool isText = type.kind == Kind::nVarChar || type.kind == Kind::varChar;
   if (isText && type.width == Type::maxWidth) return type.kind == Kind::nVarChar ? "nvarchar(max)" : "varchar(max)";
   return type.name();
+}
+
+std::string bracketed(std::string_view name) {
+  std::string result = "[";
+  for (const char c : name) {
+    if (c == ']') result += ']';
+    result += c;
+  }
+  return result + ']';
+}
+
+Table tableOf(std::string database, std::string name, std::string_view definition) {
+  const StatementPtr parsed = parseTableDefinition(definition);
+  return makeTable(std::move(database), std::move(name), parsed->definitions, parsed->keys);
 }
 
 int Table::find(std::string_view column) const {
@@ -237,8 +242,7 @@ std::shared_ptr<const Table> Catalog::table(const ObjectName& name) {
   if (const auto found = known_.find(key); found != known_.end()) return found->second;
   const std::optional<StoredObject> stored = object(name);
   if (!stored || stored->type != 'U') return nullptr;
-  const StatementPtr definition = parseTableDefinition(stored->definition);
-  auto table = makeTable(database, stored->name, definition->definitions, definition->keys);
+  auto table = std::make_shared<const Table>(tableOf(database, stored->name, stored->definition));
   known_[key] = table;
   return table;
 }
@@ -256,7 +260,7 @@ std::vector<std::string> Catalog::tables(std::string_view database) {
 std::shared_ptr<const Table> Catalog::createTable(const ObjectName& name, const std::vector<ColumnDefinition>& columns,
                                                   const std::vector<KeyDefinition>& keys) {
   const std::string database = databaseOf(name);
-  auto table = makeTable(database, name.name, columns, keys);
+  auto table = std::make_shared<const Table>(makeTable(database, name.name, columns, keys));
   createObject(name, 'U', definitionOf(*table));
   runSqlite(database_, createStatement(*table));
   if (table->rowidColumn >= 0) {

@@ -87,7 +87,12 @@ class Catalog {
   std::unordered_map<std::string, std::shared_ptr<const Table>> known_;
 };
 
+// The table that a definition out of tsql_objects declares.
+Table tableOf(std::string database, std::string name, std::string_view definition);
+
 // A type as a Create Table writes it.
 std::string declaration(const Type& type);
+// A name in brackets.
+std::string bracketed(std::string_view name);
 
 }  // namespace quillon::tsql

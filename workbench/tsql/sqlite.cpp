@@ -33,8 +33,9 @@ ConstraintPlace constraintPlace(std::string_view message) {
       throw SqlError(2627,
                      "Violation of PRIMARY KEY constraint. Cannot insert duplicate key in object '" + table + "'.");
     case SQLITE_CONSTRAINT_UNIQUE:
-      throw SqlError(
-          2601, "Cannot insert duplicate key row in object '" + table + "' with unique index on '" + column + "'.");
+      throw SqlError(2601,
+                     "Cannot insert duplicate key row in object '" + table + "' with unique index on '" + column + "'.",
+                     0, column);
     case SQLITE_CONSTRAINT_DATATYPE:
       // The only way to a wrong type in a declared column is a whole number that left 64 bits.
       throw SqlError(8115, "Arithmetic overflow error converting expression to data type numeric.");

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -224,6 +225,10 @@ void exactCeiling(Call& call) {
 }
 
 // -- float
+
+void floatBits(Call& call) {
+  call.giveReal(std::bit_cast<double>(call.integer(0)));
+}
 
 void floatCheck(Call& call) {
   call.giveReal(call.real(0));
@@ -624,6 +629,7 @@ constexpr Function functions[] = {
     {"exact_round", 4, strict<exactRound>},
     {"exact_floor", 3, strict<exactFloor>},
     {"exact_ceiling", 3, strict<exactCeiling>},
+    {"float_bits", 1, strict<floatBits>},
     {"float_check", 1, strict<floatCheck>},
     {"float_div", 2, strict<floatDiv>},
     {"float_round", 2, strict<floatRound>},
@@ -829,7 +835,11 @@ std::string sqlLiteral(const Value& value) {
     std::string operator()(DateTime time) const { return std::to_string(time.ticks); }
     std::string operator()(double real) const {
       std::string text = tsql::toText(Value(real)).value_or("");
-      if (text.find_first_of(".e") == std::string::npos) text += ".0";
+      // SQLite reads back exactly what has few digits and no exponent; anything else may come out one bit off.
+      constexpr std::size_t shortText = 16;
+      if (text.find('e') != std::string::npos || text.size() > shortText)
+        return "float_bits(" + std::to_string(std::bit_cast<std::int64_t>(real)) + ")";
+      if (text.find('.') == std::string::npos) text += ".0";
       return text;
     }
     std::string operator()(const Exact& exact) const {

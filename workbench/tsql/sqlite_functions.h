@@ -20,6 +20,7 @@
 //   exact_round(a, t, n), exact_round(a, t, n, cut)   Round; cut <> 0 cuts instead                8115
 //   exact_floor(a, ta, t), exact_ceiling(a, ta, t)
 //   -- float (REAL)
+//   float_bits(n)                          the REAL with these 64 bits: SQLite's own literals are not always exact
 //   float_check(x)                         x itself; infinite                                   8115
 //   float_div(a, b)                        a / b                                                8134, 8115
 //   float_round(x, n), float_round(x, n, cut), float_floor(x), float_ceiling(x), float_power(x, y) (8115),

@@ -53,6 +53,16 @@ TEST_F(Expression, IntNeverGrowsBeyondIts32Bits) {
   EXPECT_EQ(query("select i+j from t"), "int: -1");
 }
 
+TEST_F(Expression, FloatLiteralsKeepEveryBit) {
+  run("create table t(f float)");
+  EXPECT_EQ(value("-1e-300"), "float: -1e-300");
+  EXPECT_EQ(value("1.7976931348623157e308"), "float: 1.7976931348623157e+308");
+  EXPECT_EQ(value("0.30000000000000004e0"), "float: 0.30000000000000004");
+  EXPECT_EQ(value("0.1e0"), "float: 0.1");
+  run("insert into t values(4.9406564584124654e-300), (1e22), (123456789.125e0)");
+  EXPECT_EQ(query("select f from t"), "float: 4.9406564584124654e-300 1e+22 123456789.125");
+}
+
 TEST_F(Expression, DatesNeverLeaveTheirRange) {
   EXPECT_EQ(value("cast('9999-12-31' as datetime)+1"), "517");
   EXPECT_EQ(value("cast('1753-01-01' as datetime)-1"), "517");

@@ -1,0 +1,117 @@
+#include "workbench/account/csv.h"
+
+namespace quillon::account {
+
+namespace {
+
+constexpr std::size_t blockSize = 65'536;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
+
+CsvReader::CsvReader(std::istream& in) : in_(in) {
+  peek();
+  if (std::string_view(buffer_).starts_with(byteOrderMark)) position_ = byteOrderMark.size();
+}
+
+std::optional<char> CsvReader::peek() {
+  if (position_ == buffer_.size()) {
+    buffer_.resize(blockSize);
+    in_.read(buffer_.data(), static_cast<std::streamsize>(blockSize));
+    buffer_.resize(static_cast<std::size_t>(in_.gcount()));
+    position_ = 0;
+    if (buffer_.empty()) return std::nullopt;
+  }
+  return buffer_[position_];
+}
+
+std::optional<char> CsvReader::take() {
+  const std::optional<char> character = peek();
+  if (!character) return std::nullopt;
+  ++position_;
+  if (*character == '\n') ++line_;
+  return character;
+}
+
+CsvField& CsvReader::beginField() {
+  if (count_ == fields_.size()) fields_.emplace_back();
+  CsvField& field = fields_[count_++];
+  field.text.clear();
+  field.quoted = false;
+  field.line = line_;
+  return field;
+}
+
+void CsvReader::refuse(std::int64_t line, const std::string& message) const {
+  throw CsvError(line, count_ - 1, message);
+}
+
+bool CsvReader::next() {
+  count_ = 0;
+  recordLine_ = line_;
+  if (!peek()) return false;
+  bool more = true;
+  while (more) {
+    beginField();
+    more = peek() == '"' ? quotedField() : plainField();
+  }
+  return true;
+}
+
+bool CsvReader::plainField() {
+  CsvField& field = fields_[count_ - 1];
+  for (;;) {
+    const std::optional<char> character = take();
+    if (!character || *character == ',' || *character == '\n' || *character == '\r') return endOfField(character);
+    if (*character == '"')
+      refuse(field.line, "a quote within a value; put the value in quotes and double the quotes within it");
+    field.text += *character;
+  }
+}
+
+bool CsvReader::quotedField() {
+  CsvField& field = fields_[count_ - 1];
+  field.quoted = true;
+  take();
+  for (;;) {
+    const std::optional<char> character = take();
+    if (!character) refuse(field.line, "the quote that opens this value is not closed; close it");
+    if (*character != '"') {
+      field.text += *character;
+    } else if (peek() == '"') {
+      field.text += '"';
+      take();
+    } else {
+      return endOfField(take());
+    }
+  }
+}
+
+bool CsvReader::endOfField(std::optional<char> mark) {
+  if (mark == ',') return true;
+  if (!mark || mark == '\n') return false;
+  const CsvField& field = fields_[count_ - 1];
+  if (mark == '\r') {
+    if (peek() == '\n') {
+      take();
+      return false;
+    }
+    refuse(field.line,
+           "a carriage return without a line feed; end lines with both, and put a value that holds one in quotes");
+  }
+  refuse(field.line, "text behind the closing quote; double the quotes within a value");
+}
+
+void appendCsv(std::string& line, const std::optional<std::string>& value) {
+  if (!value) return;
+  if (!value->empty() && value->find_first_of(",\"\r\n") == std::string::npos) {
+    line += *value;
+    return;
+  }
+  line += '"';
+  for (const char character : *value)
+    line.append(character == '"' ? 2 : 1, character);
+  line += '"';
+}
+
+}  // namespace quillon::account

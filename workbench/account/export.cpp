@@ -1,0 +1,131 @@
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "workbench/account/csv.h"
+#include "workbench/account/partial_file.h"
+#include "workbench/account/table_rows.h"
+#include "workbench/account/transfer.h"
+#include "workbench/account/transfer_files.h"
+#include "workbench/tsql/stored_schema.h"
+
+namespace quillon::account {
+
+namespace {
+
+// A folder that is being filled: emptied again unless it becomes complete.
+class NewFolder {
+ public:
+  explicit NewFolder(std::filesystem::path folder) : folder_(std::move(folder)) {
+    std::error_code error;
+    made_ = std::filesystem::create_directories(folder_, error);
+    if (!error && !std::filesystem::is_empty(folder_, error) && !error) {
+      throw AccountError(utf8FromPath(folder_) + " holds files already; choose another folder or empty it first");
+    }
+    if (error) throw AccountError("cannot write to the folder " + utf8FromPath(folder_) + ": " + error.message());
+  }
+  NewFolder(const NewFolder&) = delete;
+  NewFolder& operator=(const NewFolder&) = delete;
+  ~NewFolder() {
+    if (complete_) return;
+    std::error_code ignored;
+    for (const std::filesystem::path& file : files_)
+      std::filesystem::remove(file, ignored);
+    if (made_) std::filesystem::remove(folder_, ignored);
+  }
+
+  const std::filesystem::path& add(std::string_view name) {
+    files_.push_back(folder_ / std::filesystem::path(std::u8string(name.begin(), name.end())));
+    return files_.back();
+  }
+  void complete() { complete_ = true; }
+
+ private:
+  std::filesystem::path folder_;
+  std::vector<std::filesystem::path> files_;
+  bool made_ = false;
+  bool complete_ = false;
+};
+
+template <typename Writing>
+void writeFile(const std::filesystem::path& path, Writing writing) {
+  std::ofstream file(path, std::ios::binary);
+  if (file) writing(file);
+  file.close();
+  if (!file) {
+    throw AccountError("cannot write " + utf8FromPath(path) + "; check the folder, its permissions and its free space");
+  }
+}
+
+// Tables before their indexes, both before the code that may read them.
+void writeSchema(std::ostream& out, const tsql::StoredSchema& schema) {
+  for (const tsql::StoredTable& table : schema.tables) {
+    out << createStatement(table) << ";\n";
+    for (const tsql::StoredIndex& index : table.indexes)
+      out << createStatement(table, index) << ";\n";
+  }
+  for (const tsql::StoredCode& code : schema.code)
+    out << createStatement(code) << ";\n";
+}
+
+std::int64_t writeRows(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table) {
+  constexpr std::string_view lineEnd = "\r\n";
+  std::string line;
+  const auto separate = [&line](std::size_t column) {
+    if (column > 0) line += ',';
+  };
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    separate(i);
+    appendCsv(line, table.columns[i].name);
+  }
+  out << line << lineEnd;
+  std::int64_t rows = 0;
+  const std::unique_ptr<tsql::Cursor> cursor = connection.query(selectAllRows(table));
+  for (; out && cursor->next(); ++rows) {
+    line.clear();
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+      separate(i);
+      appendCsv(line, tsql::toText(cursor->value(i)));
+    }
+    out << line << lineEnd;
+  }
+  return rows;
+}
+
+}  // namespace
+
+std::string csvFileName(const tsql::Table& table) {
+  constexpr unsigned char firstPrintable = 0x20;
+  std::string name;
+  for (const char character : (table.database.empty() ? "" : table.database + "..") + table.name) {
+    const bool refused = static_cast<unsigned char>(character) < firstPrintable ||
+                         std::string_view("<>:\"/\\|?*%").find(character) != std::string_view::npos;
+    std::array<char, 4> code{};
+    if (refused) std::snprintf(code.data(), code.size(), "%%%02X", static_cast<unsigned>(character));
+    name += refused ? std::string(code.data()) : std::string(1, character);
+  }
+  return name + ".csv";
+}
+
+TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem::path& folder) {
+  NewFolder target(folder);
+  TransferCounts counts;
+  // One transaction: what is read is the account of one moment.
+  connection.begin();
+  const tsql::StoredSchema schema = storedSchema(connection);
+  for (const tsql::StoredTable& table : schema.tables) {
+    writeFile(target.add(csvFileName(table)),
+              [&](std::ostream& out) { counts.rows += writeRows(out, connection, table); });
+    ++counts.tables;
+  }
+  // Last, as the mark that nothing is missing.
+  writeFile(target.add(schemaFileName), [&](std::ostream& out) { writeSchema(out, schema); });
+  connection.commit();
+  target.complete();
+  return counts;
+}
+
+}  // namespace quillon::account

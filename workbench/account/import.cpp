@@ -1,0 +1,325 @@
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <system_error>
+#include <vector>
+
+#include "workbench/account/csv.h"
+#include "workbench/account/partial_file.h"
+#include "workbench/account/schema.h"
+#include "workbench/account/text_values.h"
+#include "workbench/account/transfer.h"
+#include "workbench/account/transfer_files.h"
+#include "workbench/tsql/lexer.h"
+#include "workbench/tsql/parser.h"
+#include "workbench/tsql/stored_schema.h"
+
+namespace quillon::account {
+
+namespace {
+
+std::filesystem::path inFolder(const std::filesystem::path& folder, std::string_view name) {
+  return folder / std::filesystem::path(std::u8string(name.begin(), name.end()));
+}
+
+void requireFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  if (!std::filesystem::is_directory(folder, error)) {
+    throw AccountError("cannot read " + utf8FromPath(folder) +
+                       ": there is no such folder; name one that quillon account export wrote");
+  }
+}
+
+std::ifstream openToRead(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file)
+    throw AccountError("cannot read " + utf8FromPath(path) + "; the folder must have it, and it must be readable");
+  return file;
+}
+
+// --- schema.sql -----------------------------------------------------------------------------------------------------
+
+class SchemaScript {
+ public:
+  SchemaScript(tsql::Connection& connection, const std::filesystem::path& path) : connection_(connection), path_(path) {
+    std::ifstream file = openToRead(path);
+    text_.assign(std::istreambuf_iterator<char>(file), {});
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (text_.starts_with(byteOrderMark)) text_.erase(0, byteOrderMark.size());
+    located(1, [this] { statements_ = tsql::parseBatch(text_); });
+  }
+
+  // Unique indexes come with the tables, so that the row that breaks one can be told; the others when the rows are there,
+  // because that is quicker.
+  void beforeRows() {
+    for (const tsql::StatementPtr& statement : statements_) {
+      if (!isLateIndex(*statement)) run(*statement);
+    }
+  }
+  void afterRows() {
+    for (const tsql::StatementPtr& statement : statements_) {
+      if (isLateIndex(*statement)) run(*statement);
+    }
+  }
+
+ private:
+  static bool isLateIndex(const tsql::Statement& statement) {
+    return statement.kind == tsql::StatementKind::createIndex && !statement.unique;
+  }
+
+  void run(const tsql::Statement& statement) {
+    using Kind = tsql::StatementKind;
+    switch (statement.kind) {
+      case Kind::createTable:
+      case Kind::createIndex:
+      case Kind::createView:
+      case Kind::createFunction:
+        break;
+      default:
+        refuse(statement.place.line, statement.place.token,
+               "only Create Table, Index, View and Function stand here; take this statement out");
+    }
+    located(statement.place.line, [&] {
+      connection_.execute(std::string_view(text_).substr(statement.begin, statement.end - statement.begin));
+    });
+  }
+
+  // Runs `action`, whose errors count lines from `firstLine` of the file.
+  template <typename Action>
+  void located(int firstLine, Action action) {
+    try {
+      action();
+    } catch (const tsql::SqlError& error) {
+      refuse(firstLine + std::max(error.line(), 1) - 1, error.token(), error.message() + " Correct the statement");
+    }
+  }
+
+  // `token` tells the column when the line has it.
+  [[noreturn]] void refuse(int line, std::string_view token, const std::string& message) const {
+    std::string_view rest = text_;
+    for (int i = 1; i < line; ++i)
+      rest.remove_prefix(std::min(rest.find('\n') + 1, rest.size()));
+    const std::size_t column = placeOf(token, rest.substr(0, rest.find('\n')));
+    std::string place = ", line " + std::to_string(line);
+    if (column != std::string_view::npos) place += ", column " + std::to_string(column + 1);
+    throw AccountError(utf8FromPath(path_) + place + ": " + message);
+  }
+
+  // Where `token` stands in the line and is not a part of a word.
+  static std::size_t placeOf(std::string_view token, std::string_view line) {
+    const auto isWordAt = [line](std::size_t place) {
+      return place < line.size() && (std::isalnum(static_cast<unsigned char>(line[place])) != 0 || line[place] == '_');
+    };
+    if (token.empty()) return std::string_view::npos;
+    std::size_t place = line.find(token);
+    while (place != std::string_view::npos) {
+      const std::size_t end = place + token.size();
+      const bool partOfWord =
+          isWordAt(place) && isWordAt(end - 1) && ((place > 0 && isWordAt(place - 1)) || isWordAt(end));
+      if (!partOfWord) break;
+      place = line.find(token, place + 1);
+    }
+    return place;
+  }
+
+  tsql::Connection& connection_;
+  std::filesystem::path path_;
+  std::string text_;
+  std::vector<tsql::StatementPtr> statements_;
+};
+
+// --- A CSV file -----------------------------------------------------------------------------------------------------
+
+class TableFile {
+ public:
+  TableFile(std::filesystem::path path, const tsql::StoredTable& table)
+      : path_(std::move(path)), table_(table), file_(openToRead(path_)), reader_(file_) {}
+
+  // Writes the rows to the table; gives their number.
+  std::int64_t read(tsql::Connection& connection) {
+    try {
+      readHeader();
+      return readRows(connection);
+    } catch (const CsvError& error) {
+      refuse(error.line(), error.field(), error.what());
+    }
+  }
+
+ private:
+  [[noreturn]] void refuse(std::int64_t line, std::size_t field, const std::string& message) const {
+    std::string place = ", line " + std::to_string(line) + ", column " + std::to_string(field + 1);
+    if (field < columns_.size()) place += " (" + columns_[field]->name + ")";
+    throw AccountError(utf8FromPath(path_) + place + ": " + message);
+  }
+
+  void readHeader() {
+    if (!reader_.next()) refuse(1, 0, "the file is empty; begin it with the names of the table's columns");
+    std::vector<const tsql::TableColumn*> columns;
+    for (const CsvField& field : reader_.fields()) {
+      try {
+        requireUtf8(field.text);
+      } catch (const ValueError& error) {
+        refuse(field.line, columns.size(), error.what());
+      }
+      const int place = table_.find(field.text);
+      if (place < 0) {
+        refuse(
+            field.line, columns.size(),
+            "the table has no column " + quotedForMessage(field.text) + "; correct the name, or add it in schema.sql");
+      }
+      const tsql::TableColumn* const column = &table_.columns[static_cast<std::size_t>(place)];
+      if (std::ranges::find(columns, column) != columns.end())
+        refuse(field.line, columns.size(), "the column " + column->name + " stands here twice; leave one");
+      columns.push_back(column);
+    }
+    for (const tsql::TableColumn& column : table_.columns) {
+      if (std::ranges::find(columns, &column) == columns.end())
+        refuse(1, columns.size(), "the column " + column.name + " is missing; add it, empty where it has no value");
+    }
+    columns_ = std::move(columns);
+  }
+
+  std::int64_t readRows(tsql::Connection& connection) {
+    std::vector<std::string> names;
+    for (const tsql::TableColumn* column : columns_)
+      names.push_back(column->name);
+    const auto writer = connection.bulkWriter(tsql::writtenName(table_.database, table_.name), names);
+    std::vector<tsql::Value> row(columns_.size());
+    std::int64_t rows = 0;
+    for (; reader_.next(); ++rows) {
+      requireFieldForEachColumn();
+      for (std::size_t i = 0; i < columns_.size(); ++i)
+        row[i] = value(i);
+      write(*writer, row);
+    }
+    return rows;
+  }
+
+  void requireFieldForEachColumn() const {
+    const std::span<const CsvField> fields = reader_.fields();
+    const std::string wanted = std::to_string(columns_.size());
+    if (fields.size() < columns_.size()) {
+      refuse(fields.back().line, fields.size(),
+             "the line ends before this column; give it " + wanted + " values, empty ones for NULL");
+    }
+    if (fields.size() > columns_.size()) {
+      refuse(fields[columns_.size()].line, columns_.size(),
+             "the line goes on behind its " + wanted + " values; put a value that holds a comma in quotes");
+    }
+  }
+
+  tsql::Value value(std::size_t place) const {
+    const CsvField& field = reader_.fields()[place];
+    const tsql::TableColumn& column = *columns_[place];
+    if (field.text.empty() && !field.quoted) {
+      if (column.notNull)
+        refuse(field.line, place, "the column must have a value; write one, or \"\" for an empty text");
+      return {};
+    }
+    try {
+      return valueFromText(field.text, column);
+    } catch (const ValueError& error) {
+      refuse(field.line, place, error.what());
+    }
+  }
+
+  void write(tsql::BulkWriter& writer, const std::vector<tsql::Value>& row) const {
+    try {
+      writer.write(row);
+    } catch (const tsql::SqlError& error) {
+      constexpr int brokenPrimaryKey = 2627, brokenUniqueKey = 2601;
+      if (error.number() == brokenPrimaryKey) refuseKey(table_.primaryKey());
+      if (error.number() == brokenUniqueKey) refuseKey(uniqueKey(error.token()));
+      throw;
+    }
+  }
+
+  // The unique key that begins with `column`.
+  std::vector<std::string> uniqueKey(const std::string& column) const {
+    for (const tsql::KeyDefinition& key : table_.keys) {
+      if (!key.primary && tsql::equalsIgnoringCase(key.columns.front(), column)) return key.columns;
+    }
+    for (const tsql::StoredIndex& index : table_.indexes) {
+      if (index.unique && tsql::equalsIgnoringCase(index.columns.front(), column)) return index.columns;
+    }
+    return {column};
+  }
+
+  [[noreturn]] void refuseKey(const std::vector<std::string>& key) const {
+    std::string shown;
+    std::optional<std::size_t> first;
+    for (const std::string& name : key) {
+      const auto place = static_cast<std::size_t>(
+          std::ranges::find_if(columns_,
+                               [&](const auto* column) { return tsql::equalsIgnoringCase(column->name, name); }) -
+          columns_.begin());
+      if (!first) first = place;
+      shown += (shown.empty() ? "" : ", ") + name + " = " + quotedForMessage(reader_.fields()[place].text);
+    }
+    refuse(reader_.fields()[*first].line, *first, "another row has the key " + shown + " already; leave one of them");
+  }
+
+  std::filesystem::path path_;
+  const tsql::StoredTable& table_;
+  std::ifstream file_;
+  CsvReader reader_;
+  std::vector<const tsql::TableColumn*> columns_;  // in the file's order; empty while the header is read
+};
+
+// --- The folder -----------------------------------------------------------------------------------------------------
+
+void requireAccountTables(tsql::Connection& connection, const std::filesystem::path& schemaFile) {
+  for (const TableDefinition& table : tables()) {
+    if (connection.describe(table.name).empty()) {
+      throw AccountError(utf8FromPath(schemaFile) + " makes no account: the table " + std::string(table.name) +
+                         " is missing; add its Create Table");
+    }
+  }
+}
+
+void requireTableForEachFile(const tsql::StoredSchema& schema, const std::filesystem::path& folder) {
+  std::set<std::string> known;
+  for (const tsql::StoredTable& table : schema.tables)
+    known.insert(csvFileName(table));
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    const std::string name = utf8FromPath(entry.path().filename());
+    if (name.ends_with(".csv") && !known.contains(name)) {
+      throw AccountError(utf8FromPath(entry.path()) +
+                         " belongs to no table of schema.sql; add the table there or take the file away");
+    }
+  }
+}
+
+}  // namespace
+
+TransferCounts importAccount(const std::filesystem::path& file, const std::filesystem::path& folder) {
+  PartialFile partial(file);
+  requireFolder(folder);
+  TransferCounts counts;
+  try {
+    const std::unique_ptr<tsql::Connection> connection =
+        tsql::Connection::open(partial.path(), tsql::OpenMode::createNew);
+    connection->begin();
+    const std::filesystem::path schemaFile = inFolder(folder, schemaFileName);
+    SchemaScript script(*connection, schemaFile);
+    script.beforeRows();
+    requireAccountTables(*connection, schemaFile);
+    const tsql::StoredSchema schema = storedSchema(*connection);
+    requireTableForEachFile(schema, folder);
+    for (const tsql::StoredTable& table : schema.tables) {
+      counts.rows += TableFile(inFolder(folder, csvFileName(table)), table).read(*connection);
+      ++counts.tables;
+    }
+    script.afterRows();
+    connection->commit();
+  } catch (const tsql::SqlError& error) {
+    throw AccountError("cannot write " + utf8FromPath(file) + ": " + error.message());
+  }
+  partial.complete();
+  return counts;
+}
+
+}  // namespace quillon::account

@@ -1,0 +1,42 @@
+#include "workbench/account/partial_file.h"
+
+#include <system_error>
+#include <utility>
+
+#include "workbench/account/account_error.h"
+
+namespace quillon::account {
+
+std::string utf8FromPath(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+void refuseExisting(const std::filesystem::path& file) {
+  std::error_code error;
+  if (std::filesystem::exists(file, error)) {
+    throw AccountError(utf8FromPath(file) + " exists already; choose another name or delete the file first");
+  }
+}
+
+PartialFile::PartialFile(std::filesystem::path file) : file_(std::move(file)), path_(file_) {
+  refuseExisting(file_);
+  path_ += ".part";
+  remove();
+}
+
+void PartialFile::complete() {
+  refuseExisting(file_);
+  std::error_code error;
+  std::filesystem::rename(path_, file_, error);
+  if (error) throw AccountError("cannot write " + utf8FromPath(file_) + ": " + error.message());
+}
+
+void PartialFile::remove() const noexcept {
+  for (const char* suffix : {"", "-journal", "-wal", "-shm"}) {
+    std::error_code ignored;
+    std::filesystem::remove(std::filesystem::path(path_).concat(suffix), ignored);
+  }
+}
+
+}  // namespace quillon::account

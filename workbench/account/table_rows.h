@@ -1,0 +1,20 @@
+// The rows of a table in an order that does not depend on how they came into it.
+#pragma once
+
+#include <string>
+
+#include "workbench/tsql/stored_schema.h"
+
+namespace quillon::account {
+
+// The statement that gives all rows with all columns: by primary key, without one by all columns.
+inline std::string selectAllRows(const tsql::StoredTable& table) {
+  std::vector<std::string> columns;
+  for (const tsql::TableColumn& column : table.columns)
+    columns.push_back(column.name);
+  const std::vector<std::string> key = table.primaryKey();
+  return "Select " + tsql::bracketedList(columns) + " From " + tsql::writtenName(table.database, table.name) +
+         " Order By " + tsql::bracketedList(key.empty() ? columns : key);
+}
+
+}  // namespace quillon::account

@@ -1,0 +1,16 @@
+// What the files of a transferred account are called.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "workbench/tsql/catalog.h"
+
+namespace quillon::account {
+
+inline constexpr std::string_view schemaFileName = "schema.sql";
+
+// "Inventory.csv", "orvsystem..UA_Period.csv". What a file name must not hold on some system stands as "%2F".
+std::string csvFileName(const tsql::Table& table);
+
+}  // namespace quillon::account

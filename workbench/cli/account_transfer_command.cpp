@@ -1,0 +1,48 @@
+#include "workbench/cli/account_transfer_command.h"
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "workbench/account/transfer.h"
+#include "workbench/cli/value_output.h"
+#include "workbench/platform/account_source.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+std::string described(const account::TransferCounts& counts) {
+  return groupedNumber(std::to_string(counts.tables), 0) + " tables with " +
+         groupedNumber(std::to_string(counts.rows), 0) + " rows";
+}
+
+void exportTo(const std::string& source, const std::string& folder) {
+  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::readOnly);
+  const account::TransferCounts counts = account::exportAccount(*connection, pathFromUtf8(folder));
+  std::cout << "wrote " << described(counts) << " to " << folder << '\n';
+}
+
+void importFrom(const std::string& file, const std::string& folder) {
+  const account::TransferCounts counts = account::importAccount(pathFromUtf8(file), pathFromUtf8(folder));
+  std::cout << "made " << file << ": " << described(counts) << '\n';
+}
+
+}  // namespace
+
+void addTransferCommands(CLI::App& account) {
+  const auto source = std::make_shared<std::string>();
+  const auto target = std::make_shared<std::string>();
+
+  CLI::App& exporting = *account.add_subcommand("export", "Write every table to a folder of CSV files");
+  exporting.add_option("SOURCE", *source, "The account file")->required();
+  exporting.add_option("DIR", *target, "The folder to write; it must not exist, or be empty")->required();
+  exporting.callback([source, target] { exportTo(*source, *target); });
+
+  CLI::App& importing = *account.add_subcommand("import", "Make an account of a folder of CSV files");
+  importing.add_option("FILE", *target, "The account file to make; it must not exist")->required();
+  importing.add_option("DIR", *source, "The folder: schema.sql and a CSV file for each table")->required();
+  importing.callback([source, target] { importFrom(*target, *source); });
+}
+
+}  // namespace quillon::workbench

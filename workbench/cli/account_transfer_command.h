@@ -1,0 +1,11 @@
+// `quillon account export`, `import`: an account taken elsewhere and back.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace quillon::workbench {
+
+// Adds the commands to `account`.
+void addTransferCommands(CLI::App& account);
+
+}  // namespace quillon::workbench
