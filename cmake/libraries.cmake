@@ -20,6 +20,33 @@ if(NOT WIN32)
   target_link_libraries(sqlite3 PUBLIC Threads::Threads m)
 endif()
 
+# libxlsxwriter, from the source that tools/setup.sh fetches: the same version natively and for Win32. Numbers are written
+# by its own locale-independent formatter; pictures, the only use of MD5, do not occur.
+set(QUILLON_XLSXWRITER_DIR ${CMAKE_SOURCE_DIR}/.deps/xlsxwriter)
+if(NOT EXISTS ${QUILLON_XLSXWRITER_DIR}/src/workbook.c)
+  message(FATAL_ERROR "libxlsxwriter's source is missing: run tools/setup.sh first")
+endif()
+find_package(ZLIB REQUIRED)
+file(GLOB xlsxwriter_sources ${QUILLON_XLSXWRITER_DIR}/src/*.c)
+set(minizip ${QUILLON_XLSXWRITER_DIR}/third_party/minizip)
+add_library(xlsxwriter STATIC EXCLUDE_FROM_ALL ${xlsxwriter_sources} ${minizip}/ioapi.c ${minizip}/zip.c
+                                               ${QUILLON_XLSXWRITER_DIR}/third_party/dtoa/emyg_dtoa.c
+                                               ${QUILLON_XLSXWRITER_DIR}/third_party/tmpfileplus/tmpfileplus.c)
+target_include_directories(xlsxwriter SYSTEM PUBLIC ${QUILLON_XLSXWRITER_DIR}/include)
+target_compile_definitions(xlsxwriter PRIVATE USE_NO_MD5 USE_DTOA_LIBRARY NOCRYPT NOUNCRYPT)
+target_compile_options(xlsxwriter PRIVATE -w)
+target_link_libraries(xlsxwriter PRIVATE ZLIB::ZLIB)
+if(WIN32)
+  # File names are UTF-8 here; Windows' own fopen would take them for its code page (workbench/cli/xlsx_workbook.cpp).
+  set_source_files_properties(${minizip}/ioapi.c PROPERTIES COMPILE_DEFINITIONS fopen64=quillon_open_utf8)
+endif()
+# Its counterpart, with which the tests read what was written.
+add_library(minizip_reader STATIC EXCLUDE_FROM_ALL ${minizip}/unzip.c)
+target_include_directories(minizip_reader SYSTEM PUBLIC ${minizip})
+target_compile_definitions(minizip_reader PRIVATE NOCRYPT NOUNCRYPT)
+target_compile_options(minizip_reader PRIVATE -w)
+target_link_libraries(minizip_reader PUBLIC xlsxwriter ZLIB::ZLIB)
+
 # Header-only libraries, through a folder of links: a cross compiler must not see the rest of /usr/include.
 set(QUILLON_HEADERS ${CMAKE_BINARY_DIR}/headers)
 file(MAKE_DIRECTORY ${QUILLON_HEADERS})

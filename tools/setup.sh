@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # Installs what a bare Debian 12 needs to build and test Quillon: compilers for Linux and Win32, Wine, the
-# libraries of the workbench and SQLite's source. Safe to run again: it only does what is missing, and says so.
+# libraries of the workbench, and the sources of SQLite and libxlsxwriter. Safe to run again: it only does what is missing, and says so.
 # Runs as root or through sudo. Everything else goes to .deps/ in the checkout.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 sqlite_package=better-sqlite3@11.10.0 # carries SQLite's amalgamation in deps/sqlite3
 sqlite_sha256=e80215754ac6cfaefe272342efd581b6dbefdbdc21f96bd83fcb698bee9d36a5
+xlsxwriter_source=libxlsxwriter=1.1.4-2 # Debian's source package, so that the Win32 program has it too
+xlsxwriter_sha256=b379eb35fdd9c653ebe72485b9c992f612c7ea66f732784457997d6e782f619b
 deps=.deps
 
 say() { printf 'setup: %s\n' "$*" >&2; }
@@ -27,7 +29,7 @@ as_root() {
 native_packages=(
   g++ cmake ninja-build ccache git ca-certificates clang-format clang-tidy
   libgtest-dev libgmock-dev googletest libbenchmark-dev
-  nlohmann-json3-dev libcli11-dev
+  nlohmann-json3-dev libcli11-dev zlib1g-dev libz-mingw-w64-dev
   g++-mingw-w64-i686-posix mingw-w64-tools
 )
 wine_packages=(wine wine32:i386 libwine:i386 libwine-dev)
@@ -104,7 +106,39 @@ fetch_sqlite() {
   rm -rf "$work"
 }
 
+fetch_xlsxwriter() {
+  [ "$(cat "$deps/xlsxwriter/.version" 2>/dev/null)" = "$xlsxwriter_source" ] && return 0
+  say "fetching libxlsxwriter's source ($xlsxwriter_source)"
+  local work mirror
+  local -a options
+  work=$(mktemp -d)
+  mirror=$(debian_mirror)
+  [ -n "$mirror" ] || fail "no Debian mirror found in /etc/apt; add one and run this again"
+  mkdir -p "$work/lists/partial"
+  printf 'deb-src %s bookworm main\n' "$mirror" >"$work/source.list"
+  # apt's own lesser user cannot write to the folder.
+  options=(
+    -qq -o APT::Sandbox::User=root
+    -o "Dir::Etc::sourcelist=$work/source.list"
+    -o Dir::Etc::sourceparts=/dev/null
+    -o "Dir::State::Lists=$work/lists"
+  )
+  as_root apt-get "${options[@]}" update || fail "the source lists of $mirror could not be read"
+  (cd "$work" && as_root apt-get "${options[@]}" source --download-only "$xlsxwriter_source" >/dev/null) ||
+    fail "apt-get could not fetch the source of $xlsxwriter_source"
+  printf '%s  %s\n' "$xlsxwriter_sha256" "$(echo "$work"/*.orig.tar.gz)" | sha256sum --check --quiet ||
+    fail "what apt-get fetched is not the source that $xlsxwriter_source is known for"
+  mkdir "$work/source"
+  tar -xzf "$work"/*.orig.tar.gz -C "$work/source" --strip-components=1
+  rm -rf "$deps/xlsxwriter"
+  mkdir -p "$deps/xlsxwriter"
+  mv "$work/source/"{include,src,third_party,License.txt} "$deps/xlsxwriter/"
+  printf '%s' "$xlsxwriter_source" >"$deps/xlsxwriter/.version"
+  as_root rm -rf "$work"
+}
+
 [ -f /etc/debian_version ] || fail "this script knows Debian 12 only; see its package lists for what to install elsewhere"
 install_native_packages
 install_wine_packages
 fetch_sqlite
+fetch_xlsxwriter

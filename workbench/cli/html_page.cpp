@@ -126,17 +126,17 @@ void writeRows(std::ostream& out, const ReportDocument& document, const ResultTa
 // Balances are set off, and a rule stands above each ledger line.
 void writeLedger(std::ostream& out, const ReportDocument& document, const ResultTable& table,
                  std::optional<std::int64_t> limit) {
-  const std::vector<TableColumn> headings = ledgerHeadings(document);
+  const std::vector<ReportColumn> columns = ledgerColumns(document);
   out << "<table class=\"rows\">\n<thead>\n<tr>";
-  for (const TableColumn& column : headings)
-    out << "<th>" << escaped(column.heading) << "</th>";
+  for (const ReportColumn& column : columns)
+    out << "<th>" << escaped(column.caption(document.language)) << "</th>";
   out << "</tr>\n</thead>\n<tbody>\n";
   LedgerRows rows(document, table);
   for (std::int64_t shown = 0; (!limit || shown < *limit) && rows.next(); ++shown) {
     const LedgerRow& row = rows.row();
     out << "<tr class=\"" << (isBalance(row.kind) ? "balance" : "movement") << (row.beginsLine ? " line" : "") << "\">";
-    for (std::size_t i = 0; i < headings.size(); ++i)
-      writeCell(out, row.cells[i], headings[i].align == Align::right);
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      writeCell(out, cellText(document, columns[i], row.values[i]), isNumber(columns[i].role));
     out << "</tr>\n";
   }
   out << "</tbody>\n</table>\n";

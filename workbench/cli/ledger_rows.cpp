@@ -39,12 +39,12 @@ Kind kindOf(const tsql::Value& datatype, const tsql::Value& isReceipt) {
 
 }  // namespace
 
-std::vector<TableColumn> ledgerHeadings(const ReportDocument& document) {
-  std::vector<TableColumn> headings;
-  for (const ReportColumn& column : document.columns)
-    headings.push_back({column.caption(document.language), isNumber(column.role) ? Align::right : Align::left});
-  headings.insert(headings.begin() + 1, {std::string(document.text(kindCaption))});
-  return headings;
+std::vector<ReportColumn> ledgerColumns(const ReportDocument& document) {
+  std::vector<ReportColumn> columns = document.columns;
+  columns.insert(
+      columns.begin() + 1,
+      {.name = "", .chinese = std::string(kindCaption.chinese), .english = std::string(kindCaption.english)});
+  return columns;
 }
 
 LedgerRows::LedgerRows(const ReportDocument& document, const ResultTable& table)
@@ -54,20 +54,21 @@ bool LedgerRows::next() {
   if (!cursor_->next()) return false;
   const std::vector<ReportColumn>& columns = document_.columns;
   row_.kind = kindOf(cursor_->value(columns.size()), cursor_->value(columns.size() + 1));
-  row_.cells.clear();
-  std::vector<std::string> lineCells;
+  row_.values.clear();
+  std::vector<tsql::Value> lineValues;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    row_.cells.push_back(cellText(document_, columns[i], cursor_->value(i)));
-    if (columns[i].ofLine) lineCells.push_back(row_.cells.back());
+    row_.values.push_back(cursor_->value(i));
+    if (columns[i].ofLine) lineValues.push_back(row_.values.back());
   }
-  row_.beginsLine = lineCells != lineCells_;
+  row_.beginsLine = lineValues != lineValues_;
   if (!row_.beginsLine) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
-      if (columns[i].ofLine) row_.cells[i].clear();
+      if (columns[i].ofLine) row_.values[i] = tsql::Value();
     }
   }
-  lineCells_ = std::move(lineCells);
-  row_.cells.insert(row_.cells.begin() + 1, row_.beginsLine ? kindName(document_, row_.kind) : "");
+  lineValues_ = std::move(lineValues);
+  row_.values.insert(row_.values.begin() + 1,
+                     row_.beginsLine ? tsql::Value(kindName(document_, row_.kind)) : tsql::Value());
   return true;
 }
 

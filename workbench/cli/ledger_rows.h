@@ -3,12 +3,10 @@
 #pragma once
 
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "workbench/cli/report_document.h"
 #include "workbench/cli/result_table.h"
-#include "workbench/cli/text_table.h"
 
 namespace quillon::workbench {
 
@@ -16,16 +14,16 @@ struct LedgerRow {
   enum class Kind { opening, receipt, issue, monthBalance };
 
   Kind kind = Kind::opening;
-  bool beginsLine = true;          // false: another cost item of the row before
-  std::vector<std::string> cells;  // one for each heading; empty where they repeat the row before
+  bool beginsLine = true;           // false: another cost item of the row before
+  std::vector<tsql::Value> values;  // one for each of ledgerColumns; null where they repeat the row before
 };
 
 inline bool isBalance(LedgerRow::Kind kind) {
   return kind == LedgerRow::Kind::opening || kind == LedgerRow::Kind::monthBalance;
 }
 
-// The headings: the document's columns, and the kind of the row behind the first.
-std::vector<TableColumn> ledgerHeadings(const ReportDocument& document);
+// The document's columns, and the kind of the row behind the first.
+std::vector<ReportColumn> ledgerColumns(const ReportDocument& document);
 
 class LedgerRows {
  public:
@@ -39,7 +37,7 @@ class LedgerRows {
  private:
   const ReportDocument& document_;
   std::unique_ptr<tsql::Cursor> cursor_;
-  std::vector<std::string> lineCells_;  // of the row before
+  std::vector<tsql::Value> lineValues_;  // of the row before
   LedgerRow row_;
 };
 

@@ -14,6 +14,7 @@
 #include "workbench/cli/report_output.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/cli/standard_streams.h"
+#include "workbench/cli/xlsx_workbook.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
@@ -64,20 +65,19 @@ bool shownWhenAsked(const ReportColumn& column) {
   return column.role == ColumnRole::userDefined || column.role == ColumnRole::further;
 }
 
-void write(const ReportOptions& options, const ReportLayout& layout, const MadeReport& report, std::ostream& out) {
-  const ResultTable table = report.table();
-  if (options.format == ReportFormat::csv) {
-    writeCsv(out, table);
-    return;
-  }
+// What every format but CSV shows.
+ReportDocument heading(const ReportOptions& options, const MadeReport& report) {
   ReportDocument document;
   document.language = options.language;
   document.report = report.registration().name;
   document.title = report.registration().title(options.language);
-  if (options.format == ReportFormat::json) {
-    writeJson(out, document, table, layout.columns);
-    return;
-  }
+  return document;
+}
+
+// What a reader sees, with conditions, captions and sums.
+ReportDocument readersDocument(const ReportOptions& options, const ReportLayout& layout, const MadeReport& report,
+                               const ResultTable& table) {
+  ReportDocument document = heading(options, report);
   document.conditions = conditions(report.filter(), options.language);
   Session& session = *report.account().session;
   document.quantityDecimals = decimals(session, "iStrsQuanDecDgt", document.quantityDecimals);
@@ -94,14 +94,28 @@ void write(const ReportOptions& options, const ReportLayout& layout, const MadeR
     document.crossStates = layout.states(entered(report.filter(), "cModal"));
     document.cross = table.crossView(document.crossStates);
   }
-  if (options.format == ReportFormat::html) {
-    writeHtml(out, document, table, options.limit);
+  return document;
+}
+
+void write(const ReportOptions& options, const ReportLayout& layout, const MadeReport& report, std::ostream& out) {
+  const ResultTable table = report.table();
+  if (options.format == ReportFormat::csv) {
+    writeCsv(out, table);
+  } else if (options.format == ReportFormat::json) {
+    writeJson(out, heading(options, report), table, layout.columns);
+  } else if (options.format == ReportFormat::html) {
+    writeHtml(out, readersDocument(options, layout, report, table), table, options.limit);
   } else {
-    writeTable(out, document, table, options.limit);
+    writeTable(out, readersDocument(options, layout, report, table), table, options.limit);
   }
 }
 
 void writeTo(const ReportOptions& options, const ReportLayout& layout, const MadeReport& report, std::ostream& out) {
+  if (options.format == ReportFormat::xlsx) {
+    const ResultTable table = report.table();
+    writeXlsx(pathFromUtf8(options.outputFile), readersDocument(options, layout, report, table), table, options.limit);
+    return;
+  }
   if (options.outputFile.empty()) {
     write(options, layout, report, out);
     out.flush();
@@ -141,7 +155,8 @@ void addReportCommand(CLI::App& app) {
   static const std::map<std::string, ReportFormat> formats = {{"table", ReportFormat::table},
                                                               {"csv", ReportFormat::csv},
                                                               {"json", ReportFormat::json},
-                                                              {"html", ReportFormat::html}};
+                                                              {"html", ReportFormat::html},
+                                                              {"xlsx", ReportFormat::xlsx}};
   static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
   command.add_option("--account", options->account, "The account file")->required();
@@ -153,17 +168,20 @@ void addReportCommand(CLI::App& app) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   command.add_flag("!--no-dialog", options->dialog,
                    "Do not run the report's filter dialog; items that are not given take registered defaults");
-  command.add_option("--format", options->format, "table, csv, json or html")->transform(oneOf(formats));
+  command.add_option("--format", options->format, "table, csv, json, html or xlsx")->transform(oneOf(formats));
   command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
   command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
   command.add_option("--date", options->date, "The login's date, yyyy-mm-dd");
-  command.add_option("--limit", options->limit, "Show at most this many rows (table, html)")
+  command.add_option("--limit", options->limit, "Show at most this many rows (table, html, xlsx)")
       ->check(CLI::NonNegativeNumber);
-  command.add_flag("--all-columns", options->allColumns,
-                   "Show user-defined fields and what documents carry beside, too (table, html; always in csv, json)");
+  command.add_flag(
+      "--all-columns", options->allColumns,
+      "Show user-defined fields and what documents carry beside, too (table, html, xlsx; always in csv, json)");
   command.add_flag("--explain", options->explain, "Print each statement with its time and row count");
   command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
   command.callback([options] {
+    if (options->format == ReportFormat::xlsx && options->outputFile.empty())
+      throw CLI::ValidationError("--format", "xlsx needs a file to write to; name one with -o FILE");
     options->terminal = errorsGoToTerminal();
     runReport(*options, std::cout, std::cerr);
   });

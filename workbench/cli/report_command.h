@@ -12,7 +12,7 @@
 
 namespace quillon::workbench {
 
-enum class ReportFormat { table, csv, json, html };
+enum class ReportFormat { table, csv, json, html, xlsx };
 
 struct ReportOptions {
   std::string report = {};                 // as it is registered, such as "fx-wt"
@@ -23,14 +23,14 @@ struct ReportOptions {
   // the registered defaults do.
   bool dialog = true;
   ReportFormat format = ReportFormat::table;
-  std::string outputFile = {};  // empty: `out`
+  std::string outputFile = {};  // empty: `out`, which xlsx cannot be written to
   Language language = Language::chinese;
   std::string date = {};                   // the login's date, yyyy-mm-dd; empty: the last day of the current year
-  std::optional<std::int64_t> limit = {};  // rows shown by table and html
-  bool allColumns = false;                 // also those that are shown when asked (table, html; csv and json have all)
-  bool explain = false;                    // each statement with its time and row count, to `notes`
-  bool keep = false;                       // keep the result table and tell its name
-  bool terminal = false;                   // `notes` is a terminal: show progress there
+  std::optional<std::int64_t> limit = {};  // rows shown by table, html and xlsx
+  bool allColumns = false;  // also those that are shown when asked (table, html, xlsx; csv and json have all)
+  bool explain = false;     // each statement with its time and row count, to `notes`
+  bool keep = false;        // keep the result table and tell its name
+  bool terminal = false;    // `notes` is a terminal: show progress there
 };
 
 // Runs the report and writes it. Throws std::exception with one line for the user when it cannot be made. What the user

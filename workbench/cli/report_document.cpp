@@ -51,6 +51,11 @@ std::string stateName(const ReportDocument& document, const CrossState& state) {
   return resourceText(state.nameKey, document.language);
 }
 
+std::string crossHeading(const ReportDocument& document, const CrossState& state, const Caption& measure) {
+  const std::string_view blank = document.language == Language::chinese ? "" : " ";
+  return stateName(document, state).append(blank).append(document.text(measure));
+}
+
 std::string costItemName(const ReportDocument& document, const CrossRow& row) {
   return row.code.empty() && row.name.empty() ? std::string(document.text(noCostItemCaption)) : row.name;
 }

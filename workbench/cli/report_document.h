@@ -56,6 +56,8 @@ inline constexpr Caption moneyCaption{"金额", "amount"};
 
 // The name of a state of the cross view in the document's language.
 std::string stateName(const ReportDocument& document, const CrossState& state);
+// The heading of a state's quantity or money: "Receipt amount".
+std::string crossHeading(const ReportDocument& document, const CrossState& state, const Caption& measure);
 // What the cross view calls a row: its cost item; ledger lines that fall to none have neither code nor name.
 std::string costItemName(const ReportDocument& document, const CrossRow& row);
 

@@ -14,12 +14,9 @@ namespace {
 void writeCrossTable(std::ostream& out, const ReportDocument& document) {
   std::vector<TableColumn> columns = {{std::string(document.text(codeCaption))},
                                       {std::string(document.text(costItemCaption))}};
-  const std::string_view blank = document.language == Language::chinese ? "" : " ";
   for (const CrossState& state : document.crossStates) {
-    for (const Caption& measure : {quantityCaption, moneyCaption}) {
-      columns.push_back(
-          {stateName(document, state) + std::string(blank) + std::string(document.text(measure)), Align::right});
-    }
+    for (const Caption& measure : {quantityCaption, moneyCaption})
+      columns.push_back({crossHeading(document, state, measure), Align::right});
   }
   TextTable table(out, std::move(columns));
   const auto write = [&](const CrossRow& row, std::string code, std::string name) {
@@ -37,13 +34,16 @@ void writeCrossTable(std::ostream& out, const ReportDocument& document) {
   table.finish();
 }
 
+std::vector<TableColumn> headings(const ReportDocument& document, std::span<const ReportColumn> columns) {
+  std::vector<TableColumn> headings;
+  for (const ReportColumn& column : columns)
+    headings.push_back({column.caption(document.language), isNumber(column.role) ? Align::right : Align::left});
+  return headings;
+}
+
 void writeRowTable(std::ostream& out, const ReportDocument& document, const ResultTable& result,
                    std::optional<std::int64_t> limit) {
-  std::vector<TableColumn> columns;
-  for (const ReportColumn& column : document.columns) {
-    columns.push_back({column.caption(document.language), isNumber(column.role) ? Align::right : Align::left});
-  }
-  TextTable table(out, std::move(columns));
+  TextTable table(out, headings(document, document.columns));
   const auto cursor = result.rows(document.columns);
   for (std::int64_t shown = 0; (!limit || shown < *limit) && cursor->next(); ++shown) {
     std::vector<std::string> cells;
@@ -64,13 +64,17 @@ void writeRowTable(std::ostream& out, const ReportDocument& document, const Resu
 // Balances stand between rules.
 void writeLedgerTable(std::ostream& out, const ReportDocument& document, const ResultTable& result,
                       std::optional<std::int64_t> limit) {
-  TextTable table(out, ledgerHeadings(document));
+  const std::vector<ReportColumn> columns = ledgerColumns(document);
+  TextTable table(out, headings(document, columns));
   LedgerRows rows(document, result);
   bool balanceBefore = false;
   for (std::int64_t shown = 0; (!limit || shown < *limit) && rows.next(); ++shown) {
     const bool balance = isBalance(rows.row().kind);
     if (shown > 0 && rows.row().beginsLine && (balance || balanceBefore)) table.rule();
-    table.row(rows.row().cells);
+    std::vector<std::string> cells;
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      cells.push_back(cellText(document, columns[i], rows.row().values[i]));
+    table.row(std::move(cells));
     balanceBefore = balance;
   }
   table.finish();

@@ -7,6 +7,7 @@
 #include <regex>
 #include <sstream>
 
+#include "tests/workbench/cli/xlsx_sheet.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/schema.h"
 #include "workbench/cli/dialog_command.h"
@@ -197,6 +198,36 @@ TEST_F(DetailLedger, PageSetsBalancesOff) {
   EXPECT_THAT(page, HasSubstr("<tr class=\"movement\"><td></td><td></td><td></td>"));
   EXPECT_THAT(page, HasSubstr("<tr class=\"balance line\"><td>8</td><td>Month-end balance</td>"));
   EXPECT_THAT(page, testing::Not(HasSubstr("<tfoot>"))) << "a ledger has no totals";
+}
+
+TEST_F(DetailLedger, WorkbookHasNumbersAndDatesAndEachLineOnce) {
+  const test::TemporaryFile workbook(".xlsx");
+  std::ostringstream out;
+  std::ostringstream notes;
+  runReport({.report = "fx-detail",
+             .account = source(),
+             .settings = {"cInvCode=M1"},
+             .format = ReportFormat::xlsx,
+             .outputFile = utf8FromPath(workbook.path()),
+             .language = Language::english},
+            out, notes);
+  EXPECT_EQ(out.str(), "");
+  const test::XlsxSheet sheet(workbook.path());
+  EXPECT_EQ(sheet.name(), "fx-detail");
+  EXPECT_EQ(sheet.row(5), "Inventory name|钢板");
+  EXPECT_EQ(sheet.row(7),
+            "Line|Kind|Posting date|Voucher type|Voucher number|Ledger voucher|Digest|Business type|Quantity|Unit "
+            "cost|Amount|Cost-item class|Cost item code|Cost item|Cost item quantity|Cost item unit cost|Cost item "
+            "amount");
+  // 45301 is 2024-01-10.
+  EXPECT_EQ(sheet.row(10), "4|Receipt|45301|产成品入库单|R-1|入库|5|12|60|材料|01A1|直接材料|5|8|40");
+  EXPECT_EQ(sheet.row(11), "人工|02B1|直接人工|0|20");
+  EXPECT_EQ(sheet.cell("C10").format, "yyyy-mm-dd");
+  EXPECT_EQ(sheet.cell("J10").format, "#,##0.0000") << "a unit cost";
+  EXPECT_FALSE(sheet.cell("B10").filled);
+  EXPECT_TRUE(sheet.cell("B8").filled) << "a balance is set off";
+  EXPECT_EQ(sheet.filter(), "A7:Q19");
+  EXPECT_EQ(sheet.row(21), "12 rows; 2 more columns are not shown (--all-columns)");
 }
 
 TEST_F(DetailLedger, GivesEveryRowItsFiguresInJson) {

@@ -210,7 +210,9 @@ TEST_F(ReportCommand, RefusesWrongUsage) {
   EXPECT_EQ(call({"report", "sfc-item"}).ends, Ends::wrongUsage);
   EXPECT_EQ(report({"--nothing"}).ends, Ends::wrongUsage);
   EXPECT_EQ(report({"--format", "xml"}).ends, Ends::wrongUsage);
-  EXPECT_EQ(report({"--format", "xml"}).message, "--format: \"xml\" is none of csv, html, json, table");
+  EXPECT_EQ(report({"--format", "xml"}).message, "--format: \"xml\" is none of csv, html, json, table, xlsx");
+  EXPECT_EQ(report({"--format", "xlsx"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(report({"--format", "xlsx"}).message, "--format: xlsx needs a file to write to; name one with -o FILE");
   EXPECT_EQ(report({"--limit", "-1"}).ends, Ends::wrongUsage);
   EXPECT_EQ(call({"account"}).ends, Ends::wrongUsage);
   EXPECT_EQ(call({"sql"}).ends, Ends::wrongUsage);
