@@ -46,6 +46,17 @@ target_include_directories(minizip_reader SYSTEM PUBLIC ${minizip})
 target_compile_definitions(minizip_reader PRIVATE NOCRYPT NOUNCRYPT)
 target_compile_options(minizip_reader PRIVATE -w)
 target_link_libraries(minizip_reader PUBLIC xlsxwriter ZLIB::ZLIB)
+# ODBC: unixODBC's driver manager natively, Windows' own for Win32 (mingw-w64 has its headers).
+add_library(odbc INTERFACE)
+if(WIN32)
+  target_link_libraries(odbc INTERFACE odbc32)
+else()
+  find_package(ODBC)
+  if(NOT ODBC_FOUND)
+    message(FATAL_ERROR "unixODBC is missing: run tools/setup.sh first")
+  endif()
+  target_link_libraries(odbc INTERFACE ODBC::ODBC)
+endif()
 
 # Header-only libraries, through a folder of links: a cross compiler must not see the rest of /usr/include.
 set(QUILLON_HEADERS ${CMAKE_BINARY_DIR}/headers)

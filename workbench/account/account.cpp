@@ -11,7 +11,7 @@ namespace quillon::account {
 namespace {
 
 // The first value of the first row as text; empty without a row or for null.
-std::string firstText(tsql::Connection& connection, std::string_view sql) {
+std::string firstText(tsql::Database& connection, std::string_view sql) {
   const std::unique_ptr<tsql::Cursor> rows = connection.query(sql);
   return rows->next() ? tsql::toText(rows->value(0)).value_or("") : "";
 }
@@ -21,7 +21,7 @@ std::int64_t integerOf(const tsql::Value& value) {
 }
 
 // The option `name` of `system`; empty when it is not set.
-std::string option(tsql::Connection& connection, std::string_view system, std::string_view name) {
+std::string option(tsql::Database& connection, std::string_view system, std::string_view name) {
   return firstText(connection, "Select cValue From AccInformation Where cSysID = N'" + std::string(system) +
                                    "' And cName = N'" + std::string(name) + "'");
 }
@@ -66,7 +66,7 @@ void createSample(const std::filesystem::path& file, const SampleOptions& option
   partial.complete();
 }
 
-void requireAccount(tsql::Connection& connection) {
+void requireAccount(tsql::Database& connection) {
   for (const TableDefinition& table : tables()) {
     if (connection.describe(table.name).empty()) {
       throw AccountError("this is no account: the table " + std::string(table.name) +
@@ -75,7 +75,7 @@ void requireAccount(tsql::Connection& connection) {
   }
 }
 
-AccountInfo info(tsql::Connection& connection) {
+AccountInfo info(tsql::Database& connection) {
   requireAccount(connection);
   AccountInfo result;
   result.accountCode = firstText(connection, "Select Min(cAcc_Id) From orvsystem..UA_Period");
@@ -126,14 +126,14 @@ bool isWorkTableName(std::string_view name) {
   return name.size() >= shortest && isDigit(name.front()) && std::ranges::all_of(name, isUniquePartCharacter);
 }
 
-std::vector<std::string> leftoverWorkTables(tsql::Connection& connection) {
+std::vector<std::string> leftoverWorkTables(tsql::Database& connection) {
   std::vector<std::string> names = connection.tables("");
   std::erase_if(names, [](const std::string& name) { return !isWorkTableName(name); });
   std::ranges::sort(names);
   return names;
 }
 
-std::vector<std::string> dropLeftoverWorkTables(tsql::Connection& connection) {
+std::vector<std::string> dropLeftoverWorkTables(tsql::Database& connection) {
   const std::vector<std::string> names = leftoverWorkTables(connection);
   for (const std::string& name : names)
     connection.execute("Drop Table [" + name + "]");

@@ -58,7 +58,7 @@ std::string textOf(const tsql::Cursor& cursor, std::size_t column) {
 
 // Runs `sql`, whose last column is a count, and hands each row to `describe` for its key; an empty one is passed over.
 template <typename Describe>
-void collect(tsql::Connection& connection, const std::string& sql, std::string_view table, std::string_view reports,
+void collect(tsql::Database& connection, const std::string& sql, std::string_view table, std::string_view reports,
              std::vector<BrokenKey>& broken, Describe describe) {
   const std::unique_ptr<tsql::Cursor> rows = connection.query(sql);
   const std::size_t count = rows->columns().size() - 1;
@@ -107,7 +107,7 @@ constexpr const char* ambiguousClasses =
 
 }  // namespace
 
-std::vector<BrokenKey> brokenKeys(tsql::Connection& connection) {
+std::vector<BrokenKey> brokenKeys(tsql::Database& connection) {
   requireAccount(connection);
   std::vector<BrokenKey> broken;
   for (const JoinKey& key : joinKeys) {

@@ -24,6 +24,6 @@ struct BrokenKey {
 //   - a work centre and an accounting department that both have a cost centre, for issues that have both;
 //   - a cost-item class whose code begins with the codes of two classes of one grade.
 // Throws AccountError when the database lacks the tables of an account, and tsql::SqlError when it cannot be read.
-std::vector<BrokenKey> brokenKeys(tsql::Connection& connection);
+std::vector<BrokenKey> brokenKeys(tsql::Database& connection);
 
 }  // namespace quillon::account

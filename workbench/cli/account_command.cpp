@@ -38,7 +38,7 @@ void makeSample(const std::string& file, const account::SampleOptions& options) 
 }
 
 void showInfo(const std::string& source) {
-  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::readOnly);
+  const auto connection = openDatabase(source, tsql::OpenMode::readOnly);
   const account::AccountInfo info = account::info(*connection);
   std::cout << "account " << info.accountCode << ", inventory accounting since " << info.startDate
             << ", valuation method " << info.valuationMethod << ", current year " << info.currentYear << "\n\n";
@@ -64,7 +64,7 @@ void showInfo(const std::string& source) {
 }
 
 void clean(const std::string& source) {
-  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::existing);
+  const auto connection = openDatabase(source, tsql::OpenMode::existing);
   const auto dropped = account::dropLeftoverWorkTables(*connection);
   for (const std::string& name : dropped)
     std::cout << "dropped " << name << '\n';
@@ -74,7 +74,7 @@ void clean(const std::string& source) {
 }  // namespace
 
 bool checkAccount(const std::string& source, std::ostream& out) {
-  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::readOnly);
+  const auto connection = openDatabase(source, tsql::OpenMode::readOnly);
   const std::vector<account::BrokenKey> broken = account::brokenKeys(*connection);
   if (broken.empty()) {
     out << "every key by which the reports join has one row\n";

@@ -1,14 +1,15 @@
 #include "workbench/cli/account_login.h"
 
 #include "workbench/platform/account_source.h"
+#include "workbench/odbc/connection_string.h"
 
 namespace quillon::workbench {
 
 SignedInAccount logIn(const std::string& source, Language language, const std::string& date) {
   SignedInAccount account;
-  account.file = accountFile(source);
-  account.connection = connectionString(account.file);
-  account.session = std::make_shared<EmbeddedSession>();
+  account.shownSource = odbc::withoutPassword(source);
+  account.connection = accountConnection(source);
+  account.session = std::make_shared<AccountSession>();
   account.session->setConnectionString(account.connection);
   account.session->open("", "", optionsUnspecified);
   account.login =

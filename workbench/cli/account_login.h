@@ -1,20 +1,19 @@
 // Signing in to an account, as a person does before a report or its filter dialog.
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
+#include "workbench/platform/account_session.h"
 #include "workbench/platform/argument.h"
-#include "workbench/platform/embedded_session.h"
 #include "workbench/platform/language.h"
 
 namespace quillon::workbench {
 
 struct SignedInAccount {
-  std::filesystem::path file;
-  std::string connection;                    // the connection string, as the login gives it
-  std::shared_ptr<EmbeddedSession> session;  // open
+  std::string shownSource;                  // SOURCE as it may be shown
+  std::string connection;                   // the connection string, as the login gives it
+  std::shared_ptr<AccountSession> session;  // open
   std::shared_ptr<WorkbenchLogin> login;
 };
 

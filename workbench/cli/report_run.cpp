@@ -74,23 +74,30 @@ bool onlyGroupIndexStays(const StatementFailure& failure) {
          failure.sql.ends_with("IA_SFC_IX_GroupIndex");
 }
 
+// What the build left in the account and how to drop it.
+std::string leftBehind(tsql::Database& account, const std::string& source) {
+  const std::string advice = "drop with: quillon account clean " + source;
+  try {
+    return "; left in the account: " + joined(account::leftoverWorkTables(account)) + " (" + advice + ")";
+  } catch (const tsql::ConnectionLost&) {
+    return "; work tables may be left in the account (" + advice + ")";
+  }
+}
+
 // Tells what stopped the build. Throws unless the rows are complete all the same.
-void tellStop(const RunMonitor& monitor, tsql::Connection& account, const std::string& source, std::ostream& notes) {
-  const std::string left = "; left in the account: " + joined(account::leftoverWorkTables(account)) +
-                           " (drop with: quillon account clean " + source + ")";
+void tellStop(const RunMonitor& monitor, tsql::Database& account, const std::string& source, std::ostream& notes) {
+  const std::string left = leftBehind(account, source);
   if (!monitor.failure()) {
     throw CommandError("the build stopped before a statement failed: a filter value could not be translated" + left);
   }
   const StatementFailure& failure = *monitor.failure();
-  const std::string error = "error " + std::to_string(failure.number) + ": " + failure.message;
   if (onlyGroupIndexStays(failure)) {
     notes << "quillon: all rows are written, but the group index was not dropped: the statement names it without "
              "brackets and the name begins with a digit ("
-          << error << ")" << left << '\n';
+          << errorText(failure.number, failure.line, failure.message) << ")" << left << '\n';
     return;
   }
-  constexpr std::size_t statementCells = 160;
-  throw CommandError("the build stopped: " + error + ", at: " + shortened(oneLine(failure.sql), statementCells) + left);
+  throw CommandError("the build stopped: " + errorText(failure) + left);
 }
 
 std::string totalTime(const RunMonitor& monitor, double seconds) {
@@ -110,7 +117,7 @@ MadeReport::MadeReport(const ReportRegistration& registration, SignedInAccount a
       account_(std::move(account)),
       filter_(std::move(filter)),
       argument_(std::make_shared<WorkbenchArgument>(filter_, account_.login, freshResultTable())),
-      connection_(tsql::Connection::open(account_.file, tsql::OpenMode::existing)) {}
+      connection_(openDatabase(account_.connection, tsql::OpenMode::existing)) {}
 
 MadeReport::~MadeReport() {
   if (keep_) return;
@@ -136,11 +143,18 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
   {
     const auto runner = makeReportRunner(platform);
     const auto start = std::chrono::steady_clock::now();
-    runner->run(registration, made->argument());
+    try {
+      runner->run(registration, made->argument());
+    } catch (const AutomationError& error) {
+      // A statement that the report let fail is told as what it is.
+      if (monitor.failure() && monitor.failure()->message == error.description())
+        throw CommandError(errorText(*monitor.failure()));
+      throw;
+    }
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     if (notes.explanation != nullptr) *notes.explanation << totalTime(monitor, time.count());
   }
-  if (monitor.leftOpen()) tellStop(monitor, made->connection(), utf8FromPath(made->account().file), notes.notes);
+  if (monitor.leftOpen()) tellStop(monitor, made->connection(), made->account().shownSource, notes.notes);
   return made;
 }
 

@@ -41,7 +41,7 @@ class MadeReport {
   // What the report is run with.
   const std::shared_ptr<WorkbenchArgument>& argument() const { return argument_; }
   // The result table's account, on a connection of its own.
-  tsql::Connection& connection() const { return *connection_; }
+  tsql::Database& connection() const { return *connection_; }
   // The result table, by the name that the argument's data source has for it.
   ResultTable table() const {
     return {*connection_, argument_->dataSourceState().resultTable, layoutOf(registration_.name).order};
@@ -52,7 +52,7 @@ class MadeReport {
   SignedInAccount account_;
   std::shared_ptr<FilterObject> filter_;
   std::shared_ptr<WorkbenchArgument> argument_;
-  std::unique_ptr<tsql::Connection> connection_;
+  std::unique_ptr<tsql::Database> connection_;
   bool keep_ = false;
 };
 

@@ -10,7 +10,7 @@
 
 #include "workbench/cli/report_columns.h"
 #include "workbench/cli/report_layout.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/database.h"
 
 namespace quillon::workbench {
 
@@ -30,7 +30,7 @@ struct CrossView {
 class ResultTable {
  public:
   // `account` stays open as long as this. The table need not exist yet. `order` is what its rows are ordered by.
-  ResultTable(tsql::Connection& account, std::string name, RowOrder order = orderByPlace)
+  ResultTable(tsql::Database& account, std::string name, RowOrder order = orderByPlace)
       : account_(account), name_(std::move(name)), order_(order) {}
 
   const std::string& name() const { return name_; }
@@ -60,7 +60,7 @@ class ResultTable {
   void drop();
 
  private:
-  tsql::Connection& account_;
+  tsql::Database& account_;
   std::string name_;
   RowOrder order_;
 };

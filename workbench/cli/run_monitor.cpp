@@ -20,6 +20,19 @@ std::string milliseconds(double seconds) {
 
 }  // namespace
 
+std::string errorText(int number, int line, std::string_view message) {
+  std::string text;
+  if (number != 0) text = "error " + std::to_string(number);
+  if (line > 0) text += (text.empty() ? "line " : " in line ") + std::to_string(line) + " of the batch";
+  return (text.empty() ? text : text + ": ").append(message);
+}
+
+std::string errorText(const StatementFailure& failure) {
+  constexpr std::size_t statementCells = 160;
+  return errorText(failure.number, failure.line, failure.message) +
+         ", at: " + shortened(oneLine(failure.sql), statementCells);
+}
+
 void RunMonitor::started(std::string_view sql) {
   ++statements_;
   if (progress_ == nullptr) return;
@@ -41,8 +54,16 @@ void RunMonitor::failed(const StatementFailure& failure) {
   failure_ = failure;
   clearProgress();
   if (explanation_ == nullptr) return;
-  *explanation_ << '[' << statements_ << "] failed with error " << failure.number << ": " << failure.message << '\n'
+  *explanation_ << '[' << statements_ << "] failed: " << errorText(failure.number, failure.line, failure.message)
+                << '\n'
                 << failure.sql << "\n\n";
+}
+
+void RunMonitor::told(const odbc::Diagnostic& message) {
+  if (explanation_ == nullptr) return;
+  clearProgress();
+  *explanation_ << '[' << statements_ << "] the server says: " << message.text << " (number " << message.number
+                << ", line " << message.line << ")\n";
 }
 
 void RunMonitor::clearProgress() {

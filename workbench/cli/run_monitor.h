@@ -5,9 +5,14 @@
 #include <ostream>
 #include <string>
 
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {
+
+// "error 207 in line 1 of the batch: Invalid column name 'x'."; without number and line what has none.
+std::string errorText(int number, int line, std::string_view message);
+// The same with the statement behind it, cut to a line.
+std::string errorText(const StatementFailure& failure);
 
 class RunMonitor final : public SessionMonitor {
  public:
@@ -19,6 +24,7 @@ class RunMonitor final : public SessionMonitor {
   void started(std::string_view sql) override;
   void finished(std::string_view sql, double seconds, std::int64_t rows) override;
   void failed(const StatementFailure& failure) override;
+  void told(const odbc::Diagnostic& message) override;
   void closed() override { open_ = false; }
 
   // True when the run left its session open, the sign of a build that stopped.

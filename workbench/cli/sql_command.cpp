@@ -9,6 +9,7 @@
 #include "frame/text.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/run_monitor.h"
 #include "workbench/cli/text_table.h"
 #include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
@@ -100,9 +101,7 @@ class TableOutput final : public ScriptOutput {
 
   void error(const tsql::SqlError& error) override {
     endTable();
-    errors_ << "quillon: error " << error.number();
-    if (error.line() > 0) errors_ << " in line " << error.line() << " of the batch";
-    errors_ << ": " << error.message() << '\n';
+    errors_ << "quillon: " << errorText(error.number(), error.line(), error.message()) << '\n';
   }
 
  private:
@@ -131,7 +130,7 @@ bool readBatch(std::istream& script, std::string& batch) {
 
 }  // namespace
 
-int runScript(tsql::Connection& account, std::istream& script, SqlFormat format, std::ostream& out,
+int runScript(tsql::Database& account, std::istream& script, SqlFormat format, std::ostream& out,
               std::ostream& errors) {
   std::unique_ptr<ScriptOutput> output;
   if (format == SqlFormat::json) {
@@ -174,9 +173,8 @@ void addSqlCommand(CLI::App& app) {
   command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
   command.add_option("FILE", options->file, "The script; standard input when it is left out");
   command.callback([options] {
-    const auto account = options->empty
-                             ? tsql::Connection::openInMemory()
-                             : tsql::Connection::open(accountFile(options->account), tsql::OpenMode::existing);
+    const std::unique_ptr<tsql::Database> account =
+        options->empty ? tsql::Connection::openInMemory() : openDatabase(options->account, tsql::OpenMode::existing);
     std::ifstream file;
     if (!options->file.empty()) {
       file.open(pathFromUtf8(options->file), std::ios::binary);

@@ -5,7 +5,7 @@
 #include <istream>
 #include <ostream>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/database.h"
 
 namespace quillon::workbench {
 
@@ -17,8 +17,7 @@ enum class SqlFormat { table, json };
 //          {"error":{"number":N,"message":"..."}}
 //   table  an aligned table and the row counts; errors go to `errors` as one line each
 // Gives the count of batches that failed.
-int runScript(tsql::Connection& account, std::istream& script, SqlFormat format, std::ostream& out,
-              std::ostream& errors);
+int runScript(tsql::Database& account, std::istream& script, SqlFormat format, std::ostream& out, std::ostream& errors);
 
 // Adds the command. In table format a failed batch makes the exit status 1; in JSON errors are part of the answer, so
 // the exit status only tells whether the script could be run at all.

@@ -172,7 +172,7 @@ class AdoErrors : public com::Automation<AdoErrors> {
 };
 
 // A two-dimensional array of variants, field by row, with rows from the current one on.
-Variant arrayOfRows(EmbeddedRecordset& rows, int wanted) {
+Variant arrayOfRows(AccountRecordset& rows, int wanted) {
   const std::size_t fields = rows.columns().size();
   std::vector<Variant> values;
   for (int taken = 0; taken != wanted && !rows.eof(); ++taken, rows.moveNext()) {
@@ -307,7 +307,7 @@ Variant AdoConnection::version(Call&) {
 }
 
 Variant AdoConnection::provider(Call&) {
-  return embeddedSource;
+  return sessionSource;
 }
 
 // --- Recordset
@@ -333,15 +333,14 @@ auto AdoRecordset::members() -> std::span<const Member> {
   return table;
 }
 
-AdoRecordset::AdoRecordset(ComPtr<AdoConnection> connection, std::string source,
-                           std::unique_ptr<EmbeddedRecordset> rows)
+AdoRecordset::AdoRecordset(ComPtr<AdoConnection> connection, std::string source, std::unique_ptr<AccountRecordset> rows)
     : monitor_(connection->monitor()),
       connection_(std::move(connection)),
       source_(std::move(source)),
       cursorLocation_(connection_->cursorLocation()),
       rows_(std::move(rows)) {}
 
-EmbeddedRecordset& AdoRecordset::rows() {
+AccountRecordset& AdoRecordset::rows() {
   if (!isOpen()) {
     throw adoError(objectClosed, sourceName(), "The recordset is closed; open it with a query that gives rows first.");
   }

@@ -11,7 +11,7 @@
 
 #include "frame/com/class_factory.h"
 #include "frame/com/dispatch_object.h"
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {
 
@@ -37,16 +37,16 @@ class AdoConnection : public com::Automation<AdoConnection> {
 
   // `monitor` watches the session; it may be null.
   explicit AdoConnection(std::shared_ptr<SessionMonitor> monitor)
-      : monitor_(std::move(monitor)), session_(std::make_shared<EmbeddedSession>(monitor_.get())) {}
+      : monitor_(std::move(monitor)), session_(std::make_shared<AccountSession>(monitor_.get())) {}
   // A connection that shares `session`, which is open already.
-  AdoConnection(std::shared_ptr<SessionMonitor> monitor, std::shared_ptr<EmbeddedSession> session)
+  AdoConnection(std::shared_ptr<SessionMonitor> monitor, std::shared_ptr<AccountSession> session)
       : monitor_(std::move(monitor)), session_(std::move(session)) {}
 
   // The connection behind an automation reference, or null when it is another program's object.
   static com::ComPtr<AdoConnection> from(IDispatch* object);
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
 
-  EmbeddedSession& session() { return *session_; }
+  AccountSession& session() { return *session_; }
   const std::shared_ptr<SessionMonitor>& monitor() const { return monitor_; }
   int cursorLocation() const { return cursorLocation_; }
   void openWith(const std::string& connectionString);
@@ -71,7 +71,7 @@ class AdoConnection : public com::Automation<AdoConnection> {
   auto collectingErrors(Action action);
 
   std::shared_ptr<SessionMonitor> monitor_;
-  std::shared_ptr<EmbeddedSession> session_;
+  std::shared_ptr<AccountSession> session_;
   int cursorLocation_ = static_cast<int>(CursorLocation::server);
   int connectionTimeout_ = 15;  // ADO's defaults, in seconds
   int commandTimeout_ = 30;
@@ -92,10 +92,10 @@ class AdoRecordset : public com::Automation<AdoRecordset> {
 
   explicit AdoRecordset(std::shared_ptr<SessionMonitor> monitor) : monitor_(std::move(monitor)) {}
   // The recordset that Execute gives: open when the batch gave rows.
-  AdoRecordset(com::ComPtr<AdoConnection> connection, std::string source, std::unique_ptr<EmbeddedRecordset> rows);
+  AdoRecordset(com::ComPtr<AdoConnection> connection, std::string source, std::unique_ptr<AccountRecordset> rows);
 
   // The open rows; throws ADO's "closed" otherwise.
-  EmbeddedRecordset& rows();
+  AccountRecordset& rows();
   // The position of a field given by name (in any letter case) or by position. Throws ADO's 0x800A0CC1.
   int fieldPosition(const com::Variant& index);
 
@@ -127,7 +127,7 @@ class AdoRecordset : public com::Automation<AdoRecordset> {
   int cursorLocation_ = 0;  // 0: the connection's
   int cursorType_ = static_cast<int>(CursorType::forwardOnly);
   int lockType_ = static_cast<int>(LockType::readOnly);
-  std::unique_ptr<EmbeddedRecordset> rows_;
+  std::unique_ptr<AccountRecordset> rows_;
 };
 
 // Makes ADODB.Connection and ADODB.Recordset mean the embedded account in this thread's apartment for as long as it

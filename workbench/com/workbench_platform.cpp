@@ -37,11 +37,11 @@ auto inAutomationWords(Action action) {
 }
 
 // An embedded session that keeps its monitor.
-std::shared_ptr<EmbeddedSession> watchedSession(const std::shared_ptr<SessionMonitor>& monitor) {
+std::shared_ptr<AccountSession> watchedSession(const std::shared_ptr<SessionMonitor>& monitor) {
   struct Watched {
     explicit Watched(std::shared_ptr<SessionMonitor> watcher) : monitor(std::move(watcher)), session(monitor.get()) {}
     std::shared_ptr<SessionMonitor> monitor;
-    EmbeddedSession session;
+    AccountSession session;
   };
   const auto watched = std::make_shared<Watched>(monitor);
   return {watched, &watched->session};

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {
 

@@ -89,4 +89,19 @@ std::string connectionString(const std::filesystem::path& file) {
   return "Data Source=\"" + utf8FromPath(file) + "\"";
 }
 
+std::string accountConnection(std::string_view source) {
+  return namesServer(source) ? std::string(source) : connectionString(accountFile(source));
+}
+
+std::unique_ptr<tsql::Database> openDatabase(std::string_view source, tsql::OpenMode mode,
+                                             odbc::ConnectOptions options) {
+  if (!namesServer(source)) return tsql::Connection::open(accountFile(source), mode);
+  if (!odbc::isOdbcConnectionString(source)) {
+    throw std::invalid_argument(
+        "the connection string names no ODBC driver; write Driver={ODBC Driver 17 for SQL "
+        "Server};Server=...;Database=...;UID=...;PWD=..., or DSN=...");
+  }
+  return odbc::connect(source, std::move(options));
+}
+
 }  // namespace quillon::workbench

@@ -2,8 +2,12 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
+
+#include "workbench/odbc/odbc_database.h"
+#include "workbench/tsql/engine.h"
 
 namespace quillon::workbench {
 
@@ -22,5 +26,14 @@ std::filesystem::path accountFile(std::string_view source);
 
 // The connection string of the account in `file`, as the login's OrvDbName: Data Source="FILE".
 std::string connectionString(const std::filesystem::path& file);
+
+// The connection string of the account that `source` names: a server's as it stands, a file's as above.
+std::string accountConnection(std::string_view source);
+
+// A connection to the account that `source` names: a file in that mode, a server (an ODBC connection string) with those
+// options. Throws tsql::SqlError when it cannot be opened, and std::invalid_argument as accountFile() does, and for a
+// connection string that is not ODBC's.
+std::unique_ptr<tsql::Database> openDatabase(std::string_view source, tsql::OpenMode mode,
+                                             odbc::ConnectOptions options = {});
 
 }  // namespace quillon::workbench

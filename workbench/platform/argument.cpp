@@ -70,7 +70,7 @@ LoginDetails accountLogin(Session& session, std::string accountConnection, Langu
                           const std::string& date) {
   const std::vector<AccountYear> years = accountYears(session);
   if (years.empty()) {
-    throw AutomationError(hresult::fail, std::string(embeddedSource), "The account has no accounting periods.");
+    throw AutomationError(hresult::fail, std::string(sessionSource), "The account has no accounting periods.");
   }
   const int current = AccountPublicComponent().currentPeriodYear(session);
   const std::string wanted = year.empty() ? std::to_string(current) : year;

@@ -169,7 +169,7 @@ std::string freshResultTable() {
 }
 
 std::shared_ptr<Session> EmbeddedPlatform::createSession() {
-  return options_.makeSession ? options_.makeSession() : std::make_shared<EmbeddedSession>(options_.monitor);
+  return options_.makeSession ? options_.makeSession() : std::make_shared<AccountSession>(options_.monitor);
 }
 
 std::shared_ptr<PublicComponent> EmbeddedPlatform::createPublicComponent() {
@@ -216,7 +216,7 @@ std::unique_ptr<LedgerVoucherComponent> EmbeddedPlatform::createLedgerVoucherCom
 
 SessionMaker EmbeddedPlatform::unwatchedSessions() const {
   if (options_.makeSession) return options_.makeSession;
-  return [] { return std::make_shared<EmbeddedSession>(); };
+  return [] { return std::make_shared<AccountSession>(); };
 }
 
 }  // namespace quillon::workbench

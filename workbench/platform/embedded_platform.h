@@ -10,7 +10,7 @@
 
 #include "frame/platform.h"
 #include "workbench/platform/account_lookup.h"
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 #include "workbench/platform/language.h"
 #include "workbench/platform/voucher_components.h"
 

@@ -24,8 +24,8 @@ bool isSelect(std::string_view text) {
 }
 
 // The rows of a list source: the first column is the code, the second, where there is one, the name.
-std::vector<Choice> choicesOfStatement(EmbeddedSession& connection, std::string_view statement) {
-  const std::unique_ptr<EmbeddedRecordset> rows = connection.openRecordset(statement);
+std::vector<Choice> choicesOfStatement(AccountSession& connection, std::string_view statement) {
+  const std::unique_ptr<AccountRecordset> rows = connection.openRecordset(statement);
   const bool named = rows->columns().size() > 1;
   std::vector<Choice> choices;
   for (; !rows->eof(); rows->moveNext()) {
@@ -39,7 +39,7 @@ std::vector<Choice> choicesOfStatement(EmbeddedSession& connection, std::string_
 // An item as the filter-control classes see it. It shares the entry, so it stays valid when the dialog is gone.
 class EntryDialogItem final : public DialogItem {
  public:
-  EntryDialogItem(std::shared_ptr<FilterEntry> entry, Language language, std::shared_ptr<EmbeddedSession> connection)
+  EntryDialogItem(std::shared_ptr<FilterEntry> entry, Language language, std::shared_ptr<AccountSession> connection)
       : entry_(std::move(entry)), language_(language), connection_(std::move(connection)) {}
 
   std::string name() override { return entry_->item.key; }
@@ -59,7 +59,7 @@ class EntryDialogItem final : public DialogItem {
  private:
   std::shared_ptr<FilterEntry> entry_;
   Language language_;
-  std::shared_ptr<EmbeddedSession> connection_;
+  std::shared_ptr<AccountSession> connection_;
 };
 
 }  // namespace
@@ -90,7 +90,7 @@ std::vector<Choice> choicesOfEnumeration(std::string_view text) {
 }
 
 FilterDialogObject::FilterDialogObject(std::shared_ptr<FilterObject> filter, std::shared_ptr<Login> login,
-                                       std::shared_ptr<EmbeddedSession> connection)
+                                       std::shared_ptr<AccountSession> connection)
     : filter_(std::move(filter)), login_(std::move(login)), connection_(std::move(connection)) {}
 
 std::unique_ptr<DialogItem> FilterDialogObject::item(int position) {

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "frame/filter_dialog.h"
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 #include "workbench/platform/filter_object.h"
 
 namespace quillon::workbench {
@@ -16,7 +16,7 @@ class FilterDialogObject final : public FilterDialog {
  public:
   // `connection` is open. Captions come in the login's language.
   FilterDialogObject(std::shared_ptr<FilterObject> filter, std::shared_ptr<Login> login,
-                     std::shared_ptr<EmbeddedSession> connection);
+                     std::shared_ptr<AccountSession> connection);
 
   std::shared_ptr<Login> login() override { return login_; }
   std::string identifier() override { return filter_->identifier(); }
@@ -37,12 +37,12 @@ class FilterDialogObject final : public FilterDialog {
 
   // What a dialog is made of, for whoever hands it on as an automation object.
   const std::shared_ptr<FilterObject>& filter() const { return filter_; }
-  const std::shared_ptr<EmbeddedSession>& ownConnection() const { return connection_; }
+  const std::shared_ptr<AccountSession>& ownConnection() const { return connection_; }
 
  private:
   std::shared_ptr<FilterObject> filter_;
   std::shared_ptr<Login> login_;
-  std::shared_ptr<EmbeddedSession> connection_;
+  std::shared_ptr<AccountSession> connection_;
 };
 
 // A list of choices as a dialog item takes it (setListText): codes separated by commas. An empty part offers nothing.

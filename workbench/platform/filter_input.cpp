@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "frame/text.h"
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {
 

@@ -7,7 +7,7 @@
 
 #include "frame/automation_error.h"
 #include "frame/text.h"
-#include "workbench/platform/connection_string.h"
+#include "workbench/odbc/connection_string.h"
 
 namespace quillon::workbench {
 
@@ -188,7 +188,7 @@ class TraceSession final : public Session {
       : description_(description), log_(log), lastFailure_(lastFailure) {}
 
   void setCursorLocation(CursorLocation location) override { set("CursorLocation", static_cast<int>(location)); }
-  void setConnectionString(std::string_view text) override { set("ConnectionString", withoutPassword(text)); }
+  void setConnectionString(std::string_view text) override { set("ConnectionString", odbc::withoutPassword(text)); }
   void setConnectionTimeout(int seconds) override { set("ConnectionTimeout", seconds); }
   void setCommandTimeout(int seconds) override { set("CommandTimeout", seconds); }
 

@@ -4,7 +4,7 @@
 #include <cctype>
 
 #include "frame/automation_error.h"
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {
 

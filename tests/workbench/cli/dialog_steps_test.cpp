@@ -83,7 +83,7 @@ class DialogPlayTest : public testing::Test {
   std::vector<std::string> messages_;
   FakeRunner runner_;
   DialogPlay play_{std::make_shared<FilterDialogObject>(filter_, std::make_shared<WorkbenchLogin>(LoginDetails{}),
-                                                        std::make_shared<EmbeddedSession>()),
+                                                        std::make_shared<AccountSession>()),
                    runner_, messages_};
 };
 

@@ -145,7 +145,7 @@ TEST_F(ReportCommand, TellsWhatStoppedTheBuildAndWhatWasLeft) {
   const Outcome outcome = reportWithFilter(R"({"items":[{"name":"cNoColumn","value":"1"}]})");
   EXPECT_EQ(outcome.ends, Ends::failed);
   EXPECT_THAT(outcome.message,
-              testing::StartsWith("the build stopped: error 207: Invalid column name 'cNoColumn'., at: Insert Into ["));
+              testing::StartsWith("the build stopped: error 207 in line 1 of the batch: Invalid column name 'cNoColumn'., at: Insert Into ["));
   EXPECT_THAT(outcome.message, testing::HasSubstr("IA_SFC_Item_DetailTmp (drop with: quillon account clean "));
   EXPECT_EQ(outcome.message.find('\n'), std::string::npos) << "one line";
   const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::existing);

@@ -7,6 +7,7 @@
 
 #include "workbench/cli/report_document.h"
 #include "workbench/cli/result_table.h"
+#include "workbench/tsql/engine.h"
 
 namespace quillon::workbench::test {
 

@@ -271,7 +271,7 @@ TEST_F(PlatformObjectsTest, AnArgumentReleasesAllThatItGave) {
 TEST_F(PlatformObjectsTest, AFilterInADialogTakesWhatTheDialogMakesOfIt) {
   const auto filter = std::make_shared<FilterObject>(sfcItemRegistration(), InitialValues::none);
   const auto login = std::make_shared<WorkbenchLogin>(details());
-  const auto session = std::make_shared<EmbeddedSession>();
+  const auto session = std::make_shared<AccountSession>();
   session->setConnectionString(connectionString(file_));
   session->open("", "", optionsUnspecified);
   const LateBound dialog(dialogDispatch(std::make_shared<FilterDialogObject>(filter, login, session)), "dialog");

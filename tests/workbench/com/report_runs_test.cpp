@@ -74,7 +74,7 @@ class ReportRunsTest : public testing::Test {
     return count;
   }
   std::unique_ptr<Session> openSession() const {
-    auto session = std::make_unique<EmbeddedSession>();
+    auto session = std::make_unique<AccountSession>();
     session->setConnectionString(connectionString(file_));
     session->open("", "", optionsUnspecified);
     return session;

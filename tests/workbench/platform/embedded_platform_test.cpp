@@ -46,7 +46,7 @@ class EmbeddedPlatformTest : public testing::Test {
   }
 
   test::TemporaryFile file_{".qacc"};
-  EmbeddedSession session_;
+  AccountSession session_;
   AccountPublicComponent component_;
 };
 

@@ -89,7 +89,7 @@ class FilterDialogObjectTest : public testing::Test {
   }
 
   test::TemporaryFile file_{".qacc"};
-  std::shared_ptr<EmbeddedSession> connection_ = std::make_shared<EmbeddedSession>();
+  std::shared_ptr<AccountSession> connection_ = std::make_shared<AccountSession>();
   std::shared_ptr<FilterObject> filter_ = std::make_shared<FilterObject>(someItems(), InitialValues::none);
   FilterDialogObject dialog_ = dialogIn("zh-CN");
 };
@@ -144,7 +144,7 @@ TEST_F(FilterDialogObjectTest, AListSourceIsAListOrAStatement) {
 
 TEST_F(FilterDialogObjectTest, AListSourceThatFailsIsAnErrorOfTheAccount) {
   EXPECT_EQ(errorOf([&] { dialog_.item("cInvCode")->setListSource("select x from NoTable"); }).source(),
-            "Quillon embedded account");
+            "Quillon account");
 }
 
 TEST_F(FilterDialogObjectTest, ItemsAreAvailableUntilTheDialogSaysOtherwise) {

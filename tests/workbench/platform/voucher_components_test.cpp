@@ -79,7 +79,7 @@ class VoucherComponents : public testing::Test {
   const SourceVoucher document_{.type = "11", .code = "L-1", .lineId = 41};
   const LedgerVoucher ledgerVoucher_{.id = "91", .menuCode = "*IACXPZ", .moduleTitle = "存货核算"};
   test::TemporaryFile file_{".qacc"};
-  EmbeddedSession session_;
+  AccountSession session_;
   WorkbenchLogin login_{{}};
   std::optional<OpenedVoucher> opened_;
 };

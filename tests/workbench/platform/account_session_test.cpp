@@ -1,4 +1,4 @@
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 
 #include <gmock/gmock.h>
 
@@ -10,7 +10,7 @@
 namespace quillon::workbench {
 namespace {
 
-class EmbeddedSessionTest : public testing::Test {
+class AccountSessionTest : public testing::Test {
  protected:
   void SetUp() override {
     tsql::Connection::open(file_.path(), tsql::OpenMode::createNew);
@@ -35,10 +35,10 @@ class EmbeddedSessionTest : public testing::Test {
   }
 
   test::TemporaryFile file_{".qacc"};
-  EmbeddedSession session_;
+  AccountSession session_;
 };
 
-TEST_F(EmbeddedSessionTest, OpensAndCloses) {
+TEST_F(AccountSessionTest, OpensAndCloses) {
   EXPECT_EQ(session_.state(), stateClosed);
   open();
   EXPECT_EQ(session_.state(), 1);
@@ -46,7 +46,7 @@ TEST_F(EmbeddedSessionTest, OpensAndCloses) {
   EXPECT_EQ(session_.state(), stateClosed);
 }
 
-TEST_F(EmbeddedSessionTest, RefusesWhatNeedsTheOtherState) {
+TEST_F(AccountSessionTest, RefusesWhatNeedsTheOtherState) {
   EXPECT_EQ(codeOf([&] { session_.close(); }), 0x800A0E78U);
   EXPECT_EQ(codeOf([&] { session_.execute("Select 1"); }), 0x800A0E78U);
   EXPECT_EQ(codeOf([&] { session_.query("Select 1", readOnlyQuery); }), 0x800A0E78U);
@@ -55,16 +55,16 @@ TEST_F(EmbeddedSessionTest, RefusesWhatNeedsTheOtherState) {
   EXPECT_EQ(codeOf([&] { session_.setConnectionString("other"); }), 0x800A0E79U);
 }
 
-TEST_F(EmbeddedSessionTest, TellsThatAnAccountIsMissing) {
-  EmbeddedSession session;
+TEST_F(AccountSessionTest, TellsThatAnAccountIsMissing) {
+  AccountSession session;
   session.setConnectionString("Data Source=no-such-account.qacc");
   const AutomationError error = errorOf([&] { session.open("", "", optionsUnspecified); });
   EXPECT_EQ(static_cast<std::uint32_t>(error.code()), 0x80004005U);
-  EXPECT_EQ(error.source(), "Quillon embedded account");
+  EXPECT_EQ(error.source(), "Quillon account");
   EXPECT_THAT(error.description(), testing::HasSubstr("no-such-account.qacc"));
 }
 
-TEST_F(EmbeddedSessionTest, RunsStatementsThatSeeEachOther) {
+TEST_F(AccountSessionTest, RunsStatementsThatSeeEachOther) {
   open();
   session_.execute("Create Table #work (cCode nvarchar(10), iMoney money)");
   EXPECT_EQ(session_.execute("Insert Into #work Values (N'a', 1.5), (N'b', 2.5)"), 2);
@@ -77,7 +77,7 @@ TEST_F(EmbeddedSessionTest, RunsStatementsThatSeeEachOther) {
 }
 
 // A recordset has read everything when it is opened, so statements may run while it is read.
-TEST_F(EmbeddedSessionTest, ReadsARecordsetBesideOtherStatements) {
+TEST_F(AccountSessionTest, ReadsARecordsetBesideOtherStatements) {
   open();
   session_.execute("Create Table t (i int)");
   session_.execute("Insert Into t Values (1), (2), (3)");
@@ -88,7 +88,7 @@ TEST_F(EmbeddedSessionTest, ReadsARecordsetBesideOtherStatements) {
   EXPECT_EQ(rows->text(0), "3");
 }
 
-TEST_F(EmbeddedSessionTest, GivesFieldsAsAutomationDoes) {
+TEST_F(AccountSessionTest, GivesFieldsAsAutomationDoes) {
   open();
   const auto rows = session_.query(
       "Select Cast(12.500000 As decimal(18,6)), Cast(3 As money), Cast('2024-3-5' As datetime), "
@@ -101,7 +101,7 @@ TEST_F(EmbeddedSessionTest, GivesFieldsAsAutomationDoes) {
     EXPECT_EQ(rows->text(static_cast<int>(i)), expected[i]) << "field " << i;
 }
 
-TEST_F(EmbeddedSessionTest, RefusesFieldsAndRowsThatAreNotThere) {
+TEST_F(AccountSessionTest, RefusesFieldsAndRowsThatAreNotThere) {
   open();
   const auto rows = session_.query("Select 1 Where 1 = 0", {});
   EXPECT_TRUE(rows->eof());
@@ -113,7 +113,7 @@ TEST_F(EmbeddedSessionTest, RefusesFieldsAndRowsThatAreNotThere) {
   EXPECT_EQ(codeOf([&] { rows->close(); }), 0x800A0E78U);
 }
 
-TEST_F(EmbeddedSessionTest, TellsErrorsApartAsAdoDoes) {
+TEST_F(AccountSessionTest, TellsErrorsApartAsAdoDoes) {
   open();
   session_.execute("Create Table t (i int not null Primary Key, c nvarchar(2))");
   session_.execute("Insert Into t Values (1, N'a')");
@@ -128,11 +128,11 @@ TEST_F(EmbeddedSessionTest, TellsErrorsApartAsAdoDoes) {
   EXPECT_EQ(codeOf([&] { session_.query("Select * From nowhere", {}); }), 0x80040E37U) << "a query likewise";
 }
 
-TEST_F(EmbeddedSessionTest, RemembersTheStatementThatFailed) {
+TEST_F(AccountSessionTest, RemembersTheStatementThatFailed) {
   open();
   EXPECT_FALSE(session_.lastFailure());
   const AutomationError error = errorOf([&] { session_.execute("Drop Table 123abc"); });
-  EXPECT_EQ(error.source(), "Quillon embedded account");
+  EXPECT_EQ(error.source(), "Quillon account");
   ASSERT_TRUE(session_.lastFailure());
   EXPECT_EQ(session_.lastFailure()->sql, "Drop Table 123abc");
   EXPECT_EQ(session_.lastFailure()->number, 102);
@@ -155,9 +155,9 @@ class RecordingMonitor final : public SessionMonitor {
   std::vector<std::string> log;
 };
 
-TEST_F(EmbeddedSessionTest, TellsAMonitorWhatRuns) {
+TEST_F(AccountSessionTest, TellsAMonitorWhatRuns) {
   RecordingMonitor monitor;
-  EmbeddedSession session(&monitor);
+  AccountSession session(&monitor);
   session.setConnectionString(connectionString(file_.path()));
   session.open("", "", optionsUnspecified);
   session.execute("Create Table t (i int)");

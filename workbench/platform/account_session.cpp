@@ -1,4 +1,4 @@
-#include "workbench/platform/embedded_session.h"
+#include "workbench/platform/account_session.h"
 
 #include <array>
 #include <chrono>
@@ -12,7 +12,7 @@ namespace quillon::workbench {
 namespace {
 
 AutomationError sessionError(HResult code, std::string description) {
-  return {code, std::string(embeddedSource), std::move(description)};
+  return {code, std::string(sessionSource), std::move(description)};
 }
 
 // "12.500000" becomes "12.5", "3.0000" becomes "3": automation gives a decimal as text without trailing zeros.
@@ -46,8 +46,7 @@ class BatchCollector final : public tsql::ResultSink {
 
   BatchResult result() && {
     BatchResult result;
-    if (resultSets_ > 0)
-      result.recordset = std::make_unique<EmbeddedRecordset>(std::move(columns_), std::move(values_));
+    if (resultSets_ > 0) result.recordset = std::make_unique<AccountRecordset>(std::move(columns_), std::move(values_));
     result.rowsAffected = rowsAffected_;
     return result;
   }
@@ -102,29 +101,29 @@ std::optional<std::string> fieldText(const tsql::Value& value, const tsql::Type&
   return text;
 }
 
-EmbeddedRecordset::EmbeddedRecordset(std::vector<tsql::Column> columns, std::vector<tsql::Value> values)
+AccountRecordset::AccountRecordset(std::vector<tsql::Column> columns, std::vector<tsql::Value> values)
     : columns_(std::move(columns)), values_(std::move(values)) {}
 
-void EmbeddedRecordset::requireOpen() const {
+void AccountRecordset::requireOpen() const {
   if (!open_) throw sessionError(objectClosed, "The recordset is closed.");
 }
 
-bool EmbeddedRecordset::eof() {
+bool AccountRecordset::eof() {
   requireOpen();
   return row_ >= rowCount();
 }
 
-void EmbeddedRecordset::moveNext() {
+void AccountRecordset::moveNext() {
   if (eof()) throw sessionError(static_cast<HResult>(0x800A0BCDU), "The recordset has no current row to move from.");
   ++row_;
 }
 
-void EmbeddedRecordset::moveFirst() {
+void AccountRecordset::moveFirst() {
   requireOpen();
   row_ = 0;
 }
 
-const tsql::Value& EmbeddedRecordset::field(int position) const {
+const tsql::Value& AccountRecordset::field(int position) const {
   requireOpen();
   if (position < 0 || static_cast<std::size_t>(position) >= columns_.size()) {
     throw sessionError(static_cast<HResult>(0x800A0CC1U),
@@ -134,46 +133,52 @@ const tsql::Value& EmbeddedRecordset::field(int position) const {
   return values_[row_ * columns_.size() + static_cast<std::size_t>(position)];
 }
 
-std::optional<std::string> EmbeddedRecordset::text(int position) {
+std::optional<std::string> AccountRecordset::text(int position) {
   const tsql::Value& value = field(position);
   return fieldText(value, columns_[static_cast<std::size_t>(position)].type);
 }
 
-void EmbeddedRecordset::close() {
+void AccountRecordset::close() {
   requireOpen();
   open_ = false;
 }
 
-void EmbeddedSession::setCursorLocation(CursorLocation) {}
+void AccountSession::setCursorLocation(CursorLocation) {}
 
-void EmbeddedSession::setConnectionString(std::string_view text) {
+void AccountSession::setConnectionString(std::string_view text) {
   if (connection_) throw sessionError(objectOpen, "The connection string cannot change while the session is open.");
   connectionText_ = text;
 }
 
-void EmbeddedSession::setConnectionTimeout(int) {}
+void AccountSession::setConnectionTimeout(int seconds) {
+  connectionTimeout_ = seconds;
+}
 
-void EmbeddedSession::setCommandTimeout(int) {}
+void AccountSession::setCommandTimeout(int seconds) {
+  commandTimeout_ = seconds;
+}
 
-void EmbeddedSession::open(std::string_view, std::string_view, int) {
+void AccountSession::open(std::string_view, std::string_view, int) {
   if (connection_) throw sessionError(objectOpen, "The session is open already.");
   try {
-    connection_ = tsql::Connection::open(accountFile(connectionText_), tsql::OpenMode::existing);
+    odbc::ConnectOptions options{.connectionTimeout = connectionTimeout_, .commandTimeout = commandTimeout_};
+    if (monitor_ != nullptr) options.messages = [this](const odbc::Diagnostic& message) { monitor_->told(message); };
+    connection_ = openDatabase(connectionText_, tsql::OpenMode::existing, std::move(options));
   } catch (const std::exception& error) {
     throw sessionError(hresult::fail, error.what());
   }
   if (monitor_ != nullptr) monitor_->opened();
 }
 
-tsql::Connection& EmbeddedSession::connection() {
+tsql::Database& AccountSession::connection() {
   if (!connection_) throw sessionError(objectClosed, "The session is closed; open it before running a statement.");
   return *connection_;
 }
 
 // Runs `action`, which gives its result and the count of its rows, under the monitor's eyes.
 template <typename Action>
-auto EmbeddedSession::run(std::string_view sql, Action action) {
-  tsql::Connection& account = connection();
+auto AccountSession::run(std::string_view sql, Action action) {
+  tsql::Database& account = connection();
   if (monitor_ != nullptr) monitor_->started(sql);
   try {
     const auto start = std::chrono::steady_clock::now();
@@ -182,21 +187,22 @@ auto EmbeddedSession::run(std::string_view sql, Action action) {
     if (monitor_ != nullptr) monitor_->finished(sql, time.count(), rows);
     return std::move(result);
   } catch (const tsql::SqlError& error) {
-    lastFailure_ = StatementFailure{std::string(sql), error.number(), error.message()};
+    lastFailure_ = StatementFailure{std::string(sql), error.number(), error.message(), error.line()};
     if (monitor_ != nullptr) monitor_->failed(*lastFailure_);
-    throw sessionError(sqlErrorCode(error.number()), error.message());
+    const bool lost = dynamic_cast<const tsql::ConnectionLost*>(&error) != nullptr;
+    throw sessionError(lost ? hresult::fail : sqlErrorCode(error.number()), error.message());
   }
 }
 
-std::int64_t EmbeddedSession::execute(std::string_view sql) {
-  return run(sql, [sql](tsql::Connection& account) {
+std::int64_t AccountSession::execute(std::string_view sql) {
+  return run(sql, [sql](tsql::Database& account) {
     const std::int64_t rows = account.execute(sql);
     return std::pair(rows, rows);
   });
 }
 
-std::unique_ptr<EmbeddedRecordset> EmbeddedSession::openRecordset(std::string_view sql) {
-  return run(sql, [sql](tsql::Connection& account) {
+std::unique_ptr<AccountRecordset> AccountSession::openRecordset(std::string_view sql) {
+  return run(sql, [sql](tsql::Database& account) {
     const std::unique_ptr<tsql::Cursor> cursor = account.query(sql);
     const std::span<const tsql::Column> columns = cursor->columns();
     std::vector<tsql::Value> values;
@@ -204,14 +210,14 @@ std::unique_ptr<EmbeddedRecordset> EmbeddedSession::openRecordset(std::string_vi
       for (std::size_t column = 0; column < columns.size(); ++column)
         values.push_back(cursor->value(column));
     }
-    auto rows = std::make_unique<EmbeddedRecordset>(std::vector(columns.begin(), columns.end()), std::move(values));
+    auto rows = std::make_unique<AccountRecordset>(std::vector(columns.begin(), columns.end()), std::move(values));
     const auto count = static_cast<std::int64_t>(rows->rowCount());
     return std::pair(std::move(rows), count);
   });
 }
 
-BatchResult EmbeddedSession::runBatch(std::string_view sql) {
-  return run(sql, [sql](tsql::Connection& account) {
+BatchResult AccountSession::runBatch(std::string_view sql) {
+  return run(sql, [sql](tsql::Database& account) {
     BatchCollector collector;
     account.run(sql, collector);
     BatchResult result = std::move(collector).result();
@@ -220,11 +226,11 @@ BatchResult EmbeddedSession::runBatch(std::string_view sql) {
   });
 }
 
-std::unique_ptr<Recordset> EmbeddedSession::query(std::string_view sql, const QueryOptions&) {
+std::unique_ptr<Recordset> AccountSession::query(std::string_view sql, const QueryOptions&) {
   return openRecordset(sql);
 }
 
-void EmbeddedSession::close() {
+void AccountSession::close() {
   if (!connection_) throw sessionError(objectClosed, "The session is closed already.");
   connection_.reset();
   if (monitor_ != nullptr) monitor_->closed();

@@ -1,8 +1,8 @@
-#include "workbench/platform/connection_string.h"
+#include "workbench/odbc/connection_string.h"
 
 #include <gtest/gtest.h>
 
-namespace quillon::workbench {
+namespace quillon::odbc {
 namespace {
 
 TEST(ConnectionString, HidesThePassword) {
@@ -37,5 +37,19 @@ TEST(ConnectionString, LeavesEverythingElseAsItIs) {
   EXPECT_EQ(withoutPassword("PWDX=a;XPWD=b"), "PWDX=a;XPWD=b");
 }
 
+TEST(ConnectionString, FindsAKeywordInAnyLetterCase) {
+  EXPECT_TRUE(hasKeyword("DRIVER={x};Server=here", "driver"));
+  EXPECT_TRUE(hasKeyword("Server=here; Dsn = x", "DSN"));
+  EXPECT_FALSE(hasKeyword("Server={a;DSN=b}", "dsn")) << "a value is no keyword";
+  EXPECT_FALSE(hasKeyword("driver", "driver")) << "a keyword has a value";
+}
+
+TEST(ConnectionString, HidesThePasswordInAMessage) {
+  EXPECT_EQ(withoutPasswordOf("UID=sa;PWD=secret", "login with 'secret' failed"), "login with '***' failed");
+  EXPECT_EQ(withoutPasswordOf("UID=sa;Pwd={a;}}b};x=y", "{a;}}b} or a;}b"), "*** or ***");
+  EXPECT_EQ(withoutPasswordOf("UID=sa;PWD=;x=y", "nothing to hide"), "nothing to hide");
+  EXPECT_EQ(withoutPasswordOf("UID=sa", "sa"), "sa");
+}
+
 }  // namespace
-}  // namespace quillon::workbench
+}  // namespace quillon::odbc

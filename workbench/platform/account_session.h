@@ -1,5 +1,5 @@
-// The session port over an embedded account: what the report classes know as an ADO connection, run by the T-SQL
-// engine. Failures carry the HRESULTs by which automation clients tell ADO's errors apart (sqlErrorCode below).
+// The session port over an account, embedded or on a server: what the report classes know as an ADO connection, run by
+// the T-SQL engine or over ODBC. Failures carry the HRESULTs by which automation clients tell ADO's errors apart (sqlErrorCode below).
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,13 @@
 
 #include "frame/automation_error.h"
 #include "frame/session.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/odbc/odbc_database.h"
+#include "workbench/tsql/database.h"
 
 namespace quillon::workbench {
 
 // The source text of every error that an embedded session throws.
-inline constexpr std::string_view embeddedSource = "Quillon embedded account";
+inline constexpr std::string_view sessionSource = "Quillon account";
 
 // ADO's codes for a connection or recordset that is used while closed, or set up while open.
 inline constexpr HResult objectClosed = static_cast<HResult>(0x800A0E78U);
@@ -30,11 +31,13 @@ inline constexpr QueryOptions readOnlyQuery{CursorType::fixed, LockType::readOnl
 // failed conversion, 0x80040E2F broken constraint, 0x80040E14 anything else in a statement.
 HResult sqlErrorCode(int number);
 
-// A statement that the account refused: its text, SQL Server's number for the error and the error's text.
+// A statement that the account refused: its text, SQL Server's number for the error (0: none) and the error's text, and
+// the line of the statement (0: not known).
 struct StatementFailure {
   std::string sql;
   int number = 0;
   std::string message;
+  int line = 0;
 };
 
 // Watches a session; every member is called on the session's thread.
@@ -46,6 +49,8 @@ class SessionMonitor {
   // `rows` counts what the statement gave or changed; -1 when it counts none.
   virtual void finished(std::string_view sql, double seconds, std::int64_t rows) = 0;
   virtual void failed(const StatementFailure& failure) = 0;
+  // What a server says beside, of the statement that runs.
+  virtual void told(const odbc::Diagnostic&) {}
   virtual void closed() = 0;
 };
 
@@ -53,9 +58,9 @@ class SessionMonitor {
 std::optional<std::string> fieldText(const tsql::Value& value, const tsql::Type& type);
 
 // A client-side recordset: all rows were read when it was opened, so that other statements may run beside it.
-class EmbeddedRecordset final : public Recordset {
+class AccountRecordset final : public Recordset {
  public:
-  EmbeddedRecordset(std::vector<tsql::Column> columns, std::vector<tsql::Value> values);
+  AccountRecordset(std::vector<tsql::Column> columns, std::vector<tsql::Value> values);
 
   bool eof() override;
   void moveNext() override;
@@ -81,27 +86,27 @@ class EmbeddedRecordset final : public Recordset {
 // What a batch gave: the rows of its first result set, when it has one, and what its last counting statement changed
 // (-1 when none counts).
 struct BatchResult {
-  std::unique_ptr<EmbeddedRecordset> recordset;
+  std::unique_ptr<AccountRecordset> recordset;
   std::int64_t rowsAffected = -1;
 };
 
-class EmbeddedSession final : public Session {
+class AccountSession final : public Session {
  public:
   // `monitor` may be null; it must outlive the session.
-  explicit EmbeddedSession(SessionMonitor* monitor = nullptr) : monitor_(monitor) {}
-  EmbeddedSession(const EmbeddedSession&) = delete;
-  EmbeddedSession& operator=(const EmbeddedSession&) = delete;
+  explicit AccountSession(SessionMonitor* monitor = nullptr) : monitor_(monitor) {}
+  AccountSession(const AccountSession&) = delete;
+  AccountSession& operator=(const AccountSession&) = delete;
   // Like an ADO connection, it closes when it is released; only close() is told to the monitor.
-  ~EmbeddedSession() override = default;
+  ~AccountSession() override = default;
 
-  // The cursor location and the time-outs are taken and make no difference: rows are always read to the client, and
-  // nothing waits.
+  // Makes no difference: rows are always read to the client.
   void setCursorLocation(CursorLocation location) override;
-  // The forms that accountFile() takes; it is read when the session opens.
+  // The forms that openDatabase() takes; it is read when the session opens.
   void setConnectionString(std::string_view text) override;
+  // For an account on a server; they count from the next open() on.
   void setConnectionTimeout(int seconds) override;
   void setCommandTimeout(int seconds) override;
-  // User and password are ignored: an embedded account has none.
+  // User and password are ignored: a server's stand in the connection string, an embedded account has none.
   void open(std::string_view user, std::string_view password, int options) override;
   std::int64_t execute(std::string_view sql) override;
   std::unique_ptr<Recordset> query(std::string_view sql, const QueryOptions& options) override;
@@ -109,7 +114,7 @@ class EmbeddedSession final : public Session {
   void close() override;
 
   // query() with the type that shows columns and values.
-  std::unique_ptr<EmbeddedRecordset> openRecordset(std::string_view sql);
+  std::unique_ptr<AccountRecordset> openRecordset(std::string_view sql);
   // Runs a batch of which it is not known whether it gives rows.
   BatchResult runBatch(std::string_view sql);
   const std::string& connectionText() const { return connectionText_; }
@@ -118,13 +123,15 @@ class EmbeddedSession final : public Session {
   const std::optional<StatementFailure>& lastFailure() const { return lastFailure_; }
 
  private:
-  tsql::Connection& connection();
+  tsql::Database& connection();
   template <typename Action>
   auto run(std::string_view sql, Action action);
 
   SessionMonitor* monitor_;
   std::string connectionText_;
-  std::unique_ptr<tsql::Connection> connection_;
+  int connectionTimeout_ = 0;
+  int commandTimeout_ = 0;
+  std::unique_ptr<tsql::Database> connection_;
   std::optional<StatementFailure> lastFailure_;
 };
 

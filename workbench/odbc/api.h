@@ -1,0 +1,11 @@
+// ODBC's own headers, in the order in which each system wants them.
+#pragma once
+
+#ifdef _WIN32
+#include <windows.h>
+// windows.h first
+#endif
+
+#include <sql.h>
+#include <sqlext.h>
+#include <sqlucode.h>

@@ -1,0 +1,39 @@
+// What driver manager, driver and server say about a call: ODBC's diagnostic records.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "workbench/odbc/api.h"
+#include "workbench/tsql/database.h"
+
+namespace quillon::odbc {
+
+struct Diagnostic {
+  std::string state;  // SQLSTATE, such as "42S02"
+  int number = 0;     // the server's own; 0 when the driver or the driver manager speaks
+  int line = 0;       // of the batch, from 1; 0 when the driver does not tell
+  std::string text;   // without the names of those who passed it on ("[unixODBC][FreeTDS][SQL Server]")
+};
+
+// All records of the last call on `handle`, the most important first.
+std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT handleType, SQLHANDLE handle);
+
+// Whether they tell that there is no connection to the server (any more).
+bool tellLostConnection(std::span<const Diagnostic> diagnostics);
+
+// "Invalid object name 'x'.", and behind it what else was said: "; error 3621: The statement has been terminated.". A
+// record without a number is told with its SQLSTATE.
+std::string describe(std::span<const Diagnostic> diagnostics);
+
+// The error that they make, with the first record's number and line and the text of all. Not of a lost connection.
+tsql::SqlError errorOf(std::span<const Diagnostic> diagnostics);
+
+// What became of the connection and what to do, when it is lost.
+std::string describeLoss(std::span<const Diagnostic> diagnostics);
+
+// What is wrong and what to do when a connection cannot be opened.
+std::string describeRefusal(std::span<const Diagnostic> diagnostics);
+
+}  // namespace quillon::odbc

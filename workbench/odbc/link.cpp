@@ -1,0 +1,111 @@
+#include "workbench/odbc/link.h"
+
+#include "workbench/odbc/connection_string.h"
+#include "workbench/odbc/wide_text.h"
+
+namespace quillon::odbc {
+
+namespace {
+
+// An attribute that is a number. Drivers need not know all of them: one that is refused stays at the driver's default,
+// which for time-outs is no limit.
+SQLPOINTER number(int value) {
+  return reinterpret_cast<SQLPOINTER>(static_cast<SQLULEN>(value));  // NOLINT(performance-no-int-to-ptr): ODBC's way
+}
+
+}  // namespace
+
+Link::Link(std::string_view connectionString, ConnectOptions options) : options_(std::move(options)) {
+  if (!environment_.allocate(SQL_NULL_HANDLE)) {
+    throw tsql::SqlError(0,
+                         "cannot connect to the database server: ODBC's driver manager does not work on this machine");
+  }
+  SQLSetEnvAttr(environment_.get(), SQL_ATTR_ODBC_VERSION, number(SQL_OV_ODBC3), SQL_IS_UINTEGER);
+  const auto refuse = [&](SQLSMALLINT type, SQLHANDLE handle) {
+    const auto diagnostics = diagnosticsOf(type, handle);
+    throw tsql::SqlError(diagnostics.empty() ? 0 : diagnostics.front().number,
+                         withoutPasswordOf(connectionString, describeRefusal(diagnostics)));
+  };
+  if (!connection_.allocate(environment_.get())) refuse(SQL_HANDLE_ENV, environment_.get());
+  SQLSetConnectAttrW(connection_.get(), SQL_ATTR_LOGIN_TIMEOUT, number(options_.connectionTimeout), SQL_IS_UINTEGER);
+  SQLSetConnectAttrW(connection_.get(), SQL_ATTR_CONNECTION_TIMEOUT, number(options_.commandTimeout), SQL_IS_UINTEGER);
+  WideText text = toWide(connectionString);
+  SQLSMALLINT length = 0;
+  const SQLRETURN result =
+      SQLDriverConnectW(connection_.get(), nullptr, text.data(), static_cast<SQLSMALLINT>(text.size()), nullptr, 0,
+                        &length, SQL_DRIVER_NOPROMPT);
+  if (!SQL_SUCCEEDED(result)) refuse(SQL_HANDLE_DBC, connection_.get());
+}
+
+Link::~Link() {
+  // A connection that was never opened, or is lost, answers with an error that nobody waits for.
+  SQLDisconnect(connection_.get());
+}
+
+void Link::requireConnection() const {
+  if (lost_) throw tsql::ConnectionLost(*lost_);
+}
+
+void Link::fail(SQLSMALLINT handleType, SQLHANDLE handle) {
+  const auto diagnostics = diagnosticsOf(handleType, handle);
+  if (tellLostConnection(diagnostics)) lost_ = describeLoss(diagnostics);
+  requireConnection();
+  throw errorOf(diagnostics);
+}
+
+void Link::tellMessages(SQLHANDLE statement) const {
+  if (!options_.messages) return;
+  for (const Diagnostic& message : diagnosticsOf(SQL_HANDLE_STMT, statement))
+    options_.messages(message);
+}
+
+Batch::Batch(std::shared_ptr<Link> link, std::string_view sql) : link_(std::move(link)) {
+  link_->requireConnection();
+  if (!statement_.allocate(link_->handle())) link_->fail(SQL_HANDLE_DBC, link_->handle());
+  SQLSetStmtAttrW(statement_.get(), SQL_ATTR_QUERY_TIMEOUT, number(link_->commandTimeout()), SQL_IS_UINTEGER);
+  WideText text = toWide(sql);
+  // "No data" tells that a statement changed no rows, which is no failure.
+  check(SQLExecDirectW(statement_.get(), text.data(), static_cast<SQLINTEGER>(text.size())));
+  atResult();
+}
+
+void Batch::atResult() {
+  check(SQLNumResultCols(statement_.get(), &columnCount_));
+}
+
+std::int64_t Batch::rowCount() {
+  SQLLEN count = -1;
+  check(SQLRowCount(statement_.get(), &count));
+  return count;
+}
+
+bool Batch::fetch() {
+  link_->requireConnection();
+  return check(SQLFetch(statement_.get()));
+}
+
+bool Batch::nextResult() {
+  link_->requireConnection();
+  if (!check(SQLMoreResults(statement_.get()))) return false;
+  atResult();
+  return true;
+}
+
+bool Batch::nextRows() {
+  while (nextResult()) {
+    if (hasRows()) return true;
+  }
+  return false;
+}
+
+bool Batch::check(SQLRETURN result) {
+  if (checkQuietly(result) == SQL_SUCCESS_WITH_INFO) link_->tellMessages(statement_.get());
+  return result != SQL_NO_DATA;
+}
+
+SQLRETURN Batch::checkQuietly(SQLRETURN result) {
+  if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA) link_->fail(SQL_HANDLE_STMT, statement_.get());
+  return result;
+}
+
+}  // namespace quillon::odbc

@@ -1,0 +1,40 @@
+// An account on a server: SQL Server 2012 or later, and whatever else speaks its dialect and has an ODBC driver.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "workbench/odbc/diagnostics.h"
+#include "workbench/tsql/database.h"
+
+namespace quillon::odbc {
+
+struct ConnectOptions {
+  int connectionTimeout = 0;  // in seconds, for opening; 0 waits without limit
+  int commandTimeout = 0;     // in seconds, for each batch; 0 waits without limit
+  // Takes what the server says beside results and errors (warnings, what Print prints); may be empty.
+  std::function<void(const Diagnostic&)> messages = {};
+};
+
+// Whether ODBC's driver manager can take the connection string: it names a driver or a data source (Driver, DSN,
+// FileDSN).
+bool isOdbcConnectionString(std::string_view connectionString);
+
+// Connects with an ODBC connection string, "Driver={...};Server=...;Database=...;UID=...;PWD=...". Throws tsql::SqlError
+// with one line that says what to do; the password is not in it.
+//
+// Of the connection:
+//   - Statements go as UTF-16, values come as UTF-16, exact numbers as text: nothing is converted through a code page or
+//     a double. money, decimal, int, bigint, bit, float, date and time come as the types of the engine, anything else as
+//     nvarchar. Texts come whole, however long.
+//   - A result set is read row by row as the server sends it. Row counts, and result sets that nobody asked for, are
+//     passed over.
+//   - An error has the server's number, line and text, and behind the text everything else that was said.
+//   - When the connection is lost, the call that notices throws tsql::ConnectionLost, and so does every later one,
+//     without a word to the driver.
+//   - A cursor may outlive the connection object; the connection stays open until the last of them goes.
+std::unique_ptr<tsql::Database> connect(std::string_view connectionString, ConnectOptions options);
+
+}  // namespace quillon::odbc

@@ -1,0 +1,83 @@
+// A connection to a database that takes T-SQL, whoever runs it: the embedded engine (engine.h) or a server. Batches in,
+// typed rows out. Not for use from two threads at once.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "workbench/tsql/value.h"
+
+namespace quillon::tsql {
+
+// A failure with SQL Server's own number and text. `line` counts from 1 within the batch; 0 when it has no place.
+class SqlError : public std::exception {
+ public:
+  SqlError(int number, std::string message, int line = 0, std::string token = {});
+  int number() const noexcept { return number_; }
+  const std::string& message() const noexcept { return message_; }
+  int line() const noexcept { return line_; }
+  const std::string& token() const noexcept { return token_; }  // the offending token; empty when there is none
+  const char* what() const noexcept override { return message_.c_str(); }
+
+ private:
+  int number_;
+  std::string message_;
+  int line_;
+  std::string token_;
+};
+
+// There is no connection to the server (any more). Whatever is asked of the database from then on fails in the same way,
+// at once. It has no number.
+class ConnectionLost : public SqlError {
+ public:
+  explicit ConnectionLost(std::string message) : SqlError(0, std::move(message)) {}
+};
+
+struct Column {
+  std::string name;
+  Type type;
+};
+
+// Takes what a batch gives, in order. All members may throw; that ends the batch.
+class ResultSink {
+ public:
+  virtual ~ResultSink() = default;
+  virtual void columns(std::span<const Column> columns) = 0;  // a result set begins
+  virtual void row(std::span<const Value> values) = 0;        // valid only during the call
+  virtual void rowsAffected(std::int64_t count) = 0;          // a statement without rows, or the end of a result set
+};
+
+// Rows read one by one.
+class Cursor {
+ public:
+  virtual ~Cursor() = default;
+  virtual std::span<const Column> columns() const = 0;
+  virtual bool next() = 0;  // false past the last row
+  virtual const Value& value(std::size_t column) const = 0;
+};
+
+class Database {
+ public:
+  virtual ~Database() = default;
+
+  // Runs a batch of statements. The first error stops it (SqlError); what ran before it stays, the failing statement
+  // leaves no trace.
+  virtual void run(std::string_view batch, ResultSink& sink) = 0;
+  // The same without results: gives the rows affected by the last statement that counts rows (-1 when none does).
+  virtual std::int64_t execute(std::string_view batch) = 0;
+  // Runs the batch; gives the rows of its first result set. The cursor must end before the next statement runs.
+  virtual std::unique_ptr<Cursor> query(std::string_view batch) = 0;
+
+  // The declared columns of a table or view ("orvsystem..UA_Period", "[a b]"); empty when there is no such table.
+  virtual std::vector<Column> describe(std::string_view table) = 0;
+  // The names of the user tables of a database ("" is the account database, "orvsystem" the system database).
+  virtual std::vector<std::string> tables(std::string_view database) = 0;
+};
+
+}  // namespace quillon::tsql
