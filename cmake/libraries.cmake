@@ -46,6 +46,7 @@ target_include_directories(minizip_reader SYSTEM PUBLIC ${minizip})
 target_compile_definitions(minizip_reader PRIVATE NOCRYPT NOUNCRYPT)
 target_compile_options(minizip_reader PRIVATE -w)
 target_link_libraries(minizip_reader PUBLIC xlsxwriter ZLIB::ZLIB)
+
 # ODBC: unixODBC's driver manager natively, Windows' own for Win32 (mingw-w64 has its headers).
 add_library(odbc INTERFACE)
 if(WIN32)

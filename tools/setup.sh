@@ -30,6 +30,7 @@ native_packages=(
   g++ cmake ninja-build ccache git ca-certificates clang-format clang-tidy
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   nlohmann-json3-dev libcli11-dev zlib1g-dev libz-mingw-w64-dev
+  unixodbc-dev tdsodbc
   g++-mingw-w64-i686-posix mingw-w64-tools
 )
 wine_packages=(wine wine32:i386 libwine:i386 libwine-dev)

@@ -109,17 +109,17 @@ void addAccountCommand(CLI::App& app) {
   create.callback([file, options] { makeSample(*file, *options); });
 
   CLI::App& information = *command.add_subcommand("info", "Years, start months, valuation method, row counts");
-  information.add_option("SOURCE", *file, "The account file")->required();
+  information.add_option("SOURCE", *file, "The account file, or an ODBC connection string")->required();
   information.callback([file] { showInfo(*file); });
 
   CLI::App& checking = *command.add_subcommand("check", "Name the rows that would make reports show lines twice");
-  checking.add_option("SOURCE", *file, "The account file")->required();
+  checking.add_option("SOURCE", *file, "The account file, or an ODBC connection string")->required();
   checking.callback([file] {
     if (!checkAccount(*file, std::cout)) endWith(1);
   });
 
   CLI::App& cleaning = *command.add_subcommand("clean", "Drop the work tables that interrupted reports left");
-  cleaning.add_option("SOURCE", *file, "The account file")->required();
+  cleaning.add_option("SOURCE", *file, "The account file, or an ODBC connection string")->required();
   cleaning.callback([file] { clean(*file); });
 
   addTransferCommands(command);

@@ -1,7 +1,7 @@
 #include "workbench/cli/account_login.h"
 
-#include "workbench/platform/account_source.h"
 #include "workbench/odbc/connection_string.h"
+#include "workbench/platform/account_source.h"
 
 namespace quillon::workbench {
 

@@ -206,7 +206,8 @@ void addDrillCommand(CLI::App& app) {
     return option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   };
   command.add_option("REPORT", options->report.report, "The report: " + reportNames())->required();
-  command.add_option("--account", options->report.account, "The account file")->required();
+  command.add_option("--account", options->report.account, "The account file, or an ODBC connection string")
+      ->required();
   several(command.add_option("--row", options->row,
                              "The row: column=value (may be repeated). With a filter the report is run and its first "
                              "row that has these values is taken (RowNo=N: line N); without one these are its columns"))

@@ -14,11 +14,17 @@
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/trace_command.h"
+#include "workbench/odbc/connection_string.h"
 
 namespace {
 
 constexpr int failed = 1;
 constexpr int wrongUsage = 2;
+
+// What went wrong. An argument that is quoted in it may be a connection string.
+std::string shown(const std::exception& error) {
+  return quillon::odbc::withoutPassword(error.what());
+}
 
 int run(std::vector<std::string> arguments) {
   CLI::App app("Inventory-accounting reports by cost item, and the workbench that runs them");
@@ -40,7 +46,7 @@ int run(std::vector<std::string> arguments) {
   } catch (const CLI::RuntimeError& end) {
     return end.get_exit_code();
   } catch (const CLI::ParseError& error) {
-    std::fprintf(stderr, "quillon: %s; see quillon --help\n", error.what());
+    std::fprintf(stderr, "quillon: %s; see quillon --help\n", shown(error).c_str());
     return wrongUsage;
   }
 }
@@ -52,7 +58,7 @@ int main(int argc, char** argv) {
     quillon::workbench::prepareStandardStreams();
     return run(quillon::workbench::utf8Arguments(argc, argv));
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "quillon: %s\n", error.what());
+    std::fprintf(stderr, "quillon: %s\n", shown(error).c_str());
     return failed;
   }
 }

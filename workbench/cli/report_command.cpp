@@ -159,7 +159,7 @@ void addReportCommand(CLI::App& app) {
                                                               {"xlsx", ReportFormat::xlsx}};
   static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
-  command.add_option("--account", options->account, "The account file")->required();
+  command.add_option("--account", options->account, "The account file, or an ODBC connection string")->required();
   command.add_option("--filter", options->filterFile, "The filter, a JSON file");
   command
       .add_option("--set", options->settings,

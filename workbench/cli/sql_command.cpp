@@ -167,14 +167,17 @@ void addSqlCommand(CLI::App& app) {
   const auto options = std::make_shared<Options>();
   static const std::map<std::string, SqlFormat> formats = {{"table", SqlFormat::table}, {"json", SqlFormat::json}};
   CLI::Option_group& source = *command.add_option_group("source");
-  source.add_option("--account", options->account, "The account file");
+  source.add_option("--account", options->account, "The account file, or an ODBC connection string");
   source.add_flag("--empty", options->empty, "An empty database in memory");
   source.require_option(1);
   command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
   command.add_option("FILE", options->file, "The script; standard input when it is left out");
   command.callback([options] {
     const std::unique_ptr<tsql::Database> account =
-        options->empty ? tsql::Connection::openInMemory() : openDatabase(options->account, tsql::OpenMode::existing);
+        options->empty
+            ? tsql::Connection::openInMemory()
+            : openDatabase(options->account, tsql::OpenMode::existing,
+                           {.messages = [](const odbc::Diagnostic& said) { std::cerr << said.text << '\n'; }});
     std::ifstream file;
     if (!options->file.empty()) {
       file.open(pathFromUtf8(options->file), std::ios::binary);

@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "workbench/tsql/engine.h"
+
 namespace quillon::workbench {
 namespace {
 

@@ -1,0 +1,36 @@
+// A server that runs what it is sent on an embedded account, so that whole reports can go over ODBC.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "tests/workbench/odbc/test_driver.h"
+
+namespace quillon::odbc::test {
+
+class EngineServer final : public Server {
+ public:
+  explicit EngineServer(std::filesystem::path account) : account_(std::move(account)) { quillonTestServer() = this; }
+  EngineServer(const EngineServer&) = delete;
+  EngineServer& operator=(const EngineServer&) = delete;
+  ~EngineServer() override { quillonTestServer() = nullptr; }
+
+  // A connection string that reaches this server.
+  static std::string connectionString();
+
+  std::unique_ptr<ServerSession> connect(const std::u16string& connectionString, std::vector<Record>& refusal) override;
+
+  // The server is killed when it has run that many batches more, and does not come back.
+  void dieAfter(int further) { batchesToLive_ = further; }
+  // Whether it takes another batch.
+  bool takesBatch() { return batchesToLive_ < 0 || batchesToLive_-- > 0; }
+
+  int batches = 0;       // that it has run
+  int openSessions = 0;  // that are connected
+
+ private:
+  std::filesystem::path account_;
+  int batchesToLive_ = -1;  // negative: for ever
+};
+
+}  // namespace quillon::odbc::test

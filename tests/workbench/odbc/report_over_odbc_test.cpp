@@ -1,0 +1,256 @@
+// Whole commands over ODBC: driver manager, a driver, and behind it a server that runs the statements on an embedded
+// account. What they show must be what they show of the same account without ODBC between.
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "tests/workbench/odbc/engine_server.h"
+#include "tests/workbench/platform/temporary_file.h"
+#include "workbench/account/account.h"
+#include "workbench/cli/account_command.h"
+#include "workbench/cli/dialog_command.h"
+#include "workbench/cli/drill_command.h"
+#include "workbench/cli/report_command.h"
+#include "workbench/cli/sql_command.h"
+#include "workbench/platform/account_session.h"
+#include "workbench/platform/account_source.h"
+
+namespace quillon::workbench {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class OverOdbc : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    file_ = std::make_unique<test::TemporaryFile>(".qacc");
+    account::createSample(file_->path(), {.rows = 1500, .years = 1});
+  }
+  static void TearDownTestSuite() { file_.reset(); }
+
+  static std::string file() { return utf8FromPath(file_->path()); }
+  static std::vector<std::string> tables() {
+    return tsql::Connection::open(file_->path(), tsql::OpenMode::readOnly)->tables("");
+  }
+
+  // What the command shows of the account in the file, and of the same account on the server.
+  template <typename Command>
+  void expectSame(Command command) {
+    const std::string embedded = command(file());
+    const int before = server_.batches;
+    const std::string remote = command(odbc::test::EngineServer::connectionString());
+    EXPECT_EQ(remote, embedded);
+    EXPECT_GT(embedded.size(), 100U) << "there is something to compare";
+    EXPECT_GT(server_.batches, before) << "the server was asked";
+    EXPECT_EQ(server_.openSessions, 0) << "nothing stays connected";
+  }
+
+  void expectSameReport(const std::string& report, const std::vector<std::string>& settings = {}) {
+    for (const ReportFormat format : {ReportFormat::csv, ReportFormat::json, ReportFormat::table, ReportFormat::html}) {
+      expectSame([&](const std::string& source) {
+        std::ostringstream out;
+        std::ostringstream notes;
+        runReport({.report = report, .account = source, .settings = settings, .format = format}, out, notes);
+        return out.str() + notes.str();
+      });
+    }
+  }
+
+  // What running the program with these arguments writes to standard output.
+  static std::string shownBy(std::vector<std::string> arguments) {
+    CLI::App app;
+    addAccountCommand(app);
+    std::ranges::reverse(arguments);
+    testing::internal::CaptureStdout();
+    app.parse(std::move(arguments));
+    return testing::internal::GetCapturedStdout();
+  }
+
+  // The error of a report that cannot be made.
+  static std::string errorOfReport(const std::string& report, const std::string& filterFile = {}) {
+    std::ostringstream out;
+    std::ostringstream notes;
+    try {
+      runReport({.report = report, .account = odbc::test::EngineServer::connectionString(), .filterFile = filterFile},
+                out, notes);
+    } catch (const std::exception& error) {
+      return error.what();
+    }
+    return "nothing failed";
+  }
+
+  // The filter of a detail ledger: an inventory that is kept neither by batch nor by free items, with many lines.
+  static std::vector<std::string> oneInventory() {
+    const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::readOnly);
+    std::string plain = "item.bCheckBatch = 0";
+    for (int i = 1; i <= 10; ++i)
+      plain += " And item.bCheckFree" + std::to_string(i) + " = 0";
+    const auto rows = account->query(
+        "Select Top 1 line.cInvCode, line.cWhCode From ia_subsidiary line Inner Join Inventory item On item.cInvCode = "
+        "line.cInvCode Where line.iMonth > 0 And " +
+        plain + " Group By line.cInvCode, line.cWhCode Order By Count(*) Desc, line.cInvCode, line.cWhCode");
+    EXPECT_TRUE(rows->next());
+    return {"cInvCode=" + tsql::toText(rows->value(0)).value(), "cWhCode=" + tsql::toText(rows->value(1)).value()};
+  }
+
+  static inline std::unique_ptr<test::TemporaryFile> file_;
+  odbc::test::EngineServer server_{file_->path()};
+};
+
+TEST_F(OverOdbc, ReceiptIssueBalance) {
+  const auto before = tables();
+  expectSameReport("sfc-item");
+  expectSameReport("sfc-item", {"cModal=0", "iGrade=1"});
+  EXPECT_EQ(tables(), before) << "work tables and result tables are gone";
+}
+
+TEST_F(OverOdbc, OutboundSummary) {
+  const auto before = tables();
+  expectSameReport("outsum-item");
+  expectSameReport("outsum-item", {"cModal=2"});
+  EXPECT_EQ(tables(), before);
+}
+
+TEST_F(OverOdbc, DetailLedger) {
+  const auto before = tables();
+  expectSameReport("fx-detail", oneInventory());
+  EXPECT_EQ(tables(), before);
+}
+
+TEST_F(OverOdbc, CostItemVoucherReport) {
+  const auto before = tables();
+  expectSameReport("fx-wt");
+  EXPECT_EQ(tables(), before);
+}
+
+TEST_F(OverOdbc, Dialogs) {
+  for (const char* report : {"sfc-item", "outsum-item", "fx-detail", "fx-wt"}) {
+    expectSame([report](const std::string& source) {
+      std::ostringstream out;
+      runDialog({.report = report, .account = source, .format = DialogFormat::json}, out);
+      return out.str();
+    });
+  }
+}
+
+TEST_F(OverOdbc, DrillThrough) {
+  const std::vector<std::string> settings = oneInventory();
+  for (const char* action : {"Vouch", "Voucher"}) {
+    expectSame([&](const std::string& source) {
+      std::ostringstream out;
+      std::ostringstream notes;
+      runDrill({.report = {.report = "fx-detail", .account = source, .settings = settings},
+                .row = {"RowNo=3"},
+                .action = action,
+                .format = DrillFormat::json},
+               out, notes);
+      return out.str();
+    });
+  }
+}
+
+TEST_F(OverOdbc, AccountInformationAndCheck) {
+  expectSame([](const std::string& source) { return shownBy({"account", "info", source}); });
+  expectSame([](const std::string& source) {
+    std::ostringstream out;
+    EXPECT_TRUE(checkAccount(source, out));
+    // The verdict is short.
+    return out.str() + std::string(100, ' ');
+  });
+}
+
+TEST_F(OverOdbc, ScriptsOfStatements) {
+  constexpr const char* script =
+      "Select Top 3 AutoID, cInvCode, dKeepDate, iAInQuantity, iAInPrice, bRdFlag From ia_subsidiary Order By AutoID\n"
+      "Select Cast('12345678901234567890123456789012.345678' As decimal(38,6)) As a, Cast(-0.5 As money) As b, "
+      "Cast(0.1 As float) As c, N'中😀' As d, Cast(Null As int) As e, 9007199254740993 As f\n"
+      "go\n"
+      "Create Table #kept (i int, t nvarchar(max))\n"
+      "Insert Into #kept Values (1, Replicate(N'长', 4000)), (2, N'')\n"
+      "GO\n"
+      "Select i, t From #kept Order By i\n"
+      "Update #kept Set i = i + 1 Where i > 5\n"
+      "go\n"
+      "Select 1 As before\nSelect nothing From nowhere\n"
+      "go\n"
+      "Drop Table #kept\n";
+  for (const SqlFormat format : {SqlFormat::json, SqlFormat::table}) {
+    expectSame([format](const std::string& source) {
+      std::istringstream in(script);
+      std::ostringstream out;
+      std::ostringstream errors;
+      EXPECT_EQ(runScript(*openDatabase(source, tsql::OpenMode::existing), in, format, out, errors), 1);
+      return out.str() + errors.str();
+    });
+  }
+}
+
+TEST_F(OverOdbc, ARefusedStatementIsToldWithNumberLineAndStatement) {
+  const test::TemporaryFile filter(".json");
+  std::ofstream(filter.path()) << R"({"items":[{"name":"cNoColumn","value":"1"}]})";
+  const std::string error = errorOfReport("sfc-item", utf8FromPath(filter.path()));
+  EXPECT_THAT(error, AllOf(StartsWith("the build stopped: error 207 in line "),
+                           HasSubstr(" of the batch: Invalid column name 'cNoColumn'., at: Insert Into ["),
+                           HasSubstr("(drop with: quillon account clean Driver="), HasSubstr(";PWD=***)"),
+                           Not(HasSubstr("geheim")), Not(HasSubstr("\n"))));
+  EXPECT_THAT(shownBy({"account", "clean", odbc::test::EngineServer::connectionString()}),
+              HasSubstr("IA_SFC_Item_DetailTmp"));
+}
+
+// A server that is killed at any point of a report.
+TEST_F(OverOdbc, AKilledServerIsOneErrorAndNothingStaysConnected) {
+  int batches = server_.batches;
+  EXPECT_EQ(errorOfReport("sfc-item"), "nothing failed");
+  batches = server_.batches - batches;
+  ASSERT_GT(batches, 10);
+  // With the last of them the result table is dropped: the report is out by then.
+  for (int lived = 0; lived + 1 < batches; ++lived) {
+    server_.dieAfter(lived);
+    EXPECT_THAT(errorOfReport("sfc-item"),
+                AllOf(testing::AnyOf(HasSubstr("the connection to the database server is lost: The server was killed."),
+                                     HasSubstr("cannot connect to the database server: There is no server.")),
+                      Not(HasSubstr("geheim")), Not(HasSubstr("\n"))))
+        << "after " << lived << " batches";
+    EXPECT_EQ(server_.openSessions, 0);
+  }
+  server_.dieAfter(-1);
+  const auto account = openDatabase(file(), tsql::OpenMode::existing);
+  for (const std::string& table : account->tables("")) {
+    if (table.starts_with("QuillonReport")) account->execute("Drop Table " + table);
+  }
+  account::dropLeftoverWorkTables(*account);
+}
+
+TEST_F(OverOdbc, ASessionTellsALostConnectionAsAdoDoes) {
+  AccountSession session;
+  session.setConnectionString(odbc::test::EngineServer::connectionString());
+  session.setConnectionTimeout(0);
+  session.setCommandTimeout(0);
+  session.open("", "", optionsUnspecified);
+  const auto codeOf = [&session](std::string_view sql) {
+    try {
+      session.execute(sql);
+    } catch (const AutomationError& error) {
+      return static_cast<std::uint32_t>(error.code());
+    }
+    return 0U;
+  };
+  EXPECT_EQ(codeOf("Delete nowhere"), 0x80040E37U);
+  EXPECT_EQ(codeOf("Insert Into AA_Enum Values (1)"), 0x80040E14U);
+  const auto rows = session.query("Select Top 2 AutoID From ia_subsidiary Order By AutoID", readOnlyQuery);
+  server_.dieAfter(0);
+  EXPECT_EQ(codeOf("Select 1"), 0x80004005U);
+  EXPECT_EQ(session.lastFailure()->number, 0);
+  EXPECT_FALSE(rows->eof()) << "rows that were read stay";
+  EXPECT_EQ(session.state(), 1) << "as with ADO, who opened it closes it";
+  session.close();
+  EXPECT_EQ(server_.openSessions, 0);
+}
+
+}  // namespace
+}  // namespace quillon::workbench
