@@ -177,7 +177,7 @@ class Bench {
     const std::string connection = connectionString(account_);
     double sessionSeconds = 0;
     EmbeddedPlatform platform({.accountConnection = connection, .makeSession = [&] {
-                                 return std::make_shared<SessionTime>(std::make_shared<EmbeddedSession>(nullptr),
+                                 return std::make_shared<SessionTime>(std::make_shared<AccountSession>(nullptr),
                                                                       sessionSeconds);
                                }});
     const auto filter = std::make_shared<FilterObject>(registeredReport(subject_.report));

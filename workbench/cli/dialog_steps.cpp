@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "workbench/cli/command_error.h"
+#include "workbench/cli/run_monitor.h"
 #include "workbench/platform/filter_input.h"
 
 namespace quillon::workbench {
@@ -50,7 +51,7 @@ void DialogPlay::take(const DialogStep& step) {
         break;
     }
   } catch (const std::exception& error) {
-    throw CommandError("step " + step.text + ": " + error.what());
+    throw CommandError("step " + step.text + ": " + errorText(error));
   }
 }
 

@@ -11,6 +11,7 @@
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"
 #include "workbench/cli/report_command.h"
+#include "workbench/cli/run_monitor.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/trace_command.h"
@@ -23,7 +24,7 @@ constexpr int wrongUsage = 2;
 
 // What went wrong. An argument that is quoted in it may be a connection string.
 std::string shown(const std::exception& error) {
-  return quillon::odbc::withoutPassword(error.what());
+  return quillon::odbc::withoutPassword(quillon::workbench::errorText(error));
 }
 
 int run(std::vector<std::string> arguments) {

@@ -79,7 +79,7 @@ std::string leftBehind(tsql::Database& account, const std::string& source) {
   const std::string advice = "drop with: quillon account clean " + source;
   try {
     return "; left in the account: " + joined(account::leftoverWorkTables(account)) + " (" + advice + ")";
-  } catch (const tsql::ConnectionLost&) {
+  } catch (const tsql::SqlError&) {
     return "; work tables may be left in the account (" + advice + ")";
   }
 }
@@ -146,7 +146,7 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
     try {
       runner->run(registration, made->argument());
     } catch (const AutomationError& error) {
-      // A statement that the report let fail is told as what it is.
+      // Through COM only the description comes back; the monitor knows the rest.
       if (monitor.failure() && monitor.failure()->message == error.description())
         throw CommandError(errorText(*monitor.failure()));
       throw;

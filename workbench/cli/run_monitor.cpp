@@ -33,6 +33,13 @@ std::string errorText(const StatementFailure& failure) {
          ", at: " + shortened(oneLine(failure.sql), statementCells);
 }
 
+std::string errorText(const std::exception& error) {
+  if (const auto* refused = dynamic_cast<const StatementError*>(&error)) return errorText(refused->failure());
+  if (const auto* sql = dynamic_cast<const tsql::SqlError*>(&error); sql != nullptr && sql->line() > 0)
+    return errorText(sql->number(), sql->line(), sql->message());
+  return error.what();
+}
+
 void RunMonitor::started(std::string_view sql) {
   ++statements_;
   if (progress_ == nullptr) return;

@@ -1,6 +1,7 @@
 // Watches the sessions of a report run for the person who waits: progress, explanation, and what went wrong.
 #pragma once
 
+#include <exception>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -13,6 +14,8 @@ namespace quillon::workbench {
 std::string errorText(int number, int line, std::string_view message);
 // The same with the statement behind it, cut to a line.
 std::string errorText(const StatementFailure& failure);
+// What went wrong, for a person: of a statement as above, of anything else its own text.
+std::string errorText(const std::exception& error);
 
 class RunMonitor final : public SessionMonitor {
  public:

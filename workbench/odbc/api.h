@@ -3,7 +3,6 @@
 
 #ifdef _WIN32
 #include <windows.h>
-// windows.h first
 #endif
 
 #include <sql.h>

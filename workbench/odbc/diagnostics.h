@@ -6,16 +6,9 @@
 #include <vector>
 
 #include "workbench/odbc/api.h"
-#include "workbench/tsql/database.h"
+#include "workbench/odbc/odbc_database.h"
 
 namespace quillon::odbc {
-
-struct Diagnostic {
-  std::string state;  // SQLSTATE, such as "42S02"
-  int number = 0;     // the server's own; 0 when the driver or the driver manager speaks
-  int line = 0;       // of the batch, from 1; 0 when the driver does not tell
-  std::string text;   // without the names of those who passed it on ("[unixODBC][FreeTDS][SQL Server]")
-};
 
 // All records of the last call on `handle`, the most important first.
 std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT handleType, SQLHANDLE handle);

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "workbench/odbc/api.h"
-#include "workbench/odbc/odbc_database.h"
+#include "workbench/odbc/diagnostics.h"
 
 namespace quillon::odbc {
 

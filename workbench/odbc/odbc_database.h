@@ -6,10 +6,17 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/odbc/diagnostics.h"
 #include "workbench/tsql/database.h"
 
 namespace quillon::odbc {
+
+// One thing that driver manager, driver or server says.
+struct Diagnostic {
+  std::string state;  // SQLSTATE, such as "42S02"
+  int number = 0;     // the server's own; 0 when the driver or the driver manager speaks
+  int line = 0;       // of the batch, from 1; 0 when the driver does not tell
+  std::string text;   // without the names of those who passed it on ("[unixODBC][FreeTDS][SQL Server]")
+};
 
 struct ConnectOptions {
   int connectionTimeout = 0;  // in seconds, for opening; 0 waits without limit

@@ -190,7 +190,7 @@ auto AccountSession::run(std::string_view sql, Action action) {
     lastFailure_ = StatementFailure{std::string(sql), error.number(), error.message(), error.line()};
     if (monitor_ != nullptr) monitor_->failed(*lastFailure_);
     const bool lost = dynamic_cast<const tsql::ConnectionLost*>(&error) != nullptr;
-    throw sessionError(lost ? hresult::fail : sqlErrorCode(error.number()), error.message());
+    throw StatementError(lost ? hresult::fail : sqlErrorCode(error.number()), *lastFailure_);
   }
 }
 

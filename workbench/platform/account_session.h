@@ -40,6 +40,17 @@ struct StatementFailure {
   int line = 0;
 };
 
+// What a session throws for it.
+class StatementError final : public AutomationError {
+ public:
+  StatementError(HResult code, StatementFailure failure)
+      : AutomationError(code, std::string(sessionSource), failure.message), failure_(std::move(failure)) {}
+  const StatementFailure& failure() const noexcept { return failure_; }
+
+ private:
+  StatementFailure failure_;
+};
+
 // Watches a session; every member is called on the session's thread.
 class SessionMonitor {
  public:

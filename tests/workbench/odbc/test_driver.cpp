@@ -20,10 +20,19 @@ struct Environment : Object {};
 struct Connection : Object {
   std::unique_ptr<ServerSession> session;
   std::vector<std::string> attributes;  // set before the session is there
+  const Object* busy = nullptr;         // the statement whose results are not all read
 };
 
 struct Statement : Object {
   explicit Statement(Connection& owner) : connection(owner) {}
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+  ~Statement() override { release(); }
+
+  // The connection is free for another statement.
+  void release() {
+    if (connection.busy == this) connection.busy = nullptr;
+  }
   const Result& result() const { return results.at(current); }
 
   Connection& connection;
@@ -198,8 +207,11 @@ SQLRETURN SQL_API SQLDisconnect(SQLHDBC handle) {
 
 SQLRETURN SQL_API SQLExecDirectW(SQLHSTMT handle, SQLWCHAR* text, SQLINTEGER length) {
   Statement& statement = statementOf(handle);
+  if (statement.connection.busy != nullptr)
+    return failWith(statement, u"HY000", u"Connection is busy with results for another command");
   statement.results = statement.connection.session->run(wide(text, length));
   statement.current = 0;
+  statement.connection.busy = &statement;
   const SQLRETURN begun = beginResult(statement);
   if (begun != SQL_SUCCESS || statement.results.empty()) return begun;
   // A statement that changed no rows is told so.
@@ -254,7 +266,10 @@ SQLRETURN SQL_API SQLFetch(SQLHSTMT handle) {
 
 SQLRETURN SQL_API SQLMoreResults(SQLHSTMT handle) {
   Statement& statement = statementOf(handle);
-  if (statement.current + 1 >= statement.results.size()) return SQL_NO_DATA;
+  if (statement.current + 1 >= statement.results.size()) {
+    statement.release();
+    return SQL_NO_DATA;
+  }
   ++statement.current;
   return beginResult(statement);
 }

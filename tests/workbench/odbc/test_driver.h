@@ -1,5 +1,6 @@
 // An ODBC driver for tests: a shared library that the driver manager loads, and that asks the test program what to
-// answer. The test program is the server.
+// answer. The test program is the server. As with SQL Server, a connection takes the next statement only when all results
+// of the one before have been read or its handle is gone.
 #pragma once
 
 #include <cstdint>
