@@ -63,6 +63,8 @@ Batch::Batch(std::shared_ptr<Link> link, std::string_view sql) : link_(std::move
   link_->requireConnection();
   if (!statement_.allocate(link_->handle())) link_->fail(SQL_HANDLE_DBC, link_->handle());
   SQLSetStmtAttrW(statement_.get(), SQL_ATTR_QUERY_TIMEOUT, number(link_->commandTimeout()), SQL_IS_UINTEGER);
+  // The text goes as it stands: braces in it are no escapes of ODBC's.
+  SQLSetStmtAttrW(statement_.get(), SQL_ATTR_NOSCAN, number(SQL_NOSCAN_ON), SQL_IS_UINTEGER);
   WideText text = toWide(sql);
   // "No data" tells that a statement changed no rows, which is no failure.
   check(SQLExecDirectW(statement_.get(), text.data(), static_cast<SQLINTEGER>(text.size())));

@@ -36,11 +36,14 @@ std::pair<std::string, std::string> takePart(std::string_view& rest) {
   return {std::move(keyword), std::move(value)};
 }
 
-// A file name may hold "=" and ";": only a text that begins with one of these keywords is a connection string.
+// A file name may hold "=" and ";": only a text that begins with one of these keywords, or names an ODBC driver or data
+// source, is a connection string.
 bool isConnectionString(std::string_view source) {
   const std::string keyword = lower(trimBlanks(source.substr(0, source.find('='))));
   static constexpr std::string_view keywords[] = {"data source", "driver", "dsn", "filedsn", "server", "provider"};
-  return source.find('=') != std::string_view::npos && std::ranges::find(keywords, keyword) != std::end(keywords);
+  const bool begins =
+      source.find('=') != std::string_view::npos && std::ranges::find(keywords, keyword) != std::end(keywords);
+  return begins || odbc::isOdbcConnectionString(source);
 }
 
 // The "Data Source" of a connection string that has no other keyword but a password's; empty when it has not even that

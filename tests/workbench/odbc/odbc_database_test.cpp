@@ -104,6 +104,8 @@ TEST_F(OdbcDatabase, SendsStatementsWhole) {
   const std::string sql = "Select N'按存货核算 😀" + half + "'" + std::string(100'000, ' ') + "-- end";
   database_->execute(sql);
   EXPECT_EQ(server_.log.back(), "run " + sql);
+  EXPECT_THAT(server_.log, Contains("statement attribute " + std::to_string(SQL_ATTR_NOSCAN) + " = 1"))
+      << "no driver reads braces in it as ODBC's";
 }
 
 TEST_F(OdbcDatabase, ReadsTextsOfAllCharacters) {

@@ -141,6 +141,20 @@ TEST_F(AccountSessionTest, RemembersTheStatementThatFailed) {
   EXPECT_EQ(session_.lastFailure()->number, 102) << "a later success does not hide it";
 }
 
+TEST_F(AccountSessionTest, AFailureCarriesItsStatement) {
+  open();
+  constexpr std::string_view batch = "Select 1\nSelect nothing From nowhere";
+  try {
+    session_.execute(batch);
+    FAIL() << "nothing failed";
+  } catch (const StatementError& error) {
+    EXPECT_EQ(error.failure().sql, batch);
+    EXPECT_EQ(error.failure().number, 208);
+    EXPECT_EQ(error.failure().line, 2);
+    EXPECT_EQ(error.failure().message, error.description());
+  }
+}
+
 class RecordingMonitor final : public SessionMonitor {
  public:
   void opened() override { log.emplace_back("opened"); }

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+#include "tests/workbench/platform/temporary_file.h"
+
 namespace quillon::workbench {
 namespace {
 
@@ -46,10 +48,36 @@ TEST(AccountSource, IsAServerWhenItHasAServersKeywords) {
   EXPECT_TRUE(namesServer("Provider=SQLOLEDB;Data Source=here;Initial Catalog=account;User ID=sa;Password=secret"));
   EXPECT_TRUE(namesServer("driver={SQL Server};Server=here;Database=account;UID=sa;PWD=secret"));
   EXPECT_TRUE(namesServer("Data Source=here;Initial Catalog=account"));
+  EXPECT_TRUE(namesServer("UID=sa;PWD=secret;Driver={FreeTDS};Server=here")) << "a driver may stand anywhere";
   EXPECT_FALSE(namesServer("Data Source=demo.qacc;PWD=secret"));
   EXPECT_FALSE(namesServer("demo.qacc"));
   EXPECT_FALSE(namesServer("PWD=secret;Server=here")) << "a text that begins otherwise is a file's name";
   EXPECT_FALSE(namesServer(""));
+}
+
+TEST(AccountSource, HasAConnectionString) {
+  EXPECT_EQ(accountConnection("demo.qacc"), "Data Source=\"demo.qacc\"");
+  EXPECT_EQ(accountConnection("DSN=ledger;UID=sa"), "DSN=ledger;UID=sa");
+}
+
+TEST(AccountSource, OpensAFile) {
+  const test::TemporaryFile file(".qacc");
+  tsql::Connection::open(file.path(), tsql::OpenMode::createNew)->execute("Create Table t (i int)");
+  EXPECT_EQ(openDatabase(utf8FromPath(file.path()), tsql::OpenMode::readOnly)->describe("t").size(), 1U);
+  EXPECT_THROW(openDatabase("no-such-account.qacc", tsql::OpenMode::existing), tsql::SqlError);
+}
+
+TEST(AccountSource, RefusesAServersConnectionStringThatIsNotOdbcs) {
+  for (const char* source : {"Provider=SQLOLEDB;Data Source=here;Password=secret", "Server=here;PWD=secret"}) {
+    try {
+      openDatabase(source, tsql::OpenMode::existing);
+      ADD_FAILURE() << source << " was taken";
+    } catch (const std::invalid_argument& error) {
+      EXPECT_STREQ(error.what(),
+                   "the connection string names no ODBC driver; write Driver={ODBC Driver 17 for SQL "
+                   "Server};Server=...;Database=...;UID=...;PWD=..., or DSN=...");
+    }
+  }
 }
 
 TEST(AccountSource, RefusesNoName) {
