@@ -248,6 +248,9 @@ TEST_F(OdbcDatabase, TellsAnErrorBehindTheRows) {
   const auto rows = database_->query("Select");
   EXPECT_TRUE(rows->next());
   EXPECT_EQ(errorOf([&] { rows->next(); }).message(), "Divide by zero error encountered.");
+}
+
+TEST_F(OdbcDatabase, TellsAnErrorOfAStatementBehindTheRows) {
   answer({{.columns = {{.name = u"a", .sqlType = SQL_INTEGER}}}, {.error = duplicateKey}});
   EXPECT_EQ(errorOf([&] { database_->query("Select")->next(); }).number(), 2627);
 }
