@@ -89,7 +89,7 @@ bool checkAccount(const std::string& source, std::ostream& out) {
 }
 
 void addAccountCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("account", "Make, inspect, clean, export and import embedded accounts");
+  CLI::App& command = *app.add_subcommand("account", "Make, inspect and clean embedded accounts, take them elsewhere and back");
   command.require_subcommand(1);
 
   const auto file = std::make_shared<std::string>();

@@ -1,10 +1,14 @@
 #include "workbench/cli/account_transfer_command.h"
 
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
 
+#include "workbench/account/partial_file.h"
+#include "workbench/account/script.h"
 #include "workbench/account/transfer.h"
+#include "workbench/cli/command_error.h"
 #include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
 
@@ -28,6 +32,24 @@ void importFrom(const std::string& file, const std::string& folder) {
   std::cout << "made " << file << ": " << described(counts) << '\n';
 }
 
+void writeScriptTo(const std::string& source, const std::string& target) {
+  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::readOnly);
+  if (target.empty()) {
+    account::writeScript(*connection, std::cout);
+    std::cout.flush();
+    if (!std::cout) throw CommandError("the script could not be written to standard output");
+    return;
+  }
+  account::PartialFile partial(pathFromUtf8(target));
+  std::ofstream file(partial.path(), std::ios::binary);
+  account::TransferCounts counts;
+  if (file) counts = account::writeScript(*connection, file);
+  file.close();
+  if (!file) throw CommandError("cannot write " + target + "; check the folder, its permissions and its free space");
+  partial.complete();
+  std::cout << "wrote " << described(counts) << " to " << target << '\n';
+}
+
 }  // namespace
 
 void addTransferCommands(CLI::App& account) {
@@ -43,6 +65,11 @@ void addTransferCommands(CLI::App& account) {
   importing.add_option("FILE", *target, "The account file to make; it must not exist")->required();
   importing.add_option("DIR", *source, "The folder: schema.sql and a CSV file for each table")->required();
   importing.callback([source, target] { importFrom(*target, *source); });
+
+  CLI::App& scripting = *account.add_subcommand("script", "Write the account as T-SQL for a new server");
+  scripting.add_option("SOURCE", *source, "The account file")->required();
+  scripting.add_option("FILE", *target, "The script to write; it must not exist. Standard output when it is left out");
+  scripting.callback([source, target] { writeScriptTo(*source, *target); });
 }
 
 }  // namespace quillon::workbench

@@ -1,4 +1,4 @@
-// `quillon account export`, `import`: an account taken elsewhere and back.
+// `quillon account export`, `import`, `script`: an account taken elsewhere and back.
 #pragma once
 
 #include <CLI/CLI.hpp>

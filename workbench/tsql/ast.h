@@ -151,6 +151,7 @@ enum class StatementKind {
   createIndex,
   createView,
   createFunction,
+  createDatabase,  // orvsystem, which is always there
   dropObjects,
   conditional,
   block,

@@ -6,6 +6,7 @@
 
 #include "workbench/tsql/catalog.h"
 #include "workbench/tsql/engine.h"
+#include "workbench/tsql/lexer.h"
 #include "workbench/tsql/parser.h"
 #include "workbench/tsql/sqlite.h"
 #include "workbench/tsql/sqlite_functions.h"
@@ -28,6 +29,14 @@ void objectId(sqlite3_context* context, int, sqlite3_value** arguments) {
   } catch (const SqlError&) {
     // A text that is no name, or names an unknown database, has no object.
   }
+}
+
+// Any number will do, as long as it is the database's own; tempdb has the one that servers give it.
+void databaseId(sqlite3_context* context, int, sqlite3_value** arguments) {
+  constexpr int tempdb = 2, orvsystem = 5;
+  const std::string name = textOf(arguments[0]);
+  if (equalsIgnoringCase(name, "tempdb")) sqlite3_result_int(context, tempdb);
+  if (equalsIgnoringCase(name, "orvsystem")) sqlite3_result_int(context, orvsystem);
 }
 
 // The aggregate's state: the first value, copied.
@@ -75,6 +84,8 @@ void check(sqlite3* database, int result) {
 void registerEngineFunctions(sqlite3* database, Catalog& catalog) {
   check(database, sqlite3_create_function_v2(database, "object_id", 1, SQLITE_UTF8, &catalog, objectId, nullptr,
                                              nullptr, nullptr));
+  check(database, sqlite3_create_function_v2(database, "db_id", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                                             databaseId, nullptr, nullptr, nullptr));
   check(database, sqlite3_create_function_v2(database, "single_row", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
                                              nullptr, singleRowStep, singleRowEnd, nullptr));
   check(database, sqlite3_create_function_v2(database, "required", 3, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,

@@ -189,6 +189,9 @@ std::int64_t Executor::dispatch(const Statement& s, std::string_view batch, Resu
     case StatementKind::createFunction:
       createFunction(s);
       break;
+    case StatementKind::createDatabase:
+      throw SqlError(1801, "Database '" + s.target.name + "' already exists. Choose a different database name.",
+                     s.place.line, s.target.name);
     case StatementKind::dropObjects:
       drop(s);
       break;

@@ -217,6 +217,7 @@ constexpr auto kFunctions = std::to_array<Function>({
     {"datepart", 2, 2,
      [](const Arguments& a, const Expression& e) { return call("date_part", {partFragment(e), asDate(a[1])}, intType()); }},
     {"day", 1, 1, [](const Arguments& a, const Expression&) { return fixedPart("day", a); }},
+    {"db_id", 1, 1, [](const Arguments& a, const Expression&) { return call("db_id", {asText(a[0])}, intType()); }},
     {"floor", 1, 1, [](const Arguments& a, const Expression&) { return neighbour("floor", a); }},
     // One moment for the whole statement.
     {"getdate", 0, 0,

@@ -189,6 +189,8 @@ class StatementParser : public QueryParser {
       s.text = textFrom(begin, previousEnd());
     } else if (acceptWord("function")) {
       createFunction(s);
+    } else if (acceptWord("database")) {
+      createDatabase(s);
     } else {
       s.unique = acceptWord("unique");
       if (!acceptWord("clustered")) acceptWord("nonclustered");
@@ -220,6 +222,15 @@ class StatementParser : public QueryParser {
     s.text = textFrom(begin, previousEnd());
     skipSemicolons();
     expectWord("end");
+  }
+
+  // create database orvsystem [collate name]
+  void createDatabase(Statement& s) {
+    s.kind = StatementKind::createDatabase;
+    const std::string database = name();
+    if (!equalsIgnoringCase(database, "orvsystem")) refuse("CREATE DATABASE " + database);
+    s.target.name = s.target.written = database;
+    if (acceptWord("collate")) name();
   }
 
   std::vector<std::string> indexColumns() {

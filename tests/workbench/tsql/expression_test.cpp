@@ -53,6 +53,17 @@ TEST_F(Expression, IntNeverGrowsBeyondIts32Bits) {
   EXPECT_EQ(query("select i+j from t"), "int: -1");
 }
 
+TEST_F(Expression, TheSystemDatabaseIsThereAndCannotBeMadeAgain) {
+  EXPECT_EQ(value("db_id(N'OrvSystem')"), "int: 5");
+  EXPECT_EQ(value("db_id('tempdb')"), "int: 2");
+  EXPECT_EQ(value("db_id('master')"), "int: null");
+  EXPECT_EQ(value("db_id(null)"), "int: null");
+  EXPECT_EQ(query("create database orvsystem"), "1801");
+  EXPECT_EQ(query("create database [orvsystem] collate Chinese_PRC_CI_AS"), "1801");
+  EXPECT_EQ(query("create database other"), "40510");
+  run("if db_id(N'orvsystem') is null create database orvsystem collate Chinese_PRC_CI_AS");
+}
+
 TEST_F(Expression, FloatLiteralsKeepEveryBit) {
   run("create table t(f float)");
   EXPECT_EQ(value("-1e-300"), "float: -1e-300");
