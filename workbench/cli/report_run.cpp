@@ -46,8 +46,7 @@ void passDialog(const ReportRegistration& report, const SignedInAccount& account
 
 std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const ReportRegistration& report,
                                            const SignedInAccount& account, std::ostream& notes) {
-  const auto filter =
-      std::make_shared<FilterObject>(report, request.dialog ? InitialValues::none : InitialValues::defaults);
+  auto filter = std::make_shared<FilterObject>(report, request.dialog ? InitialValues::none : InitialValues::defaults);
   if (!request.dialog) prepareFilter(*filter, *account.login, *account.session);
   if (!request.filterFile.empty()) applyFilterFile(*filter, readJsonFile(request.filterFile));
   setFilterItems(*filter, request.settings);

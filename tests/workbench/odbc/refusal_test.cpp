@@ -35,10 +35,12 @@ class Port {
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address;
-    bind(socket_, reinterpret_cast<sockaddr*>(&address), size);
-    getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size);
+    EXPECT_EQ(bind(socket_, reinterpret_cast<sockaddr*>(&address), size), 0);
+    EXPECT_EQ(getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size), 0);
     number_ = ntohs(address.sin_port);
-    if (listens) listen(socket_, 1);
+    if (listens) {
+      EXPECT_EQ(listen(socket_, 1), 0);
+    }
   }
   Port(const Port&) = delete;
   Port& operator=(const Port&) = delete;
