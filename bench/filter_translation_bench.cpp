@@ -100,7 +100,7 @@ void translate120Items(benchmark::State& state) {
   Module module(platform);
   module.session = platform.createSession();
   BenchFilter filter;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(sfc_item::translateFilter(filter, module));
   }
 }
