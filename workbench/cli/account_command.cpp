@@ -8,6 +8,7 @@
 
 #include "workbench/account/account.h"
 #include "workbench/account/key_check.h"
+#include "workbench/cli/account_diff_command.h"
 #include "workbench/cli/account_transfer_command.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
@@ -89,7 +90,8 @@ bool checkAccount(const std::string& source, std::ostream& out) {
 }
 
 void addAccountCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("account", "Make, inspect and clean embedded accounts, take them elsewhere and back");
+  CLI::App& command =
+      *app.add_subcommand("account", "Make, inspect and clean embedded accounts, take them elsewhere and back");
   command.require_subcommand(1);
 
   const auto file = std::make_shared<std::string>();
@@ -122,6 +124,7 @@ void addAccountCommand(CLI::App& app) {
   cleaning.add_option("SOURCE", *file, "The account file, or an ODBC connection string")->required();
   cleaning.callback([file] { clean(*file); });
 
+  addDiffCommand(command);
   addTransferCommands(command);
 }
 

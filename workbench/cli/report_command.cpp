@@ -9,6 +9,7 @@
 
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/report_comparison.h"
 #include "workbench/cli/report_document.h"
 #include "workbench/cli/report_layout.h"
 #include "workbench/cli/report_output.h"
@@ -130,20 +131,32 @@ void writeTo(const ReportOptions& options, const ReportLayout& layout, const Mad
   }
 }
 
+std::unique_ptr<MadeReport> reportOn(const std::string& source, const ReportOptions& options, std::ostream& notes) {
+  return makeReport({.report = options.report,
+                     .account = source,
+                     .filterFile = options.filterFile,
+                     .settings = options.settings,
+                     .dialog = options.dialog,
+                     .language = options.language,
+                     .date = options.date},
+                    {.notes = notes,
+                     .progress = options.terminal ? &notes : nullptr,
+                     .explanation = options.explain ? &notes : nullptr});
+}
+
 }  // namespace
+
+bool compareReports(const ReportOptions& options, const std::string& second, std::ostream& out, std::ostream& notes) {
+  constexpr std::int64_t shown = 10;
+  const auto one = reportOn(options.account, options, notes);
+  const auto two = reportOn(second, options, notes);
+  const auto firstRows = one->table().rows(), secondRows = two->table().rows();
+  return compareResults(*firstRows, *secondRows, options.limit.value_or(shown), out);
+}
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
   const ReportLayout& layout = layoutOf(registeredReport(options.report).name);
-  const auto report = makeReport({.report = options.report,
-                                  .account = options.account,
-                                  .filterFile = options.filterFile,
-                                  .settings = options.settings,
-                                  .dialog = options.dialog,
-                                  .language = options.language,
-                                  .date = options.date},
-                                 {.notes = notes,
-                                  .progress = options.terminal ? &notes : nullptr,
-                                  .explanation = options.explain ? &notes : nullptr});
+  const auto report = reportOn(options.account, options, notes);
   if (options.keep) report->keepTable();
   writeTo(options, layout, *report, out);
   if (options.keep) notes << "quillon: the result table " << report->table().name() << " is kept\n";
@@ -168,8 +181,10 @@ void addReportCommand(CLI::App& app) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   command.add_flag("!--no-dialog", options->dialog,
                    "Do not run the report's filter dialog; items that are not given take registered defaults");
-  command.add_option("--format", options->format, "table, csv, json, html or xlsx")->transform(oneOf(formats));
-  command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
+  CLI::Option& format =
+      *command.add_option("--format", options->format, "table, csv, json, html or xlsx")->transform(oneOf(formats));
+  CLI::Option& output =
+      *command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
   command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
   command.add_option("--date", options->date, "The login's date, yyyy-mm-dd");
   command.add_option("--limit", options->limit, "Show at most this many rows (table, html, xlsx)")
@@ -178,12 +193,21 @@ void addReportCommand(CLI::App& app) {
       "--all-columns", options->allColumns,
       "Show user-defined fields and what documents carry beside, too (table, html, xlsx; always in csv, json)");
   command.add_flag("--explain", options->explain, "Print each statement with its time and row count");
-  command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
-  command.callback([options] {
+  CLI::Option& keep = *command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
+  const auto second = std::make_shared<std::string>();
+  command
+      .add_option("--compare", *second,
+                  "Run the report on this account, too, and compare the rows; --limit says how many are shown")
+      ->excludes(&format, &output, &keep);
+  command.callback([options, second] {
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())
       throw CLI::ValidationError("--format", "xlsx needs a file to write to; name one with -o FILE");
     options->terminal = errorsGoToTerminal();
-    runReport(*options, std::cout, std::cerr);
+    if (second->empty()) {
+      runReport(*options, std::cout, std::cerr);
+    } else if (!compareReports(*options, *second, std::cout, std::cerr)) {
+      endWith(1);
+    }
   });
 }
 

@@ -37,6 +37,10 @@ struct ReportOptions {
 // must know beside the report goes to `notes`.
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes);
 
+// Runs the report on the options' account and on the one that `second` names, with the same filter, and compares the
+// rows (compareResults() in report_comparison.h); shows as many as `options.limit` says, or 10. Throws as runReport().
+bool compareReports(const ReportOptions& options, const std::string& second, std::ostream& out, std::ostream& notes);
+
 void addReportCommand(CLI::App& app);
 
 }  // namespace quillon::workbench

@@ -1,0 +1,249 @@
+#include "workbench/account/difference.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "workbench/account/schema.h"
+#include "workbench/tsql/lexer.h"
+#include "workbench/tsql/stored_schema.h"
+
+namespace quillon::account {
+
+namespace {
+
+using Row = std::vector<tsql::Value>;
+using Kind = RowDifference::Kind;
+
+struct IgnoringCase {
+  bool operator()(const std::string& left, const std::string& right) const {
+    return std::ranges::lexicographical_compare(left, right, {}, lower, lower);
+  }
+  static char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+};
+
+// Primary keys by table name, "orvsystem..UA_Period".
+using Keys = std::map<std::string, std::vector<std::string>, IgnoringCase>;
+
+std::string plainName(std::string_view database, std::string_view name) {
+  return (database.empty() ? std::string() : std::string(database) + "..") + std::string(name);
+}
+
+// "orvsystem..UA_Period" in brackets.
+std::string writtenName(const std::string& plain) {
+  constexpr std::string_view separator = "..";
+  const std::size_t at = plain.find(separator);
+  if (at == std::string::npos) return tsql::writtenName("", plain);
+  return tsql::writtenName(plain.substr(0, at), plain.substr(at + separator.size()));
+}
+
+std::vector<std::string> splitNames(std::string_view list) {
+  constexpr std::string_view separator = ", ";
+  std::vector<std::string> names;
+  for (std::size_t at = 0; at != std::string_view::npos;) {
+    names.emplace_back(list.substr(0, at = list.find(separator)));
+    if (at != std::string_view::npos) list.remove_prefix(at + separator.size());
+  }
+  return names;
+}
+
+// A server is taken to have the keys of the schema: there are servers whose tables have none.
+void addKeys(tsql::Database& account, Keys& keys) {
+  auto* const embedded = dynamic_cast<tsql::Connection*>(&account);
+  if (embedded == nullptr) return;
+  for (const tsql::StoredTable& table : storedSchema(*embedded).tables) {
+    std::vector<std::string> key = table.primaryKey();
+    if (!key.empty()) keys.emplace(plainName(table.database, table.name), std::move(key));
+  }
+}
+
+std::vector<std::string> tableNames(tsql::Database& first, tsql::Database& second, ComparedTables which) {
+  std::vector<std::string> names;
+  for (const TableDefinition& table : tables())
+    names.emplace_back(table.name);
+  if (which == ComparedTables::ofAnAccount) return names;
+  std::map<std::string, bool, IgnoringCase> others;
+  for (tsql::Database* account : {&first, &second}) {
+    for (const char* database : {"", "orvsystem"}) {
+      for (const std::string& name : account->tables(database))
+        others.emplace(plainName(database, name), true);
+    }
+  }
+  for (const std::string& name : names)
+    others.erase(name);
+  for (const auto& [name, present] : others)
+    names.push_back(name);
+  return names;
+}
+
+const tsql::Column* find(const std::vector<tsql::Column>& columns, const std::string& name) {
+  const auto found = std::ranges::find_if(
+      columns, [&](const tsql::Column& column) { return tsql::equalsIgnoringCase(column.name, name); });
+  return found == columns.end() ? nullptr : &*found;
+}
+
+// Compares one table whose columns both accounts have.
+class TableReader {
+ public:
+  TableReader(TableComparison& result, std::vector<std::string> columns, const std::vector<std::string>& key,
+              std::size_t shown)
+      : result_(result), columns_(std::move(columns)), shown_(shown) {
+    for (const std::string& name : key) {
+      const auto place = std::ranges::find_if(
+          columns_, [&](const std::string& column) { return tsql::equalsIgnoringCase(column, name); });
+      if (place != columns_.end()) key_.push_back(static_cast<std::size_t>(place - columns_.begin()));
+    }
+    if (key_.size() == key.size() && !key_.empty()) return;
+    key_.clear();
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+      key_.push_back(i);
+  }
+
+  void compare(tsql::Database& first, tsql::Database& second) {
+    const std::string sql = statement();
+    const std::unique_ptr<tsql::Cursor> firstRows = first.query(sql), secondRows = second.query(sql);
+    for (bool more = true; more;) {
+      std::optional<Row> one = next(*firstRows), two = next(*secondRows);
+      more = one || two;
+      if (one) ++result_.rows;
+      if (one && two && keyOf(*one) == keyOf(*two)) {
+        compareRows(*one, *two);
+        continue;
+      }
+      if (one) meet(std::move(*one), waitingSecond_, waitingFirst_, true);
+      if (two) meet(std::move(*two), waitingFirst_, waitingSecond_, false);
+    }
+    result_.onlyInFirst = tell(waitingFirst_, Kind::onlyInFirst);
+    result_.onlyInSecond = tell(waitingSecond_, Kind::onlyInSecond);
+  }
+
+ private:
+  // Rows without a partner so far, by key; of several with one key the first comes first.
+  using Waiting = std::multimap<std::string, std::pair<std::int64_t, Row>>;
+
+  std::string statement() const {
+    std::vector<std::string> key;
+    for (const std::size_t place : key_)
+      key.push_back(columns_[place]);
+    return "Select " + tsql::bracketedList(columns_) + " From " + writtenName(result_.table) + " Order By " +
+           tsql::bracketedList(key);
+  }
+
+  std::optional<Row> next(tsql::Cursor& rows) const {
+    if (!rows.next()) return std::nullopt;
+    Row row;
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+      row.push_back(rows.value(i));
+    return row;
+  }
+
+  std::string keyOf(const Row& row) const {
+    std::string key;
+    for (const std::size_t place : key_) {
+      const std::optional<std::string> text = tsql::toText(row[place]);
+      key += text ? std::to_string(text->size()) + ':' + *text : "-";
+    }
+    return key;
+  }
+
+  void meet(Row row, Waiting& partners, Waiting& waiting, bool isFirst) {
+    std::string key = keyOf(row);
+    const auto partner = partners.find(key);
+    if (partner == partners.end()) {
+      waiting.emplace(std::move(key), std::pair(order_++, std::move(row)));
+      return;
+    }
+    const Row& other = partner->second.second;
+    isFirst ? compareRows(row, other) : compareRows(other, row);
+    partners.erase(partner);
+  }
+
+  void compareRows(const Row& one, const Row& two) {
+    if (one == two) return;
+    ++result_.changed;
+    if (result_.shown.size() >= shown_) return;
+    RowDifference difference{.kind = Kind::changed, .key = keyValues(one), .changes = {}};
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+      if (one[i] != two[i]) difference.changes.push_back({columns_[i], one[i], two[i]});
+    }
+    result_.shown.push_back(std::move(difference));
+  }
+
+  std::vector<NamedValue> keyValues(const Row& row) const {
+    std::vector<NamedValue> values;
+    for (const std::size_t place : key_)
+      values.push_back({columns_[place], row[place]});
+    return values;
+  }
+
+  std::int64_t tell(const Waiting& waiting, Kind kind) {
+    std::vector<const std::pair<std::int64_t, Row>*> rows;
+    for (const auto& [key, row] : waiting)
+      rows.push_back(&row);
+    std::ranges::sort(rows, {}, [](const auto* row) { return row->first; });
+    for (const auto* row : rows) {
+      if (result_.shown.size() >= shown_) break;
+      result_.shown.push_back({.kind = kind, .key = keyValues(row->second), .changes = {}});
+    }
+    return static_cast<std::int64_t>(rows.size());
+  }
+
+  TableComparison& result_;
+  std::vector<std::string> columns_;
+  std::size_t shown_;
+  std::vector<std::size_t> key_;  // places in columns_
+  Waiting waitingFirst_, waitingSecond_;
+  std::int64_t order_ = 0;
+};
+
+// The columns that both have; what differs goes to `structure`.
+std::vector<std::string> sharedColumns(const std::vector<tsql::Column>& first, const std::vector<tsql::Column>& second,
+                                       std::vector<std::string>& structure) {
+  std::vector<std::string> shared;
+  for (const tsql::Column& column : first) {
+    const tsql::Column* const other = find(second, column.name);
+    if (other == nullptr) {
+      structure.push_back("the second account has no column " + column.name);
+      continue;
+    }
+    shared.push_back(column.name);
+    if (column.type != other->type) {
+      structure.push_back("column " + column.name + " is " + column.type.name() + " in the first account and " +
+                          other->type.name() + " in the second");
+    }
+  }
+  for (const tsql::Column& column : second) {
+    if (find(first, column.name) == nullptr) structure.push_back("the first account has no column " + column.name);
+  }
+  return shared;
+}
+
+}  // namespace
+
+std::vector<TableComparison> compareAccounts(tsql::Database& first, tsql::Database& second, ComparedTables which,
+                                             std::size_t shown) {
+  Keys keys;
+  addKeys(first, keys);
+  addKeys(second, keys);
+  for (const TableDefinition& table : tables())
+    keys.emplace(table.name, splitNames(table.primaryKey));
+  std::vector<TableComparison> comparisons;
+  for (const std::string& name : tableNames(first, second, which)) {
+    const std::vector<tsql::Column> firstColumns = first.describe(writtenName(name));
+    const std::vector<tsql::Column> secondColumns = second.describe(writtenName(name));
+    if (firstColumns.empty() && secondColumns.empty()) continue;
+    TableComparison& comparison = comparisons.emplace_back();
+    comparison.table = name;
+    if (firstColumns.empty() || secondColumns.empty()) {
+      comparison.structure.push_back(firstColumns.empty() ? "the first account has no such table"
+                                                          : "the second account has no such table");
+      continue;
+    }
+    const std::vector<std::string> columns = sharedColumns(firstColumns, secondColumns, comparison.structure);
+    if (!columns.empty()) TableReader(comparison, columns, keys[name], shown).compare(first, second);
+  }
+  return comparisons;
+}
+
+}  // namespace quillon::account

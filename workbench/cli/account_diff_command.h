@@ -1,0 +1,19 @@
+// `quillon account diff`: two accounts held against each other.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <cstddef>
+#include <ostream>
+#include <string>
+
+namespace quillon::workbench {
+
+// Compares the accounts that two SOURCEs name and says on `out` that they are equal, or what differs: each table with
+// its counts, at most `shown` of its rows, and a line that sums it up. With a server among them the tables of an account
+// are compared, between two files all tables. True when the accounts are equal.
+bool diffAccounts(const std::string& first, const std::string& second, std::size_t shown, std::ostream& out);
+
+// Adds the command to `account`. Accounts that differ make the exit status 1.
+void addDiffCommand(CLI::App& account);
+
+}  // namespace quillon::workbench
