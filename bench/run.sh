@@ -8,11 +8,20 @@ cd "$(dirname "$0")/.."
 small=100000
 large=${1:-1000000}
 bin=build/native/bin
+win32=build/win32/bin
 work=build/bench
 mkdir -p "$work"
 
-cmake --preset native >"$work/configure.log"
-cmake --build --preset native --target quillon report_bench filter_translation_bench -- --quiet
+# Before whatever else the machine does, where that is allowed: the medians then need fewer runs.
+first=()
+if chrt -f 50 true 2>/dev/null; then first=(chrt -f 50); fi
+
+build() { # PRESET TARGET...
+  cmake --preset "$1" >"$work/configure.log"
+  cmake --build --preset "$1" --target "${@:2}" -- --quiet >"$work/build.log"
+}
+build native quillon report_bench program_bench filter_translation_bench
+build win32 Quillon library_load_bench
 
 for rows in "$small" "$large"; do
   account=$work/$rows.account
@@ -25,48 +34,88 @@ for rows in "$small" "$large"; do
   fi
 done
 
-"$bin/filter_translation_bench" --benchmark_format=csv 2>/dev/null >"$work/filter.csv"
-filter_us=$(awk -F, '/translate120Items/ { print $4 }' "$work/filter.csv")
-
 measure() { # NAME REPORT ACCOUNT HAND.sql BEST.sql|- RUNS
-  "$bin/report_bench" "$2" "$work/$3.account" "bench/$4" "$5" "$6" >"$work/$1.txt"
+  "${first[@]}" "$bin/report_bench" "$2" "$work/$3.account" "bench/$4" "$5" "$6" >"$work/$1.txt"
 }
-best=bench/best_query.sql
-measure balance-small sfc-item "$small" receipt_issue_balance.sql "$best" 7
-measure balance-large sfc-item "$large" receipt_issue_balance.sql "$best" 0
+program() { # NAME RUNS PROGRAM ARGUMENT...
+  "${first[@]}" "$bin/program_bench" "${@:2}" >"$work/$1.txt"
+}
+figure() { awk -v name="$2" '$1 == name { print $2 }' "$work/$1.txt"; } # MEASUREMENT NAME
+quotient() { awk -v a="$1" -v b="$2" 'BEGIN { print a / b }'; }
+difference() { awk -v a="$1" -v b="$2" 'BEGIN { print a - b }'; }
+
+missed=0
+judged() { # WHAT VALUE LIMIT WORDS CONDITION
+  local verdict
+  verdict=$(awk -v value="$2" -v limit="$3" 'BEGIN { print ('"$5"') ? "pass" : "FAIL" }')
+  [ "$verdict" = pass ] || missed=1
+  printf '%-78s %10.4g %9s %-4s %s\n' "$1" "$2" "$4" "$3" "$verdict"
+}
+row() { judged "$1" "$2" "$3" "at most" "value + 0 <= limit + 0"; }         # WHAT VALUE LIMIT
+row_least() { judged "$1" "$2" "$3" "at least" "value + 0 >= limit + 0"; } # WHAT VALUE LIMIT
+record() { printf '%-78s %10.4g\n' "for the record: $1" "$2"; }
+title() { printf '\n%s\n' "$1"; }
+
+summary() { # NAME REPORT TITLE RUNS
+  local name=$1
+  measure "$name-small" "$2" "$small" "$name.sql" "bench/${name}_best.sql" "$4"
+  measure "$name-large" "$2" "$large" "$name.sql" - 0
+  title "$3, one year"
+  row "library's own share of a run, $small lines, percent" "$(quotient "$(figure "$name-small" own_share)" 0.01)" 1
+  row "run / same statements by hand in SQLite's SQL, $small lines" "$(figure "$name-small" ratio)" 1.15
+  row "growth from $small to $large lines, first runs" \
+    "$(quotient "$(figure "$name-large" first_seconds)" "$(figure "$name-small" first_seconds)")" 12
+  row "peak memory at $large lines, MiB" "$(figure "$name-large" peak_mib)" 600
+  record "run / best query for the same rows, $small lines" \
+    "$(quotient "$(figure "$name-small" report_seconds)" "$(figure "$name-small" best_seconds)")"
+  record "run at $small lines, seconds" "$(figure "$name-small" report_seconds)"
+  record "run at $large lines, seconds" "$(figure "$name-large" first_seconds)"
+}
+summary receipt_issue_balance sfc-item "receipt/issue/balance by cost item" 7
+summary outbound_summary outsum-item "outbound summary by cost-item class" 7
+summary voucher_report fx-wt "cost-item voucher report" 5
+
 measure ledger-small fx-detail:2000 "$small-busy" detail_ledger.sql - 7
 measure ledger-large fx-detail:2000 "$large-busy" detail_ledger.sql - 7
 measure ledger-short fx-detail:20 "$large" detail_ledger.sql - 7
-
-figure() { awk -v name="$2" '$1 == name { print $2 }' "$work/$1.txt"; } # MEASUREMENT NAME
-quotient() { awk -v a="$1" -v b="$2" 'BEGIN { print a / b }'; }
-missed=0
-row() { # WHAT VALUE LIMIT
-  local verdict
-  verdict=$(awk -v value="$2" -v limit="$3" 'BEGIN { print (value + 0 <= limit + 0) ? "pass" : "FAIL" }')
-  [ "$verdict" = pass ] || missed=1
-  printf '%-78s %10.4g %10s  %s\n' "$1" "$2" "$3" "$verdict"
-}
-record() { printf '%-78s %10.4g\n' "$1" "$2"; }
-title() { printf '\n%-78s %10s %10s\n' "$1" value limit; }
-
-title "receipt/issue/balance by cost item, one year"
-row "filter translation, 120 items, microseconds" "$filter_us" 100
-row "library's own share of a run, $small lines, percent" "$(quotient "$(figure balance-small own_share)" 0.01)" 1
-row "run / same statements by hand in SQLite's SQL, $small lines" "$(figure balance-small ratio)" 1.15
-row "growth from $small to $large lines, first runs" \
-  "$(quotient "$(figure balance-large first_seconds)" "$(figure balance-small first_seconds)")" 12
-row "peak memory at $large lines, MiB" "$(figure balance-large peak_mib)" 600
-record "for the record: run / best query for the same rows" \
-  "$(quotient "$(figure balance-small report_seconds)" "$(figure balance-small best_seconds)")"
-record "for the record: run at $small lines, seconds" "$(figure balance-small report_seconds)"
-record "for the record: run at $large lines, seconds" "$(figure balance-large first_seconds)"
-
 title "detail ledger of one inventory, one year, 2000 lines of its own"
+row "library's own share of a run, $small lines, percent" "$(quotient "$(figure ledger-small own_share)" 0.01)" 1
+row "run / same statements by hand in SQLite's SQL, among $small lines" "$(figure ledger-small ratio)" 1.15
 row "run / same statements by hand in SQLite's SQL, among $large lines" "$(figure ledger-large ratio)" 1.15
 row "growth from $small to $large lines in the account" \
   "$(quotient "$(figure ledger-large report_seconds)" "$(figure ledger-small report_seconds)")" 1.5
-record "for the record: run among $large lines, seconds" "$(figure ledger-large report_seconds)"
-record "for the record: 20 lines of its own, run / same statements by hand" "$(figure ledger-short ratio)"
-record "for the record: 20 lines of its own, seconds" "$(figure ledger-short report_seconds)"
+row "peak memory at $large lines, MiB" "$(figure ledger-large peak_mib)" 600
+record "run among $large lines, seconds" "$(figure ledger-large report_seconds)"
+record "20 lines of its own, run / same statements by hand" "$(figure ledger-short ratio)"
+record "20 lines of its own, seconds" "$(figure ledger-short report_seconds)"
+
+# A run has its peak while its rows are made and summed; what a format keeps of them comes on top.
+title "writing the outbound summary of $large lines"
+output() { # NAME FORMAT OPTION...
+  program "$1" 1 "$bin/quillon" report outsum-item --account "$work/$large.account" --set iYear=2023 \
+    --format "$2" -o "$work/output.$2" "${@:3}"
+}
+output one-row html --limit 1
+for format in html csv json xlsx; do
+  output "$format" "$format"
+  row "memory beyond that of a page with one row: $format, MiB" \
+    "$(difference "$(figure "$format" peak_mib)" "$(figure one-row peak_mib)")" 8
+done
+record "rows" "$(awk 'END { print NR - 1 }' "$work/output.csv")"
+record "size of the CSV file, MiB" "$(quotient "$(stat -c %s "$work/output.csv")" 1048576)"
+rm -f "$work"/output.*
+
+title "the programs"
+rm -f "$work/new.account"
+program generator 1 "$bin/quillon" account new "$work/new.account" --rows "$small" --seed 1
+row_least "sample generator, ledger lines a second" "$(quotient "$small" "$(figure generator seconds)")" 10000
+program help 21 "$bin/quillon" --help
+row "start of quillon --help, milliseconds" "$(quotient "$(figure help seconds)" 0.001)" 20
+"$bin/filter_translation_bench" --benchmark_format=csv 2>/dev/null >"$work/filter.csv"
+row "filter translation, 120 items, microseconds" "$(awk -F, '/translate120Items/ { print $4 }' "$work/filter.csv")" 100
+row "Quillon.dll, MB" "$(quotient "$(stat -c %s "$win32/Quillon.dll")" 1000000)" 1.5
+for ((run = 0; run < 7; ++run)); do
+  "${first[@]}" tools/wine.sh "$win32/library_load_bench.exe"
+done | tr -d '\r' | sort -n >"$work/load.txt"
+row "Quillon.dll loaded and first class created under Wine, milliseconds" "$(sed -n 4p "$work/load.txt")" 50
 exit "$missed"
