@@ -20,8 +20,8 @@ if(NOT WIN32)
   target_link_libraries(sqlite3 PUBLIC Threads::Threads m)
 endif()
 
-# libxlsxwriter, from the source that tools/setup.sh fetches: the same version natively and for Win32. Numbers are written
-# by its own locale-independent formatter; pictures, the only use of MD5, do not occur.
+# libxlsxwriter, from the source that tools/setup.sh fetches: the same version natively and for Win32. Pictures, the only
+# use of MD5, do not occur. Its optional number formatter reads past a table of its own; printf, in the C locale here, does not.
 set(QUILLON_XLSXWRITER_DIR ${CMAKE_SOURCE_DIR}/.deps/xlsxwriter)
 if(NOT EXISTS ${QUILLON_XLSXWRITER_DIR}/src/workbook.c)
   message(FATAL_ERROR "libxlsxwriter's source is missing: run tools/setup.sh first")
@@ -30,10 +30,9 @@ find_package(ZLIB REQUIRED)
 file(GLOB xlsxwriter_sources ${QUILLON_XLSXWRITER_DIR}/src/*.c)
 set(minizip ${QUILLON_XLSXWRITER_DIR}/third_party/minizip)
 add_library(xlsxwriter STATIC EXCLUDE_FROM_ALL ${xlsxwriter_sources} ${minizip}/ioapi.c ${minizip}/zip.c
-                                               ${QUILLON_XLSXWRITER_DIR}/third_party/dtoa/emyg_dtoa.c
                                                ${QUILLON_XLSXWRITER_DIR}/third_party/tmpfileplus/tmpfileplus.c)
 target_include_directories(xlsxwriter SYSTEM PUBLIC ${QUILLON_XLSXWRITER_DIR}/include)
-target_compile_definitions(xlsxwriter PRIVATE USE_NO_MD5 USE_DTOA_LIBRARY NOCRYPT NOUNCRYPT)
+target_compile_definitions(xlsxwriter PRIVATE USE_NO_MD5 NOCRYPT NOUNCRYPT)
 target_compile_options(xlsxwriter PRIVATE -w)
 target_link_libraries(xlsxwriter PRIVATE ZLIB::ZLIB)
 if(WIN32)
