@@ -299,7 +299,7 @@ Fragment literalFragment(const Value& value, const Type& type) {
   result.magnitude = magnitudeOf(type);
   if (const auto* const number = std::get_if<std::int64_t>(&value)) {
     result.magnitude = std::fabs(static_cast<double>(*number));
-    result.literalDigits = static_cast<int>(std::to_string(*number < 0 ? -*number : *number).size());
+    result.literalDigits = static_cast<int>(std::to_string(*number).size()) - (*number < 0 ? 1 : 0);
   } else if (const auto* const exact = std::get_if<Exact>(&value)) {
     result.magnitude =
         exact->units.fitsInt64() ? std::fabs(static_cast<double>(exact->units.toInt64())) : magnitudeOf(type);
