@@ -15,7 +15,6 @@ namespace quillon::account {
 namespace {
 
 using testing::contentOf;
-using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using testing::TestFolder;
