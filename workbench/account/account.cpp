@@ -134,7 +134,7 @@ std::vector<std::string> leftoverWorkTables(tsql::Database& connection) {
 }
 
 std::vector<std::string> dropLeftoverWorkTables(tsql::Database& connection) {
-  const std::vector<std::string> names = leftoverWorkTables(connection);
+  std::vector<std::string> names = leftoverWorkTables(connection);
   for (const std::string& name : names)
     connection.execute("Drop Table [" + name + "]");
   return names;

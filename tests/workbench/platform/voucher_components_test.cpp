@@ -13,7 +13,6 @@ namespace quillon::workbench {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 // An account with one material issue of two lines, the first of them broken down, and the voucher it is posted to.
 class VoucherComponents : public testing::Test {
