@@ -213,7 +213,7 @@ void LedgerWriter::writeLedger(TableWriter& table, int number, const Line& line,
   const auto orderLineOf = [&](Line::OrderKind kind) { return when(line.orderKind == kind, line.orderLine); };
   using enum Line::OrderKind;
   const WorkCentre* centre = line.workCentre;
-  constexpr int operationStep = 10;
+  constexpr std::int64_t operationStep = 10;
 
   row_.clear();
   const auto add = [&](auto&&... values) { (row_.push_back(toValue(values)), ...); };
