@@ -1,5 +1,7 @@
 #include "workbench/account/stock.h"
 
+#include <stdexcept>
+
 namespace quillon::account {
 namespace {
 
@@ -13,6 +15,7 @@ void split(std::int64_t total, const std::vector<CostPart>& parts, Weight weight
   std::int64_t sum = 0;
   for (const CostPart& part : parts)
     cumulative.push_back(sum += weight(part));
+  if (sum == 0) throw std::logic_error("the weights of the parts add up to nothing");
   std::int64_t given = 0;
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const std::int64_t upToHere = share(total, cumulative[i], sum);

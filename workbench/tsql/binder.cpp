@@ -168,7 +168,7 @@ std::string Binder::addTable(const ObjectName& name, const std::string& alias, S
   }
   if (equalsIgnoringCase(name.name, "sysobjects")) {
     source.columns = sysobjectsColumns();
-    const std::string sql = "(" + Catalog::sysobjects(source.database) + ")" + as;
+    std::string sql = "(" + Catalog::sysobjects(source.database) + ")" + as;
     addSource(scope, std::move(source), name.place);
     return sql;
   }
@@ -526,6 +526,7 @@ BoundQuery Binder::setQuery(const Query& query, Scope* outer, Naming naming, con
   if (targets != nullptr) requireSameCount(result.columns.size(), targets->size(), query.place);
   for (std::size_t i = 0; i < result.columns.size(); ++i) {
     std::vector<Fragment> values;
+    values.reserve(leaves.size());
     for (const Core* leaf : leaves)
       values.push_back(settled(leaf->items[i]));
     OutputColumn& column = result.columns[i];

@@ -93,6 +93,7 @@ void requireGrouped(const Fragment& value, const Scope& scope, std::string_view 
 
 Type unify(std::vector<Fragment>& values) {
   std::vector<Operand> operands;
+  operands.reserve(values.size());
   for (const Fragment& value : values)
     operands.push_back(value.operand());
   const Type type = commonType(operands);
