@@ -88,7 +88,7 @@ std::string TokenReader::name() {
   if (!isNameAt(0)) syntaxError();
   if (peek().text.starts_with('@')) refuse("variables (" + peek().text + ")");
   const Token token = next();
-  const std::string result = token.kind == TokenKind::quotedName ? token.value : token.text;
+  std::string result = token.kind == TokenKind::quotedName ? token.value : token.text;
   if (result.empty()) {
     throw SqlError(1038, "An object or column name is missing or empty. Name each object and column.", token.line,
                    token.text);

@@ -219,7 +219,7 @@ Sources bindSources(const Statement& s, Binder& binder) {
   }
   for (const TableSource* part : parts) {
     std::string sql = binder.join(*part, result.scope);
-    if (part->left != nullptr) sql = "(" + sql + ")";
+    if (part->left != nullptr) sql.insert(0, "(").append(")");
     result.from += (result.from.empty() ? "" : ", ") + sql;
     if (part != target) result.others += (result.others.empty() ? "" : ", ") + sql;
   }
