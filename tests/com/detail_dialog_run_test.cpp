@@ -14,14 +14,12 @@
 #include "tests/com/com_scope.h"
 #include "tests/com/fake_platform.h"
 #include "tests/com/quillon_library.h"
+#include "tests/com/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {
 
-using Calls = std::vector<std::string>;
-
 constexpr CLSID filterControl = {0xb5857a26, 0x9af9, 0x40af, {0xba, 0x23, 0x3c, 0x32, 0xbc, 0x93, 0xcb, 0x5f}};
-constexpr HRESULT objectNotSet = static_cast<HRESULT>(0x800A005BU);  // Basic's error 91
 
 // How the account options are reached, from the dialog's login on.
 const Calls optionsOpened = {"Filter.Login",
@@ -35,11 +33,6 @@ const Calls optionsOpened = {"Filter.Login",
                              "new OrvPlatform.AccountOptions",
                              "Environment.FillAccountOptions(<AccountOptions>, <AccountLogin>, \"DetailResult\")",
                              "AccountOptions.CostingBasis"};
-
-Calls joined(Calls first, const Calls& second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
-}
 
 // What the chosen inventory is checked for: the batch (0) and free items by their number.
 std::function<std::vector<std::vector<Variant>>(const std::string& sql)> inventoryWith(const std::vector<int>& checks) {

@@ -11,11 +11,10 @@
 #include "tests/com/com_scope.h"
 #include "tests/com/fake_platform.h"
 #include "tests/com/quillon_library.h"
+#include "tests/com/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {
-
-using Calls = std::vector<std::string>;
 
 constexpr CLSID detailLedger = {0xccf4cf6e, 0xf448, 0x4a03, {0xbf, 0x9a, 0x7c, 0xea, 0x24, 0x00, 0x96, 0xaa}};
 constexpr CLSID business = {0xae3cc61b, 0xe0a2, 0x4f0d, {0xa9, 0x60, 0xc8, 0x20, 0x92, 0xc5, 0x03, 0x5e}};

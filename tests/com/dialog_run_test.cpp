@@ -14,33 +14,17 @@
 #include "tests/com/com_scope.h"
 #include "tests/com/fake_platform.h"
 #include "tests/com/quillon_library.h"
+#include "tests/com/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {
-
-using Calls = std::vector<std::string>;
 
 constexpr CLSID filterControl = {0x7ecd1526, 0x372f, 0x43c7, {0xbe, 0x9c, 0x59, 0x23, 0xa0, 0x79, 0x15, 0xca}};
 constexpr const char* outboundSummary = "E55F9D31-F4C3-44D2-BDEB-9F83A208CAEE";
 constexpr const char* receiptIssueBalance = "CA3BAD03-9D4C-463A-827E-E971D5A36C81";
 
-constexpr HRESULT objectNotSet = static_cast<HRESULT>(0x800A005BU);  // Basic's error 91
-
-// What every dialog starts with.
-const Calls connectionAndRights = {"new ADODB.Connection",
-                                   "Filter.Login",
-                                   "Connection.CursorLocation = 3",
-                                   "Login.OrvDbName",
-                                   "Connection.ConnectionString = \"Provider=Fake;Data Source=account\"",
-                                   "Connection.ConnectionTimeout = 0",
-                                   "Connection.CommandTimeout = 0",
-                                   "Connection.Open(\"\", \"\", \"\", -1)",
-                                   "new OrvPlatform.ResourceService",
-                                   "ResourceService.FormatText(<Login>, missing)",
-                                   "new IA_Pub.ClsIAPub",
-                                   "Login.AuthString = \"department=False,inventory=False,warehouse=False\"",
-                                   "Login.LanguageRegion",
-                                   "Filter.FilterId"};
+// How this dialog starts.
+const Calls dialogOpened = joined(connectionAndRights(), {"Login.LanguageRegion", "Filter.FilterId"});
 
 // The rows of the lists.
 std::vector<std::vector<Variant>> rowsOf(const std::string& sql) {
@@ -56,15 +40,6 @@ class DialogRun : public testing::Test {
  protected:
   LateBound control() const { return {library.create<IDispatch>(filterControl), "clsSFCFilterControl"}; }
 
-  // The calls on the dialog that change it.
-  static Calls changes(const Recorder& recorder) {
-    Calls told;
-    std::ranges::copy_if(recorder.calls, std::back_inserter(told), [](const std::string& call) {
-      return call.starts_with("Filter.Set") || (call.starts_with("Item.") && call.find(" = ") != std::string::npos);
-    });
-    return told;
-  }
-
   QuillonLibrary library;
 };
 
@@ -74,7 +49,7 @@ TEST_F(DialogRun, ADialogOfAnotherReportIsConnectedAndFreedOfDataRights) {
   FakePlatform platform(recorder);
   const ComPtr<FakeObject> dialog = platform.dialog("another", {{"iYear", "", ""}});
   EXPECT_EQ(control().get(L"CallBack_FilterInit", {dialog}).vt, VT_EMPTY);
-  EXPECT_EQ(recorder.calls, connectionAndRights);
+  EXPECT_EQ(recorder.calls, dialogOpened);
 }
 
 TEST_F(DialogRun, CallsThePlatformInOrder) {
@@ -84,7 +59,7 @@ TEST_F(DialogRun, CallsThePlatformInOrder) {
   platform.rows = rowsOf;
   control().call(L"CallBack_FilterInit",
                  {platform.dialog(outboundSummary, {{"iYear", "", ""}, {"cModal", "", ""}, {"iGrade", "", ""}})});
-  Calls expected = connectionAndRights;
+  Calls expected = dialogOpened;
   const Calls behind = {"Filter.FilterList",
                         "FilterList.Count",
                         "Filter.FilterList",

@@ -9,13 +9,10 @@
 #include "frame/automation_error.h"
 #include "tests/com/com_scope.h"
 #include "tests/com/fake_platform.h"
+#include "tests/com/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {
-
-using Calls = std::vector<std::string>;
-
-constexpr HRESULT objectNotSet = static_cast<HRESULT>(0x800A005BU);  // Basic's error 91
 
 class PlatformObjectsTest : public testing::Test {
  protected:

@@ -15,11 +15,10 @@
 #include "tests/com/com_scope.h"
 #include "tests/com/fake_platform.h"
 #include "tests/com/quillon_library.h"
+#include "tests/com/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {
-
-using Calls = std::vector<std::string>;
 
 constexpr CLSID sfcItem = {0xe518f10c, 0xf08e, 0x4684, {0xa4, 0x65, 0x50, 0xe6, 0x80, 0x8d, 0x03, 0x1e}};
 constexpr CLSID outsumItem = {0xfddec39e, 0xa286, 0x4e4a, {0x96, 0x77, 0x98, 0xf4, 0x68, 0x45, 0xfc, 0xa4}};

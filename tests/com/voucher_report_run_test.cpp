@@ -14,14 +14,12 @@
 #include "tests/com/com_scope.h"
 #include "tests/com/fake_platform.h"
 #include "tests/com/quillon_library.h"
+#include "tests/com/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {
 
-using Calls = std::vector<std::string>;
-
 constexpr CLSID voucherReport = {0xc16213bb, 0x4741, 0x47cf, {0x9e, 0xac, 0x1f, 0xca, 0xb4, 0x7e, 0x3e, 0x06}};
-constexpr HRESULT objectNotSet = static_cast<HRESULT>(0x800A005BU);  // Basic's error 91
 
 // Two voucher types of one flavour each, an accounting voucher, a batch, and a key that is a column of the ledger.
 const std::vector<FakeItem> filterOfTypes = {
