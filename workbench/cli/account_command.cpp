@@ -21,10 +21,6 @@ namespace quillon::workbench {
 
 namespace {
 
-std::string count(std::int64_t number) {
-  return groupedNumber(std::to_string(number), 0);
-}
-
 std::string month(int number) {
   return number == 0 ? "-" : std::to_string(number);
 }
@@ -32,10 +28,11 @@ std::string month(int number) {
 void makeSample(const std::string& file, const account::SampleOptions& options) {
   const bool terminal = errorsGoToTerminal();
   account::createSample(pathFromUtf8(file), options, [terminal](std::int64_t done, std::int64_t total) {
-    if (terminal) std::cerr << "\r\x1b[K" << count(done) << " of " << count(total) << " ledger lines" << std::flush;
+    if (terminal)
+      std::cerr << "\r\x1b[K" << groupedCount(done) << " of " << groupedCount(total) << " ledger lines" << std::flush;
   });
   if (terminal) std::cerr << "\r\x1b[K";
-  std::cout << "made " << file << " with " << count(options.rows) << " ledger lines\n";
+  std::cout << "made " << file << " with " << groupedCount(options.rows) << " ledger lines\n";
 }
 
 void showInfo(const std::string& source) {
@@ -49,13 +46,13 @@ void showInfo(const std::string& source) {
                               {"ledger lines", Align::right}});
   for (const account::YearInfo& year : info.years) {
     years.row({std::to_string(year.year), month(year.costItemStartMonth), std::to_string(year.settledMonths),
-               count(year.ledgerLines)});
+               groupedCount(year.ledgerLines)});
   }
   years.finish();
   std::cout << '\n';
   TextTable tables(std::cout, {{"table"}, {"rows", Align::right}});
   for (const auto& table : info.tables)
-    tables.row({table.name, count(table.rows)});
+    tables.row({table.name, groupedCount(table.rows)});
   tables.finish();
   const auto left = account::leftoverWorkTables(*connection);
   if (left.empty()) return;
@@ -83,7 +80,7 @@ bool checkAccount(const std::string& source, std::ostream& out) {
   }
   TextTable table(out, {{"table"}, {"key"}, {"rows", Align::right}, {"reports"}});
   for (const account::BrokenKey& key : broken)
-    table.row({key.table, key.key, count(key.rows), key.reports});
+    table.row({key.table, key.key, groupedCount(key.rows), key.reports});
   table.finish();
   out << "\nThese reports count a ledger line that names such a key once for each of its rows; leave one row a key.\n";
   return false;

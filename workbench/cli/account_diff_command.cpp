@@ -15,10 +15,6 @@ namespace {
 
 using account::RowDifference;
 
-std::string count(std::int64_t number) {
-  return groupedNumber(std::to_string(number), 0);
-}
-
 void writeRow(std::ostream& out, const RowDifference& row) {
   if (row.kind == RowDifference::Kind::onlyInFirst) out << "only in the first: ";
   if (row.kind == RowDifference::Kind::onlyInSecond) out << "only in the second: ";
@@ -39,8 +35,8 @@ void writeRow(std::ostream& out, const RowDifference& row) {
 }
 
 void writeTable(std::ostream& out, const account::TableComparison& table) {
-  out << table.table << ": " << count(table.onlyInFirst) << " only in the first, " << count(table.onlyInSecond)
-      << " only in the second, " << count(table.changed) << " changed\n";
+  out << table.table << ": " << groupedCount(table.onlyInFirst) << " only in the first, "
+      << groupedCount(table.onlyInSecond) << " only in the second, " << groupedCount(table.changed) << " changed\n";
   for (const std::string& difference : table.structure)
     out << "  " << difference << '\n';
   for (const RowDifference& row : table.shown) {
@@ -50,7 +46,7 @@ void writeTable(std::ostream& out, const account::TableComparison& table) {
   }
   const std::int64_t more =
       table.onlyInFirst + table.onlyInSecond + table.changed - static_cast<std::int64_t>(table.shown.size());
-  if (more > 0) out << "  and " << count(more) << " more\n";
+  if (more > 0) out << "  and " << groupedCount(more) << " more\n";
 }
 
 }  // namespace
@@ -68,12 +64,12 @@ bool diffAccounts(const std::string& first, const std::string& second, std::size
     ++different;
     writeTable(out, table);
   }
-  const std::string all = count(static_cast<std::int64_t>(tables.size()));
+  const std::string all = groupedCount(static_cast<std::int64_t>(tables.size()));
   if (tables.empty()) throw CommandError("neither source has a table of an account; name two accounts");
   if (different == 0) {
-    out << "equal: " << all << " tables, " << count(rows) << " rows\n";
+    out << "equal: " << all << " tables, " << groupedCount(rows) << " rows\n";
   } else {
-    out << "different: " << count(different) << " of " << all << " tables\n";
+    out << "different: " << groupedCount(different) << " of " << all << " tables\n";
   }
   return different == 0;
 }

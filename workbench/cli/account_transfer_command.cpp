@@ -17,8 +17,7 @@ namespace quillon::workbench {
 namespace {
 
 std::string described(const account::TransferCounts& counts) {
-  return groupedNumber(std::to_string(counts.tables), 0) + " tables with " +
-         groupedNumber(std::to_string(counts.rows), 0) + " rows";
+  return groupedCount(counts.tables) + " tables with " + groupedCount(counts.rows) + " rows";
 }
 
 void exportTo(const std::string& source, const std::string& folder) {

@@ -9,10 +9,6 @@ namespace quillon::workbench {
 
 namespace {
 
-std::string count(std::int64_t number) {
-  return groupedNumber(std::to_string(number), 0);
-}
-
 bool sameColumns(std::span<const tsql::Column> first, std::span<const tsql::Column> second) {
   return std::ranges::equal(first, second, [](const tsql::Column& one, const tsql::Column& two) {
     return one.name == two.name && one.type == two.type;
@@ -72,7 +68,7 @@ bool compareResults(tsql::Cursor& first, tsql::Cursor& second, std::int64_t show
     secondRows += two ? 1 : 0;
     if (one && two && sameRow(first, second)) continue;
     if (++different > shown) continue;
-    out << "row " << count(std::max(firstRows, secondRows))
+    out << "row " << groupedCount(std::max(firstRows, secondRows))
         << (one && two ? ": "
             : one      ? ", only in the first: "
                        : ", only in the second: ");
@@ -83,12 +79,12 @@ bool compareResults(tsql::Cursor& first, tsql::Cursor& second, std::int64_t show
     }
     out << '\n';
   }
-  if (different > shown) out << "and " << count(different - shown) << " more\n";
+  if (different > shown) out << "and " << groupedCount(different - shown) << " more\n";
   if (different == 0) {
-    out << "equal: " << count(firstRows) << " rows of " << first.columns().size() << " columns\n";
+    out << "equal: " << groupedCount(firstRows) << " rows of " << first.columns().size() << " columns\n";
   } else {
-    out << "different: " << count(different) << " rows; the first source has " << count(firstRows)
-        << " rows, the second " << count(secondRows) << '\n';
+    out << "different: " << groupedCount(different) << " rows; the first source has " << groupedCount(firstRows)
+        << " rows, the second " << groupedCount(secondRows) << '\n';
   }
   return different == 0;
 }

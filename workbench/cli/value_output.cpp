@@ -99,6 +99,10 @@ std::string groupedNumber(std::string_view text, int decimals) {
   return result;
 }
 
+std::string groupedCount(std::int64_t number) {
+  return groupedNumber(std::to_string(number), 0);
+}
+
 std::string plainText(const tsql::Value& value, std::string_view null) {
   if (tsql::isNull(value)) return std::string(null);
   if (const auto* real = std::get_if<double>(&value)) return shortestReal(*real);

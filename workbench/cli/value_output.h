@@ -1,6 +1,7 @@
 // Values of the engine as text for people and for programs.
 #pragma once
 
+#include <cstdint>
 #include <ostream>
 #include <span>
 #include <string>
@@ -24,6 +25,8 @@ void writeJsonColumns(std::ostream& out, std::span<const tsql::Column> columns);
 // The exact number `text` ("-1234.5678", as tsql::toText gives it) rounded to `decimals` places, half away from zero,
 // with a comma between each three digits: "-1,234.57". A zero has no sign.
 std::string groupedNumber(std::string_view text, int decimals);
+// A count of rows or the like: "138,896".
+std::string groupedCount(std::int64_t number);
 
 // `value` for a reader: null is `null`, a date without time of day is the date alone, numbers have all their decimals.
 std::string plainText(const tsql::Value& value, std::string_view null);
