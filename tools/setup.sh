@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what a bare Debian 12 needs to build and test Quillon: compilers for Linux and Win32, Wine, the
-# libraries of the workbench, and the sources of SQLite and libxlsxwriter. Safe to run again: it only does what is missing, and says so.
+# Installs what a bare Debian 12 needs to build and test Quillon: compilers for Linux and Win32, Wine, what
+# checks and packs, the libraries of the workbench, and the sources of SQLite and libxlsxwriter. Safe to run again: it only does what is missing, and says so.
 # Runs as root or through sudo. Everything else goes to .deps/ in the checkout.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -31,6 +31,8 @@ native_packages=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   nlohmann-json3-dev libcli11-dev zlib1g-dev libz-mingw-w64-dev
   unixodbc-dev tdsodbc
+  clang libclang-rt-14-dev valgrind libc6-dbg gcovr
+  nsis dpkg-dev
   g++-mingw-w64-i686-posix mingw-w64-tools
 )
 wine_packages=(wine wine32:i386 libwine:i386 libwine-dev)
