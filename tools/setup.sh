@@ -31,7 +31,7 @@ native_packages=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   nlohmann-json3-dev libcli11-dev zlib1g-dev libz-mingw-w64-dev
   unixodbc-dev tdsodbc
-  clang libclang-rt-14-dev valgrind libc6-dbg gcovr
+  clang libclang-rt-14-dev valgrind libc6-dbg gcovr python3
   nsis dpkg-dev
   g++-mingw-w64-i686-posix mingw-w64-tools
 )
