@@ -26,10 +26,13 @@ inline std::string lower(std::string text) {
 inline std::vector<Line> linesOf(tsql::Connection& account, const std::string& query) {
   std::vector<Line> lines;
   const auto cursor = account.query(query);
+  std::vector<std::string> names;
+  for (const tsql::Column& column : cursor->columns())
+    names.push_back(lower(column.name));
   while (cursor->next()) {
     Line line;
-    for (std::size_t i = 0; i < cursor->columns().size(); ++i)
-      line[lower(cursor->columns()[i].name)] = tsql::toText(cursor->value(i));
+    for (std::size_t i = 0; i < names.size(); ++i)
+      line[names[i]] = tsql::toText(cursor->value(i));
     lines.push_back(std::move(line));
   }
   return lines;

@@ -268,6 +268,9 @@ class Ledger {
     account_ = tsql::Connection::open(file_.path(), tsql::OpenMode::existing);
     lines_ = tables::linesOf(*account_, "Select * From ia_subsidiary");
     enteredLines_ = tables::linesOf(*account_, "Select * From IA_Subsidiary_QC");
+    for (const Line& line : lines_) {
+      if (belongs(line)) linesOfSubjects_[{*line.at("cinvcode"), placeOf(line)}].push_back(&line);
+    }
     parts_ = byLine("ia_subsidiary_Item", "isubid");
     enteredParts_ = byLine("IA_Subsidiary_QC_Item", "isubqcid");
     for (const Line& inventory : tables::linesOf(*account_, "Select * From Inventory"))
@@ -376,9 +379,10 @@ class Ledger {
     std::vector<Row> rows;
     const int from = setup_.costItemStartMonth;
     const auto before = [&](const Line& line) { return dayOf(line) < range.startDate; };
+    const std::vector<const Line*>& lines = linesOf(subject);
 
     Balances openings;
-    for (const Line* line : linesOf(subject)) {
+    for (const Line* line : lines) {
       const int month = monthOf(*line);
       const bool counts = splitOpening() ? before(*line) && month >= from : before(*line) || month == 0;
       if (!counts) continue;
@@ -387,7 +391,7 @@ class Ledger {
     if (splitOpening()) addEntered(subject, openings, true, true);
     openings.appendTo(rows, opening, 0);
 
-    for (const Line* line : linesOf(subject)) {
+    for (const Line* line : lines) {
       const std::string date = dayOf(*line);
       if (date < range.startDate || date > range.endDate || monthOf(*line) < range.startPeriod) continue;
       appendMovement(*line, rows);
@@ -395,7 +399,7 @@ class Ledger {
 
     for (int month = range.startPeriod; month <= range.endPeriod; ++month) {
       Balances balances;
-      for (const Line* line : linesOf(subject)) {
+      for (const Line* line : lines) {
         const bool counts = month < range.endPeriod ? monthOf(*line) <= month : dayOf(*line) <= range.endDate;
         if (!counts) continue;
         // Cost items count from their start on; the inventory as a whole from the start of the year.
@@ -515,12 +519,8 @@ class Ledger {
   bool isOf(const Line& line, const Subject& subject) const {
     return belongs(line) && line.at("cinvcode") == subject.inventory && placeOf(line) == subject.place;
   }
-  std::vector<const Line*> linesOf(const Subject& subject) const {
-    std::vector<const Line*> found;
-    for (const Line& line : lines_) {
-      if (isOf(line, subject)) found.push_back(&line);
-    }
-    return found;
+  const std::vector<const Line*>& linesOf(const Subject& subject) const {
+    return linesOfSubjects_.at({subject.inventory, subject.place});
   }
 
   std::string stockOf(const Line& line) const { return stockOf(line, inventory(*line.at("cinvcode"))); }
@@ -529,6 +529,7 @@ class Ledger {
   workbench::test::TemporaryFile file_;
   std::unique_ptr<tsql::Connection> account_;
   std::vector<Line> lines_;
+  std::map<std::pair<std::string, std::string>, std::vector<const Line*>> linesOfSubjects_;  // by inventory and place
   std::vector<Line> enteredLines_;
   Parts parts_;
   Parts enteredParts_;
@@ -557,7 +558,15 @@ const std::array cases{
 
 class FxDetailRows : public testing::TestWithParam<Case> {
  protected:
-  Ledger ledger_{GetParam().setup};
+  // The account of a case is made once, for all tests; no test changes it.
+  static Ledger& ledgerOf(const Case& of) {
+    static std::map<std::string, std::unique_ptr<Ledger>> ledgers;
+    std::unique_ptr<Ledger>& ledger = ledgers[of.name];
+    if (!ledger) ledger = std::make_unique<Ledger>(of.setup);
+    return *ledger;
+  }
+
+  Ledger& ledger_ = ledgerOf(GetParam());
 };
 
 TEST_P(FxDetailRows, AgreeWithTheLedgerTables) {
@@ -750,7 +759,7 @@ TEST_P(FxDetailRows, KeepToTheBatchAndFreeItemOfTheFilter) {
 TEST_P(FxDetailRows, OfAnImpossibleRangeAreNone) {
   const Subject subject = ledger_.subjects().front();
   ledger_.run(subject, {"2025-01-01", "", 0, 0, "", ""});
-  const auto rows = ledger_.account().query(std::string("Select * From ") + resultTable);
+  auto rows = ledger_.account().query(std::string("Select * From ") + resultTable);
   std::vector<std::string> columns;
   for (const tsql::Column& column : rows->columns())
     columns.push_back(column.name);
@@ -760,6 +769,8 @@ TEST_P(FxDetailRows, OfAnImpossibleRangeAreNone) {
   EXPECT_THAT(columns,
               testing::IsSupersetOf({"id", "datatype", "cDepCode", "cwhname", "cbatchia", "cfxCode", "cName"}));
   EXPECT_THAT(columns, testing::Not(testing::Contains("RowNo")));
+  rows.reset();
+  ledger_.account().execute(std::string("Drop Table ") + resultTable);
 }
 
 INSTANTIATE_TEST_SUITE_P(Accounts, FxDetailRows, testing::ValuesIn(cases),
