@@ -20,3 +20,9 @@ if(QUILLON_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
 endif()
+
+if(QUILLON_COVERAGE)
+  # The project's own code only: what the libraries do is counted nowhere.
+  target_compile_options(quillon_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(quillon_options INTERFACE --coverage)
+endif()

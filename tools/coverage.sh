@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Counts the lines of the project's own code that its tests run, natively and under Wine together, and holds them against
+# the least share that each folder has to reach. Reports: build/coverage.txt (a line a file, with the lines that no test
+# runs). Takes two builds of its own, which is why ./test.sh does without it.
+#
+#   tools/coverage.sh
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+declare -A least=([frame]=95 [reports]=95 [filters]=95 [workbench]=85)
+
+tools/setup.sh
+for preset in coverage coverage-win32; do
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset" -- --quiet
+  find "build/$preset" -name '*.gcda' -delete
+  ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error --progress
+done
+
+counts() { # PRESET GCOV: what was counted, in build/PRESET.json
+  gcovr --root . --object-directory "build/$1" --gcov-executable "$2" --json "build/$1.json" \
+    --filter '(frame|reports|filters|workbench)/' "build/$1"
+}
+counts coverage gcov
+counts coverage-win32 i686-w64-mingw32-gcov-posix
+
+together() { gcovr --root . -a build/coverage.json -a build/coverage-win32.json "$@"; }
+together --output build/coverage.txt
+status=0
+for folder in frame reports filters workbench; do
+  if counted=$(together --filter "$folder/" --print-summary --fail-under-line "${least[$folder]}" --output /dev/null 2>/dev/null); then
+    verdict=pass
+  else
+    verdict=FAIL status=1
+  fi
+  printf '%s %s/ has to reach %s %%; %s\n' "$verdict" "$folder" "${least[$folder]}" "$(grep '^lines' <<<"$counted")"
+done
+exit "$status"
