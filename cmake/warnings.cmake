@@ -8,8 +8,9 @@ if(WIN32)
   target_compile_options(quillon_options INTERFACE -Wno-restrict)
   target_compile_definitions(quillon_options INTERFACE UNICODE _UNICODE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX
                                                        WIN32_LEAN_AND_MEAN)
-  # The entry points of a COM server are stdcall and exported without that calling convention's "@n".
-  target_link_options(quillon_options INTERFACE -Wl,--enable-stdcall-fixup)
+  # The entry points of a COM server are stdcall and exported without that calling convention's "@n"; and the same sources
+  # give the same file, without the time of day in it.
+  target_link_options(quillon_options INTERFACE -Wl,--enable-stdcall-fixup -Wl,--no-insert-timestamp)
 endif()
 
 if(QUILLON_SANITIZE)

@@ -32,7 +32,7 @@ native_packages=(
   nlohmann-json3-dev libcli11-dev zlib1g-dev libz-mingw-w64-dev
   unixodbc-dev tdsodbc
   clang libclang-rt-14-dev valgrind libc6-dbg gcovr python3
-  nsis dpkg-dev
+  nsis dpkg-dev zip unzip faketime
   g++-mingw-w64-i686-posix mingw-w64-tools
 )
 wine_packages=(wine wine32:i386 libwine:i386 libwine-dev)

@@ -33,6 +33,7 @@ int run(std::vector<std::string> arguments) {
   // Under Wine a path may begin with a slash; it is not an option.
   app.allow_windows_style_options(false);
   app.require_subcommand(1);
+  app.set_version_flag("--version", "quillon " QUILLON_VERSION);
   quillon::workbench::addAccountCommand(app);
   quillon::workbench::addDialogCommand(app);
   quillon::workbench::addDrillCommand(app);
