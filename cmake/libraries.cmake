@@ -11,7 +11,7 @@ target_compile_definitions(sqlite3 PRIVATE SQLITE_THREADSAFE=2 SQLITE_DQS=0 SQLI
                                            SQLITE_OMIT_LOAD_EXTENSION SQLITE_OMIT_DEPRECATED SQLITE_LIKE_DOESNT_MATCH_BLOBS
                                            SQLITE_MAX_EXPR_DEPTH=10000)
 target_compile_options(sqlite3 PRIVATE -O2 -w)
-if(QUILLON_SANITIZE)
+if(QUILLON_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12's check of object sizes mistakes an element of one of two arrays, chosen by a condition, for one past the end.
   target_compile_options(sqlite3 PRIVATE -fno-sanitize=object-size)
 endif()

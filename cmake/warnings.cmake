@@ -16,7 +16,9 @@ endif()
 if(QUILLON_SANITIZE)
   # What the sanitizers add to the code makes GCC 12 take std::variant's storage for uninitialised; the native build
   # keeps that warning.
-  target_compile_options(quillon_options INTERFACE -Wno-maybe-uninitialized)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(quillon_options INTERFACE -Wno-maybe-uninitialized)
+  endif()
   # Applied to everything, SQLite and GoogleTest included, so that memory is tracked across the seams.
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
@@ -26,4 +28,10 @@ if(QUILLON_COVERAGE)
   # The project's own code only: what the libraries do is counted nowhere.
   target_compile_options(quillon_options INTERFACE --coverage -fprofile-update=atomic)
   target_link_options(quillon_options INTERFACE --coverage)
+endif()
+
+option(QUILLON_FUZZ "Build the fuzzers of tests/fuzz, with clang's libFuzzer" OFF)
+if(QUILLON_FUZZ)
+  # All of the code tells the fuzzer which way an input took through it; the fuzzers themselves add libFuzzer's main.
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()

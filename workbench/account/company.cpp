@@ -186,7 +186,6 @@ constexpr CostItem costItems[] = {
     {"CI15", "采购装卸费", "040102", purchaseCost, false}, {"CI16", "进口关税", "040201", purchaseCost, false},
     {"CI17", "运输保险费", "040202", purchaseCost, false}, {"CI18", "委外加工费", "05", subcontracting, true},
 };
-constexpr int costItemCount = static_cast<int>(std::size(costItems));
 
 struct Expense {
   int costItem;  // from 1

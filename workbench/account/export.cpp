@@ -5,9 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/account/csv.h"
 #include "workbench/account/partial_file.h"
-#include "workbench/account/table_rows.h"
+#include "workbench/account/table_csv.h"
 #include "workbench/account/transfer.h"
 #include "workbench/account/transfer_files.h"
 #include "workbench/tsql/stored_schema.h"
@@ -71,30 +70,6 @@ void writeSchema(std::ostream& out, const tsql::StoredSchema& schema) {
     out << createStatement(code) << ";\n";
 }
 
-std::int64_t writeRows(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table) {
-  constexpr std::string_view lineEnd = "\r\n";
-  std::string line;
-  const auto separate = [&line](std::size_t column) {
-    if (column > 0) line += ',';
-  };
-  for (std::size_t i = 0; i < table.columns.size(); ++i) {
-    separate(i);
-    appendCsv(line, table.columns[i].name);
-  }
-  out << line << lineEnd;
-  std::int64_t rows = 0;
-  const std::unique_ptr<tsql::Cursor> cursor = connection.query(selectAllRows(table));
-  for (; out && cursor->next(); ++rows) {
-    line.clear();
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-      separate(i);
-      appendCsv(line, tsql::toText(cursor->value(i)));
-    }
-    out << line << lineEnd;
-  }
-  return rows;
-}
-
 }  // namespace
 
 std::string csvFileName(const tsql::Table& table) {
@@ -118,7 +93,7 @@ TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem
   const tsql::StoredSchema schema = storedSchema(connection);
   for (const tsql::StoredTable& table : schema.tables) {
     writeFile(target.add(csvFileName(table)),
-              [&](std::ostream& out) { counts.rows += writeRows(out, connection, table); });
+              [&](std::ostream& out) { counts.rows += writeTable(out, connection, table); });
     ++counts.tables;
   }
   // Last, as the mark that nothing is missing.

@@ -1,0 +1,184 @@
+#include "workbench/account/table_csv.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "workbench/account/account_error.h"
+#include "workbench/account/csv.h"
+#include "workbench/account/table_rows.h"
+#include "workbench/account/text_values.h"
+#include "workbench/tsql/lexer.h"
+
+namespace quillon::account {
+
+namespace {
+
+class TableReader {
+ public:
+  TableReader(std::istream& in, const std::string& fileName, const tsql::StoredTable& table)
+      : fileName_(fileName), table_(table), reader_(in) {}
+
+  // Writes the rows to the table; gives their number.
+  std::int64_t read(tsql::Connection& connection) {
+    try {
+      readHeader();
+      return readRows(connection);
+    } catch (const CsvError& error) {
+      refuse(error.line(), error.field(), error.what());
+    }
+  }
+
+ private:
+  [[noreturn]] void refuse(std::int64_t line, std::size_t field, const std::string& message) const {
+    std::string place = ", line " + std::to_string(line) + ", column " + std::to_string(field + 1);
+    if (field < columns_.size()) place += " (" + columns_[field]->name + ")";
+    throw AccountError(fileName_ + place + ": " + message);
+  }
+
+  void readHeader() {
+    if (!reader_.next()) refuse(1, 0, "the file is empty; begin it with the names of the table's columns");
+    std::vector<const tsql::TableColumn*> columns;
+    for (const CsvField& field : reader_.fields()) {
+      try {
+        requireUtf8(field.text);
+      } catch (const ValueError& error) {
+        refuse(field.line, columns.size(), error.what());
+      }
+      const int place = table_.find(field.text);
+      if (place < 0) {
+        refuse(
+            field.line, columns.size(),
+            "the table has no column " + quotedForMessage(field.text) + "; correct the name, or add it in schema.sql");
+      }
+      const tsql::TableColumn* const column = &table_.columns[static_cast<std::size_t>(place)];
+      if (std::ranges::find(columns, column) != columns.end())
+        refuse(field.line, columns.size(), "the column " + column->name + " stands here twice; leave one");
+      columns.push_back(column);
+    }
+    for (const tsql::TableColumn& column : table_.columns) {
+      if (std::ranges::find(columns, &column) == columns.end())
+        refuse(1, columns.size(), "the column " + column.name + " is missing; add it, empty where it has no value");
+    }
+    columns_ = std::move(columns);
+  }
+
+  std::int64_t readRows(tsql::Connection& connection) {
+    std::vector<std::string> names;
+    for (const tsql::TableColumn* column : columns_)
+      names.push_back(column->name);
+    const auto writer = connection.bulkWriter(tsql::writtenName(table_.database, table_.name), names);
+    std::vector<tsql::Value> row(columns_.size());
+    std::int64_t rows = 0;
+    for (; reader_.next(); ++rows) {
+      requireFieldForEachColumn();
+      for (std::size_t i = 0; i < columns_.size(); ++i)
+        row[i] = value(i);
+      write(*writer, row);
+    }
+    return rows;
+  }
+
+  void requireFieldForEachColumn() const {
+    const std::span<const CsvField> fields = reader_.fields();
+    const std::string wanted = std::to_string(columns_.size());
+    if (fields.size() < columns_.size()) {
+      refuse(fields.back().line, fields.size(),
+             "the line ends before this column; give it " + wanted + " values, empty ones for NULL");
+    }
+    if (fields.size() > columns_.size()) {
+      refuse(fields[columns_.size()].line, columns_.size(),
+             "the line goes on behind its " + wanted + " values; put a value that holds a comma in quotes");
+    }
+  }
+
+  tsql::Value value(std::size_t place) const {
+    const CsvField& field = reader_.fields()[place];
+    const tsql::TableColumn& column = *columns_[place];
+    if (field.text.empty() && !field.quoted) {
+      if (column.notNull)
+        refuse(field.line, place, "the column must have a value; write one, or \"\" for an empty text");
+      return {};
+    }
+    try {
+      return valueFromText(field.text, column);
+    } catch (const ValueError& error) {
+      refuse(field.line, place, error.what());
+    }
+  }
+
+  void write(tsql::BulkWriter& writer, const std::vector<tsql::Value>& row) const {
+    try {
+      writer.write(row);
+    } catch (const tsql::SqlError& error) {
+      constexpr int brokenPrimaryKey = 2627, brokenUniqueKey = 2601;
+      if (error.number() == brokenPrimaryKey) refuseKey(table_.primaryKey());
+      if (error.number() == brokenUniqueKey) refuseKey(uniqueKey(error.token()));
+      throw;
+    }
+  }
+
+  // The unique key that begins with `column`.
+  std::vector<std::string> uniqueKey(const std::string& column) const {
+    for (const tsql::KeyDefinition& key : table_.keys) {
+      if (!key.primary && tsql::equalsIgnoringCase(key.columns.front(), column)) return key.columns;
+    }
+    for (const tsql::StoredIndex& index : table_.indexes) {
+      if (index.unique && tsql::equalsIgnoringCase(index.columns.front(), column)) return index.columns;
+    }
+    return {column};
+  }
+
+  [[noreturn]] void refuseKey(const std::vector<std::string>& key) const {
+    std::string shown;
+    std::optional<std::size_t> first;
+    for (const std::string& name : key) {
+      const auto place = static_cast<std::size_t>(
+          std::ranges::find_if(columns_,
+                               [&](const auto* column) { return tsql::equalsIgnoringCase(column->name, name); }) -
+          columns_.begin());
+      if (!first) first = place;
+      shown += (shown.empty() ? "" : ", ") + name + " = " + quotedForMessage(reader_.fields()[place].text);
+    }
+    refuse(reader_.fields()[*first].line, *first, "another row has the key " + shown + " already; leave one of them");
+  }
+
+  const std::string& fileName_;
+  const tsql::StoredTable& table_;
+  CsvReader reader_;
+  std::vector<const tsql::TableColumn*> columns_;  // in the file's order; empty while the header is read
+};
+
+}  // namespace
+
+std::int64_t writeTable(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table) {
+  constexpr std::string_view lineEnd = "\r\n";
+  std::string line;
+  const auto separate = [&line](std::size_t column) {
+    if (column > 0) line += ',';
+  };
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    separate(i);
+    appendCsv(line, table.columns[i].name);
+  }
+  out << line << lineEnd;
+  std::int64_t rows = 0;
+  const std::unique_ptr<tsql::Cursor> cursor = connection.query(selectAllRows(table));
+  for (; out && cursor->next(); ++rows) {
+    line.clear();
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+      separate(i);
+      appendCsv(line, tsql::toText(cursor->value(i)));
+    }
+    out << line << lineEnd;
+  }
+  return rows;
+}
+
+std::int64_t readTable(std::istream& in, const std::string& fileName, const tsql::StoredTable& table,
+                       tsql::Connection& connection) {
+  return TableReader(in, fileName, table).read(connection);
+}
+
+}  // namespace quillon::account
