@@ -71,6 +71,25 @@ auto located(const Expression& expression, Action action) {
   }
 }
 
+void requireAggregatesAllowed(const Scope& scope, const Expression& expression) {
+  if (scope.aggregatesAllowed) return;
+  throw SqlError(
+      147,
+      "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING clause or "
+      "a select list, and the column being aggregated is an outer reference.",
+      expression.place.line, expression.place.token);
+}
+
+// The scope that an aggregate belongs to: that of its columns, which may be one around the query that it is written in.
+const Scope& scopeOfAggregate(const Fragment& argument, const Scope& written) {
+  const Scope* scope = &written;
+  if (argument.bare.empty()) return *scope;
+  while (scope->parent != nullptr &&
+         std::ranges::none_of(argument.bare, [scope](const BareColumn& bare) { return bare.scope == scope; }))
+    scope = scope->parent;
+  return *scope;
+}
+
 }  // namespace
 
 bool containsAggregate(const Expression& expression) {
@@ -276,13 +295,7 @@ Fragment Binder::function(const Expression& expression, Scope& scope) {
 }
 
 Fragment Binder::aggregateCall(const std::string& name, const Expression& expression, Scope& scope) {
-  if (!scope.aggregatesAllowed) {
-    throw SqlError(
-        147,
-        "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING clause or "
-        "a select list, and the column being aggregated is an outer reference.",
-        expression.place.line, expression.place.token);
-  }
+  requireAggregatesAllowed(scope, expression);
   if (scope.inAggregate) {
     throw SqlError(130, "Cannot perform an aggregate function on an expression containing an aggregate or a subquery.",
                    expression.place.line, expression.place.token);
@@ -302,6 +315,7 @@ Fragment Binder::aggregateCall(const std::string& name, const Expression& expres
     scope.inAggregate = true;
     const Fragment argument = value(*expression.operands[0], scope);
     scope.inAggregate = false;
+    requireAggregatesAllowed(scopeOfAggregate(argument, scope), expression);
     result = aggregate(name, argument, expression.distinct, exactSums_);
     // Columns under an aggregate need not be grouped.
     for (const BareColumn& bare : argument.bare) {

@@ -71,6 +71,17 @@ void TokenReader::refuse(const std::string& construct) const {
                  peek().line, peek().text);
 }
 
+void TokenReader::countLink() {
+  if (++links_ > mostLinks) refuseDepth();
+}
+
+void TokenReader::refuseDepth() const {
+  throw SqlError(191,
+                 "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller "
+                 "queries.",
+                 peek().line, peek().text);
+}
+
 std::string TokenReader::upper(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(),
@@ -251,8 +262,8 @@ ExpressionPtr ExpressionParser::make(ExpressionKind kind) const {
   return result;
 }
 
-ExpressionPtr ExpressionParser::binary(ExpressionKind kind, const Token& op, ExpressionPtr left,
-                                       ExpressionPtr right) const {
+ExpressionPtr ExpressionParser::binary(ExpressionKind kind, const Token& op, ExpressionPtr left, ExpressionPtr right) {
+  countLink();
   auto result = std::make_unique<Expression>();
   result->kind = kind;
   result->place = {op.line, op.text};
@@ -313,6 +324,7 @@ ExpressionPtr ExpressionParser::conjunction() {
 
 ExpressionPtr ExpressionParser::negation() {
   if (!isWord("not")) return predicate();
+  const Level level(*this);
   ExpressionPtr result = make(ExpressionKind::logicalNot);
   next();
   result->operands.push_back(negation());
@@ -419,6 +431,7 @@ ExpressionPtr ExpressionParser::product() {
 }
 
 ExpressionPtr ExpressionParser::unary() {
+  const Level level(*this);
   if (isSymbol("~")) refuse("the operator ~");
   if (acceptSymbol("+")) {
     ExpressionPtr operand = unary();

@@ -296,6 +296,9 @@ class Lexer {
     } else if (c == '[' || c == '"') {
       token.kind = TokenKind::quotedName;
       token.value = quoted(c == '[' ? ']' : '"');
+      // SQLite's statements end at a zero character.
+      if (token.value.find('\0') != std::string::npos)
+        throw SqlError(102, "Incorrect syntax: a name cannot hold a zero character.", token.line);
     } else if (isDigit(c) || (c == '.' && isDigit(at(1)))) {
       token.kind = number();
     } else if (c == '$' && (isDigit(at(1)) || at(1) == '.')) {

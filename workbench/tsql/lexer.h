@@ -32,7 +32,7 @@ struct Token {
 };
 
 // The tokens of a batch, the last one of kind `end`. Throws SqlError 105 (unclosed quotation mark), 113 (unclosed
-// comment), 102 (a character that begins nothing).
+// comment), 102 (a character that begins nothing, a name that holds a zero character).
 std::vector<Token> tokenize(std::string_view batch);
 
 // Whether an unquoted word is reserved, so that it cannot be a name.

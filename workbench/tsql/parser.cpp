@@ -52,6 +52,8 @@ class StatementParser : public QueryParser {
   }
 
   StatementPtr statement() {
+    const Level level(*this);
+    beginStatement();
     auto result = std::make_unique<Statement>();
     result->place = place();
     result->begin = peek().begin;

@@ -52,10 +52,37 @@ class TokenReader {
   [[noreturn]] void refuse(const std::string& construct) const;
   static std::string upper(std::string_view text);
 
+  // Statements are trees, and whoever walks one goes as deep as it is. What makes a tree deeper is counted here, so that
+  // no text can use up the stack: Level stands for a bracket, a sub-query, a sign, a NOT or a block around what is read
+  // while it lives; countLink() for an operator, a join or a set operation that stands in a chain. Both throw SqlError
+  // 191 when there are too many.
+  class Level {
+   public:
+    explicit Level(TokenReader& reader) : reader_(reader) {
+      if (reader_.levels_ == mostLevels) reader_.refuseDepth();
+      ++reader_.levels_;
+    }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+    ~Level() { --reader_.levels_; }
+
+   private:
+    TokenReader& reader_;
+  };
+  void countLink();
+  void beginStatement() { links_ = 0; }
+
  private:
+  static constexpr int mostLevels = 250;  // at once
+  static constexpr int mostLinks = 2500;  // of a statement
+
+  [[noreturn]] void refuseDepth() const;
+
   std::string_view batch_;
   std::vector<Token> tokens_;
   std::size_t position_ = 0;
+  int levels_ = 0;
+  int links_ = 0;
 };
 
 class ExpressionParser : public TokenReader {
@@ -70,7 +97,7 @@ class ExpressionParser : public TokenReader {
 
  private:
   ExpressionPtr make(ExpressionKind kind) const;
-  ExpressionPtr binary(ExpressionKind kind, const Token& op, ExpressionPtr left, ExpressionPtr right) const;
+  ExpressionPtr binary(ExpressionKind kind, const Token& op, ExpressionPtr left, ExpressionPtr right);
   ExpressionPtr disjunction();
   ExpressionPtr conjunction();
   ExpressionPtr negation();

@@ -35,6 +35,7 @@ QueryPtr QueryParser::unionTree() {
   for (;;) {
     const bool isUnion = isWord("union");
     if (!isUnion && !isWord("except")) return left;
+    countLink();
     auto node = std::make_unique<Query>();
     node->place = place();
     next();
@@ -50,6 +51,7 @@ QueryPtr QueryParser::unionTree() {
 QueryPtr QueryParser::intersection() {
   QueryPtr left = queryPrimary();
   while (isWord("intersect")) {
+    countLink();
     auto node = std::make_unique<Query>();
     node->place = place();
     next();
@@ -62,6 +64,7 @@ QueryPtr QueryParser::intersection() {
 }
 
 QueryPtr QueryParser::queryPrimary() {
+  const Level level(*this);
   if (acceptSymbol("(")) {
     QueryPtr inner = unionTree();
     expectSymbol(")");
@@ -229,6 +232,8 @@ TableSourcePtr QueryParser::joinedTables() {
 
 // One join. `a join b join c on .. on ..`: the inner On belongs to the later join.
 TableSourcePtr QueryParser::continueJoin(TableSourcePtr left) {
+  const Level level(*this);
+  countLink();
   auto join = std::make_unique<TableSource>();
   join->table.place = place();
   join->join = joinKind();
@@ -243,6 +248,7 @@ TableSourcePtr QueryParser::continueJoin(TableSourcePtr left) {
 }
 
 TableSourcePtr QueryParser::tablePrimary() {
+  const Level level(*this);
   auto source = std::make_unique<TableSource>();
   source->table.place = place();
   if (acceptSymbol("(")) {

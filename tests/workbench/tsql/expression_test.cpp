@@ -53,6 +53,13 @@ TEST_F(Expression, IntNeverGrowsBeyondIts32Bits) {
   EXPECT_EQ(query("select i+j from t"), "int: -1");
 }
 
+TEST_F(Expression, AnAggregateInAConditionIsRefusedAlsoFromASubQueryWithoutTablesOfItsOwn) {
+  run("create table t(i int) insert into t values(1)");
+  EXPECT_EQ(query("select i from t where max(i) = 1"), "147");
+  EXPECT_EQ(query("select i from t where i in (select max(i))"), "147");
+  EXPECT_EQ(query("select i from t where i in (select max(i) from t)"), "int: 1");
+}
+
 TEST_F(Expression, TheSystemDatabaseIsThereAndCannotBeMadeAgain) {
   EXPECT_EQ(value("db_id(N'OrvSystem')"), "int: 5");
   EXPECT_EQ(value("db_id('tempdb')"), "int: 2");

@@ -80,6 +80,13 @@ TEST(Lexer, WhatDoesNotEndIsAnError) {
   EXPECT_EQ(errorOf("a ! b"), 102);
 }
 
+TEST(Lexer, ANameHoldsNoZeroCharacterButATextDoes) {
+  using namespace std::string_literals;
+  EXPECT_EQ(errorOf("select [a\0b]"s), 102);
+  EXPECT_EQ(errorOf("select \"\0\""s), 102);
+  EXPECT_EQ(tokenize("'a\0b'"s).front().value, "a\0b"s);
+}
+
 TEST(Lexer, ReservedWordsInAnyLetterCase) {
   EXPECT_TRUE(isReserved("Select"));
   EXPECT_TRUE(isReserved("LEFT"));

@@ -32,6 +32,43 @@ TEST(Parser, StatementsFollowWithoutSeparators) {
   EXPECT_EQ(statements[4]->kind, StatementKind::dropObjects);
 }
 
+std::string repeated(std::string_view text, int times) {
+  std::string result;
+  for (int i = 0; i < times; ++i)
+    result += text;
+  return result;
+}
+
+// However a statement is made deep, walking it must not use up the stack.
+TEST(Parser, RefusesWhatIsNestedTooDeeply) {
+  constexpr int tooDeep = 191;
+  constexpr int times = 10'000;
+  for (const char* const piece :
+       {"(", "- ", "+", "not ", "isnull(", "case when ", "cast(", "(1 in (", "exists (select 1 where ", "(select ",
+        "1 - -(", "a = 1 and not (", "case 1 when 1 then "}) {
+    const Refusal refusal = refusalOf("select 1 where " + repeated(piece, times));
+    EXPECT_EQ(refusal.number, tooDeep) << piece;
+    EXPECT_EQ(refusal.message,
+              "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller "
+              "queries.");
+  }
+  for (const char* const piece : {"1 = 1 and ", "1 = 1 or ", "1 + ", "a * ", "1 = 1 and not 2 = 2 or "})
+    EXPECT_EQ(refusalOf("select 1 where " + repeated(piece, times)).number, tooDeep) << piece;
+  for (const char* const piece : {"(", "(select * from ", "t join ", "t cross join "})
+    EXPECT_EQ(refusalOf("select * from " + repeated(piece, times)).number, tooDeep) << piece;
+  for (const char* const piece :
+       {"select 1 union all ", "select 1 intersect ", "select 1 except (", "if 1 = 1 ", "begin ", "("})
+    EXPECT_EQ(refusalOf(repeated(piece, times)).number, tooDeep) << piece;
+}
+
+TEST(Parser, TakesWhatAPersonOrAReportWrites) {
+  EXPECT_EQ(refusalOf("select " + repeated("(", 200) + "1" + repeated(")", 200)).number, 0);
+  EXPECT_EQ(refusalOf("select 1 where " + repeated("a = 1 or ", 1000) + "a = 2").number, 0);
+  EXPECT_EQ(refusalOf("select 1 where a in (" + repeated("'0101',", 100'000) + "'0102')").number, 0);
+  // The count begins anew with each statement.
+  EXPECT_EQ(refusalOf("begin " + repeated("select 1 where a = 1 ", 10'000) + "end").number, 0);
+}
+
 TEST(Parser, AnErrorNamesTheTokenAndItsLine) {
   const Refusal reserved = refusalOf("select a\nfrom t\nwhere base.iYear =  And x = 1");
   EXPECT_EQ(reserved.number, 156);

@@ -1,0 +1,1 @@
+Select * From t Where a In (1, 2, (Select Max(a) x))
