@@ -1,7 +1,6 @@
 #include "workbench/cli/json_file.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <fstream>
 #include <iterator>
 
@@ -10,18 +9,24 @@
 
 namespace quillon::workbench {
 
-nlohmann::ordered_json readJsonFile(const std::string& path) {
-  std::ifstream file(pathFromUtf8(path), std::ios::binary);
-  if (!file) throw CommandError("cannot read " + path + "; check the name and its permissions");
-  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+nlohmann::ordered_json parseJson(std::string_view text, const std::string& name) {
   try {
     return nlohmann::ordered_json::parse(text);
   } catch (const nlohmann::ordered_json::parse_error& error) {
     // The parser counts bytes from 1; a reader counts lines.
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
+    const auto* const end = text.begin() + std::min(error.byte, text.size());
     const auto line = 1 + std::count(text.begin(), end, '\n');
-    throw CommandError(path + " is not valid JSON: see line " + std::to_string(line));
+    throw CommandError(name + " is not valid JSON: see line " + std::to_string(line));
+  } catch (const nlohmann::ordered_json::out_of_range&) {
+    throw CommandError(name + " holds a number with too many digits; write it as a text, in quotes");
   }
+}
+
+nlohmann::ordered_json readJsonFile(const std::string& path) {
+  std::ifstream file(pathFromUtf8(path), std::ios::binary);
+  if (!file) throw CommandError("cannot read " + path + "; check the name and its permissions");
+  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  return parseJson(text, path);
 }
 
 }  // namespace quillon::workbench

@@ -126,6 +126,8 @@ TEST_F(ReportCommand, TranslatesAnItemThatTheReportLeavesToTheFilter) {
 
 TEST_F(ReportCommand, RefusesAFilterFileThatItCannotUse) {
   EXPECT_THAT(reportWithFilter("{\n\"items\":[\n").message, testing::HasSubstr("is not valid JSON: see line 3"));
+  EXPECT_THAT(reportWithFilter(R"({"items":[{"name":"cDefine5","value":1e999}]})").message,
+              testing::HasSubstr(" holds a number with too many digits; write it as a text, in quotes"));
   EXPECT_EQ(reportWithFilter("[]").message, "the filter file must hold one object with \"items\"");
   EXPECT_EQ(reportWithFilter(R"({"items":1})").message, "filter file: \"items\" must be a list");
   EXPECT_EQ(reportWithFilter(R"({"items":[{"value":"1"}]})").message,
