@@ -9,17 +9,12 @@
 #include "frame/automation_error.h"
 #include "frame/com/com_ptr.h"
 #include "frame/com/errors.h"
+#include "frame/com/invoke_arguments.h"
 #include "frame/com/variant.h"
 
 namespace quillon::com {
 
 namespace {
-
-// What ends a call before the member is reached.
-struct Refusal {
-  HRESULT code;
-  UINT position = 0;  // of the argument in DISPPARAMS, where one is to blame
-};
 
 // A member's description, given back to its owner at the end.
 class Function {
@@ -71,103 +66,11 @@ bool isAssignment(WORD kind) {
   return (kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
 }
 
-// An argument as the member takes it: a variable of the member's type that the call refers to.
-class Argument {
- public:
-  // Throws AutomationError when `given` cannot be turned into `type`.
-  Argument(VARIANT& given, UINT position, VARTYPE type) : given_(&given), position_(position), type_(type) {
-    switch (type) {
-      case VT_VARIANT:
-        value_ = dereferenced(given);
-        break;
-      case VT_BSTR:
-        // Null is no text; everything else that has a text form is taken.
-        if (isNull(given)) throw AutomationError(hresult::typeMismatch, "Quillon", "Null is not a text.");
-        value_ = toText(given);
-        break;
-      case VT_BOOL:
-        value_ = toFlag(given);
-        break;
-      case VT_DISPATCH:
-        value_ = toObject(given);
-        break;
-      default:
-        throw AutomationError(hresult::typeMismatch, "Quillon", "The member takes a type that is not supported.");
-    }
-    before_ = value_;
-  }
-
-  UINT position() const { return position_; }
-
-  // What goes on the stack: a reference to the value.
-  Variant reference() {
-    if (type_ == VT_VARIANT) return Variant::reference(value_);
-    Variant reference;
-    reference.vt = static_cast<VARTYPE>(type_ | VT_BYREF);
-    reference.byref = &value_.byref;
-    return reference;
-  }
-
-  // Gives a changed value back to the caller. A variable that the member left alone keeps its own value and form.
-  HRESULT returnToCaller() { return changed() ? writeBack(*given_, value_) : S_OK; }
-
- private:
-  bool changed() const {
-    switch (type_) {
-      case VT_BSTR:
-        return toUtf8(value_.bstrVal) != toUtf8(before_.bstrVal);
-      case VT_BOOL:
-        return value_.boolVal != before_.boolVal;
-      case VT_DISPATCH:
-        return value_.pdispVal != before_.pdispVal;
-      default:
-        return true;
-    }
-  }
-
-  VARIANT* given_;
-  UINT position_;
-  VARTYPE type_;
-  Variant value_;
-  Variant before_;
-};
-
-constexpr UINT notGiven = static_cast<UINT>(-1);
-
-// Where in DISPPARAMS each of the member's arguments stands: named ones first, the others last to first behind them.
-std::vector<UINT> positionsOf(const DISPPARAMS& parameters, UINT count, bool assigns) {
-  if (parameters.cArgs > count) throw Refusal{DISP_E_BADPARAMCOUNT};
-  if (parameters.cNamedArgs > parameters.cArgs) throw Refusal{E_INVALIDARG};
-  std::vector<UINT> positions(count, notGiven);
-  for (UINT i = parameters.cNamedArgs; i < parameters.cArgs; ++i)
-    positions[parameters.cArgs - 1 - i] = i;
-  for (UINT i = 0; i < parameters.cNamedArgs; ++i) {
-    DISPID name = parameters.rgdispidNamedArgs[i];
-    // The assigned value has a name of its own and is the last argument.
-    if (assigns && name == DISPID_PROPERTYPUT) name = static_cast<DISPID>(count) - 1;
-    if (name < 0 || static_cast<UINT>(name) >= count || positions[static_cast<UINT>(name)] != notGiven)
-      throw Refusal{DISP_E_PARAMNOTFOUND, i};
-    positions[static_cast<UINT>(name)] = i;
-  }
-  return positions;
-}
-
-std::vector<Argument> argumentsOf(const Function& function, const DISPPARAMS& parameters, bool assigns) {
-  const std::vector<UINT> positions = positionsOf(parameters, function.argumentCount(), assigns);
-  std::vector<Argument> arguments;
-  // The call refers to these by their addresses.
-  arguments.reserve(positions.size());
-  for (UINT i = 0; i < positions.size(); ++i) {
-    if (positions[i] == notGiven) throw Refusal{DISP_E_BADPARAMCOUNT};
-    VARIANT& given = parameters.rgvarg[positions[i]];
-    try {
-      if (isMissing(given) && function.typeOf(i) != VT_VARIANT) throw Refusal{DISP_E_PARAMNOTOPTIONAL, positions[i]};
-      arguments.emplace_back(given, positions[i], function.typeOf(i));
-    } catch (const AutomationError&) {
-      throw Refusal{DISP_E_TYPEMISMATCH, positions[i]};
-    }
-  }
-  return arguments;
+std::vector<VARTYPE> typesOf(const Function& function) {
+  std::vector<VARTYPE> types;
+  for (UINT i = 0; i < function.argumentCount(); ++i)
+    types.push_back(function.typeOf(i));
+  return types;
 }
 
 IID interfaceOf(ITypeInfo& slots) {
@@ -183,7 +86,7 @@ HRESULT invoke(ITypeInfo& slots, IDispatch& object, DISPID id, WORD kind, const 
   const bool assigns = isAssignment(kind);
   const bool ofObject = assigns && parameters.cArgs > 0 && dereferenced(parameters.rgvarg[0]).vt == VT_DISPATCH;
   const Function function(slots, id, kind, ofObject);
-  std::vector<Argument> arguments = argumentsOf(function, parameters, assigns);
+  std::vector<Argument> arguments = takeArguments(typesOf(function), parameters, assigns);
 
   // The result's slot wants a variable of its own type; a Variant of that type holds and frees what comes.
   Variant resultValue;

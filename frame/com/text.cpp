@@ -75,10 +75,13 @@ std::string toUtf8(std::wstring_view utf16) {
   std::string out;
   out.reserve(utf16.size());
   for (std::size_t at = 0; at < utf16.size(); ++at) {
-    char32_t value = utf16[at];
-    if (isHighSurrogate(value) && at + 1 < utf16.size() && isLowSurrogate(utf16[at + 1])) {
-      value = 0x10000U + ((value - 0xD800U) << 10U) + (static_cast<char32_t>(utf16[at + 1]) - 0xDC00U);
-      ++at;
+    auto value = static_cast<char32_t>(utf16[at]);
+    if (isHighSurrogate(value) && at + 1 < utf16.size()) {
+      const auto low = static_cast<char32_t>(utf16[at + 1]);
+      if (isLowSurrogate(low)) {
+        value = 0x10000U + ((value - 0xD800U) << 10U) + (low - 0xDC00U);
+        ++at;
+      }
     }
     encode(out, value);
   }

@@ -26,6 +26,17 @@ VARIANT* source(const VARIANT& value) {
       "A value of automation type " + std::to_string(value.vt) + " cannot be read as " + wanted + ".");
 }
 
+// The last of a chain of references to variants, each to the next; null when one leads nowhere or back into the chain.
+VARIANT* endOfReferences(VARIANT* at) {
+  const VARIANT* behind = at;  // moves at half the pace, so that a circle brings the two together
+  for (bool both = false; at->vt == (VT_VARIANT | VT_BYREF); both = !both) {
+    at = at->pvarVal;
+    if (!at || at == behind) return nullptr;
+    if (both) behind = behind->pvarVal;
+  }
+  return at;
+}
+
 bool isObject(const VARIANT& value) {
   return value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN;
 }
@@ -208,11 +219,8 @@ VARIANT* Variant::out() noexcept {
 }
 
 Variant dereferenced(const VARIANT& value) {
-  const VARIANT* at = &value;
-  while (at->vt == (VT_VARIANT | VT_BYREF)) {
-    if (!at->pvarVal) throwMismatch(*at, "a variant");
-    at = at->pvarVal;
-  }
+  const VARIANT* at = endOfReferences(source(value));
+  if (!at) throwMismatch(value, "a variable");
   if (!(at->vt & VT_BYREF)) return Variant(*at);
   if (!at->byref) throwMismatch(*at, "a variable");
   Variant result;
@@ -289,38 +297,41 @@ ComPtr<IDispatch> toObject(const VARIANT& value) {
 }
 
 HRESULT writeBack(VARIANT& target, const VARIANT& value) noexcept {
-  if (!(target.vt & VT_BYREF)) return S_OK;
-  if (!target.byref) return E_POINTER;
-  const VARTYPE type = static_cast<VARTYPE>(target.vt & ~VT_BYREF);
-  if (type == VT_VARIANT) {
-    // A variant that is itself a reference to a variable passes the value on to that variable.
-    if (target.pvarVal->vt & VT_BYREF) return writeBack(*target.pvarVal, value);
-    return VariantCopyInd(target.pvarVal, source(value));
-  }
+  VARIANT* at = endOfReferences(&target);
+  if (!at) return E_POINTER;
+  if (!(at->vt & VT_BYREF)) return at == &target ? S_OK : VariantCopyInd(at, source(value));
+  if (!at->byref) return E_POINTER;
+  const VARTYPE type = static_cast<VARTYPE>(at->vt & ~VT_BYREF);
   VARIANT result;
   VariantInit(&result);
   const HRESULT code = VariantChangeTypeEx(&result, source(value), neutralLocale, VARIANT_ALPHABOOL, type);
   if (FAILED(code)) return code == E_OUTOFMEMORY ? code : DISP_E_TYPEMISMATCH;
   if (const std::size_t size = inlineSize(type)) {
-    CopyMemory(target.byref, &result.lVal, size);
+    CopyMemory(at->byref, &result.lVal, size);
     return S_OK;
   }
   switch (type) {
     case VT_BSTR:
-      SysFreeString(std::exchange(*target.pbstrVal, result.bstrVal));
+      SysFreeString(std::exchange(*at->pbstrVal, result.bstrVal));
       return S_OK;
     case VT_DISPATCH:
     case VT_UNKNOWN:
-      if (IUnknown* old = std::exchange(*target.ppunkVal, result.punkVal)) old->Release();
+      if (IUnknown* old = std::exchange(*at->ppunkVal, result.punkVal)) old->Release();
       return S_OK;
     case VT_DECIMAL:
       result.decVal.wReserved = 0;
-      *target.pdecVal = result.decVal;
+      *at->pdecVal = result.decVal;
       return S_OK;
     default:
-      VariantClear(&result);
-      return DISP_E_TYPEMISMATCH;
+      break;
   }
+  // An array that someone has locked stays.
+  if ((type & VT_ARRAY) && SUCCEEDED(SafeArrayDestroy(*at->pparray))) {
+    *at->pparray = result.parray;
+    return S_OK;
+  }
+  VariantClear(&result);
+  return DISP_E_TYPEMISMATCH;
 }
 
 }  // namespace quillon::com

@@ -82,8 +82,8 @@ class Variant : public VARIANT {
 };
 
 // --- Reading. Every form is taken: by value, by typed reference, by reference to a variant, however deep. What cannot
-// be read as asked throws AutomationError with DISP_E_TYPEMISMATCH. An object stands for the value of its default
-// member.
+// be read as asked throws AutomationError with DISP_E_TYPEMISMATCH, a reference that leads nowhere or to itself included.
+// An object stands for the value of its default member.
 
 // A copy of the value behind all references.
 Variant dereferenced(const VARIANT& value);
@@ -105,7 +105,8 @@ ComPtr<IDispatch> toObject(const VARIANT& value);
 
 // --- Writing back. Puts `value` into the variable that `target` refers to, in that variable's own form: a typed
 // variable keeps its type (the value is converted to it), a variant takes the value as it is. A target passed by value
-// has no variable behind it; nothing happens then. Returns DISP_E_TYPEMISMATCH when the value does not fit.
+// has no variable behind it; nothing happens then. Returns DISP_E_TYPEMISMATCH when the value does not fit, E_POINTER when
+// the reference leads nowhere or to itself.
 HRESULT writeBack(VARIANT& target, const VARIANT& value) noexcept;
 
 }  // namespace quillon::com

@@ -143,6 +143,18 @@ TEST(VariantReading, WhatCannotBeReadIsAMismatch) {
   EXPECT_EQ(mismatchOf(nowhere), DISP_E_TYPEMISMATCH);
 }
 
+TEST(VariantReading, AReferenceThatLeadsBackToItselfIsAMismatch) {
+  Variant itself;
+  static_cast<VARIANT&>(itself) = Variant::reference(itself);
+  EXPECT_EQ(mismatchOf(itself), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(writeBack(itself, Variant("x")), E_POINTER);
+  Variant first;
+  Variant second = Variant::reference(first);
+  static_cast<VARIANT&>(first) = Variant::reference(second);
+  EXPECT_EQ(mismatchOf(Variant::reference(first)), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(writeBack(second, Variant("x")), E_POINTER);
+}
+
 class Field : public Automation<Field> {
  public:
   static std::span<const Member> members() {
@@ -198,6 +210,19 @@ TEST(VariantWriting, AReferenceInsideAVariantLeadsToTheVariable) {
   Variant target = Variant::reference(typed);
   EXPECT_EQ(writeBack(target, Variant("12")), S_OK);
   EXPECT_EQ(number, 12);
+}
+
+TEST(VariantWriting, AnArrayTakesThePlaceOfTheOneBefore) {
+  Variant variable = Variant::textArray(std::vector<std::string>{"old", "er"});
+  Variant target;
+  target.vt = static_cast<VARTYPE>(variable.vt | VT_BYREF);
+  target.pparray = &variable.parray;
+  EXPECT_EQ(writeBack(target, Variant::textArray(std::vector<std::string>{"new"})), S_OK);
+  EXPECT_EQ(toTexts(variable), std::vector<std::string>{"new"});
+  EXPECT_EQ(SafeArrayLock(variable.parray), S_OK);
+  EXPECT_EQ(writeBack(target, Variant::textArray({})), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(SafeArrayUnlock(variable.parray), S_OK);
+  EXPECT_EQ(toTexts(variable), std::vector<std::string>{"new"});
 }
 
 TEST(VariantWriting, AnObjectVariableReleasesWhatItHeld) {
