@@ -1,0 +1,4 @@
+// All of it is in one header here.
+#pragma once
+
+#include <windows.h>

@@ -1,0 +1,1 @@
+Select Case When a = 1 Then 'one' Else Cast(d As nvarchar(30)) End, Convert(datetime, '2024-03-05', 120), Cast(1.5 As money) / 3 From t

@@ -1,0 +1,2 @@
+/* a /* nested */ comment */ Select 1 -- to the end
+, 2

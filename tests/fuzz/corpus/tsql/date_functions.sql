@@ -1,0 +1,1 @@
+Select DateAdd(month, 1, dt), DateDiff(day, '2024-01-31', dt), Year(dt), Month(dt), Day(dt), DatePart(weekday, dt), Convert(nvarchar(10), dt, 121) From t

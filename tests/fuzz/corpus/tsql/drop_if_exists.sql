@@ -1,0 +1,1 @@
+If Exists(Select Name From tempdb..Sysobjects Where Name = '##work') Drop Table tempdb..##work

@@ -1,0 +1,1 @@
+Select (Select Top 1 q From u Where u.k = t.n Order By q Desc) From t Where Not (a = 1 Or Not Exists(Select * From u)) And IsNull(b, 0) <> 0

@@ -1,0 +1,1 @@
+Create Function dbo.F() Returns nvarchar(10) As Begin Return N'zh-CN' End

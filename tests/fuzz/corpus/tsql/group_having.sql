@@ -1,0 +1,1 @@
+Select v, Sum(IsNull(d, 0)) As s, Avg(m), Min(dt), Max(r), Count(Distinct n) From t Group By v Having Sum(d) > -10 Order By 2 Desc

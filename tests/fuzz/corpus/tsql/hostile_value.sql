@@ -1,0 +1,1 @@
+Select * From t Where n In ('x') Drop Table t --')

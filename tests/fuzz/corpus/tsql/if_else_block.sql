@@ -1,0 +1,1 @@
+If (Select Count(*) From t) > 1 Begin Select 1; Select 2 End Else Select 3

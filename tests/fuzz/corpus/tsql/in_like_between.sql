@@ -1,0 +1,1 @@
+Select * From t Where a In (1, 2, (Select Max(a) From t)) And n Like N'%[a-c_]%' Escape '!' And dt Between '2024-01-01' And '2024-12-31 23:59'

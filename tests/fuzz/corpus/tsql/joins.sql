@@ -1,0 +1,1 @@
+Select t.a, u.q As quantity From t Inner Join u With(NoLock) On t.n = u.k Left Join (Select Count(*) As c From u) x On 1 = 1 Where t.a <> 1And u.i > = 1

@@ -1,0 +1,1 @@
+Select Round(d, 2), Abs(m), Floor(r), Ceiling(d), Power(2, 10), Sqrt(4), Sign(d), 7 % 3, 1.0 / 3, 10 / 4, Cast(12345678901234567890 As decimal(38, 4)) * 1.000001

@@ -1,0 +1,1 @@
+Select N'it''s', 'a"b', [a]]b] From (Select 1 As [a]]b]) x

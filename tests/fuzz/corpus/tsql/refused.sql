@@ -1,0 +1,1 @@
+Declare @x int Exec sp_help Grant Select On t To public

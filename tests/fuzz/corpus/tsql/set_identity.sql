@@ -1,0 +1,1 @@
+Set Identity_Insert u On Insert Into u(i, k) Values(7, N'k') Set Identity_Insert u Off Set NoCount On

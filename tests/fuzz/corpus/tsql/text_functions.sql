@@ -1,0 +1,1 @@
+Select Left(n, 2) + Right(v, 1), Len(n), Substring(n, 1, 3), Replace(v, 'x', 'yy'), Upper(v), LTrim(RTrim(n)), CharIndex('b', n), Replicate('ab', 3), Space(2), Str(1.25, 6, 2) From t

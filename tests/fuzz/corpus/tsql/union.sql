@@ -1,0 +1,1 @@
+Select a From t Union All Select i From u Union Select 3 Except Select 1 Order By 1
