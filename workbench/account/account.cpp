@@ -63,6 +63,7 @@ void createSample(const std::filesystem::path& file, const SampleOptions& option
   } catch (const tsql::SqlError& error) {
     throw AccountError("cannot write " + utf8FromPath(file) + ": " + error.message());
   }
+  removeOrphanedJournals(file);
   partial.complete();
 }
 

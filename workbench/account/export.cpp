@@ -15,12 +15,15 @@ namespace quillon::account {
 
 namespace {
 
-// A folder that is being filled: emptied again unless it becomes complete.
+// A folder that is being filled: emptied again unless it becomes complete. A file that is there from the first to the
+// last marks it as unfinished: what a killed export left is told from a folder that holds something else, and the next
+// export takes it away.
 class NewFolder {
  public:
   explicit NewFolder(std::filesystem::path folder) : folder_(std::move(folder)) {
     std::error_code error;
     made_ = std::filesystem::create_directories(folder_, error);
+    if (!error) clearUnfinished();
     if (!error && !std::filesystem::is_empty(folder_, error) && !error) {
       throw AccountError(utf8FromPath(folder_) + " holds files already; choose another folder or empty it first");
     }
@@ -31,18 +34,37 @@ class NewFolder {
   ~NewFolder() {
     if (complete_) return;
     std::error_code ignored;
-    for (const std::filesystem::path& file : files_)
-      std::filesystem::remove(file, ignored);
+    for (auto file = files_.rbegin(); file != files_.rend(); ++file)
+      std::filesystem::remove(*file, ignored);
     if (made_) std::filesystem::remove(folder_, ignored);
   }
 
+  // The first is the mark.
   const std::filesystem::path& add(std::string_view name) {
-    files_.push_back(folder_ / std::filesystem::path(std::u8string(name.begin(), name.end())));
+    files_.push_back(inFolder(name));
     return files_.back();
   }
-  void complete() { complete_ = true; }
+  // The mark, which has its content by now, gets the name `name`.
+  void complete(std::string_view name) {
+    std::error_code error;
+    std::filesystem::rename(files_.front(), inFolder(name), error);
+    if (error) throw AccountError("cannot write " + utf8FromPath(inFolder(name)) + ": " + error.message());
+    complete_ = true;
+  }
 
  private:
+  std::filesystem::path inFolder(std::string_view name) const {
+    return folder_ / std::filesystem::path(std::u8string(name.begin(), name.end()));
+  }
+  void clearUnfinished() const {
+    std::error_code error;
+    const std::filesystem::path mark = inFolder(unfinishedSchemaFileName);
+    if (!std::filesystem::exists(mark, error)) return;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_, error))
+      if (entry.path().extension() == ".csv") std::filesystem::remove(entry.path(), error);
+    std::filesystem::remove(mark, error);
+  }
+
   std::filesystem::path folder_;
   std::vector<std::filesystem::path> files_;
   bool made_ = false;
@@ -87,6 +109,8 @@ std::string csvFileName(const tsql::Table& table) {
 
 TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem::path& folder) {
   NewFolder target(folder);
+  const std::filesystem::path schemaFile = target.add(unfinishedSchemaFileName);
+  writeFile(schemaFile, [](std::ostream&) {});
   TransferCounts counts;
   // One transaction: what is read is the account of one moment.
   connection.begin();
@@ -96,10 +120,10 @@ TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem
               [&](std::ostream& out) { counts.rows += writeTable(out, connection, table); });
     ++counts.tables;
   }
-  // Last, as the mark that nothing is missing.
-  writeFile(target.add(schemaFileName), [&](std::ostream& out) { writeSchema(out, schema); });
+  writeFile(schemaFile, [&](std::ostream& out) { writeSchema(out, schema); });
   connection.commit();
-  target.complete();
+  // Last, so that nothing is missing where it stands.
+  target.complete(schemaFileName);
   return counts;
 }
 

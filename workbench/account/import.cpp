@@ -179,6 +179,7 @@ TransferCounts importAccount(const std::filesystem::path& file, const std::files
   } catch (const tsql::SqlError& error) {
     throw AccountError("cannot write " + utf8FromPath(file) + ": " + error.message());
   }
+  removeOrphanedJournals(file);
   partial.complete();
   return counts;
 }

@@ -19,6 +19,22 @@ void refuseExisting(const std::filesystem::path& file) {
   }
 }
 
+namespace {
+
+void removeJournals(const std::filesystem::path& file) noexcept {
+  for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+    std::error_code ignored;
+    std::filesystem::remove(std::filesystem::path(file).concat(suffix), ignored);
+  }
+}
+
+}  // namespace
+
+void removeOrphanedJournals(const std::filesystem::path& file) {
+  refuseExisting(file);
+  removeJournals(file);
+}
+
 PartialFile::PartialFile(std::filesystem::path file) : file_(std::move(file)), path_(file_) {
   refuseExisting(file_);
   path_ += ".part";
@@ -33,10 +49,9 @@ void PartialFile::complete() {
 }
 
 void PartialFile::remove() const noexcept {
-  for (const char* suffix : {"", "-journal", "-wal", "-shm"}) {
-    std::error_code ignored;
-    std::filesystem::remove(std::filesystem::path(path_).concat(suffix), ignored);
-  }
+  std::error_code ignored;
+  std::filesystem::remove(path_, ignored);
+  removeJournals(path_);
 }
 
 }  // namespace quillon::account

@@ -20,8 +20,10 @@ struct TransferCounts {
 };
 
 // Writes the account to `folder`, which is made when it does not exist and must be empty when it does. The files are
-// those of one moment, whoever writes to the account meanwhile; memory does not grow with the rows. Throws AccountError
-// when the folder holds something or cannot be written; then nothing is left in it.
+// those of one moment, whoever writes to the account meanwhile; memory does not grow with the rows. schema.sql comes last,
+// and is called schema.sql.part until then: a folder that has it so is what an interrupted export left, and its CSV files
+// are taken away first. Throws AccountError when the folder holds something else or cannot be written; then nothing is
+// left in it.
 TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem::path& folder);
 
 // Makes the account `file` of what exportAccount() wrote, or someone by its rules: columns may stand in any order, any

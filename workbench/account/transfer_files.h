@@ -9,6 +9,8 @@
 namespace quillon::account {
 
 inline constexpr std::string_view schemaFileName = "schema.sql";
+// Its name while the folder is being written.
+inline constexpr std::string_view unfinishedSchemaFileName = "schema.sql.part";
 
 // "Inventory.csv", "orvsystem..UA_Period.csv". What a file name must not hold on some system stands as "%2F".
 std::string csvFileName(const tsql::Table& table);

@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,7 +59,11 @@ int run(std::vector<std::string> arguments) {
 int main(int argc, char** argv) {
   try {
     quillon::workbench::prepareStandardStreams();
-    return run(quillon::workbench::utf8Arguments(argc, argv));
+    quillon::workbench::reportFileSizeLimit();
+    const int status = run(quillon::workbench::utf8Arguments(argc, argv));
+    if (!std::cout.flush())
+      throw quillon::workbench::CommandError("standard output could not be written; check the disk's free space");
+    return status;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "quillon: %s\n", shown(error).c_str());
     return failed;

@@ -9,6 +9,7 @@
 
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/output_file.h"
 #include "workbench/cli/report_comparison.h"
 #include "workbench/cli/report_document.h"
 #include "workbench/cli/report_layout.h"
@@ -123,12 +124,12 @@ void writeTo(const ReportOptions& options, const ReportLayout& layout, const Mad
     if (!out) throw CommandError("the report could not be written to standard output");
     return;
   }
-  std::ofstream file(pathFromUtf8(options.outputFile), std::ios::binary);
+  OutputFile output(pathFromUtf8(options.outputFile));
+  std::ofstream file(output.path(), std::ios::binary);
   if (file) write(options, layout, report, file);
   file.close();
-  if (!file) {
-    throw CommandError("cannot write " + options.outputFile + "; check the folder, its permissions and its free space");
-  }
+  if (!file) output.fail();
+  output.complete();
 }
 
 std::unique_ptr<MadeReport> reportOn(const std::string& source, const ReportOptions& options, std::ostream& notes) {

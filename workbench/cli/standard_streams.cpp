@@ -10,6 +10,8 @@
 #include <cstdio>
 #else
 #include <unistd.h>
+
+#include <csignal>
 #endif
 
 #include <algorithm>
@@ -22,6 +24,8 @@ void prepareStandardStreams() {
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
 }
+
+void reportFileSizeLimit() {}
 
 bool errorsGoToTerminal() {
   return _isatty(_fileno(stderr)) != 0;
@@ -44,6 +48,10 @@ std::vector<std::string> utf8Arguments(int, char**) {
 #else
 
 void prepareStandardStreams() {}
+
+void reportFileSizeLimit() {
+  std::signal(SIGXFSZ, SIG_IGN);
+}
 
 bool errorsGoToTerminal() {
   return isatty(STDERR_FILENO) != 0;

@@ -1,4 +1,4 @@
-// What the program needs of the machine it runs on to speak UTF-8 everywhere.
+// What the program needs of the machine it runs on to speak UTF-8 everywhere, and to say what went wrong.
 #pragma once
 
 #include <string>
@@ -8,6 +8,10 @@ namespace quillon::workbench {
 
 // Makes the standard streams pass bytes on as they are: Windows would turn every line feed into two characters.
 void prepareStandardStreams();
+
+// A file that grows past the limit that the system sets for files becomes an error like that of a full disk; otherwise it
+// would end the program without a word.
+void reportFileSizeLimit();
 
 // Whether somebody watches standard error.
 bool errorsGoToTerminal();

@@ -15,6 +15,7 @@
 
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/ledger_rows.h"
+#include "workbench/cli/output_file.h"
 #include "workbench/cli/text_cells.h"
 #include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
@@ -83,10 +84,10 @@ std::string numberFormat(int decimals) {
 // The one sheet, written from top to bottom, each row from left to right.
 class Sheet {
  public:
-  Sheet(const std::filesystem::path& file, const std::string& name) : file_(utf8FromPath(file)) {
+  Sheet(const std::filesystem::path& file, const std::string& name) : file_(utf8FromPath(file)), output_(file) {
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
-    workbook_.reset(workbook_new_opt(file_.c_str(), &options));
+    workbook_.reset(workbook_new_opt(utf8FromPath(output_.path()).c_str(), &options));
     if (!workbook_) throw CommandError("cannot write " + file_ + ": no temporary file can be made for it");
     sheet_ = workbook_add_worksheet(workbook_.get(), name.c_str());
     if (sheet_ == nullptr) throw CommandError("cannot write " + file_ + ": no temporary file can be made for it");
@@ -160,13 +161,12 @@ class Sheet {
       check(worksheet_set_column(sheet_, number, number, widths_[column], nullptr));
     }
     // libxlsxwriter would say in its own words, and in the terms of the C library, that a file cannot be begun.
-    std::ofstream file(pathFromUtf8(file_), std::ios::binary);
+    std::ofstream file(output_.path(), std::ios::binary);
     file.close();
-    if (!file) {
-      throw CommandError("cannot write " + file_ + "; check the folder, its permissions and its free space");
-    }
+    if (!file) output_.fail();
     // Closing frees the workbook, whatever comes of it.
     check(workbook_close(workbook_.release()));
+    output_.complete();
   }
 
  private:
@@ -199,6 +199,7 @@ class Sheet {
   }
 
   std::string file_;
+  OutputFile output_;
   std::unique_ptr<lxw_workbook, Free> workbook_;
   lxw_worksheet* sheet_ = nullptr;  // the workbook's
   std::map<std::pair<Style, std::string>, lxw_format*> formats_;

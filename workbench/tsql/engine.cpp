@@ -45,6 +45,15 @@ void setUp(sqlite3* database) {
       "PRAGMA foreign_keys = OFF");
 }
 
+// A connection that only reads cannot undo what a killed program left half done, and refuses the file; a connection that
+// may write undoes it with the first thing that it reads.
+void undoHalfDoneChanges(const std::string& name, const std::filesystem::path& file) {
+  std::error_code error;
+  if (std::filesystem::file_size(std::filesystem::path(file).concat("-journal"), error) == 0 || error) return;
+  const DatabaseHandle database = openDatabase(name, SQLITE_OPEN_READWRITE);
+  Prepared(database.get(), "PRAGMA schema_version").step();
+}
+
 void requireAccount(sqlite3* database, const std::string& name) {
   Prepared id(database, "PRAGMA application_id");
   if (!id.step() || id.integer(0) != kApplicationId) {
@@ -136,6 +145,7 @@ std::unique_ptr<Connection> Connection::open(const std::filesystem::path& file, 
   const int flags = mode == OpenMode::createNew  ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
                     : mode == OpenMode::readOnly ? SQLITE_OPEN_READONLY
                                                  : SQLITE_OPEN_READWRITE;
+  if (mode == OpenMode::readOnly) undoHalfDoneChanges(name, file);
   DatabaseHandle database = openDatabase(name, flags);
   if (mode == OpenMode::createNew) {
     runSqlite(database.get(), "PRAGMA page_size = 8192");

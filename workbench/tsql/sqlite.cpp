@@ -64,7 +64,18 @@ void throwSqliteError(sqlite3* database) {
       throw SqlError(1222, "Lock request time out period exceeded: another connection is writing to the account file.");
     case SQLITE_FULL:
       throw SqlError(1105, "Could not allocate space: the disk that holds the account file is full.");
+    case SQLITE_IOERR:
+      throw SqlError(
+          823,
+          "The operating system could not read or write the account file: check the disk, its free space and "
+          "the limit on the size of files.");
     case SQLITE_READONLY:
+      if (extended == SQLITE_READONLY_ROLLBACK || extended == SQLITE_READONLY_RECOVERY) {
+        throw SqlError(
+            5120,
+            "The account file has to be set right, because a program was ended while it changed it: make the "
+            "file and its folder writable, then open it again.");
+      }
       throw SqlError(3906, "Failed to update the database because it was opened for reading only.");
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:

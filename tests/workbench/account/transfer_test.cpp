@@ -228,6 +228,28 @@ TEST_F(Transfer, FillsAnEmptyFolder) {
   EXPECT_EQ(exportFile(folder_ / "a", folder_ / "csv").tables, 42);
 }
 
+TEST_F(Transfer, FillsAFolderThatAnInterruptedExportLeft) {
+  makeAccount(folder_ / "a");
+  std::filesystem::create_directory(folder_ / "csv");
+  testing::write(folder_ / "csv/schema.sql.part", "Create");
+  testing::write(folder_ / "csv/Inventory.csv", "half of it");
+  testing::write(folder_ / "csv/TableOfAnotherAccount.csv", "half of it");
+  EXPECT_EQ(exportFile(folder_ / "a", folder_ / "csv").tables, 42);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "csv/schema.sql.part"));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "csv/TableOfAnotherAccount.csv"));
+  EXPECT_EQ(importAccount(folder_ / "b", folder_ / "csv").tables, 42);
+}
+
+TEST_F(Transfer, LeavesOtherFilesOfAnUnfinishedFolderAlone) {
+  makeAccount(folder_ / "a");
+  std::filesystem::create_directory(folder_ / "csv");
+  testing::write(folder_ / "csv/schema.sql.part", "Create");
+  testing::write(folder_ / "csv/notes.txt", "mine");
+  EXPECT_EQ(refusal([&] { exportFile(folder_ / "a", folder_ / "csv"); }),
+            (folder_ / "csv").string() + " holds files already; choose another folder or empty it first");
+  EXPECT_EQ(contentOf(folder_ / "csv/notes.txt"), "mine");
+}
+
 TEST_F(Transfer, DoesNotWriteBelowAFile) {
   makeAccount(folder_ / "a");
   EXPECT_THAT(refusal([&] { exportFile(folder_ / "a", folder_ / "a/csv"); }),
