@@ -33,6 +33,7 @@ native_packages=(
   unixodbc-dev tdsodbc
   clang libclang-rt-14-dev valgrind libc6-dbg gcovr python3
   nsis dpkg-dev zip unzip faketime
+  mono-mcs libmono-microsoft-csharp4.0-cil
   g++-mingw-w64-i686-posix mingw-w64-tools
 )
 wine_packages=(wine wine32:i386 libwine:i386 libwine-dev)
