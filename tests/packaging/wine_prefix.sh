@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # For the tests of the Win32 packages, to be sourced: a Wine prefix of their own, and what is in it. Takes $folder, where
 # the prefix, the packages and the sample account lie (prepare.sh). A failed check ends the test.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
