@@ -1,6 +1,6 @@
 ; The Windows installer: puts the files into a folder, registers the libraries for all users and enters Quillon into the
 ; list of installed programs; uninstall.exe, which it writes, takes all of that back. An installed version, in whatever
-; folder, is uninstalled first.
+; folder, is uninstalled first; without another wish the new one takes its folder.
 ;
 ;   quillon-VERSION-win32-setup.exe /S /D=C:\Folder with blanks     silent; /D comes last and takes no quotes
 ;   uninstall.exe /S                                                silent
@@ -16,7 +16,10 @@ SetCompressor /SOLID lzma
 Name "Quillon ${VERSION}"
 OutFile "${OUTPUT}"
 RequestExecutionLevel admin
+; The entry in the list of installed programs.
+!define ENTRY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon"
 InstallDir "$PROGRAMFILES32\Quillon"
+InstallDirRegKey HKLM "${ENTRY}" "InstallLocation"
 AllowSkipFiles off
 ShowInstDetails show
 ShowUninstDetails show
@@ -34,8 +37,6 @@ Page instfiles
 UninstPage uninstConfirm
 UninstPage instfiles
 
-; The entry in the list of installed programs.
-!define ENTRY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon"
 !define NO_ADMINISTRATOR 10
 !define NOT_REGISTERED 11
 !define IN_USE 12
@@ -89,6 +90,8 @@ Section "Quillon"
   DetailPrint "Uninstalling the version in $1"
   ExecWait '"$1\uninstall.exe" /S _?=$1' $0
   StrCmp $0 0 uninstalled
+  ; A library of it is missing or broken, so it cannot be unregistered; what is registered now takes its place.
+  StrCmp $0 ${NOT_UNREGISTERED} installed_before_is_gone
   !insertmacro Stop ${IN_USE} "The version of Quillon in $1 cannot be uninstalled (its uninstaller ended with $0). \
     Close the programs that use it, the report platform for one, and run this again."
 uninstalled:
@@ -146,7 +149,7 @@ not_in_use:
   StrCmp $0 0 unregistered
 not_unregistered:
   !insertmacro Stop ${NOT_UNREGISTERED} "$1 cannot be unregistered (regsvr32 ended with $0), so nothing is removed. \
-    If the file is missing, install Quillon again first."
+    If the file is missing, install Quillon again, which puts it back."
 unregistered:
 
   !include "${REMOVE_FILES}"

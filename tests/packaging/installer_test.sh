@@ -13,7 +13,7 @@ entry='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'
 
 # The options that name a folder with blanks must not be in quotes, so they are passed on as several words.
 
-# Into the folder that it chooses itself.
+# Into the usual folder.
 expect_status 0 "$setup" /S
 installed='C:\Program Files\Quillon'
 mkdir "$work/zip"
@@ -25,7 +25,7 @@ Only in C:/Program Files/Quillon: uninstall.exe
 END
 expect_working "$installed"
 
-# Once more, into a folder of the user's choice: the first one is removed.
+# Once more, into another folder, which is chosen: the first one is removed.
 installed='C:\Reports by cost item (1)'
 # shellcheck disable=SC2086
 expect_status 0 "$setup" /S /D=$installed
@@ -50,6 +50,13 @@ expect_status 12 "$setup" /S
 expect_working "$installed"
 rm "$work/held"
 wait "$holder"
+
+# What cannot be unregistered, for want of the file, is not removed; installing once more, into the same folder, mends it.
+rm "$drive/Reports by cost item (1)/Quillon.dll"
+# shellcheck disable=SC2086
+expect_status 13 "$installed\\uninstall.exe" /S _?=$installed
+expect_status 0 "$setup" /S
+expect_working "$installed"
 
 # A file of the user's in the folder outlives what was installed.
 echo "mine" >"$drive/Reports by cost item (1)/notes.txt"
