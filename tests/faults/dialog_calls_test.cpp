@@ -12,12 +12,12 @@
 #include "filters/sfc_filter_control.h"
 #include "filters/wt_filter_control.h"
 #include "tests/faults/outside.h"
+#include "tests/faults/scenarios.h"
 #include "tests/faults/tally.h"
 #include "tests/faults/thread.h"
 #include "tests/faults/tiny_account.h"
 #include "tests/faults/trial.h"
 #include "workbench/platform/filter_dialog_object.h"
-#include "workbench/platform/registrations.h"
 
 namespace quillon::faults {
 namespace {
@@ -25,16 +25,6 @@ namespace {
 using workbench::FilterDialogObject;
 using workbench::FilterObject;
 using workbench::ReportRegistration;
-
-// A report's registration with only those of its items that its dialog looks at.
-ReportRegistration dialogOf(const ReportRegistration& report, const std::vector<std::string>& keys) {
-  ReportRegistration reduced{
-      .name = report.name, .chinese = report.chinese, .english = report.english, .identifier = report.identifier};
-  for (const auto& item : report.items) {
-    if (std::ranges::find(keys, item.key) != keys.end()) reduced.items.push_back(item);
-  }
-  return reduced;
-}
 
 // A dialog as the user sees it.
 template <class Control>
@@ -45,19 +35,6 @@ struct Dialog {
         inner(filter, account.login(), account.openSession()),
         outside(watched(thread.outside, inner)),
         control(thread.module) {}
-
-  // All that the library may change in it.
-  std::string state() const {
-    std::string text;
-    for (const auto& entry : filter->entries()) {
-      text += entry->item.key + "=" + entry->value + ".." + entry->value2 + (entry->available ? " " : " unavailable ") +
-              entry->lookupCondition;
-      for (const workbench::Choice& choice : entry->item.choices)
-        text += " " + choice.code + ":" + choice.chinese;
-      text += "\n";
-    }
-    return text;
-  }
 
   Module& module;
   std::shared_ptr<FilterObject> filter;
@@ -101,7 +78,7 @@ void surviveCallback(const TinyAccount& account, const ReportRegistration& repor
     callback.before(dialog);
     const Ending ending = run(counted, dialog, 0);
     ASSERT_FALSE(ending.has_value()) << ending->description();
-    expectedState = dialog.state();
+    expectedState = stateOf(*dialog.filter);
     EXPECT_EQ(result, callback.gives) << callback.subject;
   }
   const std::string expectedShown = counted.shown;
@@ -134,7 +111,7 @@ void surviveCallback(const TinyAccount& account, const ReportRegistration& repor
 
         const Ending again = run(thread, dialog, 0);
         EXPECT_FALSE(again.has_value()) << again->description();
-        EXPECT_EQ(dialog.state(), expectedState);
+        EXPECT_EQ(stateOf(*dialog.filter), expectedState);
         EXPECT_EQ(result, callback.gives);
         EXPECT_EQ(thread.shown, expectedShown);
       }
@@ -176,17 +153,6 @@ Callback<Control> valueChange(const std::string& subject, const std::string& key
 }
 
 // --- clsSFCFilterControl ------------------------------------------------------------------------------------------------
-
-ReportRegistration balanceDialog() {
-  return dialogOf(workbench::sfcItemRegistration(),
-                  {"iYear", "cModal", "cFSType", "bIncludeExpire", "bIncludeTransVouch", "iGrade", "cInvClass",
-                   "cInvCode", "cWhCode", "cDepCode"});
-}
-
-ReportRegistration outboundDialog() {
-  return dialogOf(workbench::outsumItemRegistration(), {"iYear", "cModal", "cSource", "iGrade", "cVouType", "cBusType",
-                                                        "cInvCCode", "cInvCode", "cWhCode", "cDepCode"});
-}
 
 TEST(DialogCalls, ReceiptIssueBalance) {
   const ReportRegistration report = balanceDialog();
@@ -249,12 +215,6 @@ TEST(DialogCalls, ViewsAndListsOfTheSummaryReports) {
 
 // --- clsWtFilterControl -------------------------------------------------------------------------------------------------
 
-ReportRegistration voucherDialog() {
-  return dialogOf(workbench::fxWtRegistration(),
-                  {"cVouType", "cBusType", "Inventory.cInvCCode", "Inventory.cInvCode", "Customer.cCCCode",
-                   "Customer.cCusCode", "Vendor.cVCCode", "Vendor.cVenCode", "cWhCode", "cDepCode"});
-}
-
 TEST(DialogCalls, VoucherReport) {
   const ReportRegistration report = voucherDialog();
   const std::string subject = "fx-wt dialog";
@@ -268,11 +228,6 @@ TEST(DialogCalls, VoucherReport) {
 }
 
 // --- clsFilterControl ---------------------------------------------------------------------------------------------------
-
-ReportRegistration ledgerDialog() {
-  return dialogOf(workbench::fxDetailRegistration(),
-                  {"iYear", "cCaType", "cInvCCode", "cInvCode", "cWhCode", "cDepCode", "cBatchIA", "cFree1"});
-}
 
 // The user confirms a dialog with these values; Cancel's cause, the key of an item, is what the callback gives.
 Callback<FilterControl> filterClick(const std::string& subject,

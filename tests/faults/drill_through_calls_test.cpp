@@ -11,6 +11,7 @@
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 #include "tests/faults/outside.h"
+#include "tests/faults/scenarios.h"
 #include "tests/faults/tally.h"
 #include "tests/faults/thread.h"
 #include "tests/faults/tiny_account.h"
@@ -72,22 +73,6 @@ void surviveDrillThrough(const std::string& subject, const RowValues& row, const
   }
 }
 
-// The row of a ledger line that `condition` finds, as the reports show it, of voucher type `type`.
-RowValues rowOf(const std::string& condition, const std::string& type) {
-  const auto field = [&](const std::string& column) {
-    return byWarehouse().value("Select Top 1 " + column + " From ia_subsidiary Where " + condition);
-  };
-  RowValues row = {{"cVouType", type},      {"cVouCode", field("cVouCode")}, {"cBusType", field("cBusType")},
-                   {"ID", field("AutoID")}, {"cPZID", field("cPZID")},       {"iPZID", ""}};
-  row.back().second =
-      byWarehouse().value("Select Top 1 i_id From gl_AccVouch Where coutNo_ID = N'" + row[4].second + "'");
-  return row;
-}
-
-RowValues rowOfType(const std::string& type) {
-  return rowOf("cVouType = N'" + type + "' Order By AutoID", type);
-}
-
 TEST(DrillThroughCalls, SourceVouchers) {
   surviveDrillThrough<FxDetail>("fx-detail, a source document", rowOfType("32"), "Vouch", "ShowVoucher\n");
   surviveDrillThrough<FxDetail>("fx-detail, an issue adjustment", rowOfType("20"), "Vouch", "ShowVoucher\n");
@@ -104,7 +89,7 @@ TEST(DrillThroughCalls, SourceVouchers) {
 }
 
 TEST(DrillThroughCalls, LedgerVouchers) {
-  const RowValues posted = rowOf("cPZID Is Not Null And iMonth <> 0 Order By AutoID", "32");
+  const RowValues posted = postedRow();
   surviveDrillThrough<FxDetail>("fx-detail, a general-ledger voucher", posted, "", "StartUpPz\n");
   surviveDrillThrough<quillon::FxWt>("fx-wt, a general-ledger voucher", posted, "", "StartUpPz\n");
   RowValues notPosted = posted;
