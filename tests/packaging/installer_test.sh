@@ -31,7 +31,8 @@ installed='C:\Reports by cost item (1)'
 expect_status 0 "$setup" /S /D=$installed
 [ ! -e "$drive/Program Files/Quillon" ] || fail "the version installed before is still there"
 expect_working "$installed"
-value() { wine reg query "$entry" /v "$1" | tr -d '\r' | sed -nE "s/^ *$1 +REG_(SZ|DWORD) +//p"; }
+wine reg query "$entry" | tr -d '\r' >"$work/entry"
+value() { sed -nE "s/^ *$1 +REG_(SZ|DWORD) +//p" "$work/entry"; }
 for expected in "DisplayName=Quillon" "DisplayVersion=$version" "InstallLocation=$installed" "NoModify=0x1" "NoRepair=0x1" \
   "UninstallString=\"$installed\\uninstall.exe\"" "QuietUninstallString=\"$installed\\uninstall.exe\" /S"; do
   [ "$(value "${expected%%=*}")" = "${expected#*=}" ] ||
