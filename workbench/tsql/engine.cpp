@@ -33,6 +33,8 @@ DatabaseHandle openDatabase(const std::string& name, int flags) {
   }
   sqlite3_extended_result_codes(database.get(), 1);
   sqlite3_busy_timeout(database.get(), kBusyMilliseconds);
+  // One account, one file, whatever a statement asks for.
+  sqlite3_limit(database.get(), SQLITE_LIMIT_ATTACHED, 0);
   return database;
 }
 

@@ -133,7 +133,9 @@ std::string EngineServer::connectionString() {
   return ScriptedServer::connectionString();
 }
 
-std::unique_ptr<ServerSession> EngineServer::connect(const std::u16string&, std::vector<Record>& refusal) {
+std::unique_ptr<ServerSession> EngineServer::connect(const std::u16string& connectionString,
+                                                     std::vector<Record>& refusal) {
+  connectedWith.push_back(connectionString);
   if (batchesToLive_ != 0) return std::make_unique<EngineSession>(*this, account_);
   refusal = {{.state = u"08001", .text = u"[Test][Engine]There is no server."}};
   return nullptr;

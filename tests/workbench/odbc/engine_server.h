@@ -25,8 +25,9 @@ class EngineServer final : public Server {
   // Whether it takes another batch.
   bool takesBatch() { return batchesToLive_ < 0 || batchesToLive_-- > 0; }
 
-  int batches = 0;       // that it has run
-  int openSessions = 0;  // that are connected
+  int batches = 0;                                 // that it has run
+  int openSessions = 0;                            // that are connected
+  std::vector<std::u16string> connectedWith = {};  // the connection strings that reached it
 
  private:
   std::filesystem::path account_;

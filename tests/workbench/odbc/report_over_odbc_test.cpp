@@ -102,6 +102,19 @@ class OverOdbc : public testing::Test {
   odbc::test::EngineServer server_{file_->path()};
 };
 
+// Whatever a filter value asks for, the workbench itself connects to nothing but the account.
+TEST_F(OverOdbc, AFilterValueOpensNoOtherConnection) {
+  const test::TemporaryFile filter(".json");
+  for (const char* const value : {"x';DSN=other;UID=sa", "x' Use other --", "Data Source=other.account", "DSN=other"}) {
+    std::ofstream(filter.path()) << R"({"items":[{"name":"cVouCode","value":")" << value << R"("}]})";
+    errorOfReport("fx-wt", utf8FromPath(filter.path()));
+  }
+  EXPECT_FALSE(server_.connectedWith.empty());
+  for (const std::u16string& connection : server_.connectedWith)
+    EXPECT_EQ(connection, server_.connectedWith.front());
+  EXPECT_EQ(server_.connectedWith.front().find(u"other"), std::u16string::npos);
+}
+
 TEST_F(OverOdbc, ReceiptIssueBalance) {
   const auto before = tables();
   expectSameReport("sfc-item");

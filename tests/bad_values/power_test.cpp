@@ -1,0 +1,119 @@
+// How far a value gets that ends its text and goes on as a statement of its own: it can do what the account's connection
+// can do with the account, and nothing beyond the account's file.
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/bad_values/run.h"
+
+namespace quillon::bad_values {
+namespace {
+
+Desk& desk() {
+  static Desk shared;
+  return shared;
+}
+
+// A file that a statement may try to write or read.
+const std::filesystem::path& outsideFile() {
+  static const std::filesystem::path file = std::filesystem::temp_directory_path() / "quillon-outside.db";
+  return file;
+}
+
+std::vector<std::string> waysOut() {
+  const std::string file = "'" + workbench::utf8FromPath(outsideFile()) + "'";
+  return {// of the database that keeps the account
+          "Attach Database " + file + " As other", "Attach " + file + " As other", "Detach Database temp",
+          "Vacuum Into " + file, "Vacuum", "Reindex", "Analyze", "Pragma writable_schema = 1", "Pragma database_list",
+          "Select load_extension(" + file + ")", "Select readfile(" + file + ")", "Select writefile(" + file + ", 'x')",
+          "Select sqlite_version()", "Select * From sqlite_master", "Delete From sqlite_schema",
+          "Select * From temp.sqlite_schema", "Select * From pragma_database_list", "Select * From main.Inventory",
+          "Drop Table sqlite_sequence", "Create Virtual Table v Using fts5(a)",
+          "Create Trigger t After Delete On Inventory Begin Select 1; End", "Select * From tsql_objects",
+          "Delete From tsql_objects", "Drop Table tsql_objects",
+          // of SQL Server
+          "Exec xp_cmdshell 'dir'", "Execute master..xp_regread 'x'", "Exec sp_configure 'show advanced options', 1",
+          "Bulk Insert Inventory From " + file, "Backup Database account To Disk = " + file,
+          "Restore Database account From Disk = " + file,
+          "Create Database other On (Filename = " + file + ") For Attach",
+          "Select * From OpenRowset(Bulk " + file + ", Single_Clob) x", "Select * From OpenQuery(other, 'Select 1')",
+          "Use master", "Select * From master..sysobjects", "Select * From other..Inventory",
+          "Select * From other.account.dbo.Inventory", "Grant Control To public", "Create Login x With Password = 'y'",
+          "Shutdown", "Declare @x int", "While 1 = 1 Select 1", "Waitfor Delay '01:00:00'"};
+}
+
+struct Refused : tsql::ResultSink {
+  void columns(std::span<const tsql::Column> /*columns*/) override {}
+  void row(std::span<const tsql::Value> /*values*/) override {}
+  void rowsAffected(std::int64_t /*count*/) override {}
+};
+
+TEST(PowerOfAValue, NoStatementLeavesTheAccountFile) {
+  constexpr int refusedByStorage = 50000;
+  std::filesystem::remove(outsideFile());
+  const auto account = desk().open();
+  for (const std::string& statement : waysOut()) {
+    SCOPED_TRACE(statement);
+    Refused sink;
+    try {
+      account->run(statement, sink);
+      ADD_FAILURE() << "it ran";
+    } catch (const tsql::SqlError& error) {
+      EXPECT_NE(error.number(), refusedByStorage) << error.message();
+      EXPECT_FALSE(error.message().empty());
+    }
+    EXPECT_FALSE(std::filesystem::exists(outsideFile()));
+  }
+}
+
+// Not even for who gets past the T-SQL: the connection takes no other file.
+TEST(PowerOfAValue, TheConnectionTakesNoOtherFile) {
+  const auto account = desk().open();
+  const std::string attach = "ATTACH DATABASE ':memory:' AS other";
+  EXPECT_NE(sqlite3_exec(account->handle(), attach.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+  const std::string into = "VACUUM INTO '" + workbench::utf8FromPath(outsideFile()) + "'";
+  EXPECT_NE(sqlite3_exec(account->handle(), into.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+  EXPECT_FALSE(std::filesystem::exists(outsideFile()));
+}
+
+TEST(PowerOfAValue, PastedStatementsLeaveTheAccountFileNeither) {
+  const workbench::ReportRegistration& report = workbench::fxWtRegistration();
+  const std::string usual = desk().run(report, {}).rows;
+  const std::filesystem::path file = outsideFile();
+  const std::string out = "'" + workbench::utf8FromPath(file) + "'";
+  for (const std::string& statement :
+       {"Attach Database " + out + " As other", "Vacuum Into " + out, "Backup Database account To Disk = " + out,
+        std::string("Exec xp_cmdshell 'dir'")}) {
+    SCOPED_TRACE(statement);
+    const ReportRun run = desk().run(report, {{"cVouCode", "x' " + statement + " --"}});
+    EXPECT_EQ(run.failures.size(), 1U);
+    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_EQ(desk().run(report, {}).rows, usual);
+  }
+}
+
+// What SECURITY.md says openly: a value that ends its text runs what follows, with the rights of the connection.
+TEST(PowerOfAValue, WithinTheAccountIsThatOfTheConnection) {
+  Desk own;
+  own.open()->execute("Create Table Precious(a int) Insert Into Precious Values(1)");
+  own.run(workbench::fxWtRegistration(), {{"cVouCode", "x' Drop Table Precious --"}});
+  EXPECT_TRUE(own.open()->describe("Precious").empty());
+}
+
+TEST(PowerOfAValue, AConnectionForReadingRefusesToWrite) {
+  const auto account =
+      tsql::Connection::open(workbench::accountFile(desk().account().connectionString()), tsql::OpenMode::readOnly);
+  constexpr int readOnly = 3906;
+  try {
+    account->execute("Drop Table Inventory");
+    ADD_FAILURE() << "it ran";
+  } catch (const tsql::SqlError& error) {
+    EXPECT_EQ(error.number(), readOnly) << error.message();
+  }
+}
+
+}  // namespace
+}  // namespace quillon::bad_values
