@@ -271,6 +271,7 @@ void checkCall(Bytes& bytes) {
   DISPPARAMS parameters{given.data(), names.data(), static_cast<UINT>(given.size()), static_cast<UINT>(names.size())};
 
   std::vector<Readings> before;
+  before.reserve(given.size());
   for (const Variant& value : given)
     before.push_back(readingsOf(value));
   try {
