@@ -61,8 +61,7 @@ make_packages() (
   build release-win32 Quillon QuillonWorkbench quillon
   tests/packaging/version_test.sh CHANGELOG.md "$version" build/release/bin/quillon
   say "packing"
-  cpack --config build/release/CPackConfig.cmake -B packages >build-deb.log || fail "cpack failed: $PWD/build-deb.log"
-  cp packages/*.deb "$output/"
+  packaging/pack_deb.sh build/release "$output" >/dev/null
   packaging/pack_win32.sh build/release-win32 "$output" >/dev/null
   cd "$output"
   sha256sum -- * >SHA256SUMS

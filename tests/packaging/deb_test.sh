@@ -6,6 +6,8 @@
 set -euo pipefail
 build=$1
 version=$2
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+umask 022
 fail() {
   printf 'failed: %s\n' "$*" >&2
   exit 1
@@ -13,10 +15,8 @@ fail() {
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-SOURCE_DATE_EPOCH=1700000000 cpack --config "$build/CPackConfig.cmake" -B "$work/packages" >"$work/log" 2>&1 || {
-  cat "$work/log"
-  fail "the package cannot be made"
-}
+# Whatever rights the files of whoever packs get.
+(umask 077 && SOURCE_DATE_EPOCH=1700000000 "$root/packaging/pack_deb.sh" "$build" "$work/packages")
 package=$work/packages/quillon_${version}_amd64.deb
 field() { dpkg-deb --field "$package" "$1"; }
 [ "$(field Version)" = "$version" ] || fail "the package is of version $(field Version)"
@@ -43,6 +43,7 @@ deb --install "$package"
 [ "$(dpkg-query --admindir="$work/dpkg" -W -f '${Status}' quillon)" = "install ok installed" ] || fail "it is not installed"
 (cd "$target" && find . ! -type d ! -path './usr/share/doc/quillon/docs/*' ! -name SECURITY.md -printf '%P\n' | LC_ALL=C sort) \
   >"$work/files"
+[ -z "$(find "$target" ! -perm -u=r,g=r,o=r)" ] || fail "not everyone may read $(find "$target" ! -perm -u=r,g=r,o=r)"
 diff -u - "$work/files" <<'END' || fail "the package does not hold the files that it should"
 usr/bin/another
 usr/bin/quillon
