@@ -11,11 +11,12 @@ namespace quillon::faults {
 
 namespace {
 
-// One line of each voucher type stays beside the inventory's ledger, and of the second kind of issue adjustments.
+// Beside the inventory's first months stays one line of each voucher type that a drill-through tells apart, and of the
+// second kind of issue adjustments.
 constexpr std::array thinOut = {
-    "Delete From ia_subsidiary Where (cInvCode Is Null Or cInvCode <> N'0402-00019') And AutoID Not In (Select "
-    "Min(AutoID) From ia_subsidiary Group By cVouType) And AutoID Not In (Select Min(AutoID) From ia_subsidiary Where "
-    "cBusType = N'分项调整')",
+    "Delete From ia_subsidiary Where (cInvCode Is Null Or cInvCode <> N'0402-00019' Or iMonth > 6) And AutoID Not In "
+    "(Select Min(AutoID) From ia_subsidiary Where cVouType In (N'20', N'21', N'24', N'30', N'32', N'70') Group By "
+    "cVouType) And AutoID Not In (Select Min(AutoID) From ia_subsidiary Where cBusType = N'分项调整')",
     // The sample has no planned price adjustment.
     "Update ia_subsidiary Set cVouType = N'22' Where cVouType = N'70'",
     "Delete From ia_subsidiary_Item Where iSubID Not In (Select AutoID From ia_subsidiary)",
