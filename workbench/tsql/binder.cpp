@@ -11,6 +11,7 @@ namespace quillon::tsql {
 namespace {
 
 constexpr int kDeepestView = 32;
+constexpr int kMostViews = 1000;
 
 std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
   std::string result;
@@ -178,6 +179,13 @@ std::string Binder::addTable(const ObjectName& name, const std::string& alias, S
   }
   if (++viewDepth_ > kDeepestView) {
     throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
+  }
+  // Views that read views twice double with each level.
+  if (++views_ > kMostViews) {
+    throw SqlError(40510,
+                   "The embedded engine does not support more than " + std::to_string(kMostViews) +
+                       " views in one statement, those inside views included. Read some of them into a table first.",
+                   name.place.line, name.written);
   }
   const auto statements = parseBatch(view->definition);
   const BoundQuery inner = query(*statements.at(0)->query, nullptr, Naming::columns);

@@ -117,6 +117,7 @@ class Binder {
   Catalog& catalog_;
   bool exactSums_;
   int viewDepth_ = 0;
+  int views_ = 0;  // bound so far
 };
 
 // Whether an expression holds an aggregate of its own query (not of a sub-query).

@@ -123,6 +123,14 @@ Type unify(std::vector<Fragment>& values) {
 
 Fragment Binder::value(const Expression& expression, Scope& scope) {
   Fragment result = located(expression, [&] { return unboxed(expression, scope); });
+  // NullIf and Case repeat their operand, so that nested ones double with each level.
+  constexpr std::size_t mostBytes = 4'000'000;
+  if (!expression.operands.empty() && result.sql.size() > mostBytes) {
+    throw SqlError(40510,
+                   "The embedded engine does not support an expression that is nested in this way: " +
+                       expression.place.token + " repeats what it is given too often. Compute a part of it beforehand.",
+                   expression.place.line, expression.place.token);
+  }
   if (scope.grouped && !result.bare.empty() &&
       std::find(scope.groups.begin(), scope.groups.end(), result.sql) != scope.groups.end()) {
     std::erase_if(result.bare, [&](const BareColumn& bare) { return bare.scope == &scope; });

@@ -2,6 +2,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
+
 #include "workbench/tsql/sqlite_functions.h"
 
 namespace quillon::tsql {
@@ -44,6 +47,15 @@ ConstraintPlace constraintPlace(std::string_view message) {
   }
 }
 
+// Whether SQLite refuses a statement for its size: tables in a join, columns, queries in a union, depth of the tree.
+bool exceedsLimit(int code, std::string_view message) {
+  if (code == SQLITE_TOOBIG) return true;
+  constexpr auto limits = std::to_array<std::string_view>(
+      {"too many ", "at most ", "Expression tree is too large", "parser stack overflow"});
+  return code == SQLITE_ERROR &&
+         std::ranges::any_of(limits, [message](std::string_view limit) { return message.starts_with(limit); });
+}
+
 }  // namespace
 
 SumOverflow::SumOverflow() : SqlError(8115, "Arithmetic overflow error converting expression to data type numeric.") {}
@@ -55,6 +67,10 @@ void throwSqliteError(sqlite3* database) {
   if (code == SQLITE_ERROR) {
     if (const auto error = errorFrom(message)) throw *error;
     if (message == "integer overflow") throw SumOverflow();
+  }
+  if (exceedsLimit(code, message)) {
+    throw SqlError(40510, "The embedded engine does not support statements or values of this size (" + message +
+                              "). Break the statement up, or run it on a real server.");
   }
   switch (code) {
     case SQLITE_CONSTRAINT:

@@ -20,7 +20,7 @@ class SumOverflow : public SqlError {
 };
 
 // Throws what the last failure of the handle means in SQL Server's numbers and texts: an error raised by one of the
-// engine's own functions as it stands, SQLite's constraint errors as 515, 2627, 8115.
+// engine's own functions as it stands, SQLite's constraint errors as 515, 2627, 8115, its limits as 40510.
 [[noreturn]] void throwSqliteError(sqlite3* database);
 
 // Runs SQLite statements that give no rows.

@@ -60,6 +60,63 @@ TEST_F(Expression, AnAggregateInAConditionIsRefusedAlsoFromASubQueryWithoutTable
   EXPECT_EQ(query("select i from t where i in (select max(i) from t)"), "int: 1");
 }
 
+std::string repeated(std::string_view text, int times) {
+  std::string result;
+  for (int i = 0; i < times; ++i)
+    result += text;
+  return result;
+}
+
+// What the parser lets through, everything behind it walks without running out of stack.
+TEST_F(Expression, WhatIsJustNotTooDeepRuns) {
+  run("create table t(i int) insert into t values(1)");
+  EXPECT_EQ(value(repeated("(", 240) + "7" + repeated(")", 240)), "int: 7");
+  EXPECT_EQ(value(repeated("- ", 240) + "7"), "int: 7");
+  EXPECT_EQ(value(repeated("isnull(", 240) + "7" + repeated(", 0)", 240)), "int: 7");
+  EXPECT_EQ(value(repeated("case when 1 = 1 then ", 200) + "7" + repeated(" end", 200)), "int: 7");
+  EXPECT_EQ(value(repeated("(select ", 80) + "7" + repeated(")", 80)), "int: 7");
+  EXPECT_EQ(value("1" + repeated(" + 1", 2'400)), "int: 2401");
+  EXPECT_EQ(query("select i from t where " + repeated("not ", 240) + "i = 1"), "int: 1");
+  EXPECT_EQ(query("select i from t where i = 1" + repeated(" and i = 1", 1'200)), "int: 1");
+  EXPECT_EQ(query("select i from t where i = 2" + repeated(" or i = 2", 1'199) + " or i = 1"), "int: 1");
+  EXPECT_EQ(query("select i from " + repeated("(select i from ", 80) + "t" + repeated(") x", 80)), "int: 1");
+  EXPECT_EQ(query("select 1 as i" + repeated(" union select 1", 400)), "int: 1");
+}
+
+TEST_F(Expression, WhatTheStorageHasNoRoomForIsRefusedByName) {
+  run("create table t(i int) insert into t values(1)");
+  const std::string refused = "40510";
+  EXPECT_EQ(query("select 1 from t" + repeated(" cross join t", 70)), "1013");
+  std::string joins = "select 1 as i from t";
+  for (int i = 0; i < 70; ++i)
+    joins += " cross join t t" + std::to_string(i);
+  EXPECT_EQ(query(joins), refused);
+  EXPECT_EQ(query("select 1 as i" + repeated(" union all select 1", 600)), refused);
+  EXPECT_EQ(query("select 1 as i" + repeated(", 1", 3'000)), refused);
+}
+
+// Where the translation repeats an operand, nesting would double its text with each level.
+TEST_F(Expression, WhatDoublesWithEachLevelEnds) {
+  const std::string refused = "40510";
+  EXPECT_EQ(value(repeated("nullif(", 10) + "7" + repeated(", 2)", 10)), "int: 7");
+  EXPECT_EQ(value(repeated("nullif(", 60) + "7" + repeated(", 2)", 60)), refused);
+  EXPECT_EQ(value(repeated("case ", 60) + "7" + repeated(" when 1 then 2 when 3 then 4 else 7 end", 60)), refused);
+  run("create table t(i int) insert into t values(1)");
+  run("create view v0 as select i from t");
+  std::string last = "v0";
+  std::string outcome;
+  for (int level = 1; level <= 20 && outcome.empty(); ++level) {
+    const std::string view = "v" + std::to_string(level);
+    try {
+      run("create view " + view + " as select a.i from " + last + " a, " + last + " b");
+    } catch (const SqlError& error) {
+      outcome = std::to_string(error.number());
+    }
+    last = view;
+  }
+  EXPECT_EQ(outcome, refused);
+}
+
 TEST_F(Expression, TheSystemDatabaseIsThereAndCannotBeMadeAgain) {
   EXPECT_EQ(value("db_id(N'OrvSystem')"), "int: 5");
   EXPECT_EQ(value("db_id('tempdb')"), "int: 2");
