@@ -41,7 +41,7 @@ deb() {
 contents >"$work/before"
 deb --install "$package"
 [ "$(dpkg-query --admindir="$work/dpkg" -W -f '${Status}' quillon)" = "install ok installed" ] || fail "it is not installed"
-(cd "$target" && find . ! -type d ! -path './usr/share/doc/quillon/docs/*' ! -name SECURITY.md -printf '%P\n' | LC_ALL=C sort) \
+(cd "$target" && find . ! -type d ! -path './usr/share/doc/quillon/docs/*' -printf '%P\n' | LC_ALL=C sort) \
   >"$work/files"
 [ -z "$(find "$target" ! -perm -u=r,g=r,o=r)" ] || fail "not everyone may read $(find "$target" ! -perm -u=r,g=r,o=r)"
 diff -u - "$work/files" <<'END' || fail "the package does not hold the files that it should"
@@ -50,6 +50,7 @@ usr/bin/quillon
 usr/share/doc/another
 usr/share/doc/quillon/CHANGELOG.md
 usr/share/doc/quillon/README.md
+usr/share/doc/quillon/SECURITY.md
 usr/share/doc/quillon/copyright
 usr/share/doc/quillon/licenses/cli11.txt
 usr/share/doc/quillon/licenses/libxlsxwriter.txt

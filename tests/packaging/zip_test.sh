@@ -10,13 +10,14 @@ mkdir "$work/by cost item (1)"
 unzip -q "$folder/quillon-$version-win32.zip" -d "$work/by cost item (1)"
 package="$work/by cost item (1)/quillon-$version-win32"
 # The files that whoever gets the archive needs to find; the documents are those of the source.
-(cd "$package" && find . -type f ! -path './docs/*' ! -name SECURITY.md -printf '%P\n' | LC_ALL=C sort) >"$work/files"
+(cd "$package" && find . -type f ! -path './docs/*' -printf '%P\n' | LC_ALL=C sort) >"$work/files"
 diff -u - "$work/files" <<'END' || fail "the archive does not hold the files that it should"
 CHANGELOG.md
 Quillon.dll
 Quillon.tlb
 QuillonWorkbench.dll
 README.md
+SECURITY.md
 licenses/README.txt
 licenses/cli11.txt
 licenses/gcc-runtime.txt
