@@ -15,9 +15,11 @@ fail() {
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# Whatever rights the files of whoever packs get.
-(umask 077 && SOURCE_DATE_EPOCH=1700000000 "$root/packaging/pack_deb.sh" "$build" "$work/packages")
+export SOURCE_DATE_EPOCH=1700000000
+"$root/packaging/pack_deb.sh" "$build" "$work/packages"
 package=$work/packages/quillon_${version}_amd64.deb
+(umask 077 && TZ=Asia/Shanghai "$root/packaging/pack_deb.sh" "$build" "$work/again")
+cmp "$package" "$work/again/$(basename "$package")" || fail "packing twice gives two packages"
 field() { dpkg-deb --field "$package" "$1"; }
 [ "$(field Version)" = "$version" ] || fail "the package is of version $(field Version)"
 # The libraries that the program asks the system for, by the packages that they are in.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Packs what is built for Win32, twice, and makes what the tests of the packages need: a Wine prefix in which nothing has
-# been installed yet, and a sample account. Usage: prepare.sh BUILD_FOLDER FOLDER VERSION
+# Packs what is built for Win32, and again under other settings, which must give the same, and makes what the tests of the
+# packages need: a Wine prefix in which nothing has been installed yet, and a sample account. Usage: prepare.sh BUILD_FOLDER FOLDER VERSION
 set -euo pipefail
 build=$1
 folder=$2
@@ -12,6 +12,8 @@ mkdir -p "$folder"
 echo "$version" >"$folder/version"
 export SOURCE_DATE_EPOCH=1700000000
 "$root/packaging/pack_win32.sh" "$build" "$folder"
+(umask 077 && TZ=Asia/Shanghai "$root/packaging/pack_win32.sh" "$build" "$folder/again")
+for again in "$folder"/again/*; do cmp "$folder/$(basename "$again")" "$again"; done
 
 export QUILLON_WINEPREFIX=$folder/prefix
 wine() { "$root/tools/wine.sh" "$@" </dev/null; }
