@@ -108,6 +108,8 @@ auto LateBound::read(const wchar_t* member, std::initializer_list<Variant> argum
   try {
     return convert(value);
   } catch (const AutomationError& error) {
+    // What an object said of its own value stays as it is.
+    if (error.source() != conversionSource) throw;
     throw AutomationError(error.code(), source_,
                           source_ + "." + toUtf8(std::wstring_view(member)) + ": " + error.description());
   }
@@ -130,7 +132,8 @@ LateBound LateBound::object(const wchar_t* member, std::string resultSource,
   return {read(member, arguments,
                [](const VARIANT& value) {
                  ComPtr<IDispatch> object = toObject(value);
-                 if (!object) throw AutomationError(objectNotSet, {}, "The object is not set.");
+                 if (!object)
+                   throw AutomationError(objectNotSet, std::string(conversionSource), "The object is not set.");
                  return object;
                }),
           std::move(resultSource)};

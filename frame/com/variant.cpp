@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/automation_error.h"
+#include "frame/com/errors.h"
 
 namespace quillon::com {
 
@@ -22,7 +23,7 @@ VARIANT* source(const VARIANT& value) {
 
 [[noreturn]] void throwMismatch(const VARIANT& value, const char* wanted) {
   throw AutomationError(
-      hresult::typeMismatch, "Quillon",
+      hresult::typeMismatch, std::string(conversionSource),
       "A value of automation type " + std::to_string(value.vt) + " cannot be read as " + wanted + ".");
 }
 
@@ -46,11 +47,15 @@ Variant plainValue(const VARIANT& value, const char* wanted) {
   Variant plain = dereferenced(value);
   if (!isObject(plain)) return plain;
   const ComPtr<IDispatch> object = toObject(plain);
+  if (!object) throwMismatch(plain, wanted);
   DISPPARAMS none{};
   Variant result;
-  if (!object || FAILED(object->Invoke(DISPID_VALUE, IID_NULL, neutralLocale, DISPATCH_PROPERTYGET | DISPATCH_METHOD,
-                                       &none, result.out(), nullptr, nullptr)))
-    throwMismatch(plain, wanted);
+  EXCEPINFO info{};
+  const HRESULT code = object->Invoke(DISPID_VALUE, IID_NULL, neutralLocale, DISPATCH_PROPERTYGET | DISPATCH_METHOD,
+                                      &none, result.out(), &info, nullptr);
+  // An object that has the value but cannot give it says why itself.
+  if (code == DISP_E_EXCEPTION) throw takeExcepInfo(info, "Object", "Value");
+  if (FAILED(code)) throwMismatch(plain, wanted);
   result = dereferenced(result);
   if (isObject(result)) throwMismatch(result, wanted);
   return result;

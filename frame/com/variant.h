@@ -82,8 +82,10 @@ class Variant : public VARIANT {
 };
 
 // --- Reading. Every form is taken: by value, by typed reference, by reference to a variant, however deep. What cannot
-// be read as asked throws AutomationError with DISP_E_TYPEMISMATCH, a reference that leads nowhere or to itself included.
-// An object stands for the value of its default member.
+// be read as asked throws AutomationError with DISP_E_TYPEMISMATCH and the source conversionSource, a reference that leads
+// nowhere or to itself included. An object stands for the value of its default member; what that member fails with is
+// thrown as it is.
+inline constexpr std::string_view conversionSource = "Quillon";
 
 // A copy of the value behind all references.
 Variant dereferenced(const VARIANT& value);

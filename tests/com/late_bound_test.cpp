@@ -8,6 +8,18 @@
 namespace quillon::com {
 namespace {
 
+// Has a value, but cannot give it.
+class Wary : public Automation<Wary> {
+ public:
+  static std::span<const Member> members() {
+    static constexpr Member rows[] = {{L"Value", DISPID_VALUE, readable, 0, 0, &Wary::value}};
+    return rows;
+  }
+
+ private:
+  Variant value(Call& /*call*/) { throw AutomationError(E_ACCESSDENIED, "Wary", "The value is not to be had."); }
+};
+
 // Answers as the objects of Basic do: a failure is described in EXCEPINFO, at once or when it is asked for.
 class Callee : public Automation<Callee> {
  public:
@@ -20,6 +32,7 @@ class Callee : public Automation<Callee> {
         {L"Count", 4, callable, 1, 1, &Callee::count},
         {L"Owner", 5, DISPATCH_PROPERTYPUTREF, 0, 0, &Callee::owner},
         {L"PlainOwner", 6, DISPATCH_PROPERTYPUT, 0, 0, &Callee::owner},
+        {L"Wary", 7, readable, 0, 0, &Callee::wary},
     };
     return rows;
   }
@@ -68,6 +81,7 @@ class Callee : public Automation<Callee> {
   }
   Variant nothing(Call& /*call*/) { return Variant(static_cast<IDispatch*>(nullptr)); }
   Variant self(Call& /*call*/) { return this; }
+  Variant wary(Call& /*call*/) { return makeObject<Wary>(); }
   Variant count(Call& call) {
     call.writeBack(0, Variant(3));
     return {};
@@ -182,6 +196,17 @@ TEST_F(LateBoundTest, AResultOfTheWrongKindNamesTheMember) {
   const AutomationError error = errorOf([&] { object_.integer(L"Name"); });
   EXPECT_EQ(error.code(), DISP_E_TYPEMISMATCH);
   EXPECT_TRUE(error.description().starts_with("Callee.Object.Name: ")) << error.description();
+}
+
+TEST_F(LateBoundTest, AnErrorOfTheDefaultMemberOfAResultIsPassedOn) {
+  const auto expectItsError = [](const AutomationError& error) {
+    EXPECT_EQ(error.code(), E_ACCESSDENIED);
+    EXPECT_EQ(error.source(), "Wary");
+    EXPECT_EQ(error.description(), "The value is not to be had.");
+  };
+  expectItsError(errorOf([&] { object_.text(L"Wary"); }));
+  expectItsError(errorOf([&] { object_.integer(L"Wary"); }));
+  expectItsError(errorOf([&] { object_.flag(L"Wary"); }));
 }
 
 }  // namespace

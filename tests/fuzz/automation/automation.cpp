@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "frame/com/errors.h"
+
 struct SAFEARRAY {
   LONG lowest = 0;
   std::vector<VARIANT> elements;
@@ -392,4 +394,12 @@ HRESULT SafeArrayPutElement(SAFEARRAY* array, LONG* index, void* element) {
 HRESULT SafeArrayGetElement(SAFEARRAY* array, LONG* index, void* element) {
   VARIANT* const place = elementAt(array, *index);
   return place == nullptr ? DISP_E_BADINDEX : VariantCopy(static_cast<VARIANT*>(element), place);
+}
+
+// No object of the native builds fails with a description; the library's own reading of one runs under Wine.
+quillon::AutomationError quillon::com::takeExcepInfo(EXCEPINFO& info, std::string_view source,
+                                                     std::string_view member) {
+  SysFreeString(info.bstrSource);
+  SysFreeString(info.bstrDescription);
+  return {info.scode, std::string(source), std::string(member)};
 }

@@ -50,6 +50,7 @@ inline constexpr HRESULT E_INVALIDARG = failure(0x80070057);
 inline constexpr HRESULT DISP_E_MEMBERNOTFOUND = failure(0x80020003);
 inline constexpr HRESULT DISP_E_PARAMNOTFOUND = failure(0x80020004);
 inline constexpr HRESULT DISP_E_TYPEMISMATCH = failure(0x80020005);
+inline constexpr HRESULT DISP_E_EXCEPTION = failure(0x80020009);
 inline constexpr HRESULT DISP_E_BADVARTYPE = failure(0x80020008);
 inline constexpr HRESULT DISP_E_OVERFLOW = failure(0x8002000A);
 inline constexpr HRESULT DISP_E_BADINDEX = failure(0x8002000B);
@@ -99,7 +100,14 @@ inline constexpr IID IID_IDispatch{2};
 #define STDMETHODIMP_(type) type
 
 struct VARIANT;
-struct EXCEPINFO;
+struct EXCEPINFO {
+  WORD wCode;
+  BSTR bstrSource;
+  BSTR bstrDescription;
+  SCODE scode;
+};
+struct IErrorInfo;
+HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info);
 struct ITypeInfo;
 
 struct DISPPARAMS {
