@@ -24,6 +24,12 @@ if(QUILLON_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(QUILLON_THREAD_SANITIZE)
+  # Applied to everything, too, so that a race in SQLite is seen as well.
+  add_compile_options(-fsanitize=thread)
+  add_link_options(-fsanitize=thread)
+endif()
+
 if(QUILLON_COVERAGE)
   # The project's own code only: what the libraries do is counted nowhere.
   target_compile_options(quillon_options INTERFACE --coverage -fprofile-update=atomic)

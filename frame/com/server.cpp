@@ -4,6 +4,7 @@
 #include "frame/com/errors.h"
 #include "frame/com/module_state.h"
 #include "frame/com/registration.h"
+#include "frame/com/runtime_release.h"
 
 using namespace quillon::com;
 
@@ -18,7 +19,10 @@ BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, void* processEnds) {
       return TRUE;
     case DLL_PROCESS_DETACH:
       // A process that ends takes everything with it.
-      if (!processEnds) endThreadStates();
+      if (!processEnds) {
+        endThreadStates();
+        releaseRuntime();
+      }
       return TRUE;
     default:
       return TRUE;
@@ -42,7 +46,9 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
 STDAPI DllCanUnloadNow() {
   if (LiveCount::value() != 0 || ClassFactory::locks() != 0) return S_FALSE;
   releaseThreadState();
-  return threadStates() == 0 ? S_OK : S_FALSE;
+  if (threadStates() != 0) return S_FALSE;
+  releaseRuntimeOfThread();
+  return S_OK;
 }
 
 STDAPI DllRegisterServer() {

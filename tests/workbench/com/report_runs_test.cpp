@@ -9,6 +9,7 @@
 #include "frame/com/late_bound.h"
 #include "frame/com/win32.h"
 #include "tests/com/quillon_library.h"
+#include "tests/long_life/process_level.h"
 #include "workbench/account/account.h"
 #include "workbench/com/platform_objects.h"
 #include "workbench/platform/account_source.h"
@@ -19,12 +20,6 @@ namespace quillon::workbench {
 namespace {
 
 constexpr CLSID sfcItemClass = {0xe518f10c, 0xf08e, 0x4684, {0xa4, 0x65, 0x50, 0xe6, 0x80, 0x8d, 0x03, 0x1e}};
-
-DWORD handles() {
-  DWORD count = 0;
-  if (!GetProcessHandleCount(GetCurrentProcess(), &count)) throw std::runtime_error("handles cannot be counted");
-  return count;
-}
 
 class ReportRunsTest : public testing::Test {
  protected:
@@ -90,23 +85,23 @@ class ReportRunsTest : public testing::Test {
 TEST_F(ReportRunsTest, TwoHundredRunsLeaveNothing) {
   EXPECT_GT(run({"cModal=1"}), 0);
   const long objects = com::LiveCount::value();
-  const DWORD handlesBefore = handles();
+  const std::uint32_t handlesBefore = long_life::processLevel().handles;
   for (int round = 0; round < 200; ++round) {
     EXPECT_GT(run({"cModal=" + std::to_string(round % 3)}), 0);
   }
   EXPECT_EQ(com::LiveCount::value(), objects);
-  EXPECT_LE(handles(), handlesBefore);
+  EXPECT_LE(long_life::processLevel().handles, handlesBefore);
   EXPECT_EQ(library_.canUnload(), S_OK);
 }
 
 TEST_F(ReportRunsTest, RunsThatStopAtTheGroupIndexLeaveOneConnection) {
   EXPECT_GT(run({"cModal=1", "cFSType=1"}), 0);
   const long objects = com::LiveCount::value();
-  const DWORD handlesBefore = handles();
+  const std::uint32_t handlesBefore = long_life::processLevel().handles;
   for (int round = 0; round < 20; ++round)
     EXPECT_GT(run({"cModal=1", "cFSType=1"}), 0);
   EXPECT_EQ(com::LiveCount::value(), objects);
-  EXPECT_LE(handles(), handlesBefore);
+  EXPECT_LE(long_life::processLevel().handles, handlesBefore);
   // The connection that the last build left open keeps the library loaded, until the next run replaces and closes it.
   EXPECT_EQ(library_.canUnload(), S_FALSE);
   EXPECT_GT(run({"cModal=1"}), 0);

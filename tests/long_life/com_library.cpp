@@ -1,0 +1,115 @@
+#include "tests/long_life/com_library.h"
+
+#include <frame/com/quillon_interfaces.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "frame/com/late_bound.h"
+#include "workbench/cli/library_runner.h"
+#include "workbench/com/platform_objects.h"
+
+namespace quillon {
+
+namespace {
+
+long_life::ComLibrary* loaded = nullptr;
+
+CLSID classId(const std::string& name) {
+  if (name == "clsSFC_Item") return __uuidof(clsSFC_Item);
+  if (name == "clsOutsum_Item") return __uuidof(clsOutsum_Item);
+  if (name == "clsFXDetail") return __uuidof(clsFXDetail);
+  if (name == "clsFXWt") return __uuidof(clsFXWt);
+  if (name == "clsSFCFilterControl") return __uuidof(clsSFCFilterControl);
+  if (name == "clsFilterControl") return __uuidof(clsFilterControl);
+  if (name == "clsWtFilterControl") return __uuidof(clsWtFilterControl);
+  throw std::invalid_argument("no class " + name);
+}
+
+com::LateBound createInstance(std::string_view className) {
+  if (!loaded) throw std::logic_error("Quillon.dll is not loaded");
+  const std::string name(className);
+  return {loaded->create<IDispatch>(classId(name)), "Quillon." + name};
+}
+
+}  // namespace
+
+namespace long_life {
+
+ComLibrary::ComLibrary() {
+  loaded = this;
+}
+
+ComLibrary::~ComLibrary() {
+  loaded = nullptr;
+}
+
+}  // namespace long_life
+
+namespace workbench {
+
+namespace {
+
+class LibraryReportRunner final : public ReportRunner {
+ public:
+  explicit LibraryReportRunner(EmbeddedPlatform& platform)
+      : standIn_(platform, std::shared_ptr<SessionMonitor>(std::shared_ptr<void>(), platform.options().monitor)) {}
+
+  void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+    call(L"GETSQL", report, argument);
+  }
+  void execute(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+    call(L"Execute", report, argument);
+  }
+
+ private:
+  static void call(const wchar_t* member, const ReportRegistration& report,
+                   const std::shared_ptr<WorkbenchArgument>& argument) {
+    const com::ComPtr<IDispatch> e = argumentObject(argument);
+    IDispatch* reference = e.get();
+    createInstance(report.reportClass).call(member, {com::Variant::reference(reference)});
+  }
+
+  PlatformStandIn standIn_;
+};
+
+class LibraryDialogRunner final : public DialogRunner {
+ public:
+  LibraryDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
+                      std::shared_ptr<FilterDialogObject> dialog)
+      : standIn_(platform, nullptr),
+        control_(createInstance(report.filterControl)),
+        filter_(dialogDispatch(std::move(dialog))) {}
+
+  void init() override { control_.call(L"CallBack_FilterInit", {com::Variant(filter_)}); }
+  void changed(const std::string& key) override {
+    control_.call(L"CallBack_ValueChange", {key, com::Variant(filter_)});
+  }
+  bool click() override {
+    com::Variant cancel(false);
+    control_.call(L"CallBack_FilterClick", {com::Variant(filter_), com::Variant::reference(cancel)});
+    return !com::toFlag(cancel);
+  }
+  // The view makes no difference to the rows.
+  std::optional<std::string> view() override { return std::nullopt; }
+  std::optional<std::string> viewAfterChange(const std::string&) override { return std::nullopt; }
+
+ private:
+  PlatformStandIn standIn_;
+  com::LateBound control_;
+  com::ComPtr<IDispatch> filter_;
+};
+
+}  // namespace
+
+std::unique_ptr<ReportRunner> makeReportRunner(EmbeddedPlatform& platform) {
+  return std::make_unique<LibraryReportRunner>(platform);
+}
+
+std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
+                                               std::shared_ptr<FilterDialogObject> dialog) {
+  return std::make_unique<LibraryDialogRunner>(platform, report, std::move(dialog));
+}
+
+}  // namespace workbench
+}  // namespace quillon

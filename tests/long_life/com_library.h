@@ -1,0 +1,17 @@
+// Quillon.dll behind the commands of the workbench: while a ComLibrary lives, reports, dialogs and drill-throughs that the
+// commands run are objects of the library that it loaded, called late-bound as the host platform calls them.
+#pragma once
+
+#include "frame/com/live_count.h"
+#include "tests/com/quillon_library.h"
+
+namespace quillon::long_life {
+
+// Loads Quillon.dll and unloads it. One at a time.
+class ComLibrary : public com::test::QuillonLibrary {
+ public:
+  ComLibrary();
+  ~ComLibrary();
+};
+
+}  // namespace quillon::long_life

@@ -1,0 +1,45 @@
+// Quillon.dll loaded, used, asked, unloaded and loaded again, over and over: each time it is really gone, and takes with
+// it whatever it held.
+#include <gtest/gtest.h>
+
+#include <iostream>
+
+#include "tests/com/com_scope.h"
+#include "tests/long_life/com_library.h"
+#include "tests/long_life/flat_level.h"
+#include "tests/long_life/small_account.h"
+
+namespace quillon::long_life {
+namespace {
+
+TEST(Reload, LeavesNothing) {
+  const int reloads = numberFromEnvironment("QUILLON_RELOADS", 40);
+  const com::test::ComScope apartment;
+  const SmallAccount account(1);
+  const std::vector<Use> uses = account.uses();
+
+  const auto reload = [&](int round) {
+    {
+      const ComLibrary library;
+      EXPECT_NE(account.resultOf(uses[static_cast<std::size_t>(round) % uses.size()]), "");
+      EXPECT_EQ(library.canUnload(), S_OK);
+    }
+    ASSERT_EQ(GetModuleHandleW(L"Quillon.dll"), nullptr) << "round " << round;
+  };
+  const int warmUp = 2 * static_cast<int>(uses.size());
+  for (int round = 0; round < warmUp; ++round)
+    reload(round);
+
+  const ProcessLevel before = processLevel();
+  for (int round = 0; round < reloads && !HasFailure(); ++round)
+    reload(round);
+  const ProcessLevel after = processLevel();
+  std::cout << "long life: reloads | " << reloads << " reloads | " << described(before, after) << '\n';
+  // What mingw-w64's thread library keeps of each library that was ever loaded, used or not, and of the thread that used
+  // it: a few hundred bytes that nobody can release.
+  constexpr std::uint64_t keptOfALoad = 512;
+  expectFlat(before, after, static_cast<std::uint64_t>(reloads) * keptOfALoad);
+}
+
+}  // namespace
+}  // namespace quillon::long_life

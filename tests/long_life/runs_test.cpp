@@ -1,0 +1,43 @@
+// Thousands of reports, dialogs and documents in one process through Quillon.dll: the process holds no more at the end
+// than when each had been made twice.
+#include <gtest/gtest.h>
+
+#include <iostream>
+
+#include "tests/com/com_scope.h"
+#include "tests/long_life/com_library.h"
+#include "tests/long_life/flat_level.h"
+#include "tests/long_life/small_account.h"
+
+namespace quillon::long_life {
+namespace {
+
+TEST(Runs, LeaveNothing) {
+  const int runs = numberFromEnvironment("QUILLON_RUNS", 200);
+  const com::test::ComScope apartment;
+  const ComLibrary library;
+  const SmallAccount account(1);
+  const std::vector<Use> uses = account.uses();
+
+  std::vector<std::string> known;
+  for (const Use& use : uses)
+    known.push_back(account.resultOf(use));
+  for (std::size_t i = 0; i < uses.size(); ++i)
+    EXPECT_EQ(account.resultOf(uses[i]), known[i]);
+
+  EXPECT_EQ(library.canUnload(), S_OK);
+  const long objects = com::LiveCount::value();
+  const ProcessLevel before = processLevel();
+  for (int run = 0; run < runs; ++run) {
+    const std::size_t use = static_cast<std::size_t>(run) % uses.size();
+    ASSERT_EQ(account.resultOf(uses[use]), known[use]) << "run " << run;
+  }
+  EXPECT_EQ(library.canUnload(), S_OK);
+  const ProcessLevel after = processLevel();
+  std::cout << "long life: runs | " << runs << " runs | " << described(before, after) << '\n';
+  expectFlat(before, after);
+  EXPECT_EQ(com::LiveCount::value(), objects);
+}
+
+}  // namespace
+}  // namespace quillon::long_life
