@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,11 @@ struct Pair {
   std::string plain;
   std::string second;
 };
+
+// GoogleTest would print the bytes of the texts, those that were never set as well.
+void PrintTo(const Pair& pair, std::ostream* out) {
+  *out << pair.plain << ", " << pair.second;
+}
 class VoucherTypePairs : public testing::TestWithParam<Pair> {};
 
 TEST_P(VoucherTypePairs, TheFirstFlavourAloneLeavesNoList) {
