@@ -82,7 +82,7 @@ TEST(PowerOfAValue, TheConnectionTakesNoOtherFile) {
 TEST(PowerOfAValue, PastedStatementsLeaveTheAccountFileNeither) {
   const workbench::ReportRegistration& report = workbench::fxWtRegistration();
   const std::string usual = desk().run(report, {}).rows;
-  const std::filesystem::path file = outsideFile();
+  const std::filesystem::path& file = outsideFile();
   const std::string out = "'" + workbench::utf8FromPath(file) + "'";
   for (const std::string& statement :
        {"Attach Database " + out + " As other", "Vacuum Into " + out, "Backup Database account To Disk = " + out,
