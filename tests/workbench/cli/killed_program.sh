@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# quillon.exe is killed after growing delays while it writes an account, and while a report takes the place of an older
+# file: the name is then free, or has all of the file, old or new; and what was left does not harm the next run.
+# Usage: killed_program.sh QUILLON_EXE
+set -euo pipefail
+quillon=$1
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../.." && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() {
+  echo "failed: $*"
+  exit 1
+}
+run() { "$root/tools/wine.sh" "$quillon" "$@" </dev/null >"$work/output" 2>&1; }
+# Usage: killed_after SECONDS ARGUMENT...; true when the program was still at work.
+killed_after() {
+  local delay=$1 program
+  shift
+  "$root/tools/wine.sh" "$quillon" "$@" </dev/null >"$work/output" 2>&1 &
+  program=$!
+  sleep "$delay"
+  kill -9 "$program" 2>/dev/null || true
+  ! wait "$program" 2>/dev/null
+}
+account="Z:$work/killed.account"
+new_account=(account new "$account" --rows 3000 --seed 2)
+report=(report sfc-item --account "$account" --set cModal=1 --format csv -o "Z:$work/report.csv")
+delays=(0.1 0.2 0.3 0.5 0.7 0.9 1.2 1.6)
+
+killed=0
+for delay in "${delays[@]}"; do
+  ! killed_after "$delay" "${new_account[@]}" || killed=$((killed + 1))
+  if [ -e "$work/killed.account" ]; then
+    run account check "$account" || fail "a new account was left broken after $delay s: $(cat "$work/output")"
+    rm "$work/killed.account"
+  fi
+done
+[ "$killed" -gt 0 ] || fail "no run was killed: nothing was tried"
+run "${new_account[@]}" || fail "an account cannot be made after kills: $(cat "$work/output")"
+
+run "${report[@]}" || fail "$(cat "$work/output")"
+cp "$work/report.csv" "$work/whole.csv"
+for delay in "${delays[@]}"; do
+  echo old >"$work/report.csv"
+  ! killed_after "$delay" "${report[@]}" || killed=$((killed + 1))
+  [ "$(cat "$work/report.csv")" = old ] || cmp "$work/report.csv" "$work/whole.csv" ||
+    fail "a report was left broken after $delay s"
+done
+run "${report[@]}" || fail "a report cannot be made after kills: $(cat "$work/output")"
+cmp "$work/report.csv" "$work/whole.csv"
+echo "$killed kills"
