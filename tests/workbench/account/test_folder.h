@@ -1,4 +1,4 @@
-// A folder of one test's own, gone with it.
+// A folder of one test's own, gone with it; another run of the same test meanwhile has another.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,8 +19,8 @@ class TestFolder {
   TestFolder() {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
     folder_ = std::filesystem::temp_directory_path() /
-              ("quillon-" + std::string(test->test_suite_name()) + "-" + std::string(test->name()));
-    std::filesystem::remove_all(folder_);
+              ("quillon-" + std::string(test->test_suite_name()) + "-" + std::string(test->name()) + "-" +
+               std::to_string(std::random_device()()));
     std::filesystem::create_directories(folder_);
   }
   TestFolder(const TestFolder&) = delete;

@@ -31,9 +31,11 @@ using ::testing::HasSubstr;
 
 constexpr account::SampleOptions tiny{.rows = 500, .seed = 3, .years = 1};
 
+constexpr int eachAtTheEnds = 6;  // changes at either end of a run before each of which the program is killed
+
 // Before which of `changes` changes the program is killed.
 std::vector<int> killsOf(int changes) {
-  constexpr int eachAtTheEnds = 6, between = 6;
+  constexpr int between = 6;
   const int step = std::getenv("QUILLON_EVERY_KILL") != nullptr ? 1 : std::max(1, changes / between);
   std::vector<int> kills;
   for (int change = 1; change <= changes; ++change) {
@@ -126,7 +128,7 @@ class Interruption : public ::testing::Test {
           std::filesystem::remove(folder_ / name);
         });
     EXPECT_GT(timesAbsent, 0);
-    EXPECT_LE(timesMade, 5) << "after the new name comes only what is cleared away and what is said";
+    EXPECT_LE(timesMade, eachAtTheEnds) << "after the new name comes only what is cleared away and what is said";
     EXPECT_THAT(folder_.names(), ::testing::IsSupersetOf(others));
   }
 
