@@ -31,11 +31,16 @@ using ::testing::HasSubstr;
 
 constexpr account::SampleOptions tiny{.rows = 500, .seed = 3, .years = 1};
 
-constexpr int eachAtTheEnds = 6;  // changes at either end of a run before each of which the program is killed
+// Changes at either end of a run before each of which the program is killed, and how many between. A program with
+// sanitizers takes long to start; there, fewer have to do.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int eachAtTheEnds = 2, between = 2;
+#else
+constexpr int eachAtTheEnds = 6, between = 6;
+#endif
 
 // Before which of `changes` changes the program is killed.
 std::vector<int> killsOf(int changes) {
-  constexpr int between = 6;
   const int step = std::getenv("QUILLON_EVERY_KILL") != nullptr ? 1 : std::max(1, changes / between);
   std::vector<int> kills;
   for (int change = 1; change <= changes; ++change) {
