@@ -99,11 +99,13 @@ def main():
     for job in everything:
         if (CACHE / job[1]).exists():
             (CACHE / job[1]).touch()
+    not_clean = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        findings = [text for text in pool.map(check, open_jobs) if text]
-    sys.stdout.write("".join(findings))
-    print(f"clang-tidy: {len(open_jobs)} of {len(everything)} files looked at, {len(findings)} not clean")
-    return 1 if findings else 0
+        for finding in filter(None, pool.map(check, open_jobs)):
+            not_clean += 1
+            print(finding, end="", flush=True)
+    print(f"clang-tidy: {len(open_jobs)} of {len(everything)} files looked at, {not_clean} not clean")
+    return 1 if not_clean else 0
 
 
 sys.exit(main())
