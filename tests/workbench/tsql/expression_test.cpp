@@ -103,16 +103,16 @@ TEST_F(Expression, WhatDoublesWithEachLevelEnds) {
   EXPECT_EQ(value(repeated("case ", 60) + "7" + repeated(" when 1 then 2 when 3 then 4 else 7 end", 60)), refused);
   run("create table t(i int) insert into t values(1)");
   run("create view v0 as select i from t");
-  std::string last = "v0";
+  const auto view = [](int level) { return "v" + std::to_string(level); };
   std::string outcome;
   for (int level = 1; level <= 20 && outcome.empty(); ++level) {
-    const std::string view = "v" + std::to_string(level);
+    std::string statement = "create view " + view(level) + " as select a.i from ";
+    statement += view(level - 1) + " a, " + view(level - 1) + " b";
     try {
-      run("create view " + view + " as select a.i from " + last + " a, " + last + " b");
+      run(statement);
     } catch (const SqlError& error) {
       outcome = std::to_string(error.number());
     }
-    last = view;
   }
   EXPECT_EQ(outcome, refused);
 }
