@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <map>
 #include <memory>
 #include <new>
@@ -23,6 +22,7 @@
 #include "reports/sfc_item/sfc_item.h"
 #include "tests/faults/memory.h"
 #include "tests/faults/outside.h"
+#include "tests/faults/statement_text.h"
 #include "tests/faults/tally.h"
 #include "tests/faults/watched_ports.h"
 #include "tests/frame/fake_dialog.h"
@@ -82,20 +82,6 @@ Outcome run(Thread& thread, Work& work, std::size_t failAt) {
   }
   thread.outside.rest();
   return outcome;
-}
-
-// The text without what is new in each run: the numbers of work tables.
-std::string withoutNumbers(std::string text) {
-  for (const std::string_view before : {"77u", "_FXDetail_", "_FXDetail2_"}) {
-    for (std::size_t at = text.find(before); at != std::string::npos; at = text.find(before, at + 1)) {
-      const std::size_t start = at + before.size();
-      std::size_t end = start;
-      while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])) != 0)
-        ++end;
-      text.erase(start, end - start);
-    }
-  }
-  return text;
 }
 
 // The calls of a run, a line each, without those that only a thread's first run makes.

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,6 +18,7 @@
 #include "tests/com/fake_platform.h"
 #include "tests/com/quillon_library.h"
 #include "tests/faults/com/import_table.h"
+#include "tests/faults/statement_text.h"
 #include "tests/faults/tally.h"
 
 namespace quillon::faults {
@@ -40,20 +40,6 @@ enum class Answer {
   absorbsBuild,  // but not once it has the name of the result table: the build then only leaves the connection open
   neverFails,    // once the instance is made
 };
-
-// The text without what is new in each run: the numbers of work tables.
-std::string withoutNumbers(std::string text) {
-  for (const std::string_view before : {"77u", "_FXDetail_", "_FXDetail2_"}) {
-    for (std::size_t at = text.find(before); at != std::string::npos; at = text.find(before, at + 1)) {
-      const std::size_t start = at + before.size();
-      std::size_t end = start;
-      while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])) != 0)
-        ++end;
-      text.erase(start, end - start);
-    }
-  }
-  return text;
-}
 
 // The calls of a run, a line each, without those that only a thread's first run makes.
 std::string callsOf(const Recorder& recorder) {
