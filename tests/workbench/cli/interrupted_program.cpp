@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,8 +22,16 @@ namespace {
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-// Whether this call changes the file system, or might.
-bool changesFiles(const __ptrace_syscall_info& call) {
+// Whether the descriptor that a process writes to is a pipe. What is said on standard error goes into one, and a
+// sanitizer tries addresses out by writing from them into one.
+bool isPipe(pid_t process, std::uint64_t descriptor) {
+  struct stat status {};
+  const std::string path = "/proc/" + std::to_string(process) + "/fd/" + std::to_string(descriptor);
+  return stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+// Whether this call of the process changes the file system, or might.
+bool changesFiles(pid_t process, const __ptrace_syscall_info& call) {
   const auto opensForWriting = [](std::uint64_t flags) {
     return (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0;
   };
@@ -38,9 +47,11 @@ bool changesFiles(const __ptrace_syscall_info& call) {
     case SYS_mkdir:
     case SYS_rmdir:
     case SYS_chmod:
+      return true;
 #endif
     case SYS_write:
     case SYS_writev:
+      return !isPipe(process, call.entry.args[0]);
     case SYS_pwrite64:
     case SYS_pwritev:
     case SYS_ftruncate:
@@ -117,7 +128,7 @@ class Tracer {
   bool entersChange() const {
     __ptrace_syscall_info call{};
     if (ptrace(PTRACE_GET_SYSCALL_INFO, process_, sizeof call, &call) < 0) fail("PTRACE_GET_SYSCALL_INFO");
-    return call.op == PTRACE_SYSCALL_INFO_ENTRY && changesFiles(call);
+    return call.op == PTRACE_SYSCALL_INFO_ENTRY && changesFiles(process_, call);
   }
 
   pid_t process_;
