@@ -13,12 +13,13 @@ if(WIN32)
   target_link_options(quillon_options INTERFACE -Wl,--enable-stdcall-fixup -Wl,--no-insert-timestamp)
 endif()
 
+if((QUILLON_SANITIZE OR QUILLON_THREAD_SANITIZE) AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # What the sanitizers add to the code makes GCC 12 take the storage of std::variant and std::optional for
+  # uninitialised; the native build keeps that warning.
+  target_compile_options(quillon_options INTERFACE -Wno-maybe-uninitialized)
+endif()
+
 if(QUILLON_SANITIZE)
-  # What the sanitizers add to the code makes GCC 12 take std::variant's storage for uninitialised; the native build
-  # keeps that warning.
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(quillon_options INTERFACE -Wno-maybe-uninitialized)
-  endif()
   # Applied to everything, SQLite and GoogleTest included, so that memory is tracked across the seams.
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
