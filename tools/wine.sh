@@ -6,19 +6,20 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${QUILLON_WINEPREFIX:-$root/.wine} WINEARCH=win32 WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 unset DISPLAY WAYLAND_DISPLAY
-# Several tests may start at once: one of them makes the prefix, the others wait.
-if [ ! -f "$WINEPREFIX/.ready" ]; then
-  mkdir -p "$WINEPREFIX"
-  (
-    flock 9
-    if [ ! -f "$WINEPREFIX/.ready" ]; then
-      wineboot --init >/dev/null 2>&1 </dev/null
-      wineserver --wait
-      touch "$WINEPREFIX/.ready"
-    fi
-  ) 9>"$WINEPREFIX.lock"
-fi
-# The first program in a prefix brings up Wine's services, which hold on to its output for as long as any program runs: a
-# test would seem to last that long. So they are brought up apart.
-if ! wineserver -k0 2>/dev/null; then wineboot >/dev/null 2>&1 </dev/null; fi
+# Several tests may start at once: one of them makes the prefix and brings Wine up, the others wait.
+mkdir -p "$WINEPREFIX"
+(
+  flock 9
+  if [ ! -f "$WINEPREFIX/.ready" ]; then
+    wineboot --init >/dev/null 2>&1 </dev/null 9>&-
+    wineserver --wait
+    touch "$WINEPREFIX/.ready"
+  fi
+  # A server that ended with its last program could go just when the next one has found it. So it stays for a while,
+  # $QUILLON_WINE_STAYS seconds. Wine's services are brought up apart from the program: they would hold on to its output.
+  if ! wineserver -k0 2>/dev/null; then
+    wineserver -p"${QUILLON_WINE_STAYS:-30}" >/dev/null 2>&1 </dev/null 9>&-
+    wineboot >/dev/null 2>&1 </dev/null 9>&-
+  fi
+) 9>"$WINEPREFIX.lock"
 exec wine "$@"

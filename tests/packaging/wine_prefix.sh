@@ -2,7 +2,8 @@
 # For the tests of the Win32 packages, to be sourced: a Wine prefix of their own, and what is in it. Takes $folder, where
 # the prefix, the packages and the sample account lie (prepare.sh). A failed check ends the test.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-export QUILLON_WINEPREFIX=$folder/prefix
+# Wine goes soon after its last program: what it wrote of the prefix is whole then.
+export QUILLON_WINEPREFIX=$folder/prefix QUILLON_WINE_STAYS=2
 version=$(<"$folder/version")
 work=$(mktemp -d)
 # Nothing of this test keeps running, whatever it ends with.
