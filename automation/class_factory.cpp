@@ -1,8 +1,8 @@
-#include "frame/com/class_factory.h"
+#include "automation/class_factory.h"
 
 #include <atomic>
 
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 namespace quillon::com {
 

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "frame/com/com_object.h"
+#include "automation/com_object.h"
 
 namespace quillon::com {
 

@@ -1,6 +1,6 @@
-#include "frame/com/class_lookup.h"
+#include "automation/class_lookup.h"
 
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 namespace quillon::com {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "frame/com/late_bound.h"
+#include "automation/late_bound.h"
 
 namespace quillon::com {
 

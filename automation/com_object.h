@@ -5,8 +5,8 @@
 #include <new>
 #include <utility>
 
-#include "frame/com/com_ptr.h"
-#include "frame/com/live_count.h"
+#include "automation/com_ptr.h"
+#include "automation/live_count.h"
 
 namespace quillon::com {
 

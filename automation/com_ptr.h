@@ -4,7 +4,7 @@
 #include <concepts>
 #include <utility>
 
-#include "frame/com/win32.h"
+#include "automation/win32.h"
 
 namespace quillon::com {
 

@@ -1,6 +1,6 @@
-#include "frame/com/dispatch_object.h"
+#include "automation/dispatch_object.h"
 
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 namespace quillon::com {
 

@@ -24,8 +24,8 @@
 #include <span>
 #include <string>
 
-#include "frame/com/com_object.h"
-#include "frame/com/variant.h"
+#include "automation/com_object.h"
+#include "automation/variant.h"
 
 namespace quillon::com {
 

@@ -1,4 +1,4 @@
-#include "frame/com/dual_invoke.h"
+#include "automation/dual_invoke.h"
 
 #include <cstddef>
 #include <new>
@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
+#include "automation/com_ptr.h"
+#include "automation/errors.h"
+#include "automation/invoke_arguments.h"
+#include "automation/variant.h"
 #include "frame/automation_error.h"
-#include "frame/com/com_ptr.h"
-#include "frame/com/errors.h"
-#include "frame/com/invoke_arguments.h"
-#include "frame/com/variant.h"
 
 namespace quillon::com {
 

@@ -2,7 +2,7 @@
 // automation clients pass them and calls the interface's own slot.
 #pragma once
 
-#include "frame/com/win32.h"
+#include "automation/win32.h"
 
 namespace quillon::com {
 

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <utility>
 
-#include "frame/com/com_object.h"
-#include "frame/com/dual_invoke.h"
-#include "frame/com/errors.h"
-#include "frame/com/text.h"
-#include "frame/com/type_description.h"
+#include "automation/com_object.h"
+#include "automation/dual_invoke.h"
+#include "automation/errors.h"
+#include "automation/text.h"
+#include "automation/type_description.h"
 
 namespace quillon::com {
 

@@ -1,11 +1,11 @@
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 #include <array>
 #include <cstdio>
 #include <new>
 
-#include "frame/com/com_ptr.h"
-#include "frame/com/text.h"
+#include "automation/com_ptr.h"
+#include "automation/text.h"
 
 namespace quillon::com {
 

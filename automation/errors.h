@@ -6,8 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "automation/win32.h"
 #include "frame/automation_error.h"
-#include "frame/com/win32.h"
 
 namespace quillon::com {
 

@@ -1,4 +1,4 @@
-#include "frame/com/invoke_arguments.h"
+#include "automation/invoke_arguments.h"
 
 #include <cstddef>
 

@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
-#include "frame/com/variant.h"
-#include "frame/com/win32.h"
+#include "automation/variant.h"
+#include "automation/win32.h"
 
 namespace quillon::com {
 

@@ -1,10 +1,10 @@
-#include "frame/com/late_bound.h"
+#include "automation/late_bound.h"
 
 #include <algorithm>
 #include <utility>
 #include <vector>
 
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 namespace quillon::com {
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "frame/com/variant.h"
+#include "automation/variant.h"
 
 namespace quillon::com {
 

@@ -1,4 +1,4 @@
-#include "frame/com/text.h"
+#include "automation/text.h"
 
 #include <cstddef>
 #include <new>

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/com/win32.h"
+#include "automation/win32.h"
 
 namespace quillon::com {
 

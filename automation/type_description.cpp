@@ -1,8 +1,8 @@
-#include "frame/com/type_description.h"
+#include "automation/type_description.h"
 
 #include <string>
 
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 namespace quillon::com {
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "frame/com/com_ptr.h"
-#include "frame/com/win32.h"
+#include "automation/com_ptr.h"
+#include "automation/win32.h"
 
 namespace quillon::com {
 

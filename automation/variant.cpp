@@ -1,4 +1,4 @@
-#include "frame/com/variant.h"
+#include "automation/variant.h"
 
 #include <array>
 #include <charconv>
@@ -6,8 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "automation/errors.h"
 #include "frame/automation_error.h"
-#include "frame/com/errors.h"
 
 namespace quillon::com {
 

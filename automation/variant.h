@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/com/com_ptr.h"
-#include "frame/com/text.h"
-#include "frame/com/win32.h"
+#include "automation/com_ptr.h"
+#include "automation/text.h"
+#include "automation/win32.h"
 
 namespace quillon::com {
 

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "frame/com/com_ptr.h"
-#include "frame/com/quillon_interfaces.h"
+#include "automation/com_ptr.h"
+#include "component/quillon_interfaces.h"
 
 namespace {
 

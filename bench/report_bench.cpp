@@ -32,10 +32,10 @@
 #include <vector>
 
 #include "workbench/account/account.h"
+#include "workbench/catalogue/registrations.h"
 #include "workbench/cli/library_runner.h"
 #include "workbench/platform/account_source.h"
-#include "workbench/platform/registrations.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace {
 

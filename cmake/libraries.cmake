@@ -36,7 +36,7 @@ target_compile_definitions(xlsxwriter PRIVATE USE_NO_MD5 NOCRYPT NOUNCRYPT)
 target_compile_options(xlsxwriter PRIVATE -w)
 target_link_libraries(xlsxwriter PRIVATE ZLIB::ZLIB)
 if(WIN32)
-  # File names are UTF-8 here; Windows' own fopen would take them for its code page (workbench/cli/xlsx_workbook.cpp).
+  # File names are UTF-8 here; Windows' own fopen would take them for its code page (workbench/presentation/xlsx_workbook.cpp).
   set_source_files_properties(${minizip}/ioapi.c PROPERTIES COMPILE_DEFINITIONS fopen64=quillon_open_utf8)
 endif()
 # Its counterpart, with which the tests read what was written.

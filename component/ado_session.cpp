@@ -1,8 +1,8 @@
-#include "frame/com/ado_session.h"
+#include "component/ado_session.h"
 
 #include <charconv>
 
-#include "frame/com/platform_bindings.h"
+#include "component/platform_bindings.h"
 
 namespace quillon::com {
 

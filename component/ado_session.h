@@ -1,7 +1,7 @@
 // The session port over an ADO Connection, called late-bound by member name.
 #pragma once
 
-#include "frame/com/late_bound.h"
+#include "automation/late_bound.h"
 #include "frame/session.h"
 
 namespace quillon::com {

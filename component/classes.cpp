@@ -1,14 +1,14 @@
-#include "frame/com/classes.h"
+#include "component/classes.h"
 
 #include <memory>
 #include <string>
 
+#include "automation/dual_object.h"
+#include "component/module_state.h"
+#include "component/quillon_interfaces.h"
 #include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
 #include "filters/wt_filter_control.h"
-#include "frame/com/dual_object.h"
-#include "frame/com/module_state.h"
-#include "frame/com/quillon_interfaces.h"
 #include "reports/fx_detail/fx_detail.h"
 #include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"

@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "frame/com/com_ptr.h"
+#include "automation/com_ptr.h"
 
 namespace quillon::com {
 

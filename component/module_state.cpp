@@ -1,4 +1,4 @@
-#include "frame/com/module_state.h"
+#include "component/module_state.h"
 
 #include <atomic>
 #include <new>

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "frame/com/platform_objects.h"
+#include "component/platform_adapters.h"
 #include "frame/module.h"
 
 namespace quillon::com {

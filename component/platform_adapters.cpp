@@ -1,11 +1,11 @@
-#include "frame/com/platform_objects.h"
+#include "component/platform_adapters.h"
 
 #include <array>
 #include <cstdio>
 #include <utility>
 
+#include "automation/errors.h"
 #include "frame/automation_error.h"
-#include "frame/com/errors.h"
 
 namespace quillon::com {
 

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/com/ado_session.h"
-#include "frame/com/late_bound.h"
-#include "frame/com/platform_bindings.h"
+#include "automation/late_bound.h"
+#include "component/ado_session.h"
+#include "component/platform_bindings.h"
 #include "frame/filter_dialog.h"
 #include "frame/platform.h"
 

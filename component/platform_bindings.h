@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "frame/com/class_lookup.h"
+#include "automation/class_lookup.h"
 
 namespace quillon::com::bindings {
 

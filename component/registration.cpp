@@ -1,13 +1,13 @@
-#include "frame/com/registration.h"
+#include "component/registration.h"
 
 #include <array>
 #include <string>
 
+#include "automation/errors.h"
+#include "automation/text.h"
+#include "automation/type_description.h"
+#include "component/classes.h"
 #include "frame/automation_error.h"
-#include "frame/com/classes.h"
-#include "frame/com/errors.h"
-#include "frame/com/text.h"
-#include "frame/com/type_description.h"
 
 namespace quillon::com {
 

@@ -1,6 +1,6 @@
-#include "frame/com/runtime_release.h"
+#include "component/runtime_release.h"
 
-#include "frame/com/win32.h"
+#include "automation/win32.h"
 
 // The library's own directory of thread-local storage, as mingw-w64's start-up code lays it out.
 extern "C" const IMAGE_TLS_DIRECTORY _tls_used;

@@ -1,10 +1,10 @@
 // The entry points of Quillon.dll.
-#include "frame/com/class_factory.h"
-#include "frame/com/classes.h"
-#include "frame/com/errors.h"
-#include "frame/com/module_state.h"
-#include "frame/com/registration.h"
-#include "frame/com/runtime_release.h"
+#include "automation/class_factory.h"
+#include "automation/errors.h"
+#include "component/classes.h"
+#include "component/module_state.h"
+#include "component/registration.h"
+#include "component/runtime_release.h"
 
 using namespace quillon::com;
 

@@ -1,5 +1,5 @@
 // The host platform's ports: the argument object and the login that a report gets, and the components that the
-// library creates. frame/com implements them with late-bound automation objects, the workbench with its own.
+// library creates. component/ implements them with late-bound automation objects, the workbench with its own.
 // Every member throws AutomationError with the failing call's own code, source and description. All texts are UTF-8.
 // Members with a body are those that not every platform offers: called where they are not offered, they throw an
 // AutomationError that names the member, except where the member says otherwise.

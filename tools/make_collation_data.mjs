@@ -1,4 +1,4 @@
-// Writes the two data files of the collation, workbench/tsql/pinyin_order.inc and workbench/tsql/letter_folds.inc.
+// Writes the two data files of the collation, workbench/tsql/values/pinyin_order.inc and workbench/tsql/values/letter_folds.inc.
 //
 //   node tools/make_collation_data.mjs
 //
@@ -33,7 +33,7 @@ for (let i = 1; i < common.length; ++i) {
 const lines = [];
 for (let i = 0; i < han.length; i += 60) lines.push(`u"${han.slice(i, i + 60).join('')}"`);
 writeFileSync(
-  'workbench/tsql/pinyin_order.inc',
+  'workbench/tsql/values/pinyin_order.inc',
   '// The Chinese characters U+3400..U+4DBF and U+4E00..U+9FFF by pinyin. Made by tools/make_collation_data.mjs.\n' +
     lines.join('\n') + '\n');
 
@@ -69,7 +69,7 @@ for (let code = 0x80; code <= 0xffef; ++code) {
 const foldLines = [];
 for (let i = 0; i < folds.length; i += 5) foldLines.push(folds.slice(i, i + 5).join(' '));
 writeFileSync(
-  'workbench/tsql/letter_folds.inc',
+  'workbench/tsql/values/letter_folds.inc',
   '// {character, letter it counts as, number of its accents}. Made by tools/make_collation_data.mjs.\n' +
     foldLines.join('\n') + '\n');
 console.log(`${han.length} Chinese characters, ${folds.length} other characters, ${accents.size} accents`);

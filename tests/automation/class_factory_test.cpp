@@ -1,11 +1,11 @@
-#include "frame/com/class_factory.h"
+#include "automation/class_factory.h"
 
 #include <gtest/gtest.h>
 
+#include "automation/class_lookup.h"
+#include "automation/dispatch_object.h"
 #include "frame/automation_error.h"
-#include "frame/com/class_lookup.h"
-#include "frame/com/dispatch_object.h"
-#include "tests/com/com_scope.h"
+#include "tests/automation/com_scope.h"
 
 namespace quillon::com {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-#include "frame/com/win32.h"
+#include "automation/win32.h"
 
 namespace quillon::com::test {
 

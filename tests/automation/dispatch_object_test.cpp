@@ -1,12 +1,12 @@
-#include "frame/com/dispatch_object.h"
+#include "automation/dispatch_object.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <vector>
 
+#include "automation/text.h"
 #include "frame/automation_error.h"
-#include "frame/com/text.h"
 
 namespace quillon::com {
 namespace {

@@ -1,12 +1,12 @@
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 #include <gtest/gtest.h>
 
 #include <new>
 #include <stdexcept>
 
-#include "frame/com/com_object.h"
-#include "frame/com/text.h"
+#include "automation/com_object.h"
+#include "automation/text.h"
 
 namespace quillon::com {
 namespace {

@@ -1,9 +1,9 @@
-#include "frame/com/late_bound.h"
+#include "automation/late_bound.h"
 
 #include <gtest/gtest.h>
 
+#include "automation/dispatch_object.h"
 #include "frame/automation_error.h"
-#include "frame/com/dispatch_object.h"
 
 namespace quillon::com {
 namespace {

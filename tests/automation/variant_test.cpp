@@ -1,12 +1,12 @@
-#include "frame/com/variant.h"
+#include "automation/variant.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
+#include "automation/dispatch_object.h"
 #include "frame/automation_error.h"
-#include "frame/com/dispatch_object.h"
 
 namespace quillon::com {
 namespace {

@@ -9,9 +9,9 @@
 
 #include "tests/faults/tiny_account.h"
 #include "workbench/account/account.h"
+#include "workbench/catalogue/registrations.h"
 #include "workbench/cli/library_runner.h"
 #include "workbench/platform/account_source.h"
-#include "workbench/platform/registrations.h"
 
 namespace quillon::bad_values {
 

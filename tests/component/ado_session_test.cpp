@@ -1,11 +1,11 @@
-#include "frame/com/ado_session.h"
+#include "component/ado_session.h"
 
 #include <gtest/gtest.h>
 
+#include "component/platform_adapters.h"
 #include "frame/automation_error.h"
-#include "frame/com/platform_objects.h"
-#include "tests/com/com_scope.h"
-#include "tests/com/fake_platform.h"
+#include "tests/automation/com_scope.h"
+#include "tests/component/fake_platform.h"
 
 namespace quillon::com::test {
 namespace {

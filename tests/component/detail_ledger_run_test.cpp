@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "automation/late_bound.h"
 #include "frame/automation_error.h"
-#include "frame/com/late_bound.h"
-#include "tests/com/com_scope.h"
-#include "tests/com/fake_platform.h"
-#include "tests/com/quillon_library.h"
-#include "tests/com/recorded_calls.h"
+#include "tests/automation/com_scope.h"
+#include "tests/component/fake_platform.h"
+#include "tests/component/quillon_library.h"
+#include "tests/component/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {

@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "automation/late_bound.h"
+#include "automation/text.h"
+#include "component/quillon_interfaces.h"
 #include "frame/automation_error.h"
-#include "frame/com/late_bound.h"
-#include "frame/com/quillon_interfaces.h"
-#include "frame/com/text.h"
-#include "tests/com/com_scope.h"
-#include "tests/com/fake_platform.h"
-#include "tests/com/quillon_library.h"
-#include "tests/com/recorded_calls.h"
+#include "tests/automation/com_scope.h"
+#include "tests/component/fake_platform.h"
+#include "tests/component/quillon_library.h"
+#include "tests/component/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {

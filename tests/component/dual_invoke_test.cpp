@@ -1,6 +1,6 @@
 // Every form in which automation clients pass arguments, against objects of this program that have the interfaces of
 // Quillon.dll's type library (which this program carries as well).
-#include "frame/com/dual_invoke.h"
+#include "automation/dual_invoke.h"
 
 #include <gtest/gtest.h>
 
@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/dual_object.h"
-#include "frame/com/quillon_interfaces.h"
-#include "frame/com/variant.h"
-#include "tests/com/com_scope.h"
+#include "automation/dual_object.h"
+#include "automation/variant.h"
+#include "component/quillon_interfaces.h"
+#include "tests/automation/com_scope.h"
 
 namespace quillon::com::test {
 namespace {

@@ -1,9 +1,9 @@
-#include "tests/com/fake_object.h"
+#include "tests/component/fake_object.h"
 
 #include <utility>
 
+#include "automation/text.h"
 #include "frame/automation_error.h"
-#include "frame/com/text.h"
 
 namespace quillon::com::test {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/dispatch_object.h"
+#include "automation/dispatch_object.h"
 
 namespace quillon::com::test {
 

@@ -1,9 +1,9 @@
-#include "tests/com/fake_platform.h"
+#include "tests/component/fake_platform.h"
 
+#include "automation/com_object.h"
+#include "automation/errors.h"
+#include "automation/text.h"
 #include "frame/automation_error.h"
-#include "frame/com/com_object.h"
-#include "frame/com/errors.h"
-#include "frame/com/text.h"
 
 namespace quillon::com::test {
 

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/class_factory.h"
-#include "frame/com/platform_bindings.h"
-#include "tests/com/fake_object.h"
+#include "automation/class_factory.h"
+#include "component/platform_bindings.h"
+#include "tests/component/fake_object.h"
 
 namespace quillon::com::test {
 

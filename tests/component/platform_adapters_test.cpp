@@ -1,4 +1,4 @@
-#include "frame/com/platform_objects.h"
+#include "component/platform_adapters.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +7,9 @@
 #include <string>
 
 #include "frame/automation_error.h"
-#include "tests/com/com_scope.h"
-#include "tests/com/fake_platform.h"
-#include "tests/com/recorded_calls.h"
+#include "tests/automation/com_scope.h"
+#include "tests/component/fake_platform.h"
+#include "tests/component/recorded_calls.h"
 
 namespace quillon::com::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "frame/com/com_ptr.h"
+#include "automation/com_ptr.h"
 
 namespace quillon::com::test {
 

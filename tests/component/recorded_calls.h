@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/com/fake_platform.h"
+#include "tests/component/fake_platform.h"
 
 namespace quillon::com::test {
 

@@ -5,9 +5,9 @@
 #include <map>
 #include <string>
 
-#include "frame/com/text.h"
-#include "tests/com/com_scope.h"
-#include "tests/com/quillon_library.h"
+#include "automation/text.h"
+#include "tests/automation/com_scope.h"
+#include "tests/component/quillon_library.h"
 
 namespace quillon::com::test {
 namespace {

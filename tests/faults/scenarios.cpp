@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "workbench/platform/registrations.h"
+#include "workbench/catalogue/registrations.h"
 
 namespace quillon::faults {
 

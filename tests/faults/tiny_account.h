@@ -11,7 +11,7 @@
 #include "workbench/account/sample.h"
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::faults {
 

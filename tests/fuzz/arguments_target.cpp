@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "automation/com_object.h"
+#include "automation/invoke_arguments.h"
 #include "frame/automation_error.h"
-#include "frame/com/com_object.h"
-#include "frame/com/invoke_arguments.h"
 #include "tests/fuzz/targets.h"
 
 namespace quillon::fuzz {

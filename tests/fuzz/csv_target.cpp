@@ -8,7 +8,7 @@
 #include "workbench/account/account_error.h"
 #include "workbench/account/csv.h"
 #include "workbench/account/table_csv.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::fuzz {
 

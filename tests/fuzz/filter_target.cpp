@@ -4,11 +4,11 @@
 
 #include "frame/automation_error.h"
 #include "tests/fuzz/targets.h"
+#include "workbench/catalogue/registrations.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/json_file.h"
 #include "workbench/platform/filter_input.h"
-#include "workbench/platform/registrations.h"
 
 namespace quillon::fuzz {
 

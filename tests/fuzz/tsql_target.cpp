@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "tests/fuzz/targets.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::fuzz {
 

@@ -1,13 +1,13 @@
 #include "tests/long_life/com_library.h"
 
-#include <frame/com/quillon_interfaces.h>
+#include <component/quillon_interfaces.h>
 
 #include <stdexcept>
 #include <string>
 
-#include "frame/com/late_bound.h"
+#include "automation/late_bound.h"
 #include "workbench/cli/library_runner.h"
-#include "workbench/com/platform_objects.h"
+#include "workbench/com/exposed_platform.h"
 
 namespace quillon {
 

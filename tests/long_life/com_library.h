@@ -2,8 +2,8 @@
 // commands run are objects of the library that it loaded, called late-bound as the host platform calls them.
 #pragma once
 
-#include "frame/com/live_count.h"
-#include "tests/com/quillon_library.h"
+#include "automation/live_count.h"
+#include "tests/component/quillon_library.h"
 
 namespace quillon::long_life {
 

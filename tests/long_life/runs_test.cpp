@@ -4,7 +4,7 @@
 
 #include <iostream>
 
-#include "tests/com/com_scope.h"
+#include "tests/automation/com_scope.h"
 #include "tests/long_life/com_library.h"
 #include "tests/long_life/flat_level.h"
 #include "tests/long_life/small_account.h"

@@ -11,7 +11,7 @@
 
 #include "tests/long_life/small_account.h"
 #ifdef _WIN32
-#include "tests/com/com_scope.h"
+#include "tests/automation/com_scope.h"
 #include "tests/long_life/com_library.h"
 #endif
 

@@ -2,7 +2,7 @@
 // not). Says so by making a second file, and ends when that is deleted.
 //
 //   hold_file FILE SIGN
-#include "frame/com/win32.h"
+#include "automation/win32.h"
 
 int wmain(int argc, wchar_t** argv) {
   if (argc != 3) return 2;

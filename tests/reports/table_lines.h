@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::tables {
 

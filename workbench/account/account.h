@@ -9,7 +9,7 @@
 
 #include "workbench/account/account_error.h"
 #include "workbench/account/sample.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
 

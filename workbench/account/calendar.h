@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "workbench/tsql/value.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::account {
 

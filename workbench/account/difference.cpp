@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "workbench/account/schema.h"
-#include "workbench/tsql/lexer.h"
-#include "workbench/tsql/stored_schema.h"
+#include "workbench/tsql/engine/stored_schema.h"
+#include "workbench/tsql/syntax/lexer.h"
 
 namespace quillon::account {
 

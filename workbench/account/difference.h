@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "workbench/tsql/database.h"
+#include "workbench/tsql/values/database.h"
 
 namespace quillon::account {
 

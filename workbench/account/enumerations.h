@@ -1,7 +1,7 @@
 // The account's fixed lists: voucher types, business types, receipt and issue types, their names in two languages.
 #pragma once
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
 

@@ -9,7 +9,7 @@
 #include "workbench/account/table_csv.h"
 #include "workbench/account/transfer.h"
 #include "workbench/account/transfer_files.h"
-#include "workbench/tsql/stored_schema.h"
+#include "workbench/tsql/engine/stored_schema.h"
 
 namespace quillon::account {
 

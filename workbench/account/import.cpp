@@ -11,8 +11,8 @@
 #include "workbench/account/table_csv.h"
 #include "workbench/account/transfer.h"
 #include "workbench/account/transfer_files.h"
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/stored_schema.h"
+#include "workbench/tsql/engine/stored_schema.h"
+#include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::account {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
 

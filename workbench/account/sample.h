@@ -15,7 +15,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
 

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "workbench/account/table_rows.h"
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/text.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::account {
 

@@ -9,7 +9,7 @@
 #include "workbench/account/csv.h"
 #include "workbench/account/table_rows.h"
 #include "workbench/account/text_values.h"
-#include "workbench/tsql/lexer.h"
+#include "workbench/tsql/syntax/lexer.h"
 
 namespace quillon::account {
 

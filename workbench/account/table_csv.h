@@ -7,8 +7,8 @@
 #include <ostream>
 #include <string>
 
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/stored_schema.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/stored_schema.h"
 
 namespace quillon::account {
 

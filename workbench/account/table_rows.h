@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "workbench/tsql/stored_schema.h"
+#include "workbench/tsql/engine/stored_schema.h"
 
 namespace quillon::account {
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "workbench/account/calendar.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
 

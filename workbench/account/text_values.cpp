@@ -5,9 +5,9 @@
 #include <cmath>
 #include <optional>
 
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/exact.h"
-#include "workbench/tsql/text.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::account {
 

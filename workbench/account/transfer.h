@@ -10,7 +10,7 @@
 #include <filesystem>
 
 #include "workbench/account/account_error.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/catalog.h"
+#include "workbench/tsql/engine/catalog.h"
 
 namespace quillon::account {
 

@@ -1,5 +1,5 @@
-#include "workbench/platform/registration_items.h"
-#include "workbench/platform/registrations.h"
+#include "workbench/catalogue/registration_items.h"
+#include "workbench/catalogue/registrations.h"
 
 namespace quillon::workbench {
 

@@ -1,7 +1,7 @@
 #include <array>
 
-#include "workbench/platform/registration_items.h"
-#include "workbench/platform/registrations.h"
+#include "workbench/catalogue/registration_items.h"
+#include "workbench/catalogue/registrations.h"
 
 namespace quillon::workbench {
 

@@ -1,4 +1,4 @@
-#include "workbench/platform/registration_items.h"
+#include "workbench/catalogue/registration_items.h"
 
 #include <algorithm>
 #include <array>

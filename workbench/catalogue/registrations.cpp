@@ -1,4 +1,4 @@
-#include "workbench/platform/registrations.h"
+#include "workbench/catalogue/registrations.h"
 
 #include <array>
 #include <stdexcept>

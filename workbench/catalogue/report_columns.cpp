@@ -1,4 +1,4 @@
-#include "workbench/cli/report_columns.h"
+#include "workbench/catalogue/report_columns.h"
 
 #include <vector>
 

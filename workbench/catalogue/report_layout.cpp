@@ -1,4 +1,4 @@
-#include "workbench/cli/report_layout.h"
+#include "workbench/catalogue/report_layout.h"
 
 #include <array>
 #include <stdexcept>

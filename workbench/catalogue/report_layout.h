@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/cli/report_columns.h"
+#include "workbench/catalogue/report_columns.h"
 
 namespace quillon::workbench {
 

@@ -13,9 +13,9 @@
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/standard_streams.h"
-#include "workbench/cli/text_table.h"
-#include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/presentation/text_table.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 

@@ -6,8 +6,8 @@
 
 #include "workbench/account/difference.h"
 #include "workbench/cli/command_error.h"
-#include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 

@@ -1,11 +1,11 @@
 #include <string>
 
-#include "frame/com/class_lookup.h"
-#include "frame/com/errors.h"
-#include "frame/com/text.h"
-#include "frame/com/win32.h"
+#include "automation/class_lookup.h"
+#include "automation/errors.h"
+#include "automation/text.h"
+#include "automation/win32.h"
 #include "workbench/cli/library_runner.h"
-#include "workbench/com/platform_objects.h"
+#include "workbench/com/exposed_platform.h"
 
 namespace quillon::workbench {
 

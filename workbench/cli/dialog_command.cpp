@@ -4,13 +4,13 @@
 #include <map>
 #include <memory>
 
+#include "workbench/catalogue/registrations.h"
 #include "workbench/cli/account_login.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/json_file.h"
 #include "workbench/cli/named_choice.h"
-#include "workbench/platform/registrations.h"
 
 namespace quillon::workbench {
 

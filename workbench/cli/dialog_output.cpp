@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "workbench/cli/text_cells.h"
-#include "workbench/cli/text_table.h"
+#include "workbench/presentation/text_cells.h"
+#include "workbench/presentation/text_table.h"
 
 namespace quillon::workbench {
 

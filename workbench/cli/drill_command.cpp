@@ -8,13 +8,13 @@
 #include <optional>
 
 #include "frame/text.h"
+#include "workbench/catalogue/registrations.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/library_runner.h"
 #include "workbench/cli/named_choice.h"
-#include "workbench/cli/text_cells.h"
-#include "workbench/cli/text_table.h"
-#include "workbench/cli/value_output.h"
-#include "workbench/platform/registrations.h"
+#include "workbench/presentation/text_cells.h"
+#include "workbench/presentation/text_table.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 

@@ -7,20 +7,20 @@
 #include <map>
 #include <memory>
 
+#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/report_layout.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
-#include "workbench/cli/output_file.h"
 #include "workbench/cli/report_comparison.h"
-#include "workbench/cli/report_document.h"
-#include "workbench/cli/report_layout.h"
-#include "workbench/cli/report_output.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/cli/standard_streams.h"
-#include "workbench/cli/xlsx_workbook.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
-#include "workbench/platform/registrations.h"
+#include "workbench/presentation/output_file.h"
+#include "workbench/presentation/report_document.h"
+#include "workbench/presentation/report_output.h"
+#include "workbench/presentation/xlsx_workbook.h"
 
 namespace quillon::workbench {
 

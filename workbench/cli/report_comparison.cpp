@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "workbench/cli/value_output.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 

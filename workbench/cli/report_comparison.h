@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <ostream>
 
-#include "workbench/tsql/database.h"
+#include "workbench/tsql/values/database.h"
 
 namespace quillon::workbench {
 

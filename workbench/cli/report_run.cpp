@@ -4,15 +4,15 @@
 #include <chrono>
 
 #include "workbench/account/account.h"
+#include "workbench/catalogue/registrations.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/json_file.h"
 #include "workbench/cli/library_runner.h"
 #include "workbench/cli/run_monitor.h"
-#include "workbench/cli/text_cells.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
-#include "workbench/platform/registrations.h"
+#include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "workbench/cli/account_login.h"
-#include "workbench/cli/result_table.h"
 #include "workbench/platform/language.h"
+#include "workbench/presentation/result_table.h"
 
 namespace quillon::workbench {
 

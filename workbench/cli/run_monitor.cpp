@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-#include "workbench/cli/text_cells.h"
+#include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
 

@@ -10,9 +10,9 @@
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/run_monitor.h"
-#include "workbench/cli/text_table.h"
-#include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/presentation/text_table.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 

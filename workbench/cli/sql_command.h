@@ -5,7 +5,7 @@
 #include <istream>
 #include <ostream>
 
-#include "workbench/tsql/database.h"
+#include "workbench/tsql/values/database.h"
 
 namespace quillon::workbench {
 

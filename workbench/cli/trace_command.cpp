@@ -21,7 +21,7 @@
 #include "reports/sfc_item/sfc_item.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/cli/json_file.h"
-#include "workbench/platform/trace_platform.h"
+#include "workbench/trace/trace_platform.h"
 
 namespace quillon::workbench {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "frame/com/class_lookup.h"
-#include "frame/com/platform_bindings.h"
+#include "automation/class_lookup.h"
+#include "component/platform_bindings.h"
 #include "workbench/com/ado_values.h"
 #include "workbench/com/variant_list.h"
 

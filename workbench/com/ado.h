@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/class_factory.h"
-#include "frame/com/dispatch_object.h"
+#include "automation/class_factory.h"
+#include "automation/dispatch_object.h"
 #include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {

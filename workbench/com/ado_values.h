@@ -1,8 +1,8 @@
 // Values and types of the embedded account as ADO's fields give them to automation.
 #pragma once
 
-#include "frame/com/variant.h"
-#include "workbench/tsql/value.h"
+#include "automation/variant.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::workbench {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "frame/com/class_lookup.h"
-#include "frame/com/platform_bindings.h"
+#include "automation/class_lookup.h"
+#include "component/platform_bindings.h"
 #include "workbench/com/own_object.h"
 
 namespace quillon::workbench {

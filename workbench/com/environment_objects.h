@@ -2,7 +2,7 @@
 // login, environment, account options, and the numbers of work tables. Thin wrappers; workbench/platform does the work.
 #pragma once
 
-#include "frame/com/class_factory.h"
+#include "automation/class_factory.h"
 #include "workbench/platform/embedded_platform.h"
 
 namespace quillon::workbench {

@@ -1,15 +1,15 @@
-#include "workbench/com/platform_objects.h"
+#include "workbench/com/exposed_platform.h"
 
 #include <algorithm>
 #include <charconv>
 #include <string>
 #include <vector>
 
-#include "frame/com/ado_session.h"
-#include "frame/com/class_lookup.h"
-#include "frame/com/errors.h"
-#include "frame/com/platform_bindings.h"
-#include "frame/com/platform_objects.h"
+#include "automation/class_lookup.h"
+#include "automation/errors.h"
+#include "component/ado_session.h"
+#include "component/platform_adapters.h"
+#include "component/platform_bindings.h"
 #include "workbench/com/variant_list.h"
 
 namespace quillon::workbench {

@@ -1,13 +1,13 @@
 // The workbench's platform as automation objects: what the host platform hands to Quillon.dll (argument, login, data
 // source, filter) and what the library creates by ProgID. Thin wrappers; the objects of workbench/platform do the work.
-// Member names are those of frame/com/platform_bindings.h.
+// Member names are those of component/platform_bindings.h.
 #pragma once
 
 #include <memory>
 #include <optional>
 
-#include "frame/com/class_factory.h"
-#include "frame/com/dispatch_object.h"
+#include "automation/class_factory.h"
+#include "automation/dispatch_object.h"
 #include "workbench/com/ado.h"
 #include "workbench/com/environment_objects.h"
 #include "workbench/com/voucher_objects.h"

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "automation/dispatch_object.h"
 #include "frame/automation_error.h"
-#include "frame/com/dispatch_object.h"
 
 namespace quillon::workbench {
 

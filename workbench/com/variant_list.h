@@ -3,9 +3,9 @@
 
 #include <vector>
 
-#include "frame/com/com_object.h"
-#include "frame/com/dispatch_object.h"
-#include "frame/com/variant.h"
+#include "automation/com_object.h"
+#include "automation/dispatch_object.h"
+#include "automation/variant.h"
 
 namespace quillon::workbench {
 

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <utility>
 
-#include "frame/com/ado_session.h"
-#include "frame/com/class_lookup.h"
-#include "frame/com/platform_bindings.h"
-#include "frame/com/platform_objects.h"
+#include "automation/class_lookup.h"
+#include "component/ado_session.h"
+#include "component/platform_adapters.h"
+#include "component/platform_bindings.h"
 #include "frame/text.h"
 #include "workbench/com/own_object.h"
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "frame/com/class_factory.h"
+#include "automation/class_factory.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/voucher_components.h"
 

@@ -2,12 +2,12 @@
 
 #include <stdexcept>
 
-#include "frame/com/class_lookup.h"
-#include "frame/com/platform_bindings.h"
+#include "automation/class_lookup.h"
+#include "component/platform_bindings.h"
+#include "workbench/catalogue/registrations.h"
 #include "workbench/com/variant_list.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
-#include "workbench/platform/registrations.h"
 
 namespace quillon::workbench {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/ado_session.h"
-#include "frame/com/dispatch_object.h"
-#include "workbench/com/platform_objects.h"
+#include "automation/dispatch_object.h"
+#include "component/ado_session.h"
+#include "workbench/com/exposed_platform.h"
 
 namespace quillon::workbench {
 

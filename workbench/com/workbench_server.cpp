@@ -1,10 +1,10 @@
 // The entry points of QuillonWorkbench.dll: one class, QuillonWorkbench.Platform.
 #include <string>
 
+#include "automation/class_factory.h"
+#include "automation/errors.h"
+#include "automation/win32.h"
 #include "frame/automation_error.h"
-#include "frame/com/class_factory.h"
-#include "frame/com/errors.h"
-#include "frame/com/win32.h"
 #include "workbench/com/workbench_platform.h"
 
 using namespace quillon;

@@ -5,8 +5,8 @@
 
 #include "frame/text.h"
 #include "workbench/odbc/wide_text.h"
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/exact.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/exact.h"
 
 namespace quillon::odbc {
 

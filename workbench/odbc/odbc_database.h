@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/database.h"
+#include "workbench/tsql/values/database.h"
 
 namespace quillon::odbc {
 

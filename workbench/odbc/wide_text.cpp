@@ -1,6 +1,6 @@
 #include "workbench/odbc/wide_text.h"
 
-#include "workbench/tsql/text.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::odbc {
 

@@ -13,7 +13,7 @@
 #include "frame/automation_error.h"
 #include "frame/session.h"
 #include "workbench/odbc/odbc_database.h"
-#include "workbench/tsql/database.h"
+#include "workbench/tsql/values/database.h"
 
 namespace quillon::workbench {
 

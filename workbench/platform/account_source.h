@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "workbench/odbc/odbc_database.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench {
 

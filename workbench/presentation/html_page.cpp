@@ -1,8 +1,8 @@
 // A report as an HTML page. The markup stands in the order in which it is written; the style sheet is one text.
 #include <string>
 
-#include "workbench/cli/ledger_rows.h"
-#include "workbench/cli/report_output.h"
+#include "workbench/presentation/ledger_rows.h"
+#include "workbench/presentation/report_output.h"
 
 namespace quillon::workbench {
 

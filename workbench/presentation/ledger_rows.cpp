@@ -1,4 +1,4 @@
-#include "workbench/cli/ledger_rows.h"
+#include "workbench/presentation/ledger_rows.h"
 
 #include "workbench/platform/resource_texts.h"
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
-#include "workbench/cli/report_document.h"
-#include "workbench/cli/result_table.h"
+#include "workbench/presentation/report_document.h"
+#include "workbench/presentation/result_table.h"
 
 namespace quillon::workbench {
 

@@ -1,7 +1,7 @@
-#include "workbench/cli/report_document.h"
+#include "workbench/presentation/report_document.h"
 
-#include "workbench/cli/value_output.h"
 #include "workbench/platform/resource_texts.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 

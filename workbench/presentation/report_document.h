@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/cli/report_columns.h"
-#include "workbench/cli/result_table.h"
+#include "workbench/catalogue/report_columns.h"
 #include "workbench/platform/language.h"
+#include "workbench/presentation/result_table.h"
 
 namespace quillon::workbench {
 

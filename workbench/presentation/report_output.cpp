@@ -1,11 +1,11 @@
-#include "workbench/cli/report_output.h"
+#include "workbench/presentation/report_output.h"
 
 #include <algorithm>
 
 #include "frame/text.h"
-#include "workbench/cli/ledger_rows.h"
-#include "workbench/cli/text_table.h"
-#include "workbench/cli/value_output.h"
+#include "workbench/presentation/ledger_rows.h"
+#include "workbench/presentation/text_table.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 

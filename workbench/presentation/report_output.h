@@ -7,8 +7,8 @@
 #include <ostream>
 #include <string_view>
 
-#include "workbench/cli/report_document.h"
-#include "workbench/cli/result_table.h"
+#include "workbench/presentation/report_document.h"
+#include "workbench/presentation/result_table.h"
 
 namespace quillon::workbench {
 

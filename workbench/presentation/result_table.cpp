@@ -1,4 +1,4 @@
-#include "workbench/cli/result_table.h"
+#include "workbench/presentation/result_table.h"
 
 #include <algorithm>
 

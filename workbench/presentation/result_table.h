@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "workbench/cli/report_columns.h"
-#include "workbench/cli/report_layout.h"
-#include "workbench/tsql/database.h"
+#include "workbench/catalogue/report_columns.h"
+#include "workbench/catalogue/report_layout.h"
+#include "workbench/tsql/values/database.h"
 
 namespace quillon::workbench {
 

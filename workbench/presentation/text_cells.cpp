@@ -1,4 +1,4 @@
-#include "workbench/cli/text_cells.h"
+#include "workbench/presentation/text_cells.h"
 
 #include <algorithm>
 #include <array>

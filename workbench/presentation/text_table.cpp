@@ -1,8 +1,8 @@
-#include "workbench/cli/text_table.h"
+#include "workbench/presentation/text_table.h"
 
 #include <algorithm>
 
-#include "workbench/cli/text_cells.h"
+#include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
 

@@ -1,10 +1,10 @@
-#include "workbench/cli/value_output.h"
+#include "workbench/presentation/value_output.h"
 
 #include <array>
 #include <charconv>
 #include <cstdio>
 
-#include "workbench/cli/text_cells.h"
+#include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench {
 

@@ -1,4 +1,4 @@
-#include "workbench/cli/xlsx_workbook.h"
+#include "workbench/presentation/xlsx_workbook.h"
 
 #include <xlsxwriter.h>
 
@@ -14,11 +14,11 @@
 #include <vector>
 
 #include "workbench/cli/command_error.h"
-#include "workbench/cli/ledger_rows.h"
-#include "workbench/cli/output_file.h"
-#include "workbench/cli/text_cells.h"
-#include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/presentation/ledger_rows.h"
+#include "workbench/presentation/output_file.h"
+#include "workbench/presentation/text_cells.h"
+#include "workbench/presentation/value_output.h"
 
 #ifdef _WIN32
 // How libxlsxwriter opens the workbook's file (cmake/libraries.cmake): its name is UTF-8, which Windows' own fopen would

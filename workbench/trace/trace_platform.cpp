@@ -1,4 +1,4 @@
-#include "workbench/platform/trace_platform.h"
+#include "workbench/trace/trace_platform.h"
 
 #include <algorithm>
 #include <chrono>

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "frame/com/late_bound.h"
+#include "automation/late_bound.h"
 
 namespace quillon::com::test {
 

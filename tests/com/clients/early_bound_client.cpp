@@ -3,10 +3,10 @@
 //   early_bound_client ACCOUNT
 #include <stdexcept>
 
-#include "frame/com/errors.h"
-#include "frame/com/quillon_interfaces.h"
+#include "automation/errors.h"
+#include "component/quillon_interfaces.h"
+#include "tests/automation/com_scope.h"
 #include "tests/com/clients/client_session.h"
-#include "tests/com/com_scope.h"
 
 namespace quillon::com::test {
 namespace {

@@ -2,8 +2,8 @@
 //
 //   late_bound_client ACCOUNT
 #include "frame/automation_error.h"
+#include "tests/automation/com_scope.h"
 #include "tests/com/clients/client_session.h"
-#include "tests/com/com_scope.h"
 
 namespace quillon::com::test {
 namespace {

@@ -10,15 +10,15 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/late_bound.h"
-#include "frame/com/platform_bindings.h"
-#include "frame/com/quillon_interfaces.h"
-#include "frame/com/text.h"
-#include "frame/com/variant.h"
+#include "automation/late_bound.h"
+#include "automation/text.h"
+#include "automation/variant.h"
+#include "component/platform_bindings.h"
+#include "component/quillon_interfaces.h"
 #include "tests/faults/com/com_thread.h"
 #include "tests/faults/scenarios.h"
 #include "tests/faults/tally.h"
-#include "workbench/com/platform_objects.h"
+#include "workbench/com/exposed_platform.h"
 #include "workbench/platform/filter_dialog_object.h"
 
 namespace quillon::faults {

@@ -1,6 +1,6 @@
 #include "tests/faults/com/com_thread.h"
 
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 namespace quillon::faults {
 

@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include "automation/com_ptr.h"
 #include "frame/automation_error.h"
-#include "frame/com/com_ptr.h"
-#include "tests/com/com_scope.h"
-#include "tests/com/quillon_library.h"
+#include "tests/automation/com_scope.h"
+#include "tests/component/quillon_library.h"
 #include "tests/faults/com/watched_objects.h"
 #include "tests/faults/tiny_account.h"
 

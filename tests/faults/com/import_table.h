@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "frame/com/win32.h"
+#include "automation/win32.h"
 
 namespace quillon::faults {
 

@@ -11,12 +11,12 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/com/errors.h"
-#include "frame/com/late_bound.h"
-#include "frame/com/quillon_interfaces.h"
-#include "tests/com/com_scope.h"
-#include "tests/com/fake_platform.h"
-#include "tests/com/quillon_library.h"
+#include "automation/errors.h"
+#include "automation/late_bound.h"
+#include "component/quillon_interfaces.h"
+#include "tests/automation/com_scope.h"
+#include "tests/component/fake_platform.h"
+#include "tests/component/quillon_library.h"
 #include "tests/faults/com/import_table.h"
 #include "tests/faults/statement_text.h"
 #include "tests/faults/tally.h"

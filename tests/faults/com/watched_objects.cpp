@@ -5,14 +5,14 @@
 #include <stdexcept>
 #include <utility>
 
+#include "automation/class_lookup.h"
+#include "automation/com_object.h"
+#include "automation/errors.h"
+#include "automation/text.h"
+#include "automation/variant.h"
+#include "component/platform_bindings.h"
 #include "frame/automation_error.h"
-#include "frame/com/class_lookup.h"
-#include "frame/com/com_object.h"
-#include "frame/com/errors.h"
-#include "frame/com/platform_bindings.h"
-#include "frame/com/text.h"
-#include "frame/com/variant.h"
-#include "workbench/com/platform_objects.h"
+#include "workbench/com/exposed_platform.h"
 
 namespace quillon::faults {
 

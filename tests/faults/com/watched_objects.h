@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/class_factory.h"
-#include "frame/com/com_ptr.h"
-#include "frame/com/win32.h"
+#include "automation/class_factory.h"
+#include "automation/com_ptr.h"
+#include "automation/win32.h"
 #include "workbench/platform/embedded_platform.h"
 
 namespace quillon::faults {

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/errors.h"
+#include "automation/errors.h"
 
 struct SAFEARRAY {
   LONG lowest = 0;

@@ -1,4 +1,4 @@
-// The part of automation that frame/com/variant.cpp, text.cpp and invoke_arguments.cpp use, for native builds: the same
+// The part of automation that automation/variant.cpp, text.cpp and invoke_arguments.cpp use, for native builds: the same
 // names with the same meaning, so that this code runs under the sanitizers and the fuzzers. What Windows itself makes of
 // the same inputs is seen where they run on the real thing, under Wine.
 //

@@ -26,12 +26,12 @@
 #include "tests/reports/table_lines.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
+#include "workbench/catalogue/registrations.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_object.h"
-#include "workbench/platform/registrations.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon {
 namespace {

@@ -23,7 +23,7 @@
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_object.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon {
 namespace {

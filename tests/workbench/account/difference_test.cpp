@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
 namespace {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "workbench/account/schema.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account::testing {
 

@@ -7,7 +7,7 @@
 #include "tests/workbench/account/test_folder.h"
 #include "workbench/account/account.h"
 #include "workbench/account/schema.h"
-#include "workbench/tsql/stored_schema.h"
+#include "workbench/tsql/engine/stored_schema.h"
 
 namespace quillon::account {
 namespace {

@@ -7,8 +7,8 @@
 #include <regex>
 #include <sstream>
 
-#include "tests/workbench/cli/xlsx_sheet.h"
 #include "tests/workbench/platform/temporary_file.h"
+#include "tests/workbench/presentation/xlsx_sheet.h"
 #include "workbench/account/schema.h"
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"

@@ -12,7 +12,7 @@
 
 #include "tests/workbench/account/test_folder.h"
 #include "tests/workbench/cli/interrupted_program.h"
-#include "tests/workbench/cli/xlsx_sheet.h"
+#include "tests/workbench/presentation/xlsx_sheet.h"
 #include "workbench/account/account.h"
 #include "workbench/account/transfer.h"
 #include "workbench/platform/account_source.h"

@@ -9,11 +9,11 @@
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/account/schema.h"
+#include "workbench/catalogue/report_layout.h"
 #include "workbench/cli/report_command.h"
-#include "workbench/cli/report_layout.h"
-#include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_object.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench {
 namespace {

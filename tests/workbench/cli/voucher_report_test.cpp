@@ -11,12 +11,12 @@
 
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
+#include "workbench/catalogue/report_columns.h"
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"
-#include "workbench/cli/report_columns.h"
 #include "workbench/cli/report_command.h"
-#include "workbench/cli/value_output.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 namespace {

@@ -8,11 +8,11 @@
 #include <optional>
 #include <string>
 
-#include "frame/com/late_bound.h"
-#include "frame/com/win32.h"
+#include "automation/late_bound.h"
+#include "automation/win32.h"
 #include "workbench/com/ado.h"
 #include "workbench/platform/account_source.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench::test {
 

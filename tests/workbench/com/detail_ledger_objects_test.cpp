@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "frame/com/class_lookup.h"
-#include "frame/com/platform_bindings.h"
+#include "automation/class_lookup.h"
+#include "component/platform_bindings.h"
 #include "tests/workbench/com/ado_fixture.h"
-#include "workbench/com/platform_objects.h"
+#include "workbench/com/exposed_platform.h"
 #include "workbench/com/variant_list.h"
 
 namespace quillon::workbench {

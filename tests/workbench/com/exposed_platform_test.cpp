@@ -1,12 +1,12 @@
-#include "workbench/com/platform_objects.h"
+#include "workbench/com/exposed_platform.h"
 
 #include <functional>
 #include <vector>
 
-#include "frame/com/class_lookup.h"
-#include "frame/com/platform_bindings.h"
+#include "automation/class_lookup.h"
+#include "component/platform_bindings.h"
 #include "tests/workbench/com/ado_fixture.h"
-#include "workbench/platform/registrations.h"
+#include "workbench/catalogue/registrations.h"
 
 namespace quillon::workbench {
 namespace {

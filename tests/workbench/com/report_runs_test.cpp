@@ -6,15 +6,15 @@
 #include <memory>
 #include <stdexcept>
 
-#include "frame/com/late_bound.h"
-#include "frame/com/win32.h"
-#include "tests/com/quillon_library.h"
+#include "automation/late_bound.h"
+#include "automation/win32.h"
+#include "tests/component/quillon_library.h"
 #include "tests/long_life/process_level.h"
 #include "workbench/account/account.h"
-#include "workbench/com/platform_objects.h"
+#include "workbench/catalogue/registrations.h"
+#include "workbench/com/exposed_platform.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
-#include "workbench/platform/registrations.h"
 
 namespace quillon::workbench {
 namespace {

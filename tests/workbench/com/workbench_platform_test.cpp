@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <optional>
 
-#include "frame/com/class_lookup.h"
-#include "frame/com/platform_bindings.h"
-#include "tests/com/quillon_library.h"
+#include "automation/class_lookup.h"
+#include "component/platform_bindings.h"
+#include "tests/component/quillon_library.h"
 #include "workbench/account/account.h"
 #include "workbench/platform/account_source.h"
 

@@ -26,8 +26,8 @@ mcs -warnaserror -platform:x86 -r:Microsoft.CSharp.dll -out:"$work/Issues.exe" "
 
 # What Quillon, the platform, the workbench and ADO offer.
 {
-  grep -ohE '\] HRESULT [A-Za-z_]+' "$root/frame/com/quillon.idl" | sed 's/.* //'
-  grep -ohE 'L"[A-Za-z_]+"' "$root/frame/com/platform_bindings.h" "$root"/workbench/com/*.cpp | sed -E 's/^L"(.*)"$/\1/'
+  grep -ohE '\] HRESULT [A-Za-z_]+' "$root/component/quillon.idl" | sed 's/.* //'
+  grep -ohE 'L"[A-Za-z_]+"' "$root/component/platform_bindings.h" "$root"/workbench/com/*.cpp | sed -E 's/^L"(.*)"$/\1/'
 } | sort -u >"$work/members"
 
 status=0

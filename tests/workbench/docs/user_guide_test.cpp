@@ -15,10 +15,10 @@
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/account/schema.h"
-#include "workbench/cli/report_layout.h"
+#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/report_layout.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/platform/account_source.h"
-#include "workbench/platform/registrations.h"
 #include "workbench/platform/resource_texts.h"
 
 namespace quillon::workbench {

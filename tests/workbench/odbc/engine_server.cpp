@@ -1,8 +1,8 @@
 #include "tests/workbench/odbc/engine_server.h"
 
 #include "tests/workbench/odbc/scripted_server.h"
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/datetime.h"
 
 namespace quillon::odbc::test {
 

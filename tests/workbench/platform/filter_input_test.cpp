@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "workbench/platform/registrations.h"
+#include "workbench/catalogue/registrations.h"
 
 namespace quillon::workbench {
 namespace {

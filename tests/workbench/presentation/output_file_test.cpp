@@ -1,4 +1,4 @@
-#include "workbench/cli/output_file.h"
+#include "workbench/presentation/output_file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "workbench/cli/report_output.h"
+#include "workbench/presentation/report_output.h"
 
 #include <gmock/gmock.h>
 
@@ -7,7 +7,7 @@
 #include <regex>
 #include <sstream>
 
-#include "tests/workbench/cli/small_result.h"
+#include "tests/workbench/presentation/small_result.h"
 
 namespace quillon::workbench {
 namespace {

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "workbench/cli/report_document.h"
-#include "workbench/cli/result_table.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/presentation/report_document.h"
+#include "workbench/presentation/result_table.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench::test {
 

@@ -1,8 +1,8 @@
-#include "workbench/cli/text_cells.h"
+#include "workbench/presentation/text_cells.h"
 
 #include <gtest/gtest.h>
 
-#include "workbench/cli/text_table.h"
+#include "workbench/presentation/text_table.h"
 
 #include <sstream>
 

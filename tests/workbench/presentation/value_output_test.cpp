@@ -1,10 +1,10 @@
-#include "workbench/cli/value_output.h"
+#include "workbench/presentation/value_output.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "workbench/cli/report_output.h"
+#include "workbench/presentation/report_output.h"
 
 namespace quillon::workbench {
 namespace {

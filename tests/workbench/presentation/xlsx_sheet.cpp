@@ -1,4 +1,4 @@
-#include "tests/workbench/cli/xlsx_sheet.h"
+#include "tests/workbench/presentation/xlsx_sheet.h"
 
 #include <unzip.h>
 

@@ -1,10 +1,10 @@
-#include "workbench/cli/xlsx_workbook.h"
+#include "workbench/presentation/xlsx_workbook.h"
 
 #include <gmock/gmock.h>
 
-#include "tests/workbench/cli/small_result.h"
-#include "tests/workbench/cli/xlsx_sheet.h"
 #include "tests/workbench/platform/temporary_file.h"
+#include "tests/workbench/presentation/small_result.h"
+#include "tests/workbench/presentation/xlsx_sheet.h"
 #include "workbench/cli/command_error.h"
 #include "workbench/platform/account_source.h"
 

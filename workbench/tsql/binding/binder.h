@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/tsql/ast.h"
-#include "workbench/tsql/catalog.h"
-#include "workbench/tsql/emitter.h"
+#include "workbench/tsql/binding/emitter.h"
+#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/syntax/ast.h"
 
 namespace quillon::tsql {
 

@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <array>
 
-#include "workbench/tsql/binder.h"
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/lexer.h"
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/sqlite.h"
+#include "workbench/tsql/binding/binder.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/syntax/lexer.h"
+#include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,13 +1,13 @@
-// The built-in scalar functions: what they take and which function of sqlite_functions.h does the work.
+// The built-in scalar functions: what they take and which function of engine/value_functions.h does the work.
 #include <algorithm>
 #include <array>
 #include <functional>
 
-#include "workbench/tsql/binder.h"
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/errors.h"
-#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/binding/binder.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/errors.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,15 +1,15 @@
-#include "workbench/tsql/emitter.h"
+#include "workbench/tsql/binding/emitter.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "workbench/tsql/collation.h"
-#include "workbench/tsql/conversion.h"
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/errors.h"
-#include "workbench/tsql/exact.h"
-#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/values/collation.h"
+#include "workbench/tsql/values/conversion.h"
+#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/exact.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,6 +1,6 @@
 // Makes SQLite expressions out of typed parts. Exact numbers are scaled integers, so plain SQLite arithmetic is used
 // wherever 64 bits provably suffice: each part carries a bound on its units. Everything else calls the functions of
-// sqlite_functions.h.
+// engine/value_functions.h.
 #pragma once
 
 #include <optional>
@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/tsql/ast.h"
-#include "workbench/tsql/type_rules.h"
-#include "workbench/tsql/value.h"
+#include "workbench/tsql/syntax/ast.h"
+#include "workbench/tsql/values/type_rules.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::tsql {
 

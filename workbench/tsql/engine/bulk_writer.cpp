@@ -1,15 +1,15 @@
-#include "workbench/tsql/bulk_writer.h"
+#include "workbench/tsql/engine/bulk_writer.h"
 
 #include <sqlite3.h>
 
-#include "workbench/tsql/catalog.h"
-#include "workbench/tsql/errors.h"
-#include "workbench/tsql/exact.h"
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/sqlite.h"
-#include "workbench/tsql/sqlite_functions.h"
-#include "workbench/tsql/text.h"
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/syntax/parser.h"
+#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 namespace {

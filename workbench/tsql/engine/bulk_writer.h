@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 struct sqlite3;
 

@@ -1,12 +1,12 @@
-#include "workbench/tsql/catalog.h"
+#include "workbench/tsql/engine/catalog.h"
 
 #include <algorithm>
 
-#include "workbench/tsql/collation.h"
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/lexer.h"
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/sqlite.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/syntax/lexer.h"
+#include "workbench/tsql/syntax/parser.h"
+#include "workbench/tsql/values/collation.h"
 
 namespace quillon::tsql {
 namespace {

@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "workbench/tsql/ast.h"
+#include "workbench/tsql/syntax/ast.h"
 
 struct sqlite3;
 

@@ -1,15 +1,15 @@
-#include "workbench/tsql/engine_functions.h"
+#include "workbench/tsql/engine/catalog_functions.h"
 
 #include <sqlite3.h>
 
 #include <string>
 
-#include "workbench/tsql/catalog.h"
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/lexer.h"
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/sqlite.h"
-#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/syntax/lexer.h"
+#include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,4 +1,4 @@
-// The functions of the emitted SQL that need the catalog or belong to statements, beside those of sqlite_functions.h:
+// The functions of the emitted SQL that need the catalog or belong to statements, beside those of value_functions.h:
 //
 //   object_id(x)             the id of the object that the text names ("[t]", "tempdb..#t"); NULL when there is none
 //   single_row(x)            aggregate: the one value of its rows, NULL of none                               error 512

@@ -1,16 +1,16 @@
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 #include <sqlite3.h>
 
 #include <system_error>
 
-#include "workbench/tsql/bulk_writer.h"
-#include "workbench/tsql/catalog.h"
-#include "workbench/tsql/engine_functions.h"
-#include "workbench/tsql/executor.h"
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/sqlite.h"
-#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/engine/bulk_writer.h"
+#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/engine/catalog_functions.h"
+#include "workbench/tsql/engine/executor.h"
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::tsql {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/database.h"
+#include "workbench/tsql/values/database.h"
 
 struct sqlite3;
 

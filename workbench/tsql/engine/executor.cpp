@@ -1,4 +1,4 @@
-#include "workbench/tsql/executor.h"
+#include "workbench/tsql/engine/executor.h"
 
 #include <sqlite3.h>
 
@@ -6,10 +6,10 @@
 #include <chrono>
 #include <deque>
 
-#include "workbench/tsql/modification.h"
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/sqlite.h"
-#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/engine/modification.h"
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::tsql {
 namespace {

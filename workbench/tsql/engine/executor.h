@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/tsql/ast.h"
-#include "workbench/tsql/binder.h"
-#include "workbench/tsql/catalog.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/binding/binder.h"
+#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/syntax/ast.h"
 
 struct sqlite3;
 

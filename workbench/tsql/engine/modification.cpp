@@ -1,12 +1,12 @@
-#include "workbench/tsql/modification.h"
+#include "workbench/tsql/engine/modification.h"
 
 #include <algorithm>
 #include <optional>
 
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/lexer.h"
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/sqlite.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/syntax/lexer.h"
+#include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::tsql {
 namespace {

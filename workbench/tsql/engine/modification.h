@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "workbench/tsql/ast.h"
-#include "workbench/tsql/binder.h"
-#include "workbench/tsql/catalog.h"
+#include "workbench/tsql/binding/binder.h"
+#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/syntax/ast.h"
 
 namespace quillon::tsql {
 

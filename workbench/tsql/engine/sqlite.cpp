@@ -1,11 +1,11 @@
-#include "workbench/tsql/sqlite.h"
+#include "workbench/tsql/engine/sqlite.h"
 
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
 
-#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/engine/value_functions.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,7 +1,7 @@
-#include "workbench/tsql/stored_schema.h"
+#include "workbench/tsql/engine/stored_schema.h"
 
-#include "workbench/tsql/parser.h"
-#include "workbench/tsql/sqlite.h"
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::tsql {
 namespace {

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/tsql/catalog.h"
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::tsql {
 

@@ -1,4 +1,4 @@
-#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/engine/value_functions.h"
 
 #include <sqlite3.h>
 
@@ -11,14 +11,14 @@
 #include <memory>
 #include <new>
 
-#include "workbench/tsql/collation.h"
-#include "workbench/tsql/conversion.h"
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/errors.h"
-#include "workbench/tsql/exact.h"
-#include "workbench/tsql/like.h"
-#include "workbench/tsql/text.h"
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/values/collation.h"
+#include "workbench/tsql/values/conversion.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/like.h"
+#include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "workbench/tsql/value.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::tsql {
 

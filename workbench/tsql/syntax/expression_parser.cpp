@@ -3,9 +3,9 @@
 #include <array>
 #include <charconv>
 
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/literals.h"
-#include "workbench/tsql/parser_core.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/syntax/literals.h"
+#include "workbench/tsql/syntax/parser_core.h"
 
 namespace quillon::tsql {
 

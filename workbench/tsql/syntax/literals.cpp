@@ -1,13 +1,13 @@
-#include "workbench/tsql/literals.h"
+#include "workbench/tsql/syntax/literals.h"
 
 #include <charconv>
 #include <cmath>
 
-#include "workbench/tsql/conversion.h"
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/exact.h"
-#include "workbench/tsql/text.h"
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/conversion.h"
+#include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 namespace {

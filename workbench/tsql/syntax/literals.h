@@ -1,8 +1,8 @@
 // Number and text literals: their value and T-SQL type.
 #pragma once
 
-#include "workbench/tsql/lexer.h"
-#include "workbench/tsql/value.h"
+#include "workbench/tsql/syntax/lexer.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::tsql {
 

@@ -1,13 +1,13 @@
-#include "workbench/tsql/parser.h"
+#include "workbench/tsql/syntax/parser.h"
 
 #include <algorithm>
 #include <array>
 #include <limits>
 
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/lexer.h"
-#include "workbench/tsql/literals.h"
-#include "workbench/tsql/parser_core.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/syntax/lexer.h"
+#include "workbench/tsql/syntax/literals.h"
+#include "workbench/tsql/syntax/parser_core.h"
 
 namespace quillon::tsql {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/tsql/ast.h"
+#include "workbench/tsql/syntax/ast.h"
 
 namespace quillon::tsql {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/tsql/ast.h"
-#include "workbench/tsql/lexer.h"
+#include "workbench/tsql/syntax/ast.h"
+#include "workbench/tsql/syntax/lexer.h"
 
 namespace quillon::tsql {
 

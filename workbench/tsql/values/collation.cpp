@@ -1,4 +1,4 @@
-#include "workbench/tsql/collation.h"
+#include "workbench/tsql/values/collation.h"
 
 #include <sqlite3.h>
 
@@ -6,8 +6,8 @@
 #include <cstring>
 #include <memory>
 
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/text.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::tsql {
 namespace {
@@ -44,10 +44,10 @@ struct Fold {
   std::uint16_t accents;
 };
 constexpr Fold folds[] = {
-#include "workbench/tsql/letter_folds.inc"
+#include "workbench/tsql/values/letter_folds.inc"
 };
 constexpr char16_t hanByPinyin[] =
-#include "workbench/tsql/pinyin_order.inc"
+#include "workbench/tsql/values/pinyin_order.inc"
     ;
 
 bool isSymbol(char32_t c) {

@@ -1,4 +1,4 @@
-#include "workbench/tsql/conversion.h"
+#include "workbench/tsql/values/conversion.h"
 
 #include <algorithm>
 #include <array>
@@ -7,11 +7,11 @@
 #include <cstdio>
 #include <limits>
 
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/errors.h"
-#include "workbench/tsql/exact.h"
-#include "workbench/tsql/text.h"
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/value.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::tsql {
 

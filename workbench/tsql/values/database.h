@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/tsql/value.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::tsql {
 

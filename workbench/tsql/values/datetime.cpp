@@ -1,4 +1,4 @@
-#include "workbench/tsql/datetime.h"
+#include "workbench/tsql/values/datetime.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "workbench/tsql/errors.h"
+#include "workbench/tsql/values/errors.h"
 
 namespace quillon::tsql {
 namespace {

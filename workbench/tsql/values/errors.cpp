@@ -1,6 +1,6 @@
-#include "workbench/tsql/errors.h"
+#include "workbench/tsql/values/errors.h"
 
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 

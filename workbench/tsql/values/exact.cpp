@@ -1,11 +1,11 @@
-#include "workbench/tsql/exact.h"
+#include "workbench/tsql/values/exact.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <limits>
 
-#include "workbench/tsql/errors.h"
+#include "workbench/tsql/values/errors.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,10 +1,10 @@
-#include "workbench/tsql/like.h"
+#include "workbench/tsql/values/like.h"
 
 #include <algorithm>
 
-#include "workbench/tsql/collation.h"
-#include "workbench/tsql/errors.h"
-#include "workbench/tsql/text.h"
+#include "workbench/tsql/values/collation.h"
+#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::tsql {
 

@@ -1,9 +1,9 @@
-#include "workbench/tsql/text.h"
+#include "workbench/tsql/values/text.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "workbench/tsql/collation.h"
+#include "workbench/tsql/values/collation.h"
 
 namespace quillon::tsql::text {
 namespace {

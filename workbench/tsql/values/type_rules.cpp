@@ -1,11 +1,11 @@
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/values/type_rules.h"
 
 #include <algorithm>
 #include <array>
 #include <string>
 
-#include "workbench/tsql/errors.h"
-#include "workbench/tsql/exact.h"
+#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/exact.h"
 
 namespace quillon::tsql {
 namespace {

@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "workbench/tsql/value.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::tsql {
 

@@ -1,10 +1,10 @@
-#include "workbench/tsql/value.h"
+#include "workbench/tsql/values/value.h"
 
 #include <array>
 #include <charconv>
 
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/exact.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/exact.h"
 
 namespace quillon::tsql {
 

@@ -16,7 +16,7 @@
 #include <string_view>
 #include <variant>
 
-#include "workbench/tsql/int128.h"
+#include "workbench/tsql/values/int128.h"
 
 namespace quillon::tsql {
 

@@ -1,7 +1,7 @@
 // Values and types of single expressions, where a careless translation would give something else in silence.
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::tsql {
 namespace {

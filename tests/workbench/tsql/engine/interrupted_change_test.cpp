@@ -5,8 +5,8 @@
 
 #include <filesystem>
 
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/sqlite.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/sqlite.h"
 
 namespace quillon::tsql {
 namespace {

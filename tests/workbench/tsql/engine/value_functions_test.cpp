@@ -1,14 +1,14 @@
-#include "workbench/tsql/sqlite_functions.h"
+#include "workbench/tsql/engine/value_functions.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <memory>
 
-#include "workbench/tsql/collation.h"
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/exact.h"
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/values/collation.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 namespace {

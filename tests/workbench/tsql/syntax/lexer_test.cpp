@@ -1,9 +1,9 @@
-#include "workbench/tsql/lexer.h"
+#include "workbench/tsql/syntax/lexer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,8 +1,8 @@
-#include "workbench/tsql/parser.h"
+#include "workbench/tsql/syntax/parser.h"
 
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::tsql {
 namespace {

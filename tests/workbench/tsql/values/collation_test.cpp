@@ -1,4 +1,4 @@
-#include "workbench/tsql/collation.h"
+#include "workbench/tsql/values/collation.h"
 
 #include <gtest/gtest.h>
 

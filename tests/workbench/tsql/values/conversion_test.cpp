@@ -1,11 +1,11 @@
-#include "workbench/tsql/conversion.h"
+#include "workbench/tsql/values/conversion.h"
 
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/datetime.h"
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/exact.h"
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 namespace {

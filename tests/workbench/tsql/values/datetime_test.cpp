@@ -1,8 +1,8 @@
-#include "workbench/tsql/datetime.h"
+#include "workbench/tsql/values/datetime.h"
 
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,9 +1,9 @@
-#include "workbench/tsql/exact.h"
+#include "workbench/tsql/values/exact.h"
 
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/engine.h"
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 namespace {

@@ -1,4 +1,4 @@
-#include "workbench/tsql/int128.h"
+#include "workbench/tsql/values/int128.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "workbench/tsql/like.h"
+#include "workbench/tsql/values/like.h"
 
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::tsql {
 namespace {

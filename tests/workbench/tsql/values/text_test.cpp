@@ -1,4 +1,4 @@
-#include "workbench/tsql/text.h"
+#include "workbench/tsql/values/text.h"
 
 #include <gtest/gtest.h>
 

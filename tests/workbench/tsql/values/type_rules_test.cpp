@@ -1,10 +1,10 @@
-#include "workbench/tsql/type_rules.h"
+#include "workbench/tsql/values/type_rules.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "workbench/tsql/engine.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::tsql {
 namespace {
