@@ -42,3 +42,6 @@ if(QUILLON_FUZZ)
   # All of the code tells the fuzzer which way an input took through it; the fuzzers themselves add libFuzzer's main.
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
+
+# Tests are compiled anew more often than they run, so their own sources are not optimised; what they test is.
+set(QUILLON_TEST_FLAGS -O0 -g1 CACHE STRING "Optimisation and debugging information of the tests' own sources")

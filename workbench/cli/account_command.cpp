@@ -1,5 +1,6 @@
 #include "workbench/cli/account_command.h"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 #include <map>
 #include <memory>

@@ -2,9 +2,12 @@
 // left.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <ostream>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace quillon::workbench {
 

@@ -1,5 +1,6 @@
 #include "workbench/cli/account_diff_command.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 #include <memory>

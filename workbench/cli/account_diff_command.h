@@ -1,10 +1,13 @@
 // `quillon account diff`: two accounts held against each other.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstddef>
 #include <ostream>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace quillon::workbench {
 

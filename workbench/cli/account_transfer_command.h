@@ -1,7 +1,9 @@
 // `quillon account export`, `import`, `script`: an account taken elsewhere and back.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace quillon::workbench {
 

@@ -1,12 +1,15 @@
 // `quillon dialog`: the filter dialog of a report, step by step, as the library's filter-control class fills it.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "workbench/platform/language.h"
+
+namespace CLI {
+class App;
+}
 
 namespace quillon::workbench {
 

@@ -1,5 +1,6 @@
 #include "workbench/cli/drill_command.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 #include <map>

@@ -2,12 +2,15 @@
 // opened.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "workbench/cli/report_run.h"
+
+namespace CLI {
+class App;
+}
 
 namespace quillon::workbench {
 

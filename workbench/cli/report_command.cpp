@@ -1,5 +1,6 @@
 #include "workbench/cli/report_command.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <fstream>

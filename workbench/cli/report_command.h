@@ -1,7 +1,6 @@
 // `quillon report`: runs a report on an account and shows its rows.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <optional>
 #include <ostream>
@@ -9,6 +8,10 @@
 #include <vector>
 
 #include "workbench/platform/language.h"
+
+namespace CLI {
+class App;
+}
 
 namespace quillon::workbench {
 

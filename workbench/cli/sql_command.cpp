@@ -1,5 +1,6 @@
 #include "workbench/cli/sql_command.h"
 
+#include <CLI/CLI.hpp>
 #include <fstream>
 #include <iostream>
 #include <map>

@@ -1,11 +1,14 @@
 // `quillon sql`: runs a script of T-SQL batches on an account.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <istream>
 #include <ostream>
 
 #include "workbench/tsql/values/database.h"
+
+namespace CLI {
+class App;
+}
 
 namespace quillon::workbench {
 

@@ -1,6 +1,7 @@
 #include "workbench/cli/account_command.h"
 
 #include <gtest/gtest.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <sstream>

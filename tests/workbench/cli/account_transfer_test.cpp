@@ -1,6 +1,7 @@
 // Accounts taken elsewhere, back, and held against each other, from the command line.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <CLI/CLI.hpp>
 
 #include <fstream>
 #include <sstream>

@@ -2,6 +2,7 @@
 #include "workbench/cli/dialog_command.h"
 
 #include <gmock/gmock.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <fstream>

@@ -1,6 +1,7 @@
 #include "workbench/cli/report_command.h"
 
 #include <gmock/gmock.h>
+#include <CLI/CLI.hpp>
 
 #include <fstream>
 #include <iterator>

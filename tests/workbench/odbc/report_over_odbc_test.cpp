@@ -1,6 +1,7 @@
 // Whole commands over ODBC: driver manager, a driver, and behind it a server that runs the statements on an embedded
 // account. What they show must be what they show of the same account without ODBC between.
 #include <gmock/gmock.h>
+#include <CLI/CLI.hpp>
 
 #include <fstream>
 #include <memory>
