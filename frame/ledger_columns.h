@@ -15,6 +15,10 @@ inline constexpr std::string_view lineDocumentFields =
     "base.cDefine9,base.cDefine10,base.cDefine11,base.cDefine12,base.cDefine13,base.cDefine14,base.cDefine15,base.cDefine16,\r\n"
     "base.cDefine22,base.cDefine23,base.cDefine24,base.cDefine25,base.cDefine26,base.cDefine27,base.cDefine28,base.cDefine29,\r\n"
     "base.cDefine30,base.cDefine31,base.cDefine32,base.cDefine33,base.cDefine34,base.cDefine35,base.cDefine36,base.cDefine37,";
+// As they are selected from the inventory of the line (alias inv).
+inline constexpr std::string_view lineInventoryFields =
+    "inv.cInvDefine1,inv.cInvDefine2,inv.cInvDefine3,inv.cInvDefine4,inv.cInvDefine5,inv.cInvDefine6,inv.cInvDefine7,inv.cInvDefine8,\r\n"
+    "inv.cInvDefine9,inv.cInvDefine10,inv.cInvDefine11,inv.cInvDefine12,inv.cInvDefine13,inv.cInvDefine14,inv.cInvDefine15,inv.cInvDefine16, ";
 
 // By their bare names, as the tables of the reports have them.
 inline constexpr std::string_view batchAndFreeItems =

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "frame/automation_error.h"
+#include "frame/display_names.h"
 #include "frame/pub_mod.h"
 #include "frame/report_session.h"
 #include "reports/fx_wt/filter_translation.h"
@@ -68,7 +69,7 @@ std::string FxWt::moveDataDetail() {
   // Read as the platform expects; direct sales are treated like any other line.
   component.accountInformation("IA", "bZYXS", *session);
   session->execute(insertLines(build));
-  session->execute(nameBusinessTypes(build));
+  session->execute(nameBusinessTypes(build.work.reference()));
   session->execute(createResult(build));
   session->execute(build.work.dropAfterBuild());
   return {};

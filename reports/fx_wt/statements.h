@@ -25,8 +25,6 @@ struct Build {
 
 std::string createWorkTable(const Build& build);
 std::string insertLines(const Build& build);
-// Names in place of the business types' codes, in the account's language.
-std::string nameBusinessTypes(const Build& build);
 std::string createResult(const Build& build);
 
 }  // namespace quillon::fx_wt
