@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "frame/display_names.h"
 #include "frame/text.h"
 #include "reports/outsum_item/statements.h"
 
@@ -63,7 +64,7 @@ void OutsumItem::build(Filter& filter, const std::string& resultTable, Module& m
   }
   nameItemClasses(build, session);
   session.execute(insertReportRows(build));
-  session.execute(nameBusinessTypes(build));
+  session.execute(nameBusinessTypes(resultTable));
   session.execute(nameVoucherTypes(build));
   session.execute(build.detail.dropAfterBuild());
 }

@@ -41,8 +41,7 @@ std::string nameProjectItemClasses(const Build& build, std::string_view itemClas
                                    std::string_view classTable);
 
 std::string insertReportRows(const Build& build);
-// Display names in place of codes.
-std::string nameBusinessTypes(const Build& build);
+// Puts the voucher types' names in place of their codes in the result table.
 std::string nameVoucherTypes(const Build& build);
 
 }  // namespace quillon::outsum_item
