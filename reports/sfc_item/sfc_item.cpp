@@ -83,7 +83,7 @@ void SfcItem::build(Filter& filter, const std::string& resultTable, Module& modu
   }
   session.execute(insertReportRows(build, groupIndex ? &*groupIndex : nullptr));
   session.execute(deleteRowsWithoutCostItem(build));
-  if (groupIndex) session.execute(dropGroupIndex(*groupIndex));
+  if (groupIndex) session.execute(groupIndex->dropByBareName());
   session.execute(build.detail.dropAfterBuild());
 }
 

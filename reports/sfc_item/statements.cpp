@@ -1,5 +1,6 @@
 #include "reports/sfc_item/statements.h"
 
+#include "frame/cost_items.h"
 #include "frame/ledger_columns.h"
 #include "frame/statement.h"
 
@@ -80,10 +81,8 @@ constexpr std::string_view fillerAmounts =
     "cState, iState, iQuantity, iMoney,\r\n"
     "iQcQuantity, iQcMoney, iInQuantity, iInMoney, iOutQuantity, iOutMoney, iQmQuantity, iQmMoney)";
 
-std::string_view costItemColumns(ReportMode mode) {
-  return mode == ReportMode::costItemClass
-             ? "IsNull(fxcls.cFxCCode, Ca_FxClassDef.cFxCCode) As cFXCode, IsNull(fxcls.cfxCName, Ca_FxClassDef.cfxCName) As cFXName,"
-             : "Ca_FxDef.cFxCode, Ca_FxDef.cFxName,";
+std::string costItem(const Build& build) {
+  return std::string(costItemColumns(build.mode)) + ",";
 }
 constexpr std::string_view noCostItemColumns = "N'' As cFXCode, N'' As cFXName,";
 
@@ -122,7 +121,7 @@ std::string insertCostItemOpenings(const Build& build, const StateTexts& states)
       inventoryFields,
       lineDocumentFields,
       lineDepartmentAndDates,
-      costItemColumns(build.mode),
+      costItem(build),
       openingState(states),
       "(IsNull(item.iItemInquantity, 0) - IsNull(item.iItemOutquantity, 0)) As iQuantity, (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0)) As iMoney ,",
       "0 As iQcQuantity, 0 As iQcMoney, ",
@@ -152,7 +151,7 @@ std::string insertCostItemMovements(const Build& build, const StateTexts& states
       inventoryFields,
       lineDocumentFields,
       lineDepartmentAndDates,
-      costItemColumns(build.mode),
+      costItem(build),
       movementState(states),
       "(IsNull(item.iItemInQuantity, 0) + IsNull(item.iItemOutQuantity, 0)) As iQuantity, (IsNull(item.iItemInPrice, 0) + IsNull(item.iItemOutPrice, 0)) As iMoney ,",
       // The money column has no "As": it takes its place by position.
@@ -283,12 +282,8 @@ constexpr std::string_view expenseAmounts =
 constexpr std::string_view selectedExpenseLine =
     "Select wh.cWhCode, wh.cWhName, inv.cInvCode, inv.cInvName, inv.cInvStd, inv.cInvAddCode, unit.ccomunitcode As cUnitCode, unit.cComUnitName As cUnitName, \r\n"
     // The free items are those of the expense mapping, not of the ledger line.
-    "base.cBatchia,Ca_FxMapExpDetails.cFree1,Ca_FxMapExpDetails.cFree2,Ca_FxMapExpDetails.cFree3,Ca_FxMapExpDetails.cFree4,Ca_FxMapExpDetails.cFree5,Ca_FxMapExpDetails.cFree6,Ca_FxMapExpDetails.cFree7,Ca_FxMapExpDetails.cFree8,Ca_FxMapExpDetails.cFree9,Ca_FxMapExpDetails.cFree10,\r\n"
-    "inv.cInvDefine1,inv.cInvDefine2,inv.cInvDefine3,inv.cInvDefine4,inv.cInvDefine5,inv.cInvDefine6,inv.cInvDefine7,inv.cInvDefine8,\r\n"
-    "inv.cInvDefine9,inv.cInvDefine10,inv.cInvDefine11,inv.cInvDefine12,inv.cInvDefine13,inv.cInvDefine14,inv.cInvDefine15,inv.cInvDefine16, ";
+    "base.cBatchia,Ca_FxMapExpDetails.cFree1,Ca_FxMapExpDetails.cFree2,Ca_FxMapExpDetails.cFree3,Ca_FxMapExpDetails.cFree4,Ca_FxMapExpDetails.cFree5,Ca_FxMapExpDetails.cFree6,Ca_FxMapExpDetails.cFree7,Ca_FxMapExpDetails.cFree8,Ca_FxMapExpDetails.cFree9,Ca_FxMapExpDetails.cFree10,";
 constexpr std::string_view expenseTypeColumn = "Ca_AmoTypeName.cAmoTypeName as cfxCName,  ";
-constexpr std::string_view expenseNameColumn =
-    "case when Ca_FxMapExpDID.cAmotype = 0 then Inventory.cInvName else Ca_CostExpDetail_Period.cAmoName end as cAmoName";
 
 // Warehouse, inventory, unit and department, the cost item and its class, then what the expense mapping knows of it.
 // `period` restricts Ca_CostExpDetail_Period.
@@ -326,6 +321,7 @@ std::string insertExpenseOpenings(const Build& build, std::string_view openingTe
       "cDepCode, cDepName, dKeepDate, dVouDate, cFXCode, cFXName, cState, iState,",
       expenseAmounts,
       selectedExpenseLine,
+      lineInventoryFields,
       lineDocumentFields,
       lineDepartmentAndDates,
       "Ca_FxDef.cFxCode, Ca_FxDef.cFxName,N'" + std::string(openingText) + "' As cState,1 As iState,",
@@ -333,8 +329,8 @@ std::string insertExpenseOpenings(const Build& build, std::string_view openingTe
       "0 As iInQuantity, 0 As iInMoney, 0 As iOutQuantity, 0 As iOutMoney, ",
       "(IsNull(item.iItemInQuantity, 0) - IsNull(item.iItemOutQuantity, 0)) As iQmQuantity, (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney,",
       expenseTypeColumn,
-      "case when Ca_FxMapExpDID.cAmotype = 0 then Ca_FxMapExpDetails.cInvCode else Ca_FxMapExpDetails.cAmoID end as cAmoCode, ",
-      expenseNameColumn,
+      expenseItem(lowerCaseWords, "Ca_FxMapExpDetails.cInvCode", "Ca_FxMapExpDetails.cAmoID") + " as cAmoCode, ",
+      expenseItem(lowerCaseWords, "Inventory.cInvName", "Ca_CostExpDetail_Period.cAmoName") + " as cAmoName",
       conditions.monthActive() ? fromOpeningCostItems : fromLedgerCostItems,
       expenseJoins("'" + std::string(period) + "'", language),
       conditions.where,
@@ -353,6 +349,7 @@ std::string insertExpenseMovements(const Build& build, std::string_view language
       departmentDatesAndCostItem,
       expenseAmounts,
       selectedExpenseLine,
+      lineInventoryFields,
       lineDocumentFields,
       lineDepartmentAndDates,
       "Ca_FxDef.cFxCode, Ca_FxDef.cFxName,",
@@ -360,14 +357,13 @@ std::string insertExpenseMovements(const Build& build, std::string_view language
       "IsNull(item.iItemOutQuantity, 0) As iOutQuantity, item.iItemOutPrice As iOutMoney, ",
       "(IsNull(IsNull(item.iItemInQuantity, 0), 0) - IsNull(IsNull(item.iItemOutQuantity, 0), 0)) As iQmQuantity, (IsNull(item.iItemInPrice, 0) - IsNull(item.iItemOutPrice, 0))  As iQmMoney,",
       expenseTypeColumn,
-      "case when Ca_FxMapExpDID.cAmotype = 0 then Ca_FxMapExpDetails.cInvCode else Ca_FxMapExpDetails.cAmoID  end as cAmoCode, ",
-      expenseNameColumn,
+      // Two blanks stand before this "end".
+      expenseItem(lowerCaseWords, "Ca_FxMapExpDetails.cInvCode", "Ca_FxMapExpDetails.cAmoID ") + " as cAmoCode, ",
+      expenseItem(lowerCaseWords, "Inventory.cInvName", "Ca_CostExpDetail_Period.cAmoName") + " as cAmoName",
       "from ia_subsidiary base With(NoLock) ",
       "Left Join ia_subsidiary_Item item With(NoLock) ON item.iSubID = base.AutoID",
       // Each line's own year and month.
-      expenseJoins(
-          "Cast(base.iYear as nVarchar(10)) + Case When Len(base.iMonth) = 1 Then '0' else '' End + Cast(base.iMonth as nVarchar(10))",
-          language),
+      expenseJoins(linePeriod, language),
       conditions.where,
       conditions.month,
       movementsOf(conditions.year),
@@ -431,11 +427,6 @@ std::string insertReportRows(const Build& build, const WorkTable* groupIndex) {
 
 std::string deleteRowsWithoutCostItem(const Build& build) {
   return "delete " + build.resultTable + " where isnull(cfxcode,N'')=N'' and isnull(cfxname,N'')=N''";
-}
-
-std::string dropGroupIndex(const WorkTable& groupIndex) {
-  return "If Exists(Select Name From Sysobjects Where Name = '" + groupIndex.name() + "') Drop Table " +
-         groupIndex.name();
 }
 
 }  // namespace quillon::sfc_item

@@ -59,7 +59,5 @@ std::string createGroupIndex(const Build& build, const WorkTable& groupIndex);
 // `groupIndex` is null unless the rows are to be those of the group index's pairs.
 std::string insertReportRows(const Build& build, const WorkTable* groupIndex);
 std::string deleteRowsWithoutCostItem(const Build& build);
-// By the table's bare name: docs/known-behaviour.md says what comes of it.
-std::string dropGroupIndex(const WorkTable& groupIndex);
 
 }  // namespace quillon::sfc_item
