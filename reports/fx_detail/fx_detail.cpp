@@ -1,10 +1,14 @@
 #include "reports/fx_detail/fx_detail.h"
 
 #include <string_view>
+#include <utility>
 
+#include "frame/business_types.h"
+#include "frame/display_names.h"
 #include "frame/inventory_checks.h"
 #include "frame/pub_mod.h"
 #include "frame/report_session.h"
+#include "frame/statement.h"
 #include "frame/valuation_method.h"
 #include "reports/fx_detail/period_range.h"
 #include "reports/fx_detail/statements.h"
@@ -19,16 +23,18 @@ constexpr std::string_view openingKey = "Mirel.IA.CHHSSQL.05360";
 constexpr std::string_view monthKey = "Mirel.IA.Mirel71.00298";
 
 // Opening differences, and direct shipments, which never were in stock, do not belong to an inventory's ledger.
-constexpr std::string_view ledgerLinesOnly =
-    " and Base.cvoutype<>N'33' and isnull(Base.cBustype,N'') not in (N'直运销售',N'直运采购') ";
+std::string ledgerLinesOnly() {
+  return concatenated({" and Base.cvoutype<>N'33' and isnull(Base.cBustype,N'') not in (N'", directShipmentSale, "',N'",
+                       directShipmentPurchase, "') "});
+}
 
-std::string workTable(Module& module, std::string_view kind) {
-  const std::string workstation = module.publicComponent().workstationName();
-  return "#" + workstation + std::string(kind) + std::to_string(module.platform().workTableNumber());
+CostsKeptBy costsKeptBy(std::string_view costingBasis) {
+  if (costingBasis == valuationByDepartment) return CostsKeptBy::department;
+  return costingBasis == valuationByWarehouse ? CostsKeptBy::warehouse : CostsKeptBy::inventoryAlone;
 }
 
 // The filter's conditions on batch and free items, as far as the inventory is checked for them.
-std::string buildFreeItemCondition(Filter& filter, const DetailBuild& build, Session& session) {
+std::string buildFreeItemCondition(Filter& filter, const Build& build, Session& session) {
   const InventoryChecks checks = readInventoryChecks(
       *session.query(inventoryChecksQuery(build.inventoryTable, "inventory", build.inventoryCode),
                      {.cursorType = CursorType::fixed, .lockType = LockType::optimistic, .cursorLocation = {}}));
@@ -44,24 +50,24 @@ std::string buildFreeItemCondition(Filter& filter, const DetailBuild& build, Ses
   return condition;
 }
 
-void insertOpeningBalances(const DetailBuild& build, Session& session) {
+void insertOpeningBalances(const Build& build, Session& session) {
   if (!build.range.splitOpening) {
     session.execute(insertOpenings(build));
     session.execute(setInventoryOpenings(build));
     return;
   }
-  session.execute(dropWorkTable(build.second));
+  session.execute(build.second.drop());
   session.execute(collectEnteredOpenings(build));
   session.execute(collectMovementsSince(build));
   session.execute(insertCollectedOpenings(build));
 
-  session.execute(dropWorkTable(build.second));
+  session.execute(build.second.drop());
   session.execute(collectEnteredInventoryOpenings(build));
   session.execute(collectInventoryMovementsSince(build));
   session.execute(setCollectedInventoryOpenings(build));
 }
 
-void insertMonthBalances(const DetailBuild& build, Session& session) {
+void insertMonthBalances(const Build& build, Session& session) {
   for (int month = build.range.startPeriod; month <= build.range.endPeriod; ++month) {
     session.execute(fx_detail::insertMonthBalances(build, month));
     if (build.range.splitOpening) session.execute(addEnteredOpenings(build, month));
@@ -69,11 +75,11 @@ void insertMonthBalances(const DetailBuild& build, Session& session) {
   }
 }
 
-void makeResult(const DetailBuild& build, Session& session) {
-  session.execute(dropWorkTable(build.second));
+void makeResult(const Build& build, Session& session) {
+  session.execute(build.second.drop());
   session.execute(numberRows(build));
   session.execute(setLedgerVoucherTexts(build));
-  session.execute(setVoucherTypeNames(build));
+  session.execute(nameVoucherTypes(build.second.name(), "temp.cvoutype"));
   session.execute(nameSalesIssues(build));
   session.execute(createResult(build));
   session.execute(shareRowNumbers(build));
@@ -110,28 +116,34 @@ void FxDetail::getSql(ReportArgument& argument) {
 
 void FxDetail::build(Filter& filter, AccountOptions& options, const std::string& resultTable) {
   Session& session = *module_.session;
-  DetailBuild build;
-  build.inventoryCode = filter.item("cInvCode")->value();
-  build.departmentCode = filter.item("cDepCode")->value();
-  build.warehouseCode = filter.item("cWhCode")->value();
-  build.quantityDecimals = decimalPlaces(module_, "iStrsQuanDecDgt");
-  build.unitCostDecimals = decimalPlaces(module_, "iStrsPriDecDgt");
-  const std::string costingBasis = options.costingBasis();
-  build.byDepartment = costingBasis == valuationByDepartment;
-  build.byWarehouse = costingBasis == valuationByWarehouse;
-  build.inventoryTable = options.inventoryTable();
-  build.warehouseTable = options.warehouseTable();
-  build.resultTable = resultTable;
-  build.main = workTable(module_, "_FXDetail_");
-  build.second = workTable(module_, "_FXDetail2_");
+  std::string inventoryCode = filter.item("cInvCode")->value();
+  const std::string departmentCode = filter.item("cDepCode")->value();
+  const std::string warehouseCode = filter.item("cWhCode")->value();
+  const int quantityDecimals = decimalPlaces(module_, "iStrsQuanDecDgt");
+  const int unitCostDecimals = decimalPlaces(module_, "iStrsPriDecDgt");
+  const CostsKeptBy basis = costsKeptBy(options.costingBasis());
+  Build build{.inventoryCode = std::move(inventoryCode),
+              .costsKeptBy = basis,
+              .placeCode = basis == CostsKeptBy::department ? departmentCode : warehouseCode,
+              .inventoryTable = options.inventoryTable(),
+              .warehouseTable = options.warehouseTable(),
+              .resultTable = resultTable,
+              .main = TemporaryTable::named(module_, "_FXDetail_"),
+              .second = TemporaryTable::named(module_, "_FXDetail2_"),
+              .quantityDecimals = quantityDecimals,
+              .unitCostDecimals = unitCostDecimals,
+              .range = {},
+              .condition = {},
+              .openingText = {},
+              .monthText = {}};
 
-  session.execute(dropWorkTable(build.main));
+  session.execute(build.main.drop());
   session.execute(createMainTable(build));
   // Asked for also when there is nothing to report.
   build.condition = buildFreeItemCondition(filter, build, session);
   build.range = resolvePeriodRange(filter, module_);
   if (build.range.ok) {
-    build.condition += ledgerLinesOnly;
+    build.condition += ledgerLinesOnly();
     build.openingText = module_.resources().text(openingKey);
     build.monthText = module_.resources().text(monthKey);
     insertOpeningBalances(build, session);
@@ -142,8 +154,8 @@ void FxDetail::build(Filter& filter, AccountOptions& options, const std::string&
   } else {
     session.execute(createEmptyResult(build));
   }
-  session.execute(dropWorkTable(build.main));
-  session.execute(dropWorkTable(build.second));
+  session.execute(build.main.drop());
+  session.execute(build.second.drop());
 }
 
 }  // namespace quillon

@@ -11,24 +11,26 @@
 
 #include <string>
 
+#include "frame/work_table.h"
 #include "reports/fx_detail/period_range.h"
 
 namespace quillon::fx_detail {
 
+// What the costs of an inventory are kept by, beside the inventory itself.
+enum class CostsKeptBy { inventoryAlone, department, warehouse };
+
 // What the statements of one run have in common. Values of the filter are pasted into them unescaped.
-struct DetailBuild {
+struct Build {
   std::string inventoryCode;
-  std::string departmentCode;
-  std::string warehouseCode;
-  // The costing basis: what the ledger of an inventory is kept apart by. At most one of them is set. Their conditions
-  // stand also when the filter names no department or warehouse.
-  bool byDepartment = false;
-  bool byWarehouse = false;
+  CostsKeptBy costsKeptBy = CostsKeptBy::inventoryAlone;
+  // Code of the chosen department or warehouse, by `costsKeptBy`. The statements ask for it also when the filter names
+  // none and it is empty.
+  std::string placeCode;
   std::string inventoryTable;
   std::string warehouseTable;
   std::string resultTable;
-  std::string main;
-  std::string second;
+  TemporaryTable main;
+  TemporaryTable second;
   int quantityDecimals = 0;
   int unitCostDecimals = 0;
   DetailPeriodRange range;
@@ -39,44 +41,41 @@ struct DetailBuild {
   std::string monthText;
 };
 
-std::string dropWorkTable(const std::string& table);
-
 // The main work table, empty.
-std::string createMainTable(const DetailBuild& build);
+std::string createMainTable(const Build& build);
 
 // Opening balances from the ledger: per cost item, then the inventory's own on the same rows.
-std::string insertOpenings(const DetailBuild& build);
-std::string setInventoryOpenings(const DetailBuild& build);
+std::string insertOpenings(const Build& build);
+std::string setInventoryOpenings(const Build& build);
 
 // Opening balances when cost items started after the account: those that were entered then, and the movements since.
 // Collected in the second work table; per cost item, then, in a new second table, for the inventory as a whole.
-std::string collectEnteredOpenings(const DetailBuild& build);
-std::string collectMovementsSince(const DetailBuild& build);
-std::string insertCollectedOpenings(const DetailBuild& build);
-std::string collectEnteredInventoryOpenings(const DetailBuild& build);
-std::string collectInventoryMovementsSince(const DetailBuild& build);
-std::string setCollectedInventoryOpenings(const DetailBuild& build);
+std::string collectEnteredOpenings(const Build& build);
+std::string collectMovementsSince(const Build& build);
+std::string insertCollectedOpenings(const Build& build);
+std::string collectEnteredInventoryOpenings(const Build& build);
+std::string collectInventoryMovementsSince(const Build& build);
+std::string setCollectedInventoryOpenings(const Build& build);
 
-std::string insertMovements(const DetailBuild& build);
+std::string insertMovements(const Build& build);
 
 // Balances at the end of `month`, 1 to 12: per cost item, what was entered as opening balance when cost items started
 // after the account, then the inventory's own.
-std::string insertMonthBalances(const DetailBuild& build, int month);
-std::string addEnteredOpenings(const DetailBuild& build, int month);
-std::string setInventoryMonthBalances(const DetailBuild& build, int month);
+std::string insertMonthBalances(const Build& build, int month);
+std::string addEnteredOpenings(const Build& build, int month);
+std::string setInventoryMonthBalances(const Build& build, int month);
 
-std::string setUnitCosts(const DetailBuild& build);
+std::string setUnitCosts(const Build& build);
 
 // The rows in the order of the ledger, numbered, in the second work table; then the texts of vouchers.
-std::string numberRows(const DetailBuild& build);
-std::string setLedgerVoucherTexts(const DetailBuild& build);
-std::string setVoucherTypeNames(const DetailBuild& build);
-std::string nameSalesIssues(const DetailBuild& build);
+std::string numberRows(const Build& build);
+std::string setLedgerVoucherTexts(const Build& build);
+std::string nameSalesIssues(const Build& build);
 
 // The result table. Rows are numbered from 2; the rows of one ledger line then share the first one's number.
-std::string createResult(const DetailBuild& build);
-std::string shareRowNumbers(const DetailBuild& build);
+std::string createResult(const Build& build);
+std::string shareRowNumbers(const Build& build);
 // The result table without rows, from the empty main work table.
-std::string createEmptyResult(const DetailBuild& build);
+std::string createEmptyResult(const Build& build);
 
 }  // namespace quillon::fx_detail
