@@ -5,19 +5,15 @@
 #include <string>
 
 #include "frame/module.h"
+#include "frame/summary_filter.h"
 
 namespace quillon::outsum_item {
 
-struct FilterConditions {
-  // Conditions on the ledger rows (alias base, with inv, wh and cus joined). Fragments begin with "And " and end with a
-  // blank, so that they can follow one another.
-  std::string where = "Where 1 = 1 ";
-  std::string year;    // iYear
-  std::string mode;    // cModal: "0" cost-item classes, "2" expense items, else cost items
+// The conditions are on ledger rows with inv, wh and cus joined.
+struct FilterConditions : SummaryConditions {
   std::string source;  // cSource: "0" reads the split in ia_subsidiary_Item, else in ia_subsidiary_ItemOut
-  std::string grade;   // iGrade: the grade of the cost-item classes; "1" when the item is there and empty
-  bool monthRestricted =
-      false;  // the cost-item breakdown starts within the year, and `where` leaves earlier months out
+  // The cost-item breakdown starts within the year, and `where` leaves earlier months out.
+  bool monthRestricted = false;
 };
 
 // Reads each item of the filter once, in list order, and claims it for the report by its grouping token; an item that

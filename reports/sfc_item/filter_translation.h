@@ -5,19 +5,15 @@
 #include <string>
 
 #include "frame/module.h"
+#include "frame/summary_filter.h"
 
 namespace quillon::sfc_item {
 
-struct FilterConditions {
-  // Conditions on the ledger rows (alias base, with inv, wh and dep joined). Fragments begin with "And " and end with
-  // a blank, so that they can follow one another.
-  std::string where = "Where 1 = 1 ";
+// The conditions are on ledger rows with inv, wh and dep joined.
+struct FilterConditions : SummaryConditions {
   std::string opening;       // picks the rows before the lower date bound; empty without such a bound
   std::string having;        // "Having ..." on the summed movements; empty without such a condition
-  std::string mode;          // cModal: "0" cost-item classes, "2" expense types, else cost items
-  std::string year;          // iYear
   std::string balanceState;  // cFSType
-  std::string grade;         // iGrade: the grade of the cost-item classes; "1" when the item is there and empty
   // " And base.iMonth >= M " when the cost-item breakdown starts in month M, later in the year than inventory
   // accounting; the opening balances by cost item then lie in tables of their own (IA_Subsidiary_QC).
   std::string month;
