@@ -21,25 +21,16 @@ constexpr std::int64_t floorDivide(std::int64_t a, std::int64_t b) {
   return a / b - (a % b < 0 ? 1 : 0);
 }
 
-// Days since 1900-01-01 in the Gregorian calendar.
-constexpr std::int64_t dayNumber(std::int64_t year, int month, int day) {
-  // The year counts from March, so that a leap day is its last.
-  const std::int64_t y = month <= 2 ? year - 1 : year;
-  const int monthFromMarch = (month + 9) % 12;
-  const std::int64_t era = floorDivide(y, 400);
-  const std::int64_t yearOfEra = y - era * 400;
-  const std::int64_t dayOfYear = (153 * monthFromMarch + 2) / 5 + day - 1;
-  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 693901;
-}
-static_assert(dayNumber(1900, 1, 1) == 0 && dayNumber(2000, 3, 1) == 36584);
+constexpr std::chrono::sys_days firstDay = std::chrono::year(1900) / 1 / 1;
 
-bool isLeap(int year) {
-  return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+// Days since 1900-01-01.
+constexpr std::int64_t dayNumber(int year, int month, int day) {
+  return (std::chrono::sys_days(std::chrono::year(year) / month / day) - firstDay).count();
 }
 
 int daysIn(int year, int month) {
-  constexpr std::array<int, 12> days = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return month == 2 && isLeap(year) ? 29 : days[static_cast<std::size_t>(month - 1)];
+  const auto last = std::chrono::year(year) / month / std::chrono::last;
+  return static_cast<int>(static_cast<unsigned>(last.day()));
 }
 
 std::int64_t dayOf(DateTime value) {
@@ -319,16 +310,11 @@ int weekdayOf(std::int64_t day) {
 DateTimeParts partsOf(DateTime value) {
   const std::int64_t day = dayOf(value);
   const auto timeTicks = static_cast<int>(value.ticks - day * DateTime::ticksPerDay);
-  const std::int64_t shifted = day + 693901;  // days since 0000-03-01
-  const std::int64_t era = floorDivide(shifted, 146097);
-  const std::int64_t dayOfEra = shifted - era * 146097;
-  const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const auto dayOfYear = static_cast<int>(dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100));
-  const int monthFromMarch = (5 * dayOfYear + 2) / 153;
+  const std::chrono::year_month_day date(firstDay + std::chrono::days(day));
   DateTimeParts parts;
-  parts.month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
-  parts.year = static_cast<int>(yearOfEra + era * 400) + (parts.month <= 2 ? 1 : 0);
-  parts.day = dayOfYear - (153 * monthFromMarch + 2) / 5 + 1;
+  parts.year = static_cast<int>(date.year());
+  parts.month = static_cast<int>(static_cast<unsigned>(date.month()));
+  parts.day = static_cast<int>(static_cast<unsigned>(date.day()));
   parts.hour = timeTicks / static_cast<int>(ticksPerHour);
   parts.minute = timeTicks / static_cast<int>(ticksPerMinute) % 60;
   parts.second = timeTicks / static_cast<int>(ticksPerSecond) % 60;
@@ -491,10 +477,10 @@ DateTime dateAdd(DatePart part, std::int64_t count, DateTime value) {
   const auto addMonths = [&](std::int64_t months) {
     const DateTimeParts parts = partsOf(value);
     const std::int64_t month = parts.year * 12LL + parts.month - 1 + months;
-    const std::int64_t year = floorDivide(month, 12);
-    if (year < firstYear || year > lastYear) throw errors::dateArithmeticOverflow();
-    const int monthOfYear = static_cast<int>(month - year * 12) + 1;
-    const int day = std::min(parts.day, daysIn(static_cast<int>(year), monthOfYear));
+    if (month < firstYear * 12LL || month >= (lastYear + 1) * 12LL) throw errors::dateArithmeticOverflow();
+    const int year = static_cast<int>(month / 12);
+    const int monthOfYear = static_cast<int>(month % 12) + 1;
+    const int day = std::min(parts.day, daysIn(year, monthOfYear));
     const std::int64_t time = value.ticks - dayOf(value) * DateTime::ticksPerDay;
     return DateTime{dayNumber(year, monthOfYear, day) * DateTime::ticksPerDay + time};
   };
@@ -580,9 +566,9 @@ DateTime currentDateTime() {
 #endif
   const auto part =
       std::chrono::duration_cast<std::chrono::milliseconds>(now - std::chrono::system_clock::from_time_t(seconds));
-  const std::int64_t whole =
-      dayNumber(local.tm_year + 1900LL, local.tm_mon + 1, local.tm_mday) * DateTime::ticksPerDay +
-      local.tm_hour * ticksPerHour + local.tm_min * ticksPerMinute + std::min(local.tm_sec, 59) * ticksPerSecond;
+  const std::int64_t whole = dayNumber(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday) * DateTime::ticksPerDay +
+                             local.tm_hour * ticksPerHour + local.tm_min * ticksPerMinute +
+                             std::min(local.tm_sec, 59) * ticksPerSecond;
   return {whole + std::clamp<std::int64_t>(part.count(), 0, 999) * 3 / 10};
 }
 
