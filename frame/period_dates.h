@@ -1,4 +1,8 @@
 // The first and last day of an accounting period, from the system database.
+//
+// Both summary reports keep this lookup, though no step of their builds needs it and no member of theirs hands it out:
+// they take their bounds from the filter as dates. It stays for what is built on them. The detail ledger does not use it
+// either, because it asks the platform's public component, whose periods may differ (GetDateFromPeriod).
 #pragma once
 
 #include <string>
