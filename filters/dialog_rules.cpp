@@ -1,6 +1,5 @@
 #include "filters/dialog_rules.h"
 
-#include <charconv>
 #include <memory>
 
 #include "frame/text.h"
@@ -59,13 +58,6 @@ std::string enumerationText(const std::vector<Choice>& choices) {
     names += choice.name;
   }
   return codes + "{##}" + names;
-}
-
-int numberOf(std::string_view value) {
-  const std::string_view text = trimBlanks(value);
-  int number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
 }
 
 }  // namespace quillon

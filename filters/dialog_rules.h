@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/account_options.h"
 #include "frame/filter_dialog.h"
 #include "frame/module.h"
-#include "frame/valuation_method.h"
 
 namespace quillon {
 
@@ -38,8 +38,5 @@ struct Choice {
 // The list as the filter object takes it: the codes joined by "{#}", "{##}", the names joined by "{#}". An empty list
 // gives the bare "{##}".
 std::string enumerationText(const std::vector<Choice>& choices);
-
-// The whole number at the front of an item's value; 0 when there is none.
-int numberOf(std::string_view value);
 
 }  // namespace quillon

@@ -3,11 +3,11 @@
 #include <memory>
 
 #include "filters/dialog_rules.h"
+#include "frame/account_options.h"
 #include "frame/inventory_checks.h"
 #include "frame/inventory_environment.h"
 #include "frame/pub_mod.h"
 #include "frame/text.h"
-#include "frame/valuation_method.h"
 
 namespace quillon {
 
@@ -25,21 +25,21 @@ constexpr std::string_view batch = "Mirel.IA.CHHSSQL.00010";
 constexpr std::string_view isMissing = "Mirel.IA.CHHSSQL.13198";
 
 // What the chosen inventory and the account ask for.
-struct Demands {
+struct Requirements {
   std::string valuationMethod;
   InventoryChecks checks;
 };
 
-Demands demandsOf(Module& module, FilterDialog& dialog) {
+Requirements requirementsOf(Module& module, FilterDialog& dialog) {
   const OpenEnvironment environment = openInventoryEnvironment(module.platform(), *dialog.login());
-  Demands demands;
-  demands.valuationMethod = environment.options->costingBasis();
+  Requirements required;
+  required.valuationMethod = environment.options->costingBasis();
   const std::string inventoryTable = environment.options->inventoryTable();
   const std::string inventory = dialog.item("cInvCode")->value();
-  demands.checks = readInventoryChecks(*dialog.connection().query(
+  required.checks = readInventoryChecks(*dialog.connection().query(
       inventoryChecksQuery(inventoryTable, "Inventory", inventory),
       {.cursorType = CursorType::fixed, .lockType = LockType::optimistic, .cursorLocation = CursorLocation::client}));
-  return demands;
+  return required;
 }
 
 // Whether `name` is the key of a free item that the inventory is checked for.
@@ -51,16 +51,16 @@ bool isCheckedFreeItem(std::string_view name, const InventoryChecks& checks) {
 }
 
 // What to tell the user when the item has no value; nothing when it may be empty.
-std::optional<std::string> refusal(DialogItem& item, std::string_view name, const Demands& demands,
+std::optional<std::string> refusal(DialogItem& item, std::string_view name, const Requirements& required,
                                    ResourceService& resources) {
-  if (equalIgnoringCase(name, "cWhCode") && demands.valuationMethod == valuationByWarehouse) {
+  if (equalIgnoringCase(name, "cWhCode") && required.valuationMethod == valuationByWarehouse) {
     return resources.text(warehouseMissing);
   }
-  if (equalIgnoringCase(name, "cDepCode") && demands.valuationMethod == valuationByDepartment) {
+  if (equalIgnoringCase(name, "cDepCode") && required.valuationMethod == valuationByDepartment) {
     return resources.text(departmentMissing);
   }
-  if (isCheckedFreeItem(name, demands.checks)) return resources.formattedText(freeItemMissing, {item.caption()});
-  if (equalIgnoringCase(name, "cBatchIA") && demands.checks.batch) {
+  if (isCheckedFreeItem(name, required.checks)) return resources.formattedText(freeItemMissing, {item.caption()});
+  if (equalIgnoringCase(name, "cBatchIA") && required.checks.batch) {
     const std::string subject = resources.text(batch);
     return subject + resources.text(isMissing);
   }
@@ -82,7 +82,7 @@ void FilterControl::filterInit(FilterDialog& dialog) {
       if (item->value().empty()) item->setValue(byCostItemClass);
     }
   }
-  const int year = numberOf(dialog.item("iYear")->value());
+  const int year = leadingNumber(dialog.item("iYear")->value());
   applyValuationRule(dialog, valueStyle(module_, year, dialog.connection()));
 }
 
@@ -96,14 +96,14 @@ void FilterControl::valueChange(std::string_view key, FilterDialog& dialog) {
 }
 
 std::optional<std::string> FilterControl::filterClick(FilterDialog& dialog) {
-  const Demands demands = demandsOf(module_, dialog);
+  const Requirements required = requirementsOf(module_, dialog);
   const int count = dialog.count();
   for (int position = 1; position <= count; ++position) {
     const std::unique_ptr<DialogItem> item = dialog.item(position);
     std::string name = item->name();
     if (!item->value().empty()) continue;
     ResourceService& resources = module_.resources();
-    if (const auto message = refusal(*item, name, demands, resources)) {
+    if (const auto message = refusal(*item, name, required, resources)) {
       resources.showMessage(*message, 0);
       return name;
     }

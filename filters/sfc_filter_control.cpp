@@ -4,9 +4,11 @@
 #include <memory>
 
 #include "frame/automation_error.h"
+#include "frame/business_types.h"
 #include "frame/pub_mod.h"
 #include "frame/report_session.h"
 #include "frame/statement.h"
+#include "frame/text.h"
 
 namespace quillon {
 
@@ -35,15 +37,19 @@ std::string yearsQuery(const std::string& accountCode) {
 
 constexpr std::string_view highestGradeQuery = "select IsNull(MAX(iGrade),1) from Ca_FxClassDef";
 
-// The types of the year's issues, without goods that go from vendor to customer and never lie in a warehouse.
+std::string notDirectlyShipped() {
+  return "and Left(isnull(IA_Subsidiary.cBusType,N''),2)<>N'" + std::string(directShipment) + "'";
+}
+
+// The types of the year's issues from a warehouse.
 std::string voucherTypesQuery(int year) {
   return joined({
       "select distinct AA_Enum.EnumName , IA_Subsidiary.cVouType  ",
       "From IA_Subsidiary ",
       "Left Join (select * from VouchType union select N'3201',N'销售出库单') VouchType On IA_Subsidiary.cVouType = VouchType.cVouchType ",
       "Left Join AA_Enum On VouchType.cVouchName = AA_Enum.EnumCode and AA_Enum.EnumType = N'IA.VchType'",
-      "WHERE (AA_Enum.localeid = dbo.UDF_GetLocaleID()) And IA_Subsidiary.bRdFlag = 0 and Left(isnull(IA_Subsidiary.cBusType,N''),2)<>N'直运' and ia_subsidiary.iyear = " +
-          std::to_string(year),
+      "WHERE (AA_Enum.localeid = dbo.UDF_GetLocaleID()) And IA_Subsidiary.bRdFlag = 0 " + notDirectlyShipped() +
+          " and ia_subsidiary.iyear = " + std::to_string(year),
       "Order By IA_Subsidiary.cVouType ",
   });
 }
@@ -56,7 +62,7 @@ std::string businessTypesQuery(int year) {
       "From IA_Subsidiary ",
       "Left Join AA_Enum on IA_Subsidiary.cBusType = AA_Enum.EnumCode and AA_Enum.EnumType = 'IA.Bustype'",
       "WHERE (AA_Enum.localeid = dbo.UDF_GetLocaleID()) And IA_Subsidiary.bRdFlag = 0 ",
-      " and Left(isnull(IA_Subsidiary.cBusType,N''),2)<>N'直运' and ia_subsidiary.iYear = " + std::to_string(year),
+      " " + notDirectlyShipped() + " and ia_subsidiary.iYear = " + std::to_string(year),
   });
 }
 constexpr std::string_view otherBusinessTypeQuery =
@@ -141,7 +147,7 @@ void SfcFilterControl::changeYear(FilterDialog& dialog) {
       dialog.item("bIncludeTransVouch")->setValue("1");
     }
   } else if (report == outboundSummary) {
-    const int year = numberOf(dialog.item("iYear")->value());
+    const int year = leadingNumber(dialog.item("iYear")->value());
     offerBusinessTypes(dialog, year);
     offerVoucherTypes(dialog, year);
   }
@@ -165,7 +171,7 @@ void SfcFilterControl::initYear() {
 void SfcFilterControl::initGrade() {
   grades_.clear();
   const auto rows = session().query(highestGradeQuery, listQuery);
-  const int highest = rows->eof() ? 0 : numberOf(rows->text(0).value_or(""));
+  const int highest = rows->eof() ? 0 : leadingNumber(rows->text(0).value_or(""));
   rows->close();
   for (int grade = 1; grade <= highest; ++grade)
     grades_.push_back(grade);
@@ -183,7 +189,7 @@ void SfcFilterControl::offerGrades(FilterDialog& dialog, DialogItem& item) {
 
 void SfcFilterControl::offerVoucherTypes(FilterDialog& dialog, int year) {
   std::vector<Choice> types = choices(voucherTypesQuery(year), otherVoucherTypeQuery);
-  // 3201 goes by the name of 32, which brings it along.
+  // 3201 is shown by the name of 32, and choosing 32 also chooses 3201.
   if (std::ranges::find(types, "32", &Choice::code) != types.end()) {
     std::erase_if(types, [](const Choice& type) { return type.code == "3201"; });
   }
@@ -217,18 +223,18 @@ std::vector<Choice> SfcFilterControl::choices(std::string_view sql, std::string_
 }
 
 std::string SfcFilterControl::followValuationOfYear(FilterDialog& dialog) {
-  std::string method = valueStyle(module_, numberOf(dialog.item("iYear")->value()), session());
+  std::string method = valueStyle(module_, leadingNumber(dialog.item("iYear")->value()), session());
   applyValuationRule(dialog, method);
   return method;
 }
 
 int SfcFilterControl::yearOfLists(FilterDialog& dialog) {
   const std::string year = dialog.item("iYear")->value();
-  return numberOf(year.empty() ? module_.login->accountingYearText() : year);
+  return leadingNumber(year.empty() ? module_.login->accountingYearText() : year);
 }
 
 Session& SfcFilterControl::session() {
-  // A start that failed may have left the one without the other.
+  // A start that failed may have left a session without a login.
   if (!module_.session || !module_.login) {
     throw AutomationError(hresult::unexpected, "Quillon.clsSFCFilterControl",
                           "The dialog has no connection to the account yet; call CallBack_FilterInit first.");

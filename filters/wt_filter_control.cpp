@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "filters/dialog_rules.h"
+#include "frame/account_options.h"
 #include "frame/report_session.h"
 #include "frame/statement.h"
 
@@ -20,7 +21,6 @@ constexpr std::string_view businessTypes =
     "委外发料,委外倒冲,委外盘点补差,生产倒冲,生产盘点补差,成品入库,调拨入库,调拨出库,组装入库,组装出库,拆卸入库,拆卸出库,转换入库,转换出库,"
     "盘盈入库,盘亏出库,降级入库,不合格品,其他入库,其他出库,签回损失,备件领用,委外发料,服务配件领用,一般贸易进口,进料加工,配件出库,配件退库";
 
-constexpr std::string_view industrialEdition = "工业";
 // Only the industrial edition has finished goods receipts and material issues, 10 and 11.
 constexpr std::string_view industrialTypes =
     " and cvouchtype in ('05','06','08','09','10','11','20','21','22','25','24','26','27','28','29','32','35','EX26','EX27')";

@@ -1,13 +1,14 @@
 #include "frame/drill_through.h"
 
-#include <algorithm>
-#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "frame/account_options.h"
 #include "frame/automation_error.h"
+#include "frame/display_names.h"
 #include "frame/report_session.h"
+#include "frame/statement.h"
 #include "frame/text.h"
 
 namespace quillon {
@@ -18,7 +19,6 @@ constexpr std::string_view notPostedKey = "Mirel.IA.CHHSSQL.02787";
 constexpr int warning = 48;
 
 constexpr std::string_view costItemAdjustment = "分项调整";
-constexpr std::string_view industrialEdition = "工业";
 
 // Where the platform's menus hold a voucher: in the general ledger itself, or in inventory accounting.
 constexpr std::string_view ledgerModuleCode = "ZZ";
@@ -30,33 +30,19 @@ AutomationError failure(HResult code, std::string description) {
   return {code, "Quillon", std::move(description)};
 }
 
-// The first field of the first row; nothing when there is no row.
-std::optional<std::string> lookUp(Session& session, const std::string& sql) {
-  const auto rows = session.query(sql, {});
-  std::optional<std::string> value;
-  if (!rows->eof()) value = rows->text(0).value_or("");
-  rows->close();
-  return value;
-}
-
 template <typename Number>
 Number number(const std::string& text, std::string_view what) {
-  const std::string_view digits = trimBlanks(text);
-  Number value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (error != std::errc() || end != digits.data() + digits.size()) {
+  const auto value = wholeNumber<Number>(text);
+  if (!value) {
     throw failure(hresult::typeMismatch, std::string(what) + " is \"" + text + "\", which is not a whole number.");
   }
-  return value;
+  return *value;
 }
 
-// The row shows the voucher type's name; the components want its code. A type without a name goes by its code.
+// The row shows the voucher type's name; the components want its code. A type that has no name is shown by its code.
 std::string voucherTypeCode(Session& session, const std::string& name) {
-  return lookUp(
-             session,
-             "select VouchType.cVouchType from VouchType inner join AA_Enum on VouchType.cVouchName=AA_Enum.EnumCode "
-             "where AA_Enum.EnumType ='IA.vchtype' and AA_Enum.LocaleId=DBO.UDF_GetLocaleID() and AA_Enum.EnumName='" +
-                 name + "'")
+  return firstField(session, concatenated({"select VouchType.cVouchType from VouchType ", voucherTypeNames,
+                                           " and AA_Enum.EnumName='", name, "'"}))
       .value_or(name);
 }
 
@@ -95,8 +81,8 @@ void showSourceVoucher(Module& module, ReportRow& row, const std::string& typeNa
 // The year in which the voucher `postingId` was posted, from the first of the two ledgers that knows it.
 int voucherYear(Session& session, const std::string& postingId) {
   const std::string condition = " Where cPzID = N'" + postingId + "' and imonth <>0 order by iyear";
-  std::optional<std::string> year = lookUp(session, "Select iYear From IA_SubSidiary" + condition);
-  if (!year) year = lookUp(session, "Select iYear From IA_ENSubSidiary" + condition);
+  std::optional<std::string> year = firstField(session, "Select iYear From IA_SubSidiary" + condition);
+  if (!year) year = firstField(session, "Select iYear From IA_ENSubSidiary" + condition);
   if (!year) {
     throw failure(hresult::fail, "No ledger line is posted to voucher " + postingId +
                                      ", so that its year is not known; refresh the report.");
@@ -139,12 +125,12 @@ DrillThrough showLedgerVoucher(Module& module, ReportRow& row) {
 }
 
 // Releases session and login however the drill-through ends.
-class Release {
+class ReleaseAtEnd {
  public:
-  explicit Release(Module& module) : module_(module) {}
-  Release(const Release&) = delete;
-  Release& operator=(const Release&) = delete;
-  ~Release() {
+  explicit ReleaseAtEnd(Module& module) : module_(module) {}
+  ReleaseAtEnd(const ReleaseAtEnd&) = delete;
+  ReleaseAtEnd& operator=(const ReleaseAtEnd&) = delete;
+  ~ReleaseAtEnd() {
     module_.session = nullptr;
     module_.login = nullptr;
   }
@@ -167,7 +153,7 @@ DrillThrough open(Module& module, ReportArgument& argument) {
 }  // namespace
 
 DrillThrough drillThrough(Module& module, ReportArgument& argument) {
-  const Release release(module);
+  const ReleaseAtEnd release(module);
   module.session = module.platform().createSession();
   module.login = argument.login();
   return open(module, argument);

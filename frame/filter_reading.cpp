@@ -1,6 +1,5 @@
 #include "frame/filter_reading.h"
 
-#include <charconv>
 #include <memory>
 #include <string_view>
 
@@ -11,14 +10,12 @@
 namespace quillon {
 
 std::int16_t yearNumber(const std::string& year) {
-  const std::string_view text = trimBlanks(year);
-  std::int16_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) {
+  const auto number = wholeNumber<std::int16_t>(year);
+  if (!number) {
     throw AutomationError(hresult::typeMismatch, "Quillon",
                           "The filter item iYear has the value \"" + year + "\"; give it a year, such as 2024.");
   }
-  return number;
+  return *number;
 }
 
 std::string translateItems(Filter& filter, const std::function<bool(const FilterValues& item)>& translate) {

@@ -1,5 +1,6 @@
-// How the summary reports read the filter object: each item once, in list order, with the grouping token that tells who
-// turns the item into SQL; and the condition on the months that the account's start of the cost-item breakdown adds.
+// How the summary reports read the filter object: each item once, in list order, with a grouping token that says whether
+// the report or the filter object turns the item into SQL; and the condition on the months of a report year in which the
+// cost-item breakdown starts late.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +18,7 @@ struct FilterValues {
   std::string value2;  // the upper bound; empty when not given
 };
 
-// The value of the filter item iYear as a number. Throws AutomationError (type mismatch) for anything but a 16-bit
+// Takes the value of the filter item iYear and gives it as a number. Throws AutomationError (type mismatch) for anything but a 16-bit
 // number.
 std::int16_t yearNumber(const std::string& year);
 

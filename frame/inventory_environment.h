@@ -25,9 +25,9 @@ class AccountOptions {
  public:
   virtual ~AccountOptions() = default;
 
-  // The valuation method (frame/valuation_method.h).
+  // The valuation method (frame/account_options.h).
   virtual std::string costingBasis() = 0;
-  // Tables, or views of them that the user's data rights limit, as they are named in statements.
+  // The inventory and the warehouse table as statements name them; or views of them that the user's data rights limit.
   virtual std::string inventoryTable() = 0;
   virtual std::string warehouseTable() = 0;
 };
@@ -36,13 +36,15 @@ class InventoryEnvironment {
  public:
   virtual ~InventoryEnvironment() = default;
 
+  // Comes before the other members.
   virtual void setLogin(AccountLogin& login) = 0;
   // The table that the detail ledger makes and fills: the first of the two names that the environment gives.
   virtual std::string resultTable() = 0;
+  // The options of the account that `login` names; `resultTable` is what resultTable() has given.
   virtual std::unique_ptr<AccountOptions> accountOptions(AccountLogin& login, std::string_view resultTable) = 0;
 };
 
-// An environment that has been given its login, and what it answers. Released together.
+// An environment with its login, and what it has answered. They are released together.
 struct OpenEnvironment {
   std::unique_ptr<AccountLogin> login;
   std::unique_ptr<InventoryEnvironment> environment;
@@ -50,7 +52,8 @@ struct OpenEnvironment {
   std::unique_ptr<AccountOptions> options;
 };
 
-// Creates the platform's objects for the account that `login` names by OrvDbName and SysPassword.
+// Creates the platform's objects for the account that `login` names by OrvDbName and SysPassword, and reads result table
+// and options from them. Throws AutomationError when the platform or the login refuses.
 OpenEnvironment openInventoryEnvironment(Platform& platform, Login& login);
 
 }  // namespace quillon

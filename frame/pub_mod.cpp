@@ -8,12 +8,6 @@
 
 namespace quillon {
 
-namespace {
-
-constexpr QueryOptions lookup{.cursorType = CursorType::fixed, .lockType = LockType::optimistic, .cursorLocation = {}};
-
-}  // namespace
-
 std::string valueStyle(Module& module, int year, Session& session) {
   PublicComponent& component = module.publicComponent();
   const auto currentStyle = [&] { return component.accountInformation("IA", "cValueStyle", session); };
@@ -21,17 +15,16 @@ std::string valueStyle(Module& module, int year, Session& session) {
 
   const auto rows = session.query(
       "select cValue from IA_HisOption where cSysID='IA' and  cName='cValueStyle' and iYear=" + std::to_string(year),
-      lookup);
+      {});
   std::string style = rows->eof() ? currentStyle() : rows->text(0).value_or("");
   rows->close();
   return style;
 }
 
 int inventoryStartMonth(int year, Session& session) {
-  const auto rows =
-      session.query("Select cValue From AccInformation Where cSysID = 'IA' And cName = 'dIAStartDate'", lookup);
-  const std::string startDate = rows->eof() ? std::string() : rows->text(0).value_or("");
-  rows->close();
+  const std::string startDate =
+      firstField(session, "Select cValue From AccInformation Where cSysID = 'IA' And cName = 'dIAStartDate'")
+          .value_or("");
 
   constexpr std::size_t yearLength = 4;
   constexpr std::size_t monthStart = 5;
@@ -45,16 +38,14 @@ int inventoryStartMonth(int year, Session& session) {
 
 int decimalPlaces(Module& module, std::string_view name) {
   const std::string value = module.publicComponent().accountInformation("AA", name, *module.session);
-  const std::string_view digits = trimBlanks(value);
-  int places = 0;
-  if (digits.empty()) return places;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), places);
-  if (error != std::errc() || end != digits.data() + digits.size()) {
+  if (trimBlanks(value).empty()) return 0;
+  const auto places = wholeNumber<int>(value);
+  if (!places) {
     throw AutomationError(hresult::typeMismatch, "Quillon",
                           "The account option " + std::string(name) + " of system AA has the value \"" + value +
                               "\"; give it a number of decimal places, such as 2.");
   }
-  return places;
+  return *places;
 }
 
 std::string workTablePrefix(Platform& platform) {

@@ -32,7 +32,7 @@ class Recordset {
 
   // True when there is no current row (no row at all, or past the last one).
   virtual bool eof() = 0;
-  virtual void moveNext() = 0;
+  virtual void moveNext() = 0;  // to the next row; not called at the end
   // The field at `position` (from 0) of the current row as text: numbers with a point, without group marks; a date as
   // "yyyy-mm-dd", with " hh:mm:ss" behind it when it has a time; a flag as "True" or "False". Null gives nullopt.
   virtual std::optional<std::string> text(int position) = 0;
@@ -60,5 +60,13 @@ class Session {
   virtual int state() = 0;
   virtual void close() = 0;
 };
+
+// For a query whose recordset is read and never changed.
+inline constexpr QueryOptions readOnlyLookup{
+    .cursorType = CursorType::fixed, .lockType = LockType::readOnly, .cursorLocation = {}};
+
+// Runs `sql`, reads the first field of its first row and closes the recordset. Gives an empty text for null, nothing
+// when there is no row. Throws AutomationError when the session or the recordset refuses.
+std::optional<std::string> firstField(Session& session, std::string_view sql, const QueryOptions& options = {});
 
 }  // namespace quillon

@@ -2,9 +2,12 @@
 // (keys and option names are ASCII), and trimming takes off blanks (U+0020), not tabs or line ends.
 #pragma once
 
+#include <charconv>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace quillon {
 
@@ -32,6 +35,25 @@ inline constexpr std::string_view trimBlanks(std::string_view text) noexcept {
 inline void replaceAll(std::string& text, std::string_view from, std::string_view to) {
   for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
     text.replace(at, from.size(), to);
+}
+
+// The whole number that `text` is, blanks around it aside; nothing for anything else and for a number that `Number`
+// cannot hold.
+template <typename Number>
+std::optional<Number> wholeNumber(std::string_view text) {
+  const std::string_view digits = trimBlanks(text);
+  Number number = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  return number;
+}
+
+// The whole number at the front of `text`, blanks before it aside; 0 when there is none.
+inline int leadingNumber(std::string_view text) {
+  const std::string_view digits = trimBlanks(text);
+  int number = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  return number;
 }
 
 }  // namespace quillon

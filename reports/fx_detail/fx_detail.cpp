@@ -3,13 +3,13 @@
 #include <string_view>
 #include <utility>
 
+#include "frame/account_options.h"
 #include "frame/business_types.h"
 #include "frame/display_names.h"
 #include "frame/inventory_checks.h"
 #include "frame/pub_mod.h"
 #include "frame/report_session.h"
 #include "frame/statement.h"
-#include "frame/valuation_method.h"
 #include "reports/fx_detail/period_range.h"
 #include "reports/fx_detail/statements.h"
 

@@ -22,9 +22,7 @@ struct ProjectItemClass {
 };
 
 std::vector<ProjectItemClass> projectItemClasses(const Build& build, Session& session) {
-  const auto rows =
-      session.query(queryProjectItemClasses(build),
-                    {.cursorType = CursorType::fixed, .lockType = LockType::readOnly, .cursorLocation = {}});
+  const auto rows = session.query(queryProjectItemClasses(build), readOnlyLookup);
   std::vector<ProjectItemClass> classes;
   for (; !rows->eof(); rows->moveNext()) {
     classes.push_back({.code = rows->text(0).value_or(""),

@@ -33,18 +33,13 @@ void fillByCostItem(const Build& build, Module& module, Session& session) {
   session.execute(insertLineMovements(build, states));
   if (!build.conditions.opening.empty()) session.execute(turnIntoOpenings(build, states));
   session.execute(insertClosings(build, states));
-  session.execute(handOnCostItems(build));
+  session.execute(copyCostItemsToWholeLines(build));
 }
 
 // The period whose expense names the opening rows carry: the start period of the cost accounting when that began in
 // the report year, else the year's first month.
 std::string expensePeriod(const Build& build, Session& session) {
-  const auto rows =
-      session.query(queryExpensePeriod(build),
-                    {.cursorType = CursorType::fixed, .lockType = LockType::readOnly, .cursorLocation = {}});
-  std::string period = rows->eof() ? build.conditions.year + "01" : rows->text(0).value_or("");
-  rows->close();
-  return period;
+  return firstField(session, queryExpensePeriod(build), readOnlyLookup).value_or(build.conditions.year + "01");
 }
 
 void fillByExpenseType(const Build& build, Module& module, Session& session) {

@@ -213,7 +213,7 @@ std::string insertLineMovements(const Build& build, const StateTexts& states) {
       lineDepartmentAndDates,
       noCostItemColumns,
       movementState(states),
-      // The line's own movement is told by its cost items' rows; a second time here it would count twice.
+      // The rows of the line's cost items hold its movement; here it would count a second time.
       "null As  iQuantity, null As iMoney ,",
       "0 As iQcQuantity, 0 As iQcMoney, IsNull(base.IaInQuantity, 0) As iInQuantity, IsNull(base.iainprice, 0) As iInMoney, ",
       "IsNull(base.IaOutQuantity, 0) As iOutQuantity, IsNull(base.iaoutprice, 0) As iOutMoney, ",
@@ -260,7 +260,7 @@ std::string insertClosings(const Build& build, const StateTexts& states) {
   });
 }
 
-std::string handOnCostItems(const Build& build) {
+std::string copyCostItemsToWholeLines(const Build& build) {
   const std::string detail = build.detail.reference();
   return joined({
       "update old set cfxcode=oldquan.cfxcode,cfxname=oldquan.cfxname ",

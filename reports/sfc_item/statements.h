@@ -42,7 +42,7 @@ std::string insertLineMovements(const Build& build, const StateTexts& states);
 // Only with an opening condition: movements before the lower date bound become opening balance.
 std::string turnIntoOpenings(const Build& build, const StateTexts& states);
 std::string insertClosings(const Build& build, const StateTexts& states);
-std::string handOnCostItems(const Build& build);
+std::string copyCostItemsToWholeLines(const Build& build);
 
 // Expense-type filler; in this order.
 // Asks for the period ("202401") whose expense names the opening rows carry.

@@ -92,13 +92,5 @@ TEST(EnumerationText, JoinsCodesAndNames) {
   EXPECT_EQ(enumerationText({}), "{##}");
 }
 
-TEST(NumberOf, ReadsTheFrontOfAText) {
-  EXPECT_EQ(numberOf("2024"), 2024);
-  EXPECT_EQ(numberOf(" 2024 "), 2024);
-  EXPECT_EQ(numberOf("2024.5"), 2024);
-  EXPECT_EQ(numberOf(""), 0);
-  EXPECT_EQ(numberOf("year"), 0);
-}
-
 }  // namespace
 }  // namespace quillon

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 namespace quillon {
 namespace {
 
@@ -31,6 +33,24 @@ TEST(Text, ReplacesEveryOccurrenceOnce) {
   EXPECT_EQ(replaced("aaa", "aa", "a"), "aa");
   EXPECT_EQ(replaced("abc", "B", "x"), "abc");
   EXPECT_EQ(replaced("", "a", "b"), "");
+}
+
+TEST(Text, WholeNumbersAreNothingButANumber) {
+  EXPECT_EQ(wholeNumber<int>(" 12 "), 12);
+  EXPECT_EQ(wholeNumber<int>("-3"), -3);
+  EXPECT_EQ(wholeNumber<std::int16_t>("32767"), 32767);
+  for (const char* text : {"", "  ", "12a", "1.5", "+1", "a", "1 2"})
+    EXPECT_EQ(wholeNumber<int>(text), std::nullopt) << text;
+  EXPECT_EQ(wholeNumber<std::int16_t>("32768"), std::nullopt);
+}
+
+TEST(Text, LeadingNumbersEndWhereTheDigitsDo) {
+  EXPECT_EQ(leadingNumber("2024"), 2024);
+  EXPECT_EQ(leadingNumber(" 2024 "), 2024);
+  EXPECT_EQ(leadingNumber("2024.5"), 2024);
+  EXPECT_EQ(leadingNumber("03-31"), 3);
+  EXPECT_EQ(leadingNumber(""), 0);
+  EXPECT_EQ(leadingNumber("a1"), 0);
 }
 
 }  // namespace
