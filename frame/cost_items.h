@@ -1,6 +1,6 @@
 // What several reports' statements say of cost items and of the expenses and materials behind them. A part of a ledger
 // line (ia_subsidiary_Item) belongs to a cost item (Ca_FxDef) of a class (Ca_FxClassDef); its expense mapping
-// (Ca_FxMapExpDID, Ca_FxMapExpDetails) tells which material or which expense it stands for.
+// (Ca_FxMapExpDID, Ca_FxMapExpDetails) says which material or which expense it is.
 #pragma once
 
 #include <string>
@@ -24,8 +24,8 @@ struct CaseWords {
 inline constexpr CaseWords lowerCaseWords{.caseWhen = "case when", .then = "then", .otherwise = "else", .end = "end"};
 inline constexpr CaseWords capitalWords{.caseWhen = "Case When", .then = "Then", .otherwise = "Else", .end = "End"};
 
-// An expression for what a part stands for: `material` for a part of expense type 0, `expense` for any other. Both are
-// expressions over the joined tables, codes or names.
+// Gives the expression for a part's code or name: `material` for a part of expense type 0, `expense` for any other. Both
+// are expressions over the joined tables.
 std::string expenseItem(const CaseWords& words, std::string_view material, std::string_view expense);
 
 // Code and name of a part's cost item, as cFXCode and cFXName; by class those of the cost item's class at the chosen

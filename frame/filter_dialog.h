@@ -16,13 +16,13 @@ class DialogItem {
  public:
   virtual ~DialogItem() = default;
 
-  virtual std::string name() = 0;     // Name: the item's key, such as "cInvCode"
-  virtual std::string caption() = 0;  // what the user sees beside the item
-  virtual std::string value() = 0;    // the value, or the lower bound of a range
-  virtual void setValue(std::string_view value) = 0;
-  virtual void setBounds(std::string_view lower, std::string_view upper) = 0;  // both values of a range
-  virtual void setListText(std::string_view choices) = 0;                      // comma-separated choices
-  // Comma-separated choices, or an SQL statement whose rows are the choices.
+  virtual std::string name() = 0;                     // Name: the item's key, such as "cInvCode"
+  virtual std::string caption() = 0;                  // Caption: what the user sees beside the item
+  virtual std::string value() = 0;                    // varValue: the value, or the lower bound of a range
+  virtual void setValue(std::string_view value) = 0;  // writes varValue
+  virtual void setBounds(std::string_view lower, std::string_view upper) = 0;  // writes varValue and varValue2
+  virtual void setListText(std::string_view choices) = 0;                      // ListText: comma-separated choices
+  // ListSource: comma-separated choices, or an SQL statement whose rows are the choices.
   virtual void setListSource(std::string_view choicesOrStatement) = 0;
 };
 
@@ -31,7 +31,7 @@ class FilterDialog {
   virtual ~FilterDialog() = default;
 
   virtual std::shared_ptr<Login> login() = 0;
-  virtual std::string identifier() = 0;  // a GUID without braces that tells which report the dialog is for
+  virtual std::string identifier() = 0;  // a GUID without braces; each report's filter has its own
   virtual Session& connection() = 0;     // the dialog's own open connection; lives as long as the dialog
 
   virtual int count() = 0;                                                       // FilterList.Count

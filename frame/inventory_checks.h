@@ -1,4 +1,4 @@
-// What an inventory must be told apart by: batch and free items, as the inventory master says.
+// What the stock of an inventory is kept apart by: batch and free items, as far as the inventory master asks for them.
 #pragma once
 
 #include <array>
@@ -17,7 +17,8 @@ struct InventoryChecks {
   std::array<bool, freeItemCount> freeItems = {};  // bCheckFree1 to bCheckFree10
 };
 
-// Asks for the checks of inventory `code` in `table`, which the query calls `alias`. `code` is pasted unescaped.
+// Gives the query for the checks of inventory `code` in `table`, the inventory table as statements name it. The query
+// calls the table `alias`. `code` is pasted unescaped.
 std::string inventoryChecksQuery(std::string_view table, std::string_view alias, std::string_view code);
 
 // Reads the answer to that query and closes it. An unknown inventory has no checks. Throws AutomationError when the

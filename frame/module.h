@@ -17,11 +17,12 @@ class Module {
 
   Platform& platform() { return platform_; }
 
-  // Created on first use and kept; a creation that fails throws and is tried again on the next use.
+  // Created by the platform on first use and kept. A creation that fails throws AutomationError and is tried again on
+  // the next use.
   PublicComponent& publicComponent();
   ResourceService& resources();
   UniqueNameSource& uniqueNames();
-  // The next use creates it anew.
+  // Releases the public component; the next use creates it anew.
   void releasePublicComponent() { publicComponent_.reset(); }
 
   std::shared_ptr<Session> session;          // set and, after a successful build, released by GETSQL

@@ -31,9 +31,9 @@ class Login {
   virtual std::string languageRegion() = 0;      // LanguageRegion, such as "zh-CN"
   virtual std::string languageId() = 0;          // LangID
   virtual int currentPeriodYear() = 0;           // CurPeriodYear
-  virtual std::string businessDate() = 0;        // the login's date as the platform formats it
-  // The code of the module that the user is signed in to ("IA" is inventory accounting); empty when the platform does
-  // not tell.
+  virtual std::string businessDate() = 0;        // CurDate, as the platform formats it
+  // ModuleCode: the code of the module that the user is signed in to ("IA" is inventory accounting); empty when the
+  // platform does not give it.
   virtual std::string moduleCode() { return {}; }
 
   // AuthString: which of the user's data rights restrict the lookups of the filter dialog.
@@ -50,7 +50,7 @@ class DataSource {
 
   virtual void setType(int type) = 0;     // Type
   virtual std::string resultTable() = 0;  // SQL: the name of the table that the report makes and fills
-  // The detail ledger tells the platform where its rows are, instead of being told.
+  // Writes SQL: the detail ledger names its result table itself.
   virtual void setResultTable(std::string_view name);
 };
 
@@ -68,7 +68,7 @@ class ReportArgument {
  public:
   virtual ~ReportArgument() = default;
 
-  virtual std::shared_ptr<Filter> rawFilter() = 0;
+  virtual std::shared_ptr<Filter> rawFilter() = 0;       // rawFilter
   virtual std::shared_ptr<Login> login() = 0;            // Login
   virtual std::shared_ptr<Login> filterLogin() = 0;      // LoginObj
   virtual std::unique_ptr<DataSource> dataSource() = 0;  // DataSource
@@ -84,6 +84,7 @@ struct PeriodDates {
   std::string end;
 };
 
+// A month of an accounting year.
 struct AccountingPeriod {
   int year = 0;
   int month = 0;  // 1 to 12
@@ -94,9 +95,9 @@ class PublicComponent {
  public:
   virtual ~PublicComponent() = default;
 
-  // The value of option `name` of system `system` ("IA", "cValueStyle") as text.
+  // GetAccInformation: the value of option `name` of system `system` ("IA", "cValueStyle") as text.
   virtual std::string accountInformation(std::string_view system, std::string_view name, Session& session) = 0;
-  virtual int currentPeriodYear(Session& session) = 0;
+  virtual int currentPeriodYear(Session& session) = 0;  // CurPeriodYear
   // The first month of the cost-item breakdown in `year`; 0 when it has not started.
   virtual int costItemStartMonth(std::string_view year, Session& session) = 0;  // iFxStartMonth
   // The years in use of account `accountCode`, as text, in the order of the component's dictionary (keys "1", "2",
@@ -125,7 +126,9 @@ class ResourceService {
 
   // Takes the login at the start of a filter dialog; texts come in its language from then on.
   virtual void takeLogin(Login& login) = 0;
+  // The display name of `code` in enumeration `type` ("IA.BillforVch").
   virtual std::string enumName(std::string_view type, std::string_view code) = 0;
+  // The text of resource key `key` ("Mirel.IA.CHHSSQL.00182").
   virtual std::string text(std::string_view key) = 0;
   // The text of `key` with `arguments` put into its places.
   virtual std::string formattedText(std::string_view key, const std::vector<std::string>& arguments);
@@ -137,14 +140,14 @@ class ResourceService {
 class UniqueNameSource {
  public:
   virtual ~UniqueNameSource() = default;
-  virtual std::string next() = 0;
+  virtual std::string next() = 0;  // another text with each call
 };
 
 // The helper that Execute of the two summary reports creates; it gives a filter object for a login.
 class DrillThroughHelper {
  public:
   virtual ~DrillThroughHelper() = default;
-  // `drillThrough` tells that the argument's Action is "Link".
+  // `drillThrough` is true when the argument's Action is "Link".
   virtual std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) = 0;
 };
 

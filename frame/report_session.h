@@ -15,7 +15,8 @@ void openSession(Module& module);
 // failing call; what was set so far stays and is replaced by the next run.
 void openReportSession(Module& module, ReportArgument& argument);
 
-// The same with the dialog's login, which it then hands to the resource service.
+// Puts a new session and the dialog's login into the module, opens the session and hands the login to the resource
+// service. Throws AutomationError as openReportSession() does.
 void openDialogSession(Module& module, FilterDialog& dialog);
 
 // Closes the module's session unless it is closed already, and releases it even when closing throws AutomationError.

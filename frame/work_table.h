@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-// A work table in the account database, which other users see: its name tells users and tables apart.
+// A work table in the account database. Other users see it, so each has a name of its own.
 class WorkTable {
  public:
   explicit WorkTable(std::string name) : name_(std::move(name)) {}

@@ -21,8 +21,8 @@ class FxDetail {
   FxDetail& operator=(const FxDetail&) = delete;
 
   // GETSQL: the whole run. Opens the session from the argument's login, learns the costing basis and the names of the
-  // inventory, warehouse and result tables from the platform's environment, tells the argument's data source where the
-  // rows will be (Type 2, table name), builds, closes, and releases session, login and public component.
+  // inventory, warehouse and result tables from the platform's environment, writes Type 2 and the result table's name
+  // into the argument's data source, builds, closes, and releases session, login and public component.
   //
   // Reads the filter items cInvCode, cDepCode, cWhCode, iYear, dKeepDate and, where the inventory is checked for them,
   // the conditions of cFree1 to cFree10 and cBatchIA. A year and dates for which there is nothing to report give an

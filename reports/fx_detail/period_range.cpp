@@ -24,7 +24,7 @@ class Periods {
     constexpr std::string_view meaning = "A bound that GetDateFromPeriod gives for a period";
     return {.begin = isoDate(dates.begin, meaning), .end = isoDate(dates.end, meaning)};
   }
-  AccountingPeriod holding(const std::string& date) { return component_.periodOfDate(date, session_); }
+  AccountingPeriod periodOf(const std::string& date) { return component_.periodOfDate(date, session_); }
   // The last month that a report from `first` to `last` may show: it ends with the first one that is not settled.
   int lastShown(int year, int first, int last) {
     for (int month = first; month <= last; ++month) {
@@ -48,7 +48,7 @@ bool resolveStart(const std::string& value, int costItemStart, Periods& periods,
   }
   // The date stays as it is given, also when cost items started later.
   range.startDate = isoDate(value, keepDate);
-  const AccountingPeriod period = periods.holding(range.startDate);
+  const AccountingPeriod period = periods.periodOf(range.startDate);
   if (period.year > range.year) return false;
   range.startPeriod = period.year == range.year ? std::max(period.month, costItemStart) : costItemStart;
   return true;
@@ -62,7 +62,7 @@ bool resolveEnd(const std::string& value, Periods& periods, DetailPeriodRange& r
     return true;
   }
   range.endDate = isoDate(value, keepDate);
-  const AccountingPeriod period = periods.holding(range.endDate);
+  const AccountingPeriod period = periods.periodOf(range.endDate);
   if (period.year < range.year) return false;
   range.endPeriod = periods.lastShown(range.year, range.startPeriod, period.month);
   return true;

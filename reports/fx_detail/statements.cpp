@@ -63,7 +63,7 @@ std::string secondFreeItemColumns() {
 
 // --- The place by which costs are kept ------------------------------------------------------------------------------
 
-// What the statements say of a place, by costing basis.
+// How the statements name a department or warehouse, the place by which costs are kept.
 struct Place {
   // Its columns, code and name.
   std::string_view inserted = {};
@@ -198,14 +198,14 @@ constexpr std::array balanceColumns{
                   "sum(isnull(Base.iItemInprice,0)-isnull(Base.iItemoutprice,0))"},
 };
 
-// The head of an insert of balances; `place` names the columns of the place.
-std::string insertBalances(const Build& build, std::string_view place) {
+// The head of an insert of balances; `placeColumns` are the names of the place's columns.
+std::string insertBalances(const Build& build, std::string_view placeColumns) {
   return concatenated({
       "insert  into " + build.main.name() + " (",
       columnList(balanceColumns, &BalanceColumn::name, ","),
       ",cPZdigest,Datatype,curimonth,id,",
       "cinvcode,",
-      place,
+      placeColumns,
       batchAndFreeItems,
       ")",
   });
@@ -236,9 +236,9 @@ std::string groupedBalance(const Build& build) {
 
 // The inventory's own balance (a) beside its balance rows (temp).
 std::string setInventoryBalance(const Build& build) {
-  const std::string& main = build.main.name();
+  const std::string& table = build.main.name();
   return concatenated({
-      "update " + main + " set  iQuantity=a.iQuantity,iPrice=a.iPrice  from " + main + " temp inner join ",
+      "update " + table + " set  iQuantity=a.iQuantity,iPrice=a.iPrice  from " + table + " temp inner join ",
       "(select sum(isnull(Base.iainquantity,0)-isnull(Base.iaoutquantity,0)) as iquantity,sum(isnull(Base.iainprice,0)-isnull(Base.iaoutprice,0)) as iprice,",
       "base.cinvcode,",
       place(build).code,
@@ -515,7 +515,7 @@ constexpr std::array movementColumns{
     // Movements carry their warehouse whatever the costing basis.
     MovementColumn{"cwhcode", "base.cwhcode as cwhcode"},
     MovementColumn{"cwhname", "Warehouse.cwhname as cwhname"},
-    // A movement's department goes by its code, not by its name.
+    // A movement shows its department's code in place of its name.
     MovementColumn{"cdepcode", "base.cdepcode as cdepcode", true},
     MovementColumn{"cdepname", "Department.cdepcode as cdepname", true},
     MovementColumn{"cVouDate", "dvoudate as cVouDate"},

@@ -13,7 +13,7 @@ namespace quillon::fx_wt {
 
 namespace {
 
-// Who turns an item into SQL, by its grouping token. The filter object is asked for each of its tokens in turn.
+// Grouping tokens: who turns an item into SQL. The filter object gives one condition for each of its own tokens.
 constexpr int byReport = 0;
 constexpr int byFilterObject = 1;
 constexpr int byFilterObjectAsVoucherNumber = 3;
@@ -137,7 +137,7 @@ int tokenOf(Form form) {
   return form == Form::batch ? byFilterObject : byReport;
 }
 
-// The column that a key without a row of its own stands for.
+// The column of a key that has no row in the table: of the inventory or of the ledger line.
 std::string columnOf(const std::string& name) {
   const std::string_view prefix = std::string_view(name).substr(0, inventoryFieldPrefix.size());
   return (equalIgnoringCase(prefix, inventoryFieldPrefix) ? "inventory." : "base.") + name;

@@ -19,7 +19,7 @@ std::string quotient(std::string_view dividend, std::string_view divisor, int de
   return concatenated({"cast(cast(", dividend, " as float)/cast(", divisor, " as float) as decimal(38,",
                        std::to_string(decimals), "))"});
 }
-// A quantity that can be divided by: null stands for 0.
+// A quantity to divide by: null in place of 0.
 std::string orNull(std::string_view quantity) {
   return concatenated({"nullif(", quantity, ",0)"});
 }
@@ -58,8 +58,8 @@ constexpr std::string_view masterInventoryFields =
 // A column of the work and the result table.
 struct Column {
   std::string_view name;
-  std::string_view source = {};  // what it is selected from; of a computed column nothing
-  std::string_view sum = {};     // of a figure, which the result table sums; the other columns are what it groups by
+  std::string_view source = {};  // what it is selected from; empty for a computed column
+  std::string_view sum = {};     // the sum in the result table; empty for a column that is grouped by
   std::string (*computed)(const Build&) = nullptr;  // gives the expression that the column is selected from
 };
 
@@ -196,7 +196,7 @@ std::string fromLedger(const Build& build) {
       "left join CAQ_CostCenter on CAQ_CostCenterMap.cDeptID=CAQ_CostCenter.cDeptID ",
       "left join Inventory on base.cInvCode=Inventory.cInvCode ",
       "left join ComputationUnit Unit1 on Inventory.cComUnitCode=Unit1.cComUnitCode ",
-      // A group may have several units beside the main one; the first by code stands for them.
+      // A group may have several units beside the main one; the first by code is shown.
       "left join (select cGroupCode,min(cComUnitCode) as cComUnitCode from ComputationUnit where bMainUnit=0 group by cGroupCode) FirstUnit on Inventory.cGroupCode=FirstUnit.cGroupCode ",
       "left join ComputationUnit Unit2 on FirstUnit.cComUnitCode=Unit2.cComUnitCode ",
       "left join Vendor on base.cVenCode=Vendor.cVenCode ",
@@ -206,7 +206,7 @@ std::string fromLedger(const Build& build) {
       "left join Rd_Style on base.cRdCode=Rd_Style.cRdCode ",
       "left join Ca_Fxdef on base_Item.iItemID=Ca_Fxdef.iFxID ",
       "left join Ca_FxClassDef on Ca_Fxdef.cFxCID=Ca_FxClassDef.iFxCId ",
-      // What a part stands for: a material or an expense, with the expense's name in the line's own month.
+      // The material or the expense that a part is, with the expense's name in the line's own month.
       "left join Ca_FxMapExpDID on base_Item.iItemDetailID=Ca_FxMapExpDID.iFxDID ",
       "left join Ca_FxMapExpDetails on base_Item.iItemDetailID=Ca_FxMapExpDetails.iFxDID and Ca_Fxdef.bHasDetails=1 ",
       "left join Inventory inv on Ca_FxMapExpDetails.cInvCode=inv.cInvCode ",

@@ -21,8 +21,8 @@ enum class NewLine { none, names, sources, both };
 // A column of the detail and the result table.
 struct Column {
   std::string_view name;
-  std::string_view source;  // what it is selected from; of a column that stays empty nothing
-  // What it is selected from where the table is made, for a column that later takes longer texts than its source has.
+  std::string_view source;  // what it is selected from; empty for a column that is never filled
+  // What it is selected from while the table is made, where it later takes longer texts than its source has.
   std::string_view type = {};
   NewLine newLine = NewLine::none;
 };
@@ -261,7 +261,7 @@ std::string insertExpenseItems(const Build& build, std::string_view language) {
       fromSplit(build),
       masterJoins,
       costItemJoins,
-      // What a part stands for: a material or an expense, with the expense's name in the line's own month.
+      // The material or the expense that a part is, with the expense's name in the line's own month.
       "Left Join Ca_FxMapExpDID With(NoLock) ON item.iItemDetailID = Ca_FxMapExpDID.ifxdid",
       "Left Join Ca_FxMapExpDetails With(NoLock) ON item.iItemDetailID = Ca_FxMapExpDetails.ifxdid And Ca_FxDef.bHasDetails = 1",
       "Left Join Inventory With(NoLock) ON Ca_FxMapExpDetails.cInvCode = Inventory.cInvCode",
@@ -322,7 +322,7 @@ std::string insertReportRows(const Build& build) {
 }
 
 std::string nameVoucherTypes(const Build& build) {
-  // The filter adds type 3201 to 32, and it goes by the name of 32.
+  // The filter adds type 3201 to 32, and both are shown by the name of 32.
   return quillon::nameVoucherTypes(build.resultTable,
                                    "case when temp.cvoutype = N'3201' then N'32' else temp.cvoutype end");
 }

@@ -41,13 +41,13 @@ class DetailDialog : public testing::Test {
 
   FakeDialog dialog(std::vector<ItemValues> items) { return {platform, anyIdentifier, std::move(items)}; }
 
-  // What the dialog was told.
+  // What was changed of the dialog.
   std::vector<std::string> changes() const {
-    std::vector<std::string> told;
+    std::vector<std::string> changed;
     for (const std::string& call : platform.record.calls) {
-      if (call.starts_with("set ") || call.find(" = ") != std::string::npos) told.push_back(call);
+      if (call.starts_with("set ") || call.find(" = ") != std::string::npos) changed.push_back(call);
     }
-    return told;
+    return changed;
   }
 
   // Confirms a dialog of these items; gives the item that is refused.
@@ -271,7 +271,7 @@ TEST_F(DetailDialog, ACheckedBatchIsNeeded) {
               ElementsAre("(Mirel.IA.CHHSSQL.00010)", "(Mirel.IA.CHHSSQL.13198)"));
 }
 
-TEST_F(DetailDialog, OnlyTheFirstMissingValueIsTold) {
+TEST_F(DetailDialog, OnlyTheFirstMissingValueIsReported) {
   platform.answers.costingBasis = "按仓库核算";
   platform.answers.queries = {{"bcheckbatch", {checks(true, {1, 2})}}};
   std::vector<ItemValues> items = allItems();

@@ -64,14 +64,14 @@ class SfcDialog : public testing::Test {
     platform.record.calls.clear();
     return dialog;
   }
-  // What the dialog was told and the account was asked, without what was read of the dialog.
+  // What was changed of the dialog and asked of the account, without what was read of the dialog.
   std::vector<std::string> changes() const {
-    std::vector<std::string> told;
+    std::vector<std::string> changed;
     for (const std::string& call : platform.record.calls) {
       if (call.starts_with("set ") || call.starts_with("Session.query ") || call.find(" = ") != std::string::npos)
-        told.push_back(call);
+        changed.push_back(call);
     }
-    return told;
+    return changed;
   }
 
   fakes::FakePlatform platform;
@@ -114,9 +114,9 @@ TEST_F(SfcDialog, TheOutboundSummaryGetsListsDefaultsAndAvailability) {
                      {.name = "bIncludeExpire"},
                      {.name = "cmodal"}});
   control.filterInit(dialog);
-  const std::vector<std::string> told = changes();
+  const std::vector<std::string> changed = changes();
   EXPECT_THAT(
-      std::vector<std::string>(told.begin() + 5, told.end()),
+      std::vector<std::string>(changed.begin() + 5, changed.end()),
       ElementsAre("iYear.list = 2023,2024", "iYear.value = 2024", "cModal.value = 0", "cSource.value = 0",
                   "Session.query " + highestGrade, "set iGrade enumeration 1{#}2{#}3{##}1{#}2{#}3",
                   "iGrade.bounds = 1, 1", "Session.query " + voucherTypes2024,
@@ -136,8 +136,8 @@ TEST_F(SfcDialog, TheReceiptIssueBalanceGetsListsDefaultsAndAvailability) {
                      {.name = "cSource"},
                      {.name = "cVouType"}});
   control.filterInit(dialog);
-  const std::vector<std::string> told = changes();
-  EXPECT_THAT(std::vector<std::string>(told.begin() + 5, told.end()),
+  const std::vector<std::string> changed = changes();
+  EXPECT_THAT(std::vector<std::string>(changed.begin() + 5, changed.end()),
               ElementsAre("bIncludeTransVouch.value = 1", "Session.query " + highestGrade,
                           "set iGrade enumeration 1{#}2{#}3{##}1{#}2{#}3", "iGrade.bounds = 1, 1",
                           "bIncludeExpire.value = 1", "cFSType.value = 0", "cModal.value = 0", "iYear.list = 2023,2024",

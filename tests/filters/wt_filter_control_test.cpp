@@ -166,7 +166,7 @@ TEST_F(WtDialog, AClassRestrictsTheLookupOfItsCodes) {
                                           "set Vendor.cVenCode lookup  #FN[cVCCode]='o'3'"));
 }
 
-TEST_F(WtDialog, AnEmptyClassTellsThatItIsEmpty) {
+TEST_F(WtDialog, AnEmptyClassIsPassedAsEmpty) {
   FakeDialog dialog(platform_, voucherReport, {{"Inventory.cInvCCode"}, {"Customer.cCCCode"}, {"Vendor.cVCCode"}});
   control_.valueChange("Inventory.cInvCCode", dialog);
   control_.valueChange("Customer.cCCCode", dialog);

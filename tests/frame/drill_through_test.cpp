@@ -84,7 +84,7 @@ TEST_F(DrillThroughTest, ReleasesWhatItOpenedWithoutClosingIt) {
   EXPECT_EQ(platform_.record.alive, 1);  // the public component, which the module keeps
 }
 
-TEST_F(DrillThroughTest, ATypeWithoutANameGoesByItsCode) {
+TEST_F(DrillThroughTest, ATypeWithoutANameIsTakenForItsCode) {
   EXPECT_THAT(shown("11"), ElementsAre("ShowVoucher(other, 11, \" 0007 \", 815)"));
 }
 
@@ -103,7 +103,7 @@ TEST_F(DrillThroughTest, AWriteBackIsShownAsAVoucher) {
   EXPECT_THAT(shown("蓝字回冲单"), ElementsAre("ShowVoucher(writeBack, 30, \" 0007 \", 815)"));
 }
 
-TEST_F(DrillThroughTest, ADifferenceCarryOverIsToldEditionAndValuationMethod) {
+TEST_F(DrillThroughTest, ADifferenceCarryOverTakesEditionAndValuationMethod) {
   EXPECT_THAT(shown("差异结转单"), ElementsAre("ShowDifVouchs(35, \" 0007 \", 815, industrial, 按部门核算)"));
   EXPECT_THAT(platform_.record.with("GetAccInformation"), ElementsAre("(AA, cSysVersion)", "(AA, cValueStyle)"));
   platform_.answers.options["AA.cSysVersion"] = "商业";
@@ -134,7 +134,7 @@ Columns postedRow() {
   return {{"cVouType", "销售出库单"}, {"cPZID", "p1"}, {"iPZID", "17"}};
 }
 
-TEST_F(DrillThroughTest, AnUnpostedRowIsToldToTheUser) {
+TEST_F(DrillThroughTest, ForAnUnpostedRowTheUserSeesAMessage) {
   EXPECT_EQ(drill("Link", {{"cVouType", "销售出库单"}, {"iPZID", "17"}}), DrillThrough::notPosted);
   EXPECT_THAT(platform_.record.with("resources."),
               ElementsAre("text(Mirel.IA.CHHSSQL.02787)", "showMessage(<02787>, 48)"));

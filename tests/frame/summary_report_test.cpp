@@ -73,7 +73,7 @@ TEST_F(SummaryReportTest, ABuildThatFailsLeavesTheSessionOpenAndReturnsNormally)
   EXPECT_NE(module_.session->state(), stateClosed);
 }
 
-TEST_F(SummaryReportTest, TheBuildTellsOfAFailureByASingleBlank) {
+TEST_F(SummaryReportTest, AFailedBuildGivesASingleBlank) {
   SampleReport report(module_);
   report.getSql(argument_);
   module_.session = platform_.createSession();
@@ -107,7 +107,7 @@ TEST_F(SummaryReportTest, KeepsTarnTmpTableAsThePlatformSetsIt) {
   EXPECT_EQ(report.tempTableProperty(), "any text");
 }
 
-TEST_F(SummaryReportTest, AnErrorOutsideTheBuildIsThePlatformsToSee) {
+TEST_F(SummaryReportTest, AnErrorOutsideTheBuildReachesThePlatform) {
   // Each call of the run but those of the build itself: from e.rawFilter to DataSource.SQL, and closing the session.
   for (std::size_t k = 1; k <= 15; ++k) {
     fakes::FakePlatform platform;

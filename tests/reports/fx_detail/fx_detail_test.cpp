@@ -195,7 +195,7 @@ TEST_F(FxDetailRun, RepeatsAllStepsOnASecondCall) {
   EXPECT_THAT(platform_.record.statements(), Contains(HasSubstr("into #BENCH_FXDetail2_104 from")));
 }
 
-TEST_F(FxDetailRun, AnAccountThatDoesNotTellItsDecimalPlacesHasNone) {
+TEST_F(FxDetailRun, AnAccountWithoutTheOptionHasNoDecimalPlaces) {
   startInJanuary(platform_);
   platform_.answers.options = {{"AA.iStrsQuanDecDgt", ""}, {"AA.iStrsPriDecDgt", " 6 "}};
   EXPECT_THAT(
@@ -347,7 +347,7 @@ TEST_P(FxDetailFailure, LeavesTheRunAndIsReleasedWithTheInstance) {
   }
 }
 
-TEST_F(FxDetailRun, AnInstanceLeavesAnothersRunAlone) {
+TEST_F(FxDetailRun, AnInstanceLeavesTheRunOfAnotherAlone) {
   startInJanuary(platform_);
   fakes::FakeArgument argument(platform_.record, platform_.filter(filterItems("", "")));
   {

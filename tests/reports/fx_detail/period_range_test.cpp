@@ -184,12 +184,12 @@ TEST_F(PeriodRange, MayEndBeforeItsFirstPeriod) {
 
 // --- What is no year or no date -------------------------------------------------------------------------------------
 
-TEST_F(PeriodRange, RefusesAYearThatIsNone) {
+TEST_F(PeriodRange, RefusesAYearThatIsNoNumber) {
   EXPECT_EQ(errorOf("", "", ""), "The filter item iYear has the value \"\"; give it a year, such as 2024.");
   EXPECT_EQ(errorOf("", "", "40000"), "The filter item iYear has the value \"40000\"; give it a year, such as 2024.");
 }
 
-TEST_F(PeriodRange, RefusesADateThatIsNone) {
+TEST_F(PeriodRange, RefusesATextThatIsNoDate) {
   EXPECT_EQ(errorOf("soon", ""),
             "The filter item dKeepDate has the value \"soon\"; give it a date, such as 2024-06-30.");
   EXPECT_EQ(errorOf("", "2024-02-30"),

@@ -1,4 +1,4 @@
-// The rows of the detail ledger on sample accounts, held against a computation straight from the ledger tables: the
+// The rows of the detail ledger on sample accounts, compared with a computation straight from the ledger tables: the
 // tables are read whole, and everything else (joins, conditions, sums) happens here.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The rows of the cost-item voucher report on a sample account, held against a computation straight from the ledger
+// The rows of the cost-item voucher report on a sample account, compared with a computation straight from the ledger
 // tables: the tables are read whole, one by one, and everything else (joins, conditions, sums, quotients) happens here.
 #include <gmock/gmock.h>
 
@@ -647,7 +647,7 @@ TEST_F(FxWtRows, BeginWithTheFirstDateOfInventoryAccounting) {
 }
 
 // How many of both flavours of 01, 30 and 70 are chosen, and which: every combination.
-TEST_F(FxWtRows, TellTheFlavoursOfVoucherTypesApartByTheirFlag) {
+TEST_F(FxWtRows, DistinguishTheFlavoursOfVoucherTypesByTheirFlag) {
   struct Pair {
     const char* plain;
     const char* second;

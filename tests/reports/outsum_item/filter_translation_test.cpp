@@ -220,7 +220,7 @@ TEST_F(OutsumFilterTranslation, EachBoundOfADateRangeStandsAlone) {
   EXPECT_EQ(where({{.name = "dKeepDate"}}), "Where 1 = 1 ");
 }
 
-TEST_F(OutsumFilterTranslation, VoucherTypes05And32BringTheirKindred) {
+TEST_F(OutsumFilterTranslation, VoucherTypes05And32AlsoChooseTheTypesThatBelongToThem) {
   EXPECT_EQ(where({{.name = "cVouType", .value = "05"}}), "Where 1 = 1 And base.cVouType In ('05','06','5','6') ");
   EXPECT_EQ(where({{.name = "cVouType", .value = "32"}}), "Where 1 = 1 And base.cVouType In ('32','3201') ");
   EXPECT_EQ(where({{.name = "cVouType", .value = "11\t32\t05\t08"}}),

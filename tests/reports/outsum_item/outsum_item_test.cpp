@@ -467,7 +467,7 @@ TEST(OutsumItemErrorTrap, AbsorbsAnErrorAtEveryCallOfTheBuildAndLeavesTheSession
   }
 }
 
-TEST_F(OutsumItemBuild, MoveDataDetailTellsFailureByABlank) {
+TEST_F(OutsumItemBuild, AFailedMoveDataDetailGivesABlank) {
   OutsumItem report(module);
   EXPECT_EQ(report.moveDataDetail(), " ");  // without GETSQL there is neither filter nor session
   fakes::FakeArgument argument(platform.record, platform.filter(filterOf("1", "0")));

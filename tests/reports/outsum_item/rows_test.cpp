@@ -1,4 +1,4 @@
-// The rows of the outbound summary on a sample account, held against a computation straight from the ledger tables: the
+// The rows of the outbound summary on a sample account, compared with a computation straight from the ledger tables: the
 // tables are read whole, one by one, and everything else (joins, conditions, sums) happens here.
 #include <gmock/gmock.h>
 
@@ -397,7 +397,7 @@ class OutsumItemFilters : public OutsumItemKeys {
  protected:
   static std::string dateOf(const Line& line, const char* column) { return line.at(column).value_or("").substr(0, 10); }
 
-  // A value that some line has, and the condition that it stands for.
+  // A value that some line has, and the condition that finds it.
   static FilterCase comparing(const char* what, const std::string& name) {
     const std::vector<Key> keys = comparingKeys();
     const Key key = *std::ranges::find(keys, name, &Key::name);
@@ -493,7 +493,7 @@ TEST_F(OutsumItemFilters, ChooseTheSameLinesInEveryKindOfReport) {
 
 // --- Names and months ---
 
-TEST_F(OutsumItemRows, VoucherTypesGoByTheirNames) {
+TEST_F(OutsumItemRows, VoucherTypesAreShownByTheirNames) {
   // By the enumeration; 3201 by that of 32.
   std::map<std::string, std::string> names;
   for (const Line& type : table("VouchType")) {
@@ -514,7 +514,7 @@ TEST_F(OutsumItemRows, VoucherTypesGoByTheirNames) {
     seen.insert(type);
     EXPECT_EQ(row.at("cvoutype"), names.contains(type) ? names.at(type) : type);
   }
-  EXPECT_TRUE(seen.contains("3201")) << "the sample has lines of the type that goes by another's name";
+  EXPECT_TRUE(seen.contains("3201")) << "the sample has lines of the type that is shown by another's name";
 }
 
 TEST_F(OutsumItemRows, TheMonthsBeforeTheBreakdownAreLeftOut) {
