@@ -5,9 +5,9 @@
 #include <memory>
 #include <optional>
 
+#include "frame/text.h"
 #include "workbench/account/schema.h"
 #include "workbench/tsql/engine/stored_schema.h"
-#include "workbench/tsql/syntax/lexer.h"
 
 namespace quillon::account {
 
@@ -18,9 +18,8 @@ using Kind = RowDifference::Kind;
 
 struct IgnoringCase {
   bool operator()(const std::string& left, const std::string& right) const {
-    return std::ranges::lexicographical_compare(left, right, {}, lower, lower);
+    return std::ranges::lexicographical_compare(left, right, {}, lowerAscii, lowerAscii);
   }
-  static char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 };
 
 // Primary keys by table name, "orvsystem..UA_Period".
@@ -78,8 +77,8 @@ std::vector<std::string> tableNames(tsql::Database& first, tsql::Database& secon
 }
 
 const tsql::Column* find(const std::vector<tsql::Column>& columns, const std::string& name) {
-  const auto found = std::ranges::find_if(
-      columns, [&](const tsql::Column& column) { return tsql::equalsIgnoringCase(column.name, name); });
+  const auto found =
+      std::ranges::find_if(columns, [&](const tsql::Column& column) { return equalIgnoringCase(column.name, name); });
   return found == columns.end() ? nullptr : &*found;
 }
 
@@ -90,8 +89,8 @@ class TableReader {
               std::size_t shown)
       : result_(result), columns_(std::move(columns)), shown_(shown) {
     for (const std::string& name : key) {
-      const auto place = std::ranges::find_if(
-          columns_, [&](const std::string& column) { return tsql::equalsIgnoringCase(column, name); });
+      const auto place =
+          std::ranges::find_if(columns_, [&](const std::string& column) { return equalIgnoringCase(column, name); });
       if (place != columns_.end()) key_.push_back(static_cast<std::size_t>(place - columns_.begin()));
     }
     if (key_.size() == key.size() && !key_.empty()) return;

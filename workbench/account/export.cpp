@@ -94,7 +94,7 @@ void writeSchema(std::ostream& out, const tsql::StoredSchema& schema) {
 
 }  // namespace
 
-std::string csvFileName(const tsql::Table& table) {
+std::string csvFileName(const tsql::DeclaredTable& table) {
   constexpr unsigned char firstPrintable = 0x20;
   std::string name;
   for (const char character : (table.database.empty() ? "" : table.database + "..") + table.name) {

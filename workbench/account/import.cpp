@@ -12,7 +12,6 @@
 #include "workbench/account/transfer.h"
 #include "workbench/account/transfer_files.h"
 #include "workbench/tsql/engine/stored_schema.h"
-#include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::account {
 
@@ -46,42 +45,31 @@ class SchemaScript {
     text_.assign(std::istreambuf_iterator<char>(file), {});
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (text_.starts_with(byteOrderMark)) text_.erase(0, byteOrderMark.size());
-    located(1, [this] { statements_ = tsql::parseBatch(text_); });
+    located(1, [this] { statements_ = tsql::statementsOf(text_); });
   }
 
   // Unique indexes come with the tables, so that the row that breaks one can be told; the others when the rows are there,
   // because that is quicker.
   void beforeRows() {
-    for (const tsql::StatementPtr& statement : statements_) {
-      if (!isLateIndex(*statement)) run(*statement);
+    for (const tsql::ScriptStatement& statement : statements_) {
+      if (statement.kind != Kind::createIndex) run(statement);
     }
   }
   void afterRows() {
-    for (const tsql::StatementPtr& statement : statements_) {
-      if (isLateIndex(*statement)) run(*statement);
+    for (const tsql::ScriptStatement& statement : statements_) {
+      if (statement.kind == Kind::createIndex) run(statement);
     }
   }
 
  private:
-  static bool isLateIndex(const tsql::Statement& statement) {
-    return statement.kind == tsql::StatementKind::createIndex && !statement.unique;
-  }
+  using Kind = tsql::ScriptStatement::Kind;
 
-  void run(const tsql::Statement& statement) {
-    using Kind = tsql::StatementKind;
-    switch (statement.kind) {
-      case Kind::createTable:
-      case Kind::createIndex:
-      case Kind::createView:
-      case Kind::createFunction:
-        break;
-      default:
-        refuse(statement.place.line, statement.place.token,
-               "only Create Table, Index, View and Function stand here; take this statement out");
+  void run(const tsql::ScriptStatement& statement) {
+    if (statement.kind == Kind::other) {
+      refuse(statement.line, statement.token,
+             "only Create Table, Index, View and Function stand here; take this statement out");
     }
-    located(statement.place.line, [&] {
-      connection_.execute(std::string_view(text_).substr(statement.begin, statement.end - statement.begin));
-    });
+    located(statement.line, [&] { connection_.execute(statement.text); });
   }
 
   // Runs `action`, whose errors count lines from `firstLine` of the file.
@@ -125,7 +113,7 @@ class SchemaScript {
   tsql::Connection& connection_;
   std::filesystem::path path_;
   std::string text_;
-  std::vector<tsql::StatementPtr> statements_;
+  std::vector<tsql::ScriptStatement> statements_;
 };
 
 // --- The folder -----------------------------------------------------------------------------------------------------

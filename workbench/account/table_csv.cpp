@@ -5,11 +5,11 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/text.h"
 #include "workbench/account/account_error.h"
 #include "workbench/account/csv.h"
 #include "workbench/account/table_rows.h"
 #include "workbench/account/text_values.h"
-#include "workbench/tsql/syntax/lexer.h"
 
 namespace quillon::account {
 
@@ -122,10 +122,10 @@ class TableReader {
   // The unique key that begins with `column`.
   std::vector<std::string> uniqueKey(const std::string& column) const {
     for (const tsql::KeyDefinition& key : table_.keys) {
-      if (!key.primary && tsql::equalsIgnoringCase(key.columns.front(), column)) return key.columns;
+      if (!key.primary && equalIgnoringCase(key.columns.front(), column)) return key.columns;
     }
     for (const tsql::StoredIndex& index : table_.indexes) {
-      if (index.unique && tsql::equalsIgnoringCase(index.columns.front(), column)) return index.columns;
+      if (index.unique && equalIgnoringCase(index.columns.front(), column)) return index.columns;
     }
     return {column};
   }
@@ -135,8 +135,7 @@ class TableReader {
     std::optional<std::size_t> first;
     for (const std::string& name : key) {
       const auto place = static_cast<std::size_t>(
-          std::ranges::find_if(columns_,
-                               [&](const auto* column) { return tsql::equalsIgnoringCase(column->name, name); }) -
+          std::ranges::find_if(columns_, [&](const auto* column) { return equalIgnoringCase(column->name, name); }) -
           columns_.begin());
       if (!first) first = place;
       shown += (shown.empty() ? "" : ", ") + name + " = " + quotedForMessage(reader_.fields()[place].text);

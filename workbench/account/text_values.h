@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/values/declared_table.h"
 
 namespace quillon::account {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/values/declared_table.h"
 
 namespace quillon::account {
 
@@ -13,6 +13,6 @@ inline constexpr std::string_view schemaFileName = "schema.sql";
 inline constexpr std::string_view unfinishedSchemaFileName = "schema.sql.part";
 
 // "Inventory.csv", "orvsystem..UA_Period.csv". What a file name must not hold on some system stands as "%2F".
-std::string csvFileName(const tsql::Table& table);
+std::string csvFileName(const tsql::DeclaredTable& table);
 
 }  // namespace quillon::account

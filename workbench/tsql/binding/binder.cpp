@@ -2,16 +2,16 @@
 
 #include <algorithm>
 
-#include "workbench/tsql/engine/engine.h"
-#include "workbench/tsql/engine/sqlite.h"
-#include "workbench/tsql/syntax/lexer.h"
+#include "frame/text.h"
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/syntax/parser.h"
+#include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
 namespace {
 
-constexpr int kDeepestView = 32;
-constexpr int kMostViews = 1000;
+constexpr int deepestView = 32;
+constexpr int mostViews = 1000;
 
 std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
   std::string result;
@@ -29,7 +29,7 @@ void setNullable(Scope& scope, std::size_t begin, std::size_t end) {
 
 void addSource(Scope& scope, Source source, const Place& place) {
   for (const Source& other : scope.sources) {
-    if (!equalsIgnoringCase(other.alias, source.alias)) continue;
+    if (!equalIgnoringCase(other.alias, source.alias)) continue;
     if (source.aliasGiven && other.aliasGiven) {
       throw SqlError(1011, "The correlation name '" + source.alias + "' is specified multiple times in a FROM clause.",
                      place.line, source.alias);
@@ -50,7 +50,7 @@ void requireColumnNames(const std::vector<OutputColumn>& columns, const std::str
                      place.line, alias);
     }
     for (std::size_t j = 0; j < i; ++j) {
-      if (equalsIgnoringCase(columns[i].name, columns[j].name)) {
+      if (equalIgnoringCase(columns[i].name, columns[j].name)) {
         throw SqlError(8156, "The column '" + columns[i].name + "' was specified multiple times for '" + alias + "'.",
                        place.line, columns[i].name);
       }
@@ -91,7 +91,7 @@ std::vector<OutputColumn> sysobjectsColumns() {
 void takeIdentity(const Scope& scope, std::string_view name, OutputColumn& column) {
   if (scope.sources.size() != 1) return;
   for (const OutputColumn& source : scope.sources[0].columns) {
-    if (!equalsIgnoringCase(source.name, name)) continue;
+    if (!equalIgnoringCase(source.name, name)) continue;
     column.identity = source.identity;
     column.seed = source.seed;
     column.increment = source.increment;
@@ -140,7 +140,7 @@ struct Binder::SetOperand {
 };
 
 std::shared_ptr<const Table> Binder::table(const ObjectName& name) {
-  auto found = catalog_.table(name);
+  auto found = tables_.table(name);
   if (!found) throw SqlError(208, "Invalid object name '" + name.written + "'.", name.place.line, name.written);
   return found;
 }
@@ -158,32 +158,32 @@ std::string Binder::addTable(const ObjectName& name, const std::string& alias, S
   Source source;
   source.aliasGiven = !alias.empty();
   source.alias = alias.empty() ? name.name : alias;
-  source.database = Catalog::databaseOf(name);
+  source.database = databaseOf(name);
   source.table = name.name;
   const std::string as = " AS " + quoteName(source.alias);
-  if (auto stored = catalog_.table(name)) {
+  if (auto stored = tables_.table(name)) {
     source.columns = columnsOf(*stored);
     source.stored = stored;
     addSource(scope, std::move(source), name.place);
     return stored->physical + as;
   }
-  if (equalsIgnoringCase(name.name, "sysobjects")) {
+  if (equalIgnoringCase(name.name, "sysobjects")) {
     source.columns = sysobjectsColumns();
-    std::string sql = "(" + Catalog::sysobjects(source.database) + ")" + as;
+    std::string sql = "(" + tables_.sysobjects(source.database) + ")" + as;
     addSource(scope, std::move(source), name.place);
     return sql;
   }
-  const std::optional<StoredObject> view = catalog_.object(name);
+  const std::optional<StoredObject> view = tables_.object(name);
   if (!view || view->type != 'V') {
     throw SqlError(208, "Invalid object name '" + name.written + "'.", name.place.line, name.written);
   }
-  if (++viewDepth_ > kDeepestView) {
+  if (++viewDepth_ > deepestView) {
     throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
   }
   // Views that read views twice double with each level.
-  if (++views_ > kMostViews) {
+  if (++views_ > mostViews) {
     throw SqlError(40510,
-                   "The embedded engine does not support more than " + std::to_string(kMostViews) +
+                   "The embedded engine does not support more than " + std::to_string(mostViews) +
                        " views in one statement, those inside views included. Read some of them into a table first.",
                    name.place.line, name.written);
   }
@@ -252,7 +252,7 @@ void Binder::expandStar(const SelectItem& item, Core& core) {
   const std::string prefix = item.starPrefix.empty() ? "" : item.starPrefix.back();
   for (const Source& source : core.scope->sources) {
     const std::string& name = source.aliasGiven ? source.alias : source.table;
-    if (!prefix.empty() && !equalsIgnoringCase(prefix, name)) continue;
+    if (!prefix.empty() && !equalIgnoringCase(prefix, name)) continue;
     matched = true;
     for (const OutputColumn& column : source.columns) {
       Fragment value = columnFragment(quoteName(source.alias) + '.' + quoteName(column.name), column.type);
@@ -383,7 +383,7 @@ std::string Binder::orderKey(const Expression& item, Core& core) {
   if (item.kind == ExpressionKind::column && item.name.size() == 1) {
     std::optional<std::size_t> found;
     for (std::size_t i = 0; i < core.columns.size(); ++i) {
-      if (!equalsIgnoringCase(core.columns[i].name, item.name[0])) continue;
+      if (!equalIgnoringCase(core.columns[i].name, item.name[0])) continue;
       if (found && core.items[*found].sql != core.items[i].sql) {
         throw SqlError(209, "Ambiguous column name '" + item.name[0] + "'.", item.place.line, item.place.token);
       }
@@ -564,7 +564,7 @@ BoundQuery Binder::setQuery(const Query& query, Scope* outer, Naming naming, con
       found = static_cast<std::size_t>(number - 1);
     } else if (key.kind == ExpressionKind::column) {
       for (std::size_t i = 0; i < result.columns.size() && !found; ++i) {
-        if (equalsIgnoringCase(result.columns[i].name, key.name.back())) found = i;
+        if (equalIgnoringCase(result.columns[i].name, key.name.back())) found = i;
       }
       if (!found)
         throw SqlError(207, "Invalid column name '" + key.name.back() + "'.", key.place.line, key.name.back());

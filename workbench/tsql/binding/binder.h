@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "workbench/tsql/binding/emitter.h"
-#include "workbench/tsql/engine/catalog.h"
+#include "workbench/tsql/binding/stored_tables.h"
 #include "workbench/tsql/syntax/ast.h"
 
 namespace quillon::tsql {
@@ -64,7 +64,7 @@ enum class Naming {
 class Binder {
  public:
   // `exactSums`: see aggregate() in emitter.h.
-  Binder(Catalog& catalog, bool exactSums) : catalog_(catalog), exactSums_(exactSums) {}
+  Binder(TableLookup& tables, bool exactSums) : tables_(tables), exactSums_(exactSums) {}
 
   // A query as a statement of its own, or, with an outer scope, inside another.
   BoundQuery query(const Query& query, Scope* outer = nullptr, Naming naming = Naming::none);
@@ -114,7 +114,7 @@ class Binder {
   Fragment unboxed(const Expression& expression, Scope& scope);
   Fragment plainCondition(const Expression& expression, Scope& scope);
 
-  Catalog& catalog_;
+  TableLookup& tables_;
   bool exactSums_;
   int viewDepth_ = 0;
   int views_ = 0;  // bound so far
@@ -125,9 +125,5 @@ bool containsAggregate(const Expression& expression);
 // The fragment's first column that is neither grouped nor aggregated ends the statement with error 8120; `clause` says
 // where it stands ("select list", "HAVING clause", "ORDER BY clause").
 void requireGrouped(const Fragment& value, const Scope& scope, std::string_view clause);
-// A built-in scalar function. Throws SqlError 195 for an unknown name, 174 for a wrong number of arguments.
-Fragment scalarFunction(const std::string& name, const std::vector<Fragment>& arguments, const Expression& expression);
-// Gives the type that all the values have together and brings each to it.
-Type unify(std::vector<Fragment>& values);
 
 }  // namespace quillon::tsql

@@ -2,27 +2,23 @@
 #include <algorithm>
 #include <array>
 
+#include "frame/text.h"
 #include "workbench/tsql/binding/binder.h"
-#include "workbench/tsql/engine/engine.h"
-#include "workbench/tsql/engine/sqlite.h"
-#include "workbench/tsql/syntax/lexer.h"
+#include "workbench/tsql/binding/built_in_functions.h"
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/syntax/parser.h"
+#include "workbench/tsql/values/sql_error.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::tsql {
 namespace {
 
-constexpr auto kAggregates = std::to_array<std::string_view>({"sum", "avg", "min", "max", "count", "count_big"});
-
-std::string lower(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return result;
-}
+constexpr auto aggregateNames = std::to_array<std::string_view>({"sum", "avg", "min", "max", "count", "count_big"});
 
 bool isAggregate(const Expression& expression) {
   return expression.kind == ExpressionKind::function && expression.name.size() == 1 &&
-         std::find(kAggregates.begin(), kAggregates.end(), lower(expression.name[0])) != kAggregates.end();
+         std::find(aggregateNames.begin(), aggregateNames.end(), text::foldCase(expression.name[0])) !=
+             aggregateNames.end();
 }
 
 void absorb(Fragment& result, const Fragment& part) {
@@ -38,11 +34,11 @@ std::string dotted(const std::vector<std::string>& parts) {
 
 // Whether `qualifier` (of one, two or three parts, the column not among them) names the source.
 bool qualifies(const std::vector<std::string>& qualifier, const Source& source) {
-  if (!equalsIgnoringCase(qualifier.back(), source.aliasGiven ? source.alias : source.table)) return false;
+  if (!equalIgnoringCase(qualifier.back(), source.aliasGiven ? source.alias : source.table)) return false;
   if (qualifier.size() == 1) return true;
   const std::string& schema = qualifier[qualifier.size() - 2];
-  if (source.aliasGiven || !(schema.empty() || equalsIgnoringCase(schema, "dbo"))) return false;
-  return qualifier.size() == 2 || equalsIgnoringCase(qualifier[0], source.database);
+  if (source.aliasGiven || !(schema.empty() || equalIgnoringCase(schema, "dbo"))) return false;
+  return qualifier.size() == 2 || equalIgnoringCase(qualifier[0], source.database);
 }
 
 Arithmetic operationOf(std::string_view op) {
@@ -110,17 +106,6 @@ void requireGrouped(const Fragment& value, const Scope& scope, std::string_view 
   }
 }
 
-Type unify(std::vector<Fragment>& values) {
-  std::vector<Operand> operands;
-  operands.reserve(values.size());
-  for (const Fragment& value : values)
-    operands.push_back(value.operand());
-  const Type type = commonType(operands);
-  for (Fragment& value : values)
-    value = convert(value, type, Conversion::implicit);
-  return type;
-}
-
 Fragment Binder::value(const Expression& expression, Scope& scope) {
   Fragment result = located(expression, [&] { return unboxed(expression, scope); });
   // NullIf and Case repeat their operand, so that nested ones double with each level.
@@ -180,7 +165,7 @@ Fragment Binder::column(const Expression& expression, Scope& scope) {
       if (!qualifier.empty() && !qualifies(qualifier, source)) continue;
       qualifierKnown = true;
       for (const OutputColumn& candidate : source.columns) {
-        if (!equalsIgnoringCase(candidate.name, name)) continue;
+        if (!equalIgnoringCase(candidate.name, name)) continue;
         if (found != nullptr) {
           throw SqlError(209, "Ambiguous column name '" + name + "'.", expression.place.line, expression.place.token);
         }
@@ -287,7 +272,7 @@ Fragment Binder::scalarQuery(const Expression& expression, Scope& scope) {
 
 Fragment Binder::function(const Expression& expression, Scope& scope) {
   if (expression.name.size() > 1) return userFunction(expression);
-  const std::string name = lower(expression.name[0]);
+  const std::string name = text::foldCase(expression.name[0]);
   if (isAggregate(expression)) return aggregateCall(name, expression, scope);
   if (expression.star || expression.distinct) {
     throw SqlError(102, "Incorrect syntax near '" + expression.name[0] + "'.", expression.place.line,
@@ -343,7 +328,7 @@ Fragment Binder::userFunction(const Expression& expression) {
   name.written = dotted(expression.name);
   name.place = expression.place;
   if (expression.name.size() == 3) name.database = expression.name[0];
-  const std::optional<StoredObject> stored = catalog_.object(name);
+  const std::optional<StoredObject> stored = tables_.object(name);
   if (!stored || stored->type != 'F') {
     throw SqlError(4121,
                    "Cannot find either column \"" + expression.name[0] +

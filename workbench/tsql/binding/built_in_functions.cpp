@@ -1,13 +1,12 @@
-// The built-in scalar functions: what they take and which function of engine/value_functions.h does the work.
+#include "workbench/tsql/binding/built_in_functions.h"
+
 #include <algorithm>
 #include <array>
 #include <functional>
 
-#include "workbench/tsql/binding/binder.h"
-#include "workbench/tsql/engine/engine.h"
-#include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/values/datetime.h"
-#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/sql_error.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 namespace {
@@ -189,10 +188,10 @@ struct Function {
   Fragment (*make)(const Arguments& given, const Expression& expression);
 };
 
-constexpr std::size_t kAny = 100;
+constexpr std::size_t anyNumber = 100;
 
 // One row a function, in the order of the alphabet.
-constexpr auto kFunctions = std::to_array<Function>({
+constexpr auto builtInFunctions = std::to_array<Function>({
     {"abs", 1, 1, [](const Arguments& a, const Expression&) { return absolute(a); }},
     {"ascii", 1, 1, [](const Arguments& a, const Expression&) { return call("text_ascii", {asText(a[0])}, intType()); }},
     {"ceiling", 1, 1, [](const Arguments& a, const Expression&) { return neighbour("ceiling", a); }},
@@ -203,7 +202,7 @@ constexpr auto kFunctions = std::to_array<Function>({
        if (a.size() > 2) texts.push_back(asInt(a[2]));
        return call("text_charindex", texts, intType());
      }},
-    {"coalesce", 1, kAny, [](const Arguments& a, const Expression&) { return coalesce(a); }},
+    {"coalesce", 1, anyNumber, [](const Arguments& a, const Expression&) { return coalesce(a); }},
     {"dateadd", 3, 3,
      [](const Arguments& a, const Expression& e) {
        return call("date_add", {partFragment(e), asInt(a[1]), asDate(a[2])}, dateTimeType());
@@ -278,9 +277,9 @@ constexpr auto kFunctions = std::to_array<Function>({
 }  // namespace
 
 Fragment scalarFunction(const std::string& name, const std::vector<Fragment>& arguments, const Expression& expression) {
-  const auto* const found = std::lower_bound(kFunctions.begin(), kFunctions.end(), name,
+  const auto* const found = std::lower_bound(builtInFunctions.begin(), builtInFunctions.end(), name,
                                              [](const Function& f, const std::string& n) { return f.name < n; });
-  if (found == kFunctions.end() || found->name != name) {
+  if (found == builtInFunctions.end() || found->name != name) {
     throw SqlError(195, "'" + expression.name[0] + "' is not a recognized built-in function name.",
                    expression.place.line, expression.name[0]);
   }
@@ -288,7 +287,7 @@ Fragment scalarFunction(const std::string& name, const std::vector<Fragment>& ar
     throw SqlError(
         174,
         "The " + name + " function requires " + std::to_string(found->fewest) +
-            (found->most > found->fewest && found->most != kAny ? " to " + std::to_string(found->most) : "") +
+            (found->most > found->fewest && found->most != anyNumber ? " to " + std::to_string(found->most) : "") +
             " argument(s).",
         expression.place.line, expression.name[0]);
   }

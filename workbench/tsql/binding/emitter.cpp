@@ -4,18 +4,18 @@
 #include <cmath>
 #include <limits>
 
-#include "workbench/tsql/engine/engine.h"
-#include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/values/collation.h"
 #include "workbench/tsql/values/conversion.h"
-#include "workbench/tsql/values/errors.h"
 #include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/sql_error.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 namespace {
 
 // The largest whole number that is safe in a SQLite INTEGER, a little below 2^63 because bounds are kept as doubles.
-constexpr double kPlainLimit = 9.2e18;
+constexpr double plainLimit = 9.2e18;
 
 double tenTo(int exponent) {
   return std::pow(10.0, exponent);
@@ -79,7 +79,7 @@ std::optional<Fragment> rescaledPlainly(const Fragment& value, const Type& to) {
     result.mayOverflow = result.isColumn = false;
     return result;
   }
-  if (!fitsTarget || magnitude > kPlainLimit || value.mayOverflow) return std::nullopt;
+  if (!fitsTarget || magnitude > plainLimit || value.mayOverflow) return std::nullopt;
   result.sql = shifted(value, digits);
   result.isColumn = false;
   return result;
@@ -193,7 +193,7 @@ std::optional<PlainResult> plainArithmetic(Arithmetic operation, const Fragment&
       const double leftBound = left.magnitude * tenTo(scale - leftScale);
       const double rightBound = right.magnitude * tenTo(scale - rightScale);
       // A side that is scaled up must stay whole by itself; leaving 64 bits is only allowed to the sum.
-      if ((scale > leftScale && leftBound > kPlainLimit) || (scale > rightScale && rightBound > kPlainLimit))
+      if ((scale > leftScale && leftBound > plainLimit) || (scale > rightScale && rightBound > plainLimit))
         return std::nullopt;
       return PlainResult{"(" + shifted(left, scale - leftScale) + sign + shifted(right, scale - rightScale) + ")",
                          leftBound + rightBound};
@@ -216,12 +216,12 @@ Fragment exactArithmetic(Arithmetic operation, const Fragment& left, const Fragm
     result.sql = plain->sql;
     result.magnitude = std::min(plain->magnitude, magnitudeOf(type));
     result.mayOverflow = left.mayOverflow || right.mayOverflow;
-    if (plain->magnitude <= kPlainLimit && plain->magnitude <= limitOf(type)) return result;
+    if (plain->magnitude <= plainLimit && plain->magnitude <= limitOf(type)) return result;
     if (overflowsToReal(type)) {
       result.mayOverflow = true;
       return result;
     }
-    if (plain->magnitude <= kPlainLimit) {
+    if (plain->magnitude <= plainLimit) {
       result.sql = "exact_check(" + result.sql + ", " + typeArgument(type) + ")";
       result.mayOverflow = false;
       return result;
@@ -252,7 +252,7 @@ std::string compareExact(std::string_view op, const Fragment& left, const Fragme
   const int rightScale = scaleOf(b.type);
   const int scale = std::max(leftScale, rightScale);
   const bool plain =
-      a.magnitude * tenTo(scale - leftScale) <= kPlainLimit && b.magnitude * tenTo(scale - rightScale) <= kPlainLimit;
+      a.magnitude * tenTo(scale - leftScale) <= plainLimit && b.magnitude * tenTo(scale - rightScale) <= plainLimit;
   const bool sameScale = leftScale == rightScale;
   const bool bothNarrow = !isWide(a) && !isWide(b);
   // Units beyond 64 bits have one form only, so equality needs no function.
@@ -287,7 +287,7 @@ std::string typeArgument(const Type& type) {
 }
 
 bool isWide(const Fragment& value) {
-  return value.type.kind == Kind::decimal && value.magnitude > kPlainLimit;
+  return value.type.kind == Kind::decimal && value.magnitude > plainLimit;
 }
 
 Fragment literalFragment(const Value& value, const Type& type) {
@@ -350,6 +350,17 @@ Fragment convert(const Fragment& value, const Type& to, Conversion conversion, i
   return converted(value, to, "cast_to", style == 0 ? "" : ", " + std::to_string(style));
 }
 
+Type unify(std::vector<Fragment>& values) {
+  std::vector<Operand> operands;
+  operands.reserve(values.size());
+  for (const Fragment& value : values)
+    operands.push_back(value.operand());
+  const Type type = commonType(operands);
+  for (Fragment& value : values)
+    value = convert(value, type, Conversion::implicit);
+  return type;
+}
+
 Fragment store(const Fragment& value, const Type& to, std::string_view table, std::string_view column) {
   if (value.isNullLiteral) return typedNull(to, value);
   if (value.type != to) checkAssignment(value.type, to);
@@ -385,7 +396,7 @@ Fragment negate(const Fragment& value) {
     result.sql = "(-" + value.sql + ")";
   } else if (overflowsToReal(value.type)) {
     result.sql = "(-" + value.sql + ")";
-    result.mayOverflow = result.mayOverflow || value.magnitude > kPlainLimit;
+    result.mayOverflow = result.mayOverflow || value.magnitude > plainLimit;
   } else {
     result.sql = "exact_neg(" + settled(value).sql + ", " + typeArgument(value.type) + ")";
     result.mayOverflow = false;
@@ -528,7 +539,7 @@ Fragment aggregate(std::string_view name, const Fragment& argument, bool distinc
       } else {
         result.sql = apply("sum");
         result.mayOverflow = argument.mayOverflow;
-        if (result.type.kind == Kind::decimal) result.magnitude = kPlainLimit;
+        if (result.type.kind == Kind::decimal) result.magnitude = plainLimit;
       }
       break;
     case Aggregate::avg:

@@ -51,6 +51,8 @@ Fragment nullFragment();
 Fragment columnFragment(std::string sql, const Type& type);
 
 Fragment convert(const Fragment& value, const Type& to, Conversion conversion, int style = 0);
+// Gives the type that all the values have together and brings each to it.
+Type unify(std::vector<Fragment>& values);
 // As Insert and Update bring a value into a column.
 Fragment store(const Fragment& value, const Type& to, std::string_view table, std::string_view column);
 
@@ -77,6 +79,7 @@ Fragment aggregate(std::string_view name, const Fragment& argument, bool distinc
 
 // A call in SQLite's SQL; the result has the arguments' bare columns.
 Fragment call(std::string_view function, const std::vector<Fragment>& arguments, const Type& type);
+// The type as an argument of such a call.
 std::string typeArgument(const Type& type);
 
 }  // namespace quillon::tsql

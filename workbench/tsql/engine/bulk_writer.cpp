@@ -2,14 +2,15 @@
 
 #include <sqlite3.h>
 
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/engine/catalog.h"
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/syntax/parser.h"
-#include "workbench/tsql/values/errors.h"
 #include "workbench/tsql/values/exact.h"
 #include "workbench/tsql/values/text.h"
 #include "workbench/tsql/values/type_rules.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 namespace {

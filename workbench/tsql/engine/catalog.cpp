@@ -2,21 +2,15 @@
 
 #include <algorithm>
 
-#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/engine/sqlite.h"
-#include "workbench/tsql/syntax/lexer.h"
 #include "workbench/tsql/syntax/parser.h"
 #include "workbench/tsql/values/collation.h"
+#include "workbench/tsql/values/sql_error.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::tsql {
 namespace {
-
-std::string fold(std::string_view name) {
-  std::string result(name);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return result;
-}
 
 std::string schemaOf(std::string_view database) {
   return database == "tempdb" ? "temp" : "main";
@@ -26,7 +20,7 @@ std::string schemaOf(std::string_view database) {
 // for itself gets a mark in front.
 std::string physicalName(std::string_view database, std::string_view name) {
   if (database == "orvsystem") return "orvsystem.." + std::string(name);
-  const std::string folded = fold(name);
+  const std::string folded = text::foldCase(name);
   return (folded.starts_with("sqlite_") || folded == "tsql_objects" ? "user." : "") + std::string(name);
 }
 
@@ -155,39 +149,9 @@ Table makeTable(std::string database, std::string name, const std::vector<Column
 
 }  // namespace
 
-std::string declaration(const Type& type) {
-  const bool isText = type.kind == Kind::nVarChar || type.kind == Kind::varChar;
-  if (isText && type.width == Type::maxWidth) return type.kind == Kind::nVarChar ? "nvarchar(max)" : "varchar(max)";
-  return type.name();
-}
-
-std::string bracketed(std::string_view name) {
-  std::string result = "[";
-  for (const char c : name) {
-    if (c == ']') result += ']';
-    result += c;
-  }
-  return result + ']';
-}
-
 Table tableOf(std::string database, std::string name, std::string_view definition) {
   const StatementPtr parsed = parseTableDefinition(definition);
   return makeTable(std::move(database), std::move(name), parsed->definitions, parsed->keys);
-}
-
-int Table::find(std::string_view column) const {
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    if (equalsIgnoringCase(columns[i].name, column)) return static_cast<int>(i);
-  }
-  return -1;
-}
-
-std::string Table::rowid() const {
-  for (const char* const candidate : {"rowid", "_rowid_", "oid"}) {
-    if (find(candidate) < 0) return candidate;
-  }
-  throw SqlError(40510,
-                 "The embedded engine does not support a table with columns rowid, _rowid_ and oid all at once.");
 }
 
 Catalog::Catalog(sqlite3* database) : database_(database) {
@@ -217,16 +181,9 @@ void Catalog::forget() {
   known_.clear();
 }
 
-std::string Catalog::databaseOf(const ObjectName& name) {
-  if (name.name.starts_with('#') || equalsIgnoringCase(name.database, "tempdb")) return "tempdb";
-  if (name.database.empty()) return {};
-  if (equalsIgnoringCase(name.database, "orvsystem")) return "orvsystem";
-  throw SqlError(208, "Invalid object name '" + name.written + "'.", name.place.line, name.written);
-}
-
 std::optional<StoredObject> Catalog::object(const ObjectName& name) {
   const std::string database = databaseOf(name);
-  const std::string key = fold(name.name);
+  const std::string key = text::foldCase(name.name);
   Prepared find(database_, "SELECT id, type, name, definition FROM " + schemaOf(database) +
                                ".tsql_objects WHERE database = ?1 AND key = ?2");
   find.bind(1, database);
@@ -238,7 +195,7 @@ std::optional<StoredObject> Catalog::object(const ObjectName& name) {
 
 std::shared_ptr<const Table> Catalog::table(const ObjectName& name) {
   const std::string database = databaseOf(name);
-  const std::string key = database + '.' + fold(name.name);
+  const std::string key = database + '.' + text::foldCase(name.name);
   if (const auto found = known_.find(key); found != known_.end()) return found->second;
   const std::optional<StoredObject> stored = object(name);
   if (!stored || stored->type != 'U') return nullptr;
@@ -272,7 +229,7 @@ std::shared_ptr<const Table> Catalog::createTable(const ObjectName& name, const 
       seed.step();
     }
   }
-  known_[database + '.' + fold(name.name)] = table;
+  known_[database + '.' + text::foldCase(name.name)] = table;
   return table;
 }
 
@@ -282,7 +239,7 @@ void Catalog::createObject(const ObjectName& name, char type, const std::string&
                    name.name);
   }
   const std::string database = databaseOf(name);
-  const std::string key = fold(name.name);
+  const std::string key = text::foldCase(name.name);
   const std::string typeText(1, type);
   Prepared enter(database_, "INSERT INTO " + schemaOf(database) +
                                 ".tsql_objects(database, key, name, type, definition) VALUES(?1, ?2, ?3, ?4, ?5)");
@@ -308,10 +265,10 @@ void Catalog::drop(const ObjectName& name, char type) {
   Prepared remove(database_, "DELETE FROM " + schemaOf(database) + ".tsql_objects WHERE id = ?1");
   remove.bind(1, stored->id < 0 ? -stored->id : stored->id);
   remove.step();
-  known_.erase(database + '.' + fold(name.name));
+  known_.erase(database + '.' + text::foldCase(name.name));
 }
 
-std::string Catalog::sysobjects(std::string_view database) {
+std::string Catalog::sysobjects(std::string_view database) const {
   const std::string sign = database == "tempdb" ? "-" : "";
   return "SELECT name COLLATE " + std::string(collationName) + " AS name, " + sign +
          "id AS id, type AS xtype, type AS type FROM " + schemaOf(database) + ".tsql_objects WHERE database = '" +

@@ -4,11 +4,9 @@
 
 #include <string>
 
+#include "frame/text.h"
 #include "workbench/tsql/engine/catalog.h"
-#include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/engine/sqlite.h"
-#include "workbench/tsql/engine/value_functions.h"
-#include "workbench/tsql/syntax/lexer.h"
 #include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::tsql {
@@ -35,44 +33,8 @@ void objectId(sqlite3_context* context, int, sqlite3_value** arguments) {
 void databaseId(sqlite3_context* context, int, sqlite3_value** arguments) {
   constexpr int tempdb = 2, orvsystem = 5;
   const std::string name = textOf(arguments[0]);
-  if (equalsIgnoringCase(name, "tempdb")) sqlite3_result_int(context, tempdb);
-  if (equalsIgnoringCase(name, "orvsystem")) sqlite3_result_int(context, orvsystem);
-}
-
-// The aggregate's state: the first value, copied.
-void singleRowStep(sqlite3_context* context, int, sqlite3_value** arguments) {
-  auto** const state = static_cast<sqlite3_value**>(sqlite3_aggregate_context(context, sizeof(sqlite3_value*)));
-  if (state == nullptr) {
-    sqlite3_result_error_nomem(context);
-    return;
-  }
-  if (*state != nullptr) {
-    reportError(
-        context,
-        SqlError(512,
-                 "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, <, <= "
-                 ", >, >= or when the subquery is used as an expression."));
-    return;
-  }
-  *state = sqlite3_value_dup(arguments[0]);
-}
-
-void singleRowEnd(sqlite3_context* context) {
-  auto** const state = static_cast<sqlite3_value**>(sqlite3_aggregate_context(context, 0));
-  if (state == nullptr || *state == nullptr) return;
-  sqlite3_result_value(context, *state);
-  sqlite3_value_free(*state);
-  *state = nullptr;
-}
-
-void required(sqlite3_context* context, int, sqlite3_value** arguments) {
-  if (sqlite3_value_type(arguments[0]) != SQLITE_NULL) {
-    sqlite3_result_value(context, arguments[0]);
-    return;
-  }
-  reportError(context,
-              SqlError(515, "Cannot insert the value NULL into column '" + textOf(arguments[1]) + "', table '" +
-                                textOf(arguments[2]) + "'; column does not allow nulls. INSERT fails."));
+  if (equalIgnoringCase(name, "tempdb")) sqlite3_result_int(context, tempdb);
+  if (equalIgnoringCase(name, "orvsystem")) sqlite3_result_int(context, orvsystem);
 }
 
 void check(sqlite3* database, int result) {
@@ -81,15 +43,11 @@ void check(sqlite3* database, int result) {
 
 }  // namespace
 
-void registerEngineFunctions(sqlite3* database, Catalog& catalog) {
+void registerCatalogFunctions(sqlite3* database, Catalog& catalog) {
   check(database, sqlite3_create_function_v2(database, "object_id", 1, SQLITE_UTF8, &catalog, objectId, nullptr,
                                              nullptr, nullptr));
   check(database, sqlite3_create_function_v2(database, "db_id", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
                                              databaseId, nullptr, nullptr, nullptr));
-  check(database, sqlite3_create_function_v2(database, "single_row", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
-                                             nullptr, singleRowStep, singleRowEnd, nullptr));
-  check(database, sqlite3_create_function_v2(database, "required", 3, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
-                                             required, nullptr, nullptr, nullptr));
 }
 
 }  // namespace quillon::tsql

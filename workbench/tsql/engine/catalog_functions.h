@@ -1,8 +1,9 @@
-// The functions of the emitted SQL that need the catalog or belong to statements, beside those of value_functions.h:
+// The functions of the emitted SQL that look into the catalog; those that see nothing but their arguments stand in
+// value_functions.h. Both are what SQLite calls: the functions that statements call, and what becomes of each call, are
+// those of binding/built_in_functions.
 //
-//   object_id(x)             the id of the object that the text names ("[t]", "tempdb..#t"); NULL when there is none
-//   single_row(x)            aggregate: the one value of its rows, NULL of none                               error 512
-//   required(x, column, table)   x itself; NULL                                                              error 515
+//   object_id(x)    the id of the object that the text names ("[t]", "tempdb..#t"); NULL when there is none
+//   db_id(x)        the number of the database of that name; NULL when there is none
 #pragma once
 
 struct sqlite3;
@@ -11,7 +12,7 @@ namespace quillon::tsql {
 
 class Catalog;
 
-// The catalog must outlive the connection's use.
-void registerEngineFunctions(sqlite3* database, Catalog& catalog);
+// The catalog must outlive the connection's use. Throws SqlError when SQLite refuses.
+void registerCatalogFunctions(sqlite3* database, Catalog& catalog);
 
 }  // namespace quillon::tsql

@@ -16,8 +16,8 @@ namespace quillon::tsql {
 namespace {
 
 // "QLLN": marks a SQLite file as an account.
-constexpr std::int64_t kApplicationId = 0x514c4c4e;
-constexpr int kBusyMilliseconds = 20'000;
+constexpr std::int64_t applicationId = 0x514c4c4e;
+constexpr int busyMilliseconds = 20'000;
 
 struct CloseDatabase {
   void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
@@ -32,7 +32,7 @@ DatabaseHandle openDatabase(const std::string& name, int flags) {
     throw SqlError(5120, "Unable to open the account file '" + name + "': " + sqlite3_errstr(result) + ".");
   }
   sqlite3_extended_result_codes(database.get(), 1);
-  sqlite3_busy_timeout(database.get(), kBusyMilliseconds);
+  sqlite3_busy_timeout(database.get(), busyMilliseconds);
   // One account, one file, whatever a statement asks for.
   sqlite3_limit(database.get(), SQLITE_LIMIT_ATTACHED, 0);
   return database;
@@ -58,7 +58,7 @@ void undoHalfDoneChanges(const std::string& name, const std::filesystem::path& f
 
 void requireAccount(sqlite3* database, const std::string& name) {
   Prepared id(database, "PRAGMA application_id");
-  if (!id.step() || id.integer(0) != kApplicationId) {
+  if (!id.step() || id.integer(0) != applicationId) {
     throw SqlError(5172, "The file '" + name + "' is no account file. Make one with `quillon account new`.");
   }
 }
@@ -79,7 +79,7 @@ class EmbeddedConnection : public Connection {
  public:
   explicit EmbeddedConnection(DatabaseHandle database)
       : database_(std::move(database)), catalog_(database_.get()), executor_(database_.get(), catalog_) {
-    registerEngineFunctions(database_.get(), catalog_);
+    registerCatalogFunctions(database_.get(), catalog_);
   }
 
   void run(std::string_view batch, ResultSink& sink) override { executor_.run(batch, sink); }
@@ -127,7 +127,7 @@ std::unique_ptr<Connection> connect(DatabaseHandle database) {
 }
 
 void layOut(sqlite3* database) {
-  runSqlite(database, "PRAGMA application_id = " + std::to_string(kApplicationId));
+  runSqlite(database, "PRAGMA application_id = " + std::to_string(applicationId));
   Catalog::create(database);
 }
 
@@ -155,14 +155,14 @@ std::unique_ptr<Connection> Connection::open(const std::filesystem::path& file, 
     requireAccount(database.get(), name);
   }
   setUp(database.get());
-  registerFunctions(database.get());
+  registerValueFunctions(database.get());
   if (mode == OpenMode::createNew) layOut(database.get());
   return connect(std::move(database));
 }
 
 std::unique_ptr<Connection> Connection::openInMemory() {
   DatabaseHandle database = openDatabase(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-  registerFunctions(database.get());
+  registerValueFunctions(database.get());
   layOut(database.get());
   return connect(std::move(database));
 }

@@ -1,5 +1,8 @@
 // The embedded engine: T-SQL batches on a SQLite file. One Connection is one T-SQL connection with its own #temp
 // tables; several connections may share a file. Not for use from two threads at once.
+//
+// This header and stored_schema.h are the face of the engine: whoever stands outside workbench/tsql includes these two
+// and values/, and nothing else of it.
 #pragma once
 
 #include <cstdint>

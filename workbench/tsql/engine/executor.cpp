@@ -6,6 +6,7 @@
 #include <chrono>
 #include <deque>
 
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/engine/modification.h"
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"

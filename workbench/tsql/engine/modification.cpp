@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <optional>
 
-#include "workbench/tsql/engine/engine.h"
+#include "frame/text.h"
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/engine/sqlite.h"
-#include "workbench/tsql/syntax/lexer.h"
 #include "workbench/tsql/syntax/parser.h"
+#include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
 namespace {
@@ -169,12 +170,11 @@ const TableSource* findTarget(const Statement& s) {
     collectTables(*source, tables);
   const bool plain = s.target.database.empty();
   for (const TableSource* table : tables) {
-    if (plain && equalsIgnoringCase(table->alias, s.target.name)) return table;
+    if (plain && equalIgnoringCase(table->alias, s.target.name)) return table;
   }
   const TableSource* found = nullptr;
   for (const TableSource* table : tables) {
-    if (!equalsIgnoringCase(table->table.name, s.target.name) ||
-        Catalog::databaseOf(table->table) != Catalog::databaseOf(s.target)) {
+    if (!equalIgnoringCase(table->table.name, s.target.name) || databaseOf(table->table) != databaseOf(s.target)) {
       continue;
     }
     if (found != nullptr) {

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "workbench/tsql/binding/binder.h"
-#include "workbench/tsql/engine/catalog.h"
 #include "workbench/tsql/syntax/ast.h"
 
 namespace quillon::tsql {

@@ -108,15 +108,6 @@ void runSqlite(sqlite3* database, const std::string& sql) {
   if (sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) throwSqliteError(database);
 }
 
-std::string quoteName(std::string_view name) {
-  std::string result = "\"";
-  for (const char c : name) {
-    if (c == '"') result += '"';
-    result += c;
-  }
-  return result + '"';
-}
-
 Prepared::Prepared(sqlite3* database, std::string_view sql) : database_(database) {
   if (sqlite3_prepare_v2(database, sql.data(), static_cast<int>(sql.size()), &statement_, nullptr) != SQLITE_OK) {
     throwSqliteError(database);

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/sql_error.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -25,9 +25,6 @@ class SumOverflow : public SqlError {
 
 // Runs SQLite statements that give no rows.
 void runSqlite(sqlite3* database, const std::string& sql);
-
-// A name in SQLite's double quotes.
-std::string quoteName(std::string_view name);
 
 class Prepared {
  public:

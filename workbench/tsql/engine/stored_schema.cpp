@@ -1,5 +1,6 @@
 #include "workbench/tsql/engine/stored_schema.h"
 
+#include "workbench/tsql/engine/catalog.h"
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/syntax/parser.h"
 
@@ -42,14 +43,23 @@ StoredCode codeOf(bool isView, std::string database, std::string name, const std
   return code;
 }
 
-}  // namespace
-
-std::vector<std::string> StoredTable::primaryKey() const {
-  for (const KeyDefinition& key : keys) {
-    if (key.primary) return key.columns;
+ScriptStatement::Kind kindOf(const Statement& statement) {
+  using Kind = ScriptStatement::Kind;
+  switch (statement.kind) {
+    case StatementKind::createTable:
+      return Kind::createTable;
+    case StatementKind::createIndex:
+      return statement.unique ? Kind::createUniqueIndex : Kind::createIndex;
+    case StatementKind::createView:
+      return Kind::createView;
+    case StatementKind::createFunction:
+      return Kind::createFunction;
+    default:
+      return Kind::other;
   }
-  return {};
 }
+
+}  // namespace
 
 StoredSchema storedSchema(Connection& connection) {
   StoredSchema schema;
@@ -58,25 +68,13 @@ StoredSchema storedSchema(Connection& connection) {
   while (list.step()) {
     const char type = list.text(2).at(0);
     if (type == 'U') {
-      StoredTable table{tableOf(list.text(0), list.text(1), list.text(3)), {}};
-      table.indexes = indexesOf(database, table);
-      schema.tables.push_back(std::move(table));
+      const Table table = tableOf(list.text(0), list.text(1), list.text(3));
+      schema.tables.push_back({table, indexesOf(database, table)});
     } else {
       schema.code.push_back(codeOf(type == 'V', list.text(0), list.text(1), list.text(3)));
     }
   }
   return schema;
-}
-
-std::string writtenName(std::string_view database, std::string_view name) {
-  return (database.empty() ? std::string() : std::string(database) + "..") + bracketed(name);
-}
-
-std::string bracketedList(const std::vector<std::string>& columns) {
-  std::string list;
-  for (const std::string& column : columns)
-    list += (list.empty() ? "" : ", ") + bracketed(column);
-  return list;
 }
 
 std::string createStatement(const StoredTable& table) {
@@ -106,6 +104,17 @@ std::string createStatement(const StoredCode& code) {
       (code.database.empty() ? "" : code.database + '.') + std::string("dbo.") + bracketed(code.name);
   if (code.isView) return "Create View " + name + " As " + code.text;
   return "Create Function " + name + "() Returns " + code.returnType + " As Begin Return " + code.text + " End";
+}
+
+std::vector<ScriptStatement> statementsOf(std::string_view script) {
+  std::vector<ScriptStatement> statements;
+  for (const StatementPtr& statement : parseBatch(script)) {
+    statements.push_back({.kind = kindOf(*statement),
+                          .text = std::string(script.substr(statement->begin, statement->end - statement->begin)),
+                          .line = statement->place.line,
+                          .token = statement->place.token});
+  }
+  return statements;
 }
 
 }  // namespace quillon::tsql

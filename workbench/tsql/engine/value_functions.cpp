@@ -5,20 +5,20 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <memory>
 #include <new>
 
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/values/collation.h"
 #include "workbench/tsql/values/conversion.h"
 #include "workbench/tsql/values/datetime.h"
-#include "workbench/tsql/values/errors.h"
 #include "workbench/tsql/values/exact.h"
 #include "workbench/tsql/values/like.h"
 #include "workbench/tsql/values/text.h"
 #include "workbench/tsql/values/type_rules.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 namespace {
@@ -29,8 +29,6 @@ constexpr std::size_t longestText = 64U << 20;
 // First byte of the texts with which our functions fail; SQLite's own never begin so.
 constexpr char errorMark = '\x01';
 
-constexpr std::size_t wideSize = 16;
-
 std::string_view bytesOf(sqlite3_value* value) {
   const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
   return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
@@ -39,16 +37,6 @@ std::string_view bytesOf(sqlite3_value* value) {
 std::string_view textOf(sqlite3_value* value) {
   const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
   return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
-}
-
-std::array<char, wideSize> bytesFrom(Int128 units) {
-  std::array<char, wideSize> bytes{};
-  const std::uint64_t high = static_cast<std::uint64_t>(units.high()) ^ (std::uint64_t{1} << 63);
-  for (unsigned i = 0; i < 8; ++i) {
-    bytes[i] = static_cast<char>(static_cast<unsigned char>(high >> (56 - 8 * i)));
-    bytes[8 + i] = static_cast<char>(static_cast<unsigned char>(units.low() >> (56 - 8 * i)));
-  }
-  return bytes;
 }
 
 // Units as SQLite holds them. A REAL is what SQLite made of an integer that left 64 bits: no units any more.
@@ -71,7 +59,7 @@ void giveUnits(sqlite3_context* context, Int128 units) {
   if (units.fitsInt64()) {
     sqlite3_result_int64(context, units.toInt64());
   } else {
-    const auto bytes = bytesFrom(units);
+    const auto bytes = encodeUnits(units);
     sqlite3_result_blob(context, bytes.data(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
   }
 }
@@ -196,7 +184,7 @@ void exactCmp(Call& call) {
 }
 
 void exactKey(Call& call) {
-  const auto bytes = bytesFrom(call.units(0, decimalType(maxPrecision, 0)));
+  const auto bytes = encodeUnits(call.units(0, decimalType(maxPrecision, 0)));
   sqlite3_result_blob(call.context(), bytes.data(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
 }
 
@@ -603,6 +591,42 @@ void extremeFinal(sqlite3_context* context) {
   if (extreme != nullptr && extreme->any) giveUnits(context, extreme->units.get());
 }
 
+// -- parts of statements
+
+// The aggregate's state: the first value, copied.
+void singleRowStep(sqlite3_context* context, int, sqlite3_value** arguments) {
+  auto** const state = static_cast<sqlite3_value**>(sqlite3_aggregate_context(context, sizeof(sqlite3_value*)));
+  if (state == nullptr) {
+    sqlite3_result_error_nomem(context);
+    return;
+  }
+  if (*state != nullptr) {
+    reportError(
+        context,
+        SqlError(512,
+                 "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, <, <= "
+                 ", >, >= or when the subquery is used as an expression."));
+    return;
+  }
+  *state = sqlite3_value_dup(arguments[0]);
+}
+
+void singleRowEnd(sqlite3_context* context) {
+  auto** const state = static_cast<sqlite3_value**>(sqlite3_aggregate_context(context, 0));
+  if (state == nullptr || *state == nullptr) return;
+  sqlite3_result_value(context, *state);
+  sqlite3_value_free(*state);
+  *state = nullptr;
+}
+
+void required(Call& call) {
+  if (call.isNull(0)) {
+    throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(call.text(1)) + "', table '" +
+                            std::string(call.text(2)) + "'; column does not allow nulls. INSERT fails.");
+  }
+  call.giveArgument(0);
+}
+
 // -- registration
 
 using Entry = void (*)(sqlite3_context*, int, sqlite3_value**);
@@ -675,6 +699,7 @@ constexpr Function functions[] = {
     {"date_add", 3, strict<dateAddFunction>},
     {"date_diff", 3, strict<dateDiffFunction>},
     {"date_check", 1, strict<dateCheck>},
+    {"required", 3, takingNull<required>},
 };
 
 struct AggregateFunction {
@@ -702,7 +727,13 @@ const AggregateFunction aggregates[] = {
     {"avg_decimal_6", {wideDecimal, 6}, sumStep, avgFinal},
     {"min_decimal", {wideDecimal}, extremeStep<true>, extremeFinal},
     {"max_decimal", {wideDecimal}, extremeStep<false>, extremeFinal},
+    {"single_row", {}, singleRowStep, singleRowEnd},
 };
+
+int compareForSqlite(void* /*unused*/, int aSize, const void* a, int bSize, const void* b) {
+  return compareText({static_cast<const char*>(a), static_cast<std::size_t>(aSize)},
+                     {static_cast<const char*>(b), static_cast<std::size_t>(bSize)});
+}
 
 void checkRegistered(sqlite3* database, int code) {
   if (code != SQLITE_OK) {
@@ -712,7 +743,7 @@ void checkRegistered(sqlite3* database, int code) {
 
 }  // namespace
 
-void registerFunctions(sqlite3* database) {
+void registerValueFunctions(sqlite3* database) {
   constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
   for (const Function& function : functions) {
     checkRegistered(database, sqlite3_create_function_v2(database, function.name, function.arguments, flags, nullptr,
@@ -724,23 +755,8 @@ void registerFunctions(sqlite3* database) {
     checkRegistered(database, sqlite3_create_function_v2(database, aggregate.name, 1, flags, rule, nullptr,
                                                          aggregate.step, aggregate.final, nullptr));
   }
-  registerCollation(database);
-}
-
-std::int64_t typeCode(const Type& type) {
-  constexpr std::int64_t million = 1'000'000;
-  const int rest = static_cast<int>(type.kind) * 10'000 + type.precision * 100 + type.scale;
-  return type.width * million + rest;
-}
-
-Type typeFromCode(std::int64_t code) {
-  Type type;
-  type.width = static_cast<int>(code / 1'000'000);
-  const int rest = static_cast<int>(code % 1'000'000);
-  type.kind = static_cast<Kind>(rest / 10'000);
-  type.precision = rest / 100 % 100;
-  type.scale = rest % 100;
-  return type;
+  checkRegistered(
+      database, sqlite3_create_collation_v2(database, collationName, SQLITE_UTF8, nullptr, compareForSqlite, nullptr));
 }
 
 void reportError(sqlite3_context* context, const SqlError& error) {
@@ -751,25 +767,8 @@ void reportError(sqlite3_context* context, const SqlError& error) {
 std::optional<SqlError> errorFrom(std::string_view sqliteMessage) {
   if (sqliteMessage.empty() || sqliteMessage.front() != errorMark) return {};
   const std::size_t colon = sqliteMessage.find(':');
-  int number = 0;
-  std::from_chars(sqliteMessage.data() + 1, sqliteMessage.data() + colon, number);
+  const int number = text::wholeNumber(sqliteMessage.substr(1, colon - 1)).value_or(0);
   return SqlError(number, std::string(sqliteMessage.substr(colon + 1)));
-}
-
-std::string encodeUnits(Int128 units) {
-  const auto bytes = bytesFrom(units);
-  return {bytes.data(), bytes.size()};
-}
-
-Int128 decodeUnits(std::string_view bytes) {
-  if (bytes.size() != wideSize) throw SqlError(824, "The file holds a damaged decimal number.");
-  std::uint64_t high = 0;
-  std::uint64_t low = 0;
-  for (std::size_t i = 0; i < 8; ++i) {
-    high = (high << 8) | static_cast<unsigned char>(bytes[i]);
-    low = (low << 8) | static_cast<unsigned char>(bytes[8 + i]);
-  }
-  return Int128::fromHalves(static_cast<std::int64_t>(high ^ (std::uint64_t{1} << 63)), low);
 }
 
 Value valueOf(sqlite3_value* value, const Type& type) {
@@ -808,7 +807,7 @@ int bindValue(sqlite3_stmt* statement, int index, const Value& value) {
     int operator()(DateTime time) const { return sqlite3_bind_int64(statement, index, time.ticks); }
     int operator()(const Exact& exact) const {
       if (exact.units.fitsInt64()) return sqlite3_bind_int64(statement, index, exact.units.toInt64());
-      const auto bytes = bytesFrom(exact.units);
+      const auto bytes = encodeUnits(exact.units);
       return sqlite3_bind_blob(statement, index, bytes.data(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
     }
     int operator()(const std::string& text) const {
@@ -816,46 +815,6 @@ int bindValue(sqlite3_stmt* statement, int index, const Value& value) {
     }
   };
   return std::visit(Binder{statement, index}, value);
-}
-
-std::string sqlLiteral(const Value& value) {
-  const auto hexadecimal = [](std::string_view bytes) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string result = "X'";
-    for (const char c : bytes) {
-      result += digits[static_cast<unsigned char>(c) >> 4U];
-      result += digits[static_cast<unsigned char>(c) & 15U];
-    }
-    return result + '\'';
-  };
-  struct Writer {
-    decltype(hexadecimal)& hex;
-    std::string operator()(std::monostate /*null*/) const { return "NULL"; }
-    std::string operator()(std::int64_t integer) const { return std::to_string(integer); }
-    std::string operator()(DateTime time) const { return std::to_string(time.ticks); }
-    std::string operator()(double real) const {
-      std::string text = tsql::toText(Value(real)).value_or("");
-      // SQLite reads back exactly what has few digits and no exponent; anything else may come out one bit off.
-      constexpr std::size_t shortText = 16;
-      if (text.find('e') != std::string::npos || text.size() > shortText)
-        return "float_bits(" + std::to_string(std::bit_cast<std::int64_t>(real)) + ")";
-      if (text.find('.') == std::string::npos) text += ".0";
-      return text;
-    }
-    std::string operator()(const Exact& exact) const {
-      return exact.units.fitsInt64() ? std::to_string(exact.units.toInt64()) : hex(encodeUnits(exact.units));
-    }
-    std::string operator()(const std::string& text) const {
-      if (text.find('\0') != std::string::npos) return "CAST(" + hex(text) + " AS TEXT)";
-      std::string result = "'";
-      for (const char c : text) {
-        result += c;
-        if (c == '\'') result += c;
-      }
-      return result + '\'';
-    }
-  };
-  return std::visit(Writer{hexadecimal}, value);
 }
 
 }  // namespace quillon::tsql

@@ -1,8 +1,10 @@
-// What the emitted SQL may call: the scalar functions, aggregates and the collation of the dialect.
+// What the emitted SQL may call: scalar functions and aggregates that see nothing but their arguments, and the collation
+// of the dialect. Those that look into the catalog stand in catalog_functions.h; which of them a function of T-SQL
+// becomes is said in binding/built_in_functions.
 //
 // Values lie in SQLite as value.h says; "units" below is an exact number in the scale of its type: INTEGER, or the BLOB
-// of encodeUnits() beyond 64 bits. Types are passed as integer constants, typeCode(type). NULL in any value argument
-// gives NULL unless said otherwise. All are deterministic.
+// of encodeUnits() beyond 64 bits. Types are passed as integer constants, typeCode(type); both are those of
+// binding/sqlite_notation.h. NULL in any value argument gives NULL unless said otherwise. All are deterministic.
 //
 //   function                               gives                                                errors
 //   -- exact numbers (ta, tb, t: type codes of int, bigint, bit, decimal, money; t is the result's type)
@@ -55,6 +57,9 @@
 //   avg_int(x), avg_bigint(x), avg_money(x) cut at the argument's scale                         8115
 //   avg_decimal_0(x) .. avg_decimal_6(x)   the quotient with 0..6 decimals more than x, cut     8115
 //   min_decimal(x), max_decimal(x)         for wide decimals; native min and max do for all else
+//   -- parts of statements
+//   single_row(x)                          aggregate: the one value of its rows, NULL of none           512
+//   required(x, column, table)             x itself; NULL                                               515
 //
 // A failing function ends the statement with a text that errorFrom() turns back into the SqlError.
 #pragma once
@@ -64,7 +69,8 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/sql_error.h"
+#include "workbench/tsql/values/value.h"
 
 struct sqlite3;
 struct sqlite3_context;
@@ -74,27 +80,16 @@ struct sqlite3_value;
 namespace quillon::tsql {
 
 // Registers all of the above and the collation. Throws SqlError when SQLite refuses.
-void registerFunctions(sqlite3* database);
-
-// A type as one integer constant: width * 1000000 + kind * 10000 + precision * 100 + scale.
-std::int64_t typeCode(const Type& type);
-Type typeFromCode(std::int64_t code);
+void registerValueFunctions(sqlite3* database);
 
 // The SqlError inside the text of a failed step (sqlite3_errmsg); nullopt when one of SQLite's own errors ended it.
 std::optional<SqlError> errorFrom(std::string_view sqliteMessage);
 // Ends a function of the engine with an error that errorFrom() reads.
 void reportError(sqlite3_context* context, const SqlError& error);
 
-// Units beyond 64 bits as 16 bytes, most significant first, sign bit inverted: memcmp orders them as numbers.
-std::string encodeUnits(Int128 units);
-Int128 decodeUnits(std::string_view bytes);
-
 // Between rows of SQLite and values. The type says what the storage means.
 Value valueOf(sqlite3_value* value, const Type& type);
 Value columnValue(sqlite3_stmt* statement, int column, const Type& type);
 int bindValue(sqlite3_stmt* statement, int index, const Value& value);  // SQLite's result code
-// A value as a literal of SQLite's SQL, for constants folded at translation time: 12, -150, X'80..', 1.5, 'it''s',
-// NULL.
-std::string sqlLiteral(const Value& value);
 
 }  // namespace quillon::tsql

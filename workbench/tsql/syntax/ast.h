@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/tsql/values/declared_table.h"
 #include "workbench/tsql/values/value.h"
 
 namespace quillon::tsql {
@@ -134,11 +135,6 @@ struct ColumnDefinition {
   ExpressionPtr defaultValue;
   std::string defaultText;  // the default as written
   Place place;
-};
-
-struct KeyDefinition {
-  bool primary = false;
-  std::vector<std::string> columns;
 };
 
 enum class StatementKind {

@@ -1,11 +1,12 @@
 // Tokens, names, types and expressions.
 #include <algorithm>
 #include <array>
-#include <charconv>
 
-#include "workbench/tsql/engine/engine.h"
+#include "frame/text.h"
 #include "workbench/tsql/syntax/literals.h"
 #include "workbench/tsql/syntax/parser_core.h"
+#include "workbench/tsql/values/sql_error.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::tsql {
 
@@ -20,7 +21,7 @@ Token TokenReader::next() {
 }
 
 bool TokenReader::isWordAt(std::size_t ahead, std::string_view word) const {
-  return peek(ahead).kind == TokenKind::word && equalsIgnoringCase(peek(ahead).text, word);
+  return peek(ahead).kind == TokenKind::word && equalIgnoringCase(peek(ahead).text, word);
 }
 
 bool TokenReader::isSymbolAt(std::size_t ahead, std::string_view symbol) const {
@@ -141,7 +142,7 @@ ObjectName TokenReader::objectName() {
                    result.place.line, result.place.token);
   }
   const std::string schema = parts.size() > 1 ? parts[parts.size() - 2] : "";
-  if (!schema.empty() && !equalsIgnoringCase(schema, "dbo") && !equalsIgnoringCase(schema, "sys")) {
+  if (!schema.empty() && !equalIgnoringCase(schema, "dbo") && !equalIgnoringCase(schema, "sys")) {
     throw SqlError(208, "Invalid object name '" + result.written + "'.", result.place.line, result.written);
   }
   if (parts.size() == 3) result.database = parts[0];
@@ -151,12 +152,10 @@ ObjectName TokenReader::objectName() {
 std::int64_t TokenReader::signedInteger() {
   const bool negative = acceptSymbol("-");
   if (peek().kind != TokenKind::integer) syntaxError();
-  const std::string digits = peek().text;
-  std::int64_t result = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), result);
-  if (error != std::errc() || end != digits.data() + digits.size()) syntaxError();
+  const auto number = text::wholeNumber<std::int64_t>(peek().text);
+  if (!number) syntaxError();
   next();
-  return negative ? -result : result;
+  return negative ? -*number : *number;
 }
 
 Type TokenReader::typeName(bool isColumn) {
@@ -176,7 +175,7 @@ Type TokenReader::typeName(bool isColumn) {
     } while (acceptSymbol(","));
     expectSymbol(")");
   }
-  const auto is = [&](std::string_view type) { return equalsIgnoringCase(written, type); };
+  const auto is = [&](std::string_view type) { return equalIgnoringCase(written, type); };
   const auto invalid = [&](int number, const std::string& message) {
     throw SqlError(number, message, where.line, where.token);
   };

@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <array>
 
-#include "workbench/tsql/engine/engine.h"
+#include "frame/text.h"
+#include "workbench/tsql/values/sql_error.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::tsql {
 namespace {
 
 // The words that T-SQL reserves, sorted.
-constexpr auto kReserved = std::to_array<std::string_view>({
+constexpr auto reservedWords = std::to_array<std::string_view>({
     "add",
     "all",
     "alter",
@@ -193,13 +195,10 @@ constexpr auto kReserved = std::to_array<std::string_view>({
     "within",
     "writetext",
 });
-static_assert(std::is_sorted(kReserved.begin(), kReserved.end()));
+static_assert(std::is_sorted(reservedWords.begin(), reservedWords.end()));
 
-constexpr std::size_t kLongestReserved = 20;
+constexpr std::size_t longestReserved = 20;
 
-char lower(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 bool isDigit(char c) noexcept {
   return c >= '0' && c <= '9';
 }
@@ -207,10 +206,10 @@ bool isBlank(char c) noexcept {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
 }
 bool isHexDigit(char c) noexcept {
-  return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'f');
+  return isDigit(c) || (lowerAscii(c) >= 'a' && lowerAscii(c) <= 'f');
 }
 bool startsWord(char c) noexcept {
-  return (lower(c) >= 'a' && lower(c) <= 'z') || c == '_' || c == '#' || c == '@' ||
+  return (lowerAscii(c) >= 'a' && lowerAscii(c) <= 'z') || c == '_' || c == '#' || c == '@' ||
          (static_cast<unsigned char>(c) & 0x80U);
 }
 bool continuesWord(char c) noexcept {
@@ -289,7 +288,7 @@ class Lexer {
     if (c == '\'') {
       token.kind = TokenKind::text;
       token.value = quoted('\'');
-    } else if (lower(c) == 'n' && at(1) == '\'') {
+    } else if (lowerAscii(c) == 'n' && at(1) == '\'') {
       token.kind = TokenKind::nationalText;
       advance(1);
       token.value = quoted('\'');
@@ -341,7 +340,7 @@ class Lexer {
   }
 
   TokenKind number() {
-    if (at(0) == '0' && lower(at(1)) == 'x') {
+    if (at(0) == '0' && lowerAscii(at(1)) == 'x') {
       advance(2);
       while (isHexDigit(at(0)))
         advance(1);
@@ -357,7 +356,7 @@ class Lexer {
         advance(1);
     }
     const std::size_t sign = at(1) == '+' || at(1) == '-' ? 1 : 0;
-    if (lower(at(0)) == 'e' && isDigit(at(1 + sign))) {
+    if (lowerAscii(at(0)) == 'e' && isDigit(at(1 + sign))) {
       kind = TokenKind::real;
       advance(1 + sign);
       while (isDigit(at(0)))
@@ -407,14 +406,8 @@ std::vector<Token> tokenize(std::string_view batch) {
 }
 
 bool isReserved(std::string_view word) {
-  if (word.size() > kLongestReserved) return false;
-  std::string key(word);
-  std::transform(key.begin(), key.end(), key.begin(), lower);
-  return std::binary_search(kReserved.begin(), kReserved.end(), std::string_view(key));
-}
-
-bool equalsIgnoringCase(std::string_view a, std::string_view b) noexcept {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+  if (word.size() > longestReserved) return false;
+  return std::binary_search(reservedWords.begin(), reservedWords.end(), std::string_view(text::foldCase(word)));
 }
 
 }  // namespace quillon::tsql

@@ -37,7 +37,5 @@ std::vector<Token> tokenize(std::string_view batch);
 
 // Whether an unquoted word is reserved, so that it cannot be a name.
 bool isReserved(std::string_view word);
-// Compares without regard to ASCII letter case.
-bool equalsIgnoringCase(std::string_view a, std::string_view b) noexcept;
 
 }  // namespace quillon::tsql

@@ -3,9 +3,9 @@
 #include <charconv>
 #include <cmath>
 
-#include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/values/conversion.h"
 #include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/sql_error.h"
 #include "workbench/tsql/values/text.h"
 #include "workbench/tsql/values/type_rules.h"
 

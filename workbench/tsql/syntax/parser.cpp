@@ -4,10 +4,11 @@
 #include <array>
 #include <limits>
 
-#include "workbench/tsql/engine/engine.h"
+#include "frame/text.h"
 #include "workbench/tsql/syntax/lexer.h"
 #include "workbench/tsql/syntax/literals.h"
 #include "workbench/tsql/syntax/parser_core.h"
+#include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
 namespace {
@@ -230,7 +231,7 @@ class StatementParser : public QueryParser {
   void createDatabase(Statement& s) {
     s.kind = StatementKind::createDatabase;
     const std::string database = name();
-    if (!equalsIgnoringCase(database, "orvsystem")) refuse("CREATE DATABASE " + database);
+    if (!equalIgnoringCase(database, "orvsystem")) refuse("CREATE DATABASE " + database);
     s.target.name = s.target.written = database;
     if (acceptWord("collate")) name();
   }

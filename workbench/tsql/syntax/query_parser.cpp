@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <array>
 
-#include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/syntax/parser_core.h"
+#include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
 

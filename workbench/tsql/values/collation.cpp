@@ -1,12 +1,9 @@
 #include "workbench/tsql/values/collation.h"
 
-#include <sqlite3.h>
-
 #include <array>
 #include <cstring>
 #include <memory>
 
-#include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/values/text.h"
 
 namespace quillon::tsql {
@@ -239,12 +236,6 @@ int compareWith(const Weights& table, std::string_view a, std::string_view b) {
   return compareFrom(table, a, b, from);
 }
 
-int compareForSqlite(void* table, int aSize, const void* a, int bSize, const void* b) {
-  return compareWith(*static_cast<const Weights*>(table),
-                     {static_cast<const char*>(a), static_cast<std::size_t>(aSize)},
-                     {static_cast<const char*>(b), static_cast<std::size_t>(bSize)});
-}
-
 }  // namespace
 
 int compareText(std::string_view a, std::string_view b) {
@@ -253,15 +244,6 @@ int compareText(std::string_view a, std::string_view b) {
 
 std::uint32_t characterWeight(char32_t character) {
   return weights()[character];
-}
-
-void registerCollation(sqlite3* database) {
-  // SQLite takes the table as a plain pointer and never writes to it.
-  void* table = const_cast<Weights*>(&weights());
-  if (sqlite3_create_collation_v2(database, collationName, SQLITE_UTF8, table, compareForSqlite, nullptr) !=
-      SQLITE_OK) {
-    throw SqlError(0, std::string("The collation cannot be registered: ") + sqlite3_errmsg(database));
-  }
 }
 
 }  // namespace quillon::tsql

@@ -6,8 +6,6 @@
 #include <cstdint>
 #include <string_view>
 
-struct sqlite3;
-
 namespace quillon::tsql {
 
 inline constexpr const char* collationName = "Chinese_PRC_CI_AS";
@@ -20,8 +18,5 @@ inline bool equalText(std::string_view a, std::string_view b) {
 
 // The weight of one character: equal for characters that the collation holds equal.
 std::uint32_t characterWeight(char32_t character);
-
-// Makes the collation known to a connection, under collationName. Throws SqlError when SQLite refuses.
-void registerCollation(sqlite3* database);
 
 }  // namespace quillon::tsql

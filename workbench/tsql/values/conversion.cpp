@@ -8,10 +8,10 @@
 #include <limits>
 
 #include "workbench/tsql/values/datetime.h"
-#include "workbench/tsql/values/errors.h"
 #include "workbench/tsql/values/exact.h"
 #include "workbench/tsql/values/text.h"
 #include "workbench/tsql/values/type_rules.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 namespace {
@@ -58,9 +58,8 @@ Exact exactFromDouble(double number, int scale, bool& tooLarge) {
   const int length = std::snprintf(buffer.data(), buffer.size(), "%.16e", std::abs(number));
   const std::string_view text(buffer.data(), static_cast<std::size_t>(length));
   const std::size_t e = text.find('e');
-  int exponent = 0;
-  const char* digits = text.data() + e + 1;
-  std::from_chars(*digits == '+' ? digits + 1 : digits, text.data() + text.size(), exponent);
+  const std::size_t digits = text[e + 1] == '+' ? e + 2 : e + 1;
+  const int exponent = text::wholeNumber(text.substr(digits)).value_or(0);
   const Exact mantissa = parseExact(text.substr(0, e)).value_or(Exact());
   const auto units = rescale(mantissa.units, mantissa.scale - exponent, scale, Rounding::halfAway);
   tooLarge = !units;

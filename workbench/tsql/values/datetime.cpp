@@ -6,7 +6,8 @@
 #include <cstdio>
 #include <ctime>
 
-#include "workbench/tsql/values/errors.h"
+#include "frame/text.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 namespace {
@@ -43,15 +44,6 @@ constexpr std::int64_t maxTicks = (dayNumber(lastYear, 12, 31) + 1) * DateTime::
 constexpr std::array<std::string_view, 12> monthNames = {"January",   "February", "March",    "April",
                                                          "May",       "June",     "July",     "August",
                                                          "September", "October",  "November", "December"};
-
-char lowerAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-}
-
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
-}
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
@@ -128,7 +120,7 @@ class DateTimeReader {
       const std::size_t wordAt = position_;
       const std::string_view word = readWord();
       position_ = wordAt;
-      const bool halfDay = equalsIgnoringCase(word, "am") || equalsIgnoringCase(word, "pm");
+      const bool halfDay = equalIgnoringCase(word, "am") || equalIgnoringCase(word, "pm");
       return halfDay ? readTime(first) : readMonthName(first);
     }
     position_ = afterNumber;
@@ -186,7 +178,7 @@ class DateTimeReader {
     const std::string_view word = readWord();
     int month = 0;
     for (std::size_t i = 0; i < monthNames.size(); ++i) {
-      if (equalsIgnoringCase(word, monthNames[i]) || equalsIgnoringCase(word, monthNames[i].substr(0, 3))) {
+      if (equalIgnoringCase(word, monthNames[i]) || equalIgnoringCase(word, monthNames[i].substr(0, 3))) {
         month = static_cast<int>(i) + 1;
       }
     }
@@ -247,8 +239,8 @@ class DateTimeReader {
 
   bool readHalfDay() {
     const std::string_view word = readWord();
-    const bool afternoon = equalsIgnoringCase(word, "pm");
-    if (!afternoon && !equalsIgnoringCase(word, "am")) return false;
+    const bool afternoon = equalIgnoringCase(word, "pm");
+    if (!afternoon && !equalIgnoringCase(word, "am")) return false;
     if (afternoon && parts_.hour < 12) parts_.hour += 12;
     if (!afternoon && parts_.hour > 12) inRange_ = false;
     if (!afternoon && parts_.hour == 12) parts_.hour = 0;
@@ -418,9 +410,9 @@ std::optional<std::string> formatDateTime(DateTime value, int style) {
 }
 
 std::optional<DatePart> datePartNamed(std::string_view name) {
-  if (equalsIgnoringCase(name, "ms")) return DatePart::millisecond;
+  if (equalIgnoringCase(name, "ms")) return DatePart::millisecond;
   for (const PartName& candidate : partNames) {
-    if (equalsIgnoringCase(name, candidate.name)) return candidate.part;
+    if (equalIgnoringCase(name, candidate.name)) return candidate.part;
   }
   return {};
 }

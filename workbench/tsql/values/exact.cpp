@@ -5,7 +5,7 @@
 #include <charconv>
 #include <limits>
 
-#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "workbench/tsql/values/collation.h"
-#include "workbench/tsql/values/errors.h"
 #include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "frame/text.h"
 #include "workbench/tsql/values/collation.h"
 
 namespace quillon::tsql::text {
@@ -157,6 +158,12 @@ void append(std::string& text, char32_t character) {
   } else {
     put(character - malformed);
   }
+}
+
+std::string foldCase(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), lowerAscii);
+  return result;
 }
 
 std::int64_t width(std::string_view text) {

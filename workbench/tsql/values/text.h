@@ -1,10 +1,17 @@
 // Text as nvarchar counts it: UTF-8 inside, positions and widths in UTF-16 units (a character beyond the BMP counts
 // two). Half of such a pair, when a cut leaves one, is kept as the three bytes of its surrogate.
+//
+// The workbench decodes UTF-8 and reads whole numbers with these functions alone; names and key words are compared with
+// equalIgnoringCase() of frame/text.h.
 #pragma once
 
+#include <charconv>
+#include <concepts>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace quillon::tsql::text {
 
@@ -12,6 +19,26 @@ namespace quillon::tsql::text {
 // a value above 0x10ffff.
 char32_t next(std::string_view text, std::size_t& position);
 void append(std::string& text, char32_t character);
+
+// ASCII letters in lower case: what equalIgnoringCase() holds equal becomes one text.
+std::string foldCase(std::string_view text);
+
+// The whole number that all of the text is, or that it begins with: digits, with a minus in front of a negative one.
+// Nullopt when it is none, or none that a Number can be; `outOfRange` tells the second from the first.
+template <std::signed_integral Number = int>
+std::optional<Number> wholeNumber(std::string_view text, bool* outOfRange = nullptr) {
+  Number number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stopped, error] = std::from_chars(text.data(), end, number);
+  if (outOfRange != nullptr) *outOfRange = error == std::errc::result_out_of_range && stopped == end;
+  return error == std::errc() && stopped == end ? std::optional(number) : std::nullopt;
+}
+template <std::signed_integral Number = int>
+std::optional<Number> leadingNumber(std::string_view text) {
+  Number number = 0;
+  const auto [stopped, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() ? std::optional(number) : std::nullopt;
+}
 
 std::int64_t width(std::string_view text);  // UTF-16 units
 bool widerThan(std::string_view text, std::int64_t limit);

@@ -4,8 +4,8 @@
 #include <array>
 #include <string>
 
-#include "workbench/tsql/values/errors.h"
 #include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/value_errors.h"
 
 namespace quillon::tsql {
 namespace {

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/values/collation.h"
 #include "workbench/tsql/values/datetime.h"
 #include "workbench/tsql/values/exact.h"
@@ -13,13 +14,13 @@
 namespace quillon::tsql {
 namespace {
 
-class SqliteFunctions : public testing::Test {
+class ValueFunctions : public testing::Test {
  protected:
-  SqliteFunctions() {
+  ValueFunctions() {
     sqlite3* handle = nullptr;
     EXPECT_EQ(sqlite3_open(":memory:", &handle), SQLITE_OK);
     database_.reset(handle);
-    registerFunctions(handle);
+    registerValueFunctions(handle);
   }
 
   void run(const std::string& sql) {
@@ -77,28 +78,7 @@ class SqliteFunctions : public testing::Test {
 const Type wide = decimalType(38, 6);
 const std::string_view largest = "99999999999999999999999999999999.999999";
 
-TEST_F(SqliteFunctions, TypeCodesAreUnique) {
-  for (const Type& type :
-       {intType(), bigIntType(), bitType(), decimalType(38, 6), decimalType(1, 0), moneyType(), floatType(),
-        dateTimeType(), nVarCharType(1), nVarCharType(Type::maxWidth), varCharType(8000)}) {
-    EXPECT_EQ(typeFromCode(typeCode(type)), type) << type.name();
-  }
-}
-
-TEST_F(SqliteFunctions, WideUnitsSortAsBytes) {
-  const Int128 power = powerOfTen(30);
-  const std::string low = encodeUnits(-power);
-  const std::string middle = encodeUnits(Int128(-1));
-  const std::string high = encodeUnits(power);
-  EXPECT_EQ(low.size(), 16U);
-  EXPECT_LT(low, middle);
-  EXPECT_LT(middle, high);
-  EXPECT_EQ(decodeUnits(low), -power);
-  EXPECT_EQ(decodeUnits(high), power);
-  EXPECT_THROW(decodeUnits("short"), SqlError);
-}
-
-TEST_F(SqliteFunctions, CalculateExactly) {
+TEST_F(ValueFunctions, CalculateExactly) {
   EXPECT_EQ(binary("exact_add", "1.5", decimalType(18, 4), "0.25", decimalType(28, 6), decimalType(29, 6)), "1.750000");
   EXPECT_EQ(binary("exact_sub", "0.3", decimalType(1, 1), "0.1", decimalType(1, 1), decimalType(2, 1)), "0.2");
   EXPECT_EQ(binary("exact_mul", "1.005", decimalType(10, 3), "2.5", decimalType(8, 2), decimalType(19, 5)), "2.51250");
@@ -110,25 +90,25 @@ TEST_F(SqliteFunctions, CalculateExactly) {
   EXPECT_EQ(expression("exact_add(NULL, 1, 2, 1, 1)", intType()), "null");
 }
 
-TEST_F(SqliteFunctions, CalculateBeyond64Bits) {
+TEST_F(ValueFunctions, CalculateBeyond64Bits) {
   EXPECT_EQ(binary("exact_sub", largest, wide, "0.000001", wide, wide), "99999999999999999999999999999999.999998");
   EXPECT_EQ(binary("exact_add", "9223372036854.775807", wide, "0.000001", wide, wide), "9223372036854.775808");
   EXPECT_EQ(binary("exact_add", largest, wide, "0.000001", wide, wide),
             "8115: Arithmetic overflow error converting expression to data type numeric.");
 }
 
-TEST_F(SqliteFunctions, RefuseDivisionByZero) {
+TEST_F(ValueFunctions, RefuseDivisionByZero) {
   EXPECT_EQ(binary("exact_div", "1", intType(), "0", intType(), intType()), "8134: Divide by zero error encountered.");
   EXPECT_EQ(expression("float_div(1.0, 0.0)", floatType()), "8134: Divide by zero error encountered.");
 }
 
-TEST_F(SqliteFunctions, ACaseGuardsTheDivision) {
+TEST_F(ValueFunctions, ACaseGuardsTheDivision) {
   run("CREATE TABLE t(a); INSERT INTO t VALUES(0), (2)");
   EXPECT_EQ(rows("SELECT CASE WHEN a = 0 THEN NULL ELSE exact_div(6, 0, a, 0, 0) END FROM t", intType()), "null 3");
   EXPECT_EQ(rows("SELECT CASE WHEN 1 = 0 THEN exact_div(6, 0, 0, 0, 0) ELSE 1 END", intType()), "1");
 }
 
-TEST_F(SqliteFunctions, CheckRanges) {
+TEST_F(ValueFunctions, CheckRanges) {
   EXPECT_EQ(integer("exact_check(2147483647, " + code(intType()) + ")"), "2147483647");
   EXPECT_EQ(integer("exact_check(2147483647 + 1, " + code(intType()) + ")"),
             "8115: Arithmetic overflow error converting expression to data type int.");
@@ -141,7 +121,7 @@ TEST_F(SqliteFunctions, CheckRanges) {
   EXPECT_EQ(integer("date_check(300)"), "300");
 }
 
-TEST_F(SqliteFunctions, CompareAndOrderMixedWidths) {
+TEST_F(ValueFunctions, CompareAndOrderMixedWidths) {
   EXPECT_EQ(integer("exact_cmp(" + number("2", intType()) + ", " + number("2.0001", decimalType(10, 4)) + ")"), "-1");
   EXPECT_EQ(integer("exact_cmp(" + number(largest, wide) + ", " + number("1", intType()) + ")"), "1");
   run("CREATE TABLE t(a)");
@@ -158,7 +138,7 @@ TEST_F(SqliteFunctions, CompareAndOrderMixedWidths) {
   EXPECT_EQ(rows("SELECT max_decimal(a) FROM t WHERE 0", wide), "null");
 }
 
-TEST_F(SqliteFunctions, RoundExactNumbers) {
+TEST_F(ValueFunctions, RoundExactNumbers) {
   const Type type = decimalType(10, 4);
   EXPECT_EQ(expression("exact_round(" + number("2.345", type) + ", 2)", type), "2.3500");
   EXPECT_EQ(expression("exact_round(" + number("2.349", type) + ", 2, 1)", type), "2.3400");
@@ -172,7 +152,7 @@ TEST_F(SqliteFunctions, RoundExactNumbers) {
   EXPECT_EQ(expression("exact_sign(" + number("-2.1", type) + ")", type), "-1.0000");
 }
 
-TEST_F(SqliteFunctions, RoundFloats) {
+TEST_F(ValueFunctions, RoundFloats) {
   EXPECT_EQ(expression("float_round(2.5, 0)", floatType()), "3");
   EXPECT_EQ(expression("float_round(-2.56, 1)", floatType()), "-2.6");
   EXPECT_EQ(expression("float_round(1234.5, -2)", floatType()), "1200");
@@ -185,7 +165,7 @@ TEST_F(SqliteFunctions, RoundFloats) {
   EXPECT_EQ(expression("float_sign(-3.5)", floatType()), "-1");
 }
 
-TEST_F(SqliteFunctions, AggregateExactly) {
+TEST_F(ValueFunctions, AggregateExactly) {
   run("CREATE TABLE t(g, a); INSERT INTO t VALUES(1, 1), (1, 2), (1, 2), (1, NULL), (2, NULL)");
   EXPECT_EQ(rows("SELECT sum_int(a) FROM t GROUP BY g", intType()), "5 null");
   EXPECT_EQ(rows("SELECT avg_int(a) FROM t GROUP BY g", intType()), "1 null");
@@ -202,13 +182,13 @@ TEST_F(SqliteFunctions, AggregateExactly) {
             "922337203685477.5806");
 }
 
-TEST_F(SqliteFunctions, ASumBeyond38DigitsIsAnError) {
+TEST_F(ValueFunctions, ASumBeyond38DigitsIsAnError) {
   const std::string units = sqlLiteral(Exact{powerOfTen(38) - Int128(1), 0});
   EXPECT_EQ(rows("SELECT sum_decimal(" + units + ") FROM (SELECT 1 UNION ALL SELECT 2)", decimalType(38, 0)),
             "8115: Arithmetic overflow error converting expression to data type numeric.");
 }
 
-TEST_F(SqliteFunctions, Convert) {
+TEST_F(ValueFunctions, Convert) {
   const std::string text20 = code(nVarCharType(20));
   EXPECT_EQ(expression("cast_to('12.345', " + text20 + ", " + code(decimalType(10, 2)) + ")", decimalType(10, 2)),
             "12.35");
@@ -221,7 +201,7 @@ TEST_F(SqliteFunctions, Convert) {
   EXPECT_EQ(text("cast_to(0, " + code(dateTimeType()) + ", " + text20 + ", 120)"), "1900-01-01 00:00:00");
 }
 
-TEST_F(SqliteFunctions, WorkOnTexts) {
+TEST_F(ValueFunctions, WorkOnTexts) {
   EXPECT_EQ(text("text_left('采购入库单', 2)"), "采购");
   EXPECT_EQ(text("text_left('a', -1)"), "537: Invalid length parameter passed to the left function.");
   EXPECT_EQ(text("text_right('abc', 2)"), "bc");
@@ -251,7 +231,7 @@ TEST_F(SqliteFunctions, WorkOnTexts) {
   EXPECT_EQ(text("text_left(NULL, 2)"), "null");
 }
 
-TEST_F(SqliteFunctions, MatchPatternsConstantAndComputed) {
+TEST_F(ValueFunctions, MatchPatternsConstantAndComputed) {
   run("CREATE TABLE t(s, p); INSERT INTO t VALUES('Abc', 'a%'), ('b', 'B'), (NULL, '%'), ('x', NULL), ('5%', '5!%')");
   EXPECT_EQ(rows("SELECT text_like(s, 'AB%') FROM t", intType()), "1 0 null 0 0");
   EXPECT_EQ(rows("SELECT text_like(s, p) FROM t", intType()), "1 1 null null 0");
@@ -262,7 +242,7 @@ TEST_F(SqliteFunctions, MatchPatternsConstantAndComputed) {
             "506: The invalid escape character \"xy\" was specified in a LIKE predicate.");
 }
 
-TEST_F(SqliteFunctions, WorkOnDates) {
+TEST_F(ValueFunctions, WorkOnDates) {
   const std::string date = std::to_string(parseDateTime("2024-03-05 13:14:15").value.value().ticks);
   EXPECT_EQ(integer("date_part('year', " + date + ")"), "2024");
   EXPECT_EQ(text("date_name('month', " + date + ")"), "March");
@@ -271,7 +251,7 @@ TEST_F(SqliteFunctions, WorkOnDates) {
   EXPECT_EQ(integer("date_diff('millisecond', 0, " + date + ")").substr(0, 4), "535:");
 }
 
-TEST_F(SqliteFunctions, TheCollationGroupsAndOrders) {
+TEST_F(ValueFunctions, TheCollationGroupsAndOrders) {
   run(std::string("CREATE TABLE t(s TEXT COLLATE ") + collationName + ")");
   run("INSERT INTO t VALUES('b'), ('A'), ('a '), ('ａ'), ('上海'), ('北京')");
   EXPECT_EQ(rows("SELECT count(*) FROM t GROUP BY s", intType()), "3 1 1 1");
@@ -279,7 +259,7 @@ TEST_F(SqliteFunctions, TheCollationGroupsAndOrders) {
   EXPECT_EQ(rows("SELECT count(DISTINCT s) FROM t", intType()), "4");
 }
 
-TEST_F(SqliteFunctions, ValuesGoInAndComeOutUnchanged) {
+TEST_F(ValueFunctions, ValuesGoInAndComeOutUnchanged) {
   const Value values[] = {Value(),        std::int64_t{-5},      0.1, Exact{powerOfTen(30), 6}, Exact{Int128(-15), 4},
                           DateTime{-300}, std::string("it's 库")};
   const Type types[] = {intType(),   intType(),      floatType(),    decimalType(38, 6),
@@ -296,7 +276,21 @@ TEST_F(SqliteFunctions, ValuesGoInAndComeOutUnchanged) {
   }
 }
 
-TEST_F(SqliteFunctions, LeaveSqlitesOwnErrorsAlone) {
+TEST_F(ValueFunctions, GiveTheValueOfASingleRowOnly) {
+  run("CREATE TABLE t(i INTEGER); INSERT INTO t VALUES(7)");
+  EXPECT_EQ(integer("single_row(i) FROM t"), "7");
+  EXPECT_EQ(integer("single_row(i) FROM t WHERE i = 1"), "null");
+  run("INSERT INTO t VALUES(NULL)");
+  EXPECT_EQ(integer("single_row(i) FROM t").substr(0, 4), "512:");
+}
+
+TEST_F(ValueFunctions, RefuseNullWhereAValueIsRequired) {
+  EXPECT_EQ(integer("required(7, 'c', 't')"), "7");
+  EXPECT_EQ(integer("required(NULL, 'c', 't')"),
+            "515: Cannot insert the value NULL into column 'c', table 't'; column does not allow nulls. INSERT fails.");
+}
+
+TEST_F(ValueFunctions, LeaveSqlitesOwnErrorsAlone) {
   EXPECT_FALSE(errorFrom("near \"x\": syntax error"));
   EXPECT_FALSE(errorFrom(""));
 }

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
 namespace {

@@ -87,5 +87,37 @@ TEST(Text, Reverses) {
   EXPECT_EQ(reverse("a库" + gothic), gothic + "库a");
 }
 
+TEST(Text, ReadsWholeNumbers) {
+  EXPECT_EQ(wholeNumber("12"), 12);
+  EXPECT_EQ(wholeNumber("-12"), -12);
+  EXPECT_EQ(wholeNumber("007"), 7);
+  for (const std::string_view text : {"", "-", "+1", " 1", "1 ", "1.0", "1e3", "0x1", "１"})
+    EXPECT_FALSE(wholeNumber(text)) << text;
+  EXPECT_FALSE(wholeNumber("2147483648"));
+  EXPECT_EQ(wholeNumber<std::int64_t>("2147483648"), 2147483648);
+}
+
+TEST(Text, TellsANumberOutOfRangeFromNoNumber) {
+  bool outOfRange = false;
+  EXPECT_FALSE(wholeNumber("2147483648", &outOfRange));
+  EXPECT_TRUE(outOfRange);
+  EXPECT_FALSE(wholeNumber("2147483648.5", &outOfRange));
+  EXPECT_FALSE(outOfRange);
+  EXPECT_EQ(wholeNumber("5", &outOfRange), 5);
+  EXPECT_FALSE(outOfRange);
+}
+
+TEST(Text, ReadsTheNumberThatATextBeginsWith) {
+  EXPECT_EQ(leadingNumber("2024-03-05"), 2024);
+  EXPECT_EQ(leadingNumber("6.00"), 6);
+  EXPECT_EQ(leadingNumber("-3x"), -3);
+  EXPECT_FALSE(leadingNumber("x3"));
+  EXPECT_FALSE(leadingNumber("99999999999 days"));
+}
+
+TEST(Text, FoldsTheCaseOfAsciiLettersOnly) {
+  EXPECT_EQ(foldCase("aBC_1Ä库"), "abc_1Ä库");
+}
+
 }  // namespace
 }  // namespace quillon::tsql::text

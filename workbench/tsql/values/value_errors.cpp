@@ -1,13 +1,8 @@
-#include "workbench/tsql/values/errors.h"
+#include "workbench/tsql/values/value_errors.h"
 
 #include "workbench/tsql/values/type_rules.h"
 
-namespace quillon::tsql {
-
-SqlError::SqlError(int number, std::string message, int line, std::string token)
-    : number_(number), message_(std::move(message)), line_(line), token_(std::move(token)) {}
-
-namespace errors {
+namespace quillon::tsql::errors {
 namespace {
 
 std::string text(std::initializer_list<std::string_view> parts) {
@@ -111,5 +106,4 @@ SqlError invalidEscape(std::string_view escape) {
   return {506, text({"The invalid escape character \"", escape, "\" was specified in a LIKE predicate."})};
 }
 
-}  // namespace errors
-}  // namespace quillon::tsql
+}  // namespace quillon::tsql::errors

@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/sql_error.h"
+#include "workbench/tsql/values/value.h"
 
 namespace quillon::tsql::errors {
 

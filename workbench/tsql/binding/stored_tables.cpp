@@ -1,0 +1,23 @@
+#include "workbench/tsql/binding/stored_tables.h"
+
+#include "frame/text.h"
+#include "workbench/tsql/values/sql_error.h"
+
+namespace quillon::tsql {
+
+std::string Table::rowid() const {
+  for (const char* const candidate : {"rowid", "_rowid_", "oid"}) {
+    if (find(candidate) < 0) return candidate;
+  }
+  throw SqlError(40510,
+                 "The embedded engine does not support a table with columns rowid, _rowid_ and oid all at once.");
+}
+
+std::string databaseOf(const ObjectName& name) {
+  if (name.name.starts_with('#') || equalIgnoringCase(name.database, "tempdb")) return "tempdb";
+  if (name.database.empty()) return {};
+  if (equalIgnoringCase(name.database, "orvsystem")) return "orvsystem";
+  throw SqlError(208, "Invalid object name '" + name.written + "'.", name.place.line, name.written);
+}
+
+}  // namespace quillon::tsql
