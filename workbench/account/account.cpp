@@ -6,6 +6,7 @@
 
 #include "workbench/account/partial_file.h"
 #include "workbench/account/schema.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::account {
 namespace {
@@ -30,9 +31,10 @@ std::string option(tsql::Database& connection, std::string_view system, std::str
 int costItemStartMonth(const std::string& startPeriod, int year) {
   constexpr std::size_t yearDigits = 4;
   if (startPeriod.size() <= yearDigits) return 0;
-  const int startYear = std::stoi(startPeriod.substr(0, yearDigits));
+  const std::string_view text = startPeriod;
+  const int startYear = tsql::text::leadingNumber(text.substr(0, yearDigits)).value();
   if (year < startYear) return 0;
-  return year > startYear ? 1 : std::stoi(startPeriod.substr(yearDigits));
+  return year > startYear ? 1 : tsql::text::leadingNumber(text.substr(yearDigits)).value();
 }
 
 constexpr std::array<std::string_view, 4> workTableSuffixes = {"IA_SFC_Item_DetailTmp", "IA_SFC_IX_GroupIndex",

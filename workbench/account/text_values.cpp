@@ -30,16 +30,15 @@ bool isDigit(char character) {
 }
 
 tsql::Value wholeNumber(std::string_view text, const tsql::TableColumn& column) {
-  std::int64_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stopped, error] = std::from_chars(text.data(), end, number);
-  if (error == std::errc::result_out_of_range && stopped == end) refuseRange(text, column);
+  bool outOfRange = false;
+  const auto number = tsql::text::wholeNumber<std::int64_t>(text, &outOfRange);
+  if (outOfRange) refuseRange(text, column);
   const bool bit = column.type.kind == Kind::bit;
-  if (error != std::errc() || stopped != end || (bit && number != 0 && number != 1)) {
+  if (!number || (bit && *number != 0 && *number != 1)) {
     refuse(text, column, bit ? "write 0 or 1" : "write digits only, with a minus in front of a negative number");
   }
-  if (column.type.kind == Kind::integer && !tsql::fits(tsql::Int128(number), column.type)) refuseRange(text, column);
-  return number;
+  if (column.type.kind == Kind::integer && !tsql::fits(tsql::Int128(*number), column.type)) refuseRange(text, column);
+  return *number;
 }
 
 tsql::Value exactNumber(std::string_view text, const tsql::TableColumn& column) {

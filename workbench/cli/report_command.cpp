@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -22,6 +21,7 @@
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/report_output.h"
 #include "workbench/presentation/xlsx_workbook.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::workbench {
 
@@ -52,9 +52,7 @@ std::vector<std::pair<std::string, std::string>> conditions(FilterObject& filter
 // The account's option `name` of system AA, a number of decimals.
 int decimals(Session& session, std::string_view name, int otherwise) {
   const std::string text = AccountPublicComponent().accountInformation("AA", name, session);
-  int number = otherwise;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return std::clamp(number, 0, 6);
+  return std::clamp(tsql::text::leadingNumber(text).value_or(otherwise), 0, 6);
 }
 
 constexpr Caption inventoryNameCaption{"存货名称", "Inventory name"};

@@ -1,7 +1,7 @@
 #include "workbench/com/exposed_platform.h"
 
 #include <algorithm>
-#include <charconv>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +11,7 @@
 #include "component/platform_adapters.h"
 #include "component/platform_bindings.h"
 #include "workbench/com/variant_list.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::workbench {
 
@@ -24,9 +25,7 @@ namespace {
 
 // Text as a number when it is one, as the platform gives years; otherwise the text.
 Variant numberOrText(const std::string& text) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error == std::errc() && end == text.data() + text.size()) return number;
+  if (const std::optional<int> number = tsql::text::wholeNumber(text)) return *number;
   return text;
 }
 

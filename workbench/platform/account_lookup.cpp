@@ -1,8 +1,7 @@
 #include "workbench/platform/account_lookup.h"
 
-#include <charconv>
-
 #include "workbench/platform/account_session.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::workbench {
 
@@ -29,9 +28,7 @@ std::string quotedText(std::string_view text) {
 }
 
 int leadingNumber(std::string_view text) {
-  int number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
+  return tsql::text::leadingNumber(text).value_or(0);
 }
 
 std::string dateOnly(std::string_view text) {

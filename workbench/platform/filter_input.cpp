@@ -7,6 +7,7 @@
 
 #include "frame/text.h"
 #include "workbench/platform/account_session.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::workbench {
 
@@ -46,9 +47,9 @@ bool isDate(std::string_view text) {
   if (parts.size() != 3 || !std::ranges::all_of(parts, digits)) return false;
   if (parts[0].size() != 4 || parts[1].size() > 2 || parts[2].size() > 2) return false;
   constexpr int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const int year = std::stoi(parts[0]);
-  const int month = std::stoi(parts[1]);
-  const int day = std::stoi(parts[2]);
+  const int year = tsql::text::wholeNumber(parts[0]).value_or(0);
+  const int month = tsql::text::wholeNumber(parts[1]).value_or(0);
+  const int day = tsql::text::wholeNumber(parts[2]).value_or(0);
   if (year < 1753 || month < 1 || month > 12) return false;  // the first year of a datetime
   const bool leapDay = month == 2 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
   return day >= 1 && day <= days[month - 1] + (leapDay ? 1 : 0);
@@ -167,7 +168,8 @@ void prepareFilter(FilterObject& filter, Login& login, Session& session) {
     year->value = year->item.defaultValue;
   }
   if (FilterEntry* grade = filter.find("iGrade"); grade != nullptr) {
-    const int grades = std::stoi(columnOf(session, "Select IsNull(Max(iGrade), 1) From Ca_FxClassDef"));
+    const int grades =
+        tsql::text::wholeNumber(columnOf(session, "Select IsNull(Max(iGrade), 1) From Ca_FxClassDef")).value_or(1);
     for (int number = 1; number <= grades; ++number)
       grade->item.choices.push_back({std::to_string(number), "", ""});
   }

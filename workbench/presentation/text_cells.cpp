@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "workbench/tsql/values/text.h"
+
 namespace quillon::workbench {
 
 namespace {
@@ -37,29 +39,11 @@ std::size_t cells(char32_t character) {
 
 char32_t takeCharacter(std::string_view& text) {
   constexpr char32_t replacement = 0xFFFD;
-  const auto lead = static_cast<unsigned char>(text.front());
-  const std::size_t length = lead < 0x80                   ? 1
-                             : lead >= 0xC2 && lead < 0xE0 ? 2
-                             : lead >= 0xE0 && lead < 0xF0 ? 3
-                             : lead >= 0xF0 && lead < 0xF5 ? 4
-                                                           : 0;
-  if (length == 0 || text.size() < length) {
-    text.remove_prefix(1);
-    return replacement;
-  }
-  char32_t character = length == 1 ? lead : static_cast<char32_t>(lead & (0xFFU >> (length + 1)));
-  for (std::size_t i = 1; i < length; ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if ((byte & 0xC0U) != 0x80U) {
-      text.remove_prefix(1);
-      return replacement;
-    }
-    character = (character << 6U) | (byte & 0x3FU);
-  }
-  constexpr std::array<char32_t, 5> smallest = {0, 0, 0x80, 0x800, 0x10000};
-  const bool valid = character >= smallest[length] && character <= 0x10FFFF;
-  text.remove_prefix(valid ? length : 1);
-  return valid ? character : replacement;
+  constexpr char32_t lastCharacter = 0x10FFFF;
+  std::size_t length = 0;
+  const char32_t character = tsql::text::next(text, length);
+  text.remove_prefix(length);
+  return character <= lastCharacter ? character : replacement;
 }
 
 std::size_t cellWidth(std::string_view text) {

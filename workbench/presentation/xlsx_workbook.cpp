@@ -19,6 +19,7 @@
 #include "workbench/presentation/output_file.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/tsql/values/text.h"
 
 #ifdef _WIN32
 // How libxlsxwriter opens the workbook's file (cmake/libraries.cmake): its name is UTF-8, which Windows' own fopen would
@@ -117,7 +118,9 @@ class Sheet {
   }
   void date(tsql::DateTime time, Style style) {
     const std::string text = tsql::toText(time).value();  // yyyy-mm-dd hh:mm:ss.fff
-    const auto part = [&text](std::size_t at, std::size_t count) { return std::stoi(text.substr(at, count)); };
+    const auto part = [text = std::string_view(text)](std::size_t at, std::size_t count) {
+      return tsql::text::wholeNumber(text.substr(at, count)).value();
+    };
     if (time.ticks < 0) {
       this->text(plainText(time, ""), style);
       return;

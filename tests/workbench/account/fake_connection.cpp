@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "workbench/tsql/values/text.h"
+
 namespace quillon::account::testing {
 namespace {
 
@@ -9,16 +11,6 @@ const TableDefinition& definitionOf(std::string_view table) {
   const auto found = std::ranges::find(tables(), table, &TableDefinition::name);
   if (found == tables().end()) throw std::out_of_range("no table " + std::string(table));
   return *found;
-}
-
-// The count of characters as nvarchar counts them: those beyond the basic plane count two.
-std::size_t characters(const std::string& text) {
-  std::size_t count = 0;
-  for (const char byte : text) {
-    const auto unit = static_cast<unsigned char>(byte);
-    if ((unit & 0xC0U) != 0x80U) count += unit >= 0xF0U ? 2 : 1;
-  }
-  return count;
 }
 
 void checkValue(const ColumnDefinition& column, const tsql::Value& value) {
@@ -48,7 +40,7 @@ void checkValue(const ColumnDefinition& column, const tsql::Value& value) {
   } else {
     const auto* text = std::get_if<std::string>(&value);
     if (text == nullptr || !type.starts_with("nvarchar(")) fail("no text");
-    if (characters(*text) > std::stoul(std::string(type.substr(9)))) fail("too long");
+    if (tsql::text::widerThan(*text, std::stoll(std::string(type.substr(9))))) fail("too long");
   }
 }
 
