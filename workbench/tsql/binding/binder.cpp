@@ -42,7 +42,7 @@ void addSource(Scope& scope, Source source, const Place& place) {
   scope.sources.push_back(std::move(source));
 }
 
-// The names of a derived table's columns: all there, all different.
+// Every column of a derived table must have a name, and no two the same.
 void requireColumnNames(const std::vector<OutputColumn>& columns, const std::string& alias, const Place& place) {
   for (std::size_t i = 0; i < columns.size(); ++i) {
     if (columns[i].name.empty()) {
@@ -87,7 +87,7 @@ std::vector<OutputColumn> sysobjectsColumns() {
           column("type", varCharType(2))};
 }
 
-// A column of the only table of a query is an identity as its source is.
+// Select Into keeps the identity property of a column when the query reads one table only.
 void takeIdentity(const Scope& scope, std::string_view name, OutputColumn& column) {
   if (scope.sources.size() != 1) return;
   for (const OutputColumn& source : scope.sources[0].columns) {
@@ -180,7 +180,7 @@ std::string Binder::addTable(const ObjectName& name, const std::string& alias, S
   if (++viewDepth_ > deepestView) {
     throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
   }
-  // Views that read views twice double with each level.
+  // Views that read other views twice double the statement with each level.
   if (++views_ > mostViews) {
     throw SqlError(40510,
                    "The embedded engine does not support more than " + std::to_string(mostViews) +
@@ -199,7 +199,7 @@ std::string Binder::from(const std::vector<TableSourcePtr>& list, Scope& scope) 
   std::string sql;
   for (const TableSourcePtr& source : list) {
     const std::string part = join(*source, scope);
-    // Brackets keep a right or full join of a list to its own tables.
+    // In a comma list, brackets limit a right or full join to its own tables.
     const bool bracket = list.size() > 1 && source->left != nullptr;
     sql += (sql.empty() ? "" : ", ") + (bracket ? "(" + part + ")" : part);
   }
@@ -209,7 +209,7 @@ std::string Binder::from(const std::vector<TableSourcePtr>& list, Scope& scope) 
 std::string Binder::join(const TableSource& source, Scope& scope) {
   if (source.left == nullptr) {
     if (source.derived == nullptr) return addTable(source.table, source.alias, scope);
-    // A derived table sees the queries around, not its neighbours.
+    // A derived table may use columns of the enclosing queries, not those of its neighbours in the From clause.
     BoundQuery inner = query(*source.derived, const_cast<Scope*>(scope.parent), Naming::columns);
     Source entry;
     entry.alias = source.alias;
@@ -352,7 +352,7 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer) {
   }
   const bool oneGroup = scope.grouped && select.groupBy.empty();
   core.oneRowAtMost = oneGroup || select.from.empty() || (select.top && *select.top <= 1);
-  // An identity column is taken over only from one table as it lies.
+  // The identity property is kept only when one stored table is read, without grouping or Distinct.
   if (scope.grouped || select.distinct || scope.sources.size() != 1 || scope.sources[0].stored == nullptr) {
     for (std::size_t i = 0; i < core.columns.size(); ++i) {
       if (static_cast<int>(i) != core.identityItem) core.columns[i].identity = false;
@@ -379,7 +379,7 @@ std::string Binder::orderKey(const Expression& item, Core& core) {
     }
     return position(static_cast<std::size_t>(number - 1));
   }
-  // A bare name is an output column first.
+  // An unqualified name means an output column before a column of the tables.
   if (item.kind == ExpressionKind::column && item.name.size() == 1) {
     std::optional<std::size_t> found;
     for (std::size_t i = 0; i < core.columns.size(); ++i) {
@@ -414,14 +414,14 @@ std::string Binder::renderCore(const Core& core, Naming naming) const {
     const OutputColumn& column = core.columns[i];
     sql += i == 0 ? "" : ", ";
     if (static_cast<int>(i) == core.identityItem && column.increment == 1 && !core.distinct) {
-      // Rows are inserted in the query's order, and the new table's identity counts them.
+      // The rows are inserted in the order of the query, and the identity of the new table numbers them.
       sql += "NULL";
     } else if (static_cast<int>(i) == core.identityItem) {
       sql += std::to_string(column.seed) + " + (row_number() OVER (" +
              (core.order.empty() ? "" : "ORDER BY " + joined(core.order, ", ")) + ") - 1) * " +
              std::to_string(column.increment);
     } else {
-      // A text that others compare, unite or make distinct carries its collation along.
+      // A text that an outer query compares, unites or makes distinct must carry its collation.
       sql += naming != Naming::none || core.distinct ? collated(core.items[i]) : core.items[i].sql;
     }
     if (naming == Naming::columns && !column.name.empty()) sql += " AS " + quoteName(column.name);
@@ -460,7 +460,7 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
     requireSameCount(core.items.size(), targets->size(), query.core->items.front().place);
   }
   if (core.identityItem >= 0) {
-    // The window sorts by expressions: numbers of output columns mean nothing there.
+    // Inside a window function Order By takes expressions; the number of an output column would be a constant there.
     for (const OrderItem& item : query.orderBy) {
       const Fragment value = this->value(*item.value, *core.scope);
       core.order.push_back(sortKey(value) + (item.descending ? " DESC" : ""));
@@ -547,7 +547,7 @@ BoundQuery Binder::setQuery(const Query& query, Scope* outer, Naming naming, con
       leaves[leaf]->items[i] = std::move(values[leaf]);
     }
   }
-  // The leftmost names and collates the columns.
+  // The leftmost query gives the columns their names and collations.
   result.sql = renderOperand(tree, naming == Naming::none ? Naming::columns : naming);
   std::vector<std::string> order;
   for (const OrderItem& item : query.orderBy) {
@@ -587,7 +587,7 @@ BoundQuery Binder::setQuery(const Query& query, Scope* outer, Naming naming, con
       value.magnitude = result.columns[i].magnitude;
       items += (i == 0 ? "" : ", ") + stored(value, (*targets)[i]).sql;
     }
-    // The names by position come from a VALUES-like list: WITH names the columns whatever the query calls them.
+    // WITH gives the columns new names by position, whatever the query calls them.
     std::string names;
     for (std::size_t i = 0; i < result.columns.size(); ++i)
       names += (i == 0 ? "column" : ", column") + std::to_string(i + 1);

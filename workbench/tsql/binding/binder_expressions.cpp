@@ -1,4 +1,4 @@
-// Values and conditions.
+// Binder: values and conditions.
 #include <algorithm>
 #include <array>
 
@@ -56,7 +56,7 @@ Arithmetic operationOf(std::string_view op) {
   }
 }
 
-// The errors of the value layer know no place: this gives them the expression's.
+// Errors of values/ have no line and token: this gives them those of the expression.
 template <typename Action>
 auto located(const Expression& expression, Action action) {
   try {
@@ -76,7 +76,8 @@ void requireAggregatesAllowed(const Scope& scope, const Expression& expression) 
       expression.place.line, expression.place.token);
 }
 
-// The scope that an aggregate belongs to: that of its columns, which may be one around the query that it is written in.
+// The scope of the query that an aggregate is computed in: the one that its columns come from, which may be outside the
+// query that it is written in.
 const Scope& scopeOfAggregate(const Fragment& argument, const Scope& written) {
   const Scope* scope = &written;
   if (argument.bare.empty()) return *scope;
@@ -108,7 +109,7 @@ void requireGrouped(const Fragment& value, const Scope& scope, std::string_view 
 
 Fragment Binder::value(const Expression& expression, Scope& scope) {
   Fragment result = located(expression, [&] { return unboxed(expression, scope); });
-  // NullIf and Case repeat their operand, so that nested ones double with each level.
+  // NullIf and Case repeat their operand, so each level of nesting doubles the statement.
   constexpr std::size_t mostBytes = 4'000'000;
   if (!expression.operands.empty() && result.sql.size() > mostBytes) {
     throw SqlError(40510,
@@ -174,7 +175,7 @@ Fragment Binder::column(const Expression& expression, Scope& scope) {
       }
     }
     if (found == nullptr) {
-      // A qualifier that names a source here names no other further out.
+      // The qualifier names a source of this query, so the outer ones are not searched.
       if (!qualifier.empty() && qualifierKnown) break;
       continue;
     }
@@ -408,7 +409,7 @@ Fragment Binder::plainCondition(const Expression& expression, Scope& scope) {
       const Fragment& left = operands[0];
       const bool sameForm = (isText(left.type) && isText(member.type)) ||
                             (left.type == member.type && !left.mayOverflow && !member.mayOverflow);
-      // Where both sides compare as they lie, SQLite's own IN does; else each row is compared by T-SQL's rules.
+      // When both sides are stored in the same form, SQLite's IN is right; otherwise each row is compared by T-SQL's rules.
       result.sql = sameForm ? "(" + collated(left) + " IN (" + inner.sql + "))"
                             : "(1 IN (SELECT " + compare("=", left, member) + " FROM (" + inner.sql + ")))";
       break;

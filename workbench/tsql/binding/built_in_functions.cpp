@@ -30,14 +30,14 @@ Fragment asDate(const Fragment& value) {
   return convert(value, dateTimeType(), Conversion::cast);
 }
 
-// A text type of the value's family with a width of its own.
+// nvarchar or varchar as the value is, with another width.
 Type textType(const Fragment& value, std::int64_t width) {
   Type type = value.type;
   type.width = static_cast<int>(std::clamp<std::int64_t>(width, 1, Type::maxWidth));
   return type;
 }
 
-// The constant count of characters, when it is one, bounds the width of the result.
+// When the count of characters is a constant, it limits the width of the result.
 Type cutType(const Fragment& text, const Fragment& count) {
   if (count.constant && std::holds_alternative<std::int64_t>(*count.constant)) {
     return textType(text, std::min<std::int64_t>(std::get<std::int64_t>(*count.constant), text.type.width));
@@ -61,7 +61,7 @@ Fragment sameText(std::string_view function, const Arguments& given) {
   return call(function, {text}, text.type);
 }
 
-// Functions whose result can be longer than their argument have the longest ordinary width.
+// Functions whose result can be longer than their argument get the largest width below max: 4000 or 8000.
 Type longText(const Fragment& text) {
   return textType(text, text.type.kind == Kind::nVarChar ? 4000 : 8000);
 }
@@ -190,7 +190,7 @@ struct Function {
 
 constexpr std::size_t anyNumber = 100;
 
-// One row a function, in the order of the alphabet.
+// One row for each function, in alphabetical order.
 constexpr auto builtInFunctions = std::to_array<Function>({
     {"abs", 1, 1, [](const Arguments& a, const Expression&) { return absolute(a); }},
     {"ascii", 1, 1, [](const Arguments& a, const Expression&) { return call("text_ascii", {asText(a[0])}, intType()); }},
@@ -218,7 +218,7 @@ constexpr auto builtInFunctions = std::to_array<Function>({
     {"day", 1, 1, [](const Arguments& a, const Expression&) { return fixedPart("day", a); }},
     {"db_id", 1, 1, [](const Arguments& a, const Expression&) { return call("db_id", {asText(a[0])}, intType()); }},
     {"floor", 1, 1, [](const Arguments& a, const Expression&) { return neighbour("floor", a); }},
-    // One moment for the whole statement.
+    // All calls in a statement give the same time.
     {"getdate", 0, 0,
      [](const Arguments&, const Expression&) { return literalFragment(currentDateTime(), dateTimeType()); }},
     {"isnull", 2, 2, [](const Arguments& a, const Expression&) { return isNullCall(a); }},

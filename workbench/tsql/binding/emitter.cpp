@@ -14,19 +14,19 @@
 namespace quillon::tsql {
 namespace {
 
-// The largest whole number that is safe in a SQLite INTEGER, a little below 2^63 because bounds are kept as doubles.
+// Units up to here fit a SQLite INTEGER. It is a little below 2^63 because bounds are kept as doubles.
 constexpr double plainLimit = 9.2e18;
 
 double tenTo(int exponent) {
   return std::pow(10.0, exponent);
 }
 
-// The largest number of units that surely lies in a type's range: int reaches one further below zero than above.
+// Up to this many units, of either sign, are in the type's range: int has one negative number more than positive ones.
 double limitOf(const Type& type) {
   return type.kind == Kind::integer ? 2147483647.0 : magnitudeOf(type);
 }
 
-// Types whose range is that of 64 bits: leaving it is an overflow in T-SQL too, and shows as a REAL.
+// Types whose range is exactly 64 bits: where SQLite makes a REAL of an overflow, T-SQL has an overflow too.
 bool overflowsToReal(const Type& type) {
   return type.kind == Kind::bigInt || type.kind == Kind::money;
 }
@@ -52,8 +52,8 @@ std::string shifted(const Fragment& value, int digits) {
   return "(" + value.sql + " * " + std::to_string(static_cast<std::int64_t>(tenTo(digits))) + ")";
 }
 
-// A constant brought to `to` at translation; nullopt when the conversion fails, so that the error comes when and only
-// when the value is used.
+// A constant converted at translation. Nullopt when the conversion fails: it is then left to the run, because the error
+// must come only if the value is used.
 std::optional<Fragment> folded(const Fragment& value, const Type& to, int style) {
   if (!value.constant) return std::nullopt;
   try {
@@ -134,7 +134,7 @@ Fragment joinedTexts(const Fragment& left, const Fragment& right, const Type& ty
   return result;
 }
 
-// A whole-number constant that division by needs no guard against.
+// A whole-number constant that may be divided by without a check: neither 0 nor -1, whose quotient may overflow.
 bool dividesSafely(const Fragment& divisor) {
   if (!divisor.constant || !std::holds_alternative<std::int64_t>(*divisor.constant)) return false;
   const std::int64_t value = std::get<std::int64_t>(*divisor.constant);
@@ -173,7 +173,7 @@ char symbolOf(Arithmetic operation) {
   return ' ';
 }
 
-// What plain SQLite arithmetic on units would give: its SQL and its bound; nullopt where it would not be right.
+// The operation as plain SQLite arithmetic on units, with its bound; nullopt where that would be wrong.
 struct PlainResult {
   std::string sql;
   double magnitude = 0;
@@ -192,7 +192,7 @@ std::optional<PlainResult> plainArithmetic(Arithmetic operation, const Fragment&
       if (scale < std::max(leftScale, rightScale)) return std::nullopt;
       const double leftBound = left.magnitude * tenTo(scale - leftScale);
       const double rightBound = right.magnitude * tenTo(scale - rightScale);
-      // A side that is scaled up must stay whole by itself; leaving 64 bits is only allowed to the sum.
+      // A side that is scaled up must itself stay within 64 bits; only the sum may overflow.
       if ((scale > leftScale && leftBound > plainLimit) || (scale > rightScale && rightBound > plainLimit))
         return std::nullopt;
       return PlainResult{"(" + shifted(left, scale - leftScale) + sign + shifted(right, scale - rightScale) + ")",
@@ -255,7 +255,7 @@ std::string compareExact(std::string_view op, const Fragment& left, const Fragme
       a.magnitude * tenTo(scale - leftScale) <= plainLimit && b.magnitude * tenTo(scale - rightScale) <= plainLimit;
   const bool sameScale = leftScale == rightScale;
   const bool bothNarrow = !isWide(a) && !isWide(b);
-  // Units beyond 64 bits have one form only, so equality needs no function.
+  // Equal units are stored in the same form, so equality needs no function.
   if (plain || (sameScale && (bothNarrow || op == "=" || op == "<>"))) {
     return "(" + shifted(a, scale - leftScale) + ' ' + std::string(op) + ' ' + shifted(b, scale - rightScale) + ")";
   }
@@ -272,7 +272,7 @@ double magnitudeOf(const Type& type) {
     case Kind::bit:
       return 1;
     case Kind::decimal:
-      // The next double below 10^p, so that a value of 10^p does not seem to fit.
+      // The next double below 10^p, because 10^p itself does not fit.
       return std::nextafter(tenTo(type.precision), 0.0);
     case Kind::bigInt:
     case Kind::money:
@@ -337,7 +337,7 @@ Fragment convert(const Fragment& value, const Type& to, Conversion conversion, i
   if (value.isNullLiteral) return typedNull(to, value);
   if (conversion == Conversion::implicit && value.type != to) checkAssignment(value.type, to);
   if (auto constant = folded(value, to, style)) {
-    // Only a bare literal becomes a column that refuses NULL.
+    // A literal makes a NOT NULL column in Select Into; a cast of one does not.
     if (conversion == Conversion::cast) constant->notNull = false;
     if (conversion == Conversion::cast) constant->literalDigits = 0;
     return *constant;
@@ -447,12 +447,12 @@ std::string compare(std::string_view op, const Fragment& left, const Fragment& r
   if (isExact(left.type) && isExact(right.type)) return compareExact(op, left, right);
   const Type type = comparisonType(left.operand(), right.operand());
   if (isText(type)) {
-    // One side with a collation decides for both.
+    // It is enough when one side has the collation.
     return joined(right.isColumn ? left.sql : collated(left), right.sql);
   }
   const bool toReal = type.kind == Kind::real;
   const auto side = [&](const Fragment& value) {
-    // A whole number and a REAL compare by value as they are.
+    // SQLite compares INTEGER and REAL by value.
     if (toReal && isWhole(value.type)) return value;
     return isExact(value.type) && isExact(type) ? value : convert(value, type, Conversion::implicit);
   };
@@ -462,7 +462,7 @@ std::string compare(std::string_view op, const Fragment& left, const Fragment& r
 }
 
 std::string memberOf(const Fragment& left, const std::vector<Fragment>& members) {
-  // One IN serves when all members compare as they lie in storage; else one comparison a member.
+  // One IN when all members are stored in the form of the left side; otherwise one comparison for each member.
   std::string list;
   bool uniform = true;
   for (const Fragment& member : members) {

@@ -1,6 +1,6 @@
 // Makes SQLite expressions out of typed parts. Exact numbers are scaled integers, so plain SQLite arithmetic is used
-// wherever 64 bits provably suffice: each part carries a bound on its units. Everything else calls the functions of
-// engine/value_functions.h.
+// wherever 64 bits provably suffice: each part carries a bound on its units. Everything else calls functions that the
+// engine registers, known here by name alone (engine/value_functions.h lists them).
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@
 
 namespace quillon::tsql {
 
-// A column of a grouped query that stands outside of any aggregate; `scope` tells the query it belongs to.
+// A column of a grouped query outside of any aggregate; `scope` is that of the query it belongs to.
 struct BareColumn {
   const void* scope = nullptr;
   std::string name;
@@ -26,7 +26,7 @@ struct Fragment {
   std::string sql;
   Type type;
   double magnitude = 0;      // exact types: no value has more units
-  bool mayOverflow = false;  // bigint and money: a REAL stands for a value that left 64 bits
+  bool mayOverflow = false;  // bigint and money: SQLite may give a REAL here, which means an overflow
   bool notNull = false;      // of a literal or a column declared so: Select Into keeps it
   bool isColumn = false;     // a stored column: compares by its own collation
   int literalDigits = 0;     // of an integer literal

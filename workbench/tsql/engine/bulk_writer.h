@@ -1,4 +1,4 @@
-// Rows past the front end, for generators and imports.
+// Writes rows without parsing and binding a statement for each, for generators and imports.
 #pragma once
 
 #include <memory>

@@ -16,8 +16,8 @@ std::string schemaOf(std::string_view database) {
   return database == "tempdb" ? "temp" : "main";
 }
 
-// The system database's tables lie in the same file under their two-dot names. A name that SQLite or the catalog keeps
-// for itself gets a mark in front.
+// Tables of the system database are stored in the same file, as "orvsystem..name". A name that SQLite or the catalog
+// reserves gets "user." in front.
 std::string physicalName(std::string_view database, std::string_view name) {
   if (database == "orvsystem") return "orvsystem.." + std::string(name);
   const std::string folded = text::foldCase(name);
@@ -31,7 +31,7 @@ std::string columnList(const std::vector<std::string>& columns, std::string (*qu
   return result;
 }
 
-// What the catalog stores: the brackets of a Create Table that parseTableDefinition() reads.
+// What the catalog stores: the part of Create Table in brackets, as parseTableDefinition() reads it.
 std::string definitionOf(const Table& table) {
   std::string result;
   for (const TableColumn& column : table.columns) {

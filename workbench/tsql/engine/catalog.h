@@ -1,6 +1,6 @@
-// The declared tables, views and functions. SQLite's own schema knows only integers, texts and reals; what T-SQL
-// declared stands beside it in the tables tsql_objects of the file and of the connection's temporary database, as the
-// definition's T-SQL text.
+// The declared tables, views and functions. SQLite's own schema knows only integers, texts and reals; the declarations
+// in T-SQL are kept beside it, as text, in the table tsql_objects of the file and of the connection's temporary
+// database.
 #pragma once
 
 #include <cstdint>
@@ -22,12 +22,12 @@ class Catalog : public TableLookup {
  public:
   explicit Catalog(sqlite3* database);
 
-  // Lays out the tables of the catalog in a new file.
+  // Creates the tables of the catalog in a new file.
   static void create(sqlite3* database);
 
-  // Forgets what it knows when another connection may have changed the file.
+  // Empties the cache when another connection has changed the schema of the file.
   void refresh();
-  // Forgets everything, after a rollback.
+  // Empties the cache after a rollback.
   void forget();
 
   std::shared_ptr<const Table> table(const ObjectName& name) override;

@@ -29,7 +29,7 @@ void objectId(sqlite3_context* context, int, sqlite3_value** arguments) {
   }
 }
 
-// Any number will do, as long as it is the database's own; tempdb has the one that servers give it.
+// Any numbers that differ will do; that of tempdb is what servers give it.
 void databaseId(sqlite3_context* context, int, sqlite3_value** arguments) {
   constexpr int tempdb = 2, orvsystem = 5;
   const std::string name = textOf(arguments[0]);

@@ -33,13 +33,13 @@ DatabaseHandle openDatabase(const std::string& name, int flags) {
   }
   sqlite3_extended_result_codes(database.get(), 1);
   sqlite3_busy_timeout(database.get(), busyMilliseconds);
-  // One account, one file, whatever a statement asks for.
+  // No statement may attach another file.
   sqlite3_limit(database.get(), SQLITE_LIMIT_ATTACHED, 0);
   return database;
 }
 
-// A rollback journal and no waiting for the disk: a killed process leaves a file that the next one sets right, and
-// large work tables are written once. 64 MiB of cache bound the memory; sorters and temporary tables spill to files.
+// A rollback journal without waiting for the disk: the next process undoes what a killed one left half done, and large
+// work tables are written once. The cache is limited to 64 MiB; sorters and temporary tables spill to files.
 void setUp(sqlite3* database) {
   runSqlite(
       database,
@@ -47,8 +47,8 @@ void setUp(sqlite3* database) {
       "PRAGMA foreign_keys = OFF");
 }
 
-// A connection that only reads cannot undo what a killed program left half done, and refuses the file; a connection that
-// may write undoes it with the first thing that it reads.
+// A read-only connection cannot undo a change that a killed program left half done, and refuses the file. A writing
+// connection undoes it with its first read.
 void undoHalfDoneChanges(const std::string& name, const std::filesystem::path& file) {
   std::error_code error;
   if (std::filesystem::file_size(std::filesystem::path(file).concat("-journal"), error) == 0 || error) return;

@@ -26,7 +26,8 @@ struct StatementReport {
   std::int64_t rows = 0;
 };
 
-// Writes rows past the front end, fast, for generators and imports. One transaction around many rows is the caller's.
+// Writes rows without a statement for each, for generators and imports. For speed, the caller puts many rows into one
+// transaction.
 class BulkWriter {
  public:
   virtual ~BulkWriter() = default;
@@ -45,14 +46,14 @@ class Connection : public Database {
   // An empty database in memory; `orvsystem` is there and empty.
   static std::unique_ptr<Connection> openInMemory();
 
-  virtual void begin() = 0;  // a transaction around what follows; not nested
+  virtual void begin() = 0;  // begins a transaction; there is one at a time
   virtual void commit() = 0;
   virtual void rollback() = 0;
   virtual std::unique_ptr<BulkWriter> bulkWriter(std::string_view table, std::span<const std::string> columns) = 0;
 
   // Called after each statement; an empty function switches it off.
   virtual void observe(std::function<void(const StatementReport&)> observer) = 0;
-  // The SQL that the front end would hand to SQLite for one statement, for tests and benchmarks.
+  // The SQLite statement that a T-SQL statement becomes, for tests and benchmarks.
   virtual std::string translate(std::string_view statement) = 0;
   virtual sqlite3* handle() = 0;
 };

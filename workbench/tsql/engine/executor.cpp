@@ -19,14 +19,14 @@ std::vector<Column> resultColumns(const std::vector<OutputColumn>& bound) {
   std::vector<Column> columns;
   for (const OutputColumn& column : bound) {
     Type type = column.type;
-    // The empty text has width 0 in an expression; a column is at least one wide.
+    // The empty text has width 0 in an expression; a column has at least width 1.
     if (isText(type)) type.width = std::max(type.width, 1);
     columns.push_back({column.name, type});
   }
   return columns;
 }
 
-// Reads a prepared SELECT row by row. The first row is fetched at once, so that what fails at the start fails here.
+// Reads a prepared SELECT row by row. The constructor fetches the first row, so that it throws the errors of the start.
 class SelectCursor : public Cursor {
  public:
   SelectCursor(sqlite3* database, const BoundQuery& query)
@@ -93,7 +93,7 @@ const ObjectName* intoOf(const Query& query) {
   return leaf->core->into ? &*leaf->core->into : nullptr;
 }
 
-// Calls the action with sums of decimals in 64 bits; when they do not suffice, once more with 128.
+// Runs the action with sums of decimals in 64 bits and, when one overflows, once more with 128 bits.
 template <typename Action>
 auto withWideningSums(Action action) {
   try {

@@ -20,7 +20,7 @@ namespace {
 
 struct InsertColumns {
   std::vector<std::size_t> given;    // the columns that the statement gives values for
-  std::vector<std::size_t> omitted;  // those that take a default or refuse to be left out
+  std::vector<std::size_t> omitted;  // columns left out that have a default or refuse NULL
 };
 
 InsertColumns insertColumns(const Statement& s, const Table& table, bool identityInsert) {
@@ -119,7 +119,7 @@ std::string selectedRows(const Statement& s, const Table& table, const InsertCol
   try {
     sql = binder.queryInto(*s.query, targets).sql;
   } catch (const SqlError& error) {
-    // Without a column list the table's own columns are the list.
+    // No column list means all columns of the table.
     if (!s.columns.empty() || (error.number() != 120 && error.number() != 121)) throw;
     fail(213, "Column name or number of supplied values does not match table definition.", s.target.place);
   }
@@ -132,7 +132,7 @@ std::string selectedRows(const Statement& s, const Table& table, const InsertCol
 
 // ---- Update and Delete
 
-// The From clause of an Update or Delete with its target found in it.
+// The From clause of an Update or Delete, and where its target is in it.
 struct Sources {
   Scope scope;
   std::string from;        // the whole From clause, in the order written
@@ -178,7 +178,7 @@ const TableSource* findTarget(const Statement& s) {
       continue;
     }
     if (found != nullptr) {
-      // Of several the one without an alias is meant.
+      // When several tables have the name, the one without an alias is the target.
       if (!found->alias.empty() && !table->alias.empty())
         fail(8154, "The table '" + s.target.written + "' is ambiguous.", s.target.place);
       if (found->alias.empty()) continue;
@@ -294,7 +294,7 @@ std::string updateStatement(const Statement& s, Binder& binder) {
       sql += (i == 0 ? "" : ", ") + values[i].column + " = " + values[i].sql;
     return sql + (sources.others.empty() ? "" : " FROM " + sources.others) + where;
   }
-  // The new values are computed over the whole From clause, then brought to the target's rows.
+  // The new values are computed over the whole From clause and then assigned to the rows of the target.
   sql += "target_row SET ";
   std::string list = target + '.' + table.rowid() + " AS row_number";
   for (std::size_t i = 0; i < values.size(); ++i) {

@@ -40,14 +40,14 @@ ConstraintPlace constraintPlace(std::string_view message) {
                      "Cannot insert duplicate key row in object '" + table + "' with unique index on '" + column + "'.",
                      0, column);
     case SQLITE_CONSTRAINT_DATATYPE:
-      // The only way to a wrong type in a declared column is a whole number that left 64 bits.
+      // A value has the wrong type for its column only when a whole number overflowed 64 bits.
       throw SqlError(8115, "Arithmetic overflow error converting expression to data type numeric.");
     default:
       throw SqlError(547, "The statement conflicted with a constraint: " + message);
   }
 }
 
-// Whether SQLite refuses a statement for its size: tables in a join, columns, queries in a union, depth of the tree.
+// Whether SQLite refuses the statement for its size: tables in a join, columns, queries in a union, depth of the tree.
 bool exceedsLimit(int code, std::string_view message) {
   if (code == SQLITE_TOOBIG) return true;
   constexpr auto limits = std::to_array<std::string_view>(
@@ -156,7 +156,7 @@ Savepoint::Savepoint(sqlite3* database) : database_(database) {
 }
 
 Savepoint::~Savepoint() {
-  // An error that SQLite itself answered by a rollback leaves nothing to undo; the failure of these two says just that.
+  // After some errors SQLite has rolled back by itself. Then these two fail because there is nothing left to undo.
   if (!kept_) sqlite3_exec(database_, "ROLLBACK TO statement; RELEASE statement", nullptr, nullptr, nullptr);
 }
 

@@ -1,4 +1,4 @@
-// SQLite's C interface with the house's errors: every failure is a SqlError with SQL Server's number and text.
+// SQLite's C interface with errors as SqlError: every failure has SQL Server's number and text.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct sqlite3_stmt;
 
 namespace quillon::tsql {
 
-// SQLite's own sum left 64 bits. A sum of decimals may still be right with more: see aggregate() in emitter.h.
+// SQLite's own sum() overflowed 64 bits. A sum of decimals is then computed in 128: see aggregate() in emitter.h.
 class SumOverflow : public SqlError {
  public:
   SumOverflow();
@@ -47,7 +47,7 @@ class Prepared {
   sqlite3_stmt* statement_ = nullptr;
 };
 
-// A savepoint: everything since its making is undone unless keep() was called.
+// Undoes everything since its construction unless keep() was called.
 class Savepoint {
  public:
   explicit Savepoint(sqlite3* database);

@@ -16,7 +16,7 @@ std::vector<std::string> indexedColumns(sqlite3* database, const std::string& in
   return columns;
 }
 
-// The indexes of Create Index lie in the file under the table's stored name, a point and their own.
+// An index of Create Index is stored as "table.index", with the table's stored name.
 std::vector<StoredIndex> indexesOf(sqlite3* database, const Table& table) {
   Prepared list(database,
                 "SELECT i.name, l.\"unique\" FROM main.sqlite_schema AS i JOIN pragma_index_list(?1) AS l ON l.name = "
@@ -99,7 +99,7 @@ std::string createStatement(const StoredTable& table, const StoredIndex& index) 
 }
 
 std::string createStatement(const StoredCode& code) {
-  // A server makes functions only with their owner's name in front.
+  // A server refuses to create a function without its schema in front of the name.
   const std::string name =
       (code.database.empty() ? "" : code.database + '.') + std::string("dbo.") + bracketed(code.name);
   if (code.isView) return "Create View " + name + " As " + code.text;

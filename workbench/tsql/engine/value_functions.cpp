@@ -23,10 +23,10 @@
 namespace quillon::tsql {
 namespace {
 
-// The longest text a function may build: what nvarchar(max) is used for stays far below.
+// The longest text that a function may build, far above what nvarchar(max) is used for.
 constexpr std::size_t longestText = 64U << 20;
 
-// First byte of the texts with which our functions fail; SQLite's own never begin so.
+// The first byte of the error texts of these functions; SQLite's own texts never begin with it.
 constexpr char errorMark = '\x01';
 
 std::string_view bytesOf(sqlite3_value* value) {
@@ -39,7 +39,7 @@ std::string_view textOf(sqlite3_value* value) {
   return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
-// Units as SQLite holds them. A REAL is what SQLite made of an integer that left 64 bits: no units any more.
+// Units as SQLite stores them; nullopt for a REAL, which SQLite makes of an integer that overflows 64 bits.
 std::optional<Int128> unitsOf(sqlite3_value* value) {
   switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:
@@ -128,7 +128,7 @@ class Call {
 
 using Body = void (*)(Call&);
 
-// No exception may cross SQLite.
+// No exception may pass through SQLite's C code.
 template <class Work>
 void guarded(sqlite3_context* context, Work work) {
   try {
@@ -234,7 +234,7 @@ void floatRound(Call& call) {
   const double power = std::pow(10.0, std::abs(digits));
   const double scaled = digits < 0 ? number / power : number * power;
   if (!std::isfinite(scaled) || !std::isfinite(power)) {
-    // More decimals than a double has leave it as it is; more zeros than it has digits leave nothing.
+    // Rounding to more decimals than a double has changes nothing; rounding off more digits than it has gives 0.
     call.giveReal(digits < 0 ? 0 : number);
     return;
   }
@@ -374,7 +374,7 @@ void textNchar(Call& call) {
 void textUnicode(Call& call) {
   const std::string_view text = call.text(0);
   if (text.empty()) return;
-  // One UTF-16 unit: of a pair its first half.
+  // The first UTF-16 unit; of a surrogate pair the first half.
   const std::string first = text::left(text, 1);
   std::size_t position = 0;
   call.give(static_cast<std::int64_t>(text::next(first, position)));
@@ -399,7 +399,7 @@ void textStr(Call& call) {
       number = tsql::toText(std::get<Exact>(value));
     };
     print(decimals);
-    // Decimals give way to the length, the whole part does not.
+    // Decimals are dropped to fit the length, digits before the point are not.
     const std::size_t point = number.find('.');
     const std::size_t whole = std::min(point, number.size());
     if (number.size() > width && whole <= width) {
@@ -424,7 +424,7 @@ void textIsnumeric(Call& call) {
   call.give(!call.isNull(0) && isNumericText(call.text(0)) ? 1 : 0);
 }
 
-// A pattern that is the same for all rows is read once and kept with the statement.
+// A constant pattern is parsed once and kept with the statement.
 template <bool ignoreTrailingBlanks>
 void textLike(Call& call) {
   if (call.count() > 2) {
@@ -440,12 +440,12 @@ void textLike(Call& call) {
   }
   auto pattern = std::make_unique<LikePattern>(call.text(1));
   call.give(pattern->matches(call.text(0), ignoreTrailingBlanks) ? 1 : 0);
-  // SQLite may delete it at once: nothing touches it after this.
+  // SQLite may delete the pattern at once, so it is not used after this.
   sqlite3_set_auxdata(call.context(), 1, pattern.release(), [](void* old) { delete static_cast<LikePattern*>(old); });
 }
 
 void textPatindex(Call& call) {
-  // Without its leading % a pattern is tried at each place; one that does not begin with % only at the first.
+  // A pattern that begins with % is tried, without the %, at each position; any other at the first only.
   std::string_view pattern = call.text(0);
   const std::string_view text = call.text(1);
   const bool anywhere = pattern.starts_with('%');
@@ -487,7 +487,7 @@ void dateCheck(Call& call) {
 
 // -- aggregates
 
-// A 128-bit integer in memory that SQLite aligns for 64 bits only.
+// A 128-bit integer for memory of SQLite, which is aligned for 64 bits only.
 class UnalignedInt128 {
  public:
   Int128 get() const { return Int128::fromHalves(high_, low_); }
@@ -501,7 +501,7 @@ class UnalignedInt128 {
   std::uint64_t low_;
 };
 
-// SQLite hands out zeroed memory: an empty sum.
+// SQLite allocates it zeroed, which is an empty sum.
 struct Sum {
   UnalignedInt128 total;
   std::int64_t count;

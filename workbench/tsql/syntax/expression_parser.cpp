@@ -1,4 +1,4 @@
-// Tokens, names, types and expressions.
+// TokenReader (tokens, names, types) and ExpressionParser.
 #include <algorithm>
 #include <array>
 
@@ -509,8 +509,8 @@ bool ExpressionParser::isQueryInParentheses() const {
 }
 
 ExpressionPtr ExpressionParser::parenthesized() {
-  // ((select ..)) is a sub-query, ((select ..) + 1) a value that begins with one: the outermost brackets are tried as
-  // a value unless SELECT follows directly.
+  // ((select ..)) is a sub-query, ((select ..) + 1) is a value that begins with one. So brackets hold a value unless
+  // SELECT follows directly.
   if (isWordAt(1, "select")) {
     ExpressionPtr result = make(ExpressionKind::scalarQuery);
     next();
@@ -605,7 +605,7 @@ ExpressionPtr ExpressionParser::functionCall(ExpressionPtr call) {
   } else if (!isSymbol(")")) {
     call->distinct = acceptWord("distinct");
     if (!call->distinct) acceptWord("all");
-    // DATEADD(month, 1, d): the part of a date is a word, not a column; it arrives as one.
+    // DATEADD(month, 1, d): the date part is a word; the parser keeps it as a column of that name.
     do {
       call->operands.push_back(value());
     } while (acceptSymbol(","));

@@ -295,7 +295,7 @@ class Lexer {
     } else if (c == '[' || c == '"') {
       token.kind = TokenKind::quotedName;
       token.value = quoted(c == '[' ? ']' : '"');
-      // SQLite's statements end at a zero character.
+      // SQLite takes a zero character for the end of the statement.
       if (token.value.find('\0') != std::string::npos)
         throw SqlError(102, "Incorrect syntax: a name cannot hold a zero character.", token.line);
     } else if (isDigit(c) || (c == '.' && isDigit(at(1)))) {
@@ -376,7 +376,7 @@ class Lexer {
     return {c};
   }
 
-  // `<`, `>` and `!` with the character that completes them, which may stand after blanks.
+  // `<`, `>` or `!` and the second character of the operator; blanks may stand between the two.
   std::string comparison(char first) {
     const std::string_view partners = first == '<' ? "=>" : first == '>' ? "=" : "=<>";
     advance(1);

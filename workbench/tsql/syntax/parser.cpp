@@ -13,7 +13,7 @@
 namespace quillon::tsql {
 namespace {
 
-// Statements; the expressions and queries inside them are ExpressionParser's and QueryParser's.
+// Parses statements; QueryParser parses the queries in them, ExpressionParser the expressions.
 class StatementParser : public QueryParser {
  public:
   using QueryParser::QueryParser;

@@ -52,10 +52,10 @@ class TokenReader {
   [[noreturn]] void refuse(const std::string& construct) const;
   static std::string upper(std::string_view text);
 
-  // Statements are trees, and whoever walks one goes as deep as it is. What makes a tree deeper is counted here, so that
-  // no text can use up the stack: Level stands for a bracket, a sub-query, a sign, a NOT or a block around what is read
-  // while it lives; countLink() for an operator, a join or a set operation that stands in a chain. Both throw SqlError
-  // 191 when there are too many.
+  // A statement becomes a tree, and the functions that walk it recurse as deep as the tree is. The depth is limited here,
+  // so that no text can exhaust the stack. A Level lives while the inside of a bracket, a sub-query, a sign, a NOT or a
+  // block is read; countLink() is called for each operator, join or set operation of a chain. Both throw SqlError 191
+  // when there are too many.
   class Level {
    public:
     explicit Level(TokenReader& reader) : reader_(reader) {

@@ -1,4 +1,4 @@
-// Queries and what stands in their From clause.
+// QueryParser: queries and their From clauses.
 #include <algorithm>
 #include <array>
 
@@ -217,7 +217,7 @@ JoinKind QueryParser::joinKind() {
   } else {
     acceptWord("inner");
   }
-  // Join hints say how, not what.
+  // Join hints change how a join runs, not its rows.
   if (isWord("loop") || isWord("hash") || isWord("merge") || isWord("remote")) next();
   expectWord("join");
   return kind;
@@ -288,7 +288,7 @@ TableSourcePtr QueryParser::tablePrimary() {
 void QueryParser::tableHints() {
   const bool withWord = isWord("with") && isSymbolAt(1, "(");
   if (withWord) next();
-  // Without WITH the brackets follow a table directly; a column list of an INSERT is told apart by its caller.
+  // Hints without WITH: brackets directly after a table. The caller has ruled out the column list of an INSERT.
   if (!withWord && !(isSymbol("(") && (isWordAt(1, "nolock") || isWordAt(1, "tablock") || isWordAt(1, "holdlock") ||
                                        isWordAt(1, "updlock") || isWordAt(1, "rowlock") || isWordAt(1, "index") ||
                                        isWordAt(1, "readpast") || isWordAt(1, "readuncommitted") ||

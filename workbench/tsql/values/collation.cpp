@@ -9,8 +9,8 @@
 namespace quillon::tsql {
 namespace {
 
-// A weight holds the place of the letter and, below it, the number of its accents. Characters of place 0 count only
-// where all others are equal: accents on their own, hyphen and apostrophe.
+// A weight is the place of the letter in its upper bits and its accents in the lower ones. Characters of place 0
+// (accents on their own, hyphen, apostrophe) decide only between texts whose other characters are all equal.
 constexpr unsigned accentBits = 9;
 constexpr std::uint32_t accentMask = (1U << accentBits) - 1;
 constexpr std::uint32_t hyphenWeight = accentMask;
@@ -23,8 +23,8 @@ constexpr bool isSpecial(std::uint32_t weight) {
   return weight == hyphenWeight || weight == apostropheWeight;
 }
 
-// Where each group of characters begins. Within a group the code point decides, but for Chinese characters, which
-// stand in the order of their pinyin.
+// Where each group of characters begins. Within a group the code points give the order; Chinese characters follow
+// their pinyin instead.
 enum Place : std::uint32_t {
   blankPlace = 1,
   underscorePlace = 2,
@@ -77,7 +77,7 @@ class Weights {
       table[half] = (otherPlace + half) << accentBits;
     table['-'] = hyphenWeight;
     table['\''] = apostropheWeight;
-    // Bases are no folded characters themselves, so the order of the folds does not matter.
+    // No base is itself a folded character, so the folds may be applied in any order.
     for (const Fold& fold : folds) {
       table[fold.character] = (fold.base == 0 ? 0 : table[fold.base]) + fold.accents;
     }
@@ -101,7 +101,7 @@ class Reader {
   Reader(const Weights& table, std::string_view text, std::size_t position)
       : table_(table), text_(text), position_(position) {}
 
-  // Past the end a text goes on with blanks: trailing ones do not count.
+  // Past its end a text reads as blanks, so that trailing blanks do not count.
   std::uint32_t next() {
     while (position_ < text_.size()) {
       const std::uint32_t weight = read();
@@ -124,7 +124,7 @@ class Reader {
     return table_[text::next(text_, position_)];
   }
 
-  // An accent that follows its letter counts like one within it.
+  // A combining accent after its letter counts like the accent of a composed letter.
   std::uint32_t followingAccents(std::uint32_t accents) {
     while (position_ < text_.size() && static_cast<unsigned char>(text_[position_]) >= 0xcc) {
       std::size_t after = position_;
@@ -165,7 +165,7 @@ class SpecialReader {
   std::int64_t before_ = 0;
 };
 
-// For texts that are equal but for their hyphens and apostrophes: the one that has none, or has one later, comes first.
+// For texts that differ in hyphens and apostrophes only: the one without, or with the later one, comes first.
 int compareSpecials(std::string_view a, std::string_view b) {
   SpecialReader left(a);
   SpecialReader right(b);
@@ -215,7 +215,7 @@ int compareFrom(const Weights& table, std::string_view a, std::string_view b, st
 int compareWith(const Weights& table, std::string_view a, std::string_view b) {
   std::size_t from = commonBytes(a, b);
   if (from == a.size() && from == b.size()) return 0;
-  // Most texts that differ do so in a plain character first, or where the shorter one ends; then that decides.
+  // Most texts differ first in an ASCII character, or where the shorter one ends; then that character decides.
   const auto x = static_cast<unsigned char>(from < a.size() ? a[from] : ' ');
   const auto y = static_cast<unsigned char>(from < b.size() ? b[from] : ' ');
   if (x < 0x80 && y < 0x80) {
@@ -223,7 +223,7 @@ int compareWith(const Weights& table, std::string_view a, std::string_view b) {
     const std::uint32_t right = placeOf(table[y]);
     if (left != right && left != 0 && right != 0) return left < right ? -1 : 1;
   }
-  // Back to the beginning of the character, and on to that of the letter whose accent it may be.
+  // Go back to where the character begins, and further to the letter whose accent it may be.
   while (from > 0 && (isContinuation(a, from) || isContinuation(b, from)))
     --from;
   while (from > 0) {

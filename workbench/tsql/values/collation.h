@@ -16,7 +16,7 @@ inline bool equalText(std::string_view a, std::string_view b) {
   return compareText(a, b) == 0;
 }
 
-// The weight of one character: equal for characters that the collation holds equal.
+// The weight of one character: the same for characters that the collation treats as equal.
 std::uint32_t characterWeight(char32_t character);
 
 }  // namespace quillon::tsql

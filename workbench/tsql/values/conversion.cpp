@@ -20,19 +20,19 @@ std::string_view trim(std::string_view text) {
   return text::trimLeft(text::trimRight(text));
 }
 
-// Ints are reported as an "expression" when they overflow, the other types by their name.
+// Overflow errors call an integer source "expression" and name any other source type.
 std::string_view overflowSource(const Type& from) {
   return from.kind == Kind::decimal || from.kind == Kind::money || isText(from) ? errors::systemName(from)
                                                                                 : "expression";
 }
 
 SqlError overflowed(const Type& from, const Type& to) {
-  // Into a decimal every source has its name.
+  // When the target is a decimal, every source is named.
   const std::string_view source = to.kind == Kind::decimal ? errors::systemName(from) : overflowSource(from);
   return errors::overflow(source, errors::systemName(to));
 }
 
-// Units in the target's scale as a value of the target.
+// The value of type `to` that has these units.
 Value exactValue(Int128 units, const Type& to) {
   if (to.kind == Kind::decimal || to.kind == Kind::money) return Exact{units, scaleOf(to)};
   return units.toInt64();
@@ -45,14 +45,14 @@ Exact exactOf(const Value& value) {
 
 Value exactToExact(const Exact& number, const Type& from, const Type& to) {
   if (to.kind == Kind::bit) return std::int64_t{number.units == Int128() ? 0 : 1};
-  // Decimals lose their fraction on the way to an integer; money rounds, and so does all that stays a fraction.
+  // From decimal to an integer the fraction is cut; every other conversion rounds.
   const bool cuts = from.kind == Kind::decimal && (to.kind == Kind::integer || to.kind == Kind::bigInt);
   const auto units = rescale(number.units, number.scale, scaleOf(to), cuts ? Rounding::cut : Rounding::halfAway);
   if (!units || !fits(*units, to)) throw overflowed(from, to);
   return exactValue(*units, to);
 }
 
-// The decimal digits that a double stands for: seventeen, which tell every double from its neighbours.
+// The double as a decimal of seventeen digits: with so many, no two doubles have the same digits.
 Exact exactFromDouble(double number, int scale, bool& tooLarge) {
   std::array<char, 64> buffer{};
   const int length = std::snprintf(buffer.data(), buffer.size(), "%.16e", std::abs(number));
@@ -85,7 +85,7 @@ Value realTo(double number, const Type& from, const Type& to) {
     case Kind::integer:
     case Kind::bigInt: {
       const double whole = std::trunc(number);
-      // 2^63 itself is already too large, and a double hits it exactly.
+      // 2^63 is out of range and is itself a double, so the comparison must exclude it.
       constexpr double limit = 9223372036854775808.0;
       if (!(whole >= -limit && whole < limit) || !fits(static_cast<std::int64_t>(whole), to))
         throw overflowed(from, to);
@@ -185,7 +185,7 @@ double textToReal(std::string_view text, const Type& from, const Type& to) {
   const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), result);
   if (end != number.data() + number.size()) throw errors::errorConverting(from, to);
   if (error == std::errc::result_out_of_range) {
-    // Too small is zero, too large is an error; the exponent's sign tells them apart.
+    // A number too small becomes zero, one too large is an error; a negative exponent means too small.
     const std::size_t exponent = number.find_first_of("eE");
     const bool tiny = exponent != std::string_view::npos && number.find('-', exponent) != std::string_view::npos;
     if (!tiny) throw errors::overflow(errors::systemName(from), errors::systemName(to));
@@ -284,7 +284,7 @@ std::string realToText(double value, int style) {
   return floatToText(value);
 }
 
-// The text of a value that is none. Where the target is too short for a number, no digit is dropped in silence.
+// The text of a value that is not a text itself. A number that the target is too short for is never cut to fewer digits.
 std::string toTextAs(const Value& value, const Type& from, const Type& to, int style) {
   std::string result;
   switch (from.kind) {
@@ -327,7 +327,7 @@ Value castValue(const Value& value, const Type& from, const Type& to, int style)
     const double days =
         static_cast<double>(std::get<DateTime>(value).ticks) / static_cast<double>(DateTime::ticksPerDay);
     if (to.kind == Kind::real) return days;
-    // A date becomes the nearest day, so the afternoon counts as the next.
+    // A date becomes the nearest whole day: from noon on, the next one.
     const bool wholeDays = to.kind == Kind::integer || to.kind == Kind::bigInt;
     return realTo(wholeDays ? std::floor(days + 0.5) : days, from, to);
   }
@@ -343,7 +343,7 @@ Value assignValue(const Value& value, const Type& from, const Type& to, std::str
     const auto& text = std::get<std::string>(value);
     if (!text::widerThan(text, to.width)) return value;
     std::string kept = text::left(text, to.width);
-    // Blanks beyond the width are no loss.
+    // Blanks beyond the width are cut without an error.
     if (text::trimRight(text).size() > kept.size()) throw errors::wouldBeTruncated(table, column, kept);
     return kept;
   }

@@ -8,7 +8,7 @@
 
 namespace quillon::tsql {
 
-// Cast and Convert: a text longer than the target is cut without a word. `style` is Convert's third argument; it counts
+// Cast and Convert: a text longer than the target is cut without an error. `style` is Convert's third argument; it counts
 // for datetime to and from text (0, 20/120, 21/121, 23, 111, 112, 102, 126, 101, 103, 104, 105, 108, 110, 114), money
 // to text (0, 1, 2) and float to text (0, 1, 2). Throws SqlError 220, 235, 241, 242, 245, 248, 8114 or 8115.
 Value castValue(const Value& value, const Type& from, const Type& to, int style = 0);

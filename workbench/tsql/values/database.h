@@ -1,5 +1,5 @@
-// A connection to a database that takes T-SQL, whoever runs it: the embedded engine (engine.h) or a server. Batches in,
-// typed rows out. Not for use from two threads at once.
+// A connection to a database that takes T-SQL: the embedded engine (engine.h) or a server (workbench/odbc). Batches go
+// in, typed rows come out. Not for use from two threads at once.
 #pragma once
 
 #include <cstdint>
@@ -19,13 +19,13 @@ struct Column {
   Type type;
 };
 
-// Takes what a batch gives, in order. All members may throw; that ends the batch.
+// Receives the results of a batch in order. A member that throws ends the batch.
 class ResultSink {
  public:
   virtual ~ResultSink() = default;
   virtual void columns(std::span<const Column> columns) = 0;  // a result set begins
   virtual void row(std::span<const Value> values) = 0;        // valid only during the call
-  virtual void rowsAffected(std::int64_t count) = 0;          // a statement without rows, or the end of a result set
+  virtual void rowsAffected(std::int64_t count) = 0;  // after a statement without rows, and at the end of a result set
 };
 
 // Rows read one by one.
@@ -41,12 +41,12 @@ class Database {
  public:
   virtual ~Database() = default;
 
-  // Runs a batch of statements. The first error stops it (SqlError); what ran before it stays, the failing statement
-  // leaves no trace.
+  // Runs a batch of statements. The first error ends it with SqlError; the statements before it keep their effect, the
+  // failing one has none.
   virtual void run(std::string_view batch, ResultSink& sink) = 0;
-  // The same without results: gives the rows affected by the last statement that counts rows (-1 when none does).
+  // The same without results. Gives the rows affected by the last statement that counts rows, -1 when none does.
   virtual std::int64_t execute(std::string_view batch) = 0;
-  // Runs the batch; gives the rows of its first result set. The cursor must end before the next statement runs.
+  // Runs the batch and gives the rows of its first result set. Destroy the cursor before the next statement runs.
   virtual std::unique_ptr<Cursor> query(std::string_view batch) = 0;
 
   // The declared columns of a table or view ("orvsystem..UA_Period", "[a b]"); empty when there is no such table.

@@ -52,7 +52,7 @@ bool isLetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-// Reads a date and a time from left to right. Each part is read once; what is left over at the end is an error.
+// Reads a date and a time from left to right. Each part may stand once; anything left over at the end is an error.
 class DateTimeReader {
  public:
   DateTimeReader(std::string_view text, DateOrder order) : text_(text), order_(order) {}
@@ -65,7 +65,7 @@ class DateTimeReader {
     }
     if (inRange_) {
       if (const auto value = fromParts(parts_)) {
-        // Milliseconds may round up to the next second, and that beyond the last day.
+        // Rounding the milliseconds up may carry over into a day that is out of range.
         const DateTime rounded{value->ticks + fractionTicks_};
         if (rounded.ticks <= maxTicks) return {rounded, {}};
       }
@@ -463,7 +463,7 @@ std::string dateName(DatePart part, DateTime value) {
 }
 
 DateTime dateAdd(DatePart part, std::int64_t count, DateTime value) {
-  // Far more than the calendar has of anything, and small enough to multiply.
+  // More than any part of the calendar spans, and small enough to multiply without overflow.
   constexpr std::int64_t mostMilliseconds = (maxTicks - minTicks) / 3 * 10;
   if (count > mostMilliseconds || count < -mostMilliseconds) throw errors::dateArithmeticOverflow();
   const auto addMonths = [&](std::int64_t months) {
@@ -477,7 +477,7 @@ DateTime dateAdd(DatePart part, std::int64_t count, DateTime value) {
     return DateTime{dayNumber(year, monthOfYear, day) * DateTime::ticksPerDay + time};
   };
   const auto addTicks = [&](std::int64_t unit) {
-    // 2 * 10^17 ticks lie far beyond the calendar on either side.
+    // Whatever lies beyond this many ticks is out of range in either direction.
     constexpr std::int64_t most = 200'000'000'000'000'000;
     if (count > most / unit || count < -most / unit) throw errors::dateArithmeticOverflow();
     return DateTime{value.ticks + count * unit};

@@ -30,8 +30,8 @@ struct DateTextResult {
   std::optional<DateTime> value;
   DateTextError error = DateTextError::notADate;  // when there is no value
 };
-// How dates are read whose year does not stand first: a day of three numbers is month, day, year unless Convert's style
-// says otherwise.
+// The order in which a date of three numbers is read when the year is not first: month, day, year, unless the style of
+// Convert asks for another.
 enum class DateOrder { monthFirst, dayFirst, yearFirst };
 
 // A date, a time or both as text: year first with -, / or . ("2024-3-5", "2024/03/05 8:05"), "20240305", ISO 8601 with

@@ -18,8 +18,7 @@ constexpr auto powersOfTen = [] {
   return powers;
 }();
 
-// An unsigned number for what lies between two operands of 38 digits and their result: room for 38 digits scaled up
-// by another 76.
+// An unsigned number for intermediate results, with room for 38 digits scaled up by another 76.
 class Wide {
  public:
   explicit Wide(Int128 magnitude) {
@@ -60,17 +59,17 @@ class Wide {
       divideSmall(1'000'000'000U);
     for (; exponent > 0; --exponent)
       divideSmall(10);
-    // The first digit that is cut decides alone: half and more goes away from zero.
+    // The first digit that is cut decides alone: 5 and above rounds away from zero.
     if (divideSmall(10) >= 5 && rounding == Rounding::halfAway) addOne();
   }
 
-  // Cuts. The divisor is positive and below 2^127.
+  // Cuts the fraction. The divisor is positive and below 2^127.
   void divide(Int128 divisor) {
     Int128 rest;
     for (std::size_t i = limbs_.size(); i-- > 0;) {
       std::uint32_t quotient = 0;
       for (unsigned bit = 32; bit-- > 0;) {
-        // rest * 2 might leave the 127 bits; comparing with what is missing to the divisor does not.
+        // rest * 2 could overflow; comparing rest with divisor - rest cannot.
         const Int128 next = (limbs_[i] >> bit) & 1U;
         const Int128 excess = rest - (divisor - rest) + next;
         quotient <<= 1;
@@ -207,7 +206,7 @@ Exact add(const Exact& a, const Exact& b, const Type& result) {
   if (const auto aligned = align(a, b); aligned && !addOverflows(aligned->a, aligned->b)) {
     return checked(rescale(aligned->a + aligned->b, aligned->scale, scaleOf(result), Rounding::halfAway), result);
   }
-  // Beyond 128 bits in the larger scale: what lies below the result's scale is rounded away in each operand first.
+  // The larger scale needs more than 128 bits: each operand is first rounded to the scale of the result.
   const auto left = rescale(a.units, a.scale, scaleOf(result), Rounding::halfAway);
   const auto right = rescale(b.units, b.scale, scaleOf(result), Rounding::halfAway);
   if (!left || !right || addOverflows(*left, *right)) throwOverflow(result);
@@ -247,7 +246,7 @@ Exact divide(const Exact& a, const Exact& b, const Type& result) {
     dividend.multiplyByPowerOfTen(exponent);
     dividend.divide(divisor);
   } else {
-    // Cutting twice is cutting once: floor(floor(x / m) / n) is floor(x / (m n)).
+    // Cutting twice gives the same as cutting once: floor(floor(x / m) / n) is floor(x / (m n)).
     dividend.divide(divisor);
     dividend.divideByPowerOfTen(-exponent, Rounding::cut);
   }
@@ -271,7 +270,7 @@ int compare(const Exact& a, const Exact& b) {
   if (const auto aligned = align(a, b)) {
     return aligned->a < aligned->b ? -1 : aligned->a > aligned->b ? 1 : 0;
   }
-  // The one that cannot be scaled up is the larger in magnitude, by far.
+  // The number that does not fit 128 bits when scaled up is the larger in magnitude.
   const bool aIsLarger = a.scale < b.scale;
   const Int128 larger = aIsLarger ? a.units : b.units;
   return larger.negative() == aIsLarger ? -1 : 1;

@@ -15,7 +15,7 @@ inline constexpr int maxPrecision = 38;
 // 10^exponent, for 0 <= exponent <= 38.
 Int128 powerOfTen(int exponent);
 
-// The scale in which values of an exact type count: 0 for int, bigint and bit, 4 for money, declared for decimal.
+// The scale of an exact type: 0 for int, bigint and bit, 4 for money, as declared for decimal.
 int scaleOf(const Type& type);
 // Whether `units` (in the type's scale) lie in the type's range.
 bool fits(Int128 units, const Type& type);

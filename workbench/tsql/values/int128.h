@@ -1,6 +1,6 @@
 // A signed 128-bit integer for exact numerics: the compiler's own where it has one, two 64-bit halves elsewhere
-// (32-bit Windows). Both classes have the same members; Int128 is the one in use. Arithmetic wraps like two's
-// complement; addOverflows and multiplyOverflows tell beforehand.
+// (32-bit Windows). Both classes have the same members; Int128 is the one in use. Arithmetic wraps around in
+// two's complement; addOverflows and multiplyOverflows say beforehand whether it would.
 #pragma once
 
 #include <bit>
@@ -26,7 +26,7 @@ class Int128Halves {
   constexpr std::uint64_t low() const { return low_; }
   constexpr bool negative() const { return high() < 0; }
   constexpr bool fitsInt64() const { return high_ == (static_cast<std::int64_t>(low_) < 0 ? ~std::uint64_t{0} : 0); }
-  // The value; only when fitsInt64().
+  // Call it only when fitsInt64().
   constexpr std::int64_t toInt64() const { return static_cast<std::int64_t>(low_); }
 
   friend constexpr Int128Halves operator-(Int128Halves a) { return Int128Halves() - a; }
@@ -146,7 +146,7 @@ class Int128Native {
   constexpr std::uint64_t low() const { return static_cast<std::uint64_t>(value_); }
   constexpr bool negative() const { return value_ < 0; }
   constexpr bool fitsInt64() const { return value_ == static_cast<std::int64_t>(value_); }
-  // The value; only when fitsInt64().
+  // Call it only when fitsInt64().
   constexpr std::int64_t toInt64() const { return static_cast<std::int64_t>(value_); }
 
   friend constexpr Int128Native operator-(Int128Native a) { return wrap(-static_cast<Unsigned>(a.value_)); }

@@ -21,7 +21,7 @@ LikePattern::LikePattern(std::string_view pattern, std::string_view escape) {
     if (character == escapeCharacter && position < pattern.size()) {
       elements_.push_back({Token::character, characterWeight(text::next(pattern, position))});
     } else if (character == '%') {
-      // Several in a row are one.
+      // Several % in a row match what one matches.
       if (elements_.empty() || elements_.back().token != Token::any) elements_.push_back({Token::any});
     } else if (character == '_') {
       elements_.push_back({Token::one});
@@ -94,7 +94,7 @@ bool LikePattern::matches(std::string_view text, bool ignoreTrailingBlanks) cons
 bool LikePattern::matchesWhole(std::string_view text) const {
   std::size_t element = 0;
   std::size_t position = 0;
-  // Where to go on when a comparison fails: the last % takes one character more.
+  // Where to resume when a comparison fails: the last % then takes one more character.
   std::size_t afterAny = elements_.size() + 1;
   std::size_t retryFrom = 0;
   while (position < text.size()) {

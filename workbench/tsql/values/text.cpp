@@ -175,7 +175,7 @@ std::int64_t width(std::string_view text) {
 }
 
 bool widerThan(std::string_view text, std::int64_t limit) {
-  // No character takes fewer bytes than UTF-16 units.
+  // A character has at least as many bytes as UTF-16 units.
   if (static_cast<std::int64_t>(text.size()) <= limit) return false;
   return width(text) > limit;
 }
@@ -198,7 +198,7 @@ std::string right(std::string_view text, std::int64_t count) {
 }
 
 std::string substring(std::string_view text, std::int64_t start, std::int64_t count) {
-  // Positions before the first count down the length, as T-SQL has it.
+  // T-SQL counts positions before the first against the length.
   if (start < 1) {
     count = count > 0 && start > -count ? count + start - 1 : 0;
     start = 1;
@@ -241,7 +241,7 @@ std::string reverse(std::string_view text) {
 
 namespace {
 
-// The length in bytes of the part of `text` at its beginning that equals `what`; 0 when there is none.
+// How many bytes at the beginning of `text` equal `what` by the collation; 0 when it does not begin so.
 std::size_t matchAtBeginning(std::string_view text, std::string_view what) {
   std::size_t position = 0;
   for (std::size_t wanted = 0; wanted < what.size();) {

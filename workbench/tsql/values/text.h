@@ -15,8 +15,8 @@
 
 namespace quillon::tsql::text {
 
-// Reads the character at `position` and moves on. A byte that starts no character counts as one of its own and gives
-// a value above 0x10ffff.
+// Decodes the character at `position` and moves past it. A byte that begins no character is read alone, as a value above
+// 0x10ffff; append() writes that byte back.
 char32_t next(std::string_view text, std::size_t& position);
 void append(std::string& text, char32_t character);
 
@@ -51,7 +51,7 @@ std::string substring(std::string_view text, std::int64_t start, std::int64_t co
 std::string upper(std::string_view text);
 std::string lower(std::string_view text);
 std::string reverse(std::string_view text);
-// Both find by the collation: letter case and width do not count.
+// Both search by the collation: letter case and width (full or half) do not matter.
 std::string replace(std::string_view text, std::string_view what, std::string_view by);
 std::int64_t charIndex(std::string_view what, std::string_view text, std::int64_t start);  // from 1; 0 is not found
 

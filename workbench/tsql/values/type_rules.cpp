@@ -13,7 +13,7 @@ namespace {
 constexpr int maxNVarChar = 4000;
 constexpr int maxVarChar = 8000;
 
-// Higher wins: a lower type is converted to it.
+// The type with the higher number wins; the other one is converted to it.
 int precedence(Kind kind) {
   switch (kind) {
     case Kind::dateTime:
@@ -54,13 +54,13 @@ Type joinedText(const Type& left, const Type& right) {
   return result;
 }
 
-// Sums, and the common type of several decimals: the integral digits are kept, decimals give way beyond 38 digits.
+// For sums and for the common type of several decimals: beyond 38 digits decimals are dropped, integral digits kept.
 Type decimalWithin38(int integral, int scale) {
   const int precision = std::min(integral + scale, maxPrecision);
   return decimalType(precision, std::min(scale, std::max(0, precision - integral)));
 }
 
-// Products and quotients keep six decimals where decimals must give way.
+// For products and quotients: beyond 38 digits decimals are dropped down to six.
 Type reducedTo38(int precision, int scale) {
   if (precision <= maxPrecision) return decimalType(precision, scale);
   const int integral = precision - scale;
@@ -76,7 +76,7 @@ Type decimalArithmetic(Arithmetic operation, const Type& left, const Type& right
     case Arithmetic::subtract: {
       const int integral = std::max(leftIntegral, rightIntegral);
       const int precision = integral + scale + 1;
-      // One more digit for the carry, which gives way first.
+      // One more digit for the carry; beyond 38 digits it is the first to be dropped.
       if (precision <= maxPrecision) return decimalType(precision, scale);
       return decimalType(maxPrecision, std::min(scale, maxPrecision - integral));
     }
@@ -92,7 +92,7 @@ Type decimalArithmetic(Arithmetic operation, const Type& left, const Type& right
   return left;
 }
 
-// The side that is converted before the operation, told its partner. Literal NULLs take the partner's type.
+// The type that one side is converted to before the operation. A literal NULL takes the type of the other side.
 Type converted(const Operand& operand, const Operand& other) {
   if (operand.isNullLiteral) return other.isNullLiteral ? intType() : other.type;
   if (other.isNullLiteral) return operand.type;

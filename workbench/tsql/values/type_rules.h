@@ -40,7 +40,7 @@ inline Type varCharType(int width) {
 
 bool isText(const Type& type);   // nvarchar, varchar
 bool isExact(const Type& type);  // int, bigint, bit, decimal, money: stored as scaled units
-// Whether every value of the type lies in 64 bits of units, so that the file holds plain INTEGERs only.
+// Whether the units of every value of the type fit in 64 bits, so that the file stores INTEGERs only.
 bool fitsInt64(const Type& type);
 
 // An operand and, for an integer literal, its count of digits: beside a decimal it counts as decimal(digits, 0),

@@ -1,4 +1,4 @@
-// Types and values of the T-SQL dialect, and how they lie in the SQLite file.
+// Types and values of the T-SQL dialect, and how the SQLite file stores them.
 //
 //   T-SQL type          in SQLite                                  Value
 //   int, bigint, bit    INTEGER                                    integer
@@ -7,7 +7,7 @@
 //   money               INTEGER units of 10^-4                     exact, scale 4
 //   float               REAL                                       real
 //   datetime            INTEGER ticks of 1/300 s since 1900-01-01  dateTime
-//   nvarchar, varchar   TEXT, UTF-8, collation of tsql/collation   text
+//   nvarchar, varchar   TEXT, UTF-8, collation of collation.h       text
 #pragma once
 
 #include <cstdint>
@@ -30,7 +30,7 @@ struct Type {
   int width = 0;      // texts, in characters; maxWidth for nvarchar(max)
 
   static constexpr int maxWidth = 0x7fffffff;
-  // As the conformance cases write it: "decimal(18,6)", "nvarchar(20)", "money".
+  // As error texts and result headings write it: "decimal(18,6)", "nvarchar(20)", "money".
   std::string name() const;
   friend bool operator==(const Type&, const Type&) = default;
 };

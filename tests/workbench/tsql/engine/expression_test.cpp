@@ -53,7 +53,7 @@ TEST_F(Expression, IntNeverGrowsBeyondIts32Bits) {
   EXPECT_EQ(query("select i+j from t"), "int: -1");
 }
 
-TEST_F(Expression, AnAggregateInAConditionIsRefusedAlsoFromASubQueryWithoutTablesOfItsOwn) {
+TEST_F(Expression, RefusesAnAggregateInAConditionAlsoInASubQueryWithoutTables) {
   run("create table t(i int) insert into t values(1)");
   EXPECT_EQ(query("select i from t where max(i) = 1"), "147");
   EXPECT_EQ(query("select i from t where i in (select max(i))"), "147");
@@ -67,8 +67,8 @@ std::string repeated(std::string_view text, int times) {
   return result;
 }
 
-// What the parser lets through, everything behind it walks without running out of stack.
-TEST_F(Expression, WhatIsJustNotTooDeepRuns) {
+// Whatever depth the parser accepts, binding and execution must not exhaust the stack.
+TEST_F(Expression, RunsTheDeepestStatementThatTheParserTakes) {
   run("create table t(i int) insert into t values(1)");
   EXPECT_EQ(value(repeated("(", 240) + "7" + repeated(")", 240)), "int: 7");
   EXPECT_EQ(value(repeated("- ", 240) + "7"), "int: 7");
@@ -83,7 +83,7 @@ TEST_F(Expression, WhatIsJustNotTooDeepRuns) {
   EXPECT_EQ(query("select 1 as i" + repeated(" union select 1", 400)), "int: 1");
 }
 
-TEST_F(Expression, WhatTheStorageHasNoRoomForIsRefusedByName) {
+TEST_F(Expression, NamesTheLimitOfTheStorageThatAStatementExceeds) {
   run("create table t(i int) insert into t values(1)");
   const std::string refused = "40510";
   EXPECT_EQ(query("select 1 from t" + repeated(" cross join t", 70)), "1013");
@@ -95,8 +95,8 @@ TEST_F(Expression, WhatTheStorageHasNoRoomForIsRefusedByName) {
   EXPECT_EQ(query("select 1 as i" + repeated(", 1", 3'000)), refused);
 }
 
-// Where the translation repeats an operand, nesting would double its text with each level.
-TEST_F(Expression, WhatDoublesWithEachLevelEnds) {
+// Some translations repeat an operand, so that each level of nesting doubles the SQLite statement.
+TEST_F(Expression, RefusesNestingThatDoublesTheStatementTooOften) {
   const std::string refused = "40510";
   EXPECT_EQ(value(repeated("nullif(", 10) + "7" + repeated(", 2)", 10)), "int: 7");
   EXPECT_EQ(value(repeated("nullif(", 60) + "7" + repeated(", 2)", 60)), refused);
@@ -117,7 +117,7 @@ TEST_F(Expression, WhatDoublesWithEachLevelEnds) {
   EXPECT_EQ(outcome, refused);
 }
 
-TEST_F(Expression, TheSystemDatabaseIsThereAndCannotBeMadeAgain) {
+TEST_F(Expression, TheSystemDatabaseExistsAndCannotBeCreated) {
   EXPECT_EQ(value("db_id(N'OrvSystem')"), "int: 5");
   EXPECT_EQ(value("db_id('tempdb')"), "int: 2");
   EXPECT_EQ(value("db_id('master')"), "int: null");

@@ -1,5 +1,5 @@
-// What a connection finds when a program was killed while it changed the account file: SQLite's journal beside the file,
-// which says how to undo what was half done.
+// Opening an account file after a program was killed while it changed the file: SQLite's journal beside it says how to
+// undo the change.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 class InterruptedChange : public ::testing::Test {
  protected:
-  // An account with one row, in the midst of a change to a table: what a kill at that moment would leave.
+  // An account with one row and an unfinished change to a table, as a kill at that moment leaves them.
   void SetUp() override {
     removeAll();
     fs::create_directories(folder_);
@@ -59,7 +59,7 @@ TEST_F(InterruptedChange, IsUndoneForAConnectionThatOnlyReads) {
   EXPECT_FALSE(fs::exists(journal()));
 }
 
-TEST_F(InterruptedChange, IsToldWhenItCannotBeUndone) {
+TEST_F(InterruptedChange, IsAnErrorWhenItCannotBeUndone) {
   sqlite3* database = nullptr;
   ASSERT_EQ(sqlite3_open_v2(account().string().c_str(), &database, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
   sqlite3_extended_result_codes(database, 1);

@@ -68,11 +68,11 @@ TEST(Lexer, CommentsNestAndLinesAreCounted) {
   EXPECT_EQ(tokens[2].line, 3);
 }
 
-TEST(Lexer, NamesHoldChineseAndTempMarks) {
+TEST(Lexer, NamesHoldChineseLettersAndHashes) {
   EXPECT_THAT(texts("#PC_1 @v 备注 tempdb..#t"), ElementsAre("#PC_1", "@v", "备注", "tempdb", ".", ".", "#t"));
 }
 
-TEST(Lexer, WhatDoesNotEndIsAnError) {
+TEST(Lexer, AnUnclosedQuoteOrCommentIsAnError) {
   EXPECT_EQ(errorOf("select 'a"), 105);
   EXPECT_EQ(errorOf("select [a"), 105);
   EXPECT_EQ(errorOf("select /* a"), 113);

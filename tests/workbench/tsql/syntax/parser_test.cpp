@@ -39,7 +39,7 @@ std::string repeated(std::string_view text, int times) {
   return result;
 }
 
-// However a statement is made deep, walking it must not use up the stack.
+// Whatever makes a statement deep, walking its tree must not exhaust the stack.
 TEST(Parser, RefusesWhatIsNestedTooDeeply) {
   constexpr int tooDeep = 191;
   constexpr int times = 10'000;
@@ -61,11 +61,11 @@ TEST(Parser, RefusesWhatIsNestedTooDeeply) {
     EXPECT_EQ(refusalOf(repeated(piece, times)).number, tooDeep) << piece;
 }
 
-TEST(Parser, TakesWhatAPersonOrAReportWrites) {
+TEST(Parser, TakesStatementsAsDeepAsPeopleAndReportsWriteThem) {
   EXPECT_EQ(refusalOf("select " + repeated("(", 200) + "1" + repeated(")", 200)).number, 0);
   EXPECT_EQ(refusalOf("select 1 where " + repeated("a = 1 or ", 1000) + "a = 2").number, 0);
   EXPECT_EQ(refusalOf("select 1 where a in (" + repeated("'0101',", 100'000) + "'0102')").number, 0);
-  // The count begins anew with each statement.
+  // The count starts again with each statement.
   EXPECT_EQ(refusalOf("begin " + repeated("select 1 where a = 1 ", 10'000) + "end").number, 0);
 }
 
@@ -87,14 +87,14 @@ TEST(Parser, ABareNameThatBeginsWithADigitIsASyntaxError) {
   EXPECT_EQ(refusal.message, "Incorrect syntax near '77'.");
 }
 
-TEST(Parser, AValueIsNoConditionAndBack) {
+TEST(Parser, TellsValuesFromConditions) {
   EXPECT_EQ(refusalOf("select 1 where 2").number, 4145);
   EXPECT_EQ(refusalOf("select (1 = 1)").number, 102);
   EXPECT_EQ(refusalOf("select 1 where (a + 1)").number, 4145);
   EXPECT_EQ(refusalOf("select 1 where ((a + 1) > 2 and not (b = 1 or c is null))").number, 0);
 }
 
-TEST(Parser, WhatTheDialectLeavesOutIsRefusedByName) {
+TEST(Parser, RefusesByNameWhatTheDialectLeavesOut) {
   const auto contains = [](std::string_view batch, std::string_view name) {
     const Refusal refusal = refusalOf(batch);
     EXPECT_EQ(refusal.number, 40510) << batch;

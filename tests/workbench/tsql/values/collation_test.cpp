@@ -73,7 +73,7 @@ TEST(Collation, HyphenAndApostropheCountLast) {
   EXPECT_NE(compareText("co-op", "coo-p"), 0);
 }
 
-// The order must be total, or an index goes wrong: whatever the bytes.
+// The order must be total for any bytes: an index relies on it.
 TEST(Collation, IsATotalOrderOnAnyBytes) {
   const std::vector<std::string> pieces = {
       "a",    "A",    "é",        "e\xCC\x81", "\xCC\x81",         "-", "'", " ", "0", "_", "甲", "\xED\xA0\x80",

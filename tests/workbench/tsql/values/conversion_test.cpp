@@ -240,7 +240,7 @@ TEST(Null, StaysNull) {
   EXPECT_EQ(cast(Value(), intType(), text20), "null");
 }
 
-TEST(IsNumeric, TakesWhatSomeNumberTypeTakes) {
+TEST(IsNumeric, IsOneForTextsThatConvertToAnyNumberType) {
   for (const char* text : {"1", "-1.5", " 7 ", "1e3", "$5", "1,000", "-", "."}) {
     EXPECT_EQ(isNumericText(text), std::string_view(text) != ".") << text;
   }

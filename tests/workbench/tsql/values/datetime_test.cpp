@@ -59,7 +59,7 @@ TEST(DateTimeText, ReadsOtherOrders) {
   EXPECT_EQ(read("50/01/02", DateOrder::yearFirst), "1950-01-02 00:00:00.000");
 }
 
-TEST(DateTimeText, TellsWrongDatesFromTextsThatAreNone) {
+TEST(DateTimeText, TellsWrongDatesFromTextsThatAreNoDates) {
   for (const char* text : {"2024-13-01", "2024-02-30", "2023-02-29", "1752-12-31", "2024-01-01 25:00", "20241301",
                            "9999-12-31 23:59:59.999"}) {
     EXPECT_EQ(read(text), "out of range") << text;
