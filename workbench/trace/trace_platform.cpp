@@ -8,6 +8,7 @@
 #include "frame/automation_error.h"
 #include "frame/text.h"
 #include "workbench/odbc/connection_string.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::workbench {
 
@@ -413,8 +414,8 @@ class TracePublicComponent final : public PublicComponent {
   }
   AccountingPeriod periodOfDate(std::string_view date, Session&) override {
     return found(description_.datePeriods, date,
-                 AccountingPeriod{.year = std::stoi(std::string(date.substr(0, yearDigits))),
-                                  .month = std::stoi(std::string(date.substr(yearDigits + 1, 2)))});
+                 AccountingPeriod{.year = tsql::text::leadingNumber(date.substr(0, yearDigits)).value(),
+                                  .month = tsql::text::leadingNumber(date.substr(yearDigits + 1, 2)).value()});
   }
   bool periodSettled(AccountingPeriod period, Session&) override {
     return found(description_.settledPeriods, keyOf(period), false);
