@@ -5,10 +5,10 @@
 #include "frame/automation_error.h"
 #include "tests/fuzz/targets.h"
 #include "workbench/catalogue/registrations.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/cli/filter_file.h"
-#include "workbench/cli/json_file.h"
 #include "workbench/platform/filter_input.h"
+#include "workbench/platform/json_file.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::fuzz {
 
@@ -73,7 +73,7 @@ void checkFilter(std::string_view input) {
         require(!describeEntry(*entry, language).empty() || entry->value.empty() || entry->item.range,
                 "a value that was given is shown");
     }
-  } catch (const CommandError& error) {
+  } catch (const UserError& error) {
     require(*error.what() != '\0', "an error says what is wrong");
   } catch (const std::invalid_argument& error) {
     require(*error.what() != '\0', "an error says what is wrong");

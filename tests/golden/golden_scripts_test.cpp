@@ -22,8 +22,8 @@
 #include <system_error>
 #include <vector>
 
-#include "workbench/cli/json_file.h"
 #include "workbench/cli/trace_command.h"
+#include "workbench/platform/json_file.h"
 
 namespace quillon::workbench {
 namespace {

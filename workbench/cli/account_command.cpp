@@ -11,7 +11,7 @@
 #include "workbench/account/key_check.h"
 #include "workbench/cli/account_diff_command.h"
 #include "workbench/cli/account_transfer_command.h"
-#include "workbench/cli/command_error.h"
+#include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/platform/account_source.h"

@@ -6,8 +6,9 @@
 #include <memory>
 
 #include "workbench/account/difference.h"
-#include "workbench/cli/command_error.h"
+#include "workbench/cli/exit_status.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
@@ -66,7 +67,7 @@ bool diffAccounts(const std::string& first, const std::string& second, std::size
     writeTable(out, table);
   }
   const std::string all = groupedCount(static_cast<std::int64_t>(tables.size()));
-  if (tables.empty()) throw CommandError("neither source has a table of an account; name two accounts");
+  if (tables.empty()) throw UserError("neither source has a table of an account; name two accounts");
   if (different == 0) {
     out << "equal: " << all << " tables, " << groupedCount(rows) << " rows\n";
   } else {

@@ -9,8 +9,8 @@
 #include "workbench/account/partial_file.h"
 #include "workbench/account/script.h"
 #include "workbench/account/transfer.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
@@ -37,7 +37,7 @@ void writeScriptTo(const std::string& source, const std::string& target) {
   if (target.empty()) {
     account::writeScript(*connection, std::cout);
     std::cout.flush();
-    if (!std::cout) throw CommandError("the script could not be written to standard output");
+    if (!std::cout) throw UserError("the script could not be written to standard output");
     return;
   }
   account::PartialFile partial(pathFromUtf8(target));
@@ -45,7 +45,7 @@ void writeScriptTo(const std::string& source, const std::string& target) {
   account::TransferCounts counts;
   if (file) counts = account::writeScript(*connection, file);
   file.close();
-  if (!file) throw CommandError("cannot write " + target + "; check the folder, its permissions and its free space");
+  if (!file) throw UserError("cannot write " + target + "; check the folder, its permissions and its free space");
   partial.complete();
   std::cout << "wrote " << described(counts) << " to " << target << '\n';
 }

@@ -7,11 +7,11 @@
 
 #include "workbench/catalogue/registrations.h"
 #include "workbench/cli/account_login.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/filter_file.h"
-#include "workbench/cli/json_file.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/platform/json_file.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 
@@ -51,7 +51,7 @@ void runDialog(const DialogOptions& options, std::ostream& out) {
     }
   }
   out.flush();
-  if (!out) throw CommandError("the dialog could not be written to standard output");
+  if (!out) throw UserError("the dialog could not be written to standard output");
 }
 
 void addDialogCommand(CLI::App& app) {

@@ -3,9 +3,9 @@
 #include <array>
 #include <utility>
 
-#include "workbench/cli/command_error.h"
 #include "workbench/cli/run_monitor.h"
 #include "workbench/platform/filter_input.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 
@@ -27,7 +27,7 @@ DialogStep dialogStep(const std::string& text) {
   const bool change = text.starts_with(changeMark);
   const auto equals = text.find('=');
   if (!change || equals == std::string::npos || equals == changeMark.size()) {
-    throw CommandError("there is no step \"" + text + "\"; the steps are: init, view, click, change:KEY=VALUE");
+    throw UserError("there is no step \"" + text + "\"; the steps are: init, view, click, change:KEY=VALUE");
   }
   return {DialogStep::Kind::change, text, text.substr(changeMark.size())};
 }
@@ -51,7 +51,7 @@ void DialogPlay::take(const DialogStep& step) {
         break;
     }
   } catch (const std::exception& error) {
-    throw CommandError("step " + step.text + ": " + errorText(error));
+    throw UserError("step " + step.text + ": " + errorText(error));
   }
 }
 

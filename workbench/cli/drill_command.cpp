@@ -10,9 +10,9 @@
 
 #include "frame/text.h"
 #include "workbench/catalogue/registrations.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/cli/library_runner.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
@@ -38,7 +38,7 @@ RowValues readRow(const std::vector<std::string>& settings) {
   for (const std::string& setting : settings) {
     const auto equals = setting.find('=');
     if (equals == std::string::npos || equals == 0)
-      throw CommandError("\"" + setting + "\" names no column of a row; write column=value");
+      throw UserError("\"" + setting + "\" names no column of a row; write column=value");
     row.emplace_back(trimBlanks(std::string_view(setting).substr(0, equals)), setting.substr(equals + 1));
   }
   return row;
@@ -61,8 +61,8 @@ void requireColumns(const RowValues& wanted, std::span<const tsql::Column> colum
   for (const auto& entry : wanted) {
     const auto has = [&entry](const tsql::Column& column) { return equalIgnoringCase(column.name, entry.first); };
     if (std::ranges::any_of(columns, has)) continue;
-    throw CommandError("the rows of the report have no column \"" + entry.first +
-                       "\"; quillon report ... --format csv shows their columns");
+    throw UserError("the rows of the report have no column \"" + entry.first +
+                    "\"; quillon report ... --format csv shows their columns");
   }
 }
 
@@ -78,7 +78,7 @@ RowValues findRow(const MadeReport& report, const RowValues& wanted) {
     const auto has = [&row](const auto& entry) { return *valueOf(row, entry.first) == entry.second; };
     if (std::ranges::all_of(wanted, has)) return row;
   }
-  throw CommandError("no row of the report has " + described(wanted));
+  throw UserError("no row of the report has " + described(wanted));
 }
 
 // The row that is acted on, and who is signed in. A report that was run for it is gone again.
@@ -90,7 +90,7 @@ std::pair<RowValues, SignedInAccount> chooseRow(const DrillOptions& options, std
     return {findRow(*report, wanted), report->account()};
   }
   if (valueOf(wanted, "RowNo") != nullptr) {
-    throw CommandError(
+    throw UserError(
         "RowNo counts the rows of a report that is run with a filter: give its filter too (--set, --filter)");
   }
   return {wanted, logIn(request.account, request.language, request.date)};
@@ -194,7 +194,7 @@ void runDrill(const DrillOptions& options, std::ostream& out, std::ostream& note
     writeTable(out, outcome, options.report.language);
   }
   out.flush();
-  if (!out) throw CommandError("the document could not be written to standard output");
+  if (!out) throw UserError("the document could not be written to standard output");
 }
 
 void addDrillCommand(CLI::App& app) {

@@ -5,7 +5,7 @@
 #include <cctype>
 #include <string>
 
-#include "workbench/cli/command_error.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 
@@ -14,7 +14,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 [[noreturn]] void refuse(std::size_t position, const std::string& reason) {
-  throw CommandError("filter file, item " + std::to_string(position + 1) + ": " + reason);
+  throw UserError("filter file, item " + std::to_string(position + 1) + ": " + reason);
 }
 
 // A member as text. Numbers and flags may stand for a text, as people write them.
@@ -64,10 +64,10 @@ void requireKnownMembers(const Json& item, std::size_t position) {
 }  // namespace
 
 void applyFilterFile(FilterObject& filter, const Json& description) {
-  if (!description.is_object()) throw CommandError("the filter file must hold one object with \"items\"");
+  if (!description.is_object()) throw UserError("the filter file must hold one object with \"items\"");
   const auto items = description.find("items");
   if (items == description.end()) return;
-  if (!items->is_array()) throw CommandError("filter file: \"items\" must be a list");
+  if (!items->is_array()) throw UserError("filter file: \"items\" must be a list");
   for (std::size_t position = 0; position < items->size(); ++position) {
     const Json& item = (*items)[position];
     if (!item.is_object()) refuse(position, "must be an object with \"name\" and \"value\"");

@@ -9,7 +9,7 @@
 namespace quillon::workbench {
 
 // Writes the items' values over those of `filter`. An item that the report did not register is added; it stands for the
-// ledger column of its name. Throws CommandError that names the member which cannot be used.
+// ledger column of its name. Throws UserError that names the member which cannot be used.
 void applyFilterFile(FilterObject& filter, const nlohmann::ordered_json& description);
 
 }  // namespace quillon::workbench

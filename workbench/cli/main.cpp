@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "workbench/cli/account_command.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"
 #include "workbench/cli/report_command.h"
@@ -17,6 +16,7 @@
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/trace_command.h"
 #include "workbench/odbc/connection_string.h"
+#include "workbench/platform/user_error.h"
 
 namespace {
 
@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
     quillon::workbench::reportFileSizeLimit();
     const int status = run(quillon::workbench::utf8Arguments(argc, argv));
     if (!std::cout.flush())
-      throw quillon::workbench::CommandError("standard output could not be written; check the disk's free space");
+      throw quillon::workbench::UserError("standard output could not be written; check the disk's free space");
     return status;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "quillon: %s\n", shown(error).c_str());

@@ -9,7 +9,7 @@
 
 #include "workbench/catalogue/registrations.h"
 #include "workbench/catalogue/report_layout.h"
-#include "workbench/cli/command_error.h"
+#include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_comparison.h"
 #include "workbench/cli/report_run.h"
@@ -17,6 +17,7 @@
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/output_file.h"
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/report_output.h"
@@ -120,7 +121,7 @@ void writeTo(const ReportOptions& options, const ReportLayout& layout, const Mad
   if (options.outputFile.empty()) {
     write(options, layout, report, out);
     out.flush();
-    if (!out) throw CommandError("the report could not be written to standard output");
+    if (!out) throw UserError("the report could not be written to standard output");
     return;
   }
   OutputFile output(pathFromUtf8(options.outputFile));

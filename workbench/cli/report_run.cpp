@@ -5,13 +5,13 @@
 
 #include "workbench/account/account.h"
 #include "workbench/catalogue/registrations.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/cli/filter_file.h"
-#include "workbench/cli/json_file.h"
 #include "workbench/cli/library_runner.h"
 #include "workbench/cli/run_monitor.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
+#include "workbench/platform/json_file.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
@@ -36,7 +36,7 @@ void passDialog(const ReportRegistration& report, const SignedInAccount& account
     checkItem(*entry);
   checkComplete(*filter);
   if (!runner->click())
-    throw CommandError("the report's dialog does not accept the filter; change it, or give --no-dialog");
+    throw UserError("the report's dialog does not accept the filter; change it, or give --no-dialog");
   for (const FilterEntry* entry : given) {
     if (entry->available || entry->value == entry->item.defaultValue) continue;
     notes << "quillon: the report's dialog would not let " << entry->item.key << " (" << entry->item.english
@@ -87,7 +87,7 @@ std::string leftBehind(tsql::Database& account, const std::string& source) {
 void tellStop(const RunMonitor& monitor, tsql::Database& account, const std::string& source, std::ostream& notes) {
   const std::string left = leftBehind(account, source);
   if (!monitor.failure()) {
-    throw CommandError("the build stopped before a statement failed: a filter value could not be translated" + left);
+    throw UserError("the build stopped before a statement failed: a filter value could not be translated" + left);
   }
   const StatementFailure& failure = *monitor.failure();
   if (onlyGroupIndexStays(failure)) {
@@ -96,7 +96,7 @@ void tellStop(const RunMonitor& monitor, tsql::Database& account, const std::str
           << errorText(failure.number, failure.line, failure.message) << ")" << left << '\n';
     return;
   }
-  throw CommandError("the build stopped: " + errorText(failure) + left);
+  throw UserError("the build stopped: " + errorText(failure) + left);
 }
 
 std::string totalTime(const RunMonitor& monitor, double seconds) {
@@ -147,7 +147,7 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
     } catch (const AutomationError& error) {
       // Through COM only the description comes back; the monitor knows the rest.
       if (monitor.failure() && monitor.failure()->message == error.description())
-        throw CommandError(errorText(*monitor.failure()));
+        throw UserError(errorText(*monitor.failure()));
       throw;
     }
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;

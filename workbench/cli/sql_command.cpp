@@ -8,10 +8,11 @@
 #include <string>
 
 #include "frame/text.h"
-#include "workbench/cli/command_error.h"
+#include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/run_monitor.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
 
@@ -182,7 +183,7 @@ void addSqlCommand(CLI::App& app) {
     std::ifstream file;
     if (!options->file.empty()) {
       file.open(pathFromUtf8(options->file), std::ios::binary);
-      if (!file) throw CommandError("cannot read " + options->file + "; check the name and its permissions");
+      if (!file) throw UserError("cannot read " + options->file + "; check the name and its permissions");
     }
     std::istream& script = options->file.empty() ? std::cin : file;
     const int failed = runScript(*account, script, options->format, std::cout, std::cerr);

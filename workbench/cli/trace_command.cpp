@@ -19,8 +19,9 @@
 #include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
-#include "workbench/cli/command_error.h"
-#include "workbench/cli/json_file.h"
+#include "workbench/cli/exit_status.h"
+#include "workbench/platform/json_file.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/trace/trace_platform.h"
 
 namespace quillon::workbench {
@@ -35,7 +36,7 @@ Description described(const char* what, const Json& description) {
   try {
     return Description(description);
   } catch (const DescriptionError& error) {
-    throw CommandError(std::string("the ") + what + " description cannot be used: " + error.what());
+    throw UserError(std::string("the ") + what + " description cannot be used: " + error.what());
   }
 }
 
@@ -69,9 +70,9 @@ DialogEvent dialogEvent(const std::string& text) {
     const bool complete = event.kind == "change" || (event.kind == "set" && event.value);
     if (complete && !event.key.empty()) return event;
   }
-  throw CommandError("there is no event \"" + text +
-                     "\"; the events are: init, view, click, year, grade, change:KEY, change:KEY=VALUE, "
-                     "set:KEY=VALUE");
+  throw UserError("there is no event \"" + text +
+                  "\"; the events are: init, view, click, year, grade, change:KEY, change:KEY=VALUE, "
+                  "set:KEY=VALUE");
 }
 
 // A filter-control class at play. What it does to the dialog is printed by the platform; what its members give, here.
@@ -93,7 +94,7 @@ void printView(TraceLog& log, const std::optional<std::string>& view) {
 
 // Only the dialog of the summary reports has lists that are filled on request.
 [[noreturn]] void refuseEvent(const std::string& report, const std::string& event) {
-  throw CommandError("the dialog of " + report + " has no event \"" + event + "\"; trace dialog-sfc for it");
+  throw UserError("the dialog of " + report + " has no event \"" + event + "\"; trace dialog-sfc for it");
 }
 
 // The dialog of both summary reports; the filter's identifier tells for which it is.
@@ -280,7 +281,7 @@ std::vector<std::string> eventsOf(const Json& description, const std::string& fi
   try {
     return events.get<std::vector<std::string>>();
   } catch (const Json::exception&) {
-    throw CommandError(file + ": events must be an array of texts, such as [\"init\", \"change:iYear=2024\"]");
+    throw UserError(file + ": events must be an array of texts, such as [\"init\", \"change:iYear=2024\"]");
   }
 }
 
@@ -291,7 +292,7 @@ int runTrace(const TraceOptions& options) {
   }
   const Json description = readJsonFile(options.caseFile);
   if (!description.is_object() || !description.contains("report") || !description["report"].is_string()) {
-    throw CommandError(options.caseFile + " names no report: give it the keys report, filter and platform");
+    throw UserError(options.caseFile + " names no report: give it the keys report, filter and platform");
   }
   return trace(description["report"], description.value("filter", Json::object()),
                description.value("platform", Json::object()), std::cout, std::cerr,
@@ -304,10 +305,10 @@ int trace(const std::string& report, const Json& filter, const Json& platform, s
           const std::vector<std::string>& events) {
   const auto* const tracer = std::ranges::find(tracers, report, &Tracer::name);
   if (tracer == tracers.end()) {
-    throw CommandError("there is nothing called \"" + report + "\" to trace; there are: " + listed(tracedNames()));
+    throw UserError("there is nothing called \"" + report + "\" to trace; there are: " + listed(tracedNames()));
   }
   if (!tracer->takesEvents && !events.empty()) {
-    throw CommandError("only a dialog has events; leave them out, or trace dialog-sfc, dialog-detail or dialog-wt");
+    throw UserError("only a dialog has events; leave them out, or trace dialog-sfc, dialog-detail or dialog-wt");
   }
   const auto description = described<TraceDescription>("platform's", platform);
   TracePlatform tracePlatform(description, out);

@@ -3,8 +3,8 @@
 #include <fstream>
 #include <system_error>
 
-#include "workbench/cli/command_error.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 
@@ -42,7 +42,7 @@ void OutputFile::complete() {
 }
 
 void OutputFile::fail() const {
-  throw CommandError("cannot write " + utf8FromPath(file_) + "; check the folder, its permissions and its free space");
+  throw UserError("cannot write " + utf8FromPath(file_) + "; check the folder, its permissions and its free space");
 }
 
 }  // namespace quillon::workbench

@@ -11,7 +11,7 @@ namespace quillon::workbench {
 // name, /dev/stdout or a pipe, is written to as it is.
 class OutputFile {
  public:
-  // Throws CommandError when there is an older file that may not be written to.
+  // Throws UserError when there is an older file that may not be written to.
   explicit OutputFile(const std::filesystem::path& file);
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
@@ -20,9 +20,9 @@ class OutputFile {
 
   // Where the output is to be written.
   const std::filesystem::path& path() const { return part_; }
-  // Gives the output its name, and an older file's permissions; it is closed by now. Throws CommandError.
+  // Gives the output its name, and an older file's permissions; it is closed by now. Throws UserError.
   void complete();
-  // Throws the CommandError that says that the file cannot be written.
+  // Throws the UserError that says that the file cannot be written.
   [[noreturn]] void fail() const;
 
  private:

@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/cli/command_error.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/ledger_rows.h"
 #include "workbench/presentation/output_file.h"
 #include "workbench/presentation/text_cells.h"
@@ -89,9 +89,9 @@ class Sheet {
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
     workbook_.reset(workbook_new_opt(utf8FromPath(output_.path()).c_str(), &options));
-    if (!workbook_) throw CommandError("cannot write " + file_ + ": no temporary file can be made for it");
+    if (!workbook_) throw UserError("cannot write " + file_ + ": no temporary file can be made for it");
     sheet_ = workbook_add_worksheet(workbook_.get(), name.c_str());
-    if (sheet_ == nullptr) throw CommandError("cannot write " + file_ + ": no temporary file can be made for it");
+    if (sheet_ == nullptr) throw UserError("cannot write " + file_ + ": no temporary file can be made for it");
     worksheet_set_landscape(sheet_);
     worksheet_fit_to_pages(sheet_, 1, 0);
   }
@@ -179,8 +179,8 @@ class Sheet {
 
   void check(lxw_error error) const {
     if (error == LXW_NO_ERROR) return;
-    throw CommandError("cannot write " + file_ + ": " + lxw_strerror(error) +
-                       "; check the folder and its free space, or write --format csv");
+    throw UserError("cannot write " + file_ + ": " + lxw_strerror(error) +
+                    "; check the folder and its free space, or write --format csv");
   }
 
   lxw_format* format(Style style, const std::string& numberFormat) {
@@ -258,8 +258,8 @@ void requireRoom(const Sheet& sheet, const ReportDocument& document, std::option
   const std::int64_t room = std::int64_t{LXW_ROW_MAX} - std::int64_t{sheet.row()} - besideRows;
   const std::int64_t rows = std::min(limit.value_or(document.rowCount), document.rowCount);
   if (rows <= room) return;
-  throw CommandError("the report has " + std::to_string(rows) + " rows and a sheet has room for " +
-                     std::to_string(room) + "; write --format csv, or fewer rows with --limit or a narrower filter");
+  throw UserError("the report has " + std::to_string(rows) + " rows and a sheet has room for " + std::to_string(room) +
+                  "; write --format csv, or fewer rows with --limit or a narrower filter");
 }
 
 double widthOf(const ReportColumn& column) {

@@ -11,10 +11,10 @@
 #include "workbench/account/transfer.h"
 #include "workbench/cli/account_command.h"
 #include "workbench/cli/account_diff_command.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 namespace {
@@ -133,7 +133,7 @@ TEST_F(AccountTransfer, ComparesAccountsOnly) {
   try {
     diffAccounts(path("x"), path("y"), 10, out);
     FAIL() << "compared";
-  } catch (const CommandError& error) {
+  } catch (const UserError& error) {
     EXPECT_STREQ(error.what(), "neither source has a table of an account; name two accounts");
   }
   EXPECT_THROW(diffAccounts(path("a"), path("none"), 10, out), tsql::SqlError);

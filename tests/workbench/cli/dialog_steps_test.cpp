@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "workbench/cli/command_error.h"
 #include "workbench/cli/dialog_output.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 namespace {
@@ -62,7 +62,7 @@ class DialogPlayTest : public testing::Test {
   std::string refusalOf(const std::string& step) {
     try {
       take(step);
-    } catch (const CommandError& error) {
+    } catch (const UserError& error) {
       return error.what();
     }
     return "nothing was refused";
@@ -103,7 +103,7 @@ TEST(DialogStep, IsRefusedWhenThereIsNoSuchStep) {
     try {
       dialogStep(text);
       ADD_FAILURE() << text;
-    } catch (const CommandError& error) {
+    } catch (const UserError& error) {
       EXPECT_EQ(error.what(),
                 "there is no step \"" + std::string(text) + "\"; the steps are: init, view, click, change:KEY=VALUE");
     }

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "workbench/cli/command_error.h"
-#include "workbench/cli/json_file.h"
+#include "workbench/platform/json_file.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 namespace {
@@ -94,15 +94,15 @@ TEST(TraceDialog, BeginsAnywhereWithItsConnectionOpen) {
 
 TEST(TraceDialog, RefusesWhatIsNoEvent) {
   for (const char* event : {"", "open", "change", "change:", "change:=1", "set:iYear", "view:cModal"}) {
-    EXPECT_THROW(traced(Json::object(), Json::object(), "dialog-sfc", {event}), CommandError) << event;
+    EXPECT_THROW(traced(Json::object(), Json::object(), "dialog-sfc", {event}), UserError) << event;
   }
-  EXPECT_THROW(traced(byCostItem, Json::object(), "sfc-item", {"init"}), CommandError);
+  EXPECT_THROW(traced(byCostItem, Json::object(), "sfc-item", {"init"}), UserError);
 }
 
 TEST(TraceDialog, OfALedgerReportHasNoListsOfItsOwn) {
   for (const char* dialog : {"dialog-detail", "dialog-wt"}) {
     for (const char* event : {"year", "grade"})
-      EXPECT_THROW(traced(Json::object(), Json::object(), dialog, {event}), CommandError) << dialog << " " << event;
+      EXPECT_THROW(traced(Json::object(), Json::object(), dialog, {event}), UserError) << dialog << " " << event;
   }
 }
 
@@ -205,7 +205,7 @@ std::string refusal(const Json& filter, const Json& platform) {
   try {
     trace("sfc-item", filter, platform, out, out);
     return "accepted";
-  } catch (const CommandError& error) {
+  } catch (const UserError& error) {
     EXPECT_EQ(out.str(), "");
     return error.what();
   }
@@ -268,7 +268,7 @@ TEST(Trace, RefusesARowThatItCannotRead) {
   try {
     traced(Json::parse(R"({"Action":"Vouch","row":{"ID":[1]}})"), Json::object(), "execute");
     FAIL() << "no error";
-  } catch (const CommandError& error) {
+  } catch (const UserError& error) {
     EXPECT_STREQ(error.what(),
                  "the row's description cannot be used: row.ID must be a text, a number, true, false or null");
   }
@@ -285,7 +285,7 @@ TEST(Trace, AnErrorOfTheDetailLedgerIsTheLastLine) {
 
 TEST(Trace, RefusesAReportThatItDoesNotKnow) {
   std::stringstream out;
-  EXPECT_THROW(trace("no-report", byCostItem, Json::object(), out, out), CommandError);
+  EXPECT_THROW(trace("no-report", byCostItem, Json::object(), out, out), UserError);
 }
 
 // --- The command line ---
@@ -303,7 +303,7 @@ std::string parsed(std::vector<std::string> arguments) {
     return "status " + std::to_string(end.get_exit_code());
   } catch (const CLI::ParseError&) {
     return "usage";
-  } catch (const CommandError& error) {
+  } catch (const UserError& error) {
     return error.what();
   }
 }

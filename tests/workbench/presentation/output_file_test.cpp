@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/workbench/account/test_folder.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 namespace {
@@ -24,7 +24,7 @@ class OutputFileTest : public ::testing::Test {
       write(output.path(), "newer");
       output.complete();
       FAIL() << "accepted";
-    } catch (const CommandError& error) {
+    } catch (const UserError& error) {
       EXPECT_EQ(std::string(error.what()),
                 "cannot write " + utf8FromPath(file) + "; check the folder, its permissions and its free space");
     }
@@ -72,7 +72,7 @@ TEST_F(OutputFileTest, OverwritesWhatAnInterruptedRunLeft) {
 
 TEST_F(OutputFileTest, RefusesAFolderAndAFileBelowNoFolder) {
   fs::create_directory(folder_ / "sub");
-  EXPECT_THROW(OutputFile(folder_ / "nowhere/r").complete(), CommandError);
+  EXPECT_THROW(OutputFile(folder_ / "nowhere/r").complete(), UserError);
   expectRefused(folder_ / "nowhere/r");
   EXPECT_EQ(OutputFile(folder_ / "sub").path(), folder_ / "sub") << "whoever writes to it finds that it is no file";
 }

@@ -5,8 +5,8 @@
 #include "tests/workbench/platform/temporary_file.h"
 #include "tests/workbench/presentation/small_result.h"
 #include "tests/workbench/presentation/xlsx_sheet.h"
-#include "workbench/cli/command_error.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 namespace {
@@ -27,7 +27,7 @@ class XlsxWorkbookTest : public testing::Test {
                         std::optional<std::int64_t> limit = {}) {
     try {
       writeXlsx(file, document, result_, limit);
-    } catch (const CommandError& error) {
+    } catch (const UserError& error) {
       return error.what();
     }
     return "nothing was refused";

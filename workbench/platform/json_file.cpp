@@ -1,11 +1,11 @@
-#include "workbench/cli/json_file.h"
+#include "workbench/platform/json_file.h"
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 
-#include "workbench/cli/command_error.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 
@@ -16,15 +16,15 @@ nlohmann::ordered_json parseJson(std::string_view text, const std::string& name)
     // The parser counts bytes from 1; a reader counts lines.
     const auto* const end = text.begin() + std::min(error.byte, text.size());
     const auto line = 1 + std::count(text.begin(), end, '\n');
-    throw CommandError(name + " is not valid JSON: see line " + std::to_string(line));
+    throw UserError(name + " is not valid JSON: see line " + std::to_string(line));
   } catch (const nlohmann::ordered_json::out_of_range&) {
-    throw CommandError(name + " holds a number with too many digits; write it as a text, in quotes");
+    throw UserError(name + " holds a number with too many digits; write it as a text, in quotes");
   }
 }
 
 nlohmann::ordered_json readJsonFile(const std::string& path) {
   std::ifstream file(pathFromUtf8(path), std::ios::binary);
-  if (!file) throw CommandError("cannot read " + path + "; check the name and its permissions");
+  if (!file) throw UserError("cannot read " + path + "; check the name and its permissions");
   const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
   return parseJson(text, path);
 }

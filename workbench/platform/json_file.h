@@ -7,10 +7,10 @@
 
 namespace quillon::workbench {
 
-// The document in `path` (UTF-8), its members in file order. Throws CommandError, with the line, when the file cannot
+// The document in `path` (UTF-8), its members in file order. Throws UserError, with the line, when the file cannot
 // be read or is not valid JSON.
 nlohmann::ordered_json readJsonFile(const std::string& path);
-// The document that `text` is; errors call it `name`. Throws CommandError, with the line, when it is not valid JSON,
+// The document that `text` is; errors call it `name`. Throws UserError, with the line, when it is not valid JSON,
 // and for a number that no double holds.
 nlohmann::ordered_json parseJson(std::string_view text, const std::string& name);
 

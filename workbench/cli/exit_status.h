@@ -1,0 +1,15 @@
+// The exit status of the program `quillon`: 0 for success, 1 for an error that was told, 2 for wrong usage.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace quillon::workbench {
+
+// Ends the program with `exitStatus` when everything to be said has been said. An error that has still to be said is a
+// UserError (workbench/platform/user_error.h); wrong usage is CLI::ValidationError, and whatever else CLI11 throws while
+// it parses.
+[[noreturn]] inline void endWith(int exitStatus) {
+  throw CLI::RuntimeError(exitStatus);
+}
+
+}  // namespace quillon::workbench
