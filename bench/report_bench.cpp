@@ -32,8 +32,8 @@
 #include <vector>
 
 #include "workbench/account/account.h"
+#include "workbench/catalogue/library_runner.h"
 #include "workbench/catalogue/registrations.h"
-#include "workbench/cli/library_runner.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/tsql/engine/engine.h"
 

@@ -9,8 +9,8 @@
 
 #include "tests/faults/tiny_account.h"
 #include "workbench/account/account.h"
+#include "workbench/catalogue/library_runner.h"
 #include "workbench/catalogue/registrations.h"
-#include "workbench/cli/library_runner.h"
 #include "workbench/platform/account_source.h"
 
 namespace quillon::bad_values {

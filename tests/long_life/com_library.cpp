@@ -6,7 +6,7 @@
 #include <string>
 
 #include "automation/late_bound.h"
-#include "workbench/cli/library_runner.h"
+#include "workbench/catalogue/library_runner.h"
 #include "workbench/com/exposed_platform.h"
 
 namespace quillon {

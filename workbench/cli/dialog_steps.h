@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "workbench/cli/library_runner.h"
+#include "workbench/catalogue/library_runner.h"
 
 namespace quillon::workbench {
 

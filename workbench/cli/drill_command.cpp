@@ -9,8 +9,8 @@
 #include <optional>
 
 #include "frame/text.h"
+#include "workbench/catalogue/library_runner.h"
 #include "workbench/catalogue/registrations.h"
-#include "workbench/cli/library_runner.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"

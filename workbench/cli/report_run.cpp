@@ -4,9 +4,9 @@
 #include <chrono>
 
 #include "workbench/account/account.h"
+#include "workbench/catalogue/library_runner.h"
 #include "workbench/catalogue/registrations.h"
 #include "workbench/cli/filter_file.h"
-#include "workbench/cli/library_runner.h"
 #include "workbench/cli/run_monitor.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"

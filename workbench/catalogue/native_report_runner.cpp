@@ -6,7 +6,7 @@
 #include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
-#include "workbench/cli/library_runner.h"
+#include "workbench/catalogue/library_runner.h"
 
 namespace quillon::workbench {
 

@@ -4,7 +4,7 @@
 #include "automation/errors.h"
 #include "automation/text.h"
 #include "automation/win32.h"
-#include "workbench/cli/library_runner.h"
+#include "workbench/catalogue/library_runner.h"
 #include "workbench/com/exposed_platform.h"
 
 namespace quillon::workbench {

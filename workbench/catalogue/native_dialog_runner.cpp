@@ -5,7 +5,7 @@
 #include "filters/sfc_filter_control.h"
 #include "filters/wt_filter_control.h"
 #include "frame/module.h"
-#include "workbench/cli/library_runner.h"
+#include "workbench/catalogue/library_runner.h"
 
 namespace quillon::workbench {
 
