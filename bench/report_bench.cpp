@@ -32,8 +32,8 @@
 #include <vector>
 
 #include "workbench/account/account.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
-#include "workbench/catalogue/registrations.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/tsql/engine/engine.h"
 
@@ -190,7 +190,7 @@ class Bench {
                                  return std::make_shared<SessionTime>(std::make_shared<AccountSession>(nullptr),
                                                                       sessionSeconds);
                                }});
-    const auto filter = std::make_shared<FilterObject>(registeredReport(subject_.report));
+    const auto filter = std::make_shared<FilterObject>(reportNamed(subject_.report).registration);
     for (const auto& [key, setting] : subject_.settings) {
       const std::string value = withValues(setting);
       const std::size_t dots = value.find("..");
@@ -207,7 +207,7 @@ class Bench {
     const auto runner = makeReportRunner(platform);
 
     const auto start = Clock::now();
-    runner->run(registeredReport(subject_.report), argument);
+    runner->run(reportNamed(subject_.report), argument);
     const double seconds = secondsSince(start);
     madeTable_ = argument->dataSourceState().resultTable;
     return {.seconds = seconds, .ownShare = (seconds - sessionSeconds) / seconds};

@@ -13,31 +13,31 @@ namespace quillon::bad_values {
 namespace {
 
 using workbench::FilterObject;
-using workbench::ReportRegistration;
+using workbench::Report;
 
 struct Lookup {
-  const ReportRegistration* report;
+  const Report* report;
   const char* changed;
   const char* restricted;
   const char* before;
   const char* after;
 };
 const std::array lookups{
-    Lookup{&workbench::sfcItemRegistration(), "cInvClass", "cInvCode", "#FN[cInvCCode] Like '", "%'"},
-    Lookup{&workbench::outsumItemRegistration(), "cInvCCode", "cInvCode", "#FN[cInvCCode] Like '", "%'"},
-    Lookup{&workbench::fxDetailRegistration(), "cInvCCode", "cInvCode", "#FN[cInvCCode] like N'", "%'"},
-    Lookup{&workbench::fxWtRegistration(), "Inventory.cInvCCode", "Inventory.cInvCode", " #FN[cInvCCode]='", "'"},
-    Lookup{&workbench::fxWtRegistration(), "Customer.cCCCode", "Customer.cCusCode", " #FN[cCCCode]='", "'"},
-    Lookup{&workbench::fxWtRegistration(), "Vendor.cVCCode", "Vendor.cVenCode", " #FN[cVCCode]='", "'"},
+    Lookup{&workbench::reportNamed("sfc-item"), "cInvClass", "cInvCode", "#FN[cInvCCode] Like '", "%'"},
+    Lookup{&workbench::reportNamed("outsum-item"), "cInvCCode", "cInvCode", "#FN[cInvCCode] Like '", "%'"},
+    Lookup{&workbench::reportNamed("fx-detail"), "cInvCCode", "cInvCode", "#FN[cInvCCode] like N'", "%'"},
+    Lookup{&workbench::reportNamed("fx-wt"), "Inventory.cInvCCode", "Inventory.cInvCode", " #FN[cInvCCode]='", "'"},
+    Lookup{&workbench::reportNamed("fx-wt"), "Customer.cCCCode", "Customer.cCusCode", " #FN[cCCCode]='", "'"},
+    Lookup{&workbench::reportNamed("fx-wt"), "Vendor.cVCCode", "Vendor.cVenCode", " #FN[cVCCode]='", "'"},
 };
 
 // A dialog that has been opened, on an account of the tests' own.
 class OpenDialog {
  public:
-  explicit OpenDialog(const ReportRegistration& report)
+  explicit OpenDialog(const Report& report)
       : platform({.accountConnection = account().connectionString(),
                   .messages = [this](std::string_view text, int) { messages.emplace_back(text); }}),
-        filter(std::make_shared<FilterObject>(report, workbench::InitialValues::none)),
+        filter(std::make_shared<FilterObject>(report.registration, workbench::InitialValues::none)),
         runner(workbench::makeDialogRunner(
             platform, report,
             std::make_shared<workbench::FilterDialogObject>(filter, account().login(), account().openSession()))) {
@@ -56,7 +56,7 @@ class DialogValues : public testing::TestWithParam<BadValue> {};
 
 TEST_P(DialogValues, ArePastedIntoLookupsAsTheyStand) {
   for (const Lookup& lookup : lookups) {
-    SCOPED_TRACE(lookup.report->name + " " + lookup.changed);
+    SCOPED_TRACE(lookup.report->registration.name + " " + lookup.changed);
     OpenDialog dialog(*lookup.report);
     dialog.filter->find(lookup.changed)->value = GetParam().text;
     dialog.runner->changed(lookup.changed);
@@ -67,10 +67,9 @@ TEST_P(DialogValues, ArePastedIntoLookupsAsTheyStand) {
 }
 
 TEST_P(DialogValues, DoNoHarmInAnyItem) {
-  for (const ReportRegistration* report : {&workbench::sfcItemRegistration(), &workbench::outsumItemRegistration(),
-                                           &workbench::fxDetailRegistration(), &workbench::fxWtRegistration()}) {
-    SCOPED_TRACE(report->name);
-    OpenDialog dialog(*report);
+  for (const Report& report : workbench::reports()) {
+    SCOPED_TRACE(report.registration.name);
+    OpenDialog dialog(report);
     for (const auto& entry : dialog.filter->entries()) {
       SCOPED_TRACE(entry->item.key);
       const std::string before = entry->value;
@@ -88,7 +87,7 @@ TEST_P(DialogValues, DoNoHarmInAnyItem) {
 
 // On confirmation the ledger's dialog asks the account what its inventory is checked for.
 TEST_P(DialogValues, AreLookedUpAsTheyStand) {
-  OpenDialog dialog(workbench::fxDetailRegistration());
+  OpenDialog dialog(workbench::reportNamed("fx-detail"));
   dialog.filter->find("cInvCode")->value = GetParam().text;
   std::string denoted;
   if (denotes(GetParam().text, denoted)) {

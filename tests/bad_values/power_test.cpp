@@ -80,7 +80,7 @@ TEST(PowerOfAValue, TheConnectionTakesNoOtherFile) {
 }
 
 TEST(PowerOfAValue, PastedStatementsLeaveTheAccountFileNeither) {
-  const workbench::ReportRegistration& report = workbench::fxWtRegistration();
+  const workbench::Report& report = workbench::reportNamed("fx-wt");
   const std::string usual = desk().run(report, {}).rows;
   const std::filesystem::path& file = outsideFile();
   const std::string out = "'" + workbench::utf8FromPath(file) + "'";
@@ -99,7 +99,7 @@ TEST(PowerOfAValue, PastedStatementsLeaveTheAccountFileNeither) {
 TEST(PowerOfAValue, WithinTheAccountIsThatOfTheConnection) {
   Desk own;
   own.open()->execute("Create Table Precious(a int) Insert Into Precious Values(1)");
-  own.run(workbench::fxWtRegistration(), {{"cVouCode", "x' Drop Table Precious --"}});
+  own.run(workbench::reportNamed("fx-wt"), {{"cVouCode", "x' Drop Table Precious --"}});
   EXPECT_TRUE(own.open()->describe("Precious").empty());
 }
 

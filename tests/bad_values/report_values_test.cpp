@@ -14,10 +14,7 @@ namespace quillon::bad_values {
 namespace {
 
 using testing::HasSubstr;
-using workbench::ReportRegistration;
-
-const std::array reports{&workbench::sfcItemRegistration(), &workbench::outsumItemRegistration(),
-                         &workbench::fxDetailRegistration(), &workbench::fxWtRegistration()};
+using workbench::Report;
 
 Desk& desk() {
   static Desk shared;
@@ -38,7 +35,7 @@ void expectOneClearError(const ReportRun& run) {
   EXPECT_NE(run.failures[0].number, refusedByStorage) << run.failures[0].message;
 }
 
-void expectNothingLeftAndTheNextRunRight(const ReportRegistration& report, const std::string& expected) {
+void expectNothingLeftAndTheNextRunRight(const Report& report, const std::string& expected) {
   EXPECT_THAT(desk().account().newTables(), testing::IsEmpty());
   const ReportRun next = desk().run(report, {});
   EXPECT_THAT(next.failures, testing::IsEmpty());
@@ -54,16 +51,16 @@ constexpr std::array neverPasted = {"cModal",  "cJudgeQuantity", "cJudgeMoney", 
 
 enum class Pasted { asItStands, doubled, never };
 
-Pasted howPasted(const ReportRegistration& report, const std::string& key) {
+Pasted howPasted(const Report& report, const std::string& key) {
   if (std::ranges::find(neverPasted, key) != neverPasted.end()) return Pasted::never;
   const bool batch = equalIgnoringCase(key, "cBatchIA");
-  if (report.name == "fx-detail") {
+  if (report.registration.name == "fx-detail") {
     // A ledger of one inventory: its class only helps the dialog, the breakdown is the view's, and year and dates are
     // looked up. The account is valued without regard to the place, and the inventory checked for these items only.
     if (key == "cInvCode") return Pasted::asItStands;
     return batch || key == "cFree1" || key == "cFree2" ? Pasted::doubled : Pasted::never;
   }
-  if (report.name == "fx-wt" && (batch || key == "PzNoId")) return Pasted::doubled;
+  if (report.registration.name == "fx-wt" && (batch || key == "PzNoId")) return Pasted::doubled;
   return batch ? Pasted::doubled : Pasted::asItStands;
 }
 
@@ -93,14 +90,14 @@ bool anyHas(const std::vector<std::string>& sent, const std::string& text) {
   return std::ranges::any_of(sent, [&](const std::string& sql) { return sql.find(text) != std::string::npos; });
 }
 
-class ReportItems : public testing::TestWithParam<const ReportRegistration*> {};
+class ReportItems : public testing::TestWithParam<const Report*> {};
 
 // The items to try: all of them natively. Under Wine, where a run takes many times as long and only the way of a value
 // differs, one of each kind.
-std::vector<workbench::ItemRegistration> itemsOf(const ReportRegistration& report) {
+std::vector<workbench::ItemRegistration> itemsOf(const Report& report) {
 #ifdef _WIN32
   std::vector<workbench::ItemRegistration> items;
-  for (const workbench::ItemRegistration& item : report.items) {
+  for (const workbench::ItemRegistration& item : report.registration.items) {
     const bool isOther = std::ranges::none_of(items, [&](const workbench::ItemRegistration& known) {
       return known.kind == item.kind && known.range == item.range && known.multiple == item.multiple &&
              howPasted(report, known.key) == howPasted(report, item.key);
@@ -109,13 +106,13 @@ std::vector<workbench::ItemRegistration> itemsOf(const ReportRegistration& repor
   }
   return items;
 #else
-  return report.items;
+  return report.registration.items;
 #endif
 }
 
 // All that is bad in one value, on every item of the report, lower and upper bounds included.
 TEST_P(ReportItems, TakeEveryValueAsItStands) {
-  const ReportRegistration& report = *GetParam();
+  const Report& report = *GetParam();
   const std::string usual = desk().run(report, {}).rows;
   ASSERT_THAT(usual, HasSubstr("|\n"));
   const std::string bad = "a'b\"\x01\n\0[%_]\xed\xa0\xbd\u202eא--/*"s;
@@ -148,8 +145,15 @@ TEST_P(ReportItems, TakeEveryValueAsItStands) {
   expectNothingLeftAndTheNextRunRight(report, usual);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, ReportItems, testing::ValuesIn(reports), [](const auto& report) {
-  std::string name = report.param->name;
+std::vector<const Report*> everyReport() {
+  std::vector<const Report*> all;
+  for (const Report& report : workbench::reports())
+    all.push_back(&report);
+  return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ReportItems, testing::ValuesIn(everyReport()), [](const auto& report) {
+  std::string name = report.param->registration.name;
   std::erase(name, '-');
   return name;
 });
@@ -166,16 +170,16 @@ void writeEverywhere(const std::string& text) {
 class ReportValues : public testing::TestWithParam<BadValue> {};
 
 struct Question {
-  const ReportRegistration* report;
+  const Report* report;
   const char* key;
   bool byFilterObject;
 };
 const std::array questions{
-    Question{&workbench::fxWtRegistration(), "cFree2", false},
-    Question{&workbench::fxWtRegistration(), "cBatchia", true},
+    Question{&workbench::reportNamed("fx-wt"), "cFree2", false},
+    Question{&workbench::reportNamed("fx-wt"), "cBatchia", true},
 #ifndef _WIN32
-    Question{&workbench::outsumItemRegistration(), "cDefine1", false},
-    Question{&workbench::outsumItemRegistration(), "cBatchIA", true},
+    Question{&workbench::reportNamed("outsum-item"), "cDefine1", false},
+    Question{&workbench::reportNamed("outsum-item"), "cBatchIA", true},
 #endif
 };
 
@@ -183,7 +187,7 @@ TEST_P(ReportValues, FindTheRowsThatHaveThem) {
   constexpr std::size_t widest = 20;  // of cFree2
   const std::string& value = GetParam().text;
   for (const Question& question : questions) {
-    SCOPED_TRACE(question.report->name + " " + question.key);
+    SCOPED_TRACE(question.report->registration.name + " " + question.key);
     std::string denoted = value;
     const bool valid = question.byFilterObject || denotes(value, denoted);
     const bool fits = denoted.size() <= widest;
@@ -213,7 +217,7 @@ TEST(ReportPatterns, KeepTheirWildcards) {
     const char* code;
     bool found;
   };
-  const ReportRegistration& report = workbench::fxWtRegistration();
+  const Report& report = workbench::reportNamed("fx-wt");
   const auto account = desk().open();
   account->execute("Select cInvCode, cInvCCode Into ClassesBefore From Inventory");
   for (const auto& [value, code, found] :

@@ -9,8 +9,8 @@
 
 #include "tests/faults/tiny_account.h"
 #include "workbench/account/account.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
-#include "workbench/catalogue/registrations.h"
 #include "workbench/platform/account_source.h"
 
 namespace quillon::bad_values {
@@ -58,11 +58,11 @@ class Desk {
 
   // The report's filter as it begins, with what the report cannot do without, and `settings` in it as they stand: the
   // host platform's dialog checks nothing either.
-  static std::shared_ptr<workbench::FilterObject> filterOf(const workbench::ReportRegistration& report,
+  static std::shared_ptr<workbench::FilterObject> filterOf(const workbench::Report& report,
                                                            const std::vector<Setting>& settings) {
-    auto filter = std::make_shared<workbench::FilterObject>(report);
+    auto filter = std::make_shared<workbench::FilterObject>(report.registration);
     if (workbench::FilterEntry* year = filter->find("iYear")) year->value = "2024";
-    if (report.name == "fx-detail") filter->find("cInvCode")->value = faults::TinyAccount::inventory;
+    if (report.registration.name == "fx-detail") filter->find("cInvCode")->value = faults::TinyAccount::inventory;
     for (const Setting& setting : settings) {
       workbench::FilterEntry& entry = *filter->entry(setting.key);
       entry.value = setting.value;
@@ -72,7 +72,7 @@ class Desk {
   }
 
   // One run. What it leaves in the account is cleared away; work tables under another name than the library's stay.
-  ReportRun run(const workbench::ReportRegistration& report, const std::vector<Setting>& settings) {
+  ReportRun run(const workbench::Report& report, const std::vector<Setting>& settings) {
     ReportRun result;
     Statements statements;
     workbench::EmbeddedPlatform platform({.accountConnection = account_.connectionString(), .monitor = &statements});

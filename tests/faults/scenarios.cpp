@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 
 namespace quillon::faults {
 
@@ -102,24 +102,25 @@ Changes changesOf(const std::vector<std::string>& statements) {
 }
 
 ReportRegistration balanceDialog() {
-  return dialogOf(workbench::sfcItemRegistration(),
+  return dialogOf(workbench::reportNamed("sfc-item").registration,
                   {"iYear", "cModal", "cFSType", "bIncludeExpire", "bIncludeTransVouch", "iGrade", "cInvClass",
                    "cInvCode", "cWhCode", "cDepCode"});
 }
 
 ReportRegistration outboundDialog() {
-  return dialogOf(workbench::outsumItemRegistration(), {"iYear", "cModal", "cSource", "iGrade", "cVouType", "cBusType",
-                                                        "cInvCCode", "cInvCode", "cWhCode", "cDepCode"});
+  return dialogOf(
+      workbench::reportNamed("outsum-item").registration,
+      {"iYear", "cModal", "cSource", "iGrade", "cVouType", "cBusType", "cInvCCode", "cInvCode", "cWhCode", "cDepCode"});
 }
 
 ReportRegistration voucherDialog() {
-  return dialogOf(workbench::fxWtRegistration(),
+  return dialogOf(workbench::reportNamed("fx-wt").registration,
                   {"cVouType", "cBusType", "Inventory.cInvCCode", "Inventory.cInvCode", "Customer.cCCCode",
                    "Customer.cCusCode", "Vendor.cVCCode", "Vendor.cVenCode", "cWhCode", "cDepCode"});
 }
 
 ReportRegistration ledgerDialog() {
-  return dialogOf(workbench::fxDetailRegistration(),
+  return dialogOf(workbench::reportNamed("fx-detail").registration,
                   {"iYear", "cCaType", "cInvCCode", "cInvCode", "cWhCode", "cDepCode", "cBatchIA", "cFree1"});
 }
 

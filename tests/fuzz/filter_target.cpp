@@ -4,7 +4,7 @@
 
 #include "frame/automation_error.h"
 #include "tests/fuzz/targets.h"
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/json_file.h"
@@ -62,7 +62,7 @@ void requireTextsClosed(FilterObject& filter) {
 void checkFilter(std::string_view input) {
   const Written written = read(input);
   try {
-    FilterObject filter(registeredReport(written.report));
+    FilterObject filter(reportNamed(written.report).registration);
     applyFilterFile(filter, parseJson(written.json, "filter.json"));
     setFilterItems(filter, written.settings);
     requireTextsClosed(filter);

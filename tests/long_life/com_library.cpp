@@ -55,16 +55,15 @@ class LibraryReportRunner final : public ReportRunner {
   explicit LibraryReportRunner(EmbeddedPlatform& platform)
       : standIn_(platform, std::shared_ptr<SessionMonitor>(std::shared_ptr<void>(), platform.options().monitor)) {}
 
-  void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+  void run(const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
     call(L"GETSQL", report, argument);
   }
-  void execute(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+  void execute(const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
     call(L"Execute", report, argument);
   }
 
  private:
-  static void call(const wchar_t* member, const ReportRegistration& report,
-                   const std::shared_ptr<WorkbenchArgument>& argument) {
+  static void call(const wchar_t* member, const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) {
     const com::ComPtr<IDispatch> e = argumentObject(argument);
     IDispatch* reference = e.get();
     createInstance(report.reportClass).call(member, {com::Variant::reference(reference)});
@@ -75,10 +74,9 @@ class LibraryReportRunner final : public ReportRunner {
 
 class LibraryDialogRunner final : public DialogRunner {
  public:
-  LibraryDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
-                      std::shared_ptr<FilterDialogObject> dialog)
+  LibraryDialogRunner(EmbeddedPlatform& platform, const Report& report, std::shared_ptr<FilterDialogObject> dialog)
       : standIn_(platform, nullptr),
-        control_(createInstance(report.filterControl)),
+        control_(createInstance(report.dialog->name)),
         filter_(dialogDispatch(std::move(dialog))) {}
 
   void init() override { control_.call(L"CallBack_FilterInit", {com::Variant(filter_)}); }
@@ -106,7 +104,7 @@ std::unique_ptr<ReportRunner> makeReportRunner(EmbeddedPlatform& platform) {
   return std::make_unique<LibraryReportRunner>(platform);
 }
 
-std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
+std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const Report& report,
                                                std::shared_ptr<FilterDialogObject> dialog) {
   return std::make_unique<LibraryDialogRunner>(platform, report, std::move(dialog));
 }

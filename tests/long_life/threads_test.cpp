@@ -2,14 +2,17 @@
 // Win32 program each thread is an apartment of its own, and the library's objects are those of Quillon.dll.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
 #include <deque>
 #include <iostream>
 #include <set>
+#include <span>
+#include <stdexcept>
+#include <string>
 #include <thread>
 
 #include "tests/long_life/small_account.h"
+#include "workbench/catalogue/catalogue.h"
 #ifdef _WIN32
 #include "tests/automation/com_scope.h"
 #include "tests/long_life/com_library.h"
@@ -32,6 +35,7 @@ class Worker {
   Worker(std::uint64_t seed, std::string_view report) : account_(seed), uses_(account_.uses()) {
     const Apartment apartment;
     std::erase_if(uses_, [report](const Use& use) { return use.report != report; });
+    if (uses_.empty()) throw std::logic_error("SmallAccount::uses() has no use of " + std::string(report));
     for (const Use& use : uses_)
       known_.push_back(account_.resultOf(use));
   }
@@ -73,9 +77,9 @@ TEST(Threads, EachSeesItsOwnAccountOnly) {
   std::deque<Worker> workers;
   std::set<std::string> firstResults;
   for (int i = 0; i < count; ++i) {
-    constexpr std::array reports = {"sfc-item", "outsum-item", "fx-detail", "fx-wt"};
+    const std::span<const workbench::Report> reports = workbench::reports();
     const auto number = static_cast<std::size_t>(i);
-    const Worker& worker = workers.emplace_back(number + 1, reports[number % reports.size()]);
+    const Worker& worker = workers.emplace_back(number + 1, reports[number % reports.size()].registration.name);
     firstResults.insert(worker.known().front());
     for (const std::string& known : worker.known())
       EXPECT_NE(known, "");

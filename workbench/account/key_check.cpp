@@ -1,7 +1,7 @@
 #include "workbench/account/key_check.h"
 
-#include <memory>
-#include <string_view>
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "workbench/account/account.h"
@@ -9,65 +9,38 @@
 namespace quillon::account {
 namespace {
 
-constexpr std::string_view summaryReports = "sfc-item, outsum-item";
-constexpr std::string_view outboundSummary = "outsum-item";
-constexpr std::string_view receiptIssueBalance = "sfc-item";
-constexpr std::string_view voucherReport = "fx-wt";
-constexpr std::string_view lineReports = "outsum-item, fx-wt";  // those that show ledger lines one by one
-constexpr std::string_view summaryAndVoucherReports = "sfc-item, outsum-item, fx-wt";
-
-struct JoinKey {
-  std::string_view table;
-  std::string_view columns;  // comma-separated
-  std::string_view reports;
+// A key with the names of the reports that join by it.
+struct SharedKey {
+  JoinKey key;
+  std::string reports;
 };
 
-// In the order in which the reports join the tables.
-constexpr JoinKey joinKeys[] = {
-    {"ia_subsidiary", "AutoID", summaryAndVoucherReports},
-    {"IA_Subsidiary_QC", "AutoID", receiptIssueBalance},
-    {"Warehouse", "cWhCode", summaryAndVoucherReports},
-    {"Inventory", "cInvCode", summaryAndVoucherReports},
-    {"Rd_Style", "cRdCode", lineReports},
-    {"sfc_workcenter", "Description", outboundSummary},
-    {"CA_CostCenterMap", "cDepCode, bIsWCID", outboundSummary},
-    {"CA_CostCenter", "cCostCenter", outboundSummary},
-    {"CAQ_CostCenterMap", "cBusID", voucherReport},
-    {"CAQ_CostCenter", "cDeptID", voucherReport},
-    {"ComputationUnit", "cComUnitCode", summaryAndVoucherReports},
-    {"Customer", "cCusCode", lineReports},
-    {"CustomerClass", "cCCCode", lineReports},
-    {"Vendor", "cVenCode", lineReports},
-    {"VendorClass", "cVCCode", voucherReport},
-    {"Department", "cDepCode", summaryAndVoucherReports},
-    {"Code", "iYear, cCode", outboundSummary},
-    {"Person", "cPersonCode", outboundSummary},
-    {"orvsystem..ua_user", "cUser_Id", outboundSummary},
-    {"fItem", "cItem_Class", outboundSummary},
-    {"Ca_FxDef", "iFxID", summaryAndVoucherReports},
-    {"Ca_FxClassDef", "iFxCId", summaryAndVoucherReports},
-    {"Ca_FxMapExpDID", "iFxDID", summaryAndVoucherReports},
-    {"Ca_FxMapExpDetails", "iFxDID", summaryAndVoucherReports},
-    {"Ca_CostExpDetail_Period", "cAmoID, cAmoType, iPeriod", summaryAndVoucherReports},
-    {"Ca_AmoTypeName", "cAmoType, localid", summaryAndVoucherReports},
-};
+// The keys of all reports, each once, in an order that is every report's: a key that only a later report has stands
+// before the next one that it shares with an earlier.
+std::vector<SharedKey> sharedKeys(std::span<const ReportKeys> reports) {
+  std::vector<SharedKey> shared;
+  for (const ReportKeys& report : reports) {
+    std::vector<SharedKey> own;
+    const auto place = [&](std::size_t position) {
+      shared.insert(shared.begin() + static_cast<std::ptrdiff_t>(position), own.begin(), own.end());
+      own.clear();
+    };
+    for (const JoinKey& key : report.keys) {
+      const auto known = std::ranges::find(shared, key, &SharedKey::key);
+      if (known == shared.end()) {
+        own.push_back({.key = key, .reports = std::string(report.report)});
+        continue;
+      }
+      known->reports.append(", ").append(report.report);
+      place(static_cast<std::size_t>(known - shared.begin()));
+    }
+    place(shared.size());
+  }
+  return shared;
+}
 
 std::string textOf(const tsql::Cursor& cursor, std::size_t column) {
   return tsql::toText(cursor.value(column)).value_or("");
-}
-
-// Runs `sql`, whose last column is a count, and hands each row to `describe` for its key; an empty one is passed over.
-template <typename Describe>
-void collect(tsql::Database& connection, const std::string& sql, std::string_view table, std::string_view reports,
-             std::vector<BrokenKey>& broken, Describe describe) {
-  const std::unique_ptr<tsql::Cursor> rows = connection.query(sql);
-  const std::size_t count = rows->columns().size() - 1;
-  while (rows->next()) {
-    std::string key = describe(*rows);
-    if (key.empty()) continue;
-    broken.push_back(
-        {std::string(table), std::move(key), std::get<std::int64_t>(rows->value(count)), std::string(reports)});
-  }
 }
 
 // A null never joins: it is counted here and passed over by keyText.
@@ -107,18 +80,36 @@ constexpr const char* ambiguousClasses =
 
 }  // namespace
 
-std::vector<BrokenKey> brokenKeys(tsql::Database& connection) {
+JoinKey oneCostCentreAnIssue() {
+  return {.table = "CA_CostCenterMap",
+          .columns = "work centre or department",
+          .statement = doublyMapped,
+          .describe = [](const tsql::Cursor& row) {
+            return "work centre " + textOf(row, 0) + " and department " + textOf(row, 1) + " of the same issues";
+          }};
+}
+
+JoinKey oneClassAGrade() {
+  return {.table = "Ca_FxClassDef",
+          .columns = "class above",
+          .statement = ambiguousClasses,
+          .describe = [](const tsql::Cursor& row) {
+            return "classes of grade " + textOf(row, 1) + " at the beginning of cFxCCode = " + textOf(row, 0);
+          }};
+}
+
+std::vector<BrokenKey> brokenKeys(tsql::Database& connection, std::span<const ReportKeys> reports) {
   requireAccount(connection);
   std::vector<BrokenKey> broken;
-  for (const JoinKey& key : joinKeys) {
-    collect(connection, duplicatesOf(key), key.table, key.reports, broken, keyText);
+  for (const auto& [key, names] : sharedKeys(reports)) {
+    const auto rows = connection.query(key.statement.empty() ? duplicatesOf(key) : std::string(key.statement));
+    const std::size_t count = rows->columns().size() - 1;
+    while (rows->next()) {
+      std::string text = key.describe == nullptr ? keyText(*rows) : key.describe(*rows);
+      if (text.empty()) continue;
+      broken.push_back({std::string(key.table), std::move(text), std::get<std::int64_t>(rows->value(count)), names});
+    }
   }
-  collect(connection, doublyMapped, "CA_CostCenterMap", outboundSummary, broken, [](const tsql::Cursor& row) {
-    return "work centre " + textOf(row, 0) + " and department " + textOf(row, 1) + " of the same issues";
-  });
-  collect(connection, ambiguousClasses, "Ca_FxClassDef", summaryReports, broken, [](const tsql::Cursor& row) {
-    return "classes of grade " + textOf(row, 1) + " at the beginning of cFxCCode = " + textOf(row, 0);
-  });
   return broken;
 }
 

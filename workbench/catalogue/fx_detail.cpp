@@ -1,28 +1,26 @@
+#include "workbench/catalogue/fx_detail.h"
+
+#include <array>
+
+#include "reports/fx_detail/fx_detail.h"
 #include "workbench/catalogue/registration_items.h"
-#include "workbench/catalogue/registrations.h"
 
 namespace quillon::workbench {
 
 namespace {
 
-// A code of a master, looked up there; the ledger is of one inventory in one place.
-ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column,
-                           bool required = false) {
-  return {.key = key,
-          .chinese = chinese,
-          .english = english,
-          .kind = InputKind::reference,
-          .required = required,
-          .column = column};
+// The ledger is of one inventory.
+ItemRegistration inventory() {
+  ItemRegistration item = reference("cInvCode", "存货", "Inventory", "base.cInvCode");
+  item.required = true;
+  return item;
 }
 
-ReportRegistration makeRegistration() {
+ReportRegistration fxDetailRegistration() {
   ReportRegistration report{.name = "fx-detail",
                             .chinese = "明细账（按成本项目）",
                             .english = "Cost-item detail ledger",
-                            .identifier = "0D7E5A4C-3A0B-4C1E-9B7B-64E2C1F7A915",
-                            .reportClass = "clsFXDetail",
-                            .filterControl = "clsFilterControl"};
+                            .identifier = "0D7E5A4C-3A0B-4C1E-9B7B-64E2C1F7A915"};
   append(report.items,
          {{.key = "iYear",
            .chinese = "会计年度",
@@ -44,7 +42,7 @@ ReportRegistration makeRegistration() {
            .range = true,
            .column = "base.dKeepDate"},
           reference("cInvCCode", "存货分类", "Inventory class", "inv.cInvCCode"),
-          reference("cInvCode", "存货", "Inventory", "base.cInvCode", true),
+          inventory(),
           reference("cWhCode", "仓库", "Warehouse", "base.cWhCode"),
           reference("cDepCode", "部门", "Department", "base.cDepCode"),
           {.key = "cBatchIA", .chinese = "批号", .english = "Batch", .multiple = true, .column = "base.cBatchia"}});
@@ -52,11 +50,88 @@ ReportRegistration makeRegistration() {
   return report;
 }
 
+// The inventory is the same in all rows and stands in the heading.
+std::vector<ReportColumn> fxDetailColumns() {
+  using enum ColumnRole;
+  std::vector<ReportColumn> all = {
+      {"RowNo", "行号", "Line"},
+      {"dKeepDate", "记账日期", "Posting date", date},
+      {"cVouDate", "单据日期", "Document date", further},
+      {"cVouType", "单据类型", "Voucher type"},
+      {"cVouCode", "单据号", "Voucher number"},
+      {"cPZCode", "凭证号", "Ledger voucher"},
+      {"cPZdigest", "摘要", "Digest"},
+      {"bRdFlag", "收发类别", "Receipt/issue type"},
+      {"cBusType", "业务类型", "Business type"},
+      {"cWhCode", "仓库编码", "Warehouse code", further},
+      {"cWhName", "仓库", "Warehouse"},
+      {"cVenCode", "供应商编码", "Vendor code", further},
+      {"cVenName", "供应商", "Vendor", further},
+      {"cCusCode", "客户编码", "Customer code", further},
+      {"cCusName", "客户", "Customer", further},
+      {"cItem_class", "项目大类编码", "Project class code", further},
+      {"cItemCName", "项目大类", "Project class", further},
+      {"cItemCode", "项目编码", "Project item code", further},
+      {"cName", "项目", "Project item", further},
+      {"cBusCode", "业务号", "Business number", further},
+      {"strContractCode", "合同号", "Contract", further},
+      {"cproordercode", "生产订单号", "Production order", further},
+      {"iproorderids", "生产订单行标识", "Production order line", internal},
+      {"cworkprocodedis", "工序", "Operation", further},
+      {"cworkcentercode", "工作中心编码", "Work centre code", further},
+      {"csaleordercode", "销售订单号", "Sales order", further},
+      {"isaleorderids", "销售订单行标识", "Sales order line", internal},
+      {"exoCode", "出口订单号", "Export order", further},
+      {"iExRowno", "出口订单行号", "Export order line", internal},
+      {"centrustordercode", "委外订单号", "Subcontracting order", further},
+      {"cOrderCode", "采购订单号", "Purchase order", further},
+      {"cAccounter", "记账人", "Posted by", further},
+      {"cBatchia", "批号", "Batch"},
+  };
+  addFreeItems(all);
+  addUserDefinedFields(all);
+  all.insert(all.end(), {
+                            {"iQuantity", "数量", "Quantity", movement},
+                            {"iCost", "单价", "Unit cost", unitCost},
+                            {"iPrice", "金额", "Amount", amount},
+                        });
+  for (ReportColumn& column : all)
+    column.ofLine = true;
+  all.insert(all.end(), {
+                            {"cfxCCode", "项目分类编码", "Cost-item class code", further},
+                            {"cfxCName", "项目分类", "Cost-item class"},
+                            {"cfxCode", "成本项目编码", "Cost item code"},
+                            {"cfxName", "成本项目", "Cost item"},
+                            {"iItemQuantity", "成本项目数量", "Cost item quantity", movement},
+                            {"iItemCost", "成本项目单价", "Cost item unit cost", unitCost},
+                            {"iItemPrice", "成本项目金额", "Cost item amount", amount},
+                            {"id", "流水号", "Ledger line", internal},
+                            {"datatype", "行类型", "Row kind", internal},
+                            {"cInvCode", "存货编码", "Inventory code", internal},
+                            {"cInvName", "存货", "Inventory", internal},
+                            {"cInvAddCode", "存货代码", "Additional code", internal},
+                            {"cInvStd", "规格型号", "Model", internal},
+                            {"cUnitName", "计量单位", "Unit", internal},
+                            {"cPZID", "凭证标识", "Ledger voucher key", internal},
+                            {"iPZID", "凭证分录标识", "Ledger voucher entry", internal},
+                        });
+  return all;
+}
+
+// What a drill-through reads of a row.
+constexpr std::array<std::string_view, 6> documentColumns = {"cVouType", "cVouCode", "cBusType",
+                                                             "iPZID",    "cPZID",    "ID"};
+
 }  // namespace
 
-const ReportRegistration& fxDetailRegistration() {
-  static const ReportRegistration registration = makeRegistration();
-  return registration;
+Report fxDetail() {
+  return {.registration = fxDetailRegistration(),
+          .reportClass = "clsFXDetail",
+          .make = makeCoreReport<FxDetail>,
+          .dialog = &detailDialog(),
+          .columns = fxDetailColumns(),
+          .isLedger = true,
+          .documentColumns = documentColumns};
 }
 
 }  // namespace quillon::workbench

@@ -1,16 +1,14 @@
+#include "workbench/catalogue/fx_wt.h"
+
 #include <array>
 
+#include "reports/fx_wt/fx_wt.h"
 #include "workbench/catalogue/registration_items.h"
-#include "workbench/catalogue/registrations.h"
+#include "workbench/platform/resource_texts.h"
 
 namespace quillon::workbench {
 
 namespace {
-
-// The inventory master's own fields by what they hold.
-constexpr std::array inventoryTexts = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
-constexpr std::array inventoryNumbers = {11, 12, 13, 14};
-constexpr std::array inventoryDates = {15, 16};
 
 ItemRegistration dates(const char* key, const char* chinese, const char* english, const char* column) {
   return {.key = key, .chinese = chinese, .english = english, .kind = InputKind::date, .range = true, .column = column};
@@ -26,45 +24,32 @@ ItemRegistration types(const char* key, const char* chinese, const char* english
           .column = column};
 }
 
-// A code of a master, looked up there.
-ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column,
-                           bool multiple) {
-  return {.key = key,
-          .chinese = chinese,
-          .english = english,
-          .kind = InputKind::reference,
-          .multiple = multiple,
-          .column = column};
-}
-
 // A key that is a column of the ledger.
 ItemRegistration ledgerColumn(const char* key, const char* chinese, const char* english) {
   return {.key = key, .chinese = chinese, .english = english, .column = std::string("base.") + key};
 }
 
-ReportRegistration makeRegistration() {
+ReportRegistration fxWtRegistration() {
   ReportRegistration report{.name = "fx-wt",
                             .chinese = "凭证明细表（按成本项目）",
                             .english = "Cost-item voucher report",
-                            .identifier = "3D1986A9-884B-4835-B4AA-DCCBD2E1487C",
-                            .reportClass = "clsFXWt",
-                            .filterControl = "clsWtFilterControl"};
+                            .identifier = "3D1986A9-884B-4835-B4AA-DCCBD2E1487C"};
   append(report.items,
          {dates("dKeepDate", "记账日期", "Posting date", "base.dKeepDate"),
           dates("dVouDate", "单据日期", "Document date", "base.dVouDate"),
           types("cVouType", "单据类型", "Voucher type", "base.cVouType"),
           types("cBusType", "业务类型", "Business type", "base.cBusType"),
           ledgerColumn("cVouCode", "单据号", "Voucher number"),
-          reference("Inventory.cInvCCode", "存货分类", "Inventory class", "Inventory.cInvCCode", false),
-          reference("Inventory.cInvCode", "存货", "Inventory", "Inventory.cInvCode", true),
-          reference("Customer.cCCCode", "客户分类", "Customer class", "Customer.cCCCode", false),
-          reference("Customer.cCusCode", "客户", "Customer", "Customer.cCusCode", true),
-          reference("Vendor.cVCCode", "供应商分类", "Vendor class", "Vendor.cVCCode", false),
-          reference("Vendor.cVenCode", "供应商", "Vendor", "Vendor.cVenCode", true),
-          reference("cWhCode", "仓库", "Warehouse", "base.cWhCode", true),
-          reference("cDepCode", "部门", "Department", "base.cDepCode", false),
-          reference("cDeptID", "成本中心", "Cost centre", "CAQ_CostCenterMap.cDeptID", false),
-          reference("cRdCode", "收发类别", "Receipt/issue type", "base.cRdCode", false),
+          reference("Inventory.cInvCCode", "存货分类", "Inventory class", "Inventory.cInvCCode"),
+          references("Inventory.cInvCode", "存货", "Inventory", "Inventory.cInvCode"),
+          reference("Customer.cCCCode", "客户分类", "Customer class", "Customer.cCCCode"),
+          references("Customer.cCusCode", "客户", "Customer", "Customer.cCusCode"),
+          reference("Vendor.cVCCode", "供应商分类", "Vendor class", "Vendor.cVCCode"),
+          references("Vendor.cVenCode", "供应商", "Vendor", "Vendor.cVenCode"),
+          references("cWhCode", "仓库", "Warehouse", "base.cWhCode"),
+          reference("cDepCode", "部门", "Department", "base.cDepCode"),
+          reference("cDeptID", "成本中心", "Cost centre", "CAQ_CostCenterMap.cDeptID"),
+          reference("cRdCode", "收发类别", "Receipt/issue type", "base.cRdCode"),
           {.key = "PzNoId", .chinese = "凭证标识", .english = "Accounting voucher", .column = "base.cPZID"},
           ledgerColumn("cHandler", "经手人", "Handled by"),
           ledgerColumn("cAccounter", "记账人", "Posted by"),
@@ -77,10 +62,7 @@ ReportRegistration makeRegistration() {
           {.key = "cBatchia", .chinese = "批号", .english = "Batch", .multiple = true, .column = "base.cBatchia"}});
   append(report.items, freeItems());
   append(report.items, definedFields());
-  const NumberedField inventoryField = {"cInvDefine", "存货自定义项", "Inventory field", "Inventory.cInvDefine"};
-  append(report.items, numberedFields(inventoryField, inventoryTexts, InputKind::text, false));
-  append(report.items, numberedFields(inventoryField, inventoryNumbers, InputKind::number, false));
-  append(report.items, numberedFields(inventoryField, inventoryDates, InputKind::date, false));
+  append(report.items, inventoryFields("Inventory", false));
   // The report has no list for these: it compares a free item or a field with one value.
   for (ItemRegistration& item : report.items) {
     if (item.key.starts_with("cFree") || item.key.starts_with("cDefine")) item.multiple = false;
@@ -88,11 +70,140 @@ ReportRegistration makeRegistration() {
   return report;
 }
 
+// The figures of the line stand on each of its rows, so that only those of the cost item are summed.
+std::vector<ReportColumn> fxWtColumns() {
+  using enum ColumnRole;
+  std::vector<ReportColumn> all = {
+      {"AutoID", "流水号", "Ledger line", internal},
+      {"dKeepDate", "记账日期", "Posting date", date},
+      {"dVouDate", "单据日期", "Document date", date},
+      {"cVouType", "单据类型编码", "Voucher type code"},
+      {"cVouCode", "单据号", "Voucher number"},
+      {"cBusType", "业务类型", "Business type"},
+      {"cPzID", "凭证标识", "Accounting voucher"},
+      {"iPzid", "凭证分录", "Accounting voucher entry", internal},
+      {"PzNoId", "凭证号", "Accounting voucher number"},
+      {"cPZdigest", "凭证摘要", "Voucher digest"},
+      {"cWhCode", "仓库编码", "Warehouse code", further},
+      {"cWhName", "仓库", "Warehouse"},
+      {"cInvCCode", "存货分类编码", "Inventory class code", further},
+      {"cInvCode", "存货编码", "Inventory code"},
+      {"cInvName", "存货", "Inventory"},
+      {"cInvStd", "规格型号", "Model"},
+      {"cInvAddCode", "存货代码", "Additional code", further},
+      {"cComUnitName", "主计量单位", "Unit"},
+      {"cAssComUnitName", "辅计量单位", "Second unit", further},
+      {"cBatchia", "批号", "Batch"},
+  };
+  addFreeItems(all);
+  all.insert(all.end(), {
+                            {"iAInQuantity", "收入数量", "Receipt quantity", movement},
+                            {"iInCost", "收入单价", "Receipt unit cost", unitCost},
+                            {"iAInPrice", "收入金额", "Receipt amount", amount},
+                            {"iAOutQuantity", "发出数量", "Issue quantity", movement},
+                            {"iOutCost", "发出单价", "Issue unit cost", unitCost},
+                            {"iAOutPrice", "发出金额", "Issue amount", amount},
+                            {"cfxcCode", "项目分类编码", "Cost-item class code", further},
+                            {"cfxcName", "项目分类", "Cost-item class", further},
+                            {"cfxCode", "成本项目编码", "Cost item code"},
+                            {"cfxName", "成本项目", "Cost item"},
+                            {"cAmoType", "费用类型", "Expense type"},
+                            {"cAmoID", "费用项目编码", "Expense item code"},
+                            {"cAmoName", "费用项目", "Expense item"},
+                            {"iItemInQuantity", "成本项目收入数量", "Cost item receipt quantity", quantity},
+                            {"iIteminCost", "成本项目收入单价", "Cost item receipt unit cost", internal},
+                            {"iIteminPrice", "成本项目收入金额", "Cost item receipt amount", money},
+                            {"iItemoutQuantity", "成本项目发出数量", "Cost item issue quantity", quantity},
+                            {"iItemoutCost", "成本项目发出单价", "Cost item issue unit cost", internal},
+                            {"iItemOutPrice", "成本项目发出金额", "Cost item issue amount", money},
+                            {"iUnitCost", "成本项目单价", "Cost item unit cost", unitCost},
+                            {"iUnitUsed", "单位用量", "Usage per unit", movement},
+                            {"cRdCode", "收发类别编码", "Receipt/issue type code", further},
+                            {"cRdName", "收发类别", "Receipt/issue type"},
+                            {"cAccDep", "核算部门编码", "Accounting department code", further},
+                            {"cDepName", "核算部门", "Accounting department"},
+                            {"cDeptID", "成本中心编码", "Cost centre code", further},
+                            {"costDepName", "成本中心", "Cost centre"},
+                            {"cProCode", "生产部门编码", "Production department code", further},
+                            {"cVCCode", "供应商分类编码", "Vendor class code", further},
+                            {"cVCName", "供应商分类", "Vendor class", further},
+                            {"cVenCode", "供应商编码", "Vendor code", further},
+                            {"cVenName", "供应商", "Vendor"},
+                            {"cCCCode", "客户分类编码", "Customer class code", further},
+                            {"cCCName", "客户分类", "Customer class", further},
+                            {"cCusCode", "客户编码", "Customer code", further},
+                            {"cCusName", "客户", "Customer"},
+                            {"cItem_Class", "项目大类编码", "Project class code", further},
+                            {"cItem_Classname", "项目大类", "Project class", further},
+                            {"cItemCode", "项目编码", "Project item code", further},
+                            {"cName", "项目", "Project item", further},
+                            {"cHandler", "经手人", "Handled by", further},
+                            {"cAccounter", "记账人", "Posted by", further},
+                            {"cMemo", "备注", "Memo", further},
+                            {"cBusCode", "业务号", "Business number", further},
+                            {"strContractCode", "合同号", "Contract", further},
+                            {"cproordercode", "生产订单号", "Production order", further},
+                            {"iproorderids", "生产订单行标识", "Production order line", internal},
+                            {"cworkprocode", "工序行号", "Operation", further},
+                            {"cworkcentercode", "工作中心编码", "Work centre code", further},
+                            {"cworkcentername", "工作中心", "Work centre", further},
+                            {"csaleordercode", "销售订单号", "Sales order", further},
+                            {"isaleorderids", "销售订单行标识", "Sales order line", internal},
+                            {"exoCode", "出口订单号", "Export order", further},
+                            {"iExRowno", "出口订单行号", "Export order line", internal},
+                            {"centrustordercode", "委外订单号", "Subcontracting order", further},
+                            {"cpurordercode", "采购订单号", "Purchase order", further},
+                            {"cIMOrderCode", "进口订单号", "Import order", further},
+                            {"cDemandCode", "需求跟踪号", "Demand", further},
+                            {"cdemandmemo", "需求跟踪说明", "Demand memo", further},
+                        });
+  addUserDefinedFields(all);
+  return all;
+}
+
+// A row is a part of a receipt or of an issue.
+std::vector<CrossState> fxWtStates(std::string_view) {
+  return {{receiptKey, orZero("iItemInQuantity"), orZero("iIteminPrice")},
+          {issueKey, orZero("iItemoutQuantity"), orZero("iItemOutPrice")}};
+}
+
+// The keys by which the build joins, in its order.
+std::vector<account::JoinKey> fxWtKeys() {
+  return {{"ia_subsidiary", "AutoID"},
+          {"Warehouse", "cWhCode"},
+          {"Inventory", "cInvCode"},
+          {"Rd_Style", "cRdCode"},
+          {"CAQ_CostCenterMap", "cBusID"},
+          {"CAQ_CostCenter", "cDeptID"},
+          {"ComputationUnit", "cComUnitCode"},
+          {"Customer", "cCusCode"},
+          {"CustomerClass", "cCCCode"},
+          {"Vendor", "cVenCode"},
+          {"VendorClass", "cVCCode"},
+          {"Department", "cDepCode"},
+          {"Ca_FxDef", "iFxID"},
+          {"Ca_FxClassDef", "iFxCId"},
+          {"Ca_FxMapExpDID", "iFxDID"},
+          {"Ca_FxMapExpDetails", "iFxDID"},
+          {"Ca_CostExpDetail_Period", "cAmoID, cAmoType, iPeriod"},
+          {"Ca_AmoTypeName", "cAmoType, localid"}};
+}
+
+// What a drill-through reads of a row. The report has no column for the ledger line's own number, ID.
+constexpr std::array<std::string_view, 5> documentColumns = {"cVouType", "cVouCode", "cBusType", "iPZID", "cPZID"};
+
 }  // namespace
 
-const ReportRegistration& fxWtRegistration() {
-  static const ReportRegistration registration = makeRegistration();
-  return registration;
+Report fxWt() {
+  return {.registration = fxWtRegistration(),
+          .reportClass = "clsFXWt",
+          .make = makeCoreReport<FxWt>,
+          .dialog = &voucherDialog(),
+          .columns = fxWtColumns(),
+          .order = orderByLine,
+          .crossStates = fxWtStates,
+          .joinKeys = fxWtKeys(),
+          .documentColumns = documentColumns};
 }
 
 }  // namespace quillon::workbench

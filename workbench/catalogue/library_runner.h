@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "workbench/catalogue/report.h"
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_dialog_object.h"
@@ -17,13 +18,13 @@ class ReportRunner {
  public:
   virtual ~ReportRunner() = default;
 
-  // Creates the class that `report` registers, runs its GETSQL with `argument` and releases it. Throws AutomationError
+  // Creates the report's class, runs its GETSQL with `argument` and releases it. Throws AutomationError
   // when GETSQL fails. A build that the report absorbed returns normally: whoever watches the sessions (the platform's
   // monitor) sees the failing statement, and that the session was not closed.
-  virtual void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) = 0;
+  virtual void run(const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) = 0;
   // The same for Execute: opens the document behind the argument's row. What was opened and what the user was told the
   // platform knows.
-  virtual void execute(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) = 0;
+  virtual void execute(const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) = 0;
 };
 
 // `platform` makes the components and outlives the runner. Throws AutomationError when the classes cannot be had.
@@ -45,7 +46,7 @@ class DialogRunner {
 };
 
 // The dialog of `report` on `dialog`. `platform` makes the components and outlives the runner. Throws as above.
-std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
+std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const Report& report,
                                                std::shared_ptr<FilterDialogObject> dialog);
 
 }  // namespace quillon::workbench

@@ -10,6 +10,10 @@ namespace {
 
 constexpr std::array freeItemNumbers = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
 
+constexpr std::array inventoryTexts = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+constexpr std::array inventoryNumbers = {11, 12, 13, 14};
+constexpr std::array inventoryDates = {15, 16};
+
 constexpr std::array definedTexts = {1, 2, 3, 8, 9, 10, 11, 12, 13, 14, 22, 23, 24, 25, 28, 29, 30, 31, 32, 33};
 constexpr std::array definedDates = {4, 6, 16, 36, 37};
 constexpr std::array definedNumbers = {5, 7, 15, 26, 27, 34, 35};
@@ -68,6 +72,24 @@ std::vector<ItemRegistration> definedFields() {
   append(fields, numberedFields(field, definedDates, InputKind::date, false));
   append(fields, numberedFields(field, definedNumbers, InputKind::number, false));
   return fields;
+}
+
+std::vector<ItemRegistration> inventoryFields(const std::string& table, bool multiple) {
+  const NumberedField field = {"cInvDefine", "存货自定义项", "Inventory field", table + ".cInvDefine"};
+  std::vector<ItemRegistration> fields = numberedFields(field, inventoryTexts, InputKind::text, multiple);
+  append(fields, numberedFields(field, inventoryNumbers, InputKind::number, false));
+  append(fields, numberedFields(field, inventoryDates, InputKind::date, false));
+  return fields;
+}
+
+ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column) {
+  return {.key = key, .chinese = chinese, .english = english, .kind = InputKind::reference, .column = column};
+}
+
+ItemRegistration references(const char* key, const char* chinese, const char* english, const char* column) {
+  ItemRegistration item = reference(key, chinese, english, column);
+  item.multiple = true;
+  return item;
 }
 
 void append(std::vector<ItemRegistration>& items, std::vector<ItemRegistration> more) {

@@ -22,6 +22,14 @@ std::vector<ItemRegistration> freeItems();
 // cDefine37; 17 to 21 belong to document lines and are not in the ledger.
 std::vector<ItemRegistration> definedFields();
 
+// The inventory master's own fields, cInvDefine1 to cInvDefine16: texts, of which several values may be selected when
+// `multiple` is set, then numbers, then dates. `table` is the master's name in the report's conditions.
+std::vector<ItemRegistration> inventoryFields(const std::string& table, bool multiple);
+
+// A code of a master, looked up there; of `references` several may be selected.
+ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column);
+ItemRegistration references(const char* key, const char* chinese, const char* english, const char* column);
+
 // Fields numbered `numbers`: key, captions and column are the texts given with the number behind them.
 struct NumberedField {
   std::string key;

@@ -1,9 +1,8 @@
 // What a report's result columns are called and how they are shown.
 #pragma once
 
-#include <span>
 #include <string>
-#include <string_view>
+#include <vector>
 
 #include "workbench/platform/language.h"
 
@@ -42,10 +41,12 @@ struct ReportColumn {
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };
 
-// The columns of each report in the order in which the table and the page show them.
-std::span<const ReportColumn> sfcItemColumns();
-std::span<const ReportColumn> outsumItemColumns();
-std::span<const ReportColumn> fxDetailColumns();
-std::span<const ReportColumn> fxWtColumns();
+// What several reports have alike.
+
+// Puts the free items, cFree1 to cFree10, behind `columns`.
+void addFreeItems(std::vector<ReportColumn>& columns);
+// Puts the user-defined fields of the inventory and of the document behind `columns`: cInvDefine1 to cInvDefine16,
+// cDefine1 to cDefine16 and cDefine22 to cDefine37.
+void addUserDefinedFields(std::vector<ReportColumn>& columns);
 
 }  // namespace quillon::workbench

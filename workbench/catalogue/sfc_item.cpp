@@ -1,5 +1,10 @@
+#include "workbench/catalogue/sfc_item.h"
+
+#include <array>
+
+#include "reports/sfc_item/sfc_item.h"
 #include "workbench/catalogue/registration_items.h"
-#include "workbench/catalogue/registrations.h"
+#include "workbench/platform/resource_texts.h"
 
 namespace quillon::workbench {
 
@@ -10,13 +15,11 @@ std::vector<Choice> signChoices() {
   return {{"0", "大于零", "above zero"}, {"1", "等于零", "zero"}, {"2", "小于零", "below zero"}};
 }
 
-ReportRegistration makeRegistration() {
+ReportRegistration sfcItemRegistration() {
   ReportRegistration report{.name = "sfc-item",
                             .chinese = "收发存汇总表（按成本项目）",
                             .english = "Receipt/issue/balance by cost item",
                             .identifier = "CA3BAD03-9D4C-463A-827E-E971D5A36C81",
-                            .reportClass = "clsSFC_Item",
-                            .filterControl = "clsSFCFilterControl",
                             .items = summaryReportItems()};
   append(report.items,
          {
@@ -102,11 +105,107 @@ ReportRegistration makeRegistration() {
   return report;
 }
 
+std::vector<ReportColumn> sfcItemColumns() {
+  using enum ColumnRole;
+  std::vector<ReportColumn> all = {
+      {"autoid", "流水号", "Ledger line", internal},
+      {"cWhCode", "仓库编码", "Warehouse code"},
+      {"cWhName", "仓库", "Warehouse"},
+      {"cDepCode", "部门编码", "Department code"},
+      {"cDepName", "部门", "Department"},
+      {"cInvCode", "存货编码", "Inventory code"},
+      {"cInvName", "存货", "Inventory"},
+      {"cInvStd", "规格型号", "Model"},
+      {"cInvAddCode", "存货代码", "Additional code"},
+      {"cUnitCode", "计量单位编码", "Unit code", internal},
+      {"cUnitName", "计量单位", "Unit"},
+      {"cBatchia", "批号", "Batch"},
+  };
+  addFreeItems(all);
+  all.insert(all.end(), {
+                            {"cFXCode", "成本项目编码", "Cost item code"},
+                            {"cFXName", "成本项目", "Cost item"},
+                            {"cFxCName", "费用类型", "Expense type"},
+                            {"cAmoCode", "费用项目编码", "Expense item code"},
+                            {"cAmoName", "费用项目", "Expense item"},
+                            {"dKeepDate", "记账日期", "Posting date", date},
+                            {"dVouDate", "单据日期", "Document date", date},
+                            {"cState", "收发状态", "State"},
+                            {"iState", "状态序号", "State number", internal},
+                            {"iQuantity", "数量", "Quantity", movement},
+                            {"iMoney", "金额", "Amount", amount},
+                            {"iQcQuantity", "期初数量", "Opening quantity", quantity},
+                            {"iQcMoney", "期初金额", "Opening amount", money},
+                            {"iInQuantity", "收入数量", "Receipt quantity", quantity},
+                            {"iInMoney", "收入金额", "Receipt amount", money},
+                            {"iOutQuantity", "发出数量", "Issue quantity", quantity},
+                            {"iOutMoney", "发出金额", "Issue amount", money},
+                            {"iQmQuantity", "期末数量", "Closing quantity", quantity},
+                            {"iQmMoney", "期末金额", "Closing amount", money},
+                            {"cJudgeQuantity", "结存数量判断", "Closing quantity test", internal},
+                            {"cJudgeMoney", "结存金额判断", "Closing amount test", internal},
+                            {"cJudgeCost", "结存单价判断", "Closing unit cost test", internal},
+                            {"cFSType", "收发筛选", "Movements chosen", internal},
+                        });
+  addUserDefinedFields(all);
+  return all;
+}
+
+// By cost item or class, a row has one state, numbered 1 to 4, and its quantity and money are that state's. By expense
+// item it has none, but a pair of columns for each.
+std::vector<CrossState> sfcItemStates(std::string_view mode) {
+  struct State {
+    std::string_view nameKey;
+    std::string_view quantity;
+    std::string_view money;
+  };
+  static constexpr std::array states = {
+      State{openingBalanceKey, "iQcQuantity", "iQcMoney"}, State{receiptKey, "iInQuantity", "iInMoney"},
+      State{issueKey, "iOutQuantity", "iOutMoney"}, State{closingBalanceKey, "iQmQuantity", "iQmMoney"}};
+  std::vector<CrossState> result;
+  for (const State& state : states) {
+    const std::string number = std::to_string(result.size() + 1);
+    const auto ofState = [&number](std::string_view column) {
+      return "Case When iState = " + number + " Then " + orZero(column) + " Else 0 End";
+    };
+    if (mode == "2") {
+      result.push_back({state.nameKey, orZero(state.quantity), orZero(state.money)});
+    } else {
+      result.push_back({state.nameKey, ofState("iQuantity"), ofState("iMoney")});
+    }
+  }
+  return result;
+}
+
+// The keys by which the build joins, in its order.
+std::vector<account::JoinKey> sfcItemKeys() {
+  return {{"ia_subsidiary", "AutoID"},
+          {"IA_Subsidiary_QC", "AutoID"},
+          {"Warehouse", "cWhCode"},
+          {"Inventory", "cInvCode"},
+          {"ComputationUnit", "cComUnitCode"},
+          {"Department", "cDepCode"},
+          {"Ca_FxDef", "iFxID"},
+          {"Ca_FxClassDef", "iFxCId"},
+          {"Ca_FxMapExpDID", "iFxDID"},
+          {"Ca_FxMapExpDetails", "iFxDID"},
+          {"Ca_CostExpDetail_Period", "cAmoID, cAmoType, iPeriod"},
+          {"Ca_AmoTypeName", "cAmoType, localid"},
+          account::oneClassAGrade()};
+}
+
 }  // namespace
 
-const ReportRegistration& sfcItemRegistration() {
-  static const ReportRegistration registration = makeRegistration();
-  return registration;
+Report sfcItem() {
+  return {
+      .registration = sfcItemRegistration(),
+      .reportClass = "clsSFC_Item",
+      .make = makeCoreReport<SfcItem>,
+      .dialog = &summaryDialog(),
+      .columns = sfcItemColumns(),
+      .crossStates = sfcItemStates,
+      .joinKeys = sfcItemKeys(),
+  };
 }
 
 }  // namespace quillon::workbench

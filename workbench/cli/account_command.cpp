@@ -9,6 +9,7 @@
 
 #include "workbench/account/account.h"
 #include "workbench/account/key_check.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_diff_command.h"
 #include "workbench/cli/account_transfer_command.h"
 #include "workbench/cli/exit_status.h"
@@ -74,7 +75,7 @@ void clean(const std::string& source) {
 
 bool checkAccount(const std::string& source, std::ostream& out) {
   const auto connection = openDatabase(source, tsql::OpenMode::readOnly);
-  const std::vector<account::BrokenKey> broken = account::brokenKeys(*connection);
+  const std::vector<account::BrokenKey> broken = account::brokenKeys(*connection, joinKeysOfReports());
   if (broken.empty()) {
     out << "every key by which the reports join has one row\n";
     return true;

@@ -5,7 +5,7 @@
 #include <map>
 #include <memory>
 
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_login.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/filter_file.h"
@@ -28,10 +28,10 @@ std::vector<DialogStep> stepsOf(const DialogOptions& options) {
 }  // namespace
 
 void runDialog(const DialogOptions& options, std::ostream& out) {
-  const ReportRegistration& report = registeredReport(options.report);
+  const Report& report = reportNamed(options.report);
   const std::vector<DialogStep> steps = stepsOf(options);
   const SignedInAccount account = logIn(options.account, options.language, options.date);
-  const auto filter = std::make_shared<FilterObject>(report, InitialValues::none);
+  const auto filter = std::make_shared<FilterObject>(report.registration, InitialValues::none);
   if (!options.filterFile.empty()) applyFilterFile(*filter, readJsonFile(options.filterFile));
 
   std::vector<std::string> messages;

@@ -9,8 +9,8 @@
 #include <optional>
 
 #include "frame/text.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
-#include "workbench/catalogue/registrations.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
@@ -104,7 +104,7 @@ Outcome act(const DrillOptions& options, const RowValues& row, const SignedInAcc
        .messages = [&outcome](std::string_view text, int) { outcome.messages.emplace_back(text); },
        .vouchers = [&outcome](const OpenedVoucher& voucher) { outcome.opened.push_back(voucher); }});
   const auto runner = makeReportRunner(platform);
-  runner->execute(registeredReport(options.report.report),
+  runner->execute(reportNamed(options.report.report),
                   std::make_shared<WorkbenchArgument>(account.login, row, options.action));
   return outcome;
 }
@@ -185,7 +185,7 @@ void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& 
 }  // namespace
 
 void runDrill(const DrillOptions& options, std::ostream& out, std::ostream& notes) {
-  registeredReport(options.report.report);
+  reportNamed(options.report.report);
   const auto [row, account] = chooseRow(options, notes);
   const Outcome outcome = act(options, row, account);
   if (options.format == DrillFormat::json) {

@@ -7,8 +7,7 @@
 #include <map>
 #include <memory>
 
-#include "workbench/catalogue/registrations.h"
-#include "workbench/catalogue/report_layout.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_comparison.h"
@@ -71,62 +70,61 @@ bool shownWhenAsked(const ReportColumn& column) {
 ReportDocument heading(const ReportOptions& options, const MadeReport& report) {
   ReportDocument document;
   document.language = options.language;
-  document.report = report.registration().name;
-  document.title = report.registration().title(options.language);
+  document.report = report.report().registration.name;
+  document.title = report.report().registration.title(options.language);
   return document;
 }
 
 // What a reader sees, with conditions, captions and sums.
-ReportDocument readersDocument(const ReportOptions& options, const ReportLayout& layout, const MadeReport& report,
-                               const ResultTable& table) {
+ReportDocument readersDocument(const ReportOptions& options, const MadeReport& report, const ResultTable& table) {
   ReportDocument document = heading(options, report);
   document.conditions = conditions(report.filter(), options.language);
   Session& session = *report.account().session;
   document.quantityDecimals = decimals(session, "iStrsQuanDecDgt", document.quantityDecimals);
   document.unitCostDecimals = decimals(session, "iStrsPriDecDgt", document.unitCostDecimals);
-  document.columns = table.filledColumns(layout.columns);
+  document.columns = table.filledColumns(report.report().columns);
   if (!options.allColumns) document.columnsLeftOut = std::erase_if(document.columns, shownWhenAsked);
   document.rowCount = table.rowCount();
-  document.ledger = layout.ledger;
-  if (layout.ledger) {
+  document.ledger = report.report().isLedger;
+  if (report.report().isLedger) {
     document.conditions.emplace_back(document.text(inventoryNameCaption),
                                      inventoryName(session, entered(report.filter(), "cInvCode")));
   } else {
     document.totals = table.totals(document.columns);
-    document.crossStates = layout.states(entered(report.filter(), "cModal"));
+    document.crossStates = report.report().crossStates(entered(report.filter(), "cModal"));
     document.cross = table.crossView(document.crossStates);
   }
   return document;
 }
 
-void write(const ReportOptions& options, const ReportLayout& layout, const MadeReport& report, std::ostream& out) {
+void write(const ReportOptions& options, const MadeReport& report, std::ostream& out) {
   const ResultTable table = report.table();
   if (options.format == ReportFormat::csv) {
     writeCsv(out, table);
   } else if (options.format == ReportFormat::json) {
-    writeJson(out, heading(options, report), table, layout.columns);
+    writeJson(out, heading(options, report), table, report.report().columns);
   } else if (options.format == ReportFormat::html) {
-    writeHtml(out, readersDocument(options, layout, report, table), table, options.limit);
+    writeHtml(out, readersDocument(options, report, table), table, options.limit);
   } else {
-    writeTable(out, readersDocument(options, layout, report, table), table, options.limit);
+    writeTable(out, readersDocument(options, report, table), table, options.limit);
   }
 }
 
-void writeTo(const ReportOptions& options, const ReportLayout& layout, const MadeReport& report, std::ostream& out) {
+void writeTo(const ReportOptions& options, const MadeReport& report, std::ostream& out) {
   if (options.format == ReportFormat::xlsx) {
     const ResultTable table = report.table();
-    writeXlsx(pathFromUtf8(options.outputFile), readersDocument(options, layout, report, table), table, options.limit);
+    writeXlsx(pathFromUtf8(options.outputFile), readersDocument(options, report, table), table, options.limit);
     return;
   }
   if (options.outputFile.empty()) {
-    write(options, layout, report, out);
+    write(options, report, out);
     out.flush();
     if (!out) throw UserError("the report could not be written to standard output");
     return;
   }
   OutputFile output(pathFromUtf8(options.outputFile));
   std::ofstream file(output.path(), std::ios::binary);
-  if (file) write(options, layout, report, file);
+  if (file) write(options, report, file);
   file.close();
   if (!file) output.fail();
   output.complete();
@@ -156,10 +154,9 @@ bool compareReports(const ReportOptions& options, const std::string& second, std
 }
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
-  const ReportLayout& layout = layoutOf(registeredReport(options.report).name);
   const auto report = reportOn(options.account, options, notes);
   if (options.keep) report->keepTable();
-  writeTo(options, layout, *report, out);
+  writeTo(options, *report, out);
   if (options.keep) notes << "quillon: the result table " << report->table().name() << " is kept\n";
 }
 

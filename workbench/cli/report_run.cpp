@@ -4,8 +4,8 @@
 #include <chrono>
 
 #include "workbench/account/account.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
-#include "workbench/catalogue/registrations.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/run_monitor.h"
 #include "workbench/platform/account_source.h"
@@ -20,8 +20,8 @@ namespace {
 
 // Puts the filter through the report's dialog, as if it had been opened with these values and confirmed. The dialog's
 // own defaults are its own affair: the current year may be one that its list of years does not have.
-void passDialog(const ReportRegistration& report, const SignedInAccount& account,
-                const std::shared_ptr<FilterObject>& filter, Language language, std::ostream& notes) {
+void passDialog(const Report& report, const SignedInAccount& account, const std::shared_ptr<FilterObject>& filter,
+                Language language, std::ostream& notes) {
   EmbeddedPlatform platform({.accountConnection = account.connection,
                              .language = language,
                              .messages = [&notes](std::string_view text, int) { notes << oneLine(text) << '\n'; }});
@@ -44,9 +44,10 @@ void passDialog(const ReportRegistration& report, const SignedInAccount& account
   }
 }
 
-std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const ReportRegistration& report,
+std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const Report& report,
                                            const SignedInAccount& account, std::ostream& notes) {
-  auto filter = std::make_shared<FilterObject>(report, request.dialog ? InitialValues::none : InitialValues::defaults);
+  auto filter = std::make_shared<FilterObject>(report.registration,
+                                               request.dialog ? InitialValues::none : InitialValues::defaults);
   if (!request.dialog) prepareFilter(*filter, *account.login, *account.session);
   if (!request.filterFile.empty()) applyFilterFile(*filter, readJsonFile(request.filterFile));
   setFilterItems(*filter, request.settings);
@@ -110,9 +111,8 @@ std::string totalTime(const RunMonitor& monitor, double seconds) {
 
 }  // namespace
 
-MadeReport::MadeReport(const ReportRegistration& registration, SignedInAccount account,
-                       std::shared_ptr<FilterObject> filter)
-    : registration_(registration),
+MadeReport::MadeReport(const Report& report, SignedInAccount account, std::shared_ptr<FilterObject> filter)
+    : report_(report),
       account_(std::move(account)),
       filter_(std::move(filter)),
       argument_(std::make_shared<WorkbenchArgument>(filter_, account_.login, freshResultTable())),
@@ -128,10 +128,10 @@ MadeReport::~MadeReport() {
 }
 
 std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNotes& notes) {
-  const ReportRegistration& registration = registeredReport(request.report);
+  const Report& report = reportNamed(request.report);
   SignedInAccount account = logIn(request.account, request.language, request.date);
-  std::shared_ptr<FilterObject> filter = filledFilter(request, registration, account, notes.notes);
-  auto made = std::make_unique<MadeReport>(registration, std::move(account), std::move(filter));
+  std::shared_ptr<FilterObject> filter = filledFilter(request, report, account, notes.notes);
+  auto made = std::make_unique<MadeReport>(report, std::move(account), std::move(filter));
 
   RunMonitor monitor(notes.progress, notes.explanation);
   EmbeddedPlatform platform(
@@ -143,7 +143,7 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
     const auto runner = makeReportRunner(platform);
     const auto start = std::chrono::steady_clock::now();
     try {
-      runner->run(registration, made->argument());
+      runner->run(report, made->argument());
     } catch (const AutomationError& error) {
       // Through COM only the description comes back; the monitor knows the rest.
       if (monitor.failure() && monitor.failure()->message == error.description())

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/catalogue/report.h"
 #include "workbench/cli/account_login.h"
 #include "workbench/platform/language.h"
 #include "workbench/presentation/result_table.h"
@@ -28,14 +29,14 @@ struct ReportRequest {
 // A report that has been made. Its result table is dropped with it, unless it is to be kept.
 class MadeReport {
  public:
-  MadeReport(const ReportRegistration& registration, SignedInAccount account, std::shared_ptr<FilterObject> filter);
+  MadeReport(const Report& report, SignedInAccount account, std::shared_ptr<FilterObject> filter);
   MadeReport(const MadeReport&) = delete;
   MadeReport& operator=(const MadeReport&) = delete;
   ~MadeReport();
 
   void keepTable() { keep_ = true; }
 
-  const ReportRegistration& registration() const { return registration_; }
+  const Report& report() const { return report_; }
   const SignedInAccount& account() const { return account_; }
   FilterObject& filter() const { return *filter_; }
   // What the report is run with.
@@ -43,12 +44,10 @@ class MadeReport {
   // The result table's account, on a connection of its own.
   tsql::Database& connection() const { return *connection_; }
   // The result table, by the name that the argument's data source has for it.
-  ResultTable table() const {
-    return {*connection_, argument_->dataSourceState().resultTable, layoutOf(registration_.name).order};
-  }
+  ResultTable table() const { return {*connection_, argument_->dataSourceState().resultTable, report_.order}; }
 
  private:
-  const ReportRegistration& registration_;
+  const Report& report_;
   SignedInAccount account_;
   std::shared_ptr<FilterObject> filter_;
   std::shared_ptr<WorkbenchArgument> argument_;

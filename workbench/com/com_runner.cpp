@@ -1,10 +1,11 @@
+#include "workbench/com/com_runner.h"
+
 #include <string>
 
 #include "automation/class_lookup.h"
 #include "automation/errors.h"
 #include "automation/text.h"
 #include "automation/win32.h"
-#include "workbench/catalogue/library_runner.h"
 #include "workbench/com/exposed_platform.h"
 
 namespace quillon::workbench {
@@ -52,16 +53,15 @@ class ComReportRunner final : public ReportRunner {
  public:
   explicit ComReportRunner(EmbeddedPlatform& platform) : host_(platform) {}
 
-  void run(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+  void run(const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
     call(L"GETSQL", report, argument);
   }
-  void execute(const ReportRegistration& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
+  void execute(const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) override {
     call(L"Execute", report, argument);
   }
 
  private:
-  static void call(const wchar_t* member, const ReportRegistration& report,
-                   const std::shared_ptr<WorkbenchArgument>& argument) {
+  static void call(const wchar_t* member, const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) {
     const com::LateBound instance = createInstance(report.reportClass);
     const com::ComPtr<IDispatch> e = argumentObject(argument);
     IDispatch* reference = e.get();
@@ -74,9 +74,11 @@ class ComReportRunner final : public ReportRunner {
 // Calls a filter-control class likewise: the filter and what is written back by reference.
 class ComDialogRunner final : public DialogRunner {
  public:
-  ComDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
-                  std::shared_ptr<FilterDialogObject> dialog)
-      : host_(platform), control_(createInstance(report.filterControl)), filter_(dialogDispatch(std::move(dialog))) {}
+  ComDialogRunner(EmbeddedPlatform& platform, const Report& report, std::shared_ptr<FilterDialogObject> dialog)
+      : host_(platform),
+        control_(createInstance(report.dialog->name)),
+        hasViews_(report.dialog->hasViews),
+        filter_(dialogDispatch(std::move(dialog))) {}
 
   void init() override { control_.call(L"CallBack_FilterInit", {filter()}); }
   void changed(const std::string& key) override { control_.call(L"CallBack_ValueChange", {key, filter()}); }
@@ -87,12 +89,12 @@ class ComDialogRunner final : public DialogRunner {
   }
   std::optional<std::string> view() override {
     com::Variant viewClass;
-    if (hasViews()) control_.call(L"CallBack_ReportViewInit", {filter(), com::Variant::reference(viewClass)});
+    if (hasViews_) control_.call(L"CallBack_ReportViewInit", {filter(), com::Variant::reference(viewClass)});
     return textUnlessEmpty(viewClass);
   }
   std::optional<std::string> viewAfterChange(const std::string& key) override {
     com::Variant viewClass;
-    if (hasViews()) control_.call(L"CallBack_ReportViewChange", {key, filter(), com::Variant::reference(viewClass)});
+    if (hasViews_) control_.call(L"CallBack_ReportViewChange", {key, filter(), com::Variant::reference(viewClass)});
     return textUnlessEmpty(viewClass);
   }
 
@@ -102,9 +104,6 @@ class ComDialogRunner final : public DialogRunner {
     return com::Variant::reference(reference_);
   }
 
-  // The class of a report that has one view is not asked for it.
-  bool hasViews() const { return control_.offers(L"CallBack_ReportViewInit"); }
-
   static std::optional<std::string> textUnlessEmpty(const com::Variant& value) {
     if (value.vt == VT_EMPTY) return std::nullopt;
     return com::toText(value);
@@ -112,19 +111,29 @@ class ComDialogRunner final : public DialogRunner {
 
   Host host_;
   com::LateBound control_;
+  bool hasViews_;
   com::ComPtr<IDispatch> filter_;
   IDispatch* reference_ = nullptr;  // what the class gets a reference to
 };
 
 }  // namespace
 
-std::unique_ptr<ReportRunner> makeReportRunner(EmbeddedPlatform& platform) {
+std::unique_ptr<ReportRunner> makeComReportRunner(EmbeddedPlatform& platform) {
   return std::make_unique<ComReportRunner>(platform);
 }
 
-std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const ReportRegistration& report,
-                                               std::shared_ptr<FilterDialogObject> dialog) {
+std::unique_ptr<DialogRunner> makeComDialogRunner(EmbeddedPlatform& platform, const Report& report,
+                                                  std::shared_ptr<FilterDialogObject> dialog) {
   return std::make_unique<ComDialogRunner>(platform, report, std::move(dialog));
+}
+
+std::unique_ptr<ReportRunner> makeReportRunner(EmbeddedPlatform& platform) {
+  return makeComReportRunner(platform);
+}
+
+std::unique_ptr<DialogRunner> makeDialogRunner(EmbeddedPlatform& platform, const Report& report,
+                                               std::shared_ptr<FilterDialogObject> dialog) {
+  return makeComDialogRunner(platform, report, std::move(dialog));
 }
 
 }  // namespace quillon::workbench

@@ -4,7 +4,7 @@
 
 #include "automation/class_lookup.h"
 #include "component/platform_bindings.h"
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/com/variant_list.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
@@ -128,7 +128,7 @@ Variant WorkbenchPlatform::newArgument(Call& call) {
   Session& session = account();
   const std::string report = call.text(0);
   return inAutomationWords([&] {
-    const auto filter = std::make_shared<FilterObject>(registeredReport(report));
+    const auto filter = std::make_shared<FilterObject>(reportNamed(report).registration);
     const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, accountConnection_, language_, "", ""));
     prepareFilter(*filter, *login, session);
     return Variant(
@@ -143,7 +143,7 @@ Variant WorkbenchPlatform::newDialog(Call& call) {
   }
   const std::string report = call.text(0);
   return inAutomationWords([&] {
-    const auto filter = std::make_shared<FilterObject>(registeredReport(report), InitialValues::none);
+    const auto filter = std::make_shared<FilterObject>(reportNamed(report).registration, InitialValues::none);
     const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, accountConnection_, language_, "", ""));
     const auto connection = watchedSession(failures_);
     connection->setConnectionString(accountConnection_);

@@ -42,15 +42,12 @@ struct ItemRegistration {
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };
 
-// What a report registers: its name on the command line, its title, the filter's identifier, the library's classes that
-// make it and serve its dialog, and the items in order.
+// What a report registers: its name on the command line, its title, the filter's identifier and the items in order.
 struct ReportRegistration {
   std::string name;
   std::string chinese;
   std::string english;
   std::string identifier = {};
-  std::string reportClass = {};    // "clsSFC_Item"
-  std::string filterControl = {};  // "clsSFCFilterControl"
   std::vector<ItemRegistration> items = {};
 
   const std::string& title(Language language) const { return language == Language::chinese ? chinese : english; }

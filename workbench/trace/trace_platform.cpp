@@ -577,7 +577,9 @@ class TraceLedgerVoucherComponent final : public LedgerVoucherComponent {
 }  // namespace
 
 TraceRow::TraceRow(const Json& description)
-    : action(text(description, "Action", "")), columns(texts(description, "row", "")) {}
+    : report(text(description, "report", "")),
+      action(text(description, "Action", "")),
+      columns(texts(description, "row", "")) {}
 
 TraceFilter::TraceFilter(const Json& description) : identifier_(text(description, "id", "")) {
   std::size_t position = 0;

@@ -62,11 +62,12 @@ class TraceFilter final : public Filter {
 };
 
 // The row of a report and what the user wants of it: {"Action":"Vouch","row":{"cVouType":"...","ID":17}}. A column that
-// is left out is empty.
+// is left out is empty. "report" names the report that it is a row of; it may be left out.
 struct TraceRow {
   // Throws DescriptionError.
   explicit TraceRow(const nlohmann::ordered_json& description);
 
+  std::string report;
   std::string action;
   std::map<std::string, std::string, std::less<>> columns;
 };

@@ -26,7 +26,7 @@
 #include "tests/reports/table_lines.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
@@ -757,7 +757,7 @@ TEST_F(FxWtRows, ChooseByDatesAndBusinessTypes) {
 // Every item that the workbench offers names a column that there is.
 TEST_F(FxWtRows, TakeEveryRegisteredItem) {
   std::vector<Item> items;
-  for (const workbench::ItemRegistration& item : workbench::fxWtRegistration().items) {
+  for (const workbench::ItemRegistration& item : workbench::reportNamed("fx-wt").registration.items) {
     const bool number = item.kind == workbench::InputKind::number;
     const bool date = item.kind == workbench::InputKind::date;
     items.push_back({.key = item.key,

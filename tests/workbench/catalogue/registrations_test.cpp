@@ -1,10 +1,9 @@
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <set>
-#include <stdexcept>
 
 #include "workbench/platform/resource_texts.h"
 
@@ -48,8 +47,8 @@ TEST(SfcItemRegistration, HasEveryKeyOnce) {
                                           "cDefine34",      "cDefine35",
                                           "cDefine36",      "cDefine37",
                                           "bIncludeExpire", "bIncludeTransVouch"};
-  EXPECT_EQ(keysOf(sfcItemRegistration()), expected);
-  EXPECT_EQ(sfcItemRegistration().items.size(), expected.size());
+  EXPECT_EQ(keysOf(reportNamed("sfc-item").registration), expected);
+  EXPECT_EQ(reportNamed("sfc-item").registration.items.size(), expected.size());
 }
 
 TEST(OutsumItemRegistration, HasEveryKeyOnce) {
@@ -70,21 +69,21 @@ TEST(OutsumItemRegistration, HasEveryKeyOnce) {
   add("cDefine", 1, 16);
   add("cDefine", 22, 37);
   add("cInvDefine", 1, 16);
-  EXPECT_EQ(keysOf(outsumItemRegistration()), expected);
-  EXPECT_EQ(outsumItemRegistration().items.size(), expected.size());
+  EXPECT_EQ(keysOf(reportNamed("outsum-item").registration), expected);
+  EXPECT_EQ(reportNamed("outsum-item").registration.items.size(), expected.size());
 }
 
 TEST(FxDetailRegistration, HasEveryKeyOnce) {
   const std::set<std::string> expected = {"iYear",    "cCaType",  "dKeepDate", "cInvCCode", "cInvCode", "cWhCode",
                                           "cDepCode", "cBatchIA", "cFree1",    "cFree2",    "cFree3",   "cFree4",
                                           "cFree5",   "cFree6",   "cFree7",    "cFree8",    "cFree9",   "cFree10"};
-  EXPECT_EQ(keysOf(fxDetailRegistration()), expected);
-  EXPECT_EQ(fxDetailRegistration().items.size(), expected.size());
+  EXPECT_EQ(keysOf(reportNamed("fx-detail").registration), expected);
+  EXPECT_EQ(reportNamed("fx-detail").registration.items.size(), expected.size());
 }
 
 // One inventory in one place; a ledger of several batches or free items keeps them apart.
 TEST(FxDetailRegistration, TakesValuesAsTheReportReadsThem) {
-  FilterObject filter(fxDetailRegistration());
+  FilterObject filter(reportNamed("fx-detail").registration);
   const std::set<std::string> single = {"iYear", "cCaType", "cInvCCode", "cInvCode", "cWhCode", "cDepCode"};
   for (const auto& entry : filter.entries()) {
     const std::string& key = entry->item.key;
@@ -96,7 +95,7 @@ TEST(FxDetailRegistration, TakesValuesAsTheReportReadsThem) {
 
 // The view goes by the value "成本项目" of cCaType.
 TEST(FxDetailRegistration, OffersTheBreakdownsOfItsDialog) {
-  FilterObject filter(fxDetailRegistration());
+  FilterObject filter(reportNamed("fx-detail").registration);
   const auto& choices = filter.find("cCaType")->item.choices;
   ASSERT_EQ(choices.size(), 2U);
   EXPECT_EQ(choices[0].code, "项目分类");
@@ -139,15 +138,15 @@ TEST(FxWtRegistration, HasEveryKeyOnce) {
   add("cDefine", 1, 16);
   add("cDefine", 22, 37);
   add("cInvDefine", 1, 16);
-  EXPECT_EQ(keysOf(fxWtRegistration()), expected);
-  EXPECT_EQ(fxWtRegistration().items.size(), expected.size());
+  EXPECT_EQ(keysOf(reportNamed("fx-wt").registration), expected);
+  EXPECT_EQ(reportNamed("fx-wt").registration.items.size(), expected.size());
 }
 
 // Only these have a list form; a key that stands for a column is compared with one value.
 TEST(FxWtRegistration, TakesValuesAsTheReportReadsThem) {
   const std::set<std::string> multiple = {
       "cVouType", "cBusType", "Inventory.cInvCode", "Customer.cCusCode", "Vendor.cVenCode", "cWhCode", "cBatchia"};
-  for (const ItemRegistration& item : fxWtRegistration().items) {
+  for (const ItemRegistration& item : reportNamed("fx-wt").registration.items) {
     EXPECT_EQ(item.range, item.key == "dKeepDate" || item.key == "dVouDate") << item.key;
     EXPECT_EQ(item.multiple, multiple.contains(item.key)) << item.key;
     EXPECT_FALSE(item.required) << item.key;
@@ -155,7 +154,7 @@ TEST(FxWtRegistration, TakesValuesAsTheReportReadsThem) {
 }
 
 TEST(FxWtRegistration, LetsTheFilterObjectTranslateBatchAndAccountingVoucher) {
-  FilterObject filter(fxWtRegistration());
+  FilterObject filter(reportNamed("fx-wt").registration);
   filter.find("cBatchia")->value = "B1";
   filter.find("PzNoId")->value = "IA20240100001";
   EXPECT_EQ(conditionOf(*filter.find("cBatchia")), "base.cBatchia = N'B1'");
@@ -164,14 +163,14 @@ TEST(FxWtRegistration, LetsTheFilterObjectTranslateBatchAndAccountingVoucher) {
 
 // The lists of voucher and business types are filled for the year, which so must have its value by then.
 TEST(OutsumItemRegistration, HasTheYearBeforeWhatDependsOnIt) {
-  const auto& items = outsumItemRegistration().items;
+  const auto& items = reportNamed("outsum-item").registration.items;
   const auto at = [&items](const char* key) { return std::ranges::find(items, key, &ItemRegistration::key); };
   EXPECT_LT(at("iYear"), at("cVouType"));
   EXPECT_LT(at("iYear"), at("cBusType"));
 }
 
 TEST(OutsumItemRegistration, TakesValuesAsTheReportReadsThem) {
-  FilterObject filter(outsumItemRegistration());
+  FilterObject filter(reportNamed("outsum-item").registration);
   const std::set<std::string> ranges = {"dVouDate", "dKeepDate"};
   const std::set<std::string> single = {
       "cModal",        "iGrade",         "iYear",        "cSource",        "cVouCode",
@@ -190,8 +189,8 @@ TEST(OutsumItemRegistration, TakesValuesAsTheReportReadsThem) {
 }
 
 TEST(Registrations, HaveCaptionsInBothLanguages) {
-  for (const char* report : {"sfc-item", "outsum-item", "fx-detail", "fx-wt"}) {
-    for (const ItemRegistration& item : registeredReport(report).items) {
+  for (const Report& report : reports()) {
+    for (const ItemRegistration& item : report.registration.items) {
       EXPECT_FALSE(item.caption(Language::chinese).empty()) << item.key;
       EXPECT_FALSE(item.caption(Language::english).empty()) << item.key;
       EXPECT_NE(item.caption(Language::chinese), item.caption(Language::english)) << item.key;
@@ -203,46 +202,32 @@ TEST(Registrations, HaveCaptionsInBothLanguages) {
   }
 }
 
-TEST(Registrations, AreFoundByName) {
-  EXPECT_EQ(&registeredReport("sfc-item"), &sfcItemRegistration());
-  EXPECT_EQ(&registeredReport("outsum-item"), &outsumItemRegistration());
-  EXPECT_EQ(&registeredReport("fx-detail"), &fxDetailRegistration());
-  EXPECT_EQ(&registeredReport("fx-wt"), &fxWtRegistration());
-  try {
-    registeredReport("outsum");
-    ADD_FAILURE() << "nothing was refused";
-  } catch (const std::invalid_argument& error) {
-    EXPECT_STREQ(error.what(),
-                 "there is no report \"outsum\"; the reports are: sfc-item, outsum-item, fx-detail, fx-wt");
-  }
-}
-
 // The filter-control class tells its two reports apart by these.
 TEST(Registrations, HaveTheirIdentifiersAndClasses) {
-  EXPECT_EQ(sfcItemRegistration().identifier, "CA3BAD03-9D4C-463A-827E-E971D5A36C81");
-  EXPECT_EQ(sfcItemRegistration().reportClass, "clsSFC_Item");
-  EXPECT_EQ(sfcItemRegistration().filterControl, "clsSFCFilterControl");
-  EXPECT_EQ(outsumItemRegistration().identifier, "E55F9D31-F4C3-44D2-BDEB-9F83A208CAEE");
-  EXPECT_EQ(outsumItemRegistration().reportClass, "clsOutsum_Item");
-  EXPECT_EQ(outsumItemRegistration().filterControl, "clsSFCFilterControl");
-  EXPECT_EQ(fxDetailRegistration().reportClass, "clsFXDetail");
-  EXPECT_EQ(fxDetailRegistration().filterControl, "clsFilterControl");
-  EXPECT_EQ(fxWtRegistration().identifier, "3D1986A9-884B-4835-B4AA-DCCBD2E1487C");
-  EXPECT_EQ(fxWtRegistration().reportClass, "clsFXWt");
-  EXPECT_EQ(fxWtRegistration().filterControl, "clsWtFilterControl");
+  EXPECT_EQ(reportNamed("sfc-item").registration.identifier, "CA3BAD03-9D4C-463A-827E-E971D5A36C81");
+  EXPECT_EQ(reportNamed("sfc-item").reportClass, "clsSFC_Item");
+  EXPECT_EQ(reportNamed("sfc-item").dialog->name, "clsSFCFilterControl");
+  EXPECT_EQ(reportNamed("outsum-item").registration.identifier, "E55F9D31-F4C3-44D2-BDEB-9F83A208CAEE");
+  EXPECT_EQ(reportNamed("outsum-item").reportClass, "clsOutsum_Item");
+  EXPECT_EQ(reportNamed("outsum-item").dialog->name, "clsSFCFilterControl");
+  EXPECT_EQ(reportNamed("fx-detail").reportClass, "clsFXDetail");
+  EXPECT_EQ(reportNamed("fx-detail").dialog->name, "clsFilterControl");
+  EXPECT_EQ(reportNamed("fx-wt").registration.identifier, "3D1986A9-884B-4835-B4AA-DCCBD2E1487C");
+  EXPECT_EQ(reportNamed("fx-wt").reportClass, "clsFXWt");
+  EXPECT_EQ(reportNamed("fx-wt").dialog->name, "clsWtFilterControl");
 }
 
 // The filter object must be able to translate an item that a report leaves to it.
 TEST(Registrations, NameTheColumnOfTheBatch) {
   for (const char* report : {"sfc-item", "outsum-item", "fx-detail"}) {
-    FilterObject filter(registeredReport(report));
+    FilterObject filter(reportNamed(report).registration);
     filter.find("cBatchIA")->value = "B1";
     EXPECT_EQ(conditionOf(*filter.find("cBatchIA")), "base.cBatchia = N'B1'");
   }
 }
 
 TEST(SfcItemRegistration, BeginsAsTheDialogDoes) {
-  FilterObject filter(sfcItemRegistration());
+  FilterObject filter(reportNamed("sfc-item").registration);
   EXPECT_EQ(filter.item("cModal")->value(), "0");
   EXPECT_EQ(filter.item("cFSType")->value(), "0");
   EXPECT_EQ(filter.item("iGrade")->value(), "1");
@@ -251,7 +236,7 @@ TEST(SfcItemRegistration, BeginsAsTheDialogDoes) {
 }
 
 TEST(OutsumItemRegistration, BeginsAsTheDialogDoes) {
-  FilterObject filter(outsumItemRegistration());
+  FilterObject filter(reportNamed("outsum-item").registration);
   EXPECT_EQ(filter.item("cModal")->value(), "0");
   EXPECT_EQ(filter.item("cSource")->value(), "0");
   EXPECT_EQ(filter.item("iGrade")->value(), "1");

@@ -9,7 +9,7 @@
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/account/schema.h"
-#include "workbench/catalogue/report_layout.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_object.h"
@@ -143,7 +143,7 @@ TEST_F(OutboundSummary, HtmlHasTheSameTotals) {
 TEST_F(OutboundSummary, CaptionsAreThoseOfTheColumns) {
   const auto document = nlohmann::json::parse(runWith({}, ReportFormat::json));
   EXPECT_EQ(document["captions"].size(), document["columns"].size());
-  EXPECT_EQ(layoutOf("outsum-item").columns.size(), document["columns"].size());
+  EXPECT_EQ(reportNamed("outsum-item").columns.size(), document["columns"].size());
 }
 
 TEST_F(OutboundSummary, ChoicesAreThoseOfTheDialog) {

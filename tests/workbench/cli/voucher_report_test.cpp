@@ -11,7 +11,7 @@
 
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
-#include "workbench/catalogue/report_columns.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"
 #include "workbench/cli/report_command.h"
@@ -172,7 +172,7 @@ TEST_F(VoucherReport, JsonHasEveryColumnWithItsCaption) {
   EXPECT_EQ(columns.front(), "dVouDate");
   EXPECT_EQ(columns.back(), "cBatchia");
   std::vector<std::string> known;
-  for (const ReportColumn& column : fxWtColumns())
+  for (const ReportColumn& column : reportNamed("fx-wt").columns)
     known.push_back(column.name);
   EXPECT_THAT(known, testing::UnorderedElementsAreArray(columns));
   const auto type = static_cast<std::size_t>(std::ranges::find(columns, "cVouType") - columns.begin());

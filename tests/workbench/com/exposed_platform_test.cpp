@@ -6,7 +6,7 @@
 #include "automation/class_lookup.h"
 #include "component/platform_bindings.h"
 #include "tests/workbench/com/ado_fixture.h"
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 
 namespace quillon::workbench {
 namespace {
@@ -35,7 +35,7 @@ class PlatformObjectsTest : public test::AdoTest {
     return result;
   }
   LateBound argument() {
-    filter_ = std::make_shared<FilterObject>(sfcItemRegistration());
+    filter_ = std::make_shared<FilterObject>(reportNamed("sfc-item").registration);
     data_ = std::make_shared<WorkbenchArgument>(filter_, std::make_shared<WorkbenchLogin>(details()), "Result", "Link");
     return {argumentObject(data_), "e"};
   }
@@ -269,7 +269,7 @@ TEST_F(PlatformObjectsTest, AnArgumentReleasesAllThatItGave) {
 // --- The filter in its dialog ---
 
 TEST_F(PlatformObjectsTest, AFilterInADialogTakesWhatTheDialogMakesOfIt) {
-  const auto filter = std::make_shared<FilterObject>(sfcItemRegistration(), InitialValues::none);
+  const auto filter = std::make_shared<FilterObject>(reportNamed("sfc-item").registration, InitialValues::none);
   const auto login = std::make_shared<WorkbenchLogin>(details());
   const auto session = std::make_shared<AccountSession>();
   session->setConnectionString(connectionString(file_));

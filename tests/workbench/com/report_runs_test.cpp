@@ -11,7 +11,7 @@
 #include "tests/component/quillon_library.h"
 #include "tests/long_life/process_level.h"
 #include "workbench/account/account.h"
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/com/exposed_platform.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
@@ -55,7 +55,7 @@ class ReportRunsTest : public testing::Test {
       const std::unique_ptr<Session> session = openSession();
       const auto login =
           std::make_shared<WorkbenchLogin>(accountLogin(*session, connectionString(file_), Language::chinese, "", ""));
-      const auto filter = std::make_shared<FilterObject>(sfcItemRegistration());
+      const auto filter = std::make_shared<FilterObject>(reportNamed("sfc-item").registration);
       prepareFilter(*filter, *login, *session);
       setFilterItems(*filter, settings);
       const com::ComPtr<IDispatch> e = argumentObject(std::make_shared<WorkbenchArgument>(filter, login, table));

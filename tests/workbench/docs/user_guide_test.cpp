@@ -15,8 +15,7 @@
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/account/schema.h"
-#include "workbench/catalogue/registrations.h"
-#include "workbench/catalogue/report_layout.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/resource_texts.h"
@@ -94,7 +93,7 @@ std::string taken(const ItemRegistration& item) {
 class UserGuide : public testing::TestWithParam<std::string> {};
 
 TEST_P(UserGuide, HasEveryFilterItemWithItsCaptionsAndForm) {
-  const ReportRegistration& report = registeredReport(GetParam());
+  const ReportRegistration& report = reportNamed(GetParam()).registration;
   Rows expected;
   for (const ItemRegistration& item : report.items)
     expected.push_back({item.key, bothCaptions(item.chinese, item.english), taken(item)});
@@ -111,10 +110,10 @@ TEST_P(UserGuide, HasEveryFilterItemWithItsCaptionsAndForm) {
 
 TEST_P(UserGuide, HasEveryColumnWithItsCaptions) {
   Rows expected;
-  for (const ReportColumn& column : layoutOf(GetParam()).columns)
+  for (const ReportColumn& column : reportNamed(GetParam()).columns)
     expected.push_back({column.name, bothCaptions(column.chinese, column.english)});
   Rows written;
-  for (const auto& row : tableOf(registeredReport(GetParam()), "Column").rows) {
+  for (const auto& row : tableOf(reportNamed(GetParam()).registration, "Column").rows) {
     const std::vector<std::string> columns = test::namesIn(row[0]);
     const std::vector<std::string> captions = test::captionsOf(columns, row[1]);
     for (std::size_t i = 0; i < columns.size(); ++i)
@@ -124,7 +123,14 @@ TEST_P(UserGuide, HasEveryColumnWithItsCaptions) {
   EXPECT_THAT(written, UnorderedElementsAreArray(expected));
 }
 
-INSTANTIATE_TEST_SUITE_P(Reports, UserGuide, testing::Values("sfc-item", "outsum-item", "fx-detail", "fx-wt"),
+std::vector<std::string> names() {
+  std::vector<std::string> names;
+  for (const Report& report : reports())
+    names.push_back(report.registration.name);
+  return names;
+}
+
+INSTANTIATE_TEST_SUITE_P(Reports, UserGuide, testing::ValuesIn(names()),
                          [](const testing::TestParamInfo<std::string>& report) {
                            std::string name = report.param;
                            std::erase(name, '-');
@@ -143,7 +149,8 @@ TEST(UserGuide, QuotesTheMessages) {
     messages.push_back(resourceText("Mirel.IA.CHHSSQL.00010", language) +
                        resourceText("Mirel.IA.CHHSSQL.13198", language));
     std::string ofFreeItem = resourceText("Mirel.IA.Mirel71.00228", language);
-    const auto freeItem = std::ranges::find(fxDetailRegistration().items, "cFree1", &ItemRegistration::key);
+    const auto freeItem =
+        std::ranges::find(reportNamed("fx-detail").registration.items, "cFree1", &ItemRegistration::key);
     replaceAll(ofFreeItem, "{0}", freeItem->caption(language));
     messages.push_back(ofFreeItem);
     return messages;

@@ -10,6 +10,7 @@
 #include "tests/workbench/odbc/engine_server.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_command.h"
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"
@@ -143,10 +144,10 @@ TEST_F(OverOdbc, CostItemVoucherReport) {
 }
 
 TEST_F(OverOdbc, Dialogs) {
-  for (const char* report : {"sfc-item", "outsum-item", "fx-detail", "fx-wt"}) {
-    expectSame([report](const std::string& source) {
+  for (const Report& report : reports()) {
+    expectSame([&report](const std::string& source) {
       std::ostringstream out;
-      runDialog({.report = report, .account = source, .format = DialogFormat::json}, out);
+      runDialog({.report = report.registration.name, .account = source, .format = DialogFormat::json}, out);
       return out.str();
     });
   }

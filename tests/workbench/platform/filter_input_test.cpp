@@ -4,13 +4,13 @@
 
 #include <stdexcept>
 
-#include "workbench/catalogue/registrations.h"
+#include "workbench/catalogue/catalogue.h"
 
 namespace quillon::workbench {
 namespace {
 
 FilterObject filterWith(const std::vector<std::string>& settings) {
-  FilterObject filter(sfcItemRegistration());
+  FilterObject filter(reportNamed("sfc-item").registration);
   filter.find("iYear")->value = "2024";
   setFilterItems(filter, settings);
   checkFilter(filter);
@@ -53,14 +53,14 @@ TEST(FilterSettings, ReadSeveralValues) {
 }
 
 TEST(FilterSettings, ReplaceWhatStoodThereBefore) {
-  FilterObject filter(sfcItemRegistration());
+  FilterObject filter(reportNamed("sfc-item").registration);
   filter.find("cInvCode")->value = "from a file";
   setFilterItems(filter, std::vector<std::string>{"cInvCode=0101"});
   EXPECT_EQ(filter.find("cInvCode")->value, "0101");
 }
 
 TEST(FilterSettings, ClearAnItem) {
-  FilterObject filter(sfcItemRegistration());
+  FilterObject filter(reportNamed("sfc-item").registration);
   filter.find("cInvCode")->value = "from a file";
   setFilterItems(filter, std::vector<std::string>{"cInvCode="});
   EXPECT_EQ(filter.find("cInvCode")->value, "");
@@ -105,7 +105,7 @@ TEST(FilterSettings, TakeClosingBalanceDigitsInEveryForm) {
 
 // Codes of several characters stand for themselves, never for their digits.
 TEST(FilterSettings, TakeLongCodesWhole) {
-  FilterObject filter(outsumItemRegistration());
+  FilterObject filter(reportNamed("outsum-item").registration);
   filter.find("iYear")->value = "2024";
   filter.find("cVouType")->item.choices = {{"08", "其他", "other"}, {"32", "销售", "sale"}};
   setFilterItems(filter, std::vector<std::string>{"cVouType=32,08"});

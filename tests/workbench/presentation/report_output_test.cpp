@@ -153,7 +153,7 @@ TEST_F(ReportOutputTest, RowsComeInASettledOrder) {
 TEST_F(ReportOutputTest, JsonIsOneDocument) {
   test::fillResult(*account_);
   std::ostringstream out;
-  writeJson(out, test::documentOf(result_, Language::english), result_, sfcItemColumns());
+  writeJson(out, test::documentOf(result_, Language::english), result_, reportNamed("sfc-item").columns);
   const auto document = nlohmann::json::parse(out.str());
   EXPECT_EQ(document["report"], "sfc-item");
   EXPECT_EQ(document["title"], "Receipt/issue/balance");
@@ -219,7 +219,7 @@ TEST_F(ReportOutputTest, CrossViewOfExpensesReadsTheBalanceColumns) {
   account_->execute(
       "Insert Into Result (cFXCode, cFXName, cState, iState, iQcMoney, iInMoney, iOutMoney, iQmMoney) "
       "Values (N'01', N'材料', N'', 1, 100, 0, 0, 100), (N'01', N'材料', N'', Null, 0, 50, 30, 20)");
-  const CrossView view = result_.crossView(layoutOf("sfc-item").states("2"));
+  const CrossView view = result_.crossView(reportNamed("sfc-item").crossStates("2"));
   ASSERT_EQ(view.rows.size(), 1U);
   EXPECT_THAT(view.rows[0].money, testing::ElementsAre("100.0000", "50.0000", "30.0000", "120.0000"));
   EXPECT_THAT(view.total.money, testing::ElementsAre("100.0000", "50.0000", "30.0000", "120.0000"));

@@ -1,9 +1,8 @@
-#include "workbench/cli/trace_command.h"
+#include "workbench/trace/trace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -286,47 +285,6 @@ TEST(Trace, AnErrorOfTheDetailLedgerIsTheLastLine) {
 TEST(Trace, RefusesAReportThatItDoesNotKnow) {
   std::stringstream out;
   EXPECT_THROW(trace("no-report", byCostItem, Json::object(), out, out), UserError);
-}
-
-// --- The command line ---
-
-// Parses `arguments` (in order) as the program does. Gives what the parsing threw, in one word.
-std::string parsed(std::vector<std::string> arguments) {
-  CLI::App app;
-  app.require_subcommand(1);
-  addTraceCommand(app);
-  std::reverse(arguments.begin(), arguments.end());
-  try {
-    app.parse(std::move(arguments));
-    return "done";
-  } catch (const CLI::RuntimeError& end) {
-    return "status " + std::to_string(end.get_exit_code());
-  } catch (const CLI::ParseError&) {
-    return "usage";
-  } catch (const UserError& error) {
-    return error.what();
-  }
-}
-
-TEST(TraceCommand, TakesEitherACaseOrAReportWithItsFiles) {
-  const std::string file = casePath("failing_statement.json");
-  EXPECT_EQ(parsed({"trace"}), "usage");
-  EXPECT_EQ(parsed({"trace", "sfc-item"}), "usage");
-  EXPECT_EQ(parsed({"trace", "sfc-item", "--filter", file}), "usage");
-  EXPECT_EQ(parsed({"trace", "--filter", file, "--platform", file}), "usage");
-  EXPECT_EQ(parsed({"trace", "sfc-item", "--case", file}), "usage");
-  EXPECT_EQ(parsed({"trace", "no-report", "--filter", file, "--platform", file}), "usage");
-  EXPECT_EQ(parsed({"trace", "--case"}), "usage");
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(parsed({"trace", "--case", file}), "done");
-  EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::StartsWith("{\"call\":\"set\""));
-}
-
-TEST(TraceCommand, RefusesFilesThatItCannotRead) {
-  const std::string missing = casePath("missing.json");
-  EXPECT_EQ(parsed({"trace", "--case", missing}), "cannot read " + missing + "; check the name and its permissions");
-  const std::string lines = casePath("failing_statement.expected.jsonl");
-  EXPECT_EQ(parsed({"trace", "--case", lines}), lines + " is not valid JSON: see line 2");
 }
 
 }  // namespace

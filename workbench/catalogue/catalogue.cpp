@@ -1,0 +1,48 @@
+#include "workbench/catalogue/catalogue.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+#include "workbench/catalogue/fx_detail.h"
+#include "workbench/catalogue/fx_wt.h"
+#include "workbench/catalogue/outsum_item.h"
+#include "workbench/catalogue/sfc_item.h"
+
+namespace quillon::workbench {
+
+std::span<const Report> reports() {
+  static const std::array all = {sfcItem(), outsumItem(), fxDetail(), fxWt()};
+  return all;
+}
+
+const Report& reportNamed(std::string_view name) {
+  for (const Report& report : reports()) {
+    if (report.registration.name == name) return report;
+  }
+  throw std::invalid_argument("there is no report \"" + std::string(name) + "\"; the reports are: " + reportNames());
+}
+
+std::string reportNames() {
+  std::string names;
+  for (const Report& report : reports())
+    names += (names.empty() ? "" : ", ") + report.registration.name;
+  return names;
+}
+
+std::vector<account::ReportKeys> joinKeysOfReports() {
+  std::vector<account::ReportKeys> keys;
+  for (const Report& report : reports())
+    keys.push_back({.report = report.registration.name, .keys = report.joinKeys});
+  return keys;
+}
+
+std::vector<const DialogClass*> dialogClasses() {
+  std::vector<const DialogClass*> classes;
+  for (const Report& report : reports()) {
+    if (std::ranges::find(classes, report.dialog) == classes.end()) classes.push_back(report.dialog);
+  }
+  return classes;
+}
+
+}  // namespace quillon::workbench

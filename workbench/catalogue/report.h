@@ -1,0 +1,47 @@
+// What the workbench knows of a report. Each report fills one of these in its own file of this folder; whoever needs a
+// fact about a report takes it from here.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "workbench/account/key_check.h"
+#include "workbench/catalogue/core_report.h"
+#include "workbench/catalogue/dialog_classes.h"
+#include "workbench/catalogue/report_columns.h"
+#include "workbench/catalogue/report_layout.h"
+#include "workbench/platform/filter_object.h"
+
+namespace quillon::workbench {
+
+struct Report {
+  // Its name on the command line, its title and the items of its filter.
+  ReportRegistration registration;
+
+  // The class of the library that makes it, "clsSFC_Item", and an instance of that class called directly; `module` must
+  // outlive what is made.
+  std::string_view reportClass;
+  std::unique_ptr<CoreReport> (*make)(Module& module) = nullptr;
+  // The class that serves its dialog.
+  const DialogClass* dialog = nullptr;
+
+  // The columns of its result table, in the order in which table and page show them.
+  std::vector<ReportColumn> columns;
+  RowOrder order = orderByPlace;
+  // The states of the cross view for a report mode (the value of cModal). A ledger has none.
+  std::vector<CrossState> (*crossStates)(std::string_view mode) = nullptr;
+  // The report is a ledger: its rows are lines and balances, which cannot be summed, so it has no cross view.
+  bool isLedger = false;
+
+  // The keys by which it joins masters to ledger lines, in its order.
+  std::vector<account::JoinKey> joinKeys = {};
+
+  // The columns of a row that lead to the document behind it. Empty: its rows open nothing.
+  std::span<const std::string_view> documentColumns = {};
+
+  bool opensDocuments() const { return !documentColumns.empty(); }
+};
+
+}  // namespace quillon::workbench

@@ -1,0 +1,81 @@
+#include "workbench/cli/trace_command.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "workbench/cli/exit_status.h"
+#include "workbench/platform/json_file.h"
+#include "workbench/platform/user_error.h"
+#include "workbench/trace/trace.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct TraceOptions {
+  std::string report;
+  std::string filterFile;
+  std::string platformFile;
+  std::string caseFile;
+  std::vector<std::string> events;
+};
+
+std::vector<std::string> eventsOf(const Json& description, const std::string& file) {
+  const Json events = description.value("events", Json::array());
+  try {
+    return events.get<std::vector<std::string>>();
+  } catch (const Json::exception&) {
+    throw UserError(file + ": events must be an array of texts, such as [\"init\", \"change:iYear=2024\"]");
+  }
+}
+
+int runTrace(const TraceOptions& options) {
+  if (options.caseFile.empty()) {
+    return trace(options.report, readJsonFile(options.filterFile), readJsonFile(options.platformFile), std::cout,
+                 std::cerr, options.events);
+  }
+  const Json description = readJsonFile(options.caseFile);
+  if (!description.is_object() || !description.contains("report") || !description["report"].is_string()) {
+    throw UserError(options.caseFile + " names no report: give it the keys report, filter and platform");
+  }
+  return trace(description["report"], description.value("filter", Json::object()),
+               description.value("platform", Json::object()), std::cout, std::cerr,
+               eventsOf(description, options.caseFile));
+}
+
+}  // namespace
+
+void addTraceCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "trace", "Print every database call of a report against a described platform; nothing is executed");
+  const auto options = std::make_shared<TraceOptions>();
+  command
+      .add_option("REPORT", options->report,
+                  "The report, a filter dialog, or execute for a drill-through: " + listed(traceNames()))
+      ->check(CLI::IsMember(traceNames()));
+  command.add_option("--filter", options->filterFile, "The filter's description, for execute the row's; a JSON file");
+  command.add_option("--platform", options->platformFile, "The platform's description, a JSON file");
+  command.add_option("--case", options->caseFile,
+                     "Instead of them one JSON file with the keys report, filter, platform and, for dialogs, events");
+  command.add_option(
+      "--event", options->events,
+      "What happens in a dialog, in order (may be repeated): init, view, click, year, grade, change:KEY, "
+      "change:KEY=VALUE, set:KEY=VALUE; without it: init, view, click");
+  command.callback([options] {
+    const bool described = !options->report.empty() && !options->filterFile.empty() && !options->platformFile.empty();
+    const bool undescribed = options->report.empty() && options->filterFile.empty() && options->platformFile.empty() &&
+                             options->events.empty();
+    if (options->caseFile.empty() ? !described : !undescribed) {
+      throw CLI::ValidationError("trace", "give either REPORT with --filter and --platform, or --case");
+    }
+    if (const int status = runTrace(*options); status != 0) endWith(status);
+  });
+}
+
+}  // namespace quillon::workbench
