@@ -189,8 +189,9 @@ std::vector<account::JoinKey> fxWtKeys() {
           {"Ca_AmoTypeName", "cAmoType, localid"}};
 }
 
-// What a drill-through reads of a row. The report has no column for the ledger line's own number, ID.
-constexpr std::array<std::string_view, 5> documentColumns = {"cVouType", "cVouCode", "cBusType", "iPZID", "cPZID"};
+// What a drill-through reads of a row. It asks for ID, too, which the platform answers from AutoID.
+constexpr std::array<std::string_view, 6> documentColumns = {"cVouType", "cVouCode", "cBusType",
+                                                             "iPZID",    "cPZID",    "AutoID"};
 
 }  // namespace
 

@@ -30,9 +30,10 @@ struct Report {
   // The columns of its result table, in the order in which table and page show them.
   std::vector<ReportColumn> columns;
   RowOrder order = orderByPlace;
-  // The states of the cross view for a report mode (the value of cModal). A ledger has none.
+  // The states of the cross view for a report mode (the value of cModal), which sums by the columns cFXCode and cFXName of
+  // the result table. Nothing: the report has no cross view.
   std::vector<CrossState> (*crossStates)(std::string_view mode) = nullptr;
-  // The report is a ledger: its rows are lines and balances, which cannot be summed, so it has no cross view.
+  // The report is a ledger: its rows are lines and balances, which cannot be summed and have no cross view.
   bool isLedger = false;
 
   // The keys by which it joins masters to ledger lines, in its order.

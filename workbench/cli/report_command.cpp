@@ -91,7 +91,9 @@ ReportDocument readersDocument(const ReportOptions& options, const MadeReport& r
                                      inventoryName(session, entered(report.filter(), "cInvCode")));
   } else {
     document.totals = table.totals(document.columns);
-    document.crossStates = report.report().crossStates(entered(report.filter(), "cModal"));
+  }
+  if (const auto crossStates = report.report().crossStates) {
+    document.crossStates = crossStates(entered(report.filter(), "cModal"));
     document.cross = table.crossView(document.crossStates);
   }
   return document;

@@ -157,7 +157,7 @@ void writeHtml(std::ostream& out, const ReportDocument& document, const ResultTa
     if (document.ledger) {
       writeLedger(out, document, table, limit);
     } else {
-      writeCross(out, document);
+      if (!document.crossStates.empty()) writeCross(out, document);
       writeRows(out, document, table, limit);
     }
     out << "<p class=\"note\">" << rowCountText(document, limit) << "</p>\n";

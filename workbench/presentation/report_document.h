@@ -23,7 +23,7 @@ struct ReportDocument {
   std::vector<ReportColumn> columns;                            // those that are shown, of the filled ones
   std::size_t columnsLeftOut = 0;                               // the filled ones that are not shown
   std::vector<std::optional<std::string>> totals;               // one a column
-  std::vector<CrossState> crossStates;
+  std::vector<CrossState> crossStates;                          // empty: the report has no cross view
   CrossView cross;
   bool ledger = false;       // without totals and cross view; its rows are read as LedgerRows
   int unitCostDecimals = 4;  // the account's

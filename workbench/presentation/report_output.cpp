@@ -153,9 +153,11 @@ void writeTable(std::ostream& out, const ReportDocument& document, const ResultT
   if (document.ledger) {
     writeLedgerTable(out, document, table, limit);
   } else {
-    out << document.text(crossCaption) << '\n';
-    writeCrossTable(out, document);
-    out << '\n' << document.text(rowsCaption) << '\n';
+    if (!document.crossStates.empty()) {
+      out << document.text(crossCaption) << '\n';
+      writeCrossTable(out, document);
+      out << '\n' << document.text(rowsCaption) << '\n';
+    }
     writeRowTable(out, document, table, limit);
   }
   out << '\n' << rowCountText(document, limit) << '\n';

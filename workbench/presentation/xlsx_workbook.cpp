@@ -323,7 +323,7 @@ void writeXlsx(const std::filesystem::path& file, const ReportDocument& document
   if (document.rowCount == 0) {
     sheet.text(document.text(noRowsCaption), Style::plain);
   } else {
-    if (!document.ledger) writeCross(sheet, document);
+    if (!document.crossStates.empty()) writeCross(sheet, document);
     requireRoom(sheet, document, limit);
     if (document.ledger) {
       writeLedger(sheet, document, table, limit);
