@@ -118,6 +118,14 @@ std::vector<ReportColumn> fxDetailColumns() {
   return all;
 }
 
+// The keys by which the build joins, in its order.
+std::vector<account::JoinKey> fxDetailKeys() {
+  return {{"ia_subsidiary", "AutoID"}, {"IA_Subsidiary_QC", "AutoID"}, {"Inventory", "cInvCode"},
+          {"Ca_FxDef", "iFxID"},       {"Ca_FxClassDef", "iFxCId"},    {"ComputationUnit", "cComUnitCode"},
+          {"Warehouse", "cWhCode"},    {"Department", "cDepCode"},     {"Vendor", "cVenCode"},
+          {"Customer", "cCusCode"},    {"Rd_Style", "cRdCode"}};
+}
+
 // What a drill-through reads of a row.
 constexpr std::array<std::string_view, 6> documentColumns = {"cVouType", "cVouCode", "cBusType",
                                                              "iPZID",    "cPZID",    "ID"};
@@ -131,6 +139,7 @@ Report fxDetail() {
           .dialog = &detailDialog(),
           .columns = fxDetailColumns(),
           .isLedger = true,
+          .joinKeys = fxDetailKeys(),
           .documentColumns = documentColumns};
 }
 

@@ -118,6 +118,7 @@ std::vector<std::string> columnsOfKey(std::string_view columns) {
 }
 
 TEST_P(CatalogueReport, JoinsByKeysOfTheAccountsTables) {
+  EXPECT_FALSE(report().joinKeys.empty());
   for (const account::JoinKey& key : report().joinKeys) {
     const auto table = std::ranges::find(account::tables(), key.table, &account::TableDefinition::name);
     ASSERT_NE(table, account::tables().end()) << key.table;

@@ -63,33 +63,34 @@ TEST_F(JoinKeys, EachMasterMustHaveOneRowForItsKey) {
     std::string reports;
   };
   const Case cases[] = {
-      {"Warehouse", "cWhCode", "cWhName", "N'x'", "sfc-item, outsum-item, fx-wt"},
-      {"Rd_Style", "cRdCode", "cRdName, bRdFlag", "N'x', 0", "outsum-item, fx-wt"},
+      {"Warehouse", "cWhCode", "cWhName", "N'x'", "sfc-item, outsum-item, fx-detail, fx-wt"},
+      {"Rd_Style", "cRdCode", "cRdName, bRdFlag", "N'x', 0", "outsum-item, fx-detail, fx-wt"},
       {"sfc_workcenter", "Description", "WcId, WcCode", "1, N'x'", "outsum-item"},
       {"CA_CostCenter", "cCostCenter", "cCostCenterName", "N'x'", "outsum-item"},
       {"ComputationUnit", "cComUnitCode", "cComUnitName, cGroupCode, bMainUnit", "N'x', N'x', 1",
-       "sfc-item, outsum-item, fx-wt"},
-      {"Customer", "cCusCode", "cCusName", "N'x'", "outsum-item, fx-wt"},
+       "sfc-item, outsum-item, fx-detail, fx-wt"},
+      {"Customer", "cCusCode", "cCusName", "N'x'", "outsum-item, fx-detail, fx-wt"},
       {"CustomerClass", "cCCCode", "cCCName", "N'x'", "outsum-item, fx-wt"},
-      {"Vendor", "cVenCode", "cVenName", "N'x'", "outsum-item, fx-wt"},
+      {"Vendor", "cVenCode", "cVenName", "N'x'", "outsum-item, fx-detail, fx-wt"},
       {"VendorClass", "cVCCode", "cVCName", "N'x'", "fx-wt"},
       {"CAQ_CostCenterMap", "cBusID", "cDeptID", "N'x'", "fx-wt"},
       {"CAQ_CostCenter", "cDeptID", "cDeptName", "N'x'", "fx-wt"},
-      {"Department", "cDepCode", "cDepName", "N'x'", "sfc-item, outsum-item, fx-wt"},
+      {"Department", "cDepCode", "cDepName", "N'x'", "sfc-item, outsum-item, fx-detail, fx-wt"},
       {"Person", "cPersonCode", "cPersonName", "N'x'", "outsum-item"},
       {"orvsystem..ua_user", "cUser_Id", "cUser_Name", "N'x'", "outsum-item"},
       {"fItem", "cItem_Class", "cItem_Name", "N'x'", "outsum-item"},
       {"Ca_FxMapExpDID", "iFxDID", "iFxID, cAmoType", "1, 1", "sfc-item, outsum-item, fx-wt"},
       {"Ca_FxMapExpDetails", "iFxDID", "cAmoType", "1", "sfc-item, outsum-item, fx-wt"},
       {"Ca_FxDef", "iFxID", "cFxCode, cFxName, cFxCID, bHasDetails", "N'x', N'x', 1, 0",
-       "sfc-item, outsum-item, fx-wt"},
+       "sfc-item, outsum-item, fx-detail, fx-wt"},
       {"ia_subsidiary", "AutoID", "iYear, iMonth, cVouType, bRdFlag, bFlag", "2024, 1, N'32', 0, 0",
-       "sfc-item, outsum-item, fx-wt"},
-      {"IA_Subsidiary_QC", "AutoID", "iYear, iMonth, cVouType, bRdFlag, bFlag", "2024, 1, N'34', 1, 0", "sfc-item"},
+       "sfc-item, outsum-item, fx-detail, fx-wt"},
+      {"IA_Subsidiary_QC", "AutoID", "iYear, iMonth, cVouType, bRdFlag, bFlag", "2024, 1, N'34', 1, 0",
+       "sfc-item, fx-detail"},
       {"Inventory", "cInvCode",
        "cInvName, cInvCCode, cComUnitCode, bCheckBatch, bCheckFree1, bCheckFree2, bCheckFree3, bCheckFree4, "
        "bCheckFree5, bCheckFree6, bCheckFree7, bCheckFree8, bCheckFree9, bCheckFree10",
-       "N'x', N'x', N'x', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0", "sfc-item, outsum-item, fx-wt"},
+       "N'x', N'x', N'x', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0", "sfc-item, outsum-item, fx-detail, fx-wt"},
   };
   for (const Case& master : cases) {
     account_ = tsql::Connection::openInMemory();
@@ -166,7 +167,7 @@ TEST_F(JoinKeys, AClassMustHaveOneClassAboveItAtEachGrade) {
 
 TEST_F(JoinKeys, AClassIsKnownByItsNumber) {
   unkeyed("Ca_FxClassDef", "iFxCId, cFxCCode, cFxCName, iGrade", "(1, N'01', N'a', 1), (1, N'02', N'b', 1)");
-  EXPECT_THAT(broken(), testing::ElementsAre("Ca_FxClassDef: iFxCId = 1 (2) sfc-item, outsum-item, fx-wt"));
+  EXPECT_THAT(broken(), testing::ElementsAre("Ca_FxClassDef: iFxCId = 1 (2) sfc-item, outsum-item, fx-detail, fx-wt"));
 }
 
 TEST_F(JoinKeys, RefusesADatabaseThatIsNoAccount) {

@@ -56,8 +56,8 @@ TEST_F(AccountCheck, ListsTheKeysThatSeveralRowsShare) {
   EXPECT_EQ(
       out.str(),
       "table           key                 rows  reports\n"
-      "--------------  ------------------  ----  ----------------------------\n"
-      "Warehouse       cWhCode = 01           2  sfc-item, outsum-item, fx-wt\n"
+      "--------------  ------------------  ----  ---------------------------------------\n"
+      "Warehouse       cWhCode = 01           2  sfc-item, outsum-item, fx-detail, fx-wt\n"
       "sfc_workcenter  Description = 车床     2  outsum-item\n"
       "\n"
       "These reports count a ledger line that names such a key once for each of its rows; leave one row a key.\n");
