@@ -184,9 +184,9 @@ class Bench {
 
   Run report() {
     using namespace workbench;
-    const std::string connection = connectionString(account_);
+    const AccountSource account = AccountSource::inFile(account_);
     double sessionSeconds = 0;
-    EmbeddedPlatform platform({.accountConnection = connection, .makeSession = [&] {
+    EmbeddedPlatform platform({.account = account, .makeSession = [&] {
                                  return std::make_shared<SessionTime>(std::make_shared<AccountSession>(nullptr),
                                                                       sessionSeconds);
                                }});
@@ -198,7 +198,7 @@ class Bench {
       entry.value = value.substr(0, dots);
       if (dots != std::string::npos) entry.value2 = value.substr(dots + 2);
     }
-    const auto login = std::make_shared<WorkbenchLogin>(LoginDetails{.accountConnection = connection,
+    const auto login = std::make_shared<WorkbenchLogin>(LoginDetails{.accountConnection = account.connectionString(),
                                                                      .accountCode = "001",
                                                                      .accountingYear = values_["$year"],
                                                                      .languageRegion = "zh-CN",

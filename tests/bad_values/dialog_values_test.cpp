@@ -35,7 +35,7 @@ const std::array lookups{
 class OpenDialog {
  public:
   explicit OpenDialog(const Report& report)
-      : platform({.accountConnection = account().connectionString(),
+      : platform({.account = account().source(),
                   .messages = [this](std::string_view text, int) { messages.emplace_back(text); }}),
         filter(std::make_shared<FilterObject>(report.registration, workbench::InitialValues::none)),
         runner(workbench::makeDialogRunner(

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/bad_values/run.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::bad_values {
 namespace {
@@ -24,7 +25,7 @@ const std::filesystem::path& outsideFile() {
 }
 
 std::vector<std::string> waysOut() {
-  const std::string file = "'" + workbench::utf8FromPath(outsideFile()) + "'";
+  const std::string file = "'" + utf8FromPath(outsideFile()) + "'";
   return {// of the database that keeps the account
           "Attach Database " + file + " As other", "Attach " + file + " As other", "Detach Database temp",
           "Vacuum Into " + file, "Vacuum", "Reindex", "Analyze", "Pragma writable_schema = 1", "Pragma database_list",
@@ -74,7 +75,7 @@ TEST(PowerOfAValue, TheConnectionTakesNoOtherFile) {
   const auto account = desk().open();
   const std::string attach = "ATTACH DATABASE ':memory:' AS other";
   EXPECT_NE(sqlite3_exec(account->handle(), attach.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-  const std::string into = "VACUUM INTO '" + workbench::utf8FromPath(outsideFile()) + "'";
+  const std::string into = "VACUUM INTO '" + utf8FromPath(outsideFile()) + "'";
   EXPECT_NE(sqlite3_exec(account->handle(), into.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
   EXPECT_FALSE(std::filesystem::exists(outsideFile()));
 }
@@ -83,7 +84,7 @@ TEST(PowerOfAValue, PastedStatementsLeaveTheAccountFileNeither) {
   const workbench::Report& report = workbench::reportNamed("fx-wt");
   const std::string usual = desk().run(report, {}).rows;
   const std::filesystem::path& file = outsideFile();
-  const std::string out = "'" + workbench::utf8FromPath(file) + "'";
+  const std::string out = "'" + utf8FromPath(file) + "'";
   for (const std::string& statement :
        {"Attach Database " + out + " As other", "Vacuum Into " + out, "Backup Database account To Disk = " + out,
         std::string("Exec xp_cmdshell 'dir'")}) {
@@ -104,8 +105,7 @@ TEST(PowerOfAValue, WithinTheAccountIsThatOfTheConnection) {
 }
 
 TEST(PowerOfAValue, AConnectionForReadingRefusesToWrite) {
-  const auto account =
-      tsql::Connection::open(workbench::accountFile(desk().account().connectionString()), tsql::OpenMode::readOnly);
+  const auto account = tsql::Connection::open(desk().account().source().file(), tsql::OpenMode::readOnly);
   constexpr int readOnly = 3906;
   try {
     account->execute("Drop Table Inventory");

@@ -53,7 +53,7 @@ class Desk {
   const faults::TinyAccount& account() const { return account_; }
 
   std::unique_ptr<tsql::Connection> open() const {
-    return tsql::Connection::open(workbench::accountFile(account_.connectionString()), tsql::OpenMode::existing);
+    return tsql::Connection::open(account_.source().file(), tsql::OpenMode::existing);
   }
 
   // The report's filter as it begins, with what the report cannot do without, and `settings` in it as they stand: the
@@ -75,7 +75,7 @@ class Desk {
   ReportRun run(const workbench::Report& report, const std::vector<Setting>& settings) {
     ReportRun result;
     Statements statements;
-    workbench::EmbeddedPlatform platform({.accountConnection = account_.connectionString(), .monitor = &statements});
+    workbench::EmbeddedPlatform platform({.account = account_.source(), .monitor = &statements});
     const auto argument = std::make_shared<workbench::WorkbenchArgument>(filterOf(report, settings), account_.login(),
                                                                          workbench::freshResultTable());
     try {

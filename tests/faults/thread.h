@@ -14,7 +14,7 @@ namespace quillon::faults {
 struct Thread {
   // `namingNumber` stands in for the platform's own, unless it is empty.
   explicit Thread(const TinyAccount& account, const std::string& namingNumber = {})
-      : inner({.accountConnection = account.connectionString(),
+      : inner({.account = account.source(),
                .messages = [this](std::string_view text, int) { shown += std::string(text) + "\n"; },
                .vouchers = [this](const workbench::OpenedVoucher& voucher) { shown += voucher.member + "\n"; }}),
         platform(outside, inner),

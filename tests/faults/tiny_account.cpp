@@ -5,7 +5,6 @@
 #include <iterator>
 
 #include "workbench/account/account.h"
-#include "workbench/platform/account_source.h"
 
 namespace quillon::faults {
 
@@ -33,7 +32,7 @@ constexpr std::array thinOut = {
 }  // namespace
 
 TinyAccount::TinyAccount(account::Valuation valuation, int costItemStartMonth)
-    : connectionString_(workbench::connectionString(file_.path())) {
+    : source_(workbench::AccountSource::inFile(file_.path())) {
   account::SampleOptions options;
   options.rows = account::minimumSampleRowsAYear;
   options.years = 1;
@@ -49,14 +48,14 @@ TinyAccount::TinyAccount(account::Valuation valuation, int costItemStartMonth)
 
 std::shared_ptr<workbench::AccountSession> TinyAccount::openSession() const {
   auto session = std::make_shared<workbench::AccountSession>();
-  session->setConnectionString(connectionString_);
+  session->setAccount(source_);
   session->open("", "", optionsUnspecified);
   return session;
 }
 
 std::shared_ptr<workbench::WorkbenchLogin> TinyAccount::login() const {
   return std::make_shared<workbench::WorkbenchLogin>(
-      workbench::accountLogin(*openSession(), connectionString_, workbench::Language::chinese, "", ""));
+      workbench::accountLogin(*openSession(), source_, workbench::Language::chinese, "", ""));
 }
 
 std::vector<std::string> TinyAccount::newTables() const {

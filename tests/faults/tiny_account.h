@@ -9,6 +9,7 @@
 
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/sample.h"
+#include "workbench/platform/account_source.h"
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/tsql/engine/engine.h"
@@ -23,7 +24,7 @@ class TinyAccount {
 
   TinyAccount(account::Valuation valuation, int costItemStartMonth);
 
-  const std::string& connectionString() const { return connectionString_; }
+  const workbench::AccountSource& source() const { return source_; }
   // Of 2024, in Chinese.
   std::shared_ptr<workbench::WorkbenchLogin> login() const;
   // A session of the tests' own, open.
@@ -40,7 +41,7 @@ class TinyAccount {
 
  private:
   workbench::test::TemporaryFile file_{".account"};
-  std::string connectionString_;
+  workbench::AccountSource source_;
   std::unique_ptr<tsql::Connection> account_;
   std::vector<std::string> tables_;
 };

@@ -70,7 +70,7 @@ std::vector<Use> SmallAccount::uses() const {
 
 std::string SmallAccount::resultOf(const Use& use) const {
   const workbench::ReportRequest request{.report = use.report,
-                                         .account = workbench::utf8FromPath(file_.path()),
+                                         .account = workbench::AccountSource::inFile(file_.path()),
                                          .settings = use.settings,
                                          .dialog = use.kind == Use::Kind::reportWithDialog};
   std::ostringstream out, notes;

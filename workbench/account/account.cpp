@@ -7,6 +7,7 @@
 #include "workbench/account/partial_file.h"
 #include "workbench/account/schema.h"
 #include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::account {
 namespace {

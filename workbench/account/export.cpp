@@ -10,6 +10,7 @@
 #include "workbench/account/transfer.h"
 #include "workbench/account/transfer_files.h"
 #include "workbench/tsql/engine/stored_schema.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::account {
 
@@ -53,9 +54,7 @@ class NewFolder {
   }
 
  private:
-  std::filesystem::path inFolder(std::string_view name) const {
-    return folder_ / std::filesystem::path(std::u8string(name.begin(), name.end()));
-  }
+  std::filesystem::path inFolder(std::string_view name) const { return folder_ / pathFromUtf8(name); }
   void clearUnfinished() const {
     std::error_code error;
     const std::filesystem::path mark = inFolder(unfinishedSchemaFileName);

@@ -12,13 +12,14 @@
 #include "workbench/account/transfer.h"
 #include "workbench/account/transfer_files.h"
 #include "workbench/tsql/engine/stored_schema.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::account {
 
 namespace {
 
 std::filesystem::path inFolder(const std::filesystem::path& folder, std::string_view name) {
-  return folder / std::filesystem::path(std::u8string(name.begin(), name.end()));
+  return folder / pathFromUtf8(name);
 }
 
 void requireFolder(const std::filesystem::path& folder) {

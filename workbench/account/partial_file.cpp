@@ -4,13 +4,9 @@
 #include <utility>
 
 #include "workbench/account/account_error.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::account {
-
-std::string utf8FromPath(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
 
 void refuseExisting(const std::filesystem::path& file) {
   std::error_code error;

@@ -2,12 +2,8 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
-#include <string_view>
 
 namespace quillon::account {
-
-std::string utf8FromPath(const std::filesystem::path& path);
 
 // Throws AccountError when `file` exists.
 void refuseExisting(const std::filesystem::path& file);

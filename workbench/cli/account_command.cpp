@@ -11,13 +11,14 @@
 #include "workbench/account/key_check.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_diff_command.h"
+#include "workbench/cli/account_option.h"
 #include "workbench/cli/account_transfer_command.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/standard_streams.h"
-#include "workbench/platform/account_source.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
@@ -37,8 +38,8 @@ void makeSample(const std::string& file, const account::SampleOptions& options) 
   std::cout << "made " << file << " with " << groupedCount(options.rows) << " ledger lines\n";
 }
 
-void showInfo(const std::string& source) {
-  const auto connection = openDatabase(source, tsql::OpenMode::readOnly);
+void showInfo(const AccountSource& source) {
+  const auto connection = source.open(tsql::OpenMode::readOnly);
   const account::AccountInfo info = account::info(*connection);
   std::cout << "account " << info.accountCode << ", inventory accounting since " << info.startDate
             << ", valuation method " << info.valuationMethod << ", current year " << info.currentYear << "\n\n";
@@ -63,8 +64,8 @@ void showInfo(const std::string& source) {
     std::cout << name << '\n';
 }
 
-void clean(const std::string& source) {
-  const auto connection = openDatabase(source, tsql::OpenMode::existing);
+void clean(const AccountSource& source) {
+  const auto connection = source.open(tsql::OpenMode::existing);
   const auto dropped = account::dropLeftoverWorkTables(*connection);
   for (const std::string& name : dropped)
     std::cout << "dropped " << name << '\n';
@@ -73,8 +74,8 @@ void clean(const std::string& source) {
 
 }  // namespace
 
-bool checkAccount(const std::string& source, std::ostream& out) {
-  const auto connection = openDatabase(source, tsql::OpenMode::readOnly);
+bool checkAccount(const AccountSource& source, std::ostream& out) {
+  const auto connection = source.open(tsql::OpenMode::readOnly);
   const std::vector<account::BrokenKey> broken = account::brokenKeys(*connection, joinKeysOfReports());
   if (broken.empty()) {
     out << "every key by which the reports join has one row\n";
@@ -109,19 +110,20 @@ void addAccountCommand(CLI::App& app) {
       ->capture_default_str();
   create.callback([file, options] { makeSample(*file, *options); });
 
+  const auto source = std::make_shared<AccountSource>();
   CLI::App& information = *command.add_subcommand("info", "Years, start months, valuation method, row counts");
-  information.add_option("SOURCE", *file, "The account file, or an ODBC connection string")->required();
-  information.callback([file] { showInfo(*file); });
+  addAccountOption(information, "SOURCE", *source).required();
+  information.callback([source] { showInfo(*source); });
 
   CLI::App& checking = *command.add_subcommand("check", "Name the rows that would make reports show lines twice");
-  checking.add_option("SOURCE", *file, "The account file, or an ODBC connection string")->required();
-  checking.callback([file] {
-    if (!checkAccount(*file, std::cout)) endWith(1);
+  addAccountOption(checking, "SOURCE", *source).required();
+  checking.callback([source] {
+    if (!checkAccount(*source, std::cout)) endWith(1);
   });
 
   CLI::App& cleaning = *command.add_subcommand("clean", "Drop the work tables that interrupted reports left");
-  cleaning.add_option("SOURCE", *file, "The account file, or an ODBC connection string")->required();
-  cleaning.callback([file] { clean(*file); });
+  addAccountOption(cleaning, "SOURCE", *source).required();
+  cleaning.callback([source] { clean(*source); });
 
   addDiffCommand(command);
   addTransferCommands(command);

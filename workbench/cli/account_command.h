@@ -3,7 +3,8 @@
 #pragma once
 
 #include <ostream>
-#include <string>
+
+#include "workbench/platform/account_source.h"
 
 namespace CLI {
 class App;
@@ -11,9 +12,9 @@ class App;
 
 namespace quillon::workbench {
 
-// `quillon account check`: lists the keys of the account `source` by which reports join and which several rows share.
+// `quillon account check`: lists the keys of the account by which reports join and which several rows share.
 // True when there is none. Throws std::exception with one line for the user.
-bool checkAccount(const std::string& source, std::ostream& out);
+bool checkAccount(const AccountSource& source, std::ostream& out);
 
 void addAccountCommand(CLI::App& app);
 

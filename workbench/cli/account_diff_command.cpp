@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "workbench/account/difference.h"
+#include "workbench/cli/account_option.h"
 #include "workbench/cli/exit_status.h"
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/value_output.h"
 
@@ -53,10 +53,10 @@ void writeTable(std::ostream& out, const account::TableComparison& table) {
 
 }  // namespace
 
-bool diffAccounts(const std::string& first, const std::string& second, std::size_t shown, std::ostream& out) {
-  const auto one = openDatabase(first, tsql::OpenMode::readOnly);
-  const auto two = openDatabase(second, tsql::OpenMode::readOnly);
-  const bool server = namesServer(first) || namesServer(second);
+bool diffAccounts(const AccountSource& first, const AccountSource& second, std::size_t shown, std::ostream& out) {
+  const auto one = first.open(tsql::OpenMode::readOnly);
+  const auto two = second.open(tsql::OpenMode::readOnly);
+  const bool server = first.onServer() || second.onServer();
   const auto which = server ? account::ComparedTables::ofAnAccount : account::ComparedTables::every;
   std::int64_t rows = 0, different = 0;
   const auto tables = account::compareAccounts(*one, *two, which, shown);
@@ -78,14 +78,14 @@ bool diffAccounts(const std::string& first, const std::string& second, std::size
 
 void addDiffCommand(CLI::App& account) {
   struct Options {
-    std::string first;
-    std::string second;
+    AccountSource first;
+    AccountSource second;
     std::size_t shown = 10;
   };
   const auto options = std::make_shared<Options>();
   CLI::App& command = *account.add_subcommand("diff", "Compare two accounts, table by table and row by row");
-  command.add_option("A", options->first, "An account file, or an ODBC connection string")->required();
-  command.add_option("B", options->second, "Another")->required();
+  addAccountOption(command, "A", options->first, "An account file, or an ODBC connection string").required();
+  addAccountOption(command, "B", options->second, "Another").required();
   command.add_option("--limit", options->shown, "Show at most this many differing rows of a table")
       ->capture_default_str();
   command.callback([options] {

@@ -1,9 +1,10 @@
-// `quillon account diff`: two accounts held against each other.
+// `quillon account diff`: compares two accounts.
 #pragma once
 
 #include <cstddef>
 #include <ostream>
-#include <string>
+
+#include "workbench/platform/account_source.h"
 
 namespace CLI {
 class App;
@@ -11,10 +12,10 @@ class App;
 
 namespace quillon::workbench {
 
-// Compares the accounts that two SOURCEs name and says on `out` that they are equal, or what differs: each table with
+// Compares two accounts and says on `out` that they are equal, or what differs: each table with
 // its counts, at most `shown` of its rows, and a line that sums it up. With a server among them the tables of an account
 // are compared, between two files all tables. True when the accounts are equal.
-bool diffAccounts(const std::string& first, const std::string& second, std::size_t shown, std::ostream& out);
+bool diffAccounts(const AccountSource& first, const AccountSource& second, std::size_t shown, std::ostream& out);
 
 // Adds the command to `account`. Accounts that differ make the exit status 1.
 void addDiffCommand(CLI::App& account);

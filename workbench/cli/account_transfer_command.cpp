@@ -9,9 +9,10 @@
 #include "workbench/account/partial_file.h"
 #include "workbench/account/script.h"
 #include "workbench/account/transfer.h"
-#include "workbench/platform/account_source.h"
+#include "workbench/cli/account_option.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
@@ -21,8 +22,8 @@ std::string described(const account::TransferCounts& counts) {
   return groupedCount(counts.tables) + " tables with " + groupedCount(counts.rows) + " rows";
 }
 
-void exportTo(const std::string& source, const std::string& folder) {
-  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::readOnly);
+void exportTo(const AccountSource& source, const std::string& folder) {
+  const auto connection = tsql::Connection::open(source.file(), tsql::OpenMode::readOnly);
   const account::TransferCounts counts = account::exportAccount(*connection, pathFromUtf8(folder));
   std::cout << "wrote " << described(counts) << " to " << folder << '\n';
 }
@@ -32,8 +33,8 @@ void importFrom(const std::string& file, const std::string& folder) {
   std::cout << "made " << file << ": " << described(counts) << '\n';
 }
 
-void writeScriptTo(const std::string& source, const std::string& target) {
-  const auto connection = tsql::Connection::open(accountFile(source), tsql::OpenMode::readOnly);
+void writeScriptTo(const AccountSource& source, const std::string& target) {
+  const auto connection = tsql::Connection::open(source.file(), tsql::OpenMode::readOnly);
   if (target.empty()) {
     account::writeScript(*connection, std::cout);
     std::cout.flush();
@@ -53,21 +54,22 @@ void writeScriptTo(const std::string& source, const std::string& target) {
 }  // namespace
 
 void addTransferCommands(CLI::App& account) {
-  const auto source = std::make_shared<std::string>();
+  const auto source = std::make_shared<AccountSource>();
+  const auto folder = std::make_shared<std::string>();
   const auto target = std::make_shared<std::string>();
 
   CLI::App& exporting = *account.add_subcommand("export", "Write every table to a folder of CSV files");
-  exporting.add_option("SOURCE", *source, "The account file")->required();
+  addAccountOption(exporting, "SOURCE", *source, "The account file").required();
   exporting.add_option("DIR", *target, "The folder to write; it must not exist, or be empty")->required();
   exporting.callback([source, target] { exportTo(*source, *target); });
 
   CLI::App& importing = *account.add_subcommand("import", "Make an account of a folder of CSV files");
   importing.add_option("FILE", *target, "The account file to make; it must not exist")->required();
-  importing.add_option("DIR", *source, "The folder: schema.sql and a CSV file for each table")->required();
-  importing.callback([source, target] { importFrom(*target, *source); });
+  importing.add_option("DIR", *folder, "The folder: schema.sql and a CSV file for each table")->required();
+  importing.callback([target, folder] { importFrom(*target, *folder); });
 
   CLI::App& scripting = *account.add_subcommand("script", "Write the account as T-SQL for a new server");
-  scripting.add_option("SOURCE", *source, "The account file")->required();
+  addAccountOption(scripting, "SOURCE", *source, "The account file").required();
   scripting.add_option("FILE", *target, "The script to write; it must not exist. Standard output when it is left out");
   scripting.callback([source, target] { writeScriptTo(*source, *target); });
 }

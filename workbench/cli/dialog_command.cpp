@@ -7,6 +7,7 @@
 
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_login.h"
+#include "workbench/cli/account_option.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/named_choice.h"
@@ -35,7 +36,7 @@ void runDialog(const DialogOptions& options, std::ostream& out) {
   if (!options.filterFile.empty()) applyFilterFile(*filter, readJsonFile(options.filterFile));
 
   std::vector<std::string> messages;
-  EmbeddedPlatform platform({.accountConnection = account.connection,
+  EmbeddedPlatform platform({.account = account.source,
                              .language = options.language,
                              .messages = [&messages](std::string_view text, int) { messages.emplace_back(text); }});
   const auto dialog = std::make_shared<FilterDialogObject>(filter, account.login, account.session);
@@ -61,7 +62,7 @@ void addDialogCommand(CLI::App& app) {
                                                               {"json", DialogFormat::json}};
   static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
-  command.add_option("--account", options->account, "The account file, or an ODBC connection string")->required();
+  addAccountOption(command, "--account", options->account).required();
   command.add_option("--filter", options->filterFile, "The filter with which the dialog begins, a JSON file");
   command
       .add_option("--step", options->steps,

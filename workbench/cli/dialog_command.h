@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
 
 namespace CLI {
@@ -16,8 +17,8 @@ namespace quillon::workbench {
 enum class DialogFormat { table, json };
 
 struct DialogOptions {
-  std::string report = {};              // "sfc-item"
-  std::string account = {};             // SOURCE
+  std::string report = {};  // "sfc-item"
+  AccountSource account = {};
   std::string filterFile = {};          // a filter file with which the dialog begins; empty for an empty filter
   std::vector<std::string> steps = {};  // see dialog_steps.h; none: init, view, click
   DialogFormat format = DialogFormat::table;

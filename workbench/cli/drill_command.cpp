@@ -11,6 +11,7 @@
 #include "frame/text.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
+#include "workbench/cli/account_option.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
@@ -99,7 +100,7 @@ std::pair<RowValues, SignedInAccount> chooseRow(const DrillOptions& options, std
 Outcome act(const DrillOptions& options, const RowValues& row, const SignedInAccount& account) {
   Outcome outcome;
   EmbeddedPlatform platform(
-      {.accountConnection = account.connection,
+      {.account = account.source,
        .language = options.report.language,
        .messages = [&outcome](std::string_view text, int) { outcome.messages.emplace_back(text); },
        .vouchers = [&outcome](const OpenedVoucher& voucher) { outcome.opened.push_back(voucher); }});
@@ -207,8 +208,7 @@ void addDrillCommand(CLI::App& app) {
     return option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   };
   command.add_option("REPORT", options->report.report, "The report: " + reportNames())->required();
-  command.add_option("--account", options->report.account, "The account file, or an ODBC connection string")
-      ->required();
+  addAccountOption(command, "--account", options->report.account).required();
   several(command.add_option("--row", options->row,
                              "The row: column=value (may be repeated). With a filter the report is run and its first "
                              "row that has these values is taken (RowNo=N: line N); without one these are its columns"))

@@ -25,7 +25,7 @@ constexpr int wrongUsage = 2;
 
 // What went wrong. An argument that is quoted in it may be a connection string.
 std::string shown(const std::exception& error) {
-  return quillon::odbc::withoutPassword(quillon::workbench::errorText(error));
+  return quillon::odbc::ConnectionString(quillon::workbench::errorText(error)).withoutPassword();
 }
 
 int run(std::vector<std::string> arguments) {

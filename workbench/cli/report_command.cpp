@@ -8,12 +8,12 @@
 #include <memory>
 
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/cli/account_option.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_comparison.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/cli/standard_streams.h"
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/user_error.h"
@@ -22,6 +22,7 @@
 #include "workbench/presentation/report_output.h"
 #include "workbench/presentation/xlsx_workbook.h"
 #include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
@@ -132,7 +133,7 @@ void writeTo(const ReportOptions& options, const MadeReport& report, std::ostrea
   output.complete();
 }
 
-std::unique_ptr<MadeReport> reportOn(const std::string& source, const ReportOptions& options, std::ostream& notes) {
+std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOptions& options, std::ostream& notes) {
   return makeReport({.report = options.report,
                      .account = source,
                      .filterFile = options.filterFile,
@@ -147,7 +148,7 @@ std::unique_ptr<MadeReport> reportOn(const std::string& source, const ReportOpti
 
 }  // namespace
 
-bool compareReports(const ReportOptions& options, const std::string& second, std::ostream& out, std::ostream& notes) {
+bool compareReports(const ReportOptions& options, const AccountSource& second, std::ostream& out, std::ostream& notes) {
   constexpr std::int64_t shown = 10;
   const auto one = reportOn(options.account, options, notes);
   const auto two = reportOn(second, options, notes);
@@ -172,7 +173,7 @@ void addReportCommand(CLI::App& app) {
                                                               {"xlsx", ReportFormat::xlsx}};
   static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
-  command.add_option("--account", options->account, "The account file, or an ODBC connection string")->required();
+  addAccountOption(command, "--account", options->account).required();
   command.add_option("--filter", options->filterFile, "The filter, a JSON file");
   command
       .add_option("--set", options->settings,
@@ -194,16 +195,15 @@ void addReportCommand(CLI::App& app) {
       "Show user-defined fields and what documents carry beside, too (table, html, xlsx; always in csv, json)");
   command.add_flag("--explain", options->explain, "Print each statement with its time and row count");
   CLI::Option& keep = *command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
-  const auto second = std::make_shared<std::string>();
-  command
-      .add_option("--compare", *second,
-                  "Run the report on this account, too, and compare the rows; --limit says how many are shown")
-      ->excludes(&format, &output, &keep);
+  const auto second = std::make_shared<AccountSource>();
+  addAccountOption(command, "--compare", *second,
+                   "Run the report on this account, too, and compare the rows; --limit says how many are shown")
+      .excludes(&format, &output, &keep);
   command.callback([options, second] {
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())
       throw CLI::ValidationError("--format", "xlsx needs a file to write to; name one with -o FILE");
     options->terminal = errorsGoToTerminal();
-    if (second->empty()) {
+    if (second->text().empty()) {
       runReport(*options, std::cout, std::cerr);
     } else if (!compareReports(*options, *second, std::cout, std::cerr)) {
       endWith(1);

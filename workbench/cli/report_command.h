@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
 
 namespace CLI {
@@ -18,8 +19,8 @@ namespace quillon::workbench {
 enum class ReportFormat { table, csv, json, html, xlsx };
 
 struct ReportOptions {
-  std::string report = {};                 // as it is registered, such as "fx-wt"
-  std::string account = {};                // SOURCE
+  std::string report = {};  // as it is registered, such as "fx-wt"
+  AccountSource account = {};
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file
   // The report's dialog fills what filter file and settings leave empty and says which choices there are; without it
@@ -40,9 +41,9 @@ struct ReportOptions {
 // must know beside the report goes to `notes`.
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes);
 
-// Runs the report on the options' account and on the one that `second` names, with the same filter, and compares the
+// Runs the report on the options' account and on `second`, with the same filter, and compares the
 // rows (compareResults() in report_comparison.h); shows as many as `options.limit` says, or 10. Throws as runReport().
-bool compareReports(const ReportOptions& options, const std::string& second, std::ostream& out, std::ostream& notes);
+bool compareReports(const ReportOptions& options, const AccountSource& second, std::ostream& out, std::ostream& notes);
 
 void addReportCommand(CLI::App& app);
 

@@ -8,7 +8,6 @@
 #include "workbench/catalogue/library_runner.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/run_monitor.h"
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/json_file.h"
 #include "workbench/platform/user_error.h"
@@ -22,7 +21,7 @@ namespace {
 // own defaults are its own affair: the current year may be one that its list of years does not have.
 void passDialog(const Report& report, const SignedInAccount& account, const std::shared_ptr<FilterObject>& filter,
                 Language language, std::ostream& notes) {
-  EmbeddedPlatform platform({.accountConnection = account.connection,
+  EmbeddedPlatform platform({.account = account.source,
                              .language = language,
                              .messages = [&notes](std::string_view text, int) { notes << oneLine(text) << '\n'; }});
   std::vector<const FilterEntry*> given;
@@ -116,7 +115,7 @@ MadeReport::MadeReport(const Report& report, SignedInAccount account, std::share
       account_(std::move(account)),
       filter_(std::move(filter)),
       argument_(std::make_shared<WorkbenchArgument>(filter_, account_.login, freshResultTable())),
-      connection_(openDatabase(account_.connection, tsql::OpenMode::existing)) {}
+      connection_(account_.source.open(tsql::OpenMode::existing)) {}
 
 MadeReport::~MadeReport() {
   if (keep_) return;
@@ -135,7 +134,7 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
 
   RunMonitor monitor(notes.progress, notes.explanation);
   EmbeddedPlatform platform(
-      {.accountConnection = made->account().connection,
+      {.account = made->account().source,
        .language = request.language,
        .monitor = &monitor,
        .messages = [&notes](std::string_view text, int) { notes.notes << oneLine(text) << '\n'; }});
@@ -153,7 +152,7 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     if (notes.explanation != nullptr) *notes.explanation << totalTime(monitor, time.count());
   }
-  if (monitor.leftOpen()) tellStop(monitor, made->connection(), made->account().shownSource, notes.notes);
+  if (monitor.leftOpen()) tellStop(monitor, made->connection(), made->account().source.shown(), notes.notes);
   return made;
 }
 

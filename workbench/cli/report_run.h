@@ -15,8 +15,8 @@ namespace quillon::workbench {
 
 // Which report, on what, and with which filter.
 struct ReportRequest {
-  std::string report = {};                 // as it is registered, such as "fx-wt"
-  std::string account = {};                // SOURCE
+  std::string report = {};  // as it is registered, such as "fx-wt"
+  AccountSource account = {};
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file
   // The report's dialog fills what filter file and settings leave empty and says which choices there are; without it

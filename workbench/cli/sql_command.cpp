@@ -8,13 +8,14 @@
 #include <string>
 
 #include "frame/text.h"
+#include "workbench/cli/account_option.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/run_monitor.h"
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
@@ -160,7 +161,7 @@ int runScript(tsql::Database& account, std::istream& script, SqlFormat format, s
 
 void addSqlCommand(CLI::App& app) {
   struct Options {
-    std::string account;
+    AccountSource account;
     bool empty = false;
     SqlFormat format = SqlFormat::table;
     std::string file;
@@ -169,7 +170,7 @@ void addSqlCommand(CLI::App& app) {
   const auto options = std::make_shared<Options>();
   static const std::map<std::string, SqlFormat> formats = {{"table", SqlFormat::table}, {"json", SqlFormat::json}};
   CLI::Option_group& source = *command.add_option_group("source");
-  source.add_option("--account", options->account, "The account file, or an ODBC connection string");
+  addAccountOption(source, "--account", options->account);
   source.add_flag("--empty", options->empty, "An empty database in memory");
   source.require_option(1);
   command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
@@ -178,8 +179,8 @@ void addSqlCommand(CLI::App& app) {
     const std::unique_ptr<tsql::Database> account =
         options->empty
             ? tsql::Connection::openInMemory()
-            : openDatabase(options->account, tsql::OpenMode::existing,
-                           {.messages = [](const odbc::Diagnostic& said) { std::cerr << said.text << '\n'; }});
+            : options->account.open(tsql::OpenMode::existing,
+                                    {.messages = [](const odbc::Diagnostic& said) { std::cerr << said.text << '\n'; }});
     std::ifstream file;
     if (!options->file.empty()) {
       file.open(pathFromUtf8(options->file), std::ios::binary);

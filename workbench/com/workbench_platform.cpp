@@ -6,7 +6,6 @@
 #include "component/platform_bindings.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/com/variant_list.h"
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
 
 namespace quillon::workbench {
@@ -89,10 +88,10 @@ Variant WorkbenchPlatform::openAccount(Call& call) {
                   "An account is open already: Quillon.dll keeps its components for as long as it is loaded, so a "
                   "process works on one account.");
   }
-  const std::string source = call.text(0);
-  const bool onServer = namesServer(source);
-  accountConnection_ = onServer ? source : inAutomationWords([&] { return connectionString(accountFile(source)); });
-  EmbeddedPlatformOptions options{.accountConnection = accountConnection_,
+  source_ = AccountSource(call.text(0));
+  // A file has to be named before anything stands in for ADO.
+  if (!source_.onServer()) inAutomationWords([this] { return source_.file(); });
+  EmbeddedPlatformOptions options{.account = source_,
                                   .language = language_,
                                   .monitor = failures_.get(),
                                   .messages =
@@ -103,9 +102,9 @@ Variant WorkbenchPlatform::openAccount(Call& call) {
                                       [shown = shown_, language = language_](const OpenedVoucher& voucher) {
                                         shown->vouchers.emplace_back(openedVoucherObject(voucher, language));
                                       }};
-  if (onServer) options.makeSession = newSession;
+  if (source_.onServer()) options.makeSession = newSession;
   platform_ = std::make_unique<EmbeddedPlatform>(std::move(options));
-  if (onServer) {
+  if (source_.onServer()) {
     standIn_.emplace(*platform_);
   } else {
     standIn_.emplace(*platform_, failures_);
@@ -114,7 +113,7 @@ Variant WorkbenchPlatform::openAccount(Call& call) {
     com::AdoSession session(com::createObject(bindings::connection));
     // So that a recordset of Query counts its rows and outlives the next query.
     session.setCursorLocation(CursorLocation::client);
-    session.setConnectionString(accountConnection_);
+    session.setConnectionString(source_.connectionString());
     session.open("", "", optionsUnspecified);
     account_ = std::move(session);
   } catch (...) {
@@ -129,7 +128,7 @@ Variant WorkbenchPlatform::newArgument(Call& call) {
   const std::string report = call.text(0);
   return inAutomationWords([&] {
     const auto filter = std::make_shared<FilterObject>(reportNamed(report).registration);
-    const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, accountConnection_, language_, "", ""));
+    const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, source_, language_, "", ""));
     prepareFilter(*filter, *login, session);
     return Variant(
         argumentObject(std::make_shared<WorkbenchArgument>(filter, login, "QuillonReport" + uniqueNamePart())));
@@ -138,15 +137,15 @@ Variant WorkbenchPlatform::newArgument(Call& call) {
 
 Variant WorkbenchPlatform::newDialog(Call& call) {
   Session& session = account();
-  if (namesServer(accountConnection_)) {
+  if (source_.onServer()) {
     throw refusal(hresult::notImplemented, "A dialog needs an account file; on a server, fill in the filter yourself.");
   }
   const std::string report = call.text(0);
   return inAutomationWords([&] {
     const auto filter = std::make_shared<FilterObject>(reportNamed(report).registration, InitialValues::none);
-    const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, accountConnection_, language_, "", ""));
+    const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, source_, language_, "", ""));
     const auto connection = watchedSession(failures_);
-    connection->setConnectionString(accountConnection_);
+    connection->setAccount(source_);
     connection->open("", "", optionsUnspecified);
     return Variant(
         argumentObject(std::make_shared<WorkbenchArgument>(filter, login, "QuillonReport" + uniqueNamePart()),

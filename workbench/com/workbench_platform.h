@@ -11,6 +11,7 @@
 #include "automation/dispatch_object.h"
 #include "component/ado_session.h"
 #include "workbench/com/exposed_platform.h"
+#include "workbench/platform/account_source.h"
 
 namespace quillon::workbench {
 
@@ -73,7 +74,7 @@ class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
   Language language_ = Language::chinese;
   std::shared_ptr<FailureKeeper> failures_ = std::make_shared<FailureKeeper>();
   std::shared_ptr<ShownToUser> shown_ = std::make_shared<ShownToUser>();
-  std::string accountConnection_;
+  AccountSource source_;
   std::unique_ptr<EmbeddedPlatform> platform_;
   std::optional<PlatformStandIn> standIn_;
   std::optional<com::AdoSession> account_;  // open

@@ -8,6 +8,8 @@ namespace quillon::odbc {
 
 namespace {
 
+using Attribute = ConnectionString::Attribute;
+
 constexpr std::string_view shownPassword = "***";
 
 // The mark that closes what `opening` opens; 0 when it opens nothing.
@@ -16,85 +18,116 @@ char closingMark(char opening) {
   return opening == '"' || opening == '\'' ? opening : '\0';
 }
 
-// The length of the "keyword=value" at the front of `text`, without the semicolon behind it.
-std::size_t partLength(std::string_view text) {
-  std::size_t at = text.find_first_of("=;");
-  if (at == std::string_view::npos || text[at] == ';') return std::min(at, text.size());
-  at = text.find_first_not_of(' ', at + 1);
-  if (at == std::string_view::npos) return text.size();
-  if (const char closing = closingMark(text[at]); closing != '\0') {
-    // A doubled closing mark stands for the mark itself.
-    for (++at; at < text.size(); ++at) {
-      if (text[at] != closing) continue;
-      if (at + 1 < text.size() && text[at + 1] == closing) {
-        ++at;
-      } else {
-        break;
-      }
+// The mark that closes the value at the front of `value`; 0 for a bare value.
+char closingMarkOf(std::string_view value) {
+  return value.empty() ? '\0' : closingMark(value.front());
+}
+
+// Takes the value at the front of `rest`, which begins with the mark that opens it, off together with its marks. Gives
+// it without them.
+std::string takeMarked(std::string_view& rest) {
+  const char closing = closingMark(rest.front());
+  rest.remove_prefix(1);
+  std::string value;
+  while (!rest.empty()) {
+    const char c = rest.front();
+    rest.remove_prefix(1);
+    if (c == closing) {
+      if (!rest.starts_with(closing)) return value;
+      rest.remove_prefix(1);
     }
-    if (at >= text.size()) return text.size();
+    value += c;
   }
-  return std::min(text.find(';', at), text.size());
+  return value;
 }
 
-// The parts in order, with nothing taken off; the semicolons stand between them.
-std::vector<std::string_view> partsOf(std::string_view text) {
-  std::vector<std::string_view> parts;
+// Takes the part at the front of `text` off, with the semicolon behind it, and reads it. `written` is the part as it
+// stands, without the semicolon.
+Attribute takeAttribute(std::string_view& text, std::string_view& written) {
+  const std::string_view whole = text;
+  Attribute attribute;
+  const std::size_t mark = std::min(text.find_first_of("=;"), text.size());
+  const bool hasValue = mark < text.size() && text[mark] == '=';
+  if (hasValue) attribute.keyword = trimBlanks(text.substr(0, mark));
+  text.remove_prefix(hasValue ? mark + 1 : 0);
+  std::string_view value = text.substr(std::min(text.find_first_not_of(' '), text.size()));
+  const bool marked = hasValue && closingMarkOf(value) != '\0';
+  if (marked) {
+    attribute.value = takeMarked(value);
+    text = value;
+  }
+  const std::size_t end = std::min(text.find(';'), text.size());
+  if (!marked) attribute.value = trimBlanks(text.substr(0, end));
+  written = whole.substr(0, whole.size() - text.size() + end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return attribute;
+}
+
+// Calls `action` with each part as it stands and with what it says, in order, empty places among them.
+template <typename Action>
+void forEachPart(std::string_view text, Action action) {
   while (true) {
-    parts.push_back(text.substr(0, partLength(text)));
-    if (parts.back().size() == text.size()) return parts;
-    text.remove_prefix(parts.back().size() + 1);
+    const std::string_view rest = text;
+    std::string_view written;
+    const Attribute attribute = takeAttribute(text, written);
+    action(written, attribute);
+    // A semicolon at the very end has an empty place behind it.
+    if (written.size() == rest.size()) return;
   }
-}
-
-bool isOf(std::string_view part, std::string_view keyword) {
-  const std::size_t equals = part.find('=');
-  return equals != std::string_view::npos && equalIgnoringCase(trimBlanks(part.substr(0, equals)), keyword);
-}
-
-bool isPassword(std::string_view part) {
-  return isOf(part, "pwd") || isOf(part, "password");
-}
-
-// A value without its quotes or braces.
-std::string unquoted(std::string_view value) {
-  const char closing = value.empty() ? '\0' : closingMark(value.front());
-  if (closing == '\0') return std::string(value);
-  value.remove_prefix(1);
-  if (value.ends_with(closing)) value.remove_suffix(1);
-  std::string text(value);
-  replaceAll(text, std::string(2, closing), std::string(1, closing));
-  return text;
 }
 
 }  // namespace
 
-bool hasKeyword(std::string_view connectionString, std::string_view keyword) {
-  return std::ranges::any_of(partsOf(connectionString), [keyword](auto part) { return isOf(part, keyword); });
+bool Attribute::is(std::string_view name) const {
+  return equalIgnoringCase(keyword, name);
 }
 
-std::string withoutPassword(std::string_view connectionString) {
+bool Attribute::isPassword() const {
+  return is("pwd") || is("password");
+}
+
+ConnectionString::ConnectionString(std::string_view text) : text_(text) {
+  forEachPart(text_, [this](std::string_view written, const Attribute& attribute) {
+    if (!trimBlanks(written).empty()) attributes_.push_back(attribute);
+  });
+}
+
+bool ConnectionString::has(std::string_view keyword) const {
+  return std::ranges::any_of(attributes_, [keyword](const Attribute& attribute) { return attribute.is(keyword); });
+}
+
+bool ConnectionString::namesDriver() const {
+  return has("driver") || has("dsn") || has("filedsn");
+}
+
+std::string ConnectionString::withoutPassword() const {
   std::string shown;
-  for (const std::string_view part : partsOf(connectionString)) {
-    if (part.data() != connectionString.data()) shown += ';';
-    if (isPassword(part)) {
+  forEachPart(text_, [this, &shown](std::string_view written, const Attribute& attribute) {
+    if (written.data() != text_.data()) shown += ';';
+    if (attribute.isPassword()) {
       shown.append("PWD=").append(shownPassword);
     } else {
-      shown += part;
+      shown += written;
     }
-  }
+  });
   return shown;
 }
 
-std::string withoutPasswordOf(std::string_view connectionString, std::string message) {
-  for (const std::string_view part : partsOf(connectionString)) {
-    if (!isPassword(part)) continue;
-    const std::string_view written = trimBlanks(part.substr(part.find('=') + 1));
-    for (const std::string& password : {std::string(written), unquoted(written)}) {
+std::string ConnectionString::withoutPasswordIn(std::string message) const {
+  forEachPart(text_, [&message](std::string_view written, const Attribute& attribute) {
+    if (!attribute.isPassword()) return;
+    const std::string_view marked = trimBlanks(written.substr(written.find('=') + 1));
+    for (const std::string& password : {std::string(marked), attribute.value}) {
       if (!password.empty()) replaceAll(message, password, shownPassword);
     }
-  }
+  });
   return message;
+}
+
+std::string inDoubleQuotes(std::string_view value) {
+  std::string text(value);
+  replaceAll(text, "\"", "\"\"");
+  return '"' + text + '"';
 }
 
 }  // namespace quillon::odbc

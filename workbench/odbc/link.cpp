@@ -1,6 +1,5 @@
 #include "workbench/odbc/link.h"
 
-#include "workbench/odbc/connection_string.h"
 #include "workbench/odbc/wide_text.h"
 
 namespace quillon::odbc {
@@ -15,7 +14,7 @@ SQLPOINTER number(int value) {
 
 }  // namespace
 
-Link::Link(std::string_view connectionString, ConnectOptions options) : options_(std::move(options)) {
+Link::Link(const ConnectionString& connectionString, ConnectOptions options) : options_(std::move(options)) {
   if (!environment_.allocate(SQL_NULL_HANDLE)) {
     throw tsql::SqlError(0,
                          "cannot connect to the database server: ODBC's driver manager does not work on this machine");
@@ -24,12 +23,12 @@ Link::Link(std::string_view connectionString, ConnectOptions options) : options_
   const auto refuse = [&](SQLSMALLINT type, SQLHANDLE handle) {
     const auto diagnostics = diagnosticsOf(type, handle);
     throw tsql::SqlError(diagnostics.empty() ? 0 : diagnostics.front().number,
-                         withoutPasswordOf(connectionString, describeRefusal(diagnostics)));
+                         connectionString.withoutPasswordIn(describeRefusal(diagnostics)));
   };
   if (!connection_.allocate(environment_.get())) refuse(SQL_HANDLE_ENV, environment_.get());
   SQLSetConnectAttrW(connection_.get(), SQL_ATTR_LOGIN_TIMEOUT, number(options_.connectionTimeout), SQL_IS_UINTEGER);
   SQLSetConnectAttrW(connection_.get(), SQL_ATTR_CONNECTION_TIMEOUT, number(options_.commandTimeout), SQL_IS_UINTEGER);
-  WideText text = toWide(connectionString);
+  WideText text = toWide(connectionString.text());
   SQLSMALLINT length = 0;
   const SQLRETURN result =
       SQLDriverConnectW(connection_.get(), nullptr, text.data(), static_cast<SQLSMALLINT>(text.size()), nullptr, 0,

@@ -32,7 +32,7 @@ class Handle {
 
 class Link {
  public:
-  Link(std::string_view connectionString, ConnectOptions options);
+  Link(const ConnectionString& connectionString, ConnectOptions options);
   Link(const Link&) = delete;
   Link& operator=(const Link&) = delete;
   ~Link();

@@ -1,7 +1,6 @@
 #include "workbench/odbc/odbc_database.h"
 
 #include "workbench/odbc/columns.h"
-#include "workbench/odbc/connection_string.h"
 #include "workbench/odbc/link.h"
 
 namespace quillon::odbc {
@@ -108,12 +107,7 @@ class OdbcDatabase final : public tsql::Database {
 
 }  // namespace
 
-bool isOdbcConnectionString(std::string_view connectionString) {
-  return hasKeyword(connectionString, "driver") || hasKeyword(connectionString, "dsn") ||
-         hasKeyword(connectionString, "filedsn");
-}
-
-std::unique_ptr<tsql::Database> connect(std::string_view connectionString, ConnectOptions options) {
+std::unique_ptr<tsql::Database> connect(const ConnectionString& connectionString, ConnectOptions options) {
   auto database = std::make_unique<OdbcDatabase>(std::make_shared<Link>(connectionString, std::move(options)));
   // Some drivers have the server cut long texts.
   database->execute("Set TextSize 2147483647");

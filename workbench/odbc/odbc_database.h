@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 
+#include "workbench/odbc/connection_string.h"
 #include "workbench/tsql/values/database.h"
 
 namespace quillon::odbc {
@@ -25,10 +25,6 @@ struct ConnectOptions {
   std::function<void(const Diagnostic&)> messages = {};
 };
 
-// Whether ODBC's driver manager can take the connection string: it names a driver or a data source (Driver, DSN,
-// FileDSN).
-bool isOdbcConnectionString(std::string_view connectionString);
-
 // Connects with an ODBC connection string, "Driver={...};Server=...;Database=...;UID=...;PWD=...". Throws tsql::SqlError
 // with one line that says what to do; the password is not in it.
 //
@@ -42,6 +38,6 @@ bool isOdbcConnectionString(std::string_view connectionString);
 //   - When the connection is lost, the call that notices throws tsql::ConnectionLost, and so does every later one,
 //     without a word to the driver.
 //   - A cursor may outlive the connection object; the connection stays open until the last of them goes.
-std::unique_ptr<tsql::Database> connect(std::string_view connectionString, ConnectOptions options);
+std::unique_ptr<tsql::Database> connect(const ConnectionString& connectionString, ConnectOptions options);
 
 }  // namespace quillon::odbc

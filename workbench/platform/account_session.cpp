@@ -5,8 +5,6 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "workbench/platform/account_source.h"
-
 namespace quillon::workbench {
 
 namespace {
@@ -146,8 +144,12 @@ void AccountRecordset::close() {
 void AccountSession::setCursorLocation(CursorLocation) {}
 
 void AccountSession::setConnectionString(std::string_view text) {
+  setAccount(AccountSource(std::string(text)));
+}
+
+void AccountSession::setAccount(AccountSource account) {
   if (connection_) throw sessionError(objectOpen, "The connection string cannot change while the session is open.");
-  connectionText_ = text;
+  account_ = std::move(account);
 }
 
 void AccountSession::setConnectionTimeout(int seconds) {
@@ -163,7 +165,7 @@ void AccountSession::open(std::string_view, std::string_view, int) {
   try {
     odbc::ConnectOptions options{.connectionTimeout = connectionTimeout_, .commandTimeout = commandTimeout_};
     if (monitor_ != nullptr) options.messages = [this](const odbc::Diagnostic& message) { monitor_->told(message); };
-    connection_ = openDatabase(connectionText_, tsql::OpenMode::existing, std::move(options));
+    connection_ = account_.open(tsql::OpenMode::existing, std::move(options));
   } catch (const std::exception& error) {
     throw sessionError(hresult::fail, error.what());
   }

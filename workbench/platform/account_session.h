@@ -13,6 +13,7 @@
 #include "frame/automation_error.h"
 #include "frame/session.h"
 #include "workbench/odbc/odbc_database.h"
+#include "workbench/platform/account_source.h"
 #include "workbench/tsql/values/database.h"
 
 namespace quillon::workbench {
@@ -112,7 +113,7 @@ class AccountSession final : public Session {
 
   // Makes no difference: rows are always read to the client.
   void setCursorLocation(CursorLocation location) override;
-  // The forms that openDatabase() takes; it is read when the session opens.
+  // The account that the text names (account_source.h); one that cannot be used is refused when the session opens.
   void setConnectionString(std::string_view text) override;
   // For an account on a server; they count from the next open() on.
   void setConnectionTimeout(int seconds) override;
@@ -128,7 +129,9 @@ class AccountSession final : public Session {
   std::unique_ptr<AccountRecordset> openRecordset(std::string_view sql);
   // Runs a batch of which it is not known whether it gives rows.
   BatchResult runBatch(std::string_view sql);
-  const std::string& connectionText() const { return connectionText_; }
+  // setConnectionString() for who has the account already.
+  void setAccount(AccountSource account);
+  const std::string& connectionText() const { return account_.text(); }
   // The last statement that failed on this session; nullopt when none did. It stays after later successes, so that an
   // error that a report absorbed can still be told.
   const std::optional<StatementFailure>& lastFailure() const { return lastFailure_; }
@@ -139,7 +142,7 @@ class AccountSession final : public Session {
   auto run(std::string_view sql, Action action);
 
   SessionMonitor* monitor_;
-  std::string connectionText_;
+  AccountSource account_;
   int connectionTimeout_ = 0;
   int commandTimeout_ = 0;
   std::unique_ptr<tsql::Database> connection_;

@@ -1,60 +1,33 @@
 #include "workbench/platform/account_source.h"
 
 #include <algorithm>
-#include <optional>
 #include <stdexcept>
+#include <utility>
 
-#include "frame/text.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
 namespace {
 
-// The keywords of a connection string, in lower case.
-std::string lower(std::string_view text) {
-  std::string result(text);
-  std::ranges::transform(result, result.begin(), lowerAscii);
-  return result;
+using odbc::ConnectionString;
+
+constexpr std::string_view fileKeyword = "data source";
+
+bool isConnectionString(const ConnectionString& text) {
+  static constexpr std::string_view keywords[] = {fileKeyword, "driver", "dsn", "filedsn", "server", "provider"};
+  if (text.namesDriver()) return true;
+  return !text.attributes().empty() &&
+         std::ranges::any_of(keywords, [&text](auto keyword) { return text.attributes().front().is(keyword); });
 }
 
-// Takes the text before the next `mark` off the front of `rest`, and the mark with it.
-std::string_view takeUpTo(std::string_view& rest, char mark) {
-  const auto end = rest.find(mark);
-  const std::string_view part = rest.substr(0, end);
-  rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-  return part;
-}
-
-// Takes the next "keyword=value;" off the front of `rest`; gives the keyword in lower case.
-std::pair<std::string, std::string> takePart(std::string_view& rest) {
-  std::string keyword = lower(trimBlanks(takeUpTo(rest, '=')));
-  rest = trimBlanks(rest);
-  if (!rest.starts_with('"')) return {std::move(keyword), std::string(trimBlanks(takeUpTo(rest, ';')))};
-  rest.remove_prefix(1);
-  std::string value(takeUpTo(rest, '"'));
-  takeUpTo(rest, ';');
-  return {std::move(keyword), std::move(value)};
-}
-
-// A file name may hold "=" and ";": only a text that begins with one of these keywords, or names an ODBC driver or data
-// source, is a connection string.
-bool isConnectionString(std::string_view source) {
-  const std::string keyword = lower(trimBlanks(source.substr(0, source.find('='))));
-  static constexpr std::string_view keywords[] = {"data source", "driver", "dsn", "filedsn", "server", "provider"};
-  const bool begins =
-      source.find('=') != std::string_view::npos && std::ranges::find(keywords, keyword) != std::end(keywords);
-  return begins || odbc::isOdbcConnectionString(source);
-}
-
-// The "Data Source" of a connection string that has no other keyword but a password's; empty when it has not even that
-// one, nullopt when another keyword makes it a server's.
-std::optional<std::string> embeddedDataSource(std::string_view connectionString) {
+// The file of a connection string that says no more than which file; nullopt when another keyword makes it a server's.
+std::optional<std::string> embeddedFile(const ConnectionString& text) {
   std::string file;
-  for (std::string_view rest = trimBlanks(connectionString); !rest.empty(); rest = trimBlanks(rest)) {
-    auto [keyword, value] = takePart(rest);
-    if (keyword == "data source") {
-      file = std::move(value);
-    } else if (keyword != "pwd" && keyword != "password") {
+  for (const ConnectionString::Attribute& attribute : text.attributes()) {
+    if (attribute.is(fileKeyword)) {
+      file = attribute.value;
+    } else if (!attribute.isPassword()) {
       return std::nullopt;
     }
   }
@@ -63,48 +36,52 @@ std::optional<std::string> embeddedDataSource(std::string_view connectionString)
 
 }  // namespace
 
-std::filesystem::path pathFromUtf8(std::string_view text) {
-  return std::filesystem::path(std::u8string(text.begin(), text.end()));
+AccountSource::AccountSource(std::string text) : text_(std::move(text)) {
+  ConnectionString connection(text_);
+  shown_ = connection.withoutPassword();
+  if (!isConnectionString(connection)) {
+    file_ = text_;
+  } else if (std::optional<std::string> file = embeddedFile(connection)) {
+    file_ = std::move(*file);
+  } else {
+    server_ = std::move(connection);
+  }
 }
 
-std::string utf8FromPath(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
+AccountSource AccountSource::inFile(const std::filesystem::path& file) {
+  AccountSource source;
+  source.file_ = utf8FromPath(file);
+  source.text_ = source.connectionString();
+  source.shown_ = source.file_;
+  return source;
 }
 
-bool namesServer(std::string_view source) {
-  return isConnectionString(source) && !embeddedDataSource(source);
-}
-
-std::filesystem::path accountFile(std::string_view source) {
-  const std::optional<std::string> file =
-      isConnectionString(source) ? embeddedDataSource(source) : std::optional(std::string(source));
-  if (!file) {
+std::filesystem::path AccountSource::file() const {
+  if (onServer()) {
     throw std::invalid_argument(
         "a connection string to a database server cannot be used here; name an account file (made with \"quillon "
         "account new FILE\")");
   }
-  if (file->empty()) throw std::invalid_argument("no account is named; name an account file");
-  return pathFromUtf8(*file);
+  if (file_.empty()) throw std::invalid_argument("no account is named; name an account file");
+  return pathFromUtf8(file_);
 }
 
-std::string connectionString(const std::filesystem::path& file) {
-  return "Data Source=\"" + utf8FromPath(file) + "\"";
+std::string AccountSource::connectionString() const {
+  return onServer() ? server_->text() : "Data Source=" + odbc::inDoubleQuotes(file_);
 }
 
-std::string accountConnection(std::string_view source) {
-  return namesServer(source) ? std::string(source) : connectionString(accountFile(source));
-}
-
-std::unique_ptr<tsql::Database> openDatabase(std::string_view source, tsql::OpenMode mode,
-                                             odbc::ConnectOptions options) {
-  if (!namesServer(source)) return tsql::Connection::open(accountFile(source), mode);
-  if (!odbc::isOdbcConnectionString(source)) {
+std::unique_ptr<tsql::Database> AccountSource::open(tsql::OpenMode mode, odbc::ConnectOptions options) const {
+  if (!onServer()) return tsql::Connection::open(file(), mode);
+  if (!server_->namesDriver()) {
     throw std::invalid_argument(
         "the connection string names no ODBC driver; write Driver={ODBC Driver 17 for SQL "
         "Server};Server=...;Database=...;UID=...;PWD=..., or DSN=...");
   }
-  return odbc::connect(source, std::move(options));
+  return odbc::connect(*server_, std::move(options));
+}
+
+std::string connectionString(const std::filesystem::path& file) {
+  return AccountSource::inFile(file).connectionString();
 }
 
 }  // namespace quillon::workbench

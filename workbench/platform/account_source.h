@@ -1,39 +1,58 @@
-// How an account is named: the SOURCE argument of the command line and the connection string of the login.
+// Which account is meant: what a user wrote as SOURCE, or what a login gives as its connection string.
 #pragma once
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
 
+#include "workbench/odbc/connection_string.h"
 #include "workbench/odbc/odbc_database.h"
 #include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench {
 
-// The path that the UTF-8 text `text` names, and back.
-std::filesystem::path pathFromUtf8(std::string_view text);
-std::string utf8FromPath(const std::filesystem::path& path);
+// An account in a file of this machine, or one on a server. It is made where the text comes in, the command line or the
+// port of a session, and passed on as it is: nothing behind reads the text again.
+//
+// A text that begins with a keyword of connection strings (Data Source, Driver, DSN, FileDSN, Server, Provider), or that
+// names an ODBC driver or data source anywhere, is a connection string; every other text is the name of a file, which
+// may hold "=" and ";". A connection string with no other keyword than Data Source and a password is that of the file
+// that Data Source names (the password is ignored, a file has none); every other one is a server's.
+class AccountSource {
+ public:
+  // No account yet: what needs one throws.
+  AccountSource() = default;
+  // Takes any text, UTF-8; what cannot be used is refused when it is.
+  explicit AccountSource(std::string text);
+  // The account in `file`, however that is called.
+  static AccountSource inFile(const std::filesystem::path& file);
 
-// Whether `source` is a connection string to a database server, ADO's or ODBC's: one with another keyword than those
-// that accountFile() takes.
-bool namesServer(std::string_view source);
+  bool onServer() const { return server_.has_value(); }
 
-// The account file that `source` names: a file, or a connection string whose "Data Source" is one (the value may stand
-// in double quotes; a "PWD" or "Password" beside it is ignored, an embedded account has none). Throws
-// std::invalid_argument, saying what to do, for a server's connection string and an empty name.
-std::filesystem::path accountFile(std::string_view source);
+  // The account's file. Throws std::invalid_argument, saying what to do, when the account is on a server or no account
+  // is named.
+  std::filesystem::path file() const;
 
-// The connection string of the account in `file`, as the login's OrvDbName: Data Source="FILE".
+  // As it was written, password and all.
+  const std::string& text() const { return text_; }
+  // As it was written, to be shown: without the password.
+  const std::string& shown() const { return shown_; }
+  // The connection string, as the login's OrvDbName: a server's as it was written, a file's as Data Source="FILE".
+  std::string connectionString() const;
+
+  // Connects to the account: a file in that mode, a server with those options. Throws tsql::SqlError when it cannot be
+  // opened, and std::invalid_argument as file() does, and for a server whose connection string is not ODBC's.
+  std::unique_ptr<tsql::Database> open(tsql::OpenMode mode, odbc::ConnectOptions options = {}) const;
+
+ private:
+  std::string text_;
+  std::string shown_;
+  std::string file_;  // UTF-8; empty when the account is on a server or none is named
+  std::optional<odbc::ConnectionString> server_;
+};
+
+// The connection string of the account in `file`, as the login's OrvDbName.
 std::string connectionString(const std::filesystem::path& file);
-
-// The connection string of the account that `source` names: a server's as it stands, a file's as above.
-std::string accountConnection(std::string_view source);
-
-// A connection to the account that `source` names: a file in that mode, a server (an ODBC connection string) with those
-// options. Throws tsql::SqlError when it cannot be opened, and std::invalid_argument as accountFile() does, and for a
-// connection string that is not ODBC's.
-std::unique_ptr<tsql::Database> openDatabase(std::string_view source, tsql::OpenMode mode,
-                                             odbc::ConnectOptions options = {});
 
 }  // namespace quillon::workbench

@@ -66,7 +66,7 @@ std::vector<AccountYear> accountYears(Session& session) {
 
 }  // namespace
 
-LoginDetails accountLogin(Session& session, std::string accountConnection, Language language, const std::string& year,
+LoginDetails accountLogin(Session& session, const AccountSource& account, Language language, const std::string& year,
                           const std::string& date) {
   const std::vector<AccountYear> years = accountYears(session);
   if (years.empty()) {
@@ -80,7 +80,7 @@ LoginDetails accountLogin(Session& session, std::string accountConnection, Langu
                                 " to " + years.back().year);
   }
   const bool chinese = language == Language::chinese;
-  return {.accountConnection = std::move(accountConnection),
+  return {.accountConnection = account.connectionString(),
           .password = {},
           .accountCode = found->accountCode,
           .accountingYear = found->year,

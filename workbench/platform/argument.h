@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "frame/platform.h"
+#include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_object.h"
 #include "workbench/platform/language.h"
 
@@ -26,11 +27,11 @@ struct LoginDetails {
   std::string businessDate = {};  // yyyy-mm-dd
 };
 
-// The login of the account that `session` has open, in `language`: account code and years from orvsystem..UA_Period,
+// The login of `account`, which `session` has open, in `language`: account code and years from orvsystem..UA_Period,
 // the current year as the public component gives it. Year and date are the current year and its last day unless `year`
 // (text, "2024") or `date` ("2024-03-31") say otherwise; empty leaves them alone. Throws AutomationError when the
 // account has no periods, and std::invalid_argument for a year that it does not have.
-LoginDetails accountLogin(Session& session, std::string accountConnection, Language language, const std::string& year,
+LoginDetails accountLogin(Session& session, const AccountSource& account, Language language, const std::string& year,
                           const std::string& date);
 
 class WorkbenchLogin final : public Login {

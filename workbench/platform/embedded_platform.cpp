@@ -118,10 +118,10 @@ bool AccountPublicComponent::periodSettled(AccountingPeriod period, Session& ses
                              " And iMonth = " + std::to_string(period.month)) == "True";
 }
 
-WorkbenchResources::WorkbenchResources(Language language, std::string accountConnection, SessionMaker makeSession,
+WorkbenchResources::WorkbenchResources(Language language, const AccountSource& account, SessionMaker makeSession,
                                        MessageSink messages)
     : language_(language),
-      accountConnection_(std::move(accountConnection)),
+      accountConnection_(account.connectionString()),
       makeSession_(std::move(makeSession)),
       messages_(std::move(messages)) {}
 
@@ -177,7 +177,7 @@ std::shared_ptr<PublicComponent> EmbeddedPlatform::createPublicComponent() {
 }
 
 std::shared_ptr<ResourceService> EmbeddedPlatform::createResourceService() {
-  return std::make_shared<WorkbenchResources>(options_.language, options_.accountConnection, unwatchedSessions(),
+  return std::make_shared<WorkbenchResources>(options_.language, options_.account, unwatchedSessions(),
                                               options_.messages);
 }
 

@@ -47,8 +47,8 @@ class WorkbenchResources final : public ResourceService {
  public:
   using MessageSink = std::function<void(std::string_view text, int flags)>;
 
-  // `makeSession` makes the session that enumeration names are read on; it is opened with `accountConnection`.
-  WorkbenchResources(Language language, std::string accountConnection, SessionMaker makeSession, MessageSink messages);
+  // `makeSession` makes the session on which enumeration names are read from `account`.
+  WorkbenchResources(Language language, const AccountSource& account, SessionMaker makeSession, MessageSink messages);
 
   // Texts come in the login's language from then on.
   void takeLogin(Login& login) override;
@@ -78,7 +78,7 @@ class WorkbenchUniqueNames final : public UniqueNameSource {
 };
 
 struct EmbeddedPlatformOptions {
-  std::string accountConnection = {};  // as the login gives it
+  AccountSource account = {};
   Language language = Language::chinese;
   SessionMonitor* monitor = nullptr;              // watches every embedded session; outlives the platform
   SessionMaker makeSession = {};                  // reaches an account on a server; empty for an embedded one

@@ -4,8 +4,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 

@@ -3,8 +3,8 @@
 #include <fstream>
 #include <system_error>
 
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 

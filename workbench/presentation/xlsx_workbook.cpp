@@ -13,13 +13,13 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/ledger_rows.h"
 #include "workbench/presentation/output_file.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/value_output.h"
 #include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 #ifdef _WIN32
 // How libxlsxwriter opens the workbook's file (cmake/libraries.cmake): its name is UTF-8, which Windows' own fopen would

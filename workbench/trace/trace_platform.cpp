@@ -189,7 +189,9 @@ class TraceSession final : public Session {
       : description_(description), log_(log), lastFailure_(lastFailure) {}
 
   void setCursorLocation(CursorLocation location) override { set("CursorLocation", static_cast<int>(location)); }
-  void setConnectionString(std::string_view text) override { set("ConnectionString", odbc::withoutPassword(text)); }
+  void setConnectionString(std::string_view text) override {
+    set("ConnectionString", odbc::ConnectionString(text).withoutPassword());
+  }
   void setConnectionTimeout(int seconds) override { set("ConnectionTimeout", seconds); }
   void setCommandTimeout(int seconds) override { set("CommandTimeout", seconds); }
 

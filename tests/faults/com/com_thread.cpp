@@ -5,7 +5,7 @@
 namespace quillon::faults {
 
 ComThread::ComThread(Border& border, const TinyAccount& account)
-    : inner({.accountConnection = account.connectionString(),
+    : inner({.account = account.source(),
              .messages = [this](std::string_view text, int) { shown += std::string(text) + "\n"; },
              .vouchers = [this](const workbench::OpenedVoucher& voucher) { shown += voucher.member + "\n"; }}),
       classes(border, inner, log) {}

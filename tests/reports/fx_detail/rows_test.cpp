@@ -124,8 +124,8 @@ class Environment final : public InventoryEnvironment {
 
 class LedgerPlatform final : public Platform {
  public:
-  LedgerPlatform(const Setup& setup, const std::string& connection)
-      : setup_(setup), embedded_({.accountConnection = connection}) {}
+  LedgerPlatform(const Setup& setup, const workbench::AccountSource& account)
+      : setup_(setup), embedded_({.account = account}) {}
 
   std::shared_ptr<Session> createSession() override { return embedded_.createSession(); }
   std::shared_ptr<PublicComponent> createPublicComponent() override { return std::make_shared<Component>(setup_); }
@@ -331,8 +331,8 @@ class Ledger {
   // Makes the result table.
   void run(const Subject& subject, const Range& range, const std::string& batchCondition = "",
            const std::string& free1Condition = "") {
-    const std::string connection = workbench::connectionString(file_.path());
-    LedgerPlatform platform(setup_, connection);
+    const workbench::AccountSource account = workbench::AccountSource::inFile(file_.path());
+    LedgerPlatform platform(setup_, account);
     Module module(platform);
     const auto filter = std::make_shared<workbench::FilterObject>(workbench::ReportRegistration{});
     const auto add = [&](const std::string& key, const std::string& value, const std::string& value2 = "",
@@ -351,7 +351,7 @@ class Ledger {
     for (int number = 2; number <= 10; ++number)
       add("cFree" + std::to_string(number), "");
     add("cBatchIA", "", "", batchCondition);
-    Argument argument(filter, connection);
+    Argument argument(filter, account.connectionString());
     FxDetail(module).getSql(argument);
     EXPECT_FALSE(module.session);
   }

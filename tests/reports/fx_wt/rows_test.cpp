@@ -183,7 +183,7 @@ class FxWtRows : public testing::Test {
       entry.value = item.value;
       entry.value2 = item.value2;
     }
-    workbench::EmbeddedPlatform platform({.accountConnection = workbench::connectionString(file_->path())});
+    workbench::EmbeddedPlatform platform({.account = workbench::AccountSource::inFile(file_->path())});
     const auto login = std::make_shared<workbench::WorkbenchLogin>(workbench::LoginDetails{
         .accountConnection = workbench::connectionString(file_->path()), .languageRegion = "zh-CN"});
     workbench::WorkbenchArgument argument(filter, login, "wt_result");

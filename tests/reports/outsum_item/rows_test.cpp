@@ -102,7 +102,7 @@ class OutsumItemRows : public testing::Test {
   // The rows with some of their columns only, which is much quicker.
   static std::vector<Line> reportLines(const std::vector<Item>& items, const std::filesystem::path& file,
                                        const std::string& columns) {
-    workbench::EmbeddedPlatform platform({.accountConnection = workbench::connectionString(file)});
+    workbench::EmbeddedPlatform platform({.account = workbench::AccountSource::inFile(file)});
     Module module(platform);
     const auto filter = std::make_shared<workbench::FilterObject>(workbench::ReportRegistration{});
     for (const Item& item : items) {
@@ -707,7 +707,7 @@ TEST_F(OutsumItemRows, HaveTheColumnsInTheirOrder) {
                                           "cFXCode",         "cFXName",        "iQuantity",     "iMoney",
                                           "iFXMoney",        "cCross",         "cFxCName",      "cAmoCode",
                                           "cAmoName"};
-  workbench::EmbeddedPlatform platform({.accountConnection = workbench::connectionString(file_->path())});
+  workbench::EmbeddedPlatform platform({.account = workbench::AccountSource::inFile(file_->path())});
   for (const char* mode : {"0", "1", "2"}) {
     Module module(platform);
     const auto filter = std::make_shared<workbench::FilterObject>(workbench::ReportRegistration{});

@@ -9,6 +9,7 @@
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/schema.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {
@@ -37,7 +38,7 @@ class AccountCheck : public testing::Test {
 
 TEST_F(AccountCheck, SaysThatAllIsWell) {
   std::ostringstream out;
-  EXPECT_TRUE(checkAccount(utf8FromPath(file_.path()), out));
+  EXPECT_TRUE(checkAccount(AccountSource::inFile(file_.path()), out));
   EXPECT_EQ(out.str(), "every key by which the reports join has one row\n");
   EXPECT_EQ(statusOfProgram(), 0);
 }
@@ -52,7 +53,7 @@ TEST_F(AccountCheck, ListsTheKeysThatSeveralRowsShare) {
         "Insert Into sfc_workcenter (WcId, WcCode, Description) Values (1, N'W1', N'车床'), (2, N'W2', N'车床')");
   }
   std::ostringstream out;
-  EXPECT_FALSE(checkAccount(utf8FromPath(file_.path()), out));
+  EXPECT_FALSE(checkAccount(AccountSource::inFile(file_.path()), out));
   EXPECT_EQ(
       out.str(),
       "table           key                 rows  reports\n"

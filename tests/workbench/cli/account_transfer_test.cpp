@@ -15,6 +15,7 @@
 #include "workbench/cli/sql_command.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {
@@ -30,6 +31,7 @@ class AccountTransfer : public ::testing::Test {
   AccountTransfer() { account::createSample(folder_ / "a", {.rows = 1000, .seed = 3, .years = 2}); }
 
   std::string path(std::string_view name) const { return utf8FromPath(folder_ / name); }
+  AccountSource source(std::string_view name) const { return AccountSource::inFile(folder_ / name); }
 
   // What `quillon account ...` writes to standard output; an exit status other than 0 behind it.
   static std::string shownBy(std::vector<std::string> arguments) {
@@ -131,23 +133,23 @@ TEST_F(AccountTransfer, ComparesAccountsOnly) {
   tsql::Connection::open(folder_ / "y", tsql::OpenMode::createNew);
   std::ostringstream out;
   try {
-    diffAccounts(path("x"), path("y"), 10, out);
+    diffAccounts(source("x"), source("y"), 10, out);
     FAIL() << "compared";
   } catch (const UserError& error) {
     EXPECT_STREQ(error.what(), "neither source has a table of an account; name two accounts");
   }
-  EXPECT_THROW(diffAccounts(path("a"), path("none"), 10, out), tsql::SqlError);
+  EXPECT_THROW(diffAccounts(source("a"), source("none"), 10, out), tsql::SqlError);
 }
 
 TEST_F(AccountTransfer, ComparesReports) {
   std::filesystem::copy_file(folder_ / "a", folder_ / "b");
   std::ostringstream equal, different, notes;
-  const ReportOptions options{.report = "fx-wt", .account = path("a"), .limit = 1};
-  EXPECT_TRUE(compareReports(options, path("b"), equal, notes));
+  const ReportOptions options{.report = "fx-wt", .account = source("a"), .limit = 1};
+  EXPECT_TRUE(compareReports(options, source("b"), equal, notes));
   EXPECT_THAT(equal.str(), MatchesRegex("equal: .* rows of .* columns\n"));
   EXPECT_THAT(equal.str(), ::testing::Not(StartsWith("equal: 0 ")));
   change("b", "Update Warehouse Set cWhName = N'改'");
-  EXPECT_FALSE(compareReports(options, path("b"), different, notes));
+  EXPECT_FALSE(compareReports(options, source("b"), different, notes));
   EXPECT_THAT(different.str(), StartsWith("row 1: cWhName \""));
   EXPECT_THAT(different.str(), HasSubstr("\" | \"改\"\nand "));
   EXPECT_THAT(different.str(), HasSubstr(" more\ndifferent: "));

@@ -14,6 +14,7 @@
 #include "workbench/cli/drill_command.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {
@@ -77,7 +78,7 @@ class DetailLedger : public testing::Test {
   }
   static void TearDownTestSuite() { file_.reset(); }
 
-  static std::string source() { return utf8FromPath(file_->path()); }
+  static AccountSource source() { return AccountSource::inFile(file_->path()); }
 
   std::string report(std::vector<std::string> settings, ReportFormat format = ReportFormat::table,
                      Language language = Language::english) {

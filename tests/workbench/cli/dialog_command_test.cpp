@@ -12,6 +12,7 @@
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/schema.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {
@@ -58,7 +59,7 @@ class DialogCommand : public testing::Test {
   std::vector<Json> steps(const std::string& report, std::vector<std::string> steps, const std::string& filter = "") {
     std::ostringstream out;
     runDialog({.report = report,
-               .account = utf8FromPath(file_.path()),
+               .account = AccountSource::inFile(file_.path()),
                .filterFile = filter,
                .steps = std::move(steps),
                .format = DialogFormat::json,
@@ -221,7 +222,7 @@ TEST_F(DialogCommand, RefusesWhatCannotBeDoneInOneLine) {
 TEST_F(DialogCommand, ShowsWhatWentWellBeforeAStepFailed) {
   std::ostringstream out;
   EXPECT_THROW(runDialog({.report = "sfc-item",
-                          .account = utf8FromPath(file_.path()),
+                          .account = AccountSource::inFile(file_.path()),
                           .steps = {"init", "change:iYear=1999"},
                           .language = Language::english},
                          out),
@@ -232,7 +233,7 @@ TEST_F(DialogCommand, ShowsWhatWentWellBeforeAStepFailed) {
 
 TEST_F(DialogCommand, ShowsATableAStep) {
   std::ostringstream out;
-  runDialog({.report = "outsum-item", .account = utf8FromPath(file_.path()), .steps = {"init", "click"}}, out);
+  runDialog({.report = "outsum-item", .account = AccountSource::inFile(file_.path()), .steps = {"init", "click"}}, out);
   EXPECT_THAT(out.str(), testing::StartsWith("步骤：init\n关键字  "));
   EXPECT_THAT(out.str(), testing::HasSubstr("\n\n步骤：click\n关键字  "));
   EXPECT_THAT(out.str(), testing::EndsWith("\n确认：接受\n"));

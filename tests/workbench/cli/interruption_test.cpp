@@ -15,7 +15,7 @@
 #include "tests/workbench/presentation/xlsx_sheet.h"
 #include "workbench/account/account.h"
 #include "workbench/account/transfer.h"
-#include "workbench/platform/account_source.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {

@@ -28,7 +28,7 @@ class OutboundSummary : public testing::Test {
 
   static ReportOptions options(std::vector<std::string> settings, ReportFormat format) {
     return {.report = "outsum-item",
-            .account = utf8FromPath(file_->path()),
+            .account = AccountSource::inFile(file_->path()),
             .settings = std::move(settings),
             .format = format,
             .language = Language::english};
@@ -180,7 +180,8 @@ TEST(OutboundSummaryBeforeCostItems, BeginsWithTheCurrentYear) {
     account->execute(
         "Insert Into AccInformation (cSysID, cID, cName, cValue) Values (N'CA', N'11002', N'x', N'202501')");
   }
-  ReportOptions options{.report = "outsum-item", .account = utf8FromPath(file.path()), .language = Language::english};
+  ReportOptions options{
+      .report = "outsum-item", .account = AccountSource::inFile(file.path()), .language = Language::english};
   std::ostringstream out;
   std::ostringstream notes;
   runReport(options, out, notes);

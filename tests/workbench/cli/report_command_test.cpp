@@ -13,6 +13,7 @@
 #include "workbench/cli/account_command.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {
@@ -161,7 +162,8 @@ TEST_F(ReportCommand, TellsWhatStoppedTheBuildAndWhatWasLeft) {
 TEST_F(ReportCommand, KeepsTheResultTableWhenAsked) {
   std::ostringstream out;
   std::ostringstream notes;
-  runReport({.report = "sfc-item", .account = source(), .format = ReportFormat::csv, .keep = true}, out, notes);
+  runReport({.report = "sfc-item", .account = AccountSource(source()), .format = ReportFormat::csv, .keep = true}, out,
+            notes);
   EXPECT_THAT(notes.str(), MatchesPattern("quillon: the result table QuillonReport[0-9a-z]+ is kept\n"));
   constexpr std::size_t nameStart = std::string_view("quillon: the result table ").size();
   const std::string name = notes.str().substr(nameStart, notes.str().find(" is kept") - nameStart);
@@ -173,7 +175,8 @@ TEST_F(ReportCommand, KeepsTheResultTableWhenAsked) {
 TEST_F(ReportCommand, ExplainsEachStatement) {
   std::ostringstream out;
   std::ostringstream notes;
-  runReport({.report = "sfc-item", .account = source(), .format = ReportFormat::csv, .explain = true}, out, notes);
+  runReport({.report = "sfc-item", .account = AccountSource(source()), .format = ReportFormat::csv, .explain = true},
+            out, notes);
   EXPECT_THAT(notes.str(), ContainsPattern("\\[1\\] [0-9.]+ ms"));
   EXPECT_THAT(notes.str(), testing::HasSubstr("Select Top 0 base.autoid,wh.cWhCode"));
   EXPECT_THAT(notes.str(), ContainsPattern("ms, [0-9]+ rows\ndelete QuillonReport"));
@@ -183,11 +186,12 @@ TEST_F(ReportCommand, ExplainsEachStatement) {
 TEST_F(ReportCommand, ShowsProgressOnATerminalOnly) {
   std::ostringstream out;
   std::ostringstream notes;
-  runReport({.report = "sfc-item", .account = source(), .format = ReportFormat::csv, .terminal = true}, out, notes);
+  runReport({.report = "sfc-item", .account = AccountSource(source()), .format = ReportFormat::csv, .terminal = true},
+            out, notes);
   EXPECT_THAT(notes.str(), testing::HasSubstr("\r\x1b[K1: "));
   EXPECT_TRUE(notes.str().ends_with("\r\x1b[K")) << "the line is taken away at the end";
   notes.str("");
-  runReport({.report = "sfc-item", .account = source(), .format = ReportFormat::csv}, out, notes);
+  runReport({.report = "sfc-item", .account = AccountSource(source()), .format = ReportFormat::csv}, out, notes);
   EXPECT_EQ(notes.str(), "");
 }
 

@@ -131,7 +131,7 @@ class ReportRows : public testing::TestWithParam<AccountKind> {
     std::ostringstream out;
     notes_.str("");
     runReport({.report = "sfc-item",
-               .account = utf8FromPath(file()),
+               .account = AccountSource::inFile(file()),
                .settings = std::move(settings),
                .format = ReportFormat::json},
               out, notes_);

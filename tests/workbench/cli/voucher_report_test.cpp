@@ -36,7 +36,7 @@ class VoucherReport : public testing::Test {
   }
   static void TearDownTestSuite() { file_.reset(); }
 
-  static std::string source() { return utf8FromPath(file_->path()); }
+  static AccountSource source() { return AccountSource::inFile(file_->path()); }
 
   static std::string report(std::vector<std::string> settings, ReportFormat format = ReportFormat::table,
                             bool dialog = true) {

@@ -23,7 +23,7 @@ class DetailLedgerObjectsTest : public test::AdoTest {
  protected:
   EmbeddedPlatformOptions options() const {
     EmbeddedPlatformOptions result;
-    result.accountConnection = connectionString(file_);
+    result.account = AccountSource::inFile(file_);
     return result;
   }
   static LateBound login() {

@@ -31,7 +31,7 @@ class PlatformObjectsTest : public test::AdoTest {
   }
   EmbeddedPlatformOptions options() const {
     EmbeddedPlatformOptions result;
-    result.accountConnection = connectionString(file_);
+    result.account = AccountSource::inFile(file_);
     return result;
   }
   LateBound argument() {

@@ -35,7 +35,7 @@ class ReportRunsTest : public testing::Test {
     account_ = tsql::Connection::open(file_, tsql::OpenMode::existing);
 
     EmbeddedPlatformOptions platformOptions;
-    platformOptions.accountConnection = connectionString(file_);
+    platformOptions.account = AccountSource::inFile(file_);
     platform_ = std::make_unique<EmbeddedPlatform>(platformOptions);
     standIn_ = std::make_unique<PlatformStandIn>(*platform_, nullptr);
   }
@@ -53,8 +53,8 @@ class ReportRunsTest : public testing::Test {
     {
       const com::LateBound report(library_.create<IDispatch>(sfcItemClass), "Quillon.clsSFC_Item");
       const std::unique_ptr<Session> session = openSession();
-      const auto login =
-          std::make_shared<WorkbenchLogin>(accountLogin(*session, connectionString(file_), Language::chinese, "", ""));
+      const auto login = std::make_shared<WorkbenchLogin>(
+          accountLogin(*session, AccountSource::inFile(file_), Language::chinese, "", ""));
       const auto filter = std::make_shared<FilterObject>(reportNamed("sfc-item").registration);
       prepareFilter(*filter, *login, *session);
       setFilterItems(*filter, settings);

@@ -12,6 +12,7 @@
 #include "tests/component/quillon_library.h"
 #include "workbench/account/account.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {

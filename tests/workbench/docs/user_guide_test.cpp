@@ -314,7 +314,8 @@ class ResultTables : public testing::Test {
   static Rows made(const std::string& report, const std::vector<std::string>& settings) {
     std::ostringstream notes;
     const auto run = makeReport(
-        {.report = report, .account = utf8FromPath(file_->path()), .settings = settings, .dialog = false}, {notes});
+        {.report = report, .account = AccountSource::inFile(file_->path()), .settings = settings, .dialog = false},
+        {notes});
     Rows columns;
     for (const tsql::Column& column : run->connection().describe(run->table().name()))
       columns.push_back({lower(column.name), column.type.name()});

@@ -5,6 +5,46 @@
 namespace quillon::odbc {
 namespace {
 
+std::string withoutPassword(std::string_view text) {
+  return ConnectionString(text).withoutPassword();
+}
+
+// What is read of `text`, as keyword<value>.
+std::string readOf(std::string_view text) {
+  const ConnectionString parsed(text);
+  std::string read;
+  for (const auto& [keyword, value] : parsed.attributes())
+    read.append(keyword).append("<").append(value).append(">");
+  return read;
+}
+
+TEST(ConnectionString, IsReadAsAttributes) {
+  EXPECT_EQ(readOf("Server=here; Database = a b ;UID="), "Server<here>Database<a b>UID<>");
+  EXPECT_EQ(readOf(";; a=b ; ;"), "a<b>") << "empty places say nothing";
+  EXPECT_EQ(readOf("a=b=c;d"), "a<b=c><d>");
+  EXPECT_EQ(readOf(""), "");
+}
+
+TEST(ConnectionString, ReadsAValueInBracesOrQuotes) {
+  EXPECT_EQ(readOf("Driver={a;b}}c};PWD = 'd''e;' ;f=\"g;\"\"h\""), "Driver<a;b}c>PWD<d'e;>f<g;\"h>");
+  EXPECT_EQ(readOf("a={b}c;d=e"), "a<b>d<e>") << "what follows the closing mark is passed over";
+  EXPECT_EQ(readOf("a={b;c=d"), "a<b;c=d>") << "an open value goes to the end";
+  EXPECT_EQ(readOf("a=b{c;d}"), "a<b{c><d}>") << "a mark inside a value is no mark";
+}
+
+TEST(ConnectionString, ReadsWhatInDoubleQuotesWrites) {
+  for (const char* value : {"", "a", "a;b=c", "\"", "a\"\"b\"", "{a}", " a "}) {
+    EXPECT_EQ(readOf("k=" + inDoubleQuotes(value)), "k<" + std::string(value) + ">");
+  }
+}
+
+TEST(ConnectionString, NamesADriver) {
+  EXPECT_TRUE(ConnectionString("Server=here;driver={x}").namesDriver());
+  EXPECT_TRUE(ConnectionString("dsn=x").namesDriver());
+  EXPECT_TRUE(ConnectionString("FILEDSN=x").namesDriver());
+  EXPECT_FALSE(ConnectionString("Server={a;DSN=b}").namesDriver());
+}
+
 TEST(ConnectionString, HidesThePassword) {
   EXPECT_EQ(withoutPassword("Data Source=server;UID=sa;PWD=secret;Initial Catalog=a"),
             "Data Source=server;UID=sa;PWD=***;Initial Catalog=a");
@@ -38,17 +78,18 @@ TEST(ConnectionString, LeavesEverythingElseAsItIs) {
 }
 
 TEST(ConnectionString, FindsAKeywordInAnyLetterCase) {
-  EXPECT_TRUE(hasKeyword("DRIVER={x};Server=here", "driver"));
-  EXPECT_TRUE(hasKeyword("Server=here; Dsn = x", "DSN"));
-  EXPECT_FALSE(hasKeyword("Server={a;DSN=b}", "dsn")) << "a value is no keyword";
-  EXPECT_FALSE(hasKeyword("driver", "driver")) << "a keyword has a value";
+  EXPECT_TRUE(ConnectionString("DRIVER={x};Server=here").has("driver"));
+  EXPECT_TRUE(ConnectionString("Server=here; Dsn = x").has("DSN"));
+  EXPECT_FALSE(ConnectionString("Server={a;DSN=b}").has("dsn")) << "a value is no keyword";
+  EXPECT_FALSE(ConnectionString("driver").has("driver")) << "a keyword has a value";
 }
 
 TEST(ConnectionString, HidesThePasswordInAMessage) {
-  EXPECT_EQ(withoutPasswordOf("UID=sa;PWD=secret", "login with 'secret' failed"), "login with '***' failed");
-  EXPECT_EQ(withoutPasswordOf("UID=sa;Pwd={a;}}b};x=y", "{a;}}b} or a;}b"), "*** or ***");
-  EXPECT_EQ(withoutPasswordOf("UID=sa;PWD=;x=y", "nothing to hide"), "nothing to hide");
-  EXPECT_EQ(withoutPasswordOf("UID=sa", "sa"), "sa");
+  EXPECT_EQ(ConnectionString("UID=sa;PWD=secret").withoutPasswordIn("login with 'secret' failed"),
+            "login with '***' failed");
+  EXPECT_EQ(ConnectionString("UID=sa;Pwd={a;}}b};x=y").withoutPasswordIn("{a;}}b} or a;}b"), "*** or ***");
+  EXPECT_EQ(ConnectionString("UID=sa;PWD=;x=y").withoutPasswordIn("nothing to hide"), "nothing to hide");
+  EXPECT_EQ(ConnectionString("UID=sa").withoutPasswordIn("sa"), "sa");
 }
 
 }  // namespace

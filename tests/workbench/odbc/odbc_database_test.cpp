@@ -40,7 +40,7 @@ class ResultLog final : public tsql::ResultSink {
 
 class OdbcDatabase : public testing::Test {
  protected:
-  void SetUp() override { database_ = connect(server_.connectionString(), {}); }
+  void SetUp() override { database_ = connect(ConnectionString(server_.connectionString()), {}); }
 
   // The server answers the next batch with these results.
   void answer(std::vector<Result> results) {
@@ -87,7 +87,7 @@ TEST_F(OdbcDatabase, ConnectsWithTheConnectionStringAndWithoutTimeLimits) {
 }
 
 TEST_F(OdbcDatabase, PassesTimeLimitsOn) {
-  database_ = connect(server_.connectionString(), {.connectionTimeout = 15, .commandTimeout = 30});
+  database_ = connect(ConnectionString(server_.connectionString()), {.connectionTimeout = 15, .commandTimeout = 30});
   database_->execute("Select 1");
   EXPECT_THAT(server_.log, Contains("connection attribute " + std::to_string(SQL_ATTR_LOGIN_TIMEOUT) + " = 15"));
   EXPECT_THAT(server_.log, Contains("statement attribute " + std::to_string(SQL_ATTR_QUERY_TIMEOUT) + " = 30"));
@@ -264,7 +264,7 @@ TEST_F(OdbcDatabase, TellsALongMessageWhole) {
 TEST_F(OdbcDatabase, PassesOnWhatTheServerSaysBeside) {
   std::vector<std::string> said;
   database_ = connect(
-      server_.connectionString(), {.messages = [&said](const Diagnostic& message) {
+      ConnectionString(server_.connectionString()), {.messages = [&said](const Diagnostic& message) {
         said.push_back(std::to_string(message.number) + " in " + std::to_string(message.line) + ": " + message.text);
       }});
   answer({{.rowCount = 1,
@@ -342,7 +342,7 @@ TEST_F(OdbcDatabase, NamesTheTables) {
 TEST_F(OdbcDatabase, ARefusedLoginNamesTheReasonAndNotThePassword) {
   server_.refusal = {
       {.state = u"28000", .number = 18456, .text = u"[V][D][SQL Server]Login failed for 'sa', 'geheim'."}};
-  const auto error = errorOf([&] { connect(server_.connectionString(), {}); });
+  const auto error = errorOf([&] { connect(ConnectionString(server_.connectionString()), {}); });
   EXPECT_EQ(error.number(), 18456);
   EXPECT_EQ(
       error.message(),
@@ -353,7 +353,7 @@ TEST_F(OdbcDatabase, ARefusedLoginNamesTheReasonAndNotThePassword) {
 TEST_F(OdbcDatabase, ARefusedDatabaseNamesTheReason) {
   server_.refusal = {
       {.state = u"42000", .number = 4060, .text = u"[V][D][SQL Server]Cannot open database \"account\"."}};
-  EXPECT_THAT(errorOf([&] { connect(server_.connectionString(), {}); }).message(),
+  EXPECT_THAT(errorOf([&] { connect(ConnectionString(server_.connectionString()), {}); }).message(),
               HasSubstr("Cannot open database \"account\".; check the connection string"));
 }
 

@@ -20,7 +20,7 @@ using testing::StartsWith;
 
 std::string refusalOf(const std::string& connectionString) {
   try {
-    connect(connectionString + ";UID=sa;PWD=geheim", {});
+    connect(ConnectionString(connectionString + ";UID=sa;PWD=geheim"), {});
   } catch (const tsql::SqlError& error) {
     return error.message();
   }

@@ -18,6 +18,7 @@
 #include "workbench/cli/sql_command.h"
 #include "workbench/platform/account_session.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {
@@ -57,7 +58,8 @@ class OverOdbc : public testing::Test {
       expectSame([&](const std::string& source) {
         std::ostringstream out;
         std::ostringstream notes;
-        runReport({.report = report, .account = source, .settings = settings, .format = format}, out, notes);
+        runReport({.report = report, .account = AccountSource(source), .settings = settings, .format = format}, out,
+                  notes);
         return out.str() + notes.str();
       });
     }
@@ -78,7 +80,9 @@ class OverOdbc : public testing::Test {
     std::ostringstream out;
     std::ostringstream notes;
     try {
-      runReport({.report = report, .account = odbc::test::EngineServer::connectionString(), .filterFile = filterFile},
+      runReport({.report = report,
+                 .account = AccountSource(odbc::test::EngineServer::connectionString()),
+                 .filterFile = filterFile},
                 out, notes);
     } catch (const std::exception& error) {
       return error.what();
@@ -147,7 +151,8 @@ TEST_F(OverOdbc, Dialogs) {
   for (const Report& report : reports()) {
     expectSame([&report](const std::string& source) {
       std::ostringstream out;
-      runDialog({.report = report.registration.name, .account = source, .format = DialogFormat::json}, out);
+      runDialog({.report = report.registration.name, .account = AccountSource(source), .format = DialogFormat::json},
+                out);
       return out.str();
     });
   }
@@ -159,7 +164,7 @@ TEST_F(OverOdbc, DrillThrough) {
     expectSame([&](const std::string& source) {
       std::ostringstream out;
       std::ostringstream notes;
-      runDrill({.report = {.report = "fx-detail", .account = source, .settings = settings},
+      runDrill({.report = {.report = "fx-detail", .account = AccountSource(source), .settings = settings},
                 .row = {"RowNo=3"},
                 .action = action,
                 .format = DrillFormat::json},
@@ -173,7 +178,7 @@ TEST_F(OverOdbc, AccountInformationAndCheck) {
   expectSame([](const std::string& source) { return shownBy({"account", "info", source}); });
   expectSame([](const std::string& source) {
     std::ostringstream out;
-    EXPECT_TRUE(checkAccount(source, out));
+    EXPECT_TRUE(checkAccount(AccountSource(source), out));
     // The verdict is short.
     return out.str() + std::string(100, ' ');
   });
@@ -199,7 +204,7 @@ TEST_F(OverOdbc, ScriptsOfStatements) {
       std::istringstream in(script);
       std::ostringstream out;
       std::ostringstream errors;
-      EXPECT_EQ(runScript(*openDatabase(source, tsql::OpenMode::existing), in, format, out, errors), 1);
+      EXPECT_EQ(runScript(*AccountSource(source).open(tsql::OpenMode::existing), in, format, out, errors), 1);
       return out.str() + errors.str();
     });
   }
@@ -234,7 +239,7 @@ TEST_F(OverOdbc, AKilledServerIsOneErrorAndNothingStaysConnected) {
     EXPECT_EQ(server_.openSessions, 0);
   }
   server_.dieAfter(-1);
-  const auto account = openDatabase(file(), tsql::OpenMode::existing);
+  const auto account = AccountSource(file()).open(tsql::OpenMode::existing);
   for (const std::string& table : account->tables("")) {
     if (table.starts_with("QuillonReport")) account->execute("Drop Table " + table);
   }

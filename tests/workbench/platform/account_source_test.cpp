@@ -5,12 +5,17 @@
 #include <stdexcept>
 
 #include "tests/workbench/platform/temporary_file.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {
 
-std::string fileOf(std::string_view source) {
-  return utf8FromPath(accountFile(source));
+std::string fileOf(const char* text) {
+  return utf8FromPath(AccountSource(text).file());
+}
+
+bool onServer(const char* text) {
+  return AccountSource(text).onServer();
 }
 
 TEST(AccountSource, IsAFileName) {
@@ -26,52 +31,81 @@ TEST(AccountSource, IsTheDataSourceOfAConnectionString) {
       << "a text that does not begin with a connection keyword is a file's name";
 }
 
+TEST(AccountSource, QuotesItsDataSourceAsAnyValueOfAConnectionString) {
+  EXPECT_EQ(fileOf("Data Source={a;b.qacc};PWD={s}};c}"), "a;b.qacc");
+  EXPECT_EQ(fileOf("Data Source='a;b.qacc'"), "a;b.qacc");
+  EXPECT_EQ(fileOf("Data Source=\"a\"\"b.qacc\""), "a\"b.qacc") << "a doubled quote is one";
+  EXPECT_EQ(fileOf("Data Source=demo.qacc;PWD=\"a;b\""), "demo.qacc");
+  EXPECT_EQ(fileOf("Data Source=demo.qacc;;PWD=secret;"), "demo.qacc") << "an empty place says nothing";
+}
+
 TEST(AccountSource, ComesBackFromItsConnectionString) {
-  for (const char* name : {"demo.qacc", "with blank.qacc", "a;b=c.qacc", "账套.qacc"}) {
-    EXPECT_EQ(fileOf(connectionString(pathFromUtf8(name))), name);
+  for (const char* name : {"demo.qacc", "with blank.qacc", "a;b=c.qacc", "a\"b\"\".qacc", "{a}.qacc", "账套.qacc"}) {
+    EXPECT_EQ(fileOf(connectionString(pathFromUtf8(name)).c_str()), name);
   }
 }
 
-TEST(AccountSource, RefusesAServersConnectionString) {
-  for (const char* source : {"Driver={Some Driver};Server=here;Database=account", "DSN=account", "Server=here;UID=sa",
-                             "Data Source=server;Initial Catalog=account"}) {
+TEST(AccountSource, OfAFileTakesItsNameAsItIs) {
+  const AccountSource source = AccountSource::inFile(pathFromUtf8("DSN=account"));
+  EXPECT_FALSE(source.onServer());
+  EXPECT_EQ(utf8FromPath(source.file()), "DSN=account");
+  EXPECT_EQ(source.shown(), "DSN=account");
+  EXPECT_EQ(source.connectionString(), "Data Source=\"DSN=account\"");
+}
+
+TEST(AccountSource, RefusesAFileOnAServer) {
+  for (const char* text : {"Driver={Some Driver};Server=here;Database=account", "DSN=account", "Server=here;UID=sa",
+                           "Data Source=server;Initial Catalog=account"}) {
     try {
-      accountFile(source);
-      ADD_FAILURE() << source << " was taken";
+      AccountSource(text).file();
+      ADD_FAILURE() << text << " was taken";
     } catch (const std::invalid_argument& error) {
-      EXPECT_NE(std::string(error.what()).find("name an account file"), std::string::npos) << error.what();
+      EXPECT_STREQ(error.what(),
+                   "a connection string to a database server cannot be used here; name an account file (made with "
+                   "\"quillon account new FILE\")");
     }
   }
 }
 
 TEST(AccountSource, IsAServerWhenItHasAServersKeywords) {
-  EXPECT_TRUE(namesServer("Provider=SQLOLEDB;Data Source=here;Initial Catalog=account;User ID=sa;Password=secret"));
-  EXPECT_TRUE(namesServer("driver={SQL Server};Server=here;Database=account;UID=sa;PWD=secret"));
-  EXPECT_TRUE(namesServer("Data Source=here;Initial Catalog=account"));
-  EXPECT_TRUE(namesServer("UID=sa;PWD=secret;Driver={FreeTDS};Server=here")) << "a driver may stand anywhere";
-  EXPECT_FALSE(namesServer("Data Source=demo.qacc;PWD=secret"));
-  EXPECT_FALSE(namesServer("demo.qacc"));
-  EXPECT_FALSE(namesServer("PWD=secret;Server=here")) << "a text that begins otherwise is a file's name";
-  EXPECT_FALSE(namesServer(""));
+  EXPECT_TRUE(onServer("Provider=SQLOLEDB;Data Source=here;Initial Catalog=account;User ID=sa;Password=secret"));
+  EXPECT_TRUE(onServer("driver={SQL Server};Server=here;Database=account;UID=sa;PWD=secret"));
+  EXPECT_TRUE(onServer("Data Source=here;Initial Catalog=account"));
+  EXPECT_TRUE(onServer("Data Source=here;encrypted")) << "a word without a value is not a file's either";
+  EXPECT_TRUE(onServer("UID=sa;PWD=secret;Driver={FreeTDS};Server=here")) << "a driver may stand anywhere";
+  EXPECT_FALSE(onServer("Data Source=demo.qacc;PWD=secret"));
+  EXPECT_FALSE(onServer("Data Source={a;DSN=b}")) << "a keyword in a value is none";
+  EXPECT_FALSE(onServer("demo.qacc"));
+  EXPECT_FALSE(onServer("server")) << "a keyword has a value";
+  EXPECT_FALSE(onServer("PWD=secret;Server=here")) << "a text that begins otherwise is a file's name";
+  EXPECT_FALSE(onServer(""));
 }
 
 TEST(AccountSource, HasAConnectionString) {
-  EXPECT_EQ(accountConnection("demo.qacc"), "Data Source=\"demo.qacc\"");
-  EXPECT_EQ(accountConnection("DSN=ledger;UID=sa"), "DSN=ledger;UID=sa");
+  EXPECT_EQ(AccountSource("demo.qacc").connectionString(), "Data Source=\"demo.qacc\"");
+  EXPECT_EQ(AccountSource("DSN=ledger; UID=sa").connectionString(), "DSN=ledger; UID=sa");
+}
+
+TEST(AccountSource, IsShownWithoutThePassword) {
+  EXPECT_EQ(AccountSource("demo.qacc").shown(), "demo.qacc");
+  EXPECT_EQ(AccountSource("Data Source=demo.qacc;PWD=x").shown(), "Data Source=demo.qacc;PWD=***");
+  const AccountSource server("DSN=ledger;UID=sa;PWD={a;b};c=d");
+  EXPECT_EQ(server.shown(), "DSN=ledger;UID=sa;PWD=***;c=d");
+  EXPECT_EQ(server.text(), "DSN=ledger;UID=sa;PWD={a;b};c=d");
 }
 
 TEST(AccountSource, OpensAFile) {
   const test::TemporaryFile file(".qacc");
   tsql::Connection::open(file.path(), tsql::OpenMode::createNew)->execute("Create Table t (i int)");
-  EXPECT_EQ(openDatabase(utf8FromPath(file.path()), tsql::OpenMode::readOnly)->describe("t").size(), 1U);
-  EXPECT_THROW(openDatabase("no-such-account.qacc", tsql::OpenMode::existing), tsql::SqlError);
+  EXPECT_EQ(AccountSource::inFile(file.path()).open(tsql::OpenMode::readOnly)->describe("t").size(), 1U);
+  EXPECT_THROW(AccountSource("no-such-account.qacc").open(tsql::OpenMode::existing), tsql::SqlError);
 }
 
 TEST(AccountSource, RefusesAServersConnectionStringThatIsNotOdbcs) {
-  for (const char* source : {"Provider=SQLOLEDB;Data Source=here;Password=secret", "Server=here;PWD=secret"}) {
+  for (const char* text : {"Provider=SQLOLEDB;Data Source=here;Password=secret", "Server=here;PWD=secret"}) {
     try {
-      openDatabase(source, tsql::OpenMode::existing);
-      ADD_FAILURE() << source << " was taken";
+      AccountSource(text).open(tsql::OpenMode::existing);
+      ADD_FAILURE() << text << " was taken";
     } catch (const std::invalid_argument& error) {
       EXPECT_STREQ(error.what(),
                    "the connection string names no ODBC driver; write Driver={ODBC Driver 17 for SQL "
@@ -81,16 +115,13 @@ TEST(AccountSource, RefusesAServersConnectionStringThatIsNotOdbcs) {
 }
 
 TEST(AccountSource, RefusesNoName) {
-  EXPECT_THROW(accountFile(""), std::invalid_argument);
-  EXPECT_THROW(accountFile("Data Source="), std::invalid_argument);
-}
-
-TEST(AccountSource, NeverRepeatsAPassword) {
-  try {
-    accountFile("Server=here;PWD=secret");
-    FAIL();
-  } catch (const std::invalid_argument& error) {
-    EXPECT_EQ(std::string(error.what()).find("secret"), std::string::npos);
+  for (const AccountSource& source : {AccountSource(), AccountSource(""), AccountSource("Data Source=")}) {
+    try {
+      source.open(tsql::OpenMode::existing);
+      ADD_FAILURE() << source.text() << " was taken";
+    } catch (const std::invalid_argument& error) {
+      EXPECT_STREQ(error.what(), "no account is named; name an account file");
+    }
   }
 }
 

@@ -42,7 +42,7 @@ class EmbeddedPlatformTest : public testing::Test {
   }
 
   LoginDetails login(const std::string& year = "", const std::string& date = "") {
-    return accountLogin(session_, "Data Source=x", Language::chinese, year, date);
+    return accountLogin(session_, AccountSource("x"), Language::chinese, year, date);
   }
 
   test::TemporaryFile file_{".qacc"};
@@ -132,7 +132,7 @@ TEST_F(EmbeddedPlatformTest, NamesItsWorkstationForTableNames) {
 
 TEST_F(EmbeddedPlatformTest, LogsInToTheCurrentYear) {
   const LoginDetails details = login();
-  EXPECT_EQ(details.accountConnection, "Data Source=x");
+  EXPECT_EQ(details.accountConnection, "Data Source=\"x\"");
   EXPECT_EQ(details.password, "");
   EXPECT_EQ(details.accountCode, "007");
   EXPECT_EQ(details.accountingYear, "2023");
@@ -146,7 +146,7 @@ TEST_F(EmbeddedPlatformTest, LogsInToAnotherYearAndDate) {
   EXPECT_EQ(login("2022").accountingYear, "2022");
   EXPECT_EQ(login("2022").businessDate, "2022-12-31");
   EXPECT_EQ(login("", "2023-06-30").businessDate, "2023-06-30");
-  EXPECT_EQ(accountLogin(session_, "", Language::english, "", "").languageRegion, "en-US");
+  EXPECT_EQ(accountLogin(session_, AccountSource("x"), Language::english, "", "").languageRegion, "en-US");
 }
 
 TEST_F(EmbeddedPlatformTest, RefusesAYearThatTheAccountDoesNotHave) {
@@ -164,7 +164,7 @@ TEST_F(EmbeddedPlatformTest, NamesEnumerationsInItsLanguage) {
   session_.execute(
       "Insert Into AA_Enum Values (N'IA.Bustype', N'调拨出库', N'zh-CN', N'调拨出库'), "
       "(N'IA.Bustype', N'调拨出库', N'en-US', N'Transfer out')");
-  EmbeddedPlatform english({.accountConnection = connectionString(file_.path()), .language = Language::english});
+  EmbeddedPlatform english({.account = AccountSource::inFile(file_.path()), .language = Language::english});
   const auto resources = english.createResourceService();
   EXPECT_EQ(resources->enumName("IA.Bustype", "调拨出库"), "Transfer out");
   EXPECT_EQ(resources->enumName("IA.Bustype", "无"), "无") << "a code without a name is shown itself";

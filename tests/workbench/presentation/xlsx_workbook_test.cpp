@@ -5,8 +5,8 @@
 #include "tests/workbench/platform/temporary_file.h"
 #include "tests/workbench/presentation/small_result.h"
 #include "tests/workbench/presentation/xlsx_sheet.h"
-#include "workbench/platform/account_source.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 namespace {
