@@ -102,16 +102,21 @@ bool CsvReader::endOfField(std::optional<char> mark) {
   refuse(field.line, "text behind the closing quote; double the quotes within a value");
 }
 
-void appendCsv(std::string& line, const std::optional<std::string>& value) {
-  if (!value) return;
-  if (!value->empty() && value->find_first_of(",\"\r\n") == std::string::npos) {
-    line += *value;
+void appendCsvText(std::string& line, std::string_view text, EmptyText empty) {
+  const bool quotes =
+      text.empty() ? empty == EmptyText::quoted : text.find_first_of(",\"\r\n") != std::string_view::npos;
+  if (!quotes) {
+    line += text;
     return;
   }
   line += '"';
-  for (const char character : *value)
+  for (const char character : text)
     line.append(character == '"' ? 2 : 1, character);
   line += '"';
+}
+
+void appendCsv(std::string& line, const std::optional<std::string>& value) {
+  if (value) appendCsvText(line, *value, EmptyText::quoted);
 }
 
 }  // namespace quillon::account

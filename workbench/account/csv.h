@@ -67,7 +67,16 @@ class CsvReader {
   std::size_t count_ = 0;
 };
 
-// Appends a value; nullopt is no value. Quotes are set where they must be, and around an empty text.
+// How an empty text is written.
+enum class EmptyText {
+  quoted,  // as two quotes: a text, and not no value
+  bare,    // as nothing
+};
+
+// Appends a text; quotes are set where they must be.
+void appendCsvText(std::string& line, std::string_view text, EmptyText empty);
+
+// Appends a value; nullopt is no value, from which an empty text differs by its quotes.
 void appendCsv(std::string& line, const std::optional<std::string>& value);
 
 }  // namespace quillon::account

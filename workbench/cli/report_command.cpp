@@ -17,6 +17,7 @@
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/presentation/html_page.h"
 #include "workbench/presentation/output_file.h"
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/report_output.h"

@@ -1,8 +1,8 @@
-// A report as an HTML page. The markup stands in the order in which it is written; the style sheet is one text.
+#include "workbench/presentation/html_page.h"
+
 #include <string>
 
 #include "workbench/presentation/ledger_rows.h"
-#include "workbench/presentation/report_output.h"
 
 namespace quillon::workbench {
 

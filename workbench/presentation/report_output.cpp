@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/text.h"
+#include "workbench/account/csv.h"
 #include "workbench/presentation/ledger_rows.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
@@ -82,25 +83,21 @@ void writeLedgerTable(std::ostream& out, const ReportDocument& document, const R
 
 }  // namespace
 
-std::string csvField(std::string_view text) {
-  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
-  std::string field = "\"";
-  for (const char c : text)
-    field.append(c == '"' ? 2 : 1, c);
-  return field + '"';
-}
-
 void writeCsv(std::ostream& out, const ResultTable& table) {
   const auto cursor = table.rows();
   const auto columns = cursor->columns();
-  for (std::size_t i = 0; i < columns.size(); ++i)
-    out << (i == 0 ? "" : ",") << csvField(columns[i].name);
-  out << "\r\n";
-  while (cursor->next()) {
-    for (std::size_t i = 0; i < columns.size(); ++i)
-      out << (i == 0 ? "" : ",") << csvField(plainText(cursor->value(i), ""));
-    out << "\r\n";
-  }
+  // Null and an empty text are both nothing: the file goes to spreadsheets, which do not tell them apart.
+  const auto writeRecord = [&out, &columns](const auto& textOf) {
+    std::string record;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      if (i > 0) record += ',';
+      account::appendCsvText(record, textOf(i), account::EmptyText::bare);
+    }
+    out << record << "\r\n";
+  };
+  writeRecord([&columns](std::size_t i) { return columns[i].name; });
+  while (cursor->next())
+    writeRecord([&cursor](std::size_t i) { return plainText(cursor->value(i), ""); });
 }
 
 void writeJson(std::ostream& out, const ReportDocument& document, const ResultTable& table,

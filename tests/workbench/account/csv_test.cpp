@@ -107,5 +107,25 @@ TEST(Csv, WritesQuotesWhereTheyMustBe) {
   EXPECT_EQ(written("1\r2"), "\"1\r2\"");
 }
 
+std::string textOf(std::string_view text) {
+  std::string line;
+  appendCsvText(line, text, EmptyText::bare);
+  return line;
+}
+
+TEST(Csv, QuotesATextWhereItMust) {
+  EXPECT_EQ(textOf("plain text"), "plain text");
+  EXPECT_EQ(textOf("a,b"), "\"a,b\"");
+  EXPECT_EQ(textOf("3\" pipe"), "\"3\"\" pipe\"");
+  EXPECT_EQ(textOf("two\r\nlines"), "\"two\r\nlines\"");
+  EXPECT_EQ(textOf("中文，标点"), "中文，标点");
+}
+
+TEST(Csv, WritesAnEmptyTextAsItIsAsked) {
+  EXPECT_EQ(textOf(""), "");
+  EXPECT_EQ(written(""), "\"\"");
+  EXPECT_EQ(written(std::nullopt), "");
+}
+
 }  // namespace
 }  // namespace quillon::account

@@ -1,4 +1,5 @@
 #include "workbench/presentation/report_output.h"
+#include "workbench/presentation/html_page.h"
 
 #include <gmock/gmock.h>
 

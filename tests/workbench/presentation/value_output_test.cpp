@@ -4,8 +4,6 @@
 
 #include <sstream>
 
-#include "workbench/presentation/report_output.h"
-
 namespace quillon::workbench {
 namespace {
 
@@ -73,15 +71,6 @@ TEST(GroupedNumber, GroupsAndRoundsHalfAwayFromZero) {
   EXPECT_EQ(groupedNumber("1.5", 4), "1.5000");
   EXPECT_EQ(groupedNumber("99999999999999999999999999999999999999", 0),
             "99,999,999,999,999,999,999,999,999,999,999,999,999");
-}
-
-TEST(CsvField, QuotesWhatNeedsIt) {
-  EXPECT_EQ(csvField(""), "");
-  EXPECT_EQ(csvField("plain text"), "plain text");
-  EXPECT_EQ(csvField("a,b"), "\"a,b\"");
-  EXPECT_EQ(csvField("3\" pipe"), "\"3\"\" pipe\"");
-  EXPECT_EQ(csvField("two\r\nlines"), "\"two\r\nlines\"");
-  EXPECT_EQ(csvField("中文，标点"), "中文，标点");
 }
 
 }  // namespace
