@@ -46,6 +46,16 @@ target_compile_definitions(minizip_reader PRIVATE NOCRYPT NOUNCRYPT)
 target_compile_options(minizip_reader PRIVATE -w)
 target_link_libraries(minizip_reader PUBLIC xlsxwriter ZLIB::ZLIB)
 
+# utf8proc, from the source that tools/setup.sh fetches: how wide characters are on a terminal.
+set(QUILLON_UTF8PROC_DIR ${CMAKE_SOURCE_DIR}/.deps/utf8proc)
+if(NOT EXISTS ${QUILLON_UTF8PROC_DIR}/utf8proc.c)
+  message(FATAL_ERROR "utf8proc's source is missing: run tools/setup.sh first")
+endif()
+add_library(utf8proc STATIC EXCLUDE_FROM_ALL ${QUILLON_UTF8PROC_DIR}/utf8proc.c)
+target_include_directories(utf8proc SYSTEM PUBLIC ${QUILLON_UTF8PROC_DIR})
+target_compile_definitions(utf8proc PUBLIC UTF8PROC_STATIC)
+target_compile_options(utf8proc PRIVATE -w)
+
 # ODBC: unixODBC's driver manager natively, Windows' own for Win32 (mingw-w64 has its headers).
 add_library(odbc INTERFACE)
 if(WIN32)

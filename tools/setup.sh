@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
 # Installs what a bare Debian 12 needs to build and test Quillon: compilers for Linux and Win32, Wine, what
-# checks and packs, the libraries of the workbench, and the sources of SQLite and libxlsxwriter. Safe to run again: it only does what is missing, and says so.
+# checks and packs, the libraries of the workbench, and the sources of SQLite, libxlsxwriter and utf8proc. Safe to run
+# again: it only does what is missing, and says so.
 # Runs as root or through sudo. Everything else goes to .deps/ in the checkout.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 sqlite_package=better-sqlite3@11.10.0 # carries SQLite's amalgamation in deps/sqlite3
 sqlite_sha256=e80215754ac6cfaefe272342efd581b6dbefdbdc21f96bd83fcb698bee9d36a5
-xlsxwriter_source=libxlsxwriter=1.1.4-2 # Debian's source package, so that the Win32 program has it too
+xlsxwriter_source=libxlsxwriter=1.1.4-2 # Debian's source packages
 xlsxwriter_sha256=b379eb35fdd9c653ebe72485b9c992f612c7ea66f732784457997d6e782f619b
+utf8proc_source=utf8proc=2.8.0-1
+utf8proc_sha256=a0a60a79fe6f6d54e7d411facbfcc867a6e198608f2cd992490e46f04b1bcecc
 deps=.deps
 
 say() { printf 'setup: %s\n' "$*" >&2; }
@@ -110,11 +113,14 @@ fetch_sqlite() {
   rm -rf "$work"
 }
 
-fetch_xlsxwriter() {
-  [ "$(cat "$deps/xlsxwriter/.version" 2>/dev/null)" = "$xlsxwriter_source" ] && return 0
-  say "fetching libxlsxwriter's source ($xlsxwriter_source)"
-  local work mirror
+# Fetches the source of a library that Debian has for Linux alone, so that the Win32 program has it too: its name, Debian's
+# source package with the version, the digest of the archive, and what of it is needed.
+fetch_debian_source() {
+  local name=$1 source=$2 digest=$3 work mirror member
   local -a options
+  shift 3
+  [ "$(cat "$deps/$name/.version" 2>/dev/null)" = "$source" ] && return 0
+  say "fetching the source of $name ($source)"
   work=$(mktemp -d)
   mirror=$(debian_mirror)
   [ -n "$mirror" ] || fail "no Debian mirror found in /etc/apt; add one and run this again"
@@ -128,16 +134,18 @@ fetch_xlsxwriter() {
     -o "Dir::State::Lists=$work/lists"
   )
   as_root apt-get "${options[@]}" update || fail "the source lists of $mirror could not be read"
-  (cd "$work" && as_root apt-get "${options[@]}" source --download-only "$xlsxwriter_source" >/dev/null) ||
-    fail "apt-get could not fetch the source of $xlsxwriter_source"
-  printf '%s  %s\n' "$xlsxwriter_sha256" "$(echo "$work"/*.orig.tar.gz)" | sha256sum --check --quiet ||
-    fail "what apt-get fetched is not the source that $xlsxwriter_source is known for"
+  (cd "$work" && as_root apt-get "${options[@]}" source --download-only "$source" >/dev/null) ||
+    fail "apt-get could not fetch the source of $source"
+  printf '%s  %s\n' "$digest" "$(echo "$work"/*.orig.tar.gz)" | sha256sum --check --quiet ||
+    fail "what apt-get fetched is not the source that $source is known for"
   mkdir "$work/source"
   tar -xzf "$work"/*.orig.tar.gz -C "$work/source" --strip-components=1
-  rm -rf "$deps/xlsxwriter"
-  mkdir -p "$deps/xlsxwriter"
-  mv "$work/source/"{include,src,third_party,License.txt} "$deps/xlsxwriter/"
-  printf '%s' "$xlsxwriter_source" >"$deps/xlsxwriter/.version"
+  rm -rf "${deps:?}/$name"
+  mkdir -p "$deps/$name"
+  for member in "$@"; do
+    mv "$work/source/$member" "$deps/$name/"
+  done
+  printf '%s' "$source" >"$deps/$name/.version"
   as_root rm -rf "$work"
 }
 
@@ -145,4 +153,5 @@ fetch_xlsxwriter() {
 install_native_packages
 install_wine_packages
 fetch_sqlite
-fetch_xlsxwriter
+fetch_debian_source xlsxwriter "$xlsxwriter_source" "$xlsxwriter_sha256" include src third_party License.txt
+fetch_debian_source utf8proc "$utf8proc_source" "$utf8proc_sha256" utf8proc.c utf8proc.h utf8proc_data.c LICENSE.md

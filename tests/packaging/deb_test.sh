@@ -59,6 +59,7 @@ usr/share/doc/quillon/licenses/libxlsxwriter.txt
 usr/share/doc/quillon/licenses/mpl-2.0.txt
 usr/share/doc/quillon/licenses/nlohmann-json.txt
 usr/share/doc/quillon/licenses/sqlite.txt
+usr/share/doc/quillon/licenses/utf8proc.txt
 usr/share/man/man1/quillon.1.gz
 END
 program=$target/usr/bin/quillon

@@ -27,6 +27,7 @@ licenses/mingw-w64.txt
 licenses/mpl-2.0.txt
 licenses/nlohmann-json.txt
 licenses/sqlite.txt
+licenses/utf8proc.txt
 licenses/zlib.txt
 quillon.exe
 register.cmd

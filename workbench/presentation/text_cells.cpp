@@ -1,5 +1,7 @@
 #include "workbench/presentation/text_cells.h"
 
+#include <utf8proc.h>
+
 #include <algorithm>
 #include <array>
 
@@ -9,30 +11,20 @@ namespace quillon::workbench {
 
 namespace {
 
-struct Range {
-  char32_t first;
-  char32_t last;
-};
-
-constexpr bool inside(const Range& range, char32_t character) {
-  return character >= range.first && character <= range.last;
-}
-
-// Blocks whose characters are wide in East Asian typography.
-constexpr std::array wideRanges = {
-    Range{0x1100, 0x115F},   Range{0x2E80, 0x303E},   Range{0x3041, 0x33FF}, Range{0x3400, 0x4DBF},
-    Range{0x4E00, 0x9FFF},   Range{0xA000, 0xA4CF},   Range{0xAC00, 0xD7A3}, Range{0xF900, 0xFAFF},
-    Range{0xFE30, 0xFE4F},   Range{0xFF01, 0xFF60},   Range{0xFFE0, 0xFFE6}, Range{0x1F300, 0x1F64F},
-    Range{0x1F900, 0x1F9FF}, Range{0x20000, 0x3FFFD},
-};
-// Combining marks, joiners and variation selectors.
-constexpr std::array zeroRanges = {Range{0x0300, 0x036F}, Range{0x200B, 0x200F}, Range{0xFE00, 0xFE0F}};
-
+// Marks and joiners take no cell of their own. A character whose width depends on the font, in East Asian typography,
+// takes one, and so does what terminals show a stand-in for: control characters and what is not assigned.
 std::size_t cells(char32_t character) {
-  const auto holds = [character](const Range& range) { return inside(range, character); };
-  if (character < 0x300) return 1;
-  if (std::ranges::any_of(zeroRanges, holds)) return 0;
-  return std::ranges::any_of(wideRanges, holds) ? 2 : 1;
+  constexpr char32_t firstMark = 0x300;
+  if (character < firstMark) return 1;
+  const auto code = static_cast<utf8proc_int32_t>(character);
+  switch (utf8proc_category(code)) {
+    case UTF8PROC_CATEGORY_MN:
+    case UTF8PROC_CATEGORY_ME:
+    case UTF8PROC_CATEGORY_CF:
+      return 0;
+    default:
+      return static_cast<std::size_t>(std::max(utf8proc_charwidth(code), 1));
+  }
 }
 
 }  // namespace

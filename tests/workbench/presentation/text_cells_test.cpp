@@ -20,6 +20,17 @@ TEST(CellWidth, CountsChineseAsTwoCells) {
   EXPECT_EQ(cellWidth("e\xCC\x81"), 1U) << "a letter and a combining accent";
 }
 
+TEST(CellWidth, CountsWhatFontsDifferInAsOneCell) {
+  EXPECT_EQ(cellWidth("①→Ⅷ×α"), 5U);
+}
+
+TEST(CellWidth, CountsEmojiAsTwoCellsAndJoinersAsNone) {
+  EXPECT_EQ(cellWidth("\xF0\x9F\x9A\x80"), 2U) << "a rocket";
+  EXPECT_EQ(cellWidth("\xE2\x80\x8B"), 0U) << "a space of no width";
+  EXPECT_EQ(cellWidth("が"), 2U);
+  EXPECT_EQ(cellWidth("か\xE3\x82\x99"), 2U) << "the same with a combining mark";
+}
+
 TEST(CellWidth, SurvivesBytesThatAreNoText) {
   EXPECT_EQ(cellWidth("a\xFF\x80z"), 4U);
   EXPECT_EQ(cellWidth("\xE4\xB8"), 2U) << "a character that is cut off";
