@@ -4,7 +4,7 @@
 
 #include "automation/errors.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 namespace {
 std::atomic<long> lockCount = 0;
@@ -49,4 +49,4 @@ InProcessClass::~InProcessClass() {
   CoRevokeClassObject(cookie_);
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -5,7 +5,7 @@
 
 #include "automation/com_object.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // Makes one object; what it throws becomes the HRESULT of CreateInstance.
 using Maker = std::function<ComPtr<IUnknown>()>;
@@ -40,4 +40,4 @@ class InProcessClass {
   DWORD cookie_ = 0;
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

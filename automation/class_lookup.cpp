@@ -2,14 +2,14 @@
 
 #include "automation/errors.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
-CLSID classIdOf(const PlatformClass& wanted) noexcept {
+CLSID classIdOf(const NamedClass& wanted) noexcept {
   CLSID id;
   return SUCCEEDED(CLSIDFromProgID(wanted.progId, &id)) ? id : wanted.standIn;
 }
 
-LateBound tryCreateObject(const PlatformClass& wanted) {
+LateBound tryCreateObject(const NamedClass& wanted) {
   std::string name = toUtf8(std::wstring_view(wanted.progId));
   ComPtr<IDispatch> object;
   const HRESULT code = CoCreateInstance(classIdOf(wanted), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
@@ -19,7 +19,7 @@ LateBound tryCreateObject(const PlatformClass& wanted) {
   return {std::move(object), std::move(name)};
 }
 
-LateBound createObject(const PlatformClass& wanted) {
+LateBound createObject(const NamedClass& wanted) {
   LateBound object = tryCreateObject(wanted);
   if (!object) {
     const std::string name = toUtf8(std::wstring_view(wanted.progId));
@@ -30,4 +30,4 @@ LateBound createObject(const PlatformClass& wanted) {
   return object;
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -8,7 +8,7 @@
 #include "automation/com_ptr.h"
 #include "automation/live_count.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // The interfaces that COM's headers declare have no virtual destructor; an object is only ever deleted by its own
 // Release.
@@ -46,4 +46,4 @@ ComPtr<T> makeObject(Arguments&&... arguments) {
   return ComPtr<T>::adopt(new T(std::forward<Arguments>(arguments)...));
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

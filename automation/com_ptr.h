@@ -6,7 +6,7 @@
 
 #include "automation/win32.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 template <class T>
 class ComPtr {
@@ -56,4 +56,4 @@ class ComPtr {
   T* object_ = nullptr;
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

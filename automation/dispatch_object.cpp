@@ -2,7 +2,7 @@
 
 #include "automation/errors.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 VARIANT& Call::at(std::size_t index) const {
   return parameters_.rgvarg[parameters_.cArgs - 1 - index];
@@ -50,11 +50,11 @@ ComPtr<IDispatch> Call::object(std::size_t index) const {
 
 void Call::writeBack(std::size_t index, const VARIANT& result) const {
   if (!given(index)) return;
-  const HRESULT code = com::writeBack(at(index), result);
+  const HRESULT code = automation::writeBack(at(index), result);
   if (FAILED(code)) throw BadArgument{code, static_cast<UINT>(parameters_.cArgs - 1 - index)};
 }
 
-STDMETHODIMP DispatchObject::QueryInterface(REFIID id, void** object) {
+STDMETHODIMP DispatchBase::QueryInterface(REFIID id, void** object) {
   if (!object) return E_POINTER;
   *object = nullptr;
   if (id != IID_IUnknown && id != IID_IDispatch) return E_NOINTERFACE;
@@ -63,18 +63,18 @@ STDMETHODIMP DispatchObject::QueryInterface(REFIID id, void** object) {
   return S_OK;
 }
 
-STDMETHODIMP DispatchObject::GetTypeInfoCount(UINT* count) {
+STDMETHODIMP DispatchBase::GetTypeInfoCount(UINT* count) {
   if (!count) return E_POINTER;
   *count = 0;
   return S_OK;
 }
 
-STDMETHODIMP DispatchObject::GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** info) {
+STDMETHODIMP DispatchBase::GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** info) {
   if (info) *info = nullptr;
   return DISP_E_BADINDEX;
 }
 
-STDMETHODIMP DispatchObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*locale*/, DISPID* ids) {
+STDMETHODIMP DispatchBase::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*locale*/, DISPID* ids) {
   if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (!names || !ids || count == 0) return E_INVALIDARG;
   for (UINT i = 0; i < count; ++i)
@@ -89,8 +89,8 @@ STDMETHODIMP DispatchObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UIN
   return DISP_E_UNKNOWNNAME;
 }
 
-STDMETHODIMP DispatchObject::Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD kind, DISPPARAMS* parameters,
-                                    VARIANT* result, EXCEPINFO* info, UINT* badArgument) {
+STDMETHODIMP DispatchBase::Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD kind, DISPPARAMS* parameters,
+                                  VARIANT* result, EXCEPINFO* info, UINT* badArgument) {
   if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (!parameters) return E_POINTER;
   const bool assigns = (kind & writable) != 0;
@@ -101,7 +101,7 @@ STDMETHODIMP DispatchObject::Invoke(DISPID id, REFIID reserved, LCID /*locale*/,
     return DISP_E_PARAMNOTOPTIONAL;
 
   // What the member calls may release the last reference from outside.
-  const ComPtr<DispatchObject> self(this);
+  const ComPtr<DispatchBase> self(this);
   for (std::size_t i = 0; i < memberCount(); ++i) {
     const MemberInfo row = member(i);
     if (row.id != id || !(row.kinds & kind)) continue;
@@ -125,4 +125,4 @@ STDMETHODIMP DispatchObject::Invoke(DISPID id, REFIID reserved, LCID /*locale*/,
   return DISP_E_MEMBERNOTFOUND;
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -1,7 +1,7 @@
 // A base for automation objects that are only called late-bound: a class lists its members in a table, and the base
 // does the rest of IDispatch (names in any letter case, arguments in any form, assignments, write-back, errors).
 //
-//   class Field : public Automation<Field> {
+//   class Field : public DispatchObject<Field> {
 //    public:
 //     static std::span<const Member> members() {
 //       static constexpr Member rows[] = {
@@ -27,7 +27,7 @@
 #include "automation/com_object.h"
 #include "automation/variant.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // How a member may be used; combined with |. A caller that does not know whether a member is a property or a function
 // asks for both, so `readable` and `callable` only differ for one that asks for exactly one of them.
@@ -66,13 +66,13 @@ class Call {
   bool assigns_;
 };
 
-// What a Call ends with when an argument is not as the member needs it; only DispatchObject::Invoke sees it.
+// What a Call ends with when an argument is not as the member needs it; only DispatchBase::Invoke sees it.
 struct BadArgument {
   HRESULT code;
   UINT position;  // in DISPPARAMS
 };
 
-class DispatchObject : public ComObject<IDispatch> {
+class DispatchBase : public ComObject<IDispatch> {
  public:
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
   STDMETHODIMP GetTypeInfoCount(UINT* count) override;
@@ -98,7 +98,7 @@ class DispatchObject : public ComObject<IDispatch> {
 };
 
 template <class Self>
-class Automation : public DispatchObject {
+class DispatchObject : public DispatchBase {
  protected:
   struct Member {
     const wchar_t* name;
@@ -120,4 +120,4 @@ class Automation : public DispatchObject {
   }
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -12,7 +12,7 @@
 #include "automation/variant.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 namespace {
 
@@ -153,4 +153,4 @@ HRESULT invokeDual(ITypeInfo& slots, IDispatch& object, DISPID id, WORD kind, co
   }
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

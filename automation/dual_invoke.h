@@ -4,7 +4,7 @@
 
 #include "automation/win32.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // `slots` describes the interface behind `object`, with its slots (slotDescription). The other parameters are Invoke's.
 //
@@ -16,4 +16,4 @@ namespace quillon::com {
 HRESULT invokeDual(ITypeInfo& slots, IDispatch& object, DISPID id, WORD kind, const DISPPARAMS* parameters,
                    VARIANT* result, EXCEPINFO* info, UINT* badArgument) noexcept;
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -1,4 +1,4 @@
-// A base for the classes that Quillon.dll offers: a dual interface, described by the type library in the DLL, whose
+// A base for classes with a dual interface, which the type library in the module describes, and whose
 // members report failures to early-bound callers through IErrorInfo and to late-bound ones through EXCEPINFO.
 #pragma once
 
@@ -12,7 +12,7 @@
 #include "automation/text.h"
 #include "automation/type_description.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // `Interface` is the dual interface, `Class` the class in the type library; both carry their ids.
 template <class Interface, class Class>
@@ -103,4 +103,4 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo, IProvideClassI
   ComPtr<ITypeInfo> slots_;
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

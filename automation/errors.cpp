@@ -7,7 +7,7 @@
 #include "automation/com_ptr.h"
 #include "automation/text.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 namespace {
 
@@ -139,4 +139,4 @@ HRESULT fillExcepInfo(const AutomationError& error, EXCEPINFO* info) noexcept {
   return DISP_E_EXCEPTION;
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -9,7 +9,7 @@
 #include "automation/win32.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // A text for `code`: this library's own for automation's codes, else the system's, else the hexadecimal number.
 std::string systemMessage(HRESULT code);
@@ -47,4 +47,4 @@ HRESULT guarded(REFIID interfaceId, std::string_view source, Body&& body) noexce
   }
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

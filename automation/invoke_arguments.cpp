@@ -4,7 +4,7 @@
 
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 Argument::Argument(VARIANT& given, UINT position, VARTYPE type) : given_(&given), position_(position), type_(type) {
   switch (type) {
@@ -96,4 +96,4 @@ std::vector<Argument> takeArguments(std::span<const VARTYPE> types, const DISPPA
   return arguments;
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

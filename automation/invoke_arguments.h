@@ -7,7 +7,7 @@
 #include "automation/variant.h"
 #include "automation/win32.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // What ends a call before the member is reached.
 struct Refusal {
@@ -44,4 +44,4 @@ class Argument {
 // DISP_E_PARAMNOTFOUND, DISP_E_PARAMNOTOPTIONAL, DISP_E_TYPEMISMATCH, or E_INVALIDARG for more names than arguments.
 std::vector<Argument> takeArguments(std::span<const VARTYPE> types, const DISPPARAMS& parameters, bool assigns);
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -6,7 +6,7 @@
 
 #include "automation/errors.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 namespace {
 
@@ -146,4 +146,4 @@ LateBound LateBound::item(Variant index, std::string resultSource) const {
   return {std::move(object), std::move(resultSource)};
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -8,7 +8,7 @@
 
 #include "automation/variant.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 class LateBound {
  public:
@@ -61,4 +61,4 @@ class LateBound {
   std::string source_;
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -3,7 +3,7 @@
 
 #include <atomic>
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // Each object that is handed out through COM, and each lock on the server, holds one.
 class LiveCount {
@@ -19,4 +19,4 @@ class LiveCount {
   static inline std::atomic<long> count_ = 0;
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

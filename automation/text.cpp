@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <new>
 
-namespace quillon::com {
+namespace quillon::automation {
 
 namespace {
 
@@ -102,4 +102,4 @@ BSTR makeBstr(std::wstring_view utf16) {
   return text;
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

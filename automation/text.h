@@ -7,7 +7,7 @@
 
 #include "automation/win32.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // UTF-8 (with lone surrogates as three bytes) to UTF-16. A byte that belongs to no character becomes U+FFFD.
 std::wstring toWide(std::string_view utf8);
@@ -45,4 +45,4 @@ class Bstr {
   BSTR text_ = nullptr;
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

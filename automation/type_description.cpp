@@ -4,7 +4,7 @@
 
 #include "automation/errors.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 namespace {
 
@@ -58,4 +58,4 @@ ComPtr<ITypeInfo> slotDescription(REFIID id) {
   return slots;
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -1,4 +1,4 @@
-// The type descriptions of this library's classes, out of the type library that the DLL carries.
+// Type descriptions out of the type library that a module (DLL or program) carries.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 #include "automation/com_ptr.h"
 #include "automation/win32.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // The handle of the module (DLL or program) that this code was linked into.
 HMODULE thisModule() noexcept;
@@ -20,4 +20,4 @@ ComPtr<ITypeInfo> typeDescription(REFGUID id);
 // The description of the dual interface `id` with its slots. Throws AutomationError.
 ComPtr<ITypeInfo> slotDescription(REFIID id);
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

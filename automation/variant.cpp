@@ -9,7 +9,7 @@
 #include "automation/errors.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 namespace {
 
@@ -339,4 +339,4 @@ HRESULT writeBack(VARIANT& target, const VARIANT& value) noexcept {
   return DISP_E_TYPEMISMATCH;
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -13,7 +13,7 @@
 #include "automation/text.h"
 #include "automation/win32.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 
 // An owned VARIANT; it is one, so that its address can be handed to any automation function.
 class Variant : public VARIANT {
@@ -111,4 +111,4 @@ ComPtr<IDispatch> toObject(const VARIANT& value);
 // the reference leads nowhere or to itself.
 HRESULT writeBack(VARIANT& target, const VARIANT& value) noexcept;
 
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -11,7 +11,7 @@
 
 namespace {
 
-using quillon::com::ComPtr;
+using quillon::automation::ComPtr;
 
 std::wstring libraryPath() {
   std::wstring name(MAX_PATH, L'\0');

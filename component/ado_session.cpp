@@ -4,7 +4,13 @@
 
 #include "component/platform_bindings.h"
 
-namespace quillon::com {
+namespace quillon::component {
+
+using automation::createObject;
+using automation::LateBound;
+using automation::toText;
+using automation::toTextOrNull;
+using automation::Variant;
 
 namespace ado = bindings::ado;
 
@@ -71,4 +77,4 @@ void AdoSession::close() {
   connection_.call(ado::close);
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -4,12 +4,12 @@
 #include "automation/late_bound.h"
 #include "frame/session.h"
 
-namespace quillon::com {
+namespace quillon::component {
 
 class AdoRecordset : public Recordset {
  public:
   // `recordset` is an open ADO Recordset.
-  explicit AdoRecordset(LateBound recordset) : recordset_(std::move(recordset)) {}
+  explicit AdoRecordset(automation::LateBound recordset) : recordset_(std::move(recordset)) {}
 
   bool eof() override;
   void moveNext() override;
@@ -17,13 +17,13 @@ class AdoRecordset : public Recordset {
   void close() override;
 
  private:
-  LateBound recordset_;
+  automation::LateBound recordset_;
 };
 
 class AdoSession : public Session {
  public:
   // `connection` is an ADO Connection, or any object with its members.
-  explicit AdoSession(LateBound connection) : connection_(std::move(connection)) {}
+  explicit AdoSession(automation::LateBound connection) : connection_(std::move(connection)) {}
 
   void setCursorLocation(CursorLocation location) override;
   void setConnectionString(std::string_view text) override;
@@ -36,10 +36,10 @@ class AdoSession : public Session {
   void close() override;
 
   // The connection itself, for the platform's components that take it.
-  const ComPtr<IDispatch>& connection() const { return connection_.object(); }
+  const automation::ComPtr<IDispatch>& connection() const { return connection_.object(); }
 
  private:
-  LateBound connection_;
+  automation::LateBound connection_;
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -14,7 +14,13 @@
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
 
-namespace quillon::com {
+namespace quillon::component {
+
+using automation::ComPtr;
+using automation::DualObject;
+using automation::LateBound;
+using automation::makeObject;
+using automation::Variant;
 
 namespace {
 
@@ -333,4 +339,4 @@ std::span<const ServerClass> serverClasses() {
   return classes;
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::component

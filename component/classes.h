@@ -5,15 +5,15 @@
 
 #include "automation/com_ptr.h"
 
-namespace quillon::com {
+namespace quillon::component {
 
 struct ServerClass {
   CLSID id;
   const wchar_t* name;   // without the "Quillon." of the ProgID
   const wchar_t* title;  // what a person reads in a list of registered classes
-  ComPtr<IUnknown> (*make)();
+  automation::ComPtr<IUnknown> (*make)();
 };
 
 std::span<const ServerClass> serverClasses();
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-namespace quillon::com {
+namespace quillon::component {
 
 namespace {
 
@@ -101,4 +101,4 @@ void endThreadStates() noexcept {
   TlsFree(std::exchange(slotIndex, TLS_OUT_OF_INDEXES));
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -10,7 +10,7 @@
 #include "component/platform_adapters.h"
 #include "frame/module.h"
 
-namespace quillon::com {
+namespace quillon::component {
 
 // What the instances made on one thread share; each of them keeps it alive.
 class ModuleState {
@@ -36,4 +36,4 @@ bool startThreadStates() noexcept;
 void forgetThreadState() noexcept;
 void endThreadStates() noexcept;
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -7,7 +7,17 @@
 #include "automation/errors.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::component {
+
+using automation::Bstr;
+using automation::createObject;
+using automation::LateBound;
+using automation::systemMessage;
+using automation::takeErrorInfo;
+using automation::toInteger;
+using automation::toText;
+using automation::tryCreateObject;
+using automation::Variant;
 
 namespace {
 
@@ -620,4 +630,4 @@ std::unique_ptr<LedgerVoucherComponent> ComPlatform::createLedgerVoucherComponen
   return std::make_unique<ComLedgerVoucherComponent>(createObject(bindings::ledgerVoucher));
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -14,11 +14,11 @@
 #include "frame/filter_dialog.h"
 #include "frame/platform.h"
 
-namespace quillon::com {
+namespace quillon::component {
 
 class ComFilterItem : public FilterItem {
  public:
-  explicit ComFilterItem(LateBound item) : item_(std::move(item)) {}
+  explicit ComFilterItem(automation::LateBound item) : item_(std::move(item)) {}
 
   void setGroupToken(int token) override;
   std::string name() override;
@@ -29,12 +29,12 @@ class ComFilterItem : public FilterItem {
   std::string sqlText() override;
 
  private:
-  LateBound item_;
+  automation::LateBound item_;
 };
 
 class ComFilter : public Filter {
  public:
-  explicit ComFilter(LateBound filter) : filter_(std::move(filter)) {}
+  explicit ComFilter(automation::LateBound filter) : filter_(std::move(filter)) {}
 
   int count() override;
   std::unique_ptr<FilterItem> item(int position) override;
@@ -42,17 +42,17 @@ class ComFilter : public Filter {
   std::string whereWithToken(int token) override;
 
   // The filter itself, for whoever asks the report for it.
-  const ComPtr<IDispatch>& object() const { return filter_.object(); }
+  const automation::ComPtr<IDispatch>& object() const { return filter_.object(); }
 
  private:
-  LateBound list() const;
+  automation::LateBound list() const;
 
-  LateBound filter_;
+  automation::LateBound filter_;
 };
 
 class ComLogin : public Login {
  public:
-  explicit ComLogin(LateBound login) : login_(std::move(login)) {}
+  explicit ComLogin(automation::LateBound login) : login_(std::move(login)) {}
 
   std::string accountConnection() override;
   std::string password() override;
@@ -68,15 +68,15 @@ class ComLogin : public Login {
   void setAuthString(std::string_view rights) override;
 
   // The login itself, for the platform's components that take it.
-  const ComPtr<IDispatch>& object() const { return login_.object(); }
+  const automation::ComPtr<IDispatch>& object() const { return login_.object(); }
 
  private:
-  LateBound login_;
+  automation::LateBound login_;
 };
 
 class ComDialogItem : public DialogItem {
  public:
-  explicit ComDialogItem(LateBound item) : item_(std::move(item)) {}
+  explicit ComDialogItem(automation::LateBound item) : item_(std::move(item)) {}
 
   std::string name() override;
   std::string caption() override;
@@ -87,14 +87,14 @@ class ComDialogItem : public DialogItem {
   void setListSource(std::string_view choicesOrStatement) override;
 
  private:
-  LateBound item_;
+  automation::LateBound item_;
 };
 
 // One callback's view of the dialog.
 class ComFilterDialog : public FilterDialog {
  public:
   // `filter` may be null ("Nothing"): every member then throws Basic's error 91.
-  explicit ComFilterDialog(ComPtr<IDispatch> filter) : filter_(std::move(filter), "filter") {}
+  explicit ComFilterDialog(automation::ComPtr<IDispatch> filter) : filter_(std::move(filter), "filter") {}
 
   std::shared_ptr<Login> login() override;
   std::string identifier() override;
@@ -108,38 +108,38 @@ class ComFilterDialog : public FilterDialog {
   void setLookupConditionOfValue(std::string_view key, std::string_view condition, bool valueIsEmpty) override;
 
  private:
-  LateBound list() const;
+  automation::LateBound list() const;
 
-  LateBound filter_;
+  automation::LateBound filter_;
   std::unique_ptr<AdoSession> connection_;  // from the first time that it is asked for
 };
 
 class ComDataSource : public DataSource {
  public:
-  explicit ComDataSource(LateBound dataSource) : dataSource_(std::move(dataSource)) {}
+  explicit ComDataSource(automation::LateBound dataSource) : dataSource_(std::move(dataSource)) {}
 
   void setType(int type) override;
   std::string resultTable() override;
   void setResultTable(std::string_view name) override;
 
  private:
-  LateBound dataSource_;
+  automation::LateBound dataSource_;
 };
 
 class ComReportRow : public ReportRow {
  public:
-  explicit ComReportRow(LateBound row) : row_(std::move(row)) {}
+  explicit ComReportRow(automation::LateBound row) : row_(std::move(row)) {}
 
   std::string value(std::string_view column) override;
 
  private:
-  LateBound row_;
+  automation::LateBound row_;
 };
 
 class ComReportArgument : public ReportArgument {
  public:
   // `argument` may be null ("Nothing"): every member then throws Basic's error 91.
-  explicit ComReportArgument(ComPtr<IDispatch> argument) : argument_(std::move(argument), "e") {}
+  explicit ComReportArgument(automation::ComPtr<IDispatch> argument) : argument_(std::move(argument), "e") {}
 
   std::shared_ptr<Filter> rawFilter() override;
   std::shared_ptr<Login> login() override;
@@ -150,13 +150,13 @@ class ComReportArgument : public ReportArgument {
   std::string languageId() override;
 
  private:
-  LateBound argument_;
+  automation::LateBound argument_;
 };
 
 // The members take sessions that ComPlatform made.
 class ComPublicComponent : public PublicComponent {
  public:
-  explicit ComPublicComponent(LateBound component) : component_(std::move(component)) {}
+  explicit ComPublicComponent(automation::LateBound component) : component_(std::move(component)) {}
 
   std::string accountInformation(std::string_view system, std::string_view name, Session& session) override;
   int currentPeriodYear(Session& session) override;
@@ -170,13 +170,13 @@ class ComPublicComponent : public PublicComponent {
   std::string workstationName() override;
 
  private:
-  LateBound component_;
+  automation::LateBound component_;
 };
 
 class ComResourceService : public ResourceService {
  public:
   // Throws AutomationError when `service` lacks the interface IResourceService.
-  explicit ComResourceService(const LateBound& service);
+  explicit ComResourceService(const automation::LateBound& service);
 
   // `login` is one that came from a ComReportArgument or a ComFilterDialog.
   void takeLogin(Login& login) override;
@@ -190,7 +190,7 @@ class ComResourceService : public ResourceService {
   template <class Operation>
   void call(std::string_view member, Operation operation) const;
 
-  ComPtr<bindings::IResourceService> service_;
+  automation::ComPtr<bindings::IResourceService> service_;
   std::string source_;
 };
 
@@ -208,11 +208,11 @@ class KeysAsTexts : public ResourceService {
 
 class ComUniqueNameSource : public UniqueNameSource {
  public:
-  explicit ComUniqueNameSource(LateBound source) : source_(std::move(source)) {}
+  explicit ComUniqueNameSource(automation::LateBound source) : source_(std::move(source)) {}
   std::string next() override;
 
  private:
-  LateBound source_;
+  automation::LateBound source_;
 };
 
 // Stands in when no unique-name source is registered: 32 hexadecimal digits that no other call gives, on whatever
@@ -229,53 +229,53 @@ std::int32_t builtInWorkTableNumber();
 
 class ComDrillThroughHelper : public DrillThroughHelper {
  public:
-  explicit ComDrillThroughHelper(LateBound helper) : helper_(std::move(helper)) {}
+  explicit ComDrillThroughHelper(automation::LateBound helper) : helper_(std::move(helper)) {}
   // `login` is one that came from a ComReportArgument.
   std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) override;
 
  private:
-  LateBound helper_;
+  automation::LateBound helper_;
 };
 
 // Only holds the reference.
 class ComBusinessObject : public BusinessObject {
  public:
-  explicit ComBusinessObject(ComPtr<IDispatch> object) : object_(std::move(object)) {}
-  const ComPtr<IDispatch>& object() const { return object_; }
+  explicit ComBusinessObject(automation::ComPtr<IDispatch> object) : object_(std::move(object)) {}
+  const automation::ComPtr<IDispatch>& object() const { return object_; }
 
  private:
-  ComPtr<IDispatch> object_;
+  automation::ComPtr<IDispatch> object_;
 };
 
 // --- The inventory-accounting environment. Members take the ports that this file implements.
 
 class ComAccountLogin : public AccountLogin {
  public:
-  explicit ComAccountLogin(LateBound login) : login_(std::move(login)) {}
+  explicit ComAccountLogin(automation::LateBound login) : login_(std::move(login)) {}
 
   void initialise(std::string_view connection, std::string_view passwordText) override;
 
-  const ComPtr<IDispatch>& object() const { return login_.object(); }
+  const automation::ComPtr<IDispatch>& object() const { return login_.object(); }
 
  private:
-  LateBound login_;
+  automation::LateBound login_;
 };
 
 class ComAccountOptions : public AccountOptions {
  public:
-  explicit ComAccountOptions(LateBound options) : options_(std::move(options)) {}
+  explicit ComAccountOptions(automation::LateBound options) : options_(std::move(options)) {}
 
   std::string costingBasis() override;
   std::string inventoryTable() override;
   std::string warehouseTable() override;
 
  private:
-  LateBound options_;
+  automation::LateBound options_;
 };
 
 class ComInventoryEnvironment : public InventoryEnvironment {
  public:
-  explicit ComInventoryEnvironment(LateBound environment) : environment_(std::move(environment)) {}
+  explicit ComInventoryEnvironment(automation::LateBound environment) : environment_(std::move(environment)) {}
 
   void setLogin(AccountLogin& login) override;
   std::string resultTable() override;
@@ -283,14 +283,14 @@ class ComInventoryEnvironment : public InventoryEnvironment {
   std::unique_ptr<AccountOptions> accountOptions(AccountLogin& login, std::string_view resultTable) override;
 
  private:
-  LateBound environment_;
+  automation::LateBound environment_;
 };
 
 // --- The voucher components. Members take the ports that this file implements.
 
 class ComSourceVoucherComponent : public SourceVoucherComponent {
  public:
-  explicit ComSourceVoucherComponent(LateBound component) : component_(std::move(component)) {}
+  explicit ComSourceVoucherComponent(automation::LateBound component) : component_(std::move(component)) {}
 
   void initialise(Login& login, Session& session, std::string_view systemVersion) override;
   void showVoucher(VoucherGroup group, const SourceVoucher& voucher, Session& session) override;
@@ -300,33 +300,33 @@ class ComSourceVoucherComponent : public SourceVoucherComponent {
   void showPriceAdjustment(const SourceVoucher& voucher) override;
 
  private:
-  LateBound component_;
+  automation::LateBound component_;
 };
 
 class ComLedgerModule : public LedgerModule {
  public:
-  explicit ComLedgerModule(LateBound module) : module_(std::move(module)) {}
+  explicit ComLedgerModule(automation::LateBound module) : module_(std::move(module)) {}
 
   void setBusiness(BusinessObject& business) override;
   void setLogin(Login& login) override;
   void initialise(std::string_view connection, std::string_view passwordText, int year, Login& login) override;
 
-  const ComPtr<IDispatch>& object() const { return module_.object(); }
+  const automation::ComPtr<IDispatch>& object() const { return module_.object(); }
 
  private:
-  LateBound module_;
+  automation::LateBound module_;
 };
 
 class ComLedgerVoucherComponent : public LedgerVoucherComponent {
  public:
-  explicit ComLedgerVoucherComponent(LateBound component) : component_(std::move(component)) {}
+  explicit ComLedgerVoucherComponent(automation::LateBound component) : component_(std::move(component)) {}
 
   void setLogin(Login& login) override;
   void setModule(LedgerModule& module) override;
   void open(const LedgerVoucher& voucher) override;
 
  private:
-  LateBound component_;
+  automation::LateBound component_;
 };
 
 // Creates the components by ProgID. A component that must be there and is not registered is an AutomationError that
@@ -347,4 +347,4 @@ class ComPlatform : public Platform {
   std::unique_ptr<LedgerVoucherComponent> createLedgerVoucherComponent() override;
 };
 
-}  // namespace quillon::com
+}  // namespace quillon::component

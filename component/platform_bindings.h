@@ -7,16 +7,16 @@
 
 #include "automation/class_lookup.h"
 
-namespace quillon::com::bindings {
+namespace quillon::component::bindings {
 
 // --- ADO. The class ids are ADO's own, so that a stand-in made an InProcessClass under them takes ADO's place inside a
 // process even where ADO is installed.
 
 // The connection to the account database.
-inline constexpr PlatformClass connection = {
+inline constexpr automation::NamedClass connection = {
     L"ADODB.Connection", {0x00000514, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}}};
 // The rows of a lookup.
-inline constexpr PlatformClass recordset = {
+inline constexpr automation::NamedClass recordset = {
     L"ADODB.Recordset", {0x00000535, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}}};
 
 namespace ado {
@@ -102,7 +102,7 @@ inline constexpr const wchar_t* listSource = L"ListSource";  // an item's, writt
 // --- Components that the library creates by ProgID.
 
 // Account information.
-inline constexpr PlatformClass publicComponent = {
+inline constexpr automation::NamedClass publicComponent = {
     L"IA_Pub.ClsIAPub", {0x6c37e46f, 0x1639, 0x4f4c, {0xbe, 0x5d, 0x44, 0x86, 0x38, 0x98, 0x8b, 0x86}}};
 
 namespace public_component {                                                // the connection is passed by reference
@@ -124,22 +124,22 @@ inline constexpr const wchar_t* workstationName = L"GetComputerName";
 }  // namespace public_component
 
 // Names of work tables: a number that differs between sessions, by the member with dispatch id 1.
-inline constexpr PlatformClass naming = {
+inline constexpr automation::NamedClass naming = {
     L"OrvPlatform.Naming", {0x4e3725c9, 0xac68, 0x4eeb, {0x88, 0x27, 0x35, 0xb4, 0x8a, 0xa1, 0x59, 0x0d}}};
 inline constexpr DISPID namingNumber = 1;
 
 // Names of work tables: a text that differs between tables.
-inline constexpr PlatformClass uniqueNames = {
+inline constexpr automation::NamedClass uniqueNames = {
     L"OrvPlatform.UniqueName", {0x0d204fb7, 0x1d0a, 0x41cf, {0x8e, 0x9c, 0x8c, 0xd8, 0xe1, 0xd9, 0xa6, 0xa6}}};
 inline constexpr const wchar_t* uniqueName = L"UniqueName";  // a fresh text with each read
 
 // Names of the detail ledger's work tables: a number that differs between the tables of a session, by the default member
 // of an object that is made anew for each.
-inline constexpr PlatformClass workTableNumber = {
+inline constexpr automation::NamedClass workTableNumber = {
     L"OrvPlatform.WorkTableNumber", {0xb15bdbe4, 0x049f, 0x4ce9, {0xa2, 0x4b, 0x59, 0x54, 0xa6, 0xbb, 0x94, 0x66}}};
 
 // The login that the inventory-accounting environment works with.
-inline constexpr PlatformClass accountLogin = {
+inline constexpr automation::NamedClass accountLogin = {
     L"OrvPlatform.AccountLogin", {0x7b36c25f, 0x3960, 0x4e30, {0xb4, 0xde, 0xf0, 0xb1, 0xf9, 0x6a, 0x64, 0x04}}};
 
 namespace account_login {
@@ -147,7 +147,7 @@ inline constexpr const wchar_t* initialise = L"Init";  // (connection string, ";
 }  // namespace account_login
 
 // The inventory-accounting environment.
-inline constexpr PlatformClass environment = {
+inline constexpr automation::NamedClass environment = {
     L"OrvPlatform.InventoryEnvironment",
     {0xbb04c263, 0x4d58, 0x4441, {0xb6, 0x46, 0x07, 0x77, 0x47, 0x0d, 0x60, 0x10}}};
 
@@ -159,7 +159,7 @@ inline constexpr const wchar_t* fillOptions = L"FillAccountOptions";
 }  // namespace inventory_environment
 
 // The account options; made empty and filled by the environment.
-inline constexpr PlatformClass accountOptions = {
+inline constexpr automation::NamedClass accountOptions = {
     L"OrvPlatform.AccountOptions", {0x8f2aba28, 0x9e60, 0x44d8, {0x86, 0xcd, 0x70, 0x80, 0xf5, 0x1f, 0x7e, 0x3f}}};
 
 namespace account_options {
@@ -169,7 +169,7 @@ inline constexpr const wchar_t* warehouseTable = L"WarehouseTable";
 }  // namespace account_options
 
 // Opens source documents.
-inline constexpr PlatformClass sourceVoucher = {
+inline constexpr automation::NamedClass sourceVoucher = {
     L"PellUniVch.clsUniVch", {0x7432f519, 0xa8ce, 0x4314, {0x9c, 0x02, 0xc1, 0xa5, 0x20, 0x3c, 0x42, 0xb6}}};
 
 namespace source_voucher {                                                // the connection is passed by reference
@@ -192,7 +192,7 @@ inline constexpr Arguments ofOther = {  // all the rest
 }  // namespace source_voucher
 
 // The general ledger's shared state.
-inline constexpr PlatformClass ledgerModule = {
+inline constexpr automation::NamedClass ledgerModule = {
     L"ZzPub.clsPub", {0xdb034130, 0x830f, 0x424b, {0xa6, 0xd6, 0xfd, 0x4f, 0x16, 0x09, 0xb5, 0xdd}}};
 
 namespace ledger_module {
@@ -203,7 +203,7 @@ inline constexpr const wchar_t* initialise = L"InitPubs2";
 }  // namespace ledger_module
 
 // Opens general-ledger vouchers.
-inline constexpr PlatformClass ledgerVoucher = {
+inline constexpr automation::NamedClass ledgerVoucher = {
     L"ZzPz.clsPZ", {0xcdf3ba16, 0xea64, 0x415d, {0x9c, 0xba, 0x6c, 0x03, 0x15, 0xc0, 0x4d, 0x28}}};
 
 namespace ledger_voucher {
@@ -213,13 +213,13 @@ inline constexpr const wchar_t* open = L"StartUpPz";  // (menu code, module titl
 }  // namespace ledger_voucher
 
 // What Execute of the summary reports asks for a filter object.
-inline constexpr PlatformClass drillThrough = {
+inline constexpr automation::NamedClass drillThrough = {
     L"OrvPlatform.DrillThrough", {0xec2f2e81, 0xadfb, 0x4111, {0xa3, 0x5a, 0x32, 0x0f, 0xcb, 0xd9, 0x8c, 0x89}}};
 inline constexpr const wchar_t* filterForLogin =
     L"GetFilter";  // (login, whether the action is "Link"): a filter object
 
 // Localized texts and messages; the one component that is called early-bound, through IResourceService.
-inline constexpr PlatformClass resourceService = {
+inline constexpr automation::NamedClass resourceService = {
     L"OrvPlatform.ResourceService", {0x40d07aa1, 0x5682, 0x4c45, {0x8c, 0x04, 0x73, 0x1a, 0xad, 0x81, 0xe4, 0x35}}};
 inline constexpr IID resourceServiceId = {0x1d2095d1, 0x5ff4, 0x4d54, {0x95, 0xb8, 0xdc, 0x75, 0x2e, 0x76, 0x7d, 0x4a}};
 
@@ -240,4 +240,4 @@ struct IResourceService : IDispatch {
 };
 #pragma GCC diagnostic pop
 
-}  // namespace quillon::com::bindings
+}  // namespace quillon::component::bindings

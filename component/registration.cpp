@@ -9,7 +9,13 @@
 #include "component/classes.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::component {
+
+using automation::ComPtr;
+using automation::modulePath;
+using automation::systemMessage;
+using automation::toUtf8;
+using automation::typeLibrary;
 
 namespace {
 
@@ -114,4 +120,4 @@ void unregisterServer() {
   check(UnRegisterTypeLib(library, major, minor, LOCALE_NEUTRAL, SYS_WIN32), L"the type library");
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -1,7 +1,7 @@
 // What the library writes into the registry, and takes out again.
 #pragma once
 
-namespace quillon::com {
+namespace quillon::component {
 
 // Registers the type library, the classes and their ProgIDs for all users, under HKEY_CLASSES_ROOT, with the path that
 // the DLL was loaded from. Throws AutomationError; what was written until then is taken out again.
@@ -10,4 +10,4 @@ void registerServer();
 // cannot be taken out.
 void unregisterServer();
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -10,7 +10,7 @@ namespace __gnu_cxx {
 void __freeres();
 }  // namespace __gnu_cxx
 
-namespace quillon::com {
+namespace quillon::component {
 
 void releaseRuntimeOfThread() noexcept {
   const auto* callback = reinterpret_cast<const PIMAGE_TLS_CALLBACK*>(_tls_used.AddressOfCallBacks);
@@ -22,4 +22,4 @@ void releaseRuntime() noexcept {
   __gnu_cxx::__freeres();
 }
 
-}  // namespace quillon::com
+}  // namespace quillon::component

@@ -6,7 +6,9 @@
 #include "component/registration.h"
 #include "component/runtime_release.h"
 
-using namespace quillon::com;
+using namespace quillon;
+using namespace quillon::automation;
+using namespace quillon::component;
 
 extern "C" {
 

@@ -7,10 +7,10 @@
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 namespace {
 
-class Stand : public Automation<Stand> {
+class Stand : public DispatchObject<Stand> {
  public:
   static std::span<const Member> members() {
     static constexpr Member rows[] = {{L"Name", 1, readable, 0, 0, &Stand::name}};
@@ -21,8 +21,8 @@ class Stand : public Automation<Stand> {
   Variant name(Call& /*call*/) { return "stand-in"; }
 };
 
-const PlatformClass unregistered = {L"QuillonTest.NeverRegistered",
-                                    {0x5d0f1f2e, 0x7c11, 0x4b0e, {0x9a, 0x11, 0x30, 0x52, 0x9e, 0x6f, 0x10, 0x02}}};
+const NamedClass unregistered = {L"QuillonTest.NeverRegistered",
+                                 {0x5d0f1f2e, 0x7c11, 0x4b0e, {0x9a, 0x11, 0x30, 0x52, 0x9e, 0x6f, 0x10, 0x02}}};
 
 TEST(ClassFactory, RefusesAggregation) {
   const ComPtr<ClassFactory> factory = makeObject<ClassFactory>([] { return makeObject<Stand>(); });
@@ -81,7 +81,7 @@ TEST(ClassLookup, AClassThatIsNotThereIsNamed) {
 // ADO's own ProgIDs are registered everywhere; a class of this process comes before the machine's.
 TEST(ClassLookup, AClassOfThisProcessComesBeforeTheMachines) {
   const test::ComScope apartment;
-  const PlatformClass connection = {L"ADODB.Connection", unregistered.standIn};
+  const NamedClass connection = {L"ADODB.Connection", unregistered.standIn};
   CLSID registered{};
   ASSERT_EQ(CLSIDFromProgID(connection.progId, &registered), S_OK);
   EXPECT_EQ(classIdOf(connection), registered);
@@ -90,4 +90,4 @@ TEST(ClassLookup, AClassOfThisProcessComesBeforeTheMachines) {
 }
 
 }  // namespace
-}  // namespace quillon::com
+}  // namespace quillon::automation

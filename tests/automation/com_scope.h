@@ -5,7 +5,7 @@
 
 #include "automation/win32.h"
 
-namespace quillon::com::test {
+namespace quillon::automation::test {
 
 class ComScope {
  public:
@@ -17,4 +17,4 @@ class ComScope {
   ~ComScope() { CoUninitialize(); }
 };
 
-}  // namespace quillon::com::test
+}  // namespace quillon::automation::test

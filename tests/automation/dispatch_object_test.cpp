@@ -8,10 +8,10 @@
 #include "automation/text.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 namespace {
 
-class Sample : public Automation<Sample> {
+class Sample : public DispatchObject<Sample> {
  public:
   static std::span<const Member> members() {
     static constexpr Member rows[] = {
@@ -131,4 +131,4 @@ TEST_F(DispatchObjectTest, AResultGoesIntoTheCallersVariable) {
 }
 
 }  // namespace
-}  // namespace quillon::com
+}  // namespace quillon::automation

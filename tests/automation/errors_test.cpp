@@ -8,7 +8,7 @@
 #include "automation/com_object.h"
 #include "automation/text.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 namespace {
 
 constexpr GUID sampleInterface = {0x5d0f1f2e, 0x7c11, 0x4b0e, {0x9a, 0x11, 0x30, 0x52, 0x9e, 0x6f, 0x10, 0x01}};
@@ -100,4 +100,4 @@ TEST(TakeErrorInfo, IsNotTakenFromACalleeThatDoesNot) {
 }
 
 }  // namespace
-}  // namespace quillon::com
+}  // namespace quillon::automation

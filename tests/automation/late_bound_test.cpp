@@ -5,11 +5,11 @@
 #include "automation/dispatch_object.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 namespace {
 
 // Has a value, but cannot give it.
-class Wary : public Automation<Wary> {
+class Wary : public DispatchObject<Wary> {
  public:
   static std::span<const Member> members() {
     static constexpr Member rows[] = {{L"Value", DISPID_VALUE, readable, 0, 0, &Wary::value}};
@@ -21,7 +21,7 @@ class Wary : public Automation<Wary> {
 };
 
 // Answers as the objects of Basic do: a failure is described in EXCEPINFO, at once or when it is asked for.
-class Callee : public Automation<Callee> {
+class Callee : public DispatchObject<Callee> {
  public:
   static std::span<const Member> members() {
     static constexpr Member rows[] = {
@@ -45,7 +45,7 @@ class Callee : public Automation<Callee> {
                       EXCEPINFO* info, UINT* badArgument) override {
     switch (failure) {
       case Failure::none:
-        return Automation::Invoke(id, reserved, locale, kind, parameters, result, info, badArgument);
+        return DispatchObject::Invoke(id, reserved, locale, kind, parameters, result, info, badArgument);
       case Failure::number:
         info->wCode = 91;
         info->bstrSource = makeBstr("Callee");
@@ -210,4 +210,4 @@ TEST_F(LateBoundTest, AnErrorOfTheDefaultMemberOfAResultIsPassedOn) {
 }
 
 }  // namespace
-}  // namespace quillon::com
+}  // namespace quillon::automation

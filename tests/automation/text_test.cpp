@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quillon::com {
+namespace quillon::automation {
 namespace {
 
 using namespace std::string_literals;
@@ -57,4 +57,4 @@ TEST(Text, ABstrKeepsItsLength) {
 }
 
 }  // namespace
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -8,7 +8,7 @@
 #include "automation/dispatch_object.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com {
+namespace quillon::automation {
 namespace {
 
 HResult mismatchOf(const VARIANT& value) {
@@ -93,7 +93,7 @@ TEST(VariantMaking, ATypedReferenceTakesAResult) {
   EXPECT_EQ(writeBack(toText, Variant("after")), S_OK);
   EXPECT_EQ(number, 12);
   EXPECT_EQ(day, 45351.0);
-  EXPECT_EQ(com::toText(text), "after");
+  EXPECT_EQ(automation::toText(text), "after");
   EXPECT_EQ(writeBack(toNumber, Variant("2024-02-29")), DISP_E_TYPEMISMATCH);
 }
 
@@ -155,7 +155,7 @@ TEST(VariantReading, AReferenceThatLeadsBackToItselfIsAMismatch) {
   EXPECT_EQ(writeBack(second, Variant("x")), E_POINTER);
 }
 
-class Field : public Automation<Field> {
+class Field : public DispatchObject<Field> {
  public:
   static std::span<const Member> members() {
     static constexpr Member rows[] = {{L"Value", DISPID_VALUE, readable, 0, 0, &Field::value}};
@@ -251,4 +251,4 @@ TEST(VariantWriting, WhatDoesNotFitIsAMismatchAndChangesNothing) {
 }
 
 }  // namespace
-}  // namespace quillon::com
+}  // namespace quillon::automation

@@ -7,7 +7,11 @@
 #include "tests/automation/com_scope.h"
 #include "tests/component/fake_platform.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::LiveCount;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 using Calls = std::vector<std::string>;
@@ -102,4 +106,4 @@ TEST_F(AdoSessionTest, AFailureKeepsAdosOwnWords) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -16,7 +16,15 @@
 #include "tests/component/quillon_library.h"
 #include "tests/component/recorded_calls.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::Bstr;
+using automation::ComPtr;
+using automation::LateBound;
+using automation::LiveCount;
+using automation::toText;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 constexpr CLSID filterControl = {0xb5857a26, 0x9af9, 0x40af, {0xba, 0x23, 0x3c, 0x32, 0xbc, 0x93, 0xcb, 0x5f}};
@@ -426,4 +434,4 @@ TEST_F(DetailDialogRun, NothingIsLeftOverWhateverFails) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

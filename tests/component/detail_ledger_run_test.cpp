@@ -13,7 +13,13 @@
 #include "tests/component/quillon_library.h"
 #include "tests/component/recorded_calls.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::LateBound;
+using automation::LiveCount;
+using automation::makeObject;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 constexpr CLSID detailLedger = {0xccf4cf6e, 0xf448, 0x4a03, {0xbf, 0x9a, 0x7c, 0xea, 0x24, 0x00, 0x96, 0xaa}};
@@ -505,4 +511,4 @@ TEST_F(DetailLedgerRun, AnInstanceThatFailedHoldsNothingOnceItIsGone) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

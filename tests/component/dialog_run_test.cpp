@@ -16,7 +16,15 @@
 #include "tests/component/quillon_library.h"
 #include "tests/component/recorded_calls.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::Bstr;
+using automation::ComPtr;
+using automation::LateBound;
+using automation::LiveCount;
+using automation::toText;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 constexpr CLSID filterControl = {0x7ecd1526, 0x372f, 0x43c7, {0xbe, 0x9c, 0x59, 0x23, 0xa0, 0x79, 0x15, 0xca}};
@@ -333,4 +341,4 @@ TEST_F(DialogRun, TheConnectionStaysUntilItIsReplacedOrTheThreadLeavesCom) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -13,7 +13,18 @@
 #include "component/quillon_interfaces.h"
 #include "tests/automation/com_scope.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::ComPtr;
+using automation::DualObject;
+using automation::LiveCount;
+using automation::makeObject;
+using automation::toFlag;
+using automation::toObject;
+using automation::toText;
+using automation::toUtf8;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 // Writes down what reaches its members, and answers what the test wants.
@@ -405,4 +416,4 @@ TEST_F(DualInvoke, ReferencesAreCountedWhateverTheForm) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -5,7 +5,18 @@
 #include "automation/text.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::Call;
+using automation::callable;
+using automation::dereferenced;
+using automation::DispatchBase;
+using automation::isMissing;
+using automation::readable;
+using automation::toText;
+using automation::toUtf8;
+using automation::Variant;
+using automation::writable;
 
 void Recorder::record(const std::string& call) {
   calls.push_back(call);
@@ -73,12 +84,12 @@ STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID reserved, LCID locale, WORD ki
                                 VARIANT* result, EXCEPINFO* info, UINT* badArgument) {
   // A call may lead to another of the same object before it is through.
   const DISPPARAMS* outer = std::exchange(parameters_, parameters);
-  const HRESULT code = DispatchObject::Invoke(id, reserved, locale, kind, parameters, result, info, badArgument);
+  const HRESULT code = DispatchBase::Invoke(id, reserved, locale, kind, parameters, result, info, badArgument);
   parameters_ = outer;
   return code;
 }
 
-DispatchObject::MemberInfo FakeObject::member(std::size_t index) const {
+DispatchBase::MemberInfo FakeObject::member(std::size_t index) const {
   constexpr std::size_t many = 16;
   return {rows_[index].name.c_str(), rows_[index].id, static_cast<WORD>(readable | writable | callable), 0, many};
 }
@@ -96,4 +107,4 @@ Variant FakeObject::run(std::size_t index, Call& call) {
   return rows_[index].handler(call);
 }
 
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -9,7 +9,7 @@
 
 #include "automation/dispatch_object.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
 
 // What happened, in order, over all objects of one test. A call that is due to fail is written down first.
 class Recorder {
@@ -30,9 +30,9 @@ class Recorder {
 // An object whose members are set up by the test. A call is written down as "Name.Member", with its arguments in
 // brackets or the assigned value behind " = ". Texts are quoted, objects shown as <Name>, references marked with "ref
 // ".
-class FakeObject : public DispatchObject {
+class FakeObject : public automation::DispatchBase {
  public:
-  using Handler = std::function<Variant(Call&)>;
+  using Handler = std::function<automation::Variant(automation::Call&)>;
 
   // `recorder` must outlive the object.
   FakeObject(Recorder& recorder, std::string name) : recorder_(recorder), name_(std::move(name)) {}
@@ -43,9 +43,9 @@ class FakeObject : public DispatchObject {
   // A member that answers with what `handler` gives.
   FakeObject& on(const wchar_t* member, Handler handler, DISPID id = DISPID_UNKNOWN);
   // A property that keeps what is written to it.
-  FakeObject& property(const wchar_t* member, Variant value = {}, DISPID id = DISPID_UNKNOWN);
+  FakeObject& property(const wchar_t* member, automation::Variant value = {}, DISPID id = DISPID_UNKNOWN);
   // The value that a property holds now.
-  const Variant& value(const std::wstring& member) const { return values_.at(member); }
+  const automation::Variant& value(const std::wstring& member) const { return values_.at(member); }
 
   const std::string& name() const { return name_; }
 
@@ -61,17 +61,17 @@ class FakeObject : public DispatchObject {
 
   std::size_t memberCount() const override { return rows_.size(); }
   MemberInfo member(std::size_t index) const override;
-  Variant run(std::size_t index, Call& call) override;
+  automation::Variant run(std::size_t index, automation::Call& call) override;
 
   Recorder& recorder_;
   std::string name_;
   DWORD thread_ = GetCurrentThreadId();
   std::deque<Row> rows_;
-  std::map<std::wstring, Variant> values_;
+  std::map<std::wstring, automation::Variant> values_;
   const DISPPARAMS* parameters_ = nullptr;
 };
 
 // A value as the records show it.
 std::string shown(const VARIANT& value);
 
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

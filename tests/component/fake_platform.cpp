@@ -5,7 +5,20 @@
 #include "automation/text.h"
 #include "frame/automation_error.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::Call;
+using automation::classIdOf;
+using automation::ComObject;
+using automation::ComPtr;
+using automation::dereferenced;
+using automation::guarded;
+using automation::InProcessClass;
+using automation::makeBstr;
+using automation::makeObject;
+using automation::NamedClass;
+using automation::toUtf8;
+using automation::Variant;
 
 namespace {
 
@@ -159,7 +172,7 @@ ComPtr<FakeObject> FakePlatform::loginObject() {
   return login;
 }
 
-FakePlatform::Class FakePlatform::known(const PlatformClass& entry, ComPtr<IUnknown> (FakePlatform::*make)()) {
+FakePlatform::Class FakePlatform::known(const NamedClass& entry, ComPtr<IUnknown> (FakePlatform::*make)()) {
   return std::make_unique<InProcessClass>(classIdOf(entry), [this, &entry, make] {
     recorder_.record("new " + toUtf8(std::wstring_view(entry.progId)));
     return (this->*make)();
@@ -393,4 +406,4 @@ ComPtr<IUnknown> FakePlatform::makeLedgerVoucher() {
   return ComPtr<IUnknown>(object);
 }
 
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

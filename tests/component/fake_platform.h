@@ -13,12 +13,12 @@
 #include "component/platform_bindings.h"
 #include "tests/component/fake_object.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
 
 struct FakeItem {
   std::string name;
-  Variant value;
-  Variant value2;
+  automation::Variant value;
+  automation::Variant value2;
 };
 
 // Registered for the thread that makes it, for as long as it lives. An object's making is written down as
@@ -28,12 +28,12 @@ class FakePlatform {
   explicit FakePlatform(Recorder& recorder);
 
   // The argument object e with a filter of these items.
-  ComPtr<FakeObject> argument(const std::vector<FakeItem>& items);
+  automation::ComPtr<FakeObject> argument(const std::vector<FakeItem>& items);
   // The filter object of a dialog with these items, for the report that `identifier` names.
-  ComPtr<FakeObject> dialog(const std::string& identifier, const std::vector<FakeItem>& items);
+  automation::ComPtr<FakeObject> dialog(const std::string& identifier, const std::vector<FakeItem>& items);
 
   // The rows that a statement gives; a statement that is not asked for here gives none.
-  std::function<std::vector<std::vector<Variant>>(const std::string& sql)> rows;
+  std::function<std::vector<std::vector<automation::Variant>>(const std::string& sql)> rows;
   // The conditions that filter objects build, by token; a token that is not here has none.
   std::map<int, std::string> conditions;
   // ADO's State of each connection after Open.
@@ -49,7 +49,7 @@ class FakePlatform {
   // What the account options answer once the environment has filled them.
   std::string costingBasis = "按存货核算";
   // The row that Execute is called for; a column that is not here is Null.
-  std::map<std::string, Variant> row;
+  std::map<std::string, automation::Variant> row;
   // The module that the login tells; without one the login object lacks the member. Read when the login is made.
   std::optional<std::string> moduleCode = "IA";
 
@@ -63,25 +63,25 @@ class FakePlatform {
   void withoutEnvironment() { environment_.reset(); }
 
  private:
-  ComPtr<IUnknown> makeConnection();
-  ComPtr<IUnknown> makeRecordset();
-  ComPtr<IUnknown> makePublicComponent();
-  ComPtr<IUnknown> makeResourceService();
-  ComPtr<IUnknown> makeNaming();
-  ComPtr<IUnknown> makeUniqueNames();
-  ComPtr<IUnknown> makeDrillThrough();
-  ComPtr<IUnknown> makeWorkTableNumber();
-  ComPtr<IUnknown> makeAccountLogin();
-  ComPtr<IUnknown> makeEnvironment();
-  ComPtr<IUnknown> makeAccountOptions();
-  ComPtr<IUnknown> makeSourceVoucher();
-  ComPtr<IUnknown> makeLedgerModule();
-  ComPtr<IUnknown> makeLedgerVoucher();
+  automation::ComPtr<IUnknown> makeConnection();
+  automation::ComPtr<IUnknown> makeRecordset();
+  automation::ComPtr<IUnknown> makePublicComponent();
+  automation::ComPtr<IUnknown> makeResourceService();
+  automation::ComPtr<IUnknown> makeNaming();
+  automation::ComPtr<IUnknown> makeUniqueNames();
+  automation::ComPtr<IUnknown> makeDrillThrough();
+  automation::ComPtr<IUnknown> makeWorkTableNumber();
+  automation::ComPtr<IUnknown> makeAccountLogin();
+  automation::ComPtr<IUnknown> makeEnvironment();
+  automation::ComPtr<IUnknown> makeAccountOptions();
+  automation::ComPtr<IUnknown> makeSourceVoucher();
+  automation::ComPtr<IUnknown> makeLedgerModule();
+  automation::ComPtr<IUnknown> makeLedgerVoucher();
 
-  ComPtr<FakeObject> loginObject();
+  automation::ComPtr<FakeObject> loginObject();
 
-  using Class = std::unique_ptr<InProcessClass>;
-  Class known(const PlatformClass& entry, ComPtr<IUnknown> (FakePlatform::*make)());
+  using Class = std::unique_ptr<automation::InProcessClass>;
+  Class known(const automation::NamedClass& entry, automation::ComPtr<IUnknown> (FakePlatform::*make)());
 
   Recorder& recorder_;
   int uniqueCount_ = 0;
@@ -103,4 +103,4 @@ class FakePlatform {
   Class ledgerVoucher_;
 };
 
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -11,7 +11,12 @@
 #include "tests/component/fake_platform.h"
 #include "tests/component/recorded_calls.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::ComPtr;
+using automation::makeObject;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 class PlatformObjectsTest : public testing::Test {
@@ -327,4 +332,4 @@ TEST_F(PlatformObjectsTest, ALackingMemberIsNamed) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

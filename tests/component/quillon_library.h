@@ -7,7 +7,7 @@
 
 #include "automation/com_ptr.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
 
 class QuillonLibrary {
  public:
@@ -36,9 +36,9 @@ class QuillonLibrary {
 
   // A new object; `code` gets what the class factory said.
   template <class Interface>
-  ComPtr<Interface> create(REFCLSID classId, HRESULT* code = nullptr) const {
-    ComPtr<IClassFactory> factory;
-    ComPtr<Interface> object;
+  automation::ComPtr<Interface> create(REFCLSID classId, HRESULT* code = nullptr) const {
+    automation::ComPtr<IClassFactory> factory;
+    automation::ComPtr<Interface> object;
     HRESULT result = classObject(classId, IID_IClassFactory, reinterpret_cast<void**>(factory.out()));
     if (SUCCEEDED(result))
       result = factory->CreateInstance(nullptr, __uuidof(Interface), reinterpret_cast<void**>(object.out()));
@@ -56,4 +56,4 @@ class QuillonLibrary {
   HMODULE module_;
 };
 
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

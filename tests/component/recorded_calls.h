@@ -8,7 +8,7 @@
 
 #include "tests/component/fake_platform.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
 
 using Calls = std::vector<std::string>;
 
@@ -44,4 +44,4 @@ inline Calls changes(const Recorder& recorder) {
   return told;
 }
 
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

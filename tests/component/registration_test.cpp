@@ -9,7 +9,10 @@
 #include "tests/automation/com_scope.h"
 #include "tests/component/quillon_library.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::toUtf8;
+using automation::test::ComScope;
 namespace {
 
 class ClassesBranch {
@@ -112,4 +115,4 @@ TEST(Registration, WritesEveryClassAndLeavesNothingBehind) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

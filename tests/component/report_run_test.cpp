@@ -17,7 +17,14 @@
 #include "tests/component/quillon_library.h"
 #include "tests/component/recorded_calls.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::ComPtr;
+using automation::LateBound;
+using automation::LiveCount;
+using automation::makeObject;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 constexpr CLSID sfcItem = {0xe518f10c, 0xf08e, 0x4684, {0xa4, 0x65, 0x50, 0xe6, 0x80, 0x8d, 0x03, 0x1e}};
@@ -403,4 +410,4 @@ TEST_F(ReportRun, AnErrorOutsideTheBuildLeavesGetsqlAsItCame) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -14,7 +14,16 @@
 #include "tests/component/fake_platform.h"
 #include "tests/component/quillon_library.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::Bstr;
+using automation::ComPtr;
+using automation::LateBound;
+using automation::LiveCount;
+using automation::makeObject;
+using automation::toUtf8;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 GUID guid(const wchar_t* text) {
@@ -340,4 +349,4 @@ TEST_F(ServerTest, AMissingVariableIsAnErrorAndNoCrash) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -16,7 +16,14 @@
 #include "tests/component/quillon_library.h"
 #include "tests/component/recorded_calls.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::Bstr;
+using automation::ComPtr;
+using automation::LateBound;
+using automation::LiveCount;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 constexpr CLSID filterControl = {0xca218940, 0x7a13, 0x4cca, {0xb5, 0xbd, 0x73, 0x78, 0x95, 0x93, 0xd6, 0xf5}};
@@ -298,4 +305,4 @@ TEST_F(VoucherDialogRun, NothingIsLeftOverWhateverFails) {
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -16,7 +16,15 @@
 #include "tests/component/quillon_library.h"
 #include "tests/component/recorded_calls.h"
 
-namespace quillon::com::test {
+namespace quillon::component::test {
+
+using automation::Bstr;
+using automation::ComPtr;
+using automation::LateBound;
+using automation::LiveCount;
+using automation::makeObject;
+using automation::Variant;
+using automation::test::ComScope;
 namespace {
 
 constexpr CLSID voucherReport = {0xc16213bb, 0x4741, 0x47cf, {0x9e, 0xac, 0x1f, 0xca, 0xb4, 0x7e, 0x3e, 0x06}};
@@ -360,4 +368,4 @@ TEST_F(VoucherReportRun, AFailedBuildKeepsItsConnectionAndASuccessfulOneDoesNot)
 }
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::component::test

@@ -15,7 +15,7 @@ namespace quillon::fuzz {
 
 namespace {
 
-using namespace com;
+using namespace automation;
 
 // Reads the input byte by byte; zeros behind its end.
 class Bytes {

@@ -26,7 +26,7 @@ CLSID classId(const std::string& name) {
   throw std::invalid_argument("no class " + name);
 }
 
-com::LateBound createInstance(std::string_view className) {
+automation::LateBound createInstance(std::string_view className) {
   if (!loaded) throw std::logic_error("Quillon.dll is not loaded");
   const std::string name(className);
   return {loaded->create<IDispatch>(classId(name)), "Quillon." + name};
@@ -64,9 +64,9 @@ class LibraryReportRunner final : public ReportRunner {
 
  private:
   static void call(const wchar_t* member, const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) {
-    const com::ComPtr<IDispatch> e = argumentObject(argument);
+    const automation::ComPtr<IDispatch> e = argumentObject(argument);
     IDispatch* reference = e.get();
-    createInstance(report.reportClass).call(member, {com::Variant::reference(reference)});
+    createInstance(report.reportClass).call(member, {automation::Variant::reference(reference)});
   }
 
   PlatformStandIn standIn_;
@@ -79,14 +79,14 @@ class LibraryDialogRunner final : public DialogRunner {
         control_(createInstance(report.dialog->name)),
         filter_(dialogDispatch(std::move(dialog))) {}
 
-  void init() override { control_.call(L"CallBack_FilterInit", {com::Variant(filter_)}); }
+  void init() override { control_.call(L"CallBack_FilterInit", {automation::Variant(filter_)}); }
   void changed(const std::string& key) override {
-    control_.call(L"CallBack_ValueChange", {key, com::Variant(filter_)});
+    control_.call(L"CallBack_ValueChange", {key, automation::Variant(filter_)});
   }
   bool click() override {
-    com::Variant cancel(false);
-    control_.call(L"CallBack_FilterClick", {com::Variant(filter_), com::Variant::reference(cancel)});
-    return !com::toFlag(cancel);
+    automation::Variant cancel(false);
+    control_.call(L"CallBack_FilterClick", {automation::Variant(filter_), automation::Variant::reference(cancel)});
+    return !automation::toFlag(cancel);
   }
   // The view makes no difference to the rows.
   std::optional<std::string> view() override { return std::nullopt; }
@@ -94,8 +94,8 @@ class LibraryDialogRunner final : public DialogRunner {
 
  private:
   PlatformStandIn standIn_;
-  com::LateBound control_;
-  com::ComPtr<IDispatch> filter_;
+  automation::LateBound control_;
+  automation::ComPtr<IDispatch> filter_;
 };
 
 }  // namespace

@@ -8,7 +8,7 @@
 namespace quillon::long_life {
 
 // Loads Quillon.dll and unloads it. One at a time.
-class ComLibrary : public com::test::QuillonLibrary {
+class ComLibrary : public component::test::QuillonLibrary {
  public:
   ComLibrary();
   ~ComLibrary();

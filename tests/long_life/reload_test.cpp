@@ -14,7 +14,7 @@ namespace {
 
 TEST(Reload, LeavesNothing) {
   const int reloads = numberFromEnvironment("QUILLON_RELOADS", 40);
-  const com::test::ComScope apartment;
+  const automation::test::ComScope apartment;
   const SmallAccount account(1);
   const std::vector<Use> uses = account.uses();
 

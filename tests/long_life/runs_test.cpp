@@ -14,7 +14,7 @@ namespace {
 
 TEST(Runs, LeaveNothing) {
   const int runs = numberFromEnvironment("QUILLON_RUNS", 200);
-  const com::test::ComScope apartment;
+  const automation::test::ComScope apartment;
   const ComLibrary library;
   const SmallAccount account(1);
   const std::vector<Use> uses = account.uses();
@@ -26,7 +26,7 @@ TEST(Runs, LeaveNothing) {
     EXPECT_EQ(account.resultOf(uses[i]), known[i]);
 
   EXPECT_EQ(library.canUnload(), S_OK);
-  const long objects = com::LiveCount::value();
+  const long objects = automation::LiveCount::value();
   const ProcessLevel before = processLevel();
   for (int run = 0; run < runs; ++run) {
     const std::size_t use = static_cast<std::size_t>(run) % uses.size();
@@ -36,7 +36,7 @@ TEST(Runs, LeaveNothing) {
   const ProcessLevel after = processLevel();
   std::cout << "long life: runs | " << runs << " runs | " << described(before, after) << '\n';
   expectFlat(before, after);
-  EXPECT_EQ(com::LiveCount::value(), objects);
+  EXPECT_EQ(automation::LiveCount::value(), objects);
 }
 
 }  // namespace

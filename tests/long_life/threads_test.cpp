@@ -22,7 +22,7 @@ namespace quillon::long_life {
 namespace {
 
 #ifdef _WIN32
-using Apartment = com::test::ComScope;
+using Apartment = automation::test::ComScope;
 #else
 struct Apartment {
   ~Apartment() {}  // a declaration without a use is one all the same
@@ -72,7 +72,7 @@ TEST(Threads, EachSeesItsOwnAccountOnly) {
   const int seconds = numberFromEnvironment("QUILLON_THREAD_SECONDS", QUILLON_DEFAULT_THREAD_SECONDS);
 #ifdef _WIN32
   const ComLibrary library;
-  const long objects = com::LiveCount::value();
+  const long objects = automation::LiveCount::value();
 #endif
   std::deque<Worker> workers;
   std::set<std::string> firstResults;
@@ -101,7 +101,7 @@ TEST(Threads, EachSeesItsOwnAccountOnly) {
   std::cout << "long life: threads | " << count << " threads for " << seconds << " s | " << runs
             << " runs, each with its account's own rows\n";
 #ifdef _WIN32
-  EXPECT_EQ(com::LiveCount::value(), objects);
+  EXPECT_EQ(automation::LiveCount::value(), objects);
   EXPECT_EQ(library.canUnload(), S_OK) << "no thread has left anything";
 #endif
 }

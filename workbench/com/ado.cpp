@@ -9,10 +9,10 @@
 
 namespace quillon::workbench {
 
-using com::Call;
-using com::ComPtr;
-using com::makeObject;
-using com::Variant;
+using automation::Call;
+using automation::ComPtr;
+using automation::makeObject;
+using automation::Variant;
 
 namespace {
 
@@ -37,31 +37,32 @@ template <typename Named>
 int positionOf(const Variant& index, std::size_t count, const char* source, Named named) {
   int position = -1;
   if (index.vt == VT_BSTR) {
-    position = named(com::toText(index));
+    position = named(automation::toText(index));
   } else {
-    position = com::toInteger(index);
+    position = automation::toInteger(index);
   }
   if (position < 0 || static_cast<std::size_t>(position) >= count) {
-    throw adoError(noSuchItem, source, "The collection has no item \"" + com::toText(index) + "\".");
+    throw adoError(noSuchItem, source, "The collection has no item \"" + automation::toText(index) + "\".");
   }
   return position;
 }
 
 bool sameName(const std::string& left, const std::string& right) {
-  return CompareStringOrdinal(com::toWide(left).c_str(), -1, com::toWide(right).c_str(), -1, TRUE) == CSTR_EQUAL;
+  return CompareStringOrdinal(automation::toWide(left).c_str(), -1, automation::toWide(right).c_str(), -1, TRUE) ==
+         CSTR_EQUAL;
 }
 
 // A field of a recordset; its value is the current row's, whenever it is read.
-class AdoField : public com::Automation<AdoField> {
+class AdoField : public automation::DispatchObject<AdoField> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Value", DISPID_VALUE, com::readable, 0, 0, &AdoField::value},
-        {L"Name", 1, com::readable, 0, 0, &AdoField::name},
-        {L"Type", 2, com::readable, 0, 0, &AdoField::type},
-        {L"DefinedSize", 3, com::readable, 0, 0, &AdoField::definedSize},
-        {L"Precision", 4, com::readable, 0, 0, &AdoField::precision},
-        {L"NumericScale", 5, com::readable, 0, 0, &AdoField::numericScale},
+        {L"Value", DISPID_VALUE, automation::readable, 0, 0, &AdoField::value},
+        {L"Name", 1, automation::readable, 0, 0, &AdoField::name},
+        {L"Type", 2, automation::readable, 0, 0, &AdoField::type},
+        {L"DefinedSize", 3, automation::readable, 0, 0, &AdoField::definedSize},
+        {L"Precision", 4, automation::readable, 0, 0, &AdoField::precision},
+        {L"NumericScale", 5, automation::readable, 0, 0, &AdoField::numericScale},
     };
     return table;
   }
@@ -82,13 +83,13 @@ class AdoField : public com::Automation<AdoField> {
   int position_;
 };
 
-class AdoFields : public com::Automation<AdoFields> {
+class AdoFields : public automation::DispatchObject<AdoFields> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Item", DISPID_VALUE, com::readable, 1, 1, &AdoFields::item},
-        {L"Count", 1, com::readable, 0, 0, &AdoFields::count},
-        {L"_NewEnum", DISPID_NEWENUM, com::readable, 0, 0, &AdoFields::each},
+        {L"Item", DISPID_VALUE, automation::readable, 1, 1, &AdoFields::item},
+        {L"Count", 1, automation::readable, 0, 0, &AdoFields::count},
+        {L"_NewEnum", DISPID_NEWENUM, automation::readable, 0, 0, &AdoFields::each},
     };
     return table;
   }
@@ -111,14 +112,14 @@ class AdoFields : public com::Automation<AdoFields> {
   ComPtr<AdoRecordset> recordset_;
 };
 
-class AdoError : public com::Automation<AdoError> {
+class AdoError : public automation::DispatchObject<AdoError> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Description", DISPID_VALUE, com::readable, 0, 0, &AdoError::description},
-        {L"Number", 1, com::readable, 0, 0, &AdoError::number},
-        {L"Source", 2, com::readable, 0, 0, &AdoError::source},
-        {L"NativeError", 3, com::readable, 0, 0, &AdoError::nativeError},
+        {L"Description", DISPID_VALUE, automation::readable, 0, 0, &AdoError::description},
+        {L"Number", 1, automation::readable, 0, 0, &AdoError::number},
+        {L"Source", 2, automation::readable, 0, 0, &AdoError::source},
+        {L"NativeError", 3, automation::readable, 0, 0, &AdoError::nativeError},
     };
     return table;
   }
@@ -135,14 +136,14 @@ class AdoError : public com::Automation<AdoError> {
 };
 
 // Shows the connection's errors as they are at each moment, also after the next statement.
-class AdoErrors : public com::Automation<AdoErrors> {
+class AdoErrors : public automation::DispatchObject<AdoErrors> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Item", DISPID_VALUE, com::readable, 1, 1, &AdoErrors::item},
-        {L"Count", 1, com::readable, 0, 0, &AdoErrors::count},
-        {L"Clear", 2, com::callable, 0, 0, &AdoErrors::clear},
-        {L"_NewEnum", DISPID_NEWENUM, com::readable, 0, 0, &AdoErrors::each},
+        {L"Item", DISPID_VALUE, automation::readable, 1, 1, &AdoErrors::item},
+        {L"Count", 1, automation::readable, 0, 0, &AdoErrors::count},
+        {L"Clear", 2, automation::callable, 0, 0, &AdoErrors::clear},
+        {L"_NewEnum", DISPID_NEWENUM, automation::readable, 0, 0, &AdoErrors::each},
     };
     return table;
   }
@@ -200,17 +201,18 @@ Variant arrayOfRows(AccountRecordset& rows, int wanted) {
 
 auto AdoConnection::members() -> std::span<const Member> {
   static constexpr Member table[] = {
-      {L"CursorLocation", 1, com::readable | com::writable, 0, 0, &AdoConnection::cursorLocationMember},
-      {L"ConnectionString", DISPID_VALUE, com::readable | com::writable, 0, 0, &AdoConnection::connectionString},
-      {L"ConnectionTimeout", 2, com::readable | com::writable, 0, 0, &AdoConnection::connectionTimeout},
-      {L"CommandTimeout", 3, com::readable | com::writable, 0, 0, &AdoConnection::commandTimeout},
-      {L"Open", 4, com::callable, 0, 4, &AdoConnection::open},
-      {L"Execute", 5, com::callable, 1, 3, &AdoConnection::execute},
-      {L"State", 6, com::readable, 0, 0, &AdoConnection::state},
-      {L"Close", 7, com::callable, 0, 0, &AdoConnection::close},
-      {L"Errors", 8, com::readable, 0, 1, &AdoConnection::errors},
-      {L"Version", 9, com::readable, 0, 0, &AdoConnection::version},
-      {L"Provider", 10, com::readable, 0, 0, &AdoConnection::provider},
+      {L"CursorLocation", 1, automation::readable | automation::writable, 0, 0, &AdoConnection::cursorLocationMember},
+      {L"ConnectionString", DISPID_VALUE, automation::readable | automation::writable, 0, 0,
+       &AdoConnection::connectionString},
+      {L"ConnectionTimeout", 2, automation::readable | automation::writable, 0, 0, &AdoConnection::connectionTimeout},
+      {L"CommandTimeout", 3, automation::readable | automation::writable, 0, 0, &AdoConnection::commandTimeout},
+      {L"Open", 4, automation::callable, 0, 4, &AdoConnection::open},
+      {L"Execute", 5, automation::callable, 1, 3, &AdoConnection::execute},
+      {L"State", 6, automation::readable, 0, 0, &AdoConnection::state},
+      {L"Close", 7, automation::callable, 0, 0, &AdoConnection::close},
+      {L"Errors", 8, automation::readable, 0, 1, &AdoConnection::errors},
+      {L"Version", 9, automation::readable, 0, 0, &AdoConnection::version},
+      {L"Provider", 10, automation::readable, 0, 0, &AdoConnection::provider},
   };
   return table;
 }
@@ -222,7 +224,7 @@ ComPtr<AdoConnection> AdoConnection::from(IDispatch* object) {
 }
 
 STDMETHODIMP AdoConnection::QueryInterface(REFIID id, void** object) {
-  if (!object || id != embeddedConnectionId) return Automation::QueryInterface(id, object);
+  if (!object || id != embeddedConnectionId) return DispatchObject::QueryInterface(id, object);
   AddRef();
   *object = this;
   return S_OK;
@@ -254,22 +256,22 @@ BatchResult AdoConnection::runBatch(const std::string& sql) {
 }
 
 Variant AdoConnection::cursorLocationMember(Call& call) {
-  if (call.assigns()) cursorLocation_ = com::toInteger(call.assigned());
+  if (call.assigns()) cursorLocation_ = automation::toInteger(call.assigned());
   return cursorLocation_;
 }
 
 Variant AdoConnection::connectionString(Call& call) {
-  if (call.assigns()) session_->setConnectionString(com::toText(call.assigned()));
+  if (call.assigns()) session_->setConnectionString(automation::toText(call.assigned()));
   return session_->connectionText();
 }
 
 Variant AdoConnection::connectionTimeout(Call& call) {
-  if (call.assigns()) connectionTimeout_ = com::toInteger(call.assigned());
+  if (call.assigns()) connectionTimeout_ = automation::toInteger(call.assigned());
   return connectionTimeout_;
 }
 
 Variant AdoConnection::commandTimeout(Call& call) {
-  if (call.assigns()) commandTimeout_ = com::toInteger(call.assigned());
+  if (call.assigns()) commandTimeout_ = automation::toInteger(call.assigned());
   return commandTimeout_;
 }
 
@@ -314,21 +316,21 @@ Variant AdoConnection::provider(Call&) {
 
 auto AdoRecordset::members() -> std::span<const Member> {
   static constexpr Member table[] = {
-      {L"Fields", DISPID_VALUE, com::readable, 0, 1, &AdoRecordset::fields},
-      {L"Open", 1, com::callable, 0, 5, &AdoRecordset::open},
-      {L"Source", 2, com::readable | com::writable, 0, 0, &AdoRecordset::source},
-      {L"ActiveConnection", 3, com::readable | com::writable, 0, 0, &AdoRecordset::activeConnection},
-      {L"CursorLocation", 4, com::readable | com::writable, 0, 0, &AdoRecordset::cursorLocation},
-      {L"CursorType", 5, com::readable | com::writable, 0, 0, &AdoRecordset::cursorType},
-      {L"LockType", 6, com::readable | com::writable, 0, 0, &AdoRecordset::lockType},
-      {L"EOF", 7, com::readable, 0, 0, &AdoRecordset::endOfFile},
-      {L"BOF", 8, com::readable, 0, 0, &AdoRecordset::beginOfFile},
-      {L"MoveFirst", 9, com::callable, 0, 0, &AdoRecordset::moveFirst},
-      {L"MoveNext", 10, com::callable, 0, 0, &AdoRecordset::moveNext},
-      {L"RecordCount", 11, com::readable, 0, 0, &AdoRecordset::recordCount},
-      {L"GetRows", 12, com::callable, 0, 1, &AdoRecordset::getRows},
-      {L"State", 13, com::readable, 0, 0, &AdoRecordset::state},
-      {L"Close", 14, com::callable, 0, 0, &AdoRecordset::close},
+      {L"Fields", DISPID_VALUE, automation::readable, 0, 1, &AdoRecordset::fields},
+      {L"Open", 1, automation::callable, 0, 5, &AdoRecordset::open},
+      {L"Source", 2, automation::readable | automation::writable, 0, 0, &AdoRecordset::source},
+      {L"ActiveConnection", 3, automation::readable | automation::writable, 0, 0, &AdoRecordset::activeConnection},
+      {L"CursorLocation", 4, automation::readable | automation::writable, 0, 0, &AdoRecordset::cursorLocation},
+      {L"CursorType", 5, automation::readable | automation::writable, 0, 0, &AdoRecordset::cursorType},
+      {L"LockType", 6, automation::readable | automation::writable, 0, 0, &AdoRecordset::lockType},
+      {L"EOF", 7, automation::readable, 0, 0, &AdoRecordset::endOfFile},
+      {L"BOF", 8, automation::readable, 0, 0, &AdoRecordset::beginOfFile},
+      {L"MoveFirst", 9, automation::callable, 0, 0, &AdoRecordset::moveFirst},
+      {L"MoveNext", 10, automation::callable, 0, 0, &AdoRecordset::moveNext},
+      {L"RecordCount", 11, automation::readable, 0, 0, &AdoRecordset::recordCount},
+      {L"GetRows", 12, automation::callable, 0, 1, &AdoRecordset::getRows},
+      {L"State", 13, automation::readable, 0, 0, &AdoRecordset::state},
+      {L"Close", 14, automation::callable, 0, 0, &AdoRecordset::close},
   };
   return table;
 }
@@ -358,7 +360,7 @@ int AdoRecordset::fieldPosition(const Variant& index) {
 
 void AdoRecordset::connect(const Variant& connection) {
   if (connection.vt == VT_DISPATCH || connection.vt == VT_UNKNOWN) {
-    const ComPtr<IDispatch> object = com::toObject(connection);
+    const ComPtr<IDispatch> object = automation::toObject(connection);
     connection_ = AdoConnection::from(object.get());
     if (object && !connection_) {
       throw adoError(wrongArguments, sourceName(),
@@ -367,7 +369,7 @@ void AdoRecordset::connect(const Variant& connection) {
     return;
   }
   ComPtr<AdoConnection> opened = makeObject<AdoConnection>(monitor_);
-  opened->openWith(com::toText(connection));
+  opened->openWith(automation::toText(connection));
   connection_ = std::move(opened);
 }
 
@@ -392,7 +394,7 @@ Variant AdoRecordset::open(Call& call) {
 Variant AdoRecordset::source(Call& call) {
   if (call.assigns()) {
     if (isOpen()) throw adoError(objectOpen, sourceName(), "The source cannot change while the recordset is open.");
-    source_ = com::toText(call.assigned());
+    source_ = automation::toText(call.assigned());
   }
   return source_;
 }
@@ -408,7 +410,7 @@ Variant AdoRecordset::activeConnection(Call& call) {
 Variant AdoRecordset::setting(Call& call, int& value) {
   if (call.assigns()) {
     if (isOpen()) throw adoError(objectOpen, sourceName(), "The cursor cannot change while the recordset is open.");
-    value = com::toInteger(call.assigned());
+    value = automation::toInteger(call.assigned());
   }
   return value;
 }
@@ -481,9 +483,9 @@ Variant AdoRecordset::close(Call&) {
 // --- Registration
 
 EmbeddedAdo::EmbeddedAdo(const std::shared_ptr<SessionMonitor>& monitor)
-    : connection_(com::classIdOf(com::bindings::connection),
+    : connection_(automation::classIdOf(component::bindings::connection),
                   [monitor] { return ComPtr<IUnknown>(makeObject<AdoConnection>(monitor)); }),
-      recordset_(com::classIdOf(com::bindings::recordset),
+      recordset_(automation::classIdOf(component::bindings::recordset),
                  [monitor] { return ComPtr<IUnknown>(makeObject<AdoRecordset>(monitor)); }) {}
 
 }  // namespace quillon::workbench

@@ -31,7 +31,7 @@ struct ProviderError {
 //                                                      gives a Recordset, closed when there are no rows
 //   State                                              0 closed, 1 open
 //   Close, Errors, Version, Provider
-class AdoConnection : public com::Automation<AdoConnection> {
+class AdoConnection : public automation::DispatchObject<AdoConnection> {
  public:
   static std::span<const Member> members();
 
@@ -43,7 +43,7 @@ class AdoConnection : public com::Automation<AdoConnection> {
       : monitor_(std::move(monitor)), session_(std::move(session)) {}
 
   // The connection behind an automation reference, or null when it is another program's object.
-  static com::ComPtr<AdoConnection> from(IDispatch* object);
+  static automation::ComPtr<AdoConnection> from(IDispatch* object);
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
 
   AccountSession& session() { return *session_; }
@@ -53,17 +53,17 @@ class AdoConnection : public com::Automation<AdoConnection> {
   BatchResult runBatch(const std::string& sql);
 
  private:
-  com::Variant cursorLocationMember(com::Call& call);
-  com::Variant connectionString(com::Call& call);
-  com::Variant connectionTimeout(com::Call& call);
-  com::Variant commandTimeout(com::Call& call);
-  com::Variant open(com::Call& call);
-  com::Variant execute(com::Call& call);
-  com::Variant state(com::Call& call);
-  com::Variant close(com::Call& call);
-  com::Variant errors(com::Call& call);
-  com::Variant version(com::Call& call);
-  com::Variant provider(com::Call& call);
+  automation::Variant cursorLocationMember(automation::Call& call);
+  automation::Variant connectionString(automation::Call& call);
+  automation::Variant connectionTimeout(automation::Call& call);
+  automation::Variant commandTimeout(automation::Call& call);
+  automation::Variant open(automation::Call& call);
+  automation::Variant execute(automation::Call& call);
+  automation::Variant state(automation::Call& call);
+  automation::Variant close(automation::Call& call);
+  automation::Variant errors(automation::Call& call);
+  automation::Variant version(automation::Call& call);
+  automation::Variant provider(automation::Call& call);
   const char* sourceName() const override { return "ADODB.Connection"; }
 
   // Runs `action`; a failure of the account (not one of how ADO is used) becomes the content of Errors.
@@ -86,43 +86,44 @@ class AdoConnection : public com::Automation<AdoConnection> {
 //   EOF, BOF, MoveFirst, MoveNext, RecordCount, State, Close
 //   Fields, Fields(name or position)                    the recordset's default member
 //   GetRows([count])                                    a two-dimensional array: field, row
-class AdoRecordset : public com::Automation<AdoRecordset> {
+class AdoRecordset : public automation::DispatchObject<AdoRecordset> {
  public:
   static std::span<const Member> members();
 
   explicit AdoRecordset(std::shared_ptr<SessionMonitor> monitor) : monitor_(std::move(monitor)) {}
   // The recordset that Execute gives: open when the batch gave rows.
-  AdoRecordset(com::ComPtr<AdoConnection> connection, std::string source, std::unique_ptr<AccountRecordset> rows);
+  AdoRecordset(automation::ComPtr<AdoConnection> connection, std::string source,
+               std::unique_ptr<AccountRecordset> rows);
 
   // The open rows; throws ADO's "closed" otherwise.
   AccountRecordset& rows();
   // The position of a field given by name (in any letter case) or by position. Throws ADO's 0x800A0CC1.
-  int fieldPosition(const com::Variant& index);
+  int fieldPosition(const automation::Variant& index);
 
  private:
-  com::Variant open(com::Call& call);
-  com::Variant source(com::Call& call);
-  com::Variant activeConnection(com::Call& call);
-  com::Variant cursorLocation(com::Call& call);
-  com::Variant cursorType(com::Call& call);
-  com::Variant lockType(com::Call& call);
-  com::Variant endOfFile(com::Call& call);
-  com::Variant beginOfFile(com::Call& call);
-  com::Variant moveFirst(com::Call& call);
-  com::Variant moveNext(com::Call& call);
-  com::Variant recordCount(com::Call& call);
-  com::Variant fields(com::Call& call);
-  com::Variant getRows(com::Call& call);
-  com::Variant state(com::Call& call);
-  com::Variant close(com::Call& call);
+  automation::Variant open(automation::Call& call);
+  automation::Variant source(automation::Call& call);
+  automation::Variant activeConnection(automation::Call& call);
+  automation::Variant cursorLocation(automation::Call& call);
+  automation::Variant cursorType(automation::Call& call);
+  automation::Variant lockType(automation::Call& call);
+  automation::Variant endOfFile(automation::Call& call);
+  automation::Variant beginOfFile(automation::Call& call);
+  automation::Variant moveFirst(automation::Call& call);
+  automation::Variant moveNext(automation::Call& call);
+  automation::Variant recordCount(automation::Call& call);
+  automation::Variant fields(automation::Call& call);
+  automation::Variant getRows(automation::Call& call);
+  automation::Variant state(automation::Call& call);
+  automation::Variant close(automation::Call& call);
   const char* sourceName() const override { return "ADODB.Recordset"; }
 
   bool isOpen() const { return rows_ && rows_->isOpen(); }
-  void connect(const com::Variant& connection);
-  com::Variant setting(com::Call& call, int& value);
+  void connect(const automation::Variant& connection);
+  automation::Variant setting(automation::Call& call, int& value);
 
   std::shared_ptr<SessionMonitor> monitor_;
-  com::ComPtr<AdoConnection> connection_;
+  automation::ComPtr<AdoConnection> connection_;
   std::string source_;
   int cursorLocation_ = 0;  // 0: the connection's
   int cursorType_ = static_cast<int>(CursorType::forwardOnly);
@@ -138,8 +139,8 @@ class EmbeddedAdo {
   explicit EmbeddedAdo(const std::shared_ptr<SessionMonitor>& monitor);
 
  private:
-  com::InProcessClass connection_;
-  com::InProcessClass recordset_;
+  automation::InProcessClass connection_;
+  automation::InProcessClass recordset_;
 };
 
 }  // namespace quillon::workbench

@@ -8,7 +8,7 @@ namespace {
 
 constexpr HResult dataOverflow = static_cast<HResult>(0x80040E57U);
 
-com::Variant decimalValue(const tsql::Exact& number) {
+automation::Variant decimalValue(const tsql::Exact& number) {
   constexpr std::int64_t highest = 0xffffffffLL;  // of the upper 32 of DECIMAL's 96 bits
   const bool negative = number.units.negative();
   tsql::Int128 magnitude = negative ? -number.units : number.units;
@@ -24,7 +24,7 @@ com::Variant decimalValue(const tsql::Exact& number) {
         dataOverflow, "ADODB.Field",
         "The value has more digits than an automation Decimal holds; convert it to text in the query.");
   }
-  com::Variant result;
+  automation::Variant result;
   result.decVal.Hi32 = static_cast<ULONG>(magnitude.high());
   result.decVal.Lo64 = magnitude.low();
   result.decVal.scale = static_cast<BYTE>(scale);
@@ -33,15 +33,15 @@ com::Variant decimalValue(const tsql::Exact& number) {
   return result;
 }
 
-com::Variant currencyValue(const tsql::Exact& number) {
-  com::Variant result;
+automation::Variant currencyValue(const tsql::Exact& number) {
+  automation::Variant result;
   result.cyVal.int64 = number.units.toInt64();  // both count ten-thousandths in 64 bits
   result.vt = VT_CY;
   return result;
 }
 
 // Automation counts days since 1899-12-30 and writes a time of day as a positive fraction, also before that day.
-com::Variant dateValue(const tsql::DateTime& time) {
+automation::Variant dateValue(const tsql::DateTime& time) {
   constexpr std::int64_t daysToEpoch = 2;  // from 1899-12-30 to 1900-01-01
   std::int64_t days = time.ticks / tsql::DateTime::ticksPerDay;
   std::int64_t rest = time.ticks % tsql::DateTime::ticksPerDay;
@@ -51,10 +51,11 @@ com::Variant dateValue(const tsql::DateTime& time) {
   }
   days += daysToEpoch;
   const double fraction = static_cast<double>(rest) / static_cast<double>(tsql::DateTime::ticksPerDay);
-  return com::Variant::fromDate(days < 0 ? static_cast<double>(days) - fraction : static_cast<double>(days) + fraction);
+  return automation::Variant::fromDate(days < 0 ? static_cast<double>(days) - fraction
+                                                : static_cast<double>(days) + fraction);
 }
 
-com::Variant integerValue(std::int64_t number, tsql::Kind kind) {
+automation::Variant integerValue(std::int64_t number, tsql::Kind kind) {
   switch (kind) {
     case tsql::Kind::bit:
       return {number != 0};
@@ -92,8 +93,8 @@ AdoType adoType(const tsql::Type& type) {
   return unlimited ? AdoType::longWideText : AdoType::wideText;
 }
 
-com::Variant adoValue(const tsql::Value& value, const tsql::Type& type) {
-  if (tsql::isNull(value)) return com::Variant::null();
+automation::Variant adoValue(const tsql::Value& value, const tsql::Type& type) {
+  if (tsql::isNull(value)) return automation::Variant::null();
   if (const auto* number = std::get_if<std::int64_t>(&value)) return integerValue(*number, type.kind);
   if (const auto* real = std::get_if<double>(&value)) return {*real};
   if (const auto* exact = std::get_if<tsql::Exact>(&value)) {

@@ -26,6 +26,6 @@ AdoType adoType(const tsql::Type& type);
 // The value of a field of type `type`: int as VT_I4, bit as VT_BOOL, bigint and decimal as VT_DECIMAL with the type's
 // scale, money as VT_CY, float as VT_R8, datetime as VT_DATE, texts as VT_BSTR, null as VT_NULL. Nothing is rounded: a
 // decimal that VT_DECIMAL cannot hold (more than 96 bits) throws AutomationError 0x80040E57.
-com::Variant adoValue(const tsql::Value& value, const tsql::Type& type);
+automation::Variant adoValue(const tsql::Value& value, const tsql::Type& type);
 
 }  // namespace quillon::workbench

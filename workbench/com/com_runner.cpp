@@ -17,7 +17,7 @@ class Apartment {
  public:
   Apartment() {
     const HRESULT code = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    if (FAILED(code)) throw AutomationError(code, "Quillon", "COM cannot be used: " + com::systemMessage(code));
+    if (FAILED(code)) throw AutomationError(code, "Quillon", "COM cannot be used: " + automation::systemMessage(code));
   }
   Apartment(const Apartment&) = delete;
   Apartment& operator=(const Apartment&) = delete;
@@ -25,9 +25,9 @@ class Apartment {
 };
 
 // An instance of one of the library's classes, by its ProgID.
-com::LateBound createInstance(std::string_view className) {
-  const std::wstring progId = com::toWide("Quillon." + std::string(className));
-  com::LateBound instance = com::tryCreateObject({progId.c_str(), CLSID_NULL});
+automation::LateBound createInstance(std::string_view className) {
+  const std::wstring progId = automation::toWide("Quillon." + std::string(className));
+  automation::LateBound instance = automation::tryCreateObject({progId.c_str(), CLSID_NULL});
   if (!instance) {
     throw AutomationError(REGDB_E_CLASSNOTREG, "Quillon",
                           "Quillon.dll is not registered on this machine: run \"regsvr32 Quillon.dll\" in its folder, "
@@ -62,10 +62,10 @@ class ComReportRunner final : public ReportRunner {
 
  private:
   static void call(const wchar_t* member, const Report& report, const std::shared_ptr<WorkbenchArgument>& argument) {
-    const com::LateBound instance = createInstance(report.reportClass);
-    const com::ComPtr<IDispatch> e = argumentObject(argument);
+    const automation::LateBound instance = createInstance(report.reportClass);
+    const automation::ComPtr<IDispatch> e = argumentObject(argument);
     IDispatch* reference = e.get();
-    instance.call(member, {com::Variant::reference(reference)});
+    instance.call(member, {automation::Variant::reference(reference)});
   }
 
   Host host_;
@@ -83,36 +83,37 @@ class ComDialogRunner final : public DialogRunner {
   void init() override { control_.call(L"CallBack_FilterInit", {filter()}); }
   void changed(const std::string& key) override { control_.call(L"CallBack_ValueChange", {key, filter()}); }
   bool click() override {
-    com::Variant cancel(false);
-    control_.call(L"CallBack_FilterClick", {filter(), com::Variant::reference(cancel)});
-    return !com::toFlag(cancel);
+    automation::Variant cancel(false);
+    control_.call(L"CallBack_FilterClick", {filter(), automation::Variant::reference(cancel)});
+    return !automation::toFlag(cancel);
   }
   std::optional<std::string> view() override {
-    com::Variant viewClass;
-    if (hasViews_) control_.call(L"CallBack_ReportViewInit", {filter(), com::Variant::reference(viewClass)});
+    automation::Variant viewClass;
+    if (hasViews_) control_.call(L"CallBack_ReportViewInit", {filter(), automation::Variant::reference(viewClass)});
     return textUnlessEmpty(viewClass);
   }
   std::optional<std::string> viewAfterChange(const std::string& key) override {
-    com::Variant viewClass;
-    if (hasViews_) control_.call(L"CallBack_ReportViewChange", {key, filter(), com::Variant::reference(viewClass)});
+    automation::Variant viewClass;
+    if (hasViews_)
+      control_.call(L"CallBack_ReportViewChange", {key, filter(), automation::Variant::reference(viewClass)});
     return textUnlessEmpty(viewClass);
   }
 
  private:
-  com::Variant filter() {
+  automation::Variant filter() {
     reference_ = filter_.get();
-    return com::Variant::reference(reference_);
+    return automation::Variant::reference(reference_);
   }
 
-  static std::optional<std::string> textUnlessEmpty(const com::Variant& value) {
+  static std::optional<std::string> textUnlessEmpty(const automation::Variant& value) {
     if (value.vt == VT_EMPTY) return std::nullopt;
-    return com::toText(value);
+    return automation::toText(value);
   }
 
   Host host_;
-  com::LateBound control_;
+  automation::LateBound control_;
   bool hasViews_;
-  com::ComPtr<IDispatch> filter_;
+  automation::ComPtr<IDispatch> filter_;
   IDispatch* reference_ = nullptr;  // what the class gets a reference to
 };
 

@@ -10,19 +10,19 @@
 
 namespace quillon::workbench {
 
-using com::Call;
-using com::ComPtr;
-using com::makeObject;
-using com::Variant;
-namespace bindings = com::bindings;
+using automation::Call;
+using automation::ComPtr;
+using automation::makeObject;
+using automation::Variant;
+namespace bindings = component::bindings;
 
 namespace {
 
-class WorkTableNumberDispatch : public com::Automation<WorkTableNumberDispatch> {
+class WorkTableNumberDispatch : public automation::DispatchObject<WorkTableNumberDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Number", DISPID_VALUE, com::readable, 0, 0, &WorkTableNumberDispatch::number}};
+        {L"Number", DISPID_VALUE, automation::readable, 0, 0, &WorkTableNumberDispatch::number}};
     return table;
   }
 
@@ -40,7 +40,7 @@ class AccountLoginDispatch : public OwnObject<AccountLoginDispatch> {
 
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::account_login::initialise, 1, com::callable, 2, 2, &AccountLoginDispatch::initialise}};
+        {bindings::account_login::initialise, 1, automation::callable, 2, 2, &AccountLoginDispatch::initialise}};
     return table;
   }
 
@@ -65,9 +65,11 @@ class AccountOptionsDispatch : public OwnObject<AccountOptionsDispatch> {
 
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::account_options::costingBasis, 1, com::readable, 0, 0, &AccountOptionsDispatch::costingBasis},
-        {bindings::account_options::inventoryTable, 2, com::readable, 0, 0, &AccountOptionsDispatch::inventoryTable},
-        {bindings::account_options::warehouseTable, 3, com::readable, 0, 0, &AccountOptionsDispatch::warehouseTable},
+        {bindings::account_options::costingBasis, 1, automation::readable, 0, 0, &AccountOptionsDispatch::costingBasis},
+        {bindings::account_options::inventoryTable, 2, automation::readable, 0, 0,
+         &AccountOptionsDispatch::inventoryTable},
+        {bindings::account_options::warehouseTable, 3, automation::readable, 0, 0,
+         &AccountOptionsDispatch::warehouseTable},
     };
     return table;
   }
@@ -90,13 +92,14 @@ class AccountOptionsDispatch : public OwnObject<AccountOptionsDispatch> {
   std::unique_ptr<AccountOptions> options_;
 };
 
-class EnvironmentDispatch : public com::Automation<EnvironmentDispatch> {
+class EnvironmentDispatch : public automation::DispatchObject<EnvironmentDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::inventory_environment::initialise, 1, com::callable, 1, 1, &EnvironmentDispatch::initialise},
-        {bindings::inventory_environment::tableNames, 2, com::callable, 2, 2, &EnvironmentDispatch::tableNames},
-        {bindings::inventory_environment::fillOptions, 3, com::callable, 3, 3, &EnvironmentDispatch::fillOptions},
+        {bindings::inventory_environment::initialise, 1, automation::callable, 1, 1, &EnvironmentDispatch::initialise},
+        {bindings::inventory_environment::tableNames, 2, automation::callable, 2, 2, &EnvironmentDispatch::tableNames},
+        {bindings::inventory_environment::fillOptions, 3, automation::callable, 3, 3,
+         &EnvironmentDispatch::fillOptions},
     };
     return table;
   }
@@ -134,19 +137,19 @@ class EnvironmentDispatch : public com::Automation<EnvironmentDispatch> {
 }  // namespace
 
 EnvironmentStandIn::EnvironmentStandIn(EmbeddedPlatform& platform)
-    : workTableNumber_(com::classIdOf(bindings::workTableNumber),
+    : workTableNumber_(automation::classIdOf(bindings::workTableNumber),
                        [&platform]() -> ComPtr<IUnknown> {
                          return makeObject<WorkTableNumberDispatch>(platform.workTableNumber());
                        }),
-      accountLogin_(com::classIdOf(bindings::accountLogin),
+      accountLogin_(automation::classIdOf(bindings::accountLogin),
                     [&platform]() -> ComPtr<IUnknown> {
                       return makeObject<AccountLoginDispatch>(platform.createAccountLogin());
                     }),
-      environment_(com::classIdOf(bindings::environment),
+      environment_(automation::classIdOf(bindings::environment),
                    [&platform]() -> ComPtr<IUnknown> {
                      return makeObject<EnvironmentDispatch>(platform.createInventoryEnvironment());
                    }),
-      accountOptions_(com::classIdOf(bindings::accountOptions),
+      accountOptions_(automation::classIdOf(bindings::accountOptions),
                       []() -> ComPtr<IUnknown> { return makeObject<AccountOptionsDispatch>(); }) {}
 
 }  // namespace quillon::workbench

@@ -14,10 +14,10 @@ class EnvironmentStandIn {
   explicit EnvironmentStandIn(EmbeddedPlatform& platform);
 
  private:
-  com::InProcessClass workTableNumber_;
-  com::InProcessClass accountLogin_;
-  com::InProcessClass environment_;
-  com::InProcessClass accountOptions_;
+  automation::InProcessClass workTableNumber_;
+  automation::InProcessClass accountLogin_;
+  automation::InProcessClass environment_;
+  automation::InProcessClass accountOptions_;
 };
 
 }  // namespace quillon::workbench

@@ -15,11 +15,11 @@
 
 namespace quillon::workbench {
 
-using com::Call;
-using com::ComPtr;
-using com::makeObject;
-using com::Variant;
-namespace bindings = com::bindings;
+using automation::Call;
+using automation::ComPtr;
+using automation::makeObject;
+using automation::Variant;
+namespace bindings = component::bindings;
 
 namespace {
 
@@ -29,21 +29,22 @@ Variant numberOrText(const std::string& text) {
   return text;
 }
 
-class LoginDispatch : public com::Automation<LoginDispatch> {
+class LoginDispatch : public automation::DispatchObject<LoginDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::login::accountConnection, 1, com::readable, 0, 0, &LoginDispatch::accountConnection},
-        {bindings::login::password, 2, com::readable, 0, 0, &LoginDispatch::password},
-        {bindings::login::accountCode, 3, com::readable, 0, 0, &LoginDispatch::accountCode},
-        {bindings::login::accountingYear, 4, com::readable, 0, 0, &LoginDispatch::accountingYear},
-        {bindings::login::accountingYearText, 5, com::readable, 0, 0, &LoginDispatch::accountingYearText},
-        {bindings::login::languageRegion, 6, com::readable, 0, 0, &LoginDispatch::languageRegion},
-        {bindings::login::languageId, 7, com::readable, 0, 0, &LoginDispatch::languageId},
-        {bindings::login::currentPeriodYear, 8, com::readable, 0, 0, &LoginDispatch::currentPeriodYear},
-        {bindings::login::businessDate, 9, com::readable, 0, 0, &LoginDispatch::businessDate},
-        {bindings::login::authString, 10, com::readable | com::writable, 0, 0, &LoginDispatch::authString},
-        {bindings::login::moduleCode, 11, com::readable, 0, 0, &LoginDispatch::moduleCode},
+        {bindings::login::accountConnection, 1, automation::readable, 0, 0, &LoginDispatch::accountConnection},
+        {bindings::login::password, 2, automation::readable, 0, 0, &LoginDispatch::password},
+        {bindings::login::accountCode, 3, automation::readable, 0, 0, &LoginDispatch::accountCode},
+        {bindings::login::accountingYear, 4, automation::readable, 0, 0, &LoginDispatch::accountingYear},
+        {bindings::login::accountingYearText, 5, automation::readable, 0, 0, &LoginDispatch::accountingYearText},
+        {bindings::login::languageRegion, 6, automation::readable, 0, 0, &LoginDispatch::languageRegion},
+        {bindings::login::languageId, 7, automation::readable, 0, 0, &LoginDispatch::languageId},
+        {bindings::login::currentPeriodYear, 8, automation::readable, 0, 0, &LoginDispatch::currentPeriodYear},
+        {bindings::login::businessDate, 9, automation::readable, 0, 0, &LoginDispatch::businessDate},
+        {bindings::login::authString, 10, automation::readable | automation::writable, 0, 0,
+         &LoginDispatch::authString},
+        {bindings::login::moduleCode, 11, automation::readable, 0, 0, &LoginDispatch::moduleCode},
     };
     return table;
   }
@@ -62,7 +63,7 @@ class LoginDispatch : public com::Automation<LoginDispatch> {
   Variant businessDate(Call&) { return login_->businessDate(); }
   Variant authString(Call& call) {
     if (call.assigns()) {
-      authString_ = com::toText(call.assigned());
+      authString_ = automation::toText(call.assigned());
       login_->setAuthString(authString_);
     }
     return authString_;
@@ -83,23 +84,25 @@ FilterDialogObject& dialogOf(const std::shared_ptr<FilterDialogObject>& dialog) 
   return *dialog;
 }
 
-class FilterItemDispatch : public com::Automation<FilterItemDispatch> {
+class FilterItemDispatch : public automation::DispatchObject<FilterItemDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::filter::value, DISPID_VALUE, com::readable | com::writable, 0, 0, &FilterItemDispatch::value},
-        {bindings::filter::value2, 1, com::readable | com::writable, 0, 0, &FilterItemDispatch::value2},
-        {bindings::filter::name, 2, com::readable, 0, 0, &FilterItemDispatch::name},
-        {bindings::filter::rangeInput, 3, com::readable, 0, 0, &FilterItemDispatch::rangeInput},
-        {bindings::filter::multipleSelection, 4, com::readable, 0, 0, &FilterItemDispatch::multipleSelection},
-        {bindings::filter::groupToken, 5, com::readable | com::writable, 0, 0, &FilterItemDispatch::groupToken},
-        {bindings::filter::sqlText, 6, com::readable | com::writable, 0, 0, &FilterItemDispatch::sqlText},
-        {bindings::dialog::caption, 7, com::readable, 0, 0, &FilterItemDispatch::caption},
-        {bindings::dialog::listText, 8, com::writable, 0, 0, &FilterItemDispatch::listText},
-        {bindings::dialog::listSource, 9, com::writable, 0, 0, &FilterItemDispatch::listSource},
-        {L"Available", 10, com::readable, 0, 0, &FilterItemDispatch::available},
-        {L"Choices", 11, com::readable, 0, 0, &FilterItemDispatch::choices},
-        {L"LookupCondition", 12, com::readable, 0, 0, &FilterItemDispatch::lookupCondition},
+        {bindings::filter::value, DISPID_VALUE, automation::readable | automation::writable, 0, 0,
+         &FilterItemDispatch::value},
+        {bindings::filter::value2, 1, automation::readable | automation::writable, 0, 0, &FilterItemDispatch::value2},
+        {bindings::filter::name, 2, automation::readable, 0, 0, &FilterItemDispatch::name},
+        {bindings::filter::rangeInput, 3, automation::readable, 0, 0, &FilterItemDispatch::rangeInput},
+        {bindings::filter::multipleSelection, 4, automation::readable, 0, 0, &FilterItemDispatch::multipleSelection},
+        {bindings::filter::groupToken, 5, automation::readable | automation::writable, 0, 0,
+         &FilterItemDispatch::groupToken},
+        {bindings::filter::sqlText, 6, automation::readable | automation::writable, 0, 0, &FilterItemDispatch::sqlText},
+        {bindings::dialog::caption, 7, automation::readable, 0, 0, &FilterItemDispatch::caption},
+        {bindings::dialog::listText, 8, automation::writable, 0, 0, &FilterItemDispatch::listText},
+        {bindings::dialog::listSource, 9, automation::writable, 0, 0, &FilterItemDispatch::listSource},
+        {L"Available", 10, automation::readable, 0, 0, &FilterItemDispatch::available},
+        {L"Choices", 11, automation::readable, 0, 0, &FilterItemDispatch::choices},
+        {L"LookupCondition", 12, automation::readable, 0, 0, &FilterItemDispatch::lookupCondition},
     };
     return table;
   }
@@ -110,7 +113,7 @@ class FilterItemDispatch : public com::Automation<FilterItemDispatch> {
 
  private:
   static Variant textMember(Call& call, std::string& text) {
-    if (call.assigns()) text = com::toText(call.assigned());
+    if (call.assigns()) text = automation::toText(call.assigned());
     return text;
   }
 
@@ -120,20 +123,20 @@ class FilterItemDispatch : public com::Automation<FilterItemDispatch> {
   Variant rangeInput(Call&) { return entry_->item.range; }
   Variant multipleSelection(Call&) { return entry_->item.multiple; }
   Variant groupToken(Call& call) {
-    if (call.assigns()) entry_->token = com::toInteger(call.assigned());
+    if (call.assigns()) entry_->token = automation::toInteger(call.assigned());
     return entry_->token;
   }
   Variant sqlText(Call& call) {
-    if (call.assigns()) entry_->sql = com::toText(call.assigned());
+    if (call.assigns()) entry_->sql = automation::toText(call.assigned());
     return conditionOf(*entry_);
   }
   Variant caption(Call&) { return inDialog()->caption(); }
   Variant listText(Call& call) {
-    inDialog()->setListText(com::toText(call.assigned()));
+    inDialog()->setListText(automation::toText(call.assigned()));
     return {};
   }
   Variant listSource(Call& call) {
-    inDialog()->setListSource(com::toText(call.assigned()));
+    inDialog()->setListSource(automation::toText(call.assigned()));
     return {};
   }
   Variant available(Call&) { return entry_->available; }
@@ -156,13 +159,13 @@ class FilterItemDispatch : public com::Automation<FilterItemDispatch> {
   std::shared_ptr<FilterDialogObject> dialog_;
 };
 
-class FilterListDispatch : public com::Automation<FilterListDispatch> {
+class FilterListDispatch : public automation::DispatchObject<FilterListDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Item", DISPID_VALUE, com::readable | com::writable, 1, 1, &FilterListDispatch::item},
-        {bindings::filter::count, 1, com::readable, 0, 0, &FilterListDispatch::count},
-        {L"_NewEnum", DISPID_NEWENUM, com::readable, 0, 0, &FilterListDispatch::each},
+        {L"Item", DISPID_VALUE, automation::readable | automation::writable, 1, 1, &FilterListDispatch::item},
+        {bindings::filter::count, 1, automation::readable, 0, 0, &FilterListDispatch::count},
+        {L"_NewEnum", DISPID_NEWENUM, automation::readable, 0, 0, &FilterListDispatch::each},
     };
     return table;
   }
@@ -174,7 +177,7 @@ class FilterListDispatch : public com::Automation<FilterListDispatch> {
   Variant item(Call& call) {
     const std::shared_ptr<FilterEntry> entry = entryAt(call.value(0));
     if (!call.assigns()) return makeObject<FilterItemDispatch>(entry, dialog_);
-    entry->value = com::toText(call.assigned());
+    entry->value = automation::toText(call.assigned());
     return {};
   }
 
@@ -183,12 +186,13 @@ class FilterListDispatch : public com::Automation<FilterListDispatch> {
     const auto& entries = filter_->entries();
     auto found = entries.end();
     if (index.vt == VT_BSTR) {
-      found = std::ranges::find(entries, filter_->find(com::toText(index)), &std::shared_ptr<FilterEntry>::get);
-    } else if (const int position = com::toInteger(index); position >= 1 && position <= filter_->count()) {
+      found = std::ranges::find(entries, filter_->find(automation::toText(index)), &std::shared_ptr<FilterEntry>::get);
+    } else if (const int position = automation::toInteger(index); position >= 1 && position <= filter_->count()) {
       found = entries.begin() + (position - 1);
     }
     if (found == entries.end()) {
-      throw AutomationError(DISP_E_BADINDEX, sourceName(), "The filter has no item \"" + com::toText(index) + "\".");
+      throw AutomationError(DISP_E_BADINDEX, sourceName(),
+                            "The filter has no item \"" + automation::toText(index) + "\".");
     }
     return *found;
   }
@@ -206,19 +210,20 @@ class FilterListDispatch : public com::Automation<FilterListDispatch> {
   std::shared_ptr<FilterDialogObject> dialog_;
 };
 
-class FilterDispatch : public com::Automation<FilterDispatch> {
+class FilterDispatch : public automation::DispatchObject<FilterDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::filter::filterList, 1, com::readable | com::writable, 0, 1, &FilterDispatch::filterList},
-        {bindings::filter::whereWithToken, 2, com::callable, 1, 1, &FilterDispatch::whereWithToken},
-        {bindings::dialog::login, 3, com::readable, 0, 0, &FilterDispatch::login},
-        {bindings::dialog::identifier, 4, com::readable, 0, 0, &FilterDispatch::identifier},
-        {bindings::dialog::connection, 5, com::readable, 0, 0, &FilterDispatch::connection},
-        {bindings::dialog::setUnavailable, 6, com::callable, 2, 2, &FilterDispatch::setUnavailable},
-        {bindings::dialog::setEnumeration, 7, com::callable, 2, 2, &FilterDispatch::setEnumeration},
-        {bindings::dialog::setLookupCondition, 8, com::callable, 3, 3, &FilterDispatch::setLookupCondition},
-        {bindings::dialog::setLookupConditionOfValue, 9, com::callable, 3, 3,
+        {bindings::filter::filterList, 1, automation::readable | automation::writable, 0, 1,
+         &FilterDispatch::filterList},
+        {bindings::filter::whereWithToken, 2, automation::callable, 1, 1, &FilterDispatch::whereWithToken},
+        {bindings::dialog::login, 3, automation::readable, 0, 0, &FilterDispatch::login},
+        {bindings::dialog::identifier, 4, automation::readable, 0, 0, &FilterDispatch::identifier},
+        {bindings::dialog::connection, 5, automation::readable, 0, 0, &FilterDispatch::connection},
+        {bindings::dialog::setUnavailable, 6, automation::callable, 2, 2, &FilterDispatch::setUnavailable},
+        {bindings::dialog::setEnumeration, 7, automation::callable, 2, 2, &FilterDispatch::setEnumeration},
+        {bindings::dialog::setLookupCondition, 8, automation::callable, 3, 3, &FilterDispatch::setLookupCondition},
+        {bindings::dialog::setLookupConditionOfValue, 9, automation::callable, 3, 3,
          &FilterDispatch::setLookupConditionOfValue},
     };
     return table;
@@ -244,7 +249,7 @@ class FilterDispatch : public com::Automation<FilterDispatch> {
   Variant identifier(Call&) { return filter_->identifier(); }
   Variant connection(Call&) { return makeObject<AdoConnection>(nullptr, inDialog().ownConnection()); }
   Variant setUnavailable(Call& call) {
-    inDialog().setUnavailable(call.text(0), com::toFlag(call.value(1)));
+    inDialog().setUnavailable(call.text(0), automation::toFlag(call.value(1)));
     return {};
   }
   Variant setEnumeration(Call& call) {
@@ -256,7 +261,7 @@ class FilterDispatch : public com::Automation<FilterDispatch> {
     return {};
   }
   Variant setLookupConditionOfValue(Call& call) {
-    inDialog().setLookupConditionOfValue(call.text(0), call.text(1), com::toFlag(call.value(2)));
+    inDialog().setLookupConditionOfValue(call.text(0), call.text(1), automation::toFlag(call.value(2)));
     return {};
   }
   FilterDialogObject& inDialog() const { return dialogOf(dialog_); }
@@ -267,12 +272,13 @@ class FilterDispatch : public com::Automation<FilterDispatch> {
   ComPtr<LoginDispatch> login_;
 };
 
-class DataSourceDispatch : public com::Automation<DataSourceDispatch> {
+class DataSourceDispatch : public automation::DispatchObject<DataSourceDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::data_source::sql, DISPID_VALUE, com::readable | com::writable, 0, 0, &DataSourceDispatch::sql},
-        {bindings::data_source::type, 1, com::readable | com::writable, 0, 0, &DataSourceDispatch::type},
+        {bindings::data_source::sql, DISPID_VALUE, automation::readable | automation::writable, 0, 0,
+         &DataSourceDispatch::sql},
+        {bindings::data_source::type, 1, automation::readable | automation::writable, 0, 0, &DataSourceDispatch::type},
     };
     return table;
   }
@@ -281,11 +287,11 @@ class DataSourceDispatch : public com::Automation<DataSourceDispatch> {
 
  private:
   Variant sql(Call& call) {
-    if (call.assigns()) argument_->dataSource()->setResultTable(com::toText(call.assigned()));
+    if (call.assigns()) argument_->dataSource()->setResultTable(automation::toText(call.assigned()));
     return argument_->dataSource()->resultTable();
   }
   Variant type(Call& call) {
-    if (call.assigns()) argument_->dataSource()->setType(com::toInteger(call.assigned()));
+    if (call.assigns()) argument_->dataSource()->setType(automation::toInteger(call.assigned()));
     return argument_->dataSourceState().type;
   }
   const char* sourceName() const override { return "Quillon data source"; }
@@ -294,12 +300,12 @@ class DataSourceDispatch : public com::Automation<DataSourceDispatch> {
 };
 
 // The row that Execute is called for.
-class RowDispatch : public com::Automation<RowDispatch> {
+class RowDispatch : public automation::DispatchObject<RowDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::report_row::value, 1, com::callable, 1, 1, &RowDispatch::value},
-        {L"TakeRow", 2, com::callable, 1, 1, &RowDispatch::takeRow},
+        {bindings::report_row::value, 1, automation::callable, 1, 1, &RowDispatch::value},
+        {L"TakeRow", 2, automation::callable, 1, 1, &RowDispatch::takeRow},
     };
     return table;
   }
@@ -312,12 +318,12 @@ class RowDispatch : public com::Automation<RowDispatch> {
     return row_->value(call.text(0));
   }
   Variant takeRow(Call& call) {
-    const com::LateBound recordset(call.object(0), "ADODB.Recordset");
-    const com::LateBound fields = recordset.object(bindings::ado::fields, "Fields");
+    const automation::LateBound recordset(call.object(0), "ADODB.Recordset");
+    const automation::LateBound fields = recordset.object(bindings::ado::fields, "Fields");
     const int count = fields.integer(L"Count");
     RowValues values;
     for (int position = 0; position < count; ++position) {
-      const com::LateBound field = fields.item(position, "Field");
+      const automation::LateBound field = fields.item(position, "Field");
       values.emplace_back(field.text(L"Name"), field.text(bindings::ado::value));
     }
     row_ = WorkbenchArgument(argument_->login(), std::move(values), {}).row();
@@ -329,17 +335,17 @@ class RowDispatch : public com::Automation<RowDispatch> {
   std::unique_ptr<ReportRow> row_;
 };
 
-class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
+class ArgumentDispatch : public automation::DispatchObject<ArgumentDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::argument::rawFilter, 1, com::readable, 0, 0, &ArgumentDispatch::rawFilter},
-        {bindings::argument::login, 2, com::readable, 0, 0, &ArgumentDispatch::login},
-        {bindings::argument::loginObj, 3, com::readable, 0, 0, &ArgumentDispatch::login},
-        {bindings::argument::dataSource, 4, com::readable, 0, 0, &ArgumentDispatch::dataSource},
-        {bindings::argument::action, 5, com::readable | com::writable, 0, 0, &ArgumentDispatch::action},
-        {bindings::argument::row, 6, com::readable, 0, 0, &ArgumentDispatch::row},
-        {bindings::argument::languageId, 7, com::readable, 0, 0, &ArgumentDispatch::languageId},
+        {bindings::argument::rawFilter, 1, automation::readable, 0, 0, &ArgumentDispatch::rawFilter},
+        {bindings::argument::login, 2, automation::readable, 0, 0, &ArgumentDispatch::login},
+        {bindings::argument::loginObj, 3, automation::readable, 0, 0, &ArgumentDispatch::login},
+        {bindings::argument::dataSource, 4, automation::readable, 0, 0, &ArgumentDispatch::dataSource},
+        {bindings::argument::action, 5, automation::readable | automation::writable, 0, 0, &ArgumentDispatch::action},
+        {bindings::argument::row, 6, automation::readable, 0, 0, &ArgumentDispatch::row},
+        {bindings::argument::languageId, 7, automation::readable, 0, 0, &ArgumentDispatch::languageId},
     };
     return table;
   }
@@ -357,7 +363,7 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
   Variant login(Call&) { return login_; }
   Variant dataSource(Call&) { return makeObject<DataSourceDispatch>(argument_); }
   Variant action(Call& call) {
-    if (call.assigns()) action_ = com::toText(call.assigned());
+    if (call.assigns()) action_ = automation::toText(call.assigned());
     return action_;
   }
   Variant row(Call&) { return row_; }
@@ -372,12 +378,12 @@ class ArgumentDispatch : public com::Automation<ArgumentDispatch> {
 };
 
 // The used years as a dictionary: the keys are "1", "2" and so on.
-class UsedYearsDispatch : public com::Automation<UsedYearsDispatch> {
+class UsedYearsDispatch : public automation::DispatchObject<UsedYearsDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Item", DISPID_VALUE, com::readable, 1, 1, &UsedYearsDispatch::item},
-        {bindings::public_component::dictionaryCount, 1, com::readable, 0, 0, &UsedYearsDispatch::count},
+        {L"Item", DISPID_VALUE, automation::readable, 1, 1, &UsedYearsDispatch::item},
+        {bindings::public_component::dictionaryCount, 1, automation::readable, 0, 0, &UsedYearsDispatch::count},
     };
     return table;
   }
@@ -398,24 +404,27 @@ class UsedYearsDispatch : public com::Automation<UsedYearsDispatch> {
 
 // IA_Pub.ClsIAPub over the connection that the caller passes. In the operations of all reports that is the one argument
 // that is an object, wherever it stands among the others, so that callers of either argument order are served.
-class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> {
+class PublicComponentDispatch : public automation::DispatchObject<PublicComponentDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::public_component::accountInformation, 1, com::callable, 3, 3,
+        {bindings::public_component::accountInformation, 1, automation::callable, 3, 3,
          &PublicComponentDispatch::accountInformation},
-        {bindings::public_component::currentPeriodYear, 2, com::callable, 1, 1,
+        {bindings::public_component::currentPeriodYear, 2, automation::callable, 1, 1,
          &PublicComponentDispatch::currentPeriodYear},
-        {bindings::public_component::costItemStartMonth, 3, com::callable, 2, 2,
+        {bindings::public_component::costItemStartMonth, 3, automation::callable, 2, 2,
          &PublicComponentDispatch::costItemStartMonth},
-        {bindings::public_component::usedYears, 4, com::callable, 2, 2, &PublicComponentDispatch::usedYears},
-        {bindings::public_component::costItemOpeningsFinished, 5, com::callable, 2, 2,
+        {bindings::public_component::usedYears, 4, automation::callable, 2, 2, &PublicComponentDispatch::usedYears},
+        {bindings::public_component::costItemOpeningsFinished, 5, automation::callable, 2, 2,
          &PublicComponentDispatch::costItemOpeningsFinished},
-        {bindings::public_component::moduleStart, 6, com::callable, 4, 4, &PublicComponentDispatch::moduleStart},
-        {bindings::public_component::datesOfPeriod, 7, com::callable, 6, 6, &PublicComponentDispatch::datesOfPeriod},
-        {bindings::public_component::periodOfDate, 8, com::callable, 4, 4, &PublicComponentDispatch::periodOfDate},
-        {bindings::public_component::periodSettled, 9, com::callable, 3, 3, &PublicComponentDispatch::periodSettled},
-        {bindings::public_component::workstationName, 10, com::callable, 0, 0,
+        {bindings::public_component::moduleStart, 6, automation::callable, 4, 4, &PublicComponentDispatch::moduleStart},
+        {bindings::public_component::datesOfPeriod, 7, automation::callable, 6, 6,
+         &PublicComponentDispatch::datesOfPeriod},
+        {bindings::public_component::periodOfDate, 8, automation::callable, 4, 4,
+         &PublicComponentDispatch::periodOfDate},
+        {bindings::public_component::periodSettled, 9, automation::callable, 3, 3,
+         &PublicComponentDispatch::periodSettled},
+        {bindings::public_component::workstationName, 10, automation::callable, 0, 0,
          &PublicComponentDispatch::workstationName},
     };
     return table;
@@ -426,7 +435,7 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
  private:
   // The arguments of a call, sorted into the connection and the texts in their order.
   struct Sorted {
-    com::AdoSession session;
+    component::AdoSession session;
     std::vector<std::string> texts;
   };
 
@@ -445,7 +454,7 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
       throw AutomationError(hresult::invalidArgument, sourceName(),
                             "One argument must be the connection to the account database, the others texts.");
     }
-    return {com::AdoSession({std::move(connection), "ADODB.Connection"}), std::move(texts)};
+    return {component::AdoSession({std::move(connection), "ADODB.Connection"}), std::move(texts)};
   }
 
   Variant accountInformation(Call& call) {
@@ -466,22 +475,22 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
   }
 
   // What the detail ledger asks. Results are written into variables behind the arguments that are read.
-  com::AdoSession sessionAt(Call& call, std::size_t index) const {
-    return com::AdoSession({call.object(index), "ADODB.Connection"});
+  component::AdoSession sessionAt(Call& call, std::size_t index) const {
+    return component::AdoSession({call.object(index), "ADODB.Connection"});
   }
   Variant costItemOpeningsFinished(Call& call) {
-    com::AdoSession session = sessionAt(call, 0);
+    component::AdoSession session = sessionAt(call, 0);
     return component_->costItemOpeningsFinished(call.integer(1), session);
   }
   Variant moduleStart(Call& call) {
-    com::AdoSession session = sessionAt(call, 1);
+    component::AdoSession session = sessionAt(call, 1);
     const AccountingPeriod start = component_->moduleStart(call.text(0), session);
     call.writeBack(2, Variant(start.month));
     call.writeBack(3, Variant(start.year));
     return {};
   }
   Variant datesOfPeriod(Call& call) {
-    com::AdoSession session = sessionAt(call, 0);
+    component::AdoSession session = sessionAt(call, 0);
     const PeriodDates dates =
         component_->datesOfPeriod(call.text(1), {.year = call.integer(2), .month = call.integer(3)}, session);
     call.writeBack(4, Variant::fromIsoDate(dates.begin));
@@ -489,14 +498,14 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
     return {};
   }
   Variant periodOfDate(Call& call) {
-    com::AdoSession session = sessionAt(call, 0);
+    component::AdoSession session = sessionAt(call, 0);
     const AccountingPeriod period = component_->periodOfDate(call.text(1), session);
     call.writeBack(2, Variant(period.year));
     call.writeBack(3, Variant(period.month));
     return {};
   }
   Variant periodSettled(Call& call) {
-    com::AdoSession session = sessionAt(call, 0);
+    component::AdoSession session = sessionAt(call, 0);
     return component_->periodSettled({.year = call.integer(1), .month = call.integer(2)}, session);
   }
   Variant workstationName(Call&) { return component_->workstationName(); }
@@ -506,13 +515,13 @@ class PublicComponentDispatch : public com::Automation<PublicComponentDispatch> 
 };
 
 // The late-bound half of the resource and message service.
-class ResourceMembers : public com::Automation<ResourceMembers> {
+class ResourceMembers : public automation::DispatchObject<ResourceMembers> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"EnumName", 1, com::callable, 2, 2, &ResourceMembers::enumName},
-        {L"Text", 2, com::callable, 1, 1, &ResourceMembers::text},
-        {L"ShowMessage", 3, com::callable, 1, 4, &ResourceMembers::showMessage},
+        {L"EnumName", 1, automation::callable, 2, 2, &ResourceMembers::enumName},
+        {L"Text", 2, automation::callable, 1, 1, &ResourceMembers::text},
+        {L"ShowMessage", 3, automation::callable, 1, 4, &ResourceMembers::showMessage},
     };
     return table;
   }
@@ -532,7 +541,7 @@ class ResourceMembers : public com::Automation<ResourceMembers> {
 };
 
 // The resource and message service as the dual interface by which the library calls it.
-class ResourceDispatch : public com::ComObject<bindings::IResourceService> {
+class ResourceDispatch : public automation::ComObject<bindings::IResourceService> {
  public:
   explicit ResourceDispatch(const std::shared_ptr<ResourceService>& service)
       : service_(service), lateBound_(makeObject<ResourceMembers>(service)) {}
@@ -558,14 +567,14 @@ class ResourceDispatch : public com::ComObject<bindings::IResourceService> {
   }
 
   STDMETHODIMP EnumName(BSTR type, BSTR code, BSTR* name) override {
-    return giveText(name, [&] { return service_->enumName(com::toUtf8(type), com::toUtf8(code)); });
+    return giveText(name, [&] { return service_->enumName(automation::toUtf8(type), automation::toUtf8(code)); });
   }
   STDMETHODIMP Text(BSTR key, BSTR* text) override {
-    return giveText(text, [&] { return service_->text(com::toUtf8(key)); });
+    return giveText(text, [&] { return service_->text(automation::toUtf8(key)); });
   }
   STDMETHODIMP ShowMessage(BSTR text, LONG flags, LONG /*helpContext*/, LONG /*defaultAnswer*/) override {
-    return com::guarded(bindings::resourceServiceId, source,
-                        [&] { service_->showMessage(com::toUtf8(text), static_cast<int>(flags)); });
+    return automation::guarded(bindings::resourceServiceId, source,
+                               [&] { service_->showMessage(automation::toUtf8(text), static_cast<int>(flags)); });
   }
   STDMETHODIMP FormatText(VARIANT keyOrLogin, VARIANT arguments, BSTR* text) override {
     return giveText(text, [&] { return formatted(keyOrLogin, arguments); });
@@ -579,30 +588,30 @@ class ResourceDispatch : public com::ComObject<bindings::IResourceService> {
   static HRESULT giveText(BSTR* result, Give give) {
     if (!result) return E_POINTER;
     *result = nullptr;
-    return com::guarded(bindings::resourceServiceId, source, [&] { *result = com::makeBstr(give()); });
+    return automation::guarded(bindings::resourceServiceId, source, [&] { *result = automation::makeBstr(give()); });
   }
 
   std::string formatted(const VARIANT& keyOrLogin, const VARIANT& arguments) const {
-    const Variant plain = com::dereferenced(keyOrLogin);
+    const Variant plain = automation::dereferenced(keyOrLogin);
     if (plain.vt == VT_DISPATCH) {
-      com::ComLogin login({com::toObject(plain), "login"});
+      component::ComLogin login({automation::toObject(plain), "login"});
       service_->takeLogin(login);
       return {};
     }
-    if (com::isMissing(arguments) || com::dereferenced(arguments).vt == VT_EMPTY)
-      return service_->text(com::toText(plain));
-    return service_->formattedText(com::toText(plain), com::toTexts(arguments));
+    if (automation::isMissing(arguments) || automation::dereferenced(arguments).vt == VT_EMPTY)
+      return service_->text(automation::toText(plain));
+    return service_->formattedText(automation::toText(plain), automation::toTexts(arguments));
   }
 
   std::shared_ptr<ResourceService> service_;
   ComPtr<ResourceMembers> lateBound_;
 };
 
-class NamingDispatch : public com::Automation<NamingDispatch> {
+class NamingDispatch : public automation::DispatchObject<NamingDispatch> {
  public:
   static std::span<const Member> members() {
-    static constexpr Member table[] = {
-        {L"Number", bindings::namingNumber, com::readable | com::callable, 0, 0, &NamingDispatch::number}};
+    static constexpr Member table[] = {{L"Number", bindings::namingNumber, automation::readable | automation::callable,
+                                        0, 0, &NamingDispatch::number}};
     return table;
   }
 
@@ -614,11 +623,11 @@ class NamingDispatch : public com::Automation<NamingDispatch> {
   Variant number_;
 };
 
-class UniqueNameDispatch : public com::Automation<UniqueNameDispatch> {
+class UniqueNameDispatch : public automation::DispatchObject<UniqueNameDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::uniqueName, DISPID_VALUE, com::readable, 0, 0, &UniqueNameDispatch::uniqueName}};
+        {bindings::uniqueName, DISPID_VALUE, automation::readable, 0, 0, &UniqueNameDispatch::uniqueName}};
     return table;
   }
 
@@ -631,11 +640,11 @@ class UniqueNameDispatch : public com::Automation<UniqueNameDispatch> {
 };
 
 // Gives an empty filter: nothing in the workbench is drilled through to from a summary report.
-class DrillThroughDispatch : public com::Automation<DrillThroughDispatch> {
+class DrillThroughDispatch : public automation::DispatchObject<DrillThroughDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::filterForLogin, 1, com::callable, 1, 2, &DrillThroughDispatch::filterForLogin}};
+        {bindings::filterForLogin, 1, automation::callable, 1, 2, &DrillThroughDispatch::filterForLogin}};
     return table;
   }
 
@@ -670,20 +679,20 @@ PlatformStandIn::PlatformStandIn(EmbeddedPlatform& platform, const std::shared_p
 }
 
 PlatformStandIn::PlatformStandIn(EmbeddedPlatform& platform)
-    : publicComponent_(com::classIdOf(bindings::publicComponent),
+    : publicComponent_(automation::classIdOf(bindings::publicComponent),
                        [&platform]() -> ComPtr<IUnknown> {
                          return makeObject<PublicComponentDispatch>(platform.createPublicComponent());
                        }),
       resourceService_(
-          com::classIdOf(bindings::resourceService),
+          automation::classIdOf(bindings::resourceService),
           [&platform]() -> ComPtr<IUnknown> { return makeObject<ResourceDispatch>(platform.createResourceService()); }),
-      naming_(com::classIdOf(bindings::naming),
+      naming_(automation::classIdOf(bindings::naming),
               [&platform]() -> ComPtr<IUnknown> { return makeObject<NamingDispatch>(platform.namingNumber()); }),
-      uniqueNames_(com::classIdOf(bindings::uniqueNames),
+      uniqueNames_(automation::classIdOf(bindings::uniqueNames),
                    [&platform]() -> ComPtr<IUnknown> {
                      return makeObject<UniqueNameDispatch>(platform.createUniqueNameSource());
                    }),
-      drillThrough_(com::classIdOf(bindings::drillThrough),
+      drillThrough_(automation::classIdOf(bindings::drillThrough),
                     []() -> ComPtr<IUnknown> { return makeObject<DrillThroughDispatch>(); }),
       environment_(platform),
       vouchers_(platform) {}

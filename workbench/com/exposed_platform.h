@@ -21,22 +21,22 @@ namespace quillon::workbench {
 // LangID. With `dialog`, which is on the argument's own filter, rawFilter is the dialog's filter object as well; an
 // argument without a filter has none. RelateData gives the argument's row by GetData(column), or the one that it was
 // told by TakeRow(recordset): the recordset's current row.
-com::ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument,
-                                      std::shared_ptr<FilterDialogObject> dialog = nullptr);
+automation::ComPtr<IDispatch> argumentObject(std::shared_ptr<WorkbenchArgument> argument,
+                                             std::shared_ptr<FilterDialogObject> dialog = nullptr);
 
 // The filter object: FilterList, GetWhereWithToken(token). FilterList(position or key) is an item: Name, varValue,
 // varValue2, strSqlString and LngGrouptoken read and written, RangeInput and IsMultSel read. An item stands for its
 // varValue, so FilterList(key) = value sets it.
-com::ComPtr<IDispatch> filterDispatch(std::shared_ptr<FilterObject> filter);
+automation::ComPtr<IDispatch> filterDispatch(std::shared_ptr<FilterObject> filter);
 
 // The filter object with its dialog side: Login, FilterId, DialogConnection, SetItemUnavailable(key, flag),
 // SetItemEnumeration(key, text), SetItemLookupCondition(key, "", condition), SetItemLookupConditionOfValue(key,
 // condition, flag); its items also have Caption, ListText and ListSource. What the dialog made of an item is read from
 // it: Available, Choices (as SetItemEnumeration takes them), LookupCondition.
-com::ComPtr<IDispatch> dialogDispatch(std::shared_ptr<FilterDialogObject> dialog);
+automation::ComPtr<IDispatch> dialogDispatch(std::shared_ptr<FilterDialogObject> dialog);
 
 // The login object.
-com::ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login);
+automation::ComPtr<IDispatch> loginObject(std::shared_ptr<Login> login);
 
 // Makes, in this thread's apartment and for as long as it lives, ADO's ProgIDs mean the embedded account and the
 // platform's ProgIDs (IA_Pub.ClsIAPub, resource and message service, naming, unique names, drill-through helper,
@@ -53,11 +53,11 @@ class PlatformStandIn {
 
  private:
   std::optional<EmbeddedAdo> ado_;
-  com::InProcessClass publicComponent_;
-  com::InProcessClass resourceService_;
-  com::InProcessClass naming_;
-  com::InProcessClass uniqueNames_;
-  com::InProcessClass drillThrough_;
+  automation::InProcessClass publicComponent_;
+  automation::InProcessClass resourceService_;
+  automation::InProcessClass naming_;
+  automation::InProcessClass uniqueNames_;
+  automation::InProcessClass drillThrough_;
   EnvironmentStandIn environment_;
   VoucherStandIn vouchers_;
 };

@@ -11,10 +11,10 @@ namespace quillon::workbench {
 
 // `Self` has a static member `ownId`, an interface id that nobody else's objects answer to.
 template <class Self>
-class OwnObject : public com::Automation<Self> {
+class OwnObject : public automation::DispatchObject<Self> {
  public:
   STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-    if (!object || id != Self::ownId) return com::Automation<Self>::QueryInterface(id, object);
+    if (!object || id != Self::ownId) return automation::DispatchObject<Self>::QueryInterface(id, object);
     *object = static_cast<Self*>(this);
     this->AddRef();
     return S_OK;
@@ -22,13 +22,14 @@ class OwnObject : public com::Automation<Self> {
 
   // The object behind an automation reference. Throws AutomationError (invalid argument) from `source` when it is not
   // one of these; `wanted` names what it should be.
-  static com::ComPtr<Self> from(const com::ComPtr<IDispatch>& object, const char* source, std::string_view wanted) {
+  static automation::ComPtr<Self> from(const automation::ComPtr<IDispatch>& object, const char* source,
+                                       std::string_view wanted) {
     void* found = nullptr;
     if (!object || FAILED(object->QueryInterface(Self::ownId, &found))) {
       throw AutomationError(hresult::invalidArgument, source,
                             "This call needs " + std::string(wanted) + " that this platform made.");
     }
-    return com::ComPtr<Self>::adopt(static_cast<Self*>(found));
+    return automation::ComPtr<Self>::adopt(static_cast<Self*>(found));
   }
 };
 

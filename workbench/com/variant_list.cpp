@@ -48,7 +48,7 @@ STDMETHODIMP VariantList::Clone(IEnumVARIANT** copy) {
   if (!copy) return E_POINTER;
   *copy = nullptr;
   try {
-    com::ComPtr<VariantList> list = com::makeObject<VariantList>(values_);
+    automation::ComPtr<VariantList> list = automation::makeObject<VariantList>(values_);
     list->position_ = position_;
     *copy = list.release();
     return S_OK;
@@ -61,7 +61,7 @@ namespace {
 
 constexpr const char* collectionSource = "Quillon collection";
 
-com::Variant itemAt(com::Call& call, const std::vector<com::Variant>& values) {
+automation::Variant itemAt(automation::Call& call, const std::vector<automation::Variant>& values) {
   const int position = call.integer(0);
   if (position < 1 || static_cast<std::size_t>(position) > values.size()) {
     throw AutomationError(DISP_E_BADINDEX, collectionSource,
@@ -71,38 +71,38 @@ com::Variant itemAt(com::Call& call, const std::vector<com::Variant>& values) {
   return values[static_cast<std::size_t>(position) - 1];
 }
 
-class Collection : public com::Automation<Collection> {
+class Collection : public automation::DispatchObject<Collection> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Item", DISPID_VALUE, com::readable, 1, 1, &Collection::item},
-        {L"Count", 1, com::readable, 0, 0, &Collection::count},
-        {L"_NewEnum", DISPID_NEWENUM, com::readable | com::callable, 0, 0, &Collection::each},
+        {L"Item", DISPID_VALUE, automation::readable, 1, 1, &Collection::item},
+        {L"Count", 1, automation::readable, 0, 0, &Collection::count},
+        {L"_NewEnum", DISPID_NEWENUM, automation::readable | automation::callable, 0, 0, &Collection::each},
     };
     return table;
   }
 
-  explicit Collection(std::vector<com::Variant> values) : values_(std::move(values)) {}
+  explicit Collection(std::vector<automation::Variant> values) : values_(std::move(values)) {}
 
  private:
-  com::Variant item(com::Call& call) { return itemAt(call, values_); }
-  com::Variant count(com::Call&) { return static_cast<int>(values_.size()); }
-  com::Variant each(com::Call&) { return enumeratorOf(values_); }
+  automation::Variant item(automation::Call& call) { return itemAt(call, values_); }
+  automation::Variant count(automation::Call&) { return static_cast<int>(values_.size()); }
+  automation::Variant each(automation::Call&) { return enumeratorOf(values_); }
   const char* sourceName() const override { return collectionSource; }
 
-  std::vector<com::Variant> values_;
+  std::vector<automation::Variant> values_;
 };
 
 }  // namespace
 
-com::Variant collectionMember(com::Call& call, const std::vector<com::Variant>& values) {
+automation::Variant collectionMember(automation::Call& call, const std::vector<automation::Variant>& values) {
   if (call.given(0)) return itemAt(call, values);
-  return com::makeObject<Collection>(values);
+  return automation::makeObject<Collection>(values);
 }
 
-com::Variant enumeratorOf(std::vector<com::Variant> values) {
-  com::Variant result;
-  result.punkVal = com::makeObject<VariantList>(std::move(values)).release();
+automation::Variant enumeratorOf(std::vector<automation::Variant> values) {
+  automation::Variant result;
+  result.punkVal = automation::makeObject<VariantList>(std::move(values)).release();
   result.vt = VT_UNKNOWN;
   return result;
 }

@@ -9,9 +9,9 @@
 
 namespace quillon::workbench {
 
-class VariantList : public com::ComObject<IEnumVARIANT> {
+class VariantList : public automation::ComObject<IEnumVARIANT> {
  public:
-  explicit VariantList(std::vector<com::Variant> values) : values_(std::move(values)) {}
+  explicit VariantList(std::vector<automation::Variant> values) : values_(std::move(values)) {}
 
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
   STDMETHODIMP Next(ULONG count, VARIANT* values, ULONG* fetched) override;
@@ -20,16 +20,16 @@ class VariantList : public com::ComObject<IEnumVARIANT> {
   STDMETHODIMP Clone(IEnumVARIANT** copy) override;
 
  private:
-  std::vector<com::Variant> values_;
+  std::vector<automation::Variant> values_;
   std::size_t position_ = 0;
 };
 
 // What a collection's member with DISPID_NEWENUM gives.
-com::Variant enumeratorOf(std::vector<com::Variant> values);
+automation::Variant enumeratorOf(std::vector<automation::Variant> values);
 
 // What a member gives that stands for a collection of these values. Called without an argument: the collection, with
 // Item (from 1; the default member), Count, and what "For Each" asks for. With one: that item, as Basic writes it.
 // Throws AutomationError (bad index) for an item that there is not.
-com::Variant collectionMember(com::Call& call, const std::vector<com::Variant>& values);
+automation::Variant collectionMember(automation::Call& call, const std::vector<automation::Variant>& values);
 
 }  // namespace quillon::workbench

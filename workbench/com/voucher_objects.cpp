@@ -15,20 +15,20 @@
 
 namespace quillon::workbench {
 
-using com::Call;
-using com::ComPtr;
-using com::makeObject;
-using com::Variant;
-namespace bindings = com::bindings;
+using automation::Call;
+using automation::ComPtr;
+using automation::makeObject;
+using automation::Variant;
+namespace bindings = component::bindings;
 
 namespace {
 
-com::AdoSession sessionAt(Call& call, std::size_t index) {
-  return com::AdoSession({call.object(index), "ADODB.Connection"});
+component::AdoSession sessionAt(Call& call, std::size_t index) {
+  return component::AdoSession({call.object(index), "ADODB.Connection"});
 }
 
-com::ComLogin loginOf(ComPtr<IDispatch> object) {
-  return com::ComLogin({std::move(object), "login"});
+component::ComLogin loginOf(ComPtr<IDispatch> object) {
+  return component::ComLogin({std::move(object), "login"});
 }
 
 // The document that the arguments of a call name by type code, voucher code and row id.
@@ -36,16 +36,17 @@ SourceVoucher voucherOf(Call& call) {
   return {.type = call.text(0), .code = call.text(1), .lineId = call.integer(2)};
 }
 
-class SourceVoucherDispatch : public com::Automation<SourceVoucherDispatch> {
+class SourceVoucherDispatch : public automation::DispatchObject<SourceVoucherDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::source_voucher::initialise, 1, com::callable, 3, 3, &SourceVoucherDispatch::initialise},
-        {bindings::source_voucher::show, 2, com::callable, 4, 4, &SourceVoucherDispatch::show},
-        {bindings::source_voucher::showCostItemAdjustment, 3, com::callable, 2, 2,
+        {bindings::source_voucher::initialise, 1, automation::callable, 3, 3, &SourceVoucherDispatch::initialise},
+        {bindings::source_voucher::show, 2, automation::callable, 4, 4, &SourceVoucherDispatch::show},
+        {bindings::source_voucher::showCostItemAdjustment, 3, automation::callable, 2, 2,
          &SourceVoucherDispatch::showCostItemAdjustment},
-        {bindings::source_voucher::showDifferences, 4, com::callable, 6, 6, &SourceVoucherDispatch::showDifferences},
-        {bindings::source_voucher::showPriceAdjustment, 5, com::callable, 1, 1,
+        {bindings::source_voucher::showDifferences, 4, automation::callable, 6, 6,
+         &SourceVoucherDispatch::showDifferences},
+        {bindings::source_voucher::showPriceAdjustment, 5, automation::callable, 1, 1,
          &SourceVoucherDispatch::showPriceAdjustment},
     };
     return table;
@@ -56,24 +57,24 @@ class SourceVoucherDispatch : public com::Automation<SourceVoucherDispatch> {
 
  private:
   Variant initialise(Call& call) {
-    com::ComLogin login = loginOf(call.object(0));
+    component::ComLogin login = loginOf(call.object(0));
     session_.emplace(sessionAt(call, 1));
     component_->initialise(login, *session_, call.text(2));
     return {};
   }
   // All groups of voucher types are shown alike.
   Variant show(Call& call) {
-    com::AdoSession session = sessionAt(call, 3);
+    component::AdoSession session = sessionAt(call, 3);
     component_->showVoucher(VoucherGroup::other, voucherOf(call), session);
     return {};
   }
   Variant showCostItemAdjustment(Call& call) {
-    com::AdoSession session = sessionAt(call, 0);
+    component::AdoSession session = sessionAt(call, 0);
     component_->showCostItemAdjustment({.type = {}, .code = {}, .lineId = call.integer(1)}, session);
     return {};
   }
   Variant showDifferences(Call& call) {
-    com::AdoSession session = sessionAt(call, 3);
+    component::AdoSession session = sessionAt(call, 3);
     component_->showDifferences(voucherOf(call), call.flag(4), call.text(5), session);
     return {};
   }
@@ -84,7 +85,7 @@ class SourceVoucherDispatch : public com::Automation<SourceVoucherDispatch> {
   const char* sourceName() const override { return "PellUniVch.clsUniVch"; }
 
   std::unique_ptr<SourceVoucherComponent> component_;
-  std::optional<com::AdoSession> session_;  // the component reads through it later
+  std::optional<component::AdoSession> session_;  // the component reads through it later
 };
 
 class LedgerModuleDispatch : public OwnObject<LedgerModuleDispatch> {
@@ -93,9 +94,9 @@ class LedgerModuleDispatch : public OwnObject<LedgerModuleDispatch> {
 
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::ledger_module::business, 1, com::writable, 0, 0, &LedgerModuleDispatch::business},
-        {bindings::ledger_module::login, 2, com::writable, 0, 0, &LedgerModuleDispatch::login},
-        {bindings::ledger_module::initialise, 3, com::callable, 5, 5, &LedgerModuleDispatch::initialise},
+        {bindings::ledger_module::business, 1, automation::writable, 0, 0, &LedgerModuleDispatch::business},
+        {bindings::ledger_module::login, 2, automation::writable, 0, 0, &LedgerModuleDispatch::login},
+        {bindings::ledger_module::initialise, 3, automation::callable, 5, 5, &LedgerModuleDispatch::initialise},
     };
     return table;
   }
@@ -106,12 +107,12 @@ class LedgerModuleDispatch : public OwnObject<LedgerModuleDispatch> {
 
  private:
   Variant business(Call& call) {
-    business_.emplace(com::toObject(call.assigned()));
+    business_.emplace(automation::toObject(call.assigned()));
     module_->setBusiness(*business_);
     return {};
   }
   Variant login(Call& call) {
-    login_.emplace(loginOf(com::toObject(call.assigned())));
+    login_.emplace(loginOf(automation::toObject(call.assigned())));
     module_->setLogin(*login_);
     return {};
   }
@@ -124,17 +125,17 @@ class LedgerModuleDispatch : public OwnObject<LedgerModuleDispatch> {
   const char* sourceName() const override { return "ZzPub.clsPub"; }
 
   std::unique_ptr<LedgerModule> module_;
-  std::optional<com::ComBusinessObject> business_;
-  std::optional<com::ComLogin> login_;
+  std::optional<component::ComBusinessObject> business_;
+  std::optional<component::ComLogin> login_;
 };
 
-class LedgerVoucherDispatch : public com::Automation<LedgerVoucherDispatch> {
+class LedgerVoucherDispatch : public automation::DispatchObject<LedgerVoucherDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::ledger_voucher::login, 1, com::writable, 0, 0, &LedgerVoucherDispatch::login},
-        {bindings::ledger_voucher::module, 2, com::writable, 0, 0, &LedgerVoucherDispatch::module},
-        {bindings::ledger_voucher::open, 3, com::callable, 3, 3, &LedgerVoucherDispatch::open},
+        {bindings::ledger_voucher::login, 1, automation::writable, 0, 0, &LedgerVoucherDispatch::login},
+        {bindings::ledger_voucher::module, 2, automation::writable, 0, 0, &LedgerVoucherDispatch::module},
+        {bindings::ledger_voucher::open, 3, automation::callable, 3, 3, &LedgerVoucherDispatch::open},
     };
     return table;
   }
@@ -144,12 +145,12 @@ class LedgerVoucherDispatch : public com::Automation<LedgerVoucherDispatch> {
 
  private:
   Variant login(Call& call) {
-    login_.emplace(loginOf(com::toObject(call.assigned())));
+    login_.emplace(loginOf(automation::toObject(call.assigned())));
     component_->setLogin(*login_);
     return {};
   }
   Variant module(Call& call) {
-    module_ = LedgerModuleDispatch::from(com::toObject(call.assigned()), sourceName(), "a ZzPub.clsPub");
+    module_ = LedgerModuleDispatch::from(automation::toObject(call.assigned()), sourceName(), "a ZzPub.clsPub");
     component_->setModule(module_->module());
     return {};
   }
@@ -160,20 +161,20 @@ class LedgerVoucherDispatch : public com::Automation<LedgerVoucherDispatch> {
   const char* sourceName() const override { return "ZzPz.clsPZ"; }
 
   ComPtr<LedgerModuleDispatch> module_;  // before the component, which refers to it
-  std::optional<com::ComLogin> login_;
+  std::optional<component::ComLogin> login_;
   std::unique_ptr<LedgerVoucherComponent> component_;
 };
 
-class OpenedVoucherDispatch : public com::Automation<OpenedVoucherDispatch> {
+class OpenedVoucherDispatch : public automation::DispatchObject<OpenedVoucherDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Text", DISPID_VALUE, com::readable, 0, 0, &OpenedVoucherDispatch::text},
-        {L"Member", 1, com::readable, 0, 0, &OpenedVoucherDispatch::member},
-        {L"Title", 2, com::readable, 0, 0, &OpenedVoucherDispatch::title},
-        {L"Heading", 3, com::readable | com::callable, 1, 1, &OpenedVoucherDispatch::heading},
-        {L"LineCount", 4, com::readable, 0, 0, &OpenedVoucherDispatch::lineCount},
-        {L"Line", 5, com::readable | com::callable, 2, 2, &OpenedVoucherDispatch::line},
+        {L"Text", DISPID_VALUE, automation::readable, 0, 0, &OpenedVoucherDispatch::text},
+        {L"Member", 1, automation::readable, 0, 0, &OpenedVoucherDispatch::member},
+        {L"Title", 2, automation::readable, 0, 0, &OpenedVoucherDispatch::title},
+        {L"Heading", 3, automation::readable | automation::callable, 1, 1, &OpenedVoucherDispatch::heading},
+        {L"LineCount", 4, automation::readable, 0, 0, &OpenedVoucherDispatch::lineCount},
+        {L"Line", 5, automation::readable | automation::callable, 2, 2, &OpenedVoucherDispatch::line},
     };
     return table;
   }
@@ -226,12 +227,12 @@ class OpenedVoucherDispatch : public com::Automation<OpenedVoucherDispatch> {
   Language language_;
 };
 
-class MessageDispatch : public com::Automation<MessageDispatch> {
+class MessageDispatch : public automation::DispatchObject<MessageDispatch> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Text", DISPID_VALUE, com::readable, 0, 0, &MessageDispatch::text},
-        {L"Flags", 1, com::readable, 0, 0, &MessageDispatch::flags},
+        {L"Text", DISPID_VALUE, automation::readable, 0, 0, &MessageDispatch::text},
+        {L"Flags", 1, automation::readable, 0, 0, &MessageDispatch::flags},
     };
     return table;
   }
@@ -250,13 +251,13 @@ class MessageDispatch : public com::Automation<MessageDispatch> {
 
 VoucherStandIn::VoucherStandIn(EmbeddedPlatform& platform)
     : sourceVoucher_(
-          com::classIdOf(bindings::sourceVoucher),
+          automation::classIdOf(bindings::sourceVoucher),
           [&platform]() -> ComPtr<IUnknown> { return sourceVoucherObject(platform.createSourceVoucherComponent()); }),
-      ledgerModule_(com::classIdOf(bindings::ledgerModule),
+      ledgerModule_(automation::classIdOf(bindings::ledgerModule),
                     [&platform]() -> ComPtr<IUnknown> {
                       return makeObject<LedgerModuleDispatch>(platform.createLedgerModule());
                     }),
-      ledgerVoucher_(com::classIdOf(bindings::ledgerVoucher), [&platform]() -> ComPtr<IUnknown> {
+      ledgerVoucher_(automation::classIdOf(bindings::ledgerVoucher), [&platform]() -> ComPtr<IUnknown> {
         return makeObject<LedgerVoucherDispatch>(platform.createLedgerVoucherComponent());
       }) {}
 

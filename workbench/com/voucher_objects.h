@@ -18,19 +18,19 @@ class VoucherStandIn {
   explicit VoucherStandIn(EmbeddedPlatform& platform);
 
  private:
-  com::InProcessClass sourceVoucher_;
-  com::InProcessClass ledgerModule_;
-  com::InProcessClass ledgerVoucher_;
+  automation::InProcessClass sourceVoucher_;
+  automation::InProcessClass ledgerModule_;
+  automation::InProcessClass ledgerVoucher_;
 };
 
 // PellUniVch.clsUniVch over a component. It takes the lists of arguments that the library passes.
-com::ComPtr<IDispatch> sourceVoucherObject(std::unique_ptr<SourceVoucherComponent> component);
+automation::ComPtr<IDispatch> sourceVoucherObject(std::unique_ptr<SourceVoucherComponent> component);
 
 // An opened document for scripts: Member (of the component that was called), Title, Heading(name) and Line(number,
 // name), the values of its fields as texts, LineCount, and Text, all of it as it may be shown.
-com::ComPtr<IDispatch> openedVoucherObject(OpenedVoucher voucher, Language language);
+automation::ComPtr<IDispatch> openedVoucherObject(OpenedVoucher voucher, Language language);
 
 // A message for scripts: Text (its default member) and Flags.
-com::ComPtr<IDispatch> messageObject(std::string text, int flags);
+automation::ComPtr<IDispatch> messageObject(std::string text, int flags);
 
 }  // namespace quillon::workbench

@@ -10,9 +10,9 @@
 
 namespace quillon::workbench {
 
-using com::Call;
-using com::Variant;
-namespace bindings = com::bindings;
+using automation::Call;
+using automation::Variant;
+namespace bindings = component::bindings;
 
 namespace {
 
@@ -22,7 +22,7 @@ AutomationError refusal(HResult code, std::string description) {
 
 // The machine's own ADO.
 std::shared_ptr<Session> newSession() {
-  return std::make_shared<com::AdoSession>(com::createObject(bindings::connection));
+  return std::make_shared<component::AdoSession>(automation::createObject(bindings::connection));
 }
 
 // Runs `action`; what the workbench refuses in its own words reaches the script with them.
@@ -50,29 +50,29 @@ std::shared_ptr<AccountSession> watchedSession(const std::shared_ptr<SessionMoni
 
 auto WorkbenchPlatform::members() -> std::span<const Member> {
   static constexpr Member table[] = {
-      {L"Language", 1, com::readable | com::writable, 0, 0, &WorkbenchPlatform::language},
-      {L"OpenAccount", 2, com::callable, 1, 1, &WorkbenchPlatform::openAccount},
-      {L"NewArgument", 3, com::callable, 1, 1, &WorkbenchPlatform::newArgument},
-      {L"Query", 4, com::callable, 1, 1, &WorkbenchPlatform::query},
-      {L"FailureNumber", 5, com::readable, 0, 0, &WorkbenchPlatform::failureNumber},
-      {L"FailureText", 6, com::readable, 0, 0, &WorkbenchPlatform::failureText},
-      {L"FailureStatement", 7, com::readable, 0, 0, &WorkbenchPlatform::failureStatement},
-      {L"LiveObjects", 8, com::readable, 0, 0, &WorkbenchPlatform::liveObjects},
-      {L"NewDialog", 9, com::callable, 1, 1, &WorkbenchPlatform::newDialog},
-      {L"Messages", 10, com::readable | com::callable, 0, 1, &WorkbenchPlatform::messages},
-      {L"Vouchers", 11, com::readable | com::callable, 0, 1, &WorkbenchPlatform::vouchers},
+      {L"Language", 1, automation::readable | automation::writable, 0, 0, &WorkbenchPlatform::language},
+      {L"OpenAccount", 2, automation::callable, 1, 1, &WorkbenchPlatform::openAccount},
+      {L"NewArgument", 3, automation::callable, 1, 1, &WorkbenchPlatform::newArgument},
+      {L"Query", 4, automation::callable, 1, 1, &WorkbenchPlatform::query},
+      {L"FailureNumber", 5, automation::readable, 0, 0, &WorkbenchPlatform::failureNumber},
+      {L"FailureText", 6, automation::readable, 0, 0, &WorkbenchPlatform::failureText},
+      {L"FailureStatement", 7, automation::readable, 0, 0, &WorkbenchPlatform::failureStatement},
+      {L"LiveObjects", 8, automation::readable, 0, 0, &WorkbenchPlatform::liveObjects},
+      {L"NewDialog", 9, automation::callable, 1, 1, &WorkbenchPlatform::newDialog},
+      {L"Messages", 10, automation::readable | automation::callable, 0, 1, &WorkbenchPlatform::messages},
+      {L"Vouchers", 11, automation::readable | automation::callable, 0, 1, &WorkbenchPlatform::vouchers},
   };
   return table;
 }
 
-com::AdoSession& WorkbenchPlatform::account() {
+component::AdoSession& WorkbenchPlatform::account() {
   if (!account_) throw refusal(hresult::unexpected, "No account is open: call OpenAccount with an account file first.");
   return *account_;
 }
 
 Variant WorkbenchPlatform::language(Call& call) {
   if (call.assigns()) {
-    const std::string wanted = com::toText(call.assigned());
+    const std::string wanted = automation::toText(call.assigned());
     if (wanted != "zh" && wanted != "en") {
       throw refusal(hresult::invalidArgument, "The language \"" + wanted + "\" is not known: use \"zh\" or \"en\".");
     }
@@ -110,7 +110,7 @@ Variant WorkbenchPlatform::openAccount(Call& call) {
     standIn_.emplace(*platform_, failures_);
   }
   try {
-    com::AdoSession session(com::createObject(bindings::connection));
+    component::AdoSession session(automation::createObject(bindings::connection));
     // So that a recordset of Query counts its rows and outlives the next query.
     session.setCursorLocation(CursorLocation::client);
     session.setConnectionString(source_.connectionString());
@@ -154,7 +154,7 @@ Variant WorkbenchPlatform::newDialog(Call& call) {
 }
 
 Variant WorkbenchPlatform::query(Call& call) {
-  const com::LateBound connection(account().connection(), "ADODB.Connection");
+  const automation::LateBound connection(account().connection(), "ADODB.Connection");
   return connection.object(bindings::ado::execute, "ADODB.Recordset", {call.text(0)}).object();
 }
 
@@ -179,7 +179,7 @@ Variant WorkbenchPlatform::vouchers(Call& call) {
 }
 
 Variant WorkbenchPlatform::liveObjects(Call&) {
-  return static_cast<int>(com::LiveCount::value());
+  return static_cast<int>(automation::LiveCount::value());
 }
 
 }  // namespace quillon::workbench

@@ -32,8 +32,8 @@ class FailureKeeper final : public SessionMonitor {
 
 // Keeps what the user was told and shown, for scripts to read.
 struct ShownToUser {
-  std::vector<com::Variant> messages;
-  std::vector<com::Variant> vouchers;
+  std::vector<automation::Variant> messages;
+  std::vector<automation::Variant> vouchers;
 };
 
 // Its members:
@@ -51,25 +51,25 @@ struct ShownToUser {
 // - Messages, Vouchers: collections of what reports and dialogs told the user and of the documents that they opened, in
 //   order, since the account was opened (objects of voucher_objects.h).
 // - LiveObjects: how many of the workbench's automation objects are alive.
-class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
+class WorkbenchPlatform : public automation::DispatchObject<WorkbenchPlatform> {
  public:
   static std::span<const Member> members();
 
  private:
-  com::Variant language(com::Call& call);
-  com::Variant openAccount(com::Call& call);
-  com::Variant newArgument(com::Call& call);
-  com::Variant newDialog(com::Call& call);
-  com::Variant query(com::Call& call);
-  com::Variant failureNumber(com::Call& call);
-  com::Variant failureText(com::Call& call);
-  com::Variant failureStatement(com::Call& call);
-  com::Variant messages(com::Call& call);
-  com::Variant vouchers(com::Call& call);
-  com::Variant liveObjects(com::Call& call);
+  automation::Variant language(automation::Call& call);
+  automation::Variant openAccount(automation::Call& call);
+  automation::Variant newArgument(automation::Call& call);
+  automation::Variant newDialog(automation::Call& call);
+  automation::Variant query(automation::Call& call);
+  automation::Variant failureNumber(automation::Call& call);
+  automation::Variant failureText(automation::Call& call);
+  automation::Variant failureStatement(automation::Call& call);
+  automation::Variant messages(automation::Call& call);
+  automation::Variant vouchers(automation::Call& call);
+  automation::Variant liveObjects(automation::Call& call);
   const char* sourceName() const override { return "QuillonWorkbench.Platform"; }
 
-  com::AdoSession& account();
+  component::AdoSession& account();
 
   Language language_ = Language::chinese;
   std::shared_ptr<FailureKeeper> failures_ = std::make_shared<FailureKeeper>();
@@ -77,7 +77,7 @@ class WorkbenchPlatform : public com::Automation<WorkbenchPlatform> {
   AccountSource source_;
   std::unique_ptr<EmbeddedPlatform> platform_;
   std::optional<PlatformStandIn> standIn_;
-  std::optional<com::AdoSession> account_;  // open
+  std::optional<component::AdoSession> account_;  // open
 };
 
 }  // namespace quillon::workbench

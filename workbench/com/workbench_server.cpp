@@ -35,7 +35,7 @@ void check(LSTATUS status) {
   const HRESULT code = HRESULT_FROM_WIN32(static_cast<DWORD>(status));
   throw AutomationError(
       code, "QuillonWorkbench",
-      "The registry refuses the class: " + com::systemMessage(code) + " Register with administrator rights.");
+      "The registry refuses the class: " + automation::systemMessage(code) + " Register with administrator rights.");
 }
 
 void writeValue(const std::wstring& key, const wchar_t* name, const std::wstring& value) {
@@ -64,8 +64,8 @@ void unregisterClass() {
   removeKey(platformClassKey);
 }
 
-com::ComPtr<IUnknown> makePlatform() {
-  return com::makeObject<workbench::WorkbenchPlatform>();
+automation::ComPtr<IUnknown> makePlatform() {
+  return automation::makeObject<workbench::WorkbenchPlatform>();
 }
 
 }  // namespace
@@ -85,23 +85,23 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
   *object = nullptr;
   if (classId != platformClass) return CLASS_E_CLASSNOTAVAILABLE;
   HRESULT code = E_UNEXPECTED;
-  const HRESULT made = com::guarded(IID_IClassFactory, "QuillonWorkbench", [&] {
-    code = com::makeObject<com::ClassFactory>(makePlatform)->QueryInterface(interfaceId, object);
+  const HRESULT made = automation::guarded(IID_IClassFactory, "QuillonWorkbench", [&] {
+    code = automation::makeObject<automation::ClassFactory>(makePlatform)->QueryInterface(interfaceId, object);
   });
   return FAILED(made) ? made : code;
 }
 
 // A platform with an account keeps its class objects alive, and they count as objects.
 STDAPI DllCanUnloadNow() {
-  return com::LiveCount::value() == 0 && com::ClassFactory::locks() == 0 ? S_OK : S_FALSE;
+  return automation::LiveCount::value() == 0 && automation::ClassFactory::locks() == 0 ? S_OK : S_FALSE;
 }
 
 STDAPI DllRegisterServer() {
-  return com::guarded(IID_NULL, "QuillonWorkbench", registerClass);
+  return automation::guarded(IID_NULL, "QuillonWorkbench", registerClass);
 }
 
 STDAPI DllUnregisterServer() {
-  return com::guarded(IID_NULL, "QuillonWorkbench", unregisterClass);
+  return automation::guarded(IID_NULL, "QuillonWorkbench", unregisterClass);
 }
 
 }  // extern "C"

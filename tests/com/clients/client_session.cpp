@@ -5,7 +5,7 @@
 
 #include "frame/automation_error.h"
 
-namespace quillon::com::test {
+namespace quillon::automation::test {
 namespace {
 
 // The ledger lines of sales issues, settled by issue or by invoice.
@@ -143,4 +143,4 @@ int runSession(VoucherReportClasses& classes, int argumentCount, char** argument
   }
 }
 
-}  // namespace quillon::com::test
+}  // namespace quillon::automation::test

@@ -7,7 +7,7 @@
 
 #include "automation/late_bound.h"
 
-namespace quillon::com::test {
+namespace quillon::automation::test {
 
 // The voucher report's two classes, as a client calls them. All members throw AutomationError.
 class VoucherReportClasses {
@@ -41,4 +41,4 @@ class VoucherReportClasses {
 // status; what went wrong is told on standard error.
 int runSession(VoucherReportClasses& classes, int argumentCount, char** arguments);
 
-}  // namespace quillon::com::test
+}  // namespace quillon::automation::test

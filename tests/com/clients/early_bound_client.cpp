@@ -8,7 +8,7 @@
 #include "tests/automation/com_scope.h"
 #include "tests/com/clients/client_session.h"
 
-namespace quillon::com::test {
+namespace quillon::automation::test {
 namespace {
 
 constexpr const char* source = "early-bound client";
@@ -119,10 +119,10 @@ class EarlyBoundClasses final : public VoucherReportClasses {
 };
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::automation::test
 
 int main(int argumentCount, char** arguments) {
-  const quillon::com::test::ComScope apartment;
-  quillon::com::test::EarlyBoundClasses classes;
-  return quillon::com::test::runSession(classes, argumentCount, arguments);
+  const quillon::automation::test::ComScope apartment;
+  quillon::automation::test::EarlyBoundClasses classes;
+  return quillon::automation::test::runSession(classes, argumentCount, arguments);
 }

@@ -5,7 +5,7 @@
 #include "tests/automation/com_scope.h"
 #include "tests/com/clients/client_session.h"
 
-namespace quillon::com::test {
+namespace quillon::automation::test {
 namespace {
 
 LateBound newObject(const wchar_t* progId) {
@@ -55,10 +55,10 @@ class LateBoundClasses final : public VoucherReportClasses {
 };
 
 }  // namespace
-}  // namespace quillon::com::test
+}  // namespace quillon::automation::test
 
 int main(int argumentCount, char** arguments) {
-  const quillon::com::test::ComScope apartment;
-  quillon::com::test::LateBoundClasses classes;
-  return quillon::com::test::runSession(classes, argumentCount, arguments);
+  const quillon::automation::test::ComScope apartment;
+  quillon::automation::test::LateBoundClasses classes;
+  return quillon::automation::test::runSession(classes, argumentCount, arguments);
 }

@@ -24,8 +24,8 @@
 namespace quillon::faults {
 namespace {
 
-using com::ComPtr;
-using com::Variant;
+using automation::ComPtr;
+using automation::Variant;
 using workbench::RowValues;
 using workbench::WorkbenchArgument;
 
@@ -51,8 +51,8 @@ ComPtr<Interface> create(ComThread& thread, Ending& ending) {
   ComPtr<Interface> instance = thread.library.create<Interface>(__uuidof(Class), &code);
   if (FAILED(code)) {
     ComPtr<IErrorInfo> info;
-    com::Bstr source;
-    com::Bstr description;
+    automation::Bstr source;
+    automation::Bstr description;
     if (GetErrorInfo(0, info.out()) == S_OK) {
       static_cast<void>(info->GetSource(source.out()));
       static_cast<void>(info->GetDescription(description.out()));
@@ -71,8 +71,9 @@ Ending callReport(ComThread& thread, HRESULT (STDMETHODCALLTYPE Interface::*earl
   if (!instance) return ending;
   IDispatch* reference = e.get();
   if (earlyBound(failAt)) return endingOf((instance.get()->*early)(&reference), *instance, __uuidof(Interface));
-  return lateBound(
-      [&] { com::LateBound(ComPtr<IDispatch>(instance), "report").call(late, {Variant::reference(reference)}); });
+  return lateBound([&] {
+    automation::LateBound(ComPtr<IDispatch>(instance), "report").call(late, {Variant::reference(reference)});
+  });
 }
 
 // --- Reports ------------------------------------------------------------------------------------------------------------
@@ -106,13 +107,13 @@ class ReportTrials {
       expected = cleanRun(thread);
     }
     const std::size_t calls = border_.calls().size();
-    const com::test::QuillonLibrary library;
+    const component::test::QuillonLibrary library;
     Tally tally(subject_, "calls");
     for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
       tally.fault([&] {
         surviveFailure(failAt, expected);
         EXPECT_EQ(border_.held, 0) << "an object of the platform is left over";
-        EXPECT_EQ(com::LiveCount::value(), 0) << "an object of the platform is left over";
+        EXPECT_EQ(automation::LiveCount::value(), 0) << "an object of the platform is left over";
         EXPECT_EQ(library.canUnload(), S_OK);
       });
     }
@@ -253,7 +254,7 @@ void surviveDrillThrough(const std::string& subject, const RowValues& row, const
   };
   expectShown();
   const std::size_t calls = border.calls().size();
-  const long alive = com::LiveCount::value();
+  const long alive = automation::LiveCount::value();
   Tally tally(subject, "calls");
   for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
     tally.fault([&] {
@@ -268,7 +269,7 @@ void surviveDrillThrough(const std::string& subject, const RowValues& row, const
       EXPECT_EQ(thread.library.canUnload(), S_OK);
       EXPECT_EQ(border.held, 0);
       expectShown();
-      EXPECT_EQ(com::LiveCount::value(), alive);
+      EXPECT_EQ(automation::LiveCount::value(), alive);
     });
   }
 }
@@ -342,34 +343,36 @@ class Dialog {
   Ending init(bool early) {
     Variant result;
     if (early) return ended(control_->CallBack_FilterInit(&reference_, &result));
-    return late([&](const com::LateBound& control) { control.get(L"CallBack_FilterInit", {reference()}); });
+    return late([&](const automation::LateBound& control) { control.get(L"CallBack_FilterInit", {reference()}); });
   }
   Ending change(const char* key, bool early) {
     if (early) {
-      com::Bstr text{std::string_view(key)};
+      automation::Bstr text{std::string_view(key)};
       return ended(control_->CallBack_ValueChange(text.inOut(), &reference_));
     }
-    return late([&](const com::LateBound& control) { control.call(L"CallBack_ValueChange", {key, reference()}); });
+    return late([&](const automation::LateBound& control) {
+      control.call(L"CallBack_ValueChange", {key, reference()});
+    });
   }
   Ending click(bool early) {
     VARIANT_BOOL cancel = VARIANT_FALSE;
     Variant result;
     Variant cancelled(false);
     const Ending ending = early ? ended(control_->CallBack_FilterClick(&reference_, &cancel, &result))
-                                : late([&](const com::LateBound& control) {
+                                : late([&](const automation::LateBound& control) {
                                     control.get(L"CallBack_FilterClick", {reference(), Variant::reference(cancelled)});
                                   });
-    given = (early ? cancel != VARIANT_FALSE : com::toFlag(cancelled)) ? "refused" : "accepted";
+    given = (early ? cancel != VARIANT_FALSE : automation::toFlag(cancelled)) ? "refused" : "accepted";
     return ending;
   }
   Ending view(bool early) {
     Variant viewClass("before");
     const Ending ending =
         early ? ended(control_->CallBack_ReportViewInit(&reference_, &viewClass))
-              : late([&](const com::LateBound& control) {
+              : late([&](const automation::LateBound& control) {
                   control.call(L"CallBack_ReportViewInit", {reference(), Variant::reference(viewClass)});
                 });
-    given = com::toText(viewClass);
+    given = automation::toText(viewClass);
     return ending;
   }
 
@@ -381,7 +384,7 @@ class Dialog {
   Variant reference() { return Variant::reference(reference_); }
   template <typename Call>
   Ending late(Call call) {
-    return lateBound([&] { call(com::LateBound(ComPtr<IDispatch>(control_), "control")); });
+    return lateBound([&] { call(automation::LateBound(ComPtr<IDispatch>(control_), "control")); });
   }
 
   ComPtr<IDispatch> object_;
@@ -430,7 +433,7 @@ void surviveCallback(const TinyAccount& account, const workbench::ReportRegistra
   }
   const std::size_t calls = border.calls().size();
   EXPECT_GT(calls, 0U);
-  const com::test::QuillonLibrary library;
+  const component::test::QuillonLibrary library;
 
   Tally tally(callback.subject, "calls");
   for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
@@ -457,7 +460,7 @@ void surviveCallback(const TinyAccount& account, const workbench::ReportRegistra
         EXPECT_EQ(thread.shown, expectedShown);
       }
       EXPECT_EQ(border.held, 0) << "an object of the platform is left over";
-      EXPECT_EQ(com::LiveCount::value(), 0) << "an object of the platform is left over";
+      EXPECT_EQ(automation::LiveCount::value(), 0) << "an object of the platform is left over";
       EXPECT_EQ(library.canUnload(), S_OK);
     });
   }

@@ -12,7 +12,7 @@ ComThread::ComThread(Border& border, const TinyAccount& account)
 
 Ending endingOf(HRESULT code, IUnknown& callee, REFIID interfaceId) {
   if (SUCCEEDED(code)) return std::nullopt;
-  return com::takeErrorInfo(code, callee, interfaceId, "nothing was said", "");
+  return automation::takeErrorInfo(code, callee, interfaceId, "nothing was said", "");
 }
 
 void expectPassedOn(const Ending& ending, const Border& border, std::size_t failAt) {

@@ -41,11 +41,11 @@ struct ComThread {
   ComThread(const ComThread&) = delete;
   ComThread& operator=(const ComThread&) = delete;
 
-  com::test::QuillonLibrary library;
+  component::test::QuillonLibrary library;
   std::string shown;  // what the user was told, and the documents that were opened; a line each
   std::shared_ptr<StatementLog> log = std::make_shared<StatementLog>();
   workbench::EmbeddedPlatform inner;
-  com::test::ComScope apartment;
+  automation::test::ComScope apartment;
   WatchedClasses classes;
 };
 

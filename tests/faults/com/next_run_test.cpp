@@ -24,13 +24,13 @@
 namespace quillon::faults {
 namespace {
 
-using com::ComPtr;
-using com::Variant;
-using com::test::FakeItem;
-using com::test::FakeObject;
-using com::test::FakePlatform;
-using com::test::QuillonLibrary;
-using com::test::Recorder;
+using automation::ComPtr;
+using automation::Variant;
+using component::test::FakeItem;
+using component::test::FakeObject;
+using component::test::FakePlatform;
+using component::test::QuillonLibrary;
+using component::test::Recorder;
 
 using Ending = std::optional<AutomationError>;
 
@@ -62,8 +62,8 @@ struct Member {
   // The argument object or the filter that the member is given.
   std::function<ComPtr<FakeObject>(FakePlatform&)> object;
   // Called on the instance before; nothing for none.
-  std::function<void(const com::LateBound& instance, IDispatch*& object)> before = {};
-  std::function<void(const com::LateBound& instance, IDispatch*& object)> call;
+  std::function<void(const automation::LateBound& instance, IDispatch*& object)> before = {};
+  std::function<void(const automation::LateBound& instance, IDispatch*& object)> call;
 };
 
 class Trials {
@@ -83,7 +83,7 @@ class Trials {
     expected_ = callsOf(recorder_);
     letGo();
     blocks_ = WatchedMemory::blocksHeld();
-    alive_ = com::LiveCount::value();
+    alive_ = automation::LiveCount::value();
     {
       Tally tally(member_.subject, "allocations");
       for (std::size_t failAt = 1; failAt <= requests; ++failAt) {
@@ -115,7 +115,7 @@ class Trials {
     Ending ending;
     try {
       if (member_.before) {
-        const com::LateBound instance = create();
+        const automation::LateBound instance = create();
         member_.before(instance, reference);
         recorder_.calls.clear();
         instanceMade_ = true;
@@ -123,7 +123,7 @@ class Trials {
         member_.call(instance, reference);
       } else {
         begin(failAt, failingCall);
-        const com::LateBound instance = create();
+        const automation::LateBound instance = create();
         instanceMade_ = true;
         member_.call(instance, reference);
       }
@@ -140,10 +140,10 @@ class Trials {
     WatchedMemory::count(failAt);
   }
 
-  com::LateBound create() {
+  automation::LateBound create() {
     HRESULT code = S_OK;
     ComPtr<IDispatch> instance = library_.create<IDispatch>(member_.classId, &code);
-    if (FAILED(code)) throw AutomationError(code, "CreateInstance", com::systemMessage(code));
+    if (FAILED(code)) throw AutomationError(code, "CreateInstance", automation::systemMessage(code));
     return {std::move(instance), "instance"};
   }
 
@@ -156,7 +156,7 @@ class Trials {
     if (library_.canUnload() == S_OK) return;
     const ComPtr<FakeObject> e = platform_.argument({});
     IDispatch* reference = e.get();
-    com::LateBound(library_.create<IDispatch>(__uuidof(clsFXWt)), "clsFXWt")
+    automation::LateBound(library_.create<IDispatch>(__uuidof(clsFXWt)), "clsFXWt")
         .call(L"GETSQL", {Variant::reference(reference)});
     EXPECT_EQ(library_.canUnload(), S_OK);
   }
@@ -166,7 +166,7 @@ class Trials {
     EXPECT_EQ(callsOf(recorder_), expected_);
     letGo();
     EXPECT_EQ(WatchedMemory::blocksHeld(), blocks_) << "memory was leaked";
-    EXPECT_EQ(com::LiveCount::value(), alive_) << "an object of the platform is left over";
+    EXPECT_EQ(automation::LiveCount::value(), alive_) << "an object of the platform is left over";
   }
 
   // Whether a fault, which has happened, is one that the member absorbs.
@@ -206,7 +206,7 @@ class Trials {
 
   Member member_;
   QuillonLibrary library_;
-  com::test::ComScope apartment_;
+  automation::test::ComScope apartment_;
   Recorder recorder_;
   FakePlatform platform_;
   WatchedMemory memory_;
@@ -218,13 +218,13 @@ class Trials {
   long alive_ = 0;
 };
 
-void getSql(const com::LateBound& report, IDispatch*& e) {
+void getSql(const automation::LateBound& report, IDispatch*& e) {
   report.call(L"GETSQL", {Variant::reference(e)});
 }
-void execute(const com::LateBound& report, IDispatch*& e) {
+void execute(const automation::LateBound& report, IDispatch*& e) {
   report.call(L"Execute", {Variant::reference(e)});
 }
-void filterInit(const com::LateBound& control, IDispatch*& filter) {
+void filterInit(const automation::LateBound& control, IDispatch*& filter) {
   control.get(L"CallBack_FilterInit", {Variant::reference(filter)});
 }
 
@@ -337,13 +337,13 @@ TEST(ComNextRun, ExecuteOfTheSummaryReports) {
           .answer = Answer::neverFails,
           .object = argumentOf({}),
           .call =
-              [](const com::LateBound& report, IDispatch*& e) {
+              [](const automation::LateBound& report, IDispatch*& e) {
                 ComPtr<_clsSFC_Item> instance;
                 ASSERT_EQ(
                     report.object()->QueryInterface(__uuidof(_clsSFC_Item), reinterpret_cast<void**>(instance.out())),
                     S_OK);
                 const HRESULT code = instance->Execute(&e);
-                if (FAILED(code)) throw AutomationError(code, "Execute", com::systemMessage(code));
+                if (FAILED(code)) throw AutomationError(code, "Execute", automation::systemMessage(code));
               }})
       .survive();
 }
@@ -378,7 +378,7 @@ TEST(ComNextRun, Dialogs) {
           .object = dialogOf("CA3BAD03-9D4C-463A-827E-E971D5A36C81", summary),
           .before = filterInit,
           .call =
-              [](const com::LateBound& control, IDispatch*& filter) {
+              [](const automation::LateBound& control, IDispatch*& filter) {
                 control.call(L"CallBack_ValueChange", {"iYear", Variant::reference(filter)});
               }})
       .survive();
@@ -400,7 +400,7 @@ TEST(ComNextRun, Dialogs) {
           .object = dialogOf("", ledger),
           .before = filterInit,
           .call =
-              [](const com::LateBound& control, IDispatch*& filter) {
+              [](const automation::LateBound& control, IDispatch*& filter) {
                 Variant cancel(false);
                 control.get(L"CallBack_FilterClick", {Variant::reference(filter), Variant::reference(cancel)});
               }})
@@ -410,7 +410,7 @@ TEST(ComNextRun, Dialogs) {
           .object = dialogOf("", ledger),
           .before = filterInit,
           .call =
-              [](const com::LateBound& control, IDispatch*& filter) {
+              [](const automation::LateBound& control, IDispatch*& filter) {
                 Variant view;
                 control.call(L"CallBack_ReportViewInit", {Variant::reference(filter), Variant::reference(view)});
               }})

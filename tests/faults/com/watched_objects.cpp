@@ -18,8 +18,8 @@ namespace quillon::faults {
 
 namespace {
 
-using com::ComPtr;
-namespace bindings = com::bindings;
+using automation::ComPtr;
+namespace bindings = component::bindings;
 
 // Asked of an object to learn whether it is a proxy; never seen outside this program.
 constexpr GUID proxyId = {0x5a1f6c0e, 0x2f0d, 0x4b7a, {0x8c, 0x55, 0x90, 0x13, 0x7f, 0x6e, 0x2b, 0xd4}};
@@ -28,7 +28,7 @@ AutomationError refusal(std::size_t call) {
   return {Border::failure, Border::source, Border::description(call)};
 }
 
-class Proxy : public com::ComObject<IDispatch> {
+class Proxy : public automation::ComObject<IDispatch> {
  public:
   Proxy(Border& border, std::string name, ComPtr<IDispatch> inner)
       : border_(border), name_(std::move(name)), inner_(std::move(inner)) {
@@ -56,7 +56,7 @@ class Proxy : public com::ComObject<IDispatch> {
     return inner_->GetTypeInfo(index, locale, info);
   }
   STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override {
-    const std::string member = com::toUtf8(std::wstring_view(names[0]));
+    const std::string member = automation::toUtf8(std::wstring_view(names[0]));
     if (border_.fails({Kind::find, name_, member})) return Border::failure;
     const Border::Inside inside(border_);
     const HRESULT code = inner_->GetIDsOfNames(reserved, names, count, locale, ids);
@@ -67,7 +67,8 @@ class Proxy : public com::ComObject<IDispatch> {
                       EXCEPINFO* info, UINT* badArgument) override {
     const auto known = members_.find(id);
     const std::string member = known == members_.end() ? "Item" : known->second;
-    if (border_.fails({Kind::invoke, name_, member})) return com::fillExcepInfo(refusal(border_.calls().size()), info);
+    if (border_.fails({Kind::invoke, name_, member}))
+      return automation::fillExcepInfo(refusal(border_.calls().size()), info);
     const Border::Inside inside(border_);
     Unwrapped arguments(*parameters);
     const HRESULT code = inner_->Invoke(id, reserved, locale, kind, arguments.parameters(), result, info, badArgument);
@@ -116,7 +117,7 @@ class Proxy : public com::ComObject<IDispatch> {
 };
 
 // The resource service, which the library calls by its slots.
-class ResourceProxy : public com::ComObject<bindings::IResourceService, ISupportErrorInfo> {
+class ResourceProxy : public automation::ComObject<bindings::IResourceService, ISupportErrorInfo> {
  public:
   ResourceProxy(Border& border, ComPtr<bindings::IResourceService> inner) : border_(border), inner_(std::move(inner)) {
     ++border_.held;
@@ -166,7 +167,7 @@ class ResourceProxy : public com::ComObject<bindings::IResourceService, ISupport
   template <typename Slot>
   HRESULT pass(const char* member, Slot slot) {
     if (border_.fails({Kind::invoke, "ResourceService", member}))
-      return com::setErrorInfo(refusal(border_.calls().size()), bindings::resourceServiceId);
+      return automation::setErrorInfo(refusal(border_.calls().size()), bindings::resourceServiceId);
     const Border::Inside inside(border_);
     return slot();
   }
@@ -176,12 +177,12 @@ class ResourceProxy : public com::ComObject<bindings::IResourceService, ISupport
 };
 
 ComPtr<IUnknown> proxyOf(Border& border, const std::string& progId, const ComPtr<IUnknown>& inner) {
-  if (progId == com::toUtf8(std::wstring_view(bindings::resourceService.progId))) {
+  if (progId == automation::toUtf8(std::wstring_view(bindings::resourceService.progId))) {
     ComPtr<bindings::IResourceService> service;
     if (FAILED(inner->QueryInterface(bindings::resourceServiceId, reinterpret_cast<void**>(service.out()))))
       throw std::logic_error("the resource service has lost its interface");
     return ComPtr<IUnknown>::adopt(
-        static_cast<bindings::IResourceService*>(com::makeObject<ResourceProxy>(border, service).release()));
+        static_cast<bindings::IResourceService*>(automation::makeObject<ResourceProxy>(border, service).release()));
   }
   ComPtr<IDispatch> object;
   if (FAILED(inner->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.out()))))
@@ -189,7 +190,7 @@ ComPtr<IUnknown> proxyOf(Border& border, const std::string& progId, const ComPtr
   return watched(border, progId, object);
 }
 
-const com::PlatformClass* const classes[] = {
+const automation::NamedClass* const classes[] = {
     &bindings::connection,    &bindings::recordset,      &bindings::publicComponent, &bindings::resourceService,
     &bindings::naming,        &bindings::uniqueNames,    &bindings::workTableNumber, &bindings::accountLogin,
     &bindings::environment,   &bindings::accountOptions, &bindings::sourceVoucher,   &bindings::ledgerModule,
@@ -210,7 +211,7 @@ bool Border::fails(BorderCall call) {
 }
 
 ComPtr<IDispatch> watched(Border& border, std::string name, ComPtr<IDispatch> inner) {
-  return com::makeObject<Proxy>(border, std::move(name), std::move(inner));
+  return automation::makeObject<Proxy>(border, std::move(name), std::move(inner));
 }
 
 WatchedClasses::WatchedClasses(Border& border, workbench::EmbeddedPlatform& platform,
@@ -219,16 +220,16 @@ WatchedClasses::WatchedClasses(Border& border, workbench::EmbeddedPlatform& plat
   std::vector<ComPtr<IClassFactory>> factories;
   {
     const workbench::PlatformStandIn standIn(platform, monitor);
-    for (const com::PlatformClass* entry : classes) {
+    for (const automation::NamedClass* entry : classes) {
       ComPtr<IClassFactory> factory;
-      const HRESULT code = CoGetClassObject(com::classIdOf(*entry), CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
-                                            reinterpret_cast<void**>(factory.out()));
+      const HRESULT code = CoGetClassObject(automation::classIdOf(*entry), CLSCTX_INPROC_SERVER, nullptr,
+                                            IID_IClassFactory, reinterpret_cast<void**>(factory.out()));
       if (FAILED(code)) throw AutomationError(code, "CoGetClassObject", "the workbench lacks a class");
       factories.push_back(std::move(factory));
     }
   }
   for (std::size_t i = 0; i < factories.size(); ++i) {
-    const std::string progId = com::toUtf8(std::wstring_view(classes[i]->progId));
+    const std::string progId = automation::toUtf8(std::wstring_view(classes[i]->progId));
     const auto make = [&border, progId, factory = factories[i]]() -> ComPtr<IUnknown> {
       if (border.fails({Kind::create, progId, {}})) throw refusal(border.calls().size());
       const bool forTheLibrary = !border.inside();
@@ -238,7 +239,7 @@ WatchedClasses::WatchedClasses(Border& border, workbench::EmbeddedPlatform& plat
       if (FAILED(code)) throw AutomationError(code, progId, "the workbench's object cannot be made");
       return forTheLibrary ? proxyOf(border, progId, inner) : inner;
     };
-    classes_.push_back(std::make_unique<com::InProcessClass>(com::classIdOf(*classes[i]), make));
+    classes_.push_back(std::make_unique<automation::InProcessClass>(automation::classIdOf(*classes[i]), make));
   }
 }
 

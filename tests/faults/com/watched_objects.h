@@ -73,7 +73,7 @@ class Border {
 };
 
 // A proxy in front of `inner`, called `name`. `border` outlives it.
-com::ComPtr<IDispatch> watched(Border& border, std::string name, com::ComPtr<IDispatch> inner);
+automation::ComPtr<IDispatch> watched(Border& border, std::string name, automation::ComPtr<IDispatch> inner);
 
 // Makes, in this thread's apartment and for as long as it lives, the ProgIDs of ADO and of the platform mean the
 // workbench's components behind proxies.
@@ -84,7 +84,7 @@ class WatchedClasses {
                  const std::shared_ptr<workbench::SessionMonitor>& monitor);
 
  private:
-  std::vector<std::unique_ptr<com::InProcessClass>> classes_;
+  std::vector<std::unique_ptr<automation::InProcessClass>> classes_;
 };
 
 }  // namespace quillon::faults

@@ -397,8 +397,8 @@ HRESULT SafeArrayGetElement(SAFEARRAY* array, LONG* index, void* element) {
 }
 
 // No object of the native builds fails with a description; the library's own reading of one runs under Wine.
-quillon::AutomationError quillon::com::takeExcepInfo(EXCEPINFO& info, std::string_view source,
-                                                     std::string_view member) {
+quillon::AutomationError quillon::automation::takeExcepInfo(EXCEPINFO& info, std::string_view source,
+                                                            std::string_view member) {
   SysFreeString(info.bstrSource);
   SysFreeString(info.bstrDescription);
   return {info.scode, std::string(source), std::string(member)};

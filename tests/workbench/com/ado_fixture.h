@@ -40,28 +40,28 @@ class AdoTest : public testing::Test {
     std::filesystem::remove(file_, ignored);
   }
 
-  static com::LateBound create(const wchar_t* progId) {
+  static automation::LateBound create(const wchar_t* progId) {
     CLSID id;
     if (FAILED(CLSIDFromProgID(progId, &id))) throw std::runtime_error("the ProgID is not known on this machine");
-    com::ComPtr<IDispatch> object;
+    automation::ComPtr<IDispatch> object;
     if (FAILED(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
                                 reinterpret_cast<void**>(object.out())))) {
       throw std::runtime_error("the class cannot be created");
     }
     return {std::move(object), "ADODB"};
   }
-  com::LateBound openConnection() {
-    com::LateBound connection = create(L"ADODB.Connection");
+  automation::LateBound openConnection() {
+    automation::LateBound connection = create(L"ADODB.Connection");
     connection.put(L"ConnectionString", connectionString(file_));
     connection.call(L"Open", {"", "", "", -1});
     return connection;
   }
-  static com::LateBound openRecordset(const com::LateBound& connection, const char* sql) {
-    com::LateBound recordset = create(L"ADODB.Recordset");
+  static automation::LateBound openRecordset(const automation::LateBound& connection, const char* sql) {
+    automation::LateBound recordset = create(L"ADODB.Recordset");
     recordset.call(L"Open", {sql, connection.get(), 3, 1, -1});
     return recordset;
   }
-  static com::Variant field(const com::LateBound& recordset, com::Variant which) {
+  static automation::Variant field(const automation::LateBound& recordset, automation::Variant which) {
     return recordset.object(L"Fields", "Fields").item(std::move(which), "Field").get(L"Value");
   }
 

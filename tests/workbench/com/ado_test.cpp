@@ -5,8 +5,8 @@
 namespace quillon::workbench {
 namespace {
 
-using com::LateBound;
-using com::Variant;
+using automation::LateBound;
+using automation::Variant;
 using test::AdoTest;
 
 constexpr HResult closedError = static_cast<HResult>(0x800A0E78U);
@@ -59,7 +59,7 @@ TEST_F(AdoTest, ExecuteTellsTheRowsAffectedInTheCallersVariable) {
   const LateBound connection = openConnection();
   Variant affected;
   connection.call(L"Execute", {"Update Material Set bStock = 0", Variant::reference(affected), -1});
-  EXPECT_EQ(com::toInteger(affected), 2);
+  EXPECT_EQ(automation::toInteger(affected), 2);
   long typed = 0;
   Variant reference;
   reference.vt = VT_I4 | VT_BYREF;
@@ -75,7 +75,7 @@ TEST_F(AdoTest, ExecuteGivesAClosedRecordsetForAStatementWithoutRows) {
   EXPECT_EQ(codeOf([&] { nothing.flag(L"EOF"); }), closedError);
   const LateBound rows = connection.object(L"Execute", "Recordset", {"Select cCode From Material Order By cCode"});
   EXPECT_EQ(rows.integer(L"State"), 1);
-  EXPECT_EQ(com::toText(field(rows, 0)), "M1");
+  EXPECT_EQ(automation::toText(field(rows, 0)), "M1");
 }
 
 TEST_F(AdoTest, AFailingStatementCarriesTheServersNumber) {
@@ -109,16 +109,16 @@ TEST_F(AdoTest, ARecordsetIsReadRowByRow) {
   const LateBound rows = openRecordset(connection, "Select * From Material Order By cCode");
   EXPECT_FALSE(rows.flag(L"BOF"));
   EXPECT_EQ(rows.integer(L"RecordCount"), 2);
-  EXPECT_EQ(com::toText(field(rows, "cname")), "钢板");
+  EXPECT_EQ(automation::toText(field(rows, "cname")), "钢板");
   rows.call(L"MoveNext");
-  EXPECT_EQ(com::toText(field(rows, "cCode")), "M2");
-  EXPECT_TRUE(com::isNull(field(rows, 1)));
+  EXPECT_EQ(automation::toText(field(rows, "cCode")), "M2");
+  EXPECT_TRUE(automation::isNull(field(rows, 1)));
   rows.call(L"MoveNext");
   EXPECT_TRUE(rows.flag(L"EOF"));
   EXPECT_EQ(codeOf([&] { field(rows, 0); }), noRowError);
   EXPECT_EQ(codeOf([&] { rows.call(L"MoveNext"); }), noRowError);
   rows.call(L"MoveFirst");
-  EXPECT_EQ(com::toText(field(rows, 0)), "M1");
+  EXPECT_EQ(automation::toText(field(rows, 0)), "M1");
   rows.call(L"Close");
   EXPECT_EQ(rows.integer(L"State"), 0);
   EXPECT_EQ(codeOf([&] { rows.call(L"Close"); }), closedError);
@@ -144,11 +144,11 @@ TEST_F(AdoTest, FieldsTellNamesTypesAndExactValues) {
   EXPECT_EQ(fields.item("cName", "Field").integer(L"DefinedSize"), 60);
   EXPECT_EQ(field(rows, "iMoney").vt, VT_CY);
   EXPECT_EQ(field(rows, "dDate").vt, VT_DATE);
-  EXPECT_EQ(com::toText(field(rows, "dDate")), "2024-03-05");
+  EXPECT_EQ(automation::toText(field(rows, "dDate")), "2024-03-05");
   rows.call(L"MoveNext");
   // The field object reads the row on which its recordset stands.
-  EXPECT_EQ(com::toText(quantity.get(L"Value")), "0.000001");
-  EXPECT_EQ(com::toText(field(rows, "dDate")), "2024-03-06 08:30:00");
+  EXPECT_EQ(automation::toText(quantity.get(L"Value")), "0.000001");
+  EXPECT_EQ(automation::toText(field(rows, "dDate")), "2024-03-06 08:30:00");
   EXPECT_EQ(codeOf([&] { fields.item("none", "Field"); }), noItemError);
   EXPECT_EQ(codeOf([&] { fields.item(6, "Field"); }), noItemError);
   EXPECT_EQ(codeOf([&] { fields.item(-1, "Field"); }), noItemError);
@@ -157,7 +157,7 @@ TEST_F(AdoTest, FieldsTellNamesTypesAndExactValues) {
 TEST_F(AdoTest, ARecordsetsDefaultMemberIsItsFields) {
   const LateBound rows = openRecordset(openConnection(), "Select cCode From Material Order By cCode");
   // rs("cCode"): the field, which stands for its value.
-  EXPECT_EQ(com::toText(rows.getById(DISPID_VALUE, L"Fields", {"cCode"})), "M1");
+  EXPECT_EQ(automation::toText(rows.getById(DISPID_VALUE, L"Fields", {"cCode"})), "M1");
 }
 
 TEST_F(AdoTest, OpenTakesItsArgumentsFromTheProperties) {
@@ -210,7 +210,7 @@ TEST_F(AdoTest, GetRowsGivesFieldsByRows) {
   long place[] = {0, 1};  // field 0 of row 1
   Variant value;
   ASSERT_EQ(SafeArrayGetElement(all.parray, place, value.out()), S_OK);
-  EXPECT_EQ(com::toText(value), "M2");
+  EXPECT_EQ(automation::toText(value), "M2");
   EXPECT_TRUE(rows.flag(L"EOF"));
   EXPECT_EQ(codeOf([&] { rows.get(L"GetRows"); }), noRowError);
 }
@@ -218,12 +218,12 @@ TEST_F(AdoTest, GetRowsGivesFieldsByRows) {
 TEST_F(AdoTest, TemporaryTablesLiveAsLongAsTheConnection) {
   const LateBound connection = openConnection();
   connection.call(L"Execute", {"Select cCode Into #kept From Material"});
-  EXPECT_EQ(com::toInteger(field(openRecordset(connection, "Select Count(*) From #kept"), 0)), 2);
+  EXPECT_EQ(automation::toInteger(field(openRecordset(connection, "Select Count(*) From #kept"), 0)), 2);
   EXPECT_EQ(codeOf([&] { openRecordset(openConnection(), "Select Count(*) From #kept"); }), noTableError);
 }
 
 TEST_F(AdoTest, EveryReferenceIsGivenBack) {
-  const long before = com::LiveCount::value();
+  const long before = automation::LiveCount::value();
   for (int round = 0; round < 3; ++round) {
     const LateBound connection = openConnection();
     const LateBound rows = openRecordset(connection, "Select * From Material");
@@ -232,16 +232,16 @@ TEST_F(AdoTest, EveryReferenceIsGivenBack) {
     field(rows, 0);
     EXPECT_EQ(codeOf([&] { connection.call(L"Execute", {"Select From"}); }), syntaxError);
     connection.object(L"Errors", "Errors").item(0, "Error").text(L"Description");
-    EXPECT_GT(com::LiveCount::value(), before);
+    EXPECT_GT(automation::LiveCount::value(), before);
   }
-  EXPECT_EQ(com::LiveCount::value(), before);
+  EXPECT_EQ(automation::LiveCount::value(), before);
 }
 
 TEST_F(AdoTest, OnlyWhileItLivesDoesItTakeAdosPlace) {
   EXPECT_TRUE(AdoConnection::from(create(L"ADODB.Connection").get()));
   ado_.reset();
   // What the machine has under ADO's name, if anything, is not the look-alike.
-  com::LateBound other;
+  automation::LateBound other;
   try {
     other = create(L"ADODB.Connection");
   } catch (const std::runtime_error&) {

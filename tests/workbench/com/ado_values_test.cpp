@@ -15,7 +15,7 @@ using tsql::Type;
 constexpr Type decimalType{.kind = Kind::decimal, .precision = 38, .scale = 6};
 
 std::string textOf(const tsql::Value& value, const Type& type) {
-  return com::toText(adoValue(value, type));
+  return automation::toText(adoValue(value, type));
 }
 
 TEST(AdoValuesTest, IntegersKeepTheirKind) {
@@ -27,24 +27,24 @@ TEST(AdoValuesTest, IntegersKeepTheirKind) {
 }
 
 TEST(AdoValuesTest, ABigintIsExactToItsLastDigit) {
-  const com::Variant value = adoValue(std::int64_t{9223372036854775807LL}, {.kind = Kind::bigInt});
+  const automation::Variant value = adoValue(std::int64_t{9223372036854775807LL}, {.kind = Kind::bigInt});
   EXPECT_EQ(value.vt, VT_DECIMAL);
-  EXPECT_EQ(com::toText(value), "9223372036854775807");
+  EXPECT_EQ(automation::toText(value), "9223372036854775807");
   EXPECT_EQ(textOf(std::int64_t{-9223372036854775807LL - 1}, {.kind = Kind::bigInt}), "-9223372036854775808");
 }
 
 TEST(AdoValuesTest, ADecimalKeepsItsSignAndScale) {
-  const com::Variant value = adoValue(Exact{Int128(-1234567), 6}, decimalType);
+  const automation::Variant value = adoValue(Exact{Int128(-1234567), 6}, decimalType);
   EXPECT_EQ(value.vt, VT_DECIMAL);
   EXPECT_EQ(value.decVal.scale, 6);
   EXPECT_EQ(value.decVal.sign, DECIMAL_NEG);
   EXPECT_EQ(value.decVal.Lo64, 1234567U);
-  EXPECT_EQ(com::toText(value), "-1.234567");
+  EXPECT_EQ(automation::toText(value), "-1.234567");
 }
 
 TEST(AdoValuesTest, ADecimalOf96BitsStillFits) {
   const Exact highest{Int128::fromHalves(0xffffffffLL, ~std::uint64_t{0}), 0};
-  const com::Variant value = adoValue(highest, decimalType);
+  const automation::Variant value = adoValue(highest, decimalType);
   EXPECT_EQ(value.decVal.Hi32, 0xffffffffU);
   EXPECT_EQ(value.decVal.Lo64, ~std::uint64_t{0});
 }
@@ -52,7 +52,7 @@ TEST(AdoValuesTest, ADecimalOf96BitsStillFits) {
 TEST(AdoValuesTest, ZerosAtTheEndMakeRoom) {
   // 2^96 * 1000 with three decimals: one digit more than fits, until the zeros go.
   const Exact value{Int128::fromHalves(0xffffffffLL, ~std::uint64_t{0}) * Int128(1000), 3};
-  const com::Variant result = adoValue(value, decimalType);
+  const automation::Variant result = adoValue(value, decimalType);
   EXPECT_EQ(result.decVal.scale, 0);
   EXPECT_EQ(result.decVal.Hi32, 0xffffffffU);
 }
@@ -68,10 +68,10 @@ TEST(AdoValuesTest, ADecimalThatDoesNotFitIsRefusedNotRounded) {
 }
 
 TEST(AdoValuesTest, MoneyIsCurrency) {
-  const com::Variant value = adoValue(Exact{Int128(-123456), 4}, {.kind = Kind::money});
+  const automation::Variant value = adoValue(Exact{Int128(-123456), 4}, {.kind = Kind::money});
   EXPECT_EQ(value.vt, VT_CY);
   EXPECT_EQ(value.cyVal.int64, -123456);
-  EXPECT_EQ(com::toText(value), "-12.3456");
+  EXPECT_EQ(automation::toText(value), "-12.3456");
 }
 
 TEST(AdoValuesTest, DatesCountFrom1899) {

@@ -13,9 +13,9 @@
 namespace quillon::workbench {
 namespace {
 
-using com::LateBound;
-using com::Variant;
-namespace bindings = com::bindings;
+using automation::LateBound;
+using automation::Variant;
+namespace bindings = component::bindings;
 
 constexpr HResult badIndex = static_cast<HResult>(0x8002000BU);
 
@@ -41,9 +41,9 @@ TEST_F(DetailLedgerObjectsTest, TheEnvironmentFillsTheAccountOptions) {
       "Insert Into AccInformation Values (N'IA', N'cValueStyle', N'按部门核算')");
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound account = com::createObject(bindings::accountLogin);
-  const LateBound environment = com::createObject(bindings::environment);
-  const LateBound filled = com::createObject(bindings::accountOptions);
+  const LateBound account = automation::createObject(bindings::accountLogin);
+  const LateBound environment = automation::createObject(bindings::environment);
+  const LateBound filled = automation::createObject(bindings::accountOptions);
   EXPECT_EQ(codeOf([&] { filled.text(L"CostingBasis"); }), hresult::unexpected) << "nothing has filled them";
 
   account.call(L"Init", {connectionString(file_), ";PWD="});
@@ -51,9 +51,9 @@ TEST_F(DetailLedgerObjectsTest, TheEnvironmentFillsTheAccountOptions) {
   Variant table;
   Variant second("before");
   environment.call(L"GetTableNames", {Variant::reference(table), Variant::reference(second)});
-  EXPECT_NE(com::toText(table), "");
-  EXPECT_EQ(com::toText(second), "");
-  environment.call(L"FillAccountOptions", {filled.object(), account.object(), com::toText(table)});
+  EXPECT_NE(automation::toText(table), "");
+  EXPECT_EQ(automation::toText(second), "");
+  environment.call(L"FillAccountOptions", {filled.object(), account.object(), automation::toText(table)});
   EXPECT_EQ(filled.text(L"CostingBasis"), "按部门核算");
   EXPECT_EQ(filled.text(L"InventoryTable"), "Inventory");
   EXPECT_EQ(filled.text(L"WarehouseTable"), "Warehouse");
@@ -62,9 +62,9 @@ TEST_F(DetailLedgerObjectsTest, TheEnvironmentFillsTheAccountOptions) {
 TEST_F(DetailLedgerObjectsTest, TheEnvironmentRefusesForeignObjects) {
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound account = com::createObject(bindings::accountLogin);
-  const LateBound environment = com::createObject(bindings::environment);
-  const LateBound filled = com::createObject(bindings::accountOptions);
+  const LateBound account = automation::createObject(bindings::accountLogin);
+  const LateBound environment = automation::createObject(bindings::environment);
+  const LateBound filled = automation::createObject(bindings::accountOptions);
   const Variant nothing(static_cast<IDispatch*>(nullptr));
   for (const Variant& foreign : {Variant(environment.object()), Variant(filled.object()), nothing}) {
     EXPECT_EQ(codeOf([&] { environment.call(L"Init", {foreign}); }), hresult::invalidArgument);
@@ -83,7 +83,7 @@ TEST_F(DetailLedgerObjectsTest, EveryWorkTableHasANumberOfItsOwn) {
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
   const auto number = [] {
-    return com::toInteger(com::createObject(bindings::workTableNumber).getById(DISPID_VALUE, L"number"));
+    return automation::toInteger(automation::createObject(bindings::workTableNumber).getById(DISPID_VALUE, L"number"));
   };
   EXPECT_NE(number(), number());
 }
@@ -101,7 +101,7 @@ TEST_F(DetailLedgerObjectsTest, ThePublicComponentKnowsThePeriods) {
       "Insert Into orvsystem..UA_Period Values (N'001', 2024, 2, '2024-02-01', '2024-02-29')");
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound component = com::createObject(bindings::publicComponent);
+  const LateBound component = automation::createObject(bindings::publicComponent);
   const LateBound connection = openConnection();
   EXPECT_TRUE(component.flag(L"IsFxFinishQC", {connection.get(), 2024}));
   EXPECT_FALSE(component.flag(L"IsFxFinishQC", {connection.get(), 2023}));
@@ -115,8 +115,8 @@ TEST_F(DetailLedgerObjectsTest, ThePublicComponentKnowsThePeriods) {
   component.call(L"GetDateFromPeriod",
                  {connection.get(), "001", 2024, 2, Variant::reference(begin), Variant::dateReference(end)});
   EXPECT_EQ(begin.vt, VT_DATE);
-  EXPECT_EQ(com::toText(begin), "2024-02-01");
-  EXPECT_EQ(com::toText(Variant::fromDate(end)), "2024-02-29");
+  EXPECT_EQ(automation::toText(begin), "2024-02-01");
+  EXPECT_EQ(automation::toText(Variant::fromDate(end)), "2024-02-29");
   component.call(L"GetPeriodFromDate", {connection.get(), Variant::fromIsoDate("2024-02-29"), Variant::reference(year),
                                         Variant::reference(month)});
   EXPECT_EQ(year, 2024);
@@ -171,8 +171,8 @@ TEST_F(DetailLedgerObjectsTest, SourceDocumentsAreAskedForInThePortsTerms) {
 TEST_F(DetailLedgerObjectsTest, GeneralLedgerVouchersNeedTheirModule) {
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound module = com::createObject(bindings::ledgerModule);
-  const LateBound component = com::createObject(bindings::ledgerVoucher);
+  const LateBound module = automation::createObject(bindings::ledgerModule);
+  const LateBound component = automation::createObject(bindings::ledgerVoucher);
   EXPECT_EQ(codeOf([&] {
               module.call(L"InitPubs2", {connectionString(file_), ";PWD=", 2024, "001", "2024-06-30"});
             }),
@@ -198,8 +198,8 @@ TEST_F(DetailLedgerObjectsTest, AGeneralLedgerVoucherIsShownToTheUser) {
   listening.vouchers = [&opened](const OpenedVoucher& voucher) { opened.push_back(voucher); };
   EmbeddedPlatform platform(listening);
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound module = com::createObject(bindings::ledgerModule);
-  const LateBound component = com::createObject(bindings::ledgerVoucher);
+  const LateBound module = automation::createObject(bindings::ledgerModule);
+  const LateBound component = automation::createObject(bindings::ledgerVoucher);
   module.putObject(L"g_business", login().object());
   module.putObject(L"oLogIn", login().object());
   module.call(L"InitPubs2", {connectionString(file_), ";PWD=", 2024, "001", "2024-06-30"});
@@ -273,30 +273,30 @@ TEST_F(DetailLedgerObjectsTest, ATextTakesItsArguments) {
   english.language = Language::english;
   EmbeddedPlatform platform(english);
   const PlatformStandIn standIn(platform, nullptr);
-  com::ComPtr<bindings::IResourceService> service;
-  ASSERT_EQ(com::createObject(bindings::resourceService)
+  automation::ComPtr<bindings::IResourceService> service;
+  ASSERT_EQ(automation::createObject(bindings::resourceService)
                 .get()
                 ->QueryInterface(bindings::resourceServiceId, reinterpret_cast<void**>(service.out())),
             S_OK);
-  com::Bstr text;
+  automation::Bstr text;
   const std::vector<std::string> colour = {"Colour"};
   ASSERT_EQ(service->FormatText(Variant("Mirel.IA.Mirel71.00228"), Variant::textArray(colour), text.out()), S_OK);
   EXPECT_EQ(text.utf8(), "Colour must be given");
 }
 
-class Owner : public com::Automation<Owner> {
+class Owner : public automation::DispatchObject<Owner> {
  public:
   static std::span<const Member> members() {
-    static constexpr Member table[] = {{L"Things", 1, com::readable, 0, 1, &Owner::things}};
+    static constexpr Member table[] = {{L"Things", 1, automation::readable, 0, 1, &Owner::things}};
     return table;
   }
 
  private:
-  Variant things(com::Call& call) { return collectionMember(call, {Variant("a"), Variant("b")}); }
+  Variant things(automation::Call& call) { return collectionMember(call, {Variant("a"), Variant("b")}); }
 };
 
 TEST_F(DetailLedgerObjectsTest, ACollectionIsCountedFromOne) {
-  const LateBound owner(com::makeObject<Owner>(), "owner");
+  const LateBound owner(automation::makeObject<Owner>(), "owner");
   const LateBound things = owner.object(L"Things", "things");
   EXPECT_EQ(things.integer(L"Count"), 2);
   EXPECT_EQ(things.text(L"Item", {2}), "b");
@@ -307,7 +307,7 @@ TEST_F(DetailLedgerObjectsTest, ACollectionIsCountedFromOne) {
 
 TEST_F(DetailLedgerObjectsTest, AMessageIsItsText) {
   const LateBound message(messageObject("Careful", 48), "message");
-  EXPECT_EQ(com::toText(Variant(message.object())), "Careful");
+  EXPECT_EQ(automation::toText(Variant(message.object())), "Careful");
   EXPECT_EQ(message.integer(L"Flags"), 48);
 }
 

@@ -11,9 +11,9 @@
 namespace quillon::workbench {
 namespace {
 
-using com::LateBound;
-using com::Variant;
-namespace bindings = com::bindings;
+using automation::LateBound;
+using automation::Variant;
+namespace bindings = component::bindings;
 
 constexpr HResult badIndex = static_cast<HResult>(0x8002000BU);
 
@@ -98,7 +98,7 @@ TEST_F(PlatformObjectsTest, AnItemIsWrittenAndReadThroughItsMembers) {
   EXPECT_EQ(entry.value, "2024-01-01");
   EXPECT_EQ(entry.value2, "2024-03-31");
   EXPECT_EQ(entry.token, 1);
-  EXPECT_EQ(com::toText(item.getById(DISPID_VALUE, L"varValue")), "2024-01-01");
+  EXPECT_EQ(automation::toText(item.getById(DISPID_VALUE, L"varValue")), "2024-01-01");
   EXPECT_TRUE(item.flag(L"RangeInput"));
   EXPECT_FALSE(item.flag(L"IsMultSel"));
 }
@@ -146,7 +146,7 @@ TEST_F(PlatformObjectsTest, ThePublicComponentTakesItsConnectionInAnyPlace) {
                    "Insert Into AccInformation Values (N'CA', N'11002', N'start', N'202403')"});
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound component = com::createObject(bindings::publicComponent);
+  const LateBound component = automation::createObject(bindings::publicComponent);
   const LateBound connection = openConnection();
   EXPECT_EQ(component.text(L"GetAccInformation", {"IA", "cValueStyle", connection.get()}), "按仓库核算");
   EXPECT_EQ(component.text(L"GetAccInformation", {connection.get(), "IA", "cValueStyle"}), "按仓库核算");
@@ -167,10 +167,10 @@ TEST_F(PlatformObjectsTest, UsedYearsComeAsADictionaryWithCountedKeys) {
   const PlatformStandIn standIn(platform, nullptr);
   const LateBound connection = openConnection();
   const LateBound years =
-      com::createObject(bindings::publicComponent).object(L"GetIAUsedYears", "years", {"001", connection.get()});
+      automation::createObject(bindings::publicComponent).object(L"GetIAUsedYears", "years", {"001", connection.get()});
   EXPECT_EQ(years.integer(L"Count"), 2);
-  EXPECT_EQ(com::toText(years.getById(DISPID_VALUE, L"Item", {"1"})), "2023");
-  EXPECT_EQ(com::toText(years.getById(DISPID_VALUE, L"Item", {"2"})), "2024");
+  EXPECT_EQ(automation::toText(years.getById(DISPID_VALUE, L"Item", {"1"})), "2023");
+  EXPECT_EQ(automation::toText(years.getById(DISPID_VALUE, L"Item", {"2"})), "2024");
   EXPECT_EQ(years.getById(DISPID_VALUE, L"Item", {"3"}).vt, VT_EMPTY);
 }
 
@@ -179,11 +179,11 @@ TEST_F(PlatformObjectsTest, TheResourceServiceIsADualInterface) {
   english.language = Language::english;
   EmbeddedPlatform platform(english);
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound service = com::createObject(bindings::resourceService);
-  com::ComPtr<bindings::IResourceService> early;
+  const LateBound service = automation::createObject(bindings::resourceService);
+  automation::ComPtr<bindings::IResourceService> early;
   ASSERT_EQ(service.get()->QueryInterface(bindings::resourceServiceId, reinterpret_cast<void**>(early.out())), S_OK);
-  const com::Bstr key("Mirel.IA.CHHSSQL.00182");
-  com::Bstr text;
+  const automation::Bstr key("Mirel.IA.CHHSSQL.00182");
+  automation::Bstr text;
   ASSERT_EQ(early->Text(key.get(), text.out()), S_OK);
   EXPECT_EQ(text.utf8(), platform.createResourceService()->text("Mirel.IA.CHHSSQL.00182"));
   EXPECT_NE(text.utf8(), "Mirel.IA.CHHSSQL.00182");
@@ -192,13 +192,13 @@ TEST_F(PlatformObjectsTest, TheResourceServiceIsADualInterface) {
 
   // FormatText: a key gives its text as Text does, a login changes the language.
   const Variant keyValue("Mirel.IA.CHHSSQL.00182");
-  com::Bstr formatted;
+  automation::Bstr formatted;
   ASSERT_EQ(early->FormatText(keyValue, Variant::missing(), formatted.out()), S_OK);
   EXPECT_EQ(formatted.utf8(), text.utf8());
   const Variant login(loginObject(std::make_shared<WorkbenchLogin>(details())));
   ASSERT_EQ(early->FormatText(login, Variant::missing(), formatted.out()), S_OK);
   EXPECT_EQ(formatted.utf8(), "");
-  com::Bstr chinese;
+  automation::Bstr chinese;
   ASSERT_EQ(early->Text(key.get(), chinese.out()), S_OK);
   EXPECT_NE(chinese.utf8(), text.utf8());
   EXPECT_EQ(early->FormatText(keyValue, Variant(1), formatted.out()), DISP_E_TYPEMISMATCH);
@@ -212,10 +212,10 @@ TEST_F(PlatformObjectsTest, MessagesGoToThePlatformsSink) {
   };
   EmbeddedPlatform platform(listening);
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound service = com::createObject(bindings::resourceService);
-  com::ComPtr<bindings::IResourceService> early;
+  const LateBound service = automation::createObject(bindings::resourceService);
+  automation::ComPtr<bindings::IResourceService> early;
   ASSERT_EQ(service.get()->QueryInterface(bindings::resourceServiceId, reinterpret_cast<void**>(early.out())), S_OK);
-  const com::Bstr text("年度不能为空");
+  const automation::Bstr text("年度不能为空");
   EXPECT_EQ(early->ShowMessage(text.get(), 48, 0, 0), S_OK);
   EXPECT_EQ(shown, "年度不能为空/48");
 }
@@ -223,9 +223,9 @@ TEST_F(PlatformObjectsTest, MessagesGoToThePlatformsSink) {
 TEST_F(PlatformObjectsTest, NamesDifferFromCallToCall) {
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
-  const LateBound names = com::createObject(bindings::uniqueNames);
+  const LateBound names = automation::createObject(bindings::uniqueNames);
   EXPECT_NE(names.text(bindings::uniqueName), names.text(bindings::uniqueName));
-  const Variant number = com::createObject(bindings::naming).getById(bindings::namingNumber, L"number");
+  const Variant number = automation::createObject(bindings::naming).getById(bindings::namingNumber, L"number");
   EXPECT_EQ(number.vt, VT_I4);
   EXPECT_GE(number.lVal, 0);
 }
@@ -235,27 +235,27 @@ TEST_F(PlatformObjectsTest, TheDrillThroughHelperGivesAnEmptyFilter) {
   const PlatformStandIn standIn(platform, nullptr);
   const LateBound login(loginObject(std::make_shared<WorkbenchLogin>(details())), "login");
   const LateBound filter =
-      com::createObject(bindings::drillThrough).object(bindings::filterForLogin, "filter", {login.get(), true});
+      automation::createObject(bindings::drillThrough).object(bindings::filterForLogin, "filter", {login.get(), true});
   EXPECT_EQ(filter.object(L"FilterList", "list").integer(L"Count"), 0);
 }
 
 TEST_F(PlatformObjectsTest, NothingOfTheStandInsStaysBehind) {
-  const long before = com::LiveCount::value();
+  const long before = automation::LiveCount::value();
   {
     EmbeddedPlatform platform(options());
     const PlatformStandIn standIn(platform, nullptr);
-    com::createObject(bindings::naming);
-    com::createObject(bindings::uniqueNames);
-    com::createObject(bindings::drillThrough);
-    com::createObject(bindings::resourceService);
-    com::createObject(bindings::publicComponent);
+    automation::createObject(bindings::naming);
+    automation::createObject(bindings::uniqueNames);
+    automation::createObject(bindings::drillThrough);
+    automation::createObject(bindings::resourceService);
+    automation::createObject(bindings::publicComponent);
   }
-  EXPECT_EQ(com::LiveCount::value(), before);
-  EXPECT_FALSE(com::tryCreateObject(bindings::uniqueNames));
+  EXPECT_EQ(automation::LiveCount::value(), before);
+  EXPECT_FALSE(automation::tryCreateObject(bindings::uniqueNames));
 }
 
 TEST_F(PlatformObjectsTest, AnArgumentReleasesAllThatItGave) {
-  const long before = com::LiveCount::value();
+  const long before = automation::LiveCount::value();
   {
     const LateBound e = argument();
     const LateBound list = e.object(L"rawFilter", "f").object(L"FilterList", "list");
@@ -263,7 +263,7 @@ TEST_F(PlatformObjectsTest, AnArgumentReleasesAllThatItGave) {
     e.object(L"DataSource", "d").text(L"SQL");
     e.object(L"Login", "l").text(L"cAcc_Id");
   }
-  EXPECT_EQ(com::LiveCount::value(), before);
+  EXPECT_EQ(automation::LiveCount::value(), before);
 }
 
 // --- The filter in its dialog ---

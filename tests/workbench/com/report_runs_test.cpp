@@ -51,15 +51,15 @@ class ReportRunsTest : public testing::Test {
   int run(const std::vector<std::string>& settings) {
     const std::string table = "Result" + uniqueNamePart();
     {
-      const com::LateBound report(library_.create<IDispatch>(sfcItemClass), "Quillon.clsSFC_Item");
+      const automation::LateBound report(library_.create<IDispatch>(sfcItemClass), "Quillon.clsSFC_Item");
       const std::unique_ptr<Session> session = openSession();
       const auto login = std::make_shared<WorkbenchLogin>(
           accountLogin(*session, AccountSource::inFile(file_), Language::chinese, "", ""));
       const auto filter = std::make_shared<FilterObject>(reportNamed("sfc-item").registration);
       prepareFilter(*filter, *login, *session);
       setFilterItems(*filter, settings);
-      const com::ComPtr<IDispatch> e = argumentObject(std::make_shared<WorkbenchArgument>(filter, login, table));
-      report.call(L"GETSQL", {com::Variant(e)});
+      const automation::ComPtr<IDispatch> e = argumentObject(std::make_shared<WorkbenchArgument>(filter, login, table));
+      report.call(L"GETSQL", {automation::Variant(e)});
     }
     const std::unique_ptr<Session> session = openSession();
     const std::unique_ptr<Recordset> rows = session->query("Select Count(*) From " + table, {});
@@ -75,7 +75,7 @@ class ReportRunsTest : public testing::Test {
     return session;
   }
 
-  com::test::QuillonLibrary library_;
+  component::test::QuillonLibrary library_;
   std::filesystem::path file_;
   std::unique_ptr<tsql::Connection> account_;
   std::unique_ptr<EmbeddedPlatform> platform_;
@@ -84,23 +84,23 @@ class ReportRunsTest : public testing::Test {
 
 TEST_F(ReportRunsTest, TwoHundredRunsLeaveNothing) {
   EXPECT_GT(run({"cModal=1"}), 0);
-  const long objects = com::LiveCount::value();
+  const long objects = automation::LiveCount::value();
   const std::uint32_t handlesBefore = long_life::processLevel().handles;
   for (int round = 0; round < 200; ++round) {
     EXPECT_GT(run({"cModal=" + std::to_string(round % 3)}), 0);
   }
-  EXPECT_EQ(com::LiveCount::value(), objects);
+  EXPECT_EQ(automation::LiveCount::value(), objects);
   EXPECT_LE(long_life::processLevel().handles, handlesBefore);
   EXPECT_EQ(library_.canUnload(), S_OK);
 }
 
 TEST_F(ReportRunsTest, RunsThatStopAtTheGroupIndexLeaveOneConnection) {
   EXPECT_GT(run({"cModal=1", "cFSType=1"}), 0);
-  const long objects = com::LiveCount::value();
+  const long objects = automation::LiveCount::value();
   const std::uint32_t handlesBefore = long_life::processLevel().handles;
   for (int round = 0; round < 20; ++round)
     EXPECT_GT(run({"cModal=1", "cFSType=1"}), 0);
-  EXPECT_EQ(com::LiveCount::value(), objects);
+  EXPECT_EQ(automation::LiveCount::value(), objects);
   EXPECT_LE(long_life::processLevel().handles, handlesBefore);
   // The connection that the last build left open keeps the library loaded, until the next run replaces and closes it.
   EXPECT_EQ(library_.canUnload(), S_FALSE);

@@ -5,13 +5,13 @@
 namespace quillon::workbench {
 namespace {
 
-std::vector<com::Variant> threeNumbers() {
-  return {com::Variant(1), com::Variant(2), com::Variant(3)};
+std::vector<automation::Variant> threeNumbers() {
+  return {automation::Variant(1), automation::Variant(2), automation::Variant(3)};
 }
 
 TEST(VariantListTest, GivesItsValuesInOrderAndThenNoMore) {
-  const auto list = com::makeObject<VariantList>(threeNumbers());
-  com::Variant values[2];
+  const auto list = automation::makeObject<VariantList>(threeNumbers());
+  automation::Variant values[2];
   ULONG fetched = 0;
   EXPECT_EQ(list->Next(2, values, &fetched), S_OK);
   EXPECT_EQ(fetched, 2U);
@@ -24,11 +24,11 @@ TEST(VariantListTest, GivesItsValuesInOrderAndThenNoMore) {
 }
 
 TEST(VariantListTest, SkipsResetsAndClonesItsPosition) {
-  const auto list = com::makeObject<VariantList>(threeNumbers());
+  const auto list = automation::makeObject<VariantList>(threeNumbers());
   EXPECT_EQ(list->Skip(2), S_OK);
-  com::ComPtr<IEnumVARIANT> copy;
+  automation::ComPtr<IEnumVARIANT> copy;
   ASSERT_EQ(list->Clone(copy.out()), S_OK);
-  com::Variant value;
+  automation::Variant value;
   EXPECT_EQ(copy->Next(1, value.out(), nullptr), S_OK);
   EXPECT_EQ(value.lVal, 3);
   EXPECT_EQ(list->Skip(2), S_FALSE);
@@ -38,15 +38,15 @@ TEST(VariantListTest, SkipsResetsAndClonesItsPosition) {
 }
 
 TEST(VariantListTest, RefusesManyValuesWithoutACount) {
-  const auto list = com::makeObject<VariantList>(threeNumbers());
-  com::Variant values[2];
+  const auto list = automation::makeObject<VariantList>(threeNumbers());
+  automation::Variant values[2];
   EXPECT_EQ(list->Next(2, values, nullptr), E_POINTER);
 }
 
 TEST(VariantListTest, TheVariantHoldsTheOnlyReference) {
-  const long before = com::LiveCount::value();
-  { const com::Variant holder = enumeratorOf(threeNumbers()); }
-  EXPECT_EQ(com::LiveCount::value(), before);
+  const long before = automation::LiveCount::value();
+  { const automation::Variant holder = enumeratorOf(threeNumbers()); }
+  EXPECT_EQ(automation::LiveCount::value(), before);
 }
 
 }  // namespace

@@ -17,9 +17,9 @@
 namespace quillon::workbench {
 namespace {
 
-using com::LateBound;
-using com::Variant;
-namespace bindings = com::bindings;
+using automation::LateBound;
+using automation::Variant;
+namespace bindings = component::bindings;
 
 constexpr CLSID sfcItemClass = {0xe518f10c, 0xf08e, 0x4684, {0xa4, 0x65, 0x50, 0xe6, 0x80, 0x8d, 0x03, 0x1e}};
 constexpr CLSID sfcFilterControlClass = {0x7ecd1526, 0x372f, 0x43c7, {0xbe, 0x9c, 0x59, 0x23, 0xa0, 0x79, 0x15, 0xca}};
@@ -36,7 +36,7 @@ class ServerConnection final : public AdoConnection {
   STDMETHODIMP Invoke(DISPID id, REFIID reserved, LCID locale, WORD kind, DISPPARAMS* parameters, VARIANT* result,
                       EXCEPINFO* info, UINT* badArgument) override {
     if (kind == DISPATCH_PROPERTYPUT && parameters->rgvarg[0].vt == VT_BSTR) {
-      const bool known = com::toUtf8(parameters->rgvarg[0].bstrVal) == server;
+      const bool known = automation::toUtf8(parameters->rgvarg[0].bstrVal) == server;
       Variant text(known ? file_ : "no such server");
       DISPPARAMS changed = *parameters;
       changed.rgvarg = &text;
@@ -67,7 +67,7 @@ class WorkbenchPlatformTest : public testing::Test {
     std::filesystem::remove(file_, ignored);
   }
 
-  static LateBound newPlatform() { return {com::makeObject<WorkbenchPlatform>(), "QuillonWorkbench.Platform"}; }
+  static LateBound newPlatform() { return {automation::makeObject<WorkbenchPlatform>(), "QuillonWorkbench.Platform"}; }
 
   // Runs the report on the account that `platform` has open and gives the rows of its result table.
   int runReport(const LateBound& platform) const {
@@ -83,7 +83,7 @@ class WorkbenchPlatformTest : public testing::Test {
     return rows.object(L"Fields", "fields").item(0, "field").integer(L"Value");
   }
 
-  com::test::QuillonLibrary library_;
+  component::test::QuillonLibrary library_;
   std::filesystem::path file_;
 };
 
@@ -104,12 +104,13 @@ TEST_F(WorkbenchPlatformTest, RunsAReportOnAnAccountFile) {
 
 TEST_F(WorkbenchPlatformTest, RunsAReportOnAServerThroughTheMachinesAdo) {
   int connections = 0;
-  const com::InProcessClass machinesConnection(com::classIdOf(bindings::connection), [&]() -> com::ComPtr<IUnknown> {
-    return com::makeObject<ServerConnection>(connectionString(file_), connections);
-  });
-  const com::InProcessClass machinesRecordset(com::classIdOf(bindings::recordset), []() -> com::ComPtr<IUnknown> {
-    return com::makeObject<AdoRecordset>(nullptr);
-  });
+  const automation::InProcessClass machinesConnection(
+      automation::classIdOf(bindings::connection), [&]() -> automation::ComPtr<IUnknown> {
+        return automation::makeObject<ServerConnection>(connectionString(file_), connections);
+      });
+  const automation::InProcessClass machinesRecordset(
+      automation::classIdOf(bindings::recordset),
+      []() -> automation::ComPtr<IUnknown> { return automation::makeObject<AdoRecordset>(nullptr); });
 
   const LateBound platform = newPlatform();
   platform.call(L"OpenAccount", {server});
@@ -160,10 +161,11 @@ TEST_F(WorkbenchPlatformTest, ADialogFillsInTheFilterOfItsArgument) {
 }
 
 TEST_F(WorkbenchPlatformTest, ADialogNeedsAnAccountFile) {
-  const com::InProcessClass machinesConnection(com::classIdOf(bindings::connection), [&]() -> com::ComPtr<IUnknown> {
-    static int connections = 0;
-    return com::makeObject<ServerConnection>(connectionString(file_), connections);
-  });
+  const automation::InProcessClass machinesConnection(
+      automation::classIdOf(bindings::connection), [&]() -> automation::ComPtr<IUnknown> {
+        static int connections = 0;
+        return automation::makeObject<ServerConnection>(connectionString(file_), connections);
+      });
   const LateBound platform = newPlatform();
   platform.call(L"OpenAccount", {server});
   EXPECT_EQ(errorOf(platform, L"NewDialog", "sfc-item"),
