@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "component/adapter_of.h"
 #include "component/platform_bindings.h"
 
 namespace quillon::component {
@@ -75,6 +76,14 @@ int AdoSession::state() {
 
 void AdoSession::close() {
   connection_.call(ado::close);
+}
+
+ConnectionVariable::ConnectionVariable(Session& session) : object_(adapterOf<AdoSession>(session).connection().get()) {
+  if (object_) object_->AddRef();
+}
+
+ConnectionVariable::~ConnectionVariable() {
+  if (object_) object_->Release();
 }
 
 }  // namespace quillon::component

@@ -1,4 +1,5 @@
-// The session port over an ADO Connection, called late-bound by member name.
+// Session and Recordset (ports of the core) over an ADO Connection: the library calls the ports, the adapters call ADO's
+// objects late-bound by member name.
 #pragma once
 
 #include "automation/late_bound.h"
@@ -40,6 +41,20 @@ class AdoSession : public Session {
 
  private:
   automation::LateBound connection_;
+};
+
+// A connection as Basic passes it to a ByRef parameter: the callee sees a variable that holds it, ours stays as it is.
+class ConnectionVariable {
+ public:
+  // `session` is an AdoSession; throws std::bad_cast for another.
+  explicit ConnectionVariable(Session& session);
+  ConnectionVariable(const ConnectionVariable&) = delete;
+  ConnectionVariable& operator=(const ConnectionVariable&) = delete;
+  ~ConnectionVariable();
+  automation::Variant reference() { return automation::Variant::reference(object_); }
+
+ private:
+  IDispatch* object_;
 };
 
 }  // namespace quillon::component

@@ -4,8 +4,11 @@
 #include <string>
 
 #include "automation/dual_object.h"
+#include "component/argument_adapters.h"
+#include "component/filter_adapters.h"
 #include "component/module_state.h"
 #include "component/quillon_interfaces.h"
+#include "component/voucher_adapters.h"
 #include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
 #include "filters/wt_filter_control.h"
@@ -25,18 +28,18 @@ using automation::Variant;
 namespace {
 
 // The argument object that a caller passes by reference, as the core's port.
-ComReportArgument argumentOf(IDispatch** e) {
-  return ComReportArgument(ComPtr<IDispatch>(e ? *e : nullptr));
+LateBoundReportArgument argumentOf(IDispatch** e) {
+  return LateBoundReportArgument(ComPtr<IDispatch>(e ? *e : nullptr));
 }
 
 // The filter object that a dialog passes by reference, as the core's port.
-ComFilterDialog dialogOf(IDispatch** filter) {
-  return ComFilterDialog(ComPtr<IDispatch>(filter ? *filter : nullptr));
+LateBoundFilterDialog dialogOf(IDispatch** filter) {
+  return LateBoundFilterDialog(ComPtr<IDispatch>(filter ? *filter : nullptr));
 }
 
 // The platform's object behind a filter that came from it; null for none.
 ComPtr<IDispatch> objectOf(const std::shared_ptr<Filter>& filter) {
-  return filter ? dynamic_cast<const ComFilter&>(*filter).object() : ComPtr<IDispatch>();
+  return filter ? dynamic_cast<const LateBoundFilter&>(*filter).object() : ComPtr<IDispatch>();
 }
 
 // Gives the caller's variant a new value; one that refers to another variable passes it on to that one.
@@ -72,13 +75,13 @@ class SummaryReportClass : public DualObject<Interface, Class> {
   }
   STDMETHODIMP GETSQL(IDispatch** e) override {
     return this->run([&] {
-      ComReportArgument argument = argumentOf(e);
+      LateBoundReportArgument argument = argumentOf(e);
       report_.getSql(argument);
     });
   }
   STDMETHODIMP Execute(IDispatch** e) override {
     return this->run([&] {
-      ComReportArgument argument = argumentOf(e);
+      LateBoundReportArgument argument = argumentOf(e);
       report_.execute(argument);
     });
   }
@@ -109,7 +112,7 @@ class BusinessClass : public DualObject<_ClsBusiness, ClsBusiness> {
       VariantInit(result);
       // "Nothing" takes back what was stored before.
       state_->module().business =
-          *business ? std::make_shared<ComBusinessObject>(ComPtr<IDispatch>(*business)) : nullptr;
+          *business ? std::make_shared<BusinessObjectReference>(ComPtr<IDispatch>(*business)) : nullptr;
     });
   }
 
@@ -123,13 +126,13 @@ class DetailLedgerClass : public DualObject<_clsFXDetail, clsFXDetail> {
 
   STDMETHODIMP GETSQL(IDispatch** e) override {
     return run([&] {
-      ComReportArgument argument = argumentOf(e);
+      LateBoundReportArgument argument = argumentOf(e);
       report_.getSql(argument);
     });
   }
   STDMETHODIMP Execute(IDispatch** e) override {
     return run([&] {
-      ComReportArgument argument = argumentOf(e);
+      LateBoundReportArgument argument = argumentOf(e);
       report_.execute(argument);
     });
   }
@@ -160,7 +163,7 @@ class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
   STDMETHODIMP putref_objFilter(IDispatch** value) override {
     return run([&] {
       require(value);
-      report_.setFilter(*value ? std::make_shared<ComFilter>(LateBound(ComPtr<IDispatch>(*value), "objFilter"))
+      report_.setFilter(*value ? std::make_shared<LateBoundFilter>(LateBound(ComPtr<IDispatch>(*value), "objFilter"))
                                : nullptr);
     });
   }
@@ -178,7 +181,7 @@ class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
   }
   STDMETHODIMP GETSQL(IDispatch** e) override {
     return run([&] {
-      ComReportArgument argument = argumentOf(e);
+      LateBoundReportArgument argument = argumentOf(e);
       report_.getSql(argument);
     });
   }
@@ -190,7 +193,7 @@ class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
   }
   STDMETHODIMP Execute(IDispatch** e) override {
     return run([&] {
-      ComReportArgument argument = argumentOf(e);
+      LateBoundReportArgument argument = argumentOf(e);
       report_.execute(argument);
     });
   }
@@ -210,13 +213,13 @@ class FilterControlClass : public DualObject<Interface, Class> {
     return this->run([&] {
       this->require(result);
       VariantInit(result);
-      ComFilterDialog dialog = dialogOf(filter);
+      LateBoundFilterDialog dialog = dialogOf(filter);
       control_.filterInit(dialog);
     });
   }
   STDMETHODIMP CallBack_ValueChange(BSTR* key, IDispatch** filter) override {
     return this->run([&] {
-      ComFilterDialog dialog = dialogOf(filter);
+      LateBoundFilterDialog dialog = dialogOf(filter);
       control_.valueChange(this->taken(key), dialog);
     });
   }
@@ -274,7 +277,7 @@ class SummaryFilterClass : public FilterControlClass<_clsSFCFilterControl, clsSF
   HRESULT giveView(IDispatch** filter, VARIANT* viewClass) noexcept {
     return run([&] {
       require(viewClass);
-      ComFilterDialog dialog = dialogOf(filter);
+      LateBoundFilterDialog dialog = dialogOf(filter);
       assign(*viewClass, SfcFilterControl::reportView(dialog));
     });
   }
@@ -289,7 +292,7 @@ class LedgerFilterClass : public FilterControlClass<_clsFilterControl, clsFilter
       require(cancel);
       require(result);
       VariantInit(result);
-      ComFilterDialog dialog = dialogOf(filter);
+      LateBoundFilterDialog dialog = dialogOf(filter);
       if (control().filterClick(dialog)) *cancel = VARIANT_TRUE;
     });
   }
@@ -305,7 +308,7 @@ class LedgerFilterClass : public FilterControlClass<_clsFilterControl, clsFilter
   HRESULT giveView(IDispatch** filter, VARIANT* viewClass) noexcept {
     return run([&] {
       require(viewClass);
-      ComFilterDialog dialog = dialogOf(filter);
+      LateBoundFilterDialog dialog = dialogOf(filter);
       if (const auto view = FilterControl::reportView(dialog)) assign(*viewClass, *view);
     });
   }

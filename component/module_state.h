@@ -7,7 +7,8 @@
 
 #include <memory>
 
-#include "component/platform_adapters.h"
+#include "automation/win32.h"
+#include "component/platform_adapter.h"
 #include "frame/module.h"
 
 namespace quillon::component {
@@ -18,7 +19,7 @@ class ModuleState {
   Module& module() { return module_; }
 
  private:
-  ComPlatform platform_;
+  LateBoundPlatform platform_;
   Module module_{platform_};
 };
 

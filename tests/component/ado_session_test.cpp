@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/platform_adapters.h"
+#include "component/platform_adapter.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
 #include "tests/component/fake_platform.h"
@@ -34,7 +34,7 @@ class AdoSessionTest : public testing::Test {
   Recorder recorder;
   FakePlatform platform{recorder};
   long classObjects = LiveCount::value();
-  std::shared_ptr<Session> session = ComPlatform().createSession();
+  std::shared_ptr<Session> session = LateBoundPlatform().createSession();
 };
 
 TEST_F(AdoSessionTest, SetsTheConnectionUpAndOpensIt) {

@@ -7,7 +7,9 @@
 
 #include "automation/late_bound.h"
 #include "workbench/catalogue/library_runner.h"
+#include "workbench/com/argument_object.h"
 #include "workbench/com/exposed_platform.h"
+#include "workbench/com/filter_objects.h"
 
 namespace quillon {
 
@@ -77,7 +79,7 @@ class LibraryDialogRunner final : public DialogRunner {
   LibraryDialogRunner(EmbeddedPlatform& platform, const Report& report, std::shared_ptr<FilterDialogObject> dialog)
       : standIn_(platform, nullptr),
         control_(createInstance(report.dialog->name)),
-        filter_(dialogDispatch(std::move(dialog))) {}
+        filter_(dialogObject(std::move(dialog))) {}
 
   void init() override { control_.call(L"CallBack_FilterInit", {automation::Variant(filter_)}); }
   void changed(const std::string& key) override {

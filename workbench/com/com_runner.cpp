@@ -6,7 +6,9 @@
 #include "automation/errors.h"
 #include "automation/text.h"
 #include "automation/win32.h"
+#include "workbench/com/argument_object.h"
 #include "workbench/com/exposed_platform.h"
+#include "workbench/com/filter_objects.h"
 
 namespace quillon::workbench {
 
@@ -78,7 +80,7 @@ class ComDialogRunner final : public DialogRunner {
       : host_(platform),
         control_(createInstance(report.dialog->name)),
         hasViews_(report.dialog->hasViews),
-        filter_(dialogDispatch(std::move(dialog))) {}
+        filter_(dialogObject(std::move(dialog))) {}
 
   void init() override { control_.call(L"CallBack_FilterInit", {filter()}); }
   void changed(const std::string& key) override { control_.call(L"CallBack_ValueChange", {key, filter()}); }

@@ -18,15 +18,15 @@ namespace bindings = component::bindings;
 
 namespace {
 
-class WorkTableNumberDispatch : public automation::DispatchObject<WorkTableNumberDispatch> {
+class ExposedWorkTableNumber : public automation::DispatchObject<ExposedWorkTableNumber> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Number", DISPID_VALUE, automation::readable, 0, 0, &WorkTableNumberDispatch::number}};
+        {L"Number", DISPID_VALUE, automation::readable, 0, 0, &ExposedWorkTableNumber::number}};
     return table;
   }
 
-  explicit WorkTableNumberDispatch(int number) : number_(number) {}
+  explicit ExposedWorkTableNumber(int number) : number_(number) {}
 
  private:
   Variant number(Call&) { return number_; }
@@ -34,17 +34,17 @@ class WorkTableNumberDispatch : public automation::DispatchObject<WorkTableNumbe
   int number_;
 };
 
-class AccountLoginDispatch : public OwnObject<AccountLoginDispatch> {
+class ExposedAccountLogin : public OwnObject<ExposedAccountLogin> {
  public:
   static constexpr IID ownId = {0x6fdcb58e, 0x2b11, 0x4f47, {0x8d, 0x1c, 0x08, 0x23, 0xde, 0x13, 0xb4, 0x3e}};
 
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::account_login::initialise, 1, automation::callable, 2, 2, &AccountLoginDispatch::initialise}};
+        {bindings::account_login::initialise, 1, automation::callable, 2, 2, &ExposedAccountLogin::initialise}};
     return table;
   }
 
-  explicit AccountLoginDispatch(std::unique_ptr<AccountLogin> login) : login_(std::move(login)) {}
+  explicit ExposedAccountLogin(std::unique_ptr<AccountLogin> login) : login_(std::move(login)) {}
 
   AccountLogin& login() { return *login_; }
 
@@ -59,17 +59,17 @@ class AccountLoginDispatch : public OwnObject<AccountLoginDispatch> {
 };
 
 // Empty until the environment fills it.
-class AccountOptionsDispatch : public OwnObject<AccountOptionsDispatch> {
+class ExposedAccountOptions : public OwnObject<ExposedAccountOptions> {
  public:
   static constexpr IID ownId = {0xd14a4f0f, 0xf614, 0x4c90, {0x9d, 0xb7, 0x67, 0xd6, 0x09, 0x02, 0xca, 0xff}};
 
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::account_options::costingBasis, 1, automation::readable, 0, 0, &AccountOptionsDispatch::costingBasis},
+        {bindings::account_options::costingBasis, 1, automation::readable, 0, 0, &ExposedAccountOptions::costingBasis},
         {bindings::account_options::inventoryTable, 2, automation::readable, 0, 0,
-         &AccountOptionsDispatch::inventoryTable},
+         &ExposedAccountOptions::inventoryTable},
         {bindings::account_options::warehouseTable, 3, automation::readable, 0, 0,
-         &AccountOptionsDispatch::warehouseTable},
+         &ExposedAccountOptions::warehouseTable},
     };
     return table;
   }
@@ -92,24 +92,23 @@ class AccountOptionsDispatch : public OwnObject<AccountOptionsDispatch> {
   std::unique_ptr<AccountOptions> options_;
 };
 
-class EnvironmentDispatch : public automation::DispatchObject<EnvironmentDispatch> {
+class ExposedEnvironment : public automation::DispatchObject<ExposedEnvironment> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::inventory_environment::initialise, 1, automation::callable, 1, 1, &EnvironmentDispatch::initialise},
-        {bindings::inventory_environment::tableNames, 2, automation::callable, 2, 2, &EnvironmentDispatch::tableNames},
-        {bindings::inventory_environment::fillOptions, 3, automation::callable, 3, 3,
-         &EnvironmentDispatch::fillOptions},
+        {bindings::inventory_environment::initialise, 1, automation::callable, 1, 1, &ExposedEnvironment::initialise},
+        {bindings::inventory_environment::tableNames, 2, automation::callable, 2, 2, &ExposedEnvironment::tableNames},
+        {bindings::inventory_environment::fillOptions, 3, automation::callable, 3, 3, &ExposedEnvironment::fillOptions},
     };
     return table;
   }
 
-  explicit EnvironmentDispatch(std::unique_ptr<InventoryEnvironment> environment)
+  explicit ExposedEnvironment(std::unique_ptr<InventoryEnvironment> environment)
       : environment_(std::move(environment)) {}
 
  private:
-  ComPtr<AccountLoginDispatch> loginAt(Call& call, std::size_t index) const {
-    return AccountLoginDispatch::from(call.object(index), sourceName(), "an account login");
+  ComPtr<ExposedAccountLogin> loginAt(Call& call, std::size_t index) const {
+    return ExposedAccountLogin::from(call.object(index), sourceName(), "an account login");
   }
 
   Variant initialise(Call& call) {
@@ -124,32 +123,30 @@ class EnvironmentDispatch : public automation::DispatchObject<EnvironmentDispatc
     return {};
   }
   Variant fillOptions(Call& call) {
-    const auto options = AccountOptionsDispatch::from(call.object(0), sourceName(), "account options");
+    const auto options = ExposedAccountOptions::from(call.object(0), sourceName(), "account options");
     options->fill(environment_->accountOptions(loginAt(call, 1)->login(), call.text(2)));
     return {};
   }
   const char* sourceName() const override { return "OrvPlatform.InventoryEnvironment"; }
 
   std::unique_ptr<InventoryEnvironment> environment_;
-  ComPtr<AccountLoginDispatch> login_;  // what the environment was handed stays with it
+  ComPtr<ExposedAccountLogin> login_;  // what the environment was handed stays with it
 };
 
 }  // namespace
 
 EnvironmentStandIn::EnvironmentStandIn(EmbeddedPlatform& platform)
-    : workTableNumber_(automation::classIdOf(bindings::workTableNumber),
-                       [&platform]() -> ComPtr<IUnknown> {
-                         return makeObject<WorkTableNumberDispatch>(platform.workTableNumber());
-                       }),
-      accountLogin_(automation::classIdOf(bindings::accountLogin),
-                    [&platform]() -> ComPtr<IUnknown> {
-                      return makeObject<AccountLoginDispatch>(platform.createAccountLogin());
-                    }),
+    : workTableNumber_(
+          automation::classIdOf(bindings::workTableNumber),
+          [&platform]() -> ComPtr<IUnknown> { return makeObject<ExposedWorkTableNumber>(platform.workTableNumber()); }),
+      accountLogin_(
+          automation::classIdOf(bindings::accountLogin),
+          [&platform]() -> ComPtr<IUnknown> { return makeObject<ExposedAccountLogin>(platform.createAccountLogin()); }),
       environment_(automation::classIdOf(bindings::environment),
                    [&platform]() -> ComPtr<IUnknown> {
-                     return makeObject<EnvironmentDispatch>(platform.createInventoryEnvironment());
+                     return makeObject<ExposedEnvironment>(platform.createInventoryEnvironment());
                    }),
       accountOptions_(automation::classIdOf(bindings::accountOptions),
-                      []() -> ComPtr<IUnknown> { return makeObject<AccountOptionsDispatch>(); }) {}
+                      []() -> ComPtr<IUnknown> { return makeObject<ExposedAccountOptions>(); }) {}
 
 }  // namespace quillon::workbench

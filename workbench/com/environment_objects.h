@@ -1,5 +1,6 @@
-// What the detail ledger and its dialog create of the inventory-accounting environment, as automation objects: account
-// login, environment, account options, and the numbers of work tables. Thin wrappers; workbench/platform does the work.
+// What the detail ledger and its dialog create of the inventory-accounting environment, as automation objects that
+// Quillon.dll calls: account login, environment, account options, and the numbers of work tables. The objects take the
+// calls, the ports of workbench/platform do the work.
 #pragma once
 
 #include "automation/class_factory.h"

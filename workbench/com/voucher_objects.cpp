@@ -8,7 +8,7 @@
 
 #include "automation/class_lookup.h"
 #include "component/ado_session.h"
-#include "component/platform_adapters.h"
+#include "component/login_adapter.h"
 #include "component/platform_bindings.h"
 #include "frame/text.h"
 #include "workbench/com/own_object.h"
@@ -27,8 +27,8 @@ component::AdoSession sessionAt(Call& call, std::size_t index) {
   return component::AdoSession({call.object(index), "ADODB.Connection"});
 }
 
-component::ComLogin loginOf(ComPtr<IDispatch> object) {
-  return component::ComLogin({std::move(object), "login"});
+component::LateBoundLogin loginOf(ComPtr<IDispatch> object) {
+  return component::LateBoundLogin({std::move(object), "login"});
 }
 
 // The document that the arguments of a call name by type code, voucher code and row id.
@@ -36,28 +36,27 @@ SourceVoucher voucherOf(Call& call) {
   return {.type = call.text(0), .code = call.text(1), .lineId = call.integer(2)};
 }
 
-class SourceVoucherDispatch : public automation::DispatchObject<SourceVoucherDispatch> {
+class ExposedSourceVoucher : public automation::DispatchObject<ExposedSourceVoucher> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::source_voucher::initialise, 1, automation::callable, 3, 3, &SourceVoucherDispatch::initialise},
-        {bindings::source_voucher::show, 2, automation::callable, 4, 4, &SourceVoucherDispatch::show},
+        {bindings::source_voucher::initialise, 1, automation::callable, 3, 3, &ExposedSourceVoucher::initialise},
+        {bindings::source_voucher::show, 2, automation::callable, 4, 4, &ExposedSourceVoucher::show},
         {bindings::source_voucher::showCostItemAdjustment, 3, automation::callable, 2, 2,
-         &SourceVoucherDispatch::showCostItemAdjustment},
+         &ExposedSourceVoucher::showCostItemAdjustment},
         {bindings::source_voucher::showDifferences, 4, automation::callable, 6, 6,
-         &SourceVoucherDispatch::showDifferences},
+         &ExposedSourceVoucher::showDifferences},
         {bindings::source_voucher::showPriceAdjustment, 5, automation::callable, 1, 1,
-         &SourceVoucherDispatch::showPriceAdjustment},
+         &ExposedSourceVoucher::showPriceAdjustment},
     };
     return table;
   }
 
-  explicit SourceVoucherDispatch(std::unique_ptr<SourceVoucherComponent> component)
-      : component_(std::move(component)) {}
+  explicit ExposedSourceVoucher(std::unique_ptr<SourceVoucherComponent> component) : component_(std::move(component)) {}
 
  private:
   Variant initialise(Call& call) {
-    component::ComLogin login = loginOf(call.object(0));
+    component::LateBoundLogin login = loginOf(call.object(0));
     session_.emplace(sessionAt(call, 1));
     component_->initialise(login, *session_, call.text(2));
     return {};
@@ -88,20 +87,29 @@ class SourceVoucherDispatch : public automation::DispatchObject<SourceVoucherDis
   std::optional<component::AdoSession> session_;  // the component reads through it later
 };
 
-class LedgerModuleDispatch : public OwnObject<LedgerModuleDispatch> {
+// What the caller hands over as its business object: kept, and never called.
+class KeptBusinessObject : public BusinessObject {
+ public:
+  explicit KeptBusinessObject(ComPtr<IDispatch> object) : object_(std::move(object)) {}
+
+ private:
+  ComPtr<IDispatch> object_;
+};
+
+class ExposedLedgerModule : public OwnObject<ExposedLedgerModule> {
  public:
   static constexpr IID ownId = {0x9c5a61b4, 0x1a82, 0x4270, {0x96, 0x43, 0xdb, 0x26, 0xc0, 0xbc, 0x1d, 0xf0}};
 
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::ledger_module::business, 1, automation::writable, 0, 0, &LedgerModuleDispatch::business},
-        {bindings::ledger_module::login, 2, automation::writable, 0, 0, &LedgerModuleDispatch::login},
-        {bindings::ledger_module::initialise, 3, automation::callable, 5, 5, &LedgerModuleDispatch::initialise},
+        {bindings::ledger_module::business, 1, automation::writable, 0, 0, &ExposedLedgerModule::business},
+        {bindings::ledger_module::login, 2, automation::writable, 0, 0, &ExposedLedgerModule::login},
+        {bindings::ledger_module::initialise, 3, automation::callable, 5, 5, &ExposedLedgerModule::initialise},
     };
     return table;
   }
 
-  explicit LedgerModuleDispatch(std::unique_ptr<LedgerModule> module) : module_(std::move(module)) {}
+  explicit ExposedLedgerModule(std::unique_ptr<LedgerModule> module) : module_(std::move(module)) {}
 
   LedgerModule& module() { return *module_; }
 
@@ -125,23 +133,22 @@ class LedgerModuleDispatch : public OwnObject<LedgerModuleDispatch> {
   const char* sourceName() const override { return "ZzPub.clsPub"; }
 
   std::unique_ptr<LedgerModule> module_;
-  std::optional<component::ComBusinessObject> business_;
-  std::optional<component::ComLogin> login_;
+  std::optional<KeptBusinessObject> business_;
+  std::optional<component::LateBoundLogin> login_;
 };
 
-class LedgerVoucherDispatch : public automation::DispatchObject<LedgerVoucherDispatch> {
+class ExposedLedgerVoucher : public automation::DispatchObject<ExposedLedgerVoucher> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {bindings::ledger_voucher::login, 1, automation::writable, 0, 0, &LedgerVoucherDispatch::login},
-        {bindings::ledger_voucher::module, 2, automation::writable, 0, 0, &LedgerVoucherDispatch::module},
-        {bindings::ledger_voucher::open, 3, automation::callable, 3, 3, &LedgerVoucherDispatch::open},
+        {bindings::ledger_voucher::login, 1, automation::writable, 0, 0, &ExposedLedgerVoucher::login},
+        {bindings::ledger_voucher::module, 2, automation::writable, 0, 0, &ExposedLedgerVoucher::module},
+        {bindings::ledger_voucher::open, 3, automation::callable, 3, 3, &ExposedLedgerVoucher::open},
     };
     return table;
   }
 
-  explicit LedgerVoucherDispatch(std::unique_ptr<LedgerVoucherComponent> component)
-      : component_(std::move(component)) {}
+  explicit ExposedLedgerVoucher(std::unique_ptr<LedgerVoucherComponent> component) : component_(std::move(component)) {}
 
  private:
   Variant login(Call& call) {
@@ -150,7 +157,7 @@ class LedgerVoucherDispatch : public automation::DispatchObject<LedgerVoucherDis
     return {};
   }
   Variant module(Call& call) {
-    module_ = LedgerModuleDispatch::from(automation::toObject(call.assigned()), sourceName(), "a ZzPub.clsPub");
+    module_ = ExposedLedgerModule::from(automation::toObject(call.assigned()), sourceName(), "a ZzPub.clsPub");
     component_->setModule(module_->module());
     return {};
   }
@@ -160,26 +167,26 @@ class LedgerVoucherDispatch : public automation::DispatchObject<LedgerVoucherDis
   }
   const char* sourceName() const override { return "ZzPz.clsPZ"; }
 
-  ComPtr<LedgerModuleDispatch> module_;  // before the component, which refers to it
-  std::optional<component::ComLogin> login_;
+  ComPtr<ExposedLedgerModule> module_;  // before the component, which refers to it
+  std::optional<component::LateBoundLogin> login_;
   std::unique_ptr<LedgerVoucherComponent> component_;
 };
 
-class OpenedVoucherDispatch : public automation::DispatchObject<OpenedVoucherDispatch> {
+class ExposedOpenedVoucher : public automation::DispatchObject<ExposedOpenedVoucher> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Text", DISPID_VALUE, automation::readable, 0, 0, &OpenedVoucherDispatch::text},
-        {L"Member", 1, automation::readable, 0, 0, &OpenedVoucherDispatch::member},
-        {L"Title", 2, automation::readable, 0, 0, &OpenedVoucherDispatch::title},
-        {L"Heading", 3, automation::readable | automation::callable, 1, 1, &OpenedVoucherDispatch::heading},
-        {L"LineCount", 4, automation::readable, 0, 0, &OpenedVoucherDispatch::lineCount},
-        {L"Line", 5, automation::readable | automation::callable, 2, 2, &OpenedVoucherDispatch::line},
+        {L"Text", DISPID_VALUE, automation::readable, 0, 0, &ExposedOpenedVoucher::text},
+        {L"Member", 1, automation::readable, 0, 0, &ExposedOpenedVoucher::member},
+        {L"Title", 2, automation::readable, 0, 0, &ExposedOpenedVoucher::title},
+        {L"Heading", 3, automation::readable | automation::callable, 1, 1, &ExposedOpenedVoucher::heading},
+        {L"LineCount", 4, automation::readable, 0, 0, &ExposedOpenedVoucher::lineCount},
+        {L"Line", 5, automation::readable | automation::callable, 2, 2, &ExposedOpenedVoucher::line},
     };
     return table;
   }
 
-  OpenedVoucherDispatch(OpenedVoucher voucher, Language language) : voucher_(std::move(voucher)), language_(language) {}
+  ExposedOpenedVoucher(OpenedVoucher voucher, Language language) : voucher_(std::move(voucher)), language_(language) {}
 
  private:
   Variant text(Call&) {
@@ -227,17 +234,17 @@ class OpenedVoucherDispatch : public automation::DispatchObject<OpenedVoucherDis
   Language language_;
 };
 
-class MessageDispatch : public automation::DispatchObject<MessageDispatch> {
+class ExposedMessage : public automation::DispatchObject<ExposedMessage> {
  public:
   static std::span<const Member> members() {
     static constexpr Member table[] = {
-        {L"Text", DISPID_VALUE, automation::readable, 0, 0, &MessageDispatch::text},
-        {L"Flags", 1, automation::readable, 0, 0, &MessageDispatch::flags},
+        {L"Text", DISPID_VALUE, automation::readable, 0, 0, &ExposedMessage::text},
+        {L"Flags", 1, automation::readable, 0, 0, &ExposedMessage::flags},
     };
     return table;
   }
 
-  MessageDispatch(std::string text, int flags) : text_(std::move(text)), flags_(flags) {}
+  ExposedMessage(std::string text, int flags) : text_(std::move(text)), flags_(flags) {}
 
  private:
   Variant text(Call&) { return text_; }
@@ -253,24 +260,23 @@ VoucherStandIn::VoucherStandIn(EmbeddedPlatform& platform)
     : sourceVoucher_(
           automation::classIdOf(bindings::sourceVoucher),
           [&platform]() -> ComPtr<IUnknown> { return sourceVoucherObject(platform.createSourceVoucherComponent()); }),
-      ledgerModule_(automation::classIdOf(bindings::ledgerModule),
-                    [&platform]() -> ComPtr<IUnknown> {
-                      return makeObject<LedgerModuleDispatch>(platform.createLedgerModule());
-                    }),
+      ledgerModule_(
+          automation::classIdOf(bindings::ledgerModule),
+          [&platform]() -> ComPtr<IUnknown> { return makeObject<ExposedLedgerModule>(platform.createLedgerModule()); }),
       ledgerVoucher_(automation::classIdOf(bindings::ledgerVoucher), [&platform]() -> ComPtr<IUnknown> {
-        return makeObject<LedgerVoucherDispatch>(platform.createLedgerVoucherComponent());
+        return makeObject<ExposedLedgerVoucher>(platform.createLedgerVoucherComponent());
       }) {}
 
 ComPtr<IDispatch> sourceVoucherObject(std::unique_ptr<SourceVoucherComponent> component) {
-  return makeObject<SourceVoucherDispatch>(std::move(component));
+  return makeObject<ExposedSourceVoucher>(std::move(component));
 }
 
 ComPtr<IDispatch> openedVoucherObject(OpenedVoucher voucher, Language language) {
-  return makeObject<OpenedVoucherDispatch>(std::move(voucher), language);
+  return makeObject<ExposedOpenedVoucher>(std::move(voucher), language);
 }
 
 ComPtr<IDispatch> messageObject(std::string text, int flags) {
-  return makeObject<MessageDispatch>(std::move(text), flags);
+  return makeObject<ExposedMessage>(std::move(text), flags);
 }
 
 }  // namespace quillon::workbench

@@ -1,5 +1,5 @@
-// The voucher components as automation objects, and what a platform tells its user as objects for scripts. Thin
-// wrappers; the objects of workbench/platform look the documents up.
+// The voucher components as automation objects that Quillon.dll calls, and what a platform tells its user as objects for
+// scripts. The objects take the calls, the ports of workbench/platform look the documents up.
 #pragma once
 
 #include <memory>

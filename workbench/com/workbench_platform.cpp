@@ -5,6 +5,7 @@
 #include "automation/class_lookup.h"
 #include "component/platform_bindings.h"
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/com/argument_object.h"
 #include "workbench/com/variant_list.h"
 #include "workbench/platform/filter_input.h"
 

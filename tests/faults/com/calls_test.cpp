@@ -18,7 +18,9 @@
 #include "tests/faults/com/com_thread.h"
 #include "tests/faults/scenarios.h"
 #include "tests/faults/tally.h"
+#include "workbench/com/argument_object.h"
 #include "workbench/com/exposed_platform.h"
+#include "workbench/com/filter_objects.h"
 #include "workbench/platform/filter_dialog_object.h"
 
 namespace quillon::faults {
@@ -331,7 +333,7 @@ class Dialog {
   Dialog(ComThread& thread, Border& border, const TinyAccount& account, const workbench::ReportRegistration& report)
       : filter(std::make_shared<workbench::FilterObject>(report, workbench::InitialValues::none)),
         object_(watched(border, "Filter",
-                        workbench::dialogDispatch(std::make_shared<workbench::FilterDialogObject>(
+                        workbench::dialogObject(std::make_shared<workbench::FilterDialogObject>(
                             filter, account.login(), account.openSession())))),
         reference_(object_.get()) {
     Ending ending;

@@ -7,7 +7,9 @@
 #include "automation/class_lookup.h"
 #include "component/platform_bindings.h"
 #include "tests/workbench/com/ado_fixture.h"
+#include "workbench/com/argument_object.h"
 #include "workbench/com/exposed_platform.h"
+#include "workbench/com/login_object.h"
 #include "workbench/com/variant_list.h"
 
 namespace quillon::workbench {

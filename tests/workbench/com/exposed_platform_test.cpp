@@ -7,6 +7,9 @@
 #include "component/platform_bindings.h"
 #include "tests/workbench/com/ado_fixture.h"
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/com/argument_object.h"
+#include "workbench/com/filter_objects.h"
+#include "workbench/com/login_object.h"
 
 namespace quillon::workbench {
 namespace {
@@ -17,7 +20,7 @@ namespace bindings = component::bindings;
 
 constexpr HResult badIndex = static_cast<HResult>(0x8002000BU);
 
-class PlatformObjectsTest : public test::AdoTest {
+class ExposedPlatformTest : public test::AdoTest {
  protected:
   static LoginDetails details() {
     return {.accountConnection = "Data Source=\"a.account\"",
@@ -44,7 +47,7 @@ class PlatformObjectsTest : public test::AdoTest {
   std::shared_ptr<WorkbenchArgument> data_;
 };
 
-TEST_F(PlatformObjectsTest, TheArgumentGivesItsParts) {
+TEST_F(ExposedPlatformTest, TheArgumentGivesItsParts) {
   const LateBound e = argument();
   EXPECT_EQ(e.text(L"Action"), "Link");
   e.put(L"Action", "Vouch");
@@ -58,7 +61,7 @@ TEST_F(PlatformObjectsTest, TheArgumentGivesItsParts) {
   EXPECT_EQ(source.integer(L"Type"), 2);
 }
 
-TEST_F(PlatformObjectsTest, TheLoginsMembersAreTheLoginsDetails) {
+TEST_F(ExposedPlatformTest, TheLoginsMembersAreTheLoginsDetails) {
   const LateBound login = argument().object(L"Login", "Login");
   EXPECT_EQ(login.text(L"SysPassword"), "secret");
   EXPECT_EQ(login.text(L"cAcc_Id"), "001");
@@ -75,7 +78,7 @@ TEST_F(PlatformObjectsTest, TheLoginsMembersAreTheLoginsDetails) {
   EXPECT_EQ(login.text(L"AuthString"), "rights");
 }
 
-TEST_F(PlatformObjectsTest, FilterItemsAreFoundByKeyInAnyCaseAndByPositionFromOne) {
+TEST_F(ExposedPlatformTest, FilterItemsAreFoundByKeyInAnyCaseAndByPositionFromOne) {
   const LateBound filter = argument().object(L"rawFilter", "rawFilter");
   const LateBound list = filter.object(L"FilterList", "FilterList");
   EXPECT_EQ(list.integer(L"Count"), filter_->count());
@@ -89,7 +92,7 @@ TEST_F(PlatformObjectsTest, FilterItemsAreFoundByKeyInAnyCaseAndByPositionFromOn
   EXPECT_EQ(codeOf([&] { list.item("none", "item"); }), badIndex);
 }
 
-TEST_F(PlatformObjectsTest, AnItemIsWrittenAndReadThroughItsMembers) {
+TEST_F(ExposedPlatformTest, AnItemIsWrittenAndReadThroughItsMembers) {
   const LateBound item = argument().object(L"rawFilter", "f").object(L"FilterList", "item", {"dKeepDate"});
   item.put(L"varValue", "2024-01-01");
   item.put(L"varValue2", "2024-03-31");
@@ -103,7 +106,7 @@ TEST_F(PlatformObjectsTest, AnItemIsWrittenAndReadThroughItsMembers) {
   EXPECT_FALSE(item.flag(L"IsMultSel"));
 }
 
-TEST_F(PlatformObjectsTest, AssigningToAnItemOfTheListSetsItsValue) {
+TEST_F(ExposedPlatformTest, AssigningToAnItemOfTheListSetsItsValue) {
   const LateBound filter = argument().object(L"rawFilter", "f");
   const auto assign = [](const LateBound& target, DISPID id, Variant index, Variant value) {
     VARIANT arguments[] = {value, index};  // borrowed, last to first
@@ -124,7 +127,7 @@ TEST_F(PlatformObjectsTest, AssigningToAnItemOfTheListSetsItsValue) {
   EXPECT_EQ(assign(filter, filterList, "none", 2), DISP_E_EXCEPTION);
 }
 
-TEST_F(PlatformObjectsTest, TheFilterMakesConditionsOfItsOwnItemsOnly) {
+TEST_F(ExposedPlatformTest, TheFilterMakesConditionsOfItsOwnItemsOnly) {
   const LateBound filter = argument().object(L"rawFilter", "f");
   for (const auto& entry : filter_->entries())
     entry->token = tokenReport;
@@ -136,7 +139,7 @@ TEST_F(PlatformObjectsTest, TheFilterMakesConditionsOfItsOwnItemsOnly) {
   EXPECT_EQ(filter.text(L"GetWhereWithToken", {0}), "base.cBatchIA Like N'B%'");
 }
 
-TEST_F(PlatformObjectsTest, ThePublicComponentTakesItsConnectionInAnyPlace) {
+TEST_F(ExposedPlatformTest, ThePublicComponentTakesItsConnectionInAnyPlace) {
   openConnection().call(
       L"Execute", {"Create Table AccInformation (cSysID nvarchar(10), cID nvarchar(20), cName nvarchar(60), cValue "
                    "nvarchar(255)) Insert Into AccInformation Values (N'IA', N'1', N'cValueStyle', N'按仓库核算') "
@@ -158,7 +161,7 @@ TEST_F(PlatformObjectsTest, ThePublicComponentTakesItsConnectionInAnyPlace) {
   EXPECT_EQ(component.integer(L"CurPeriodYear", {Variant::reference(byReference)}), 2024);
 }
 
-TEST_F(PlatformObjectsTest, UsedYearsComeAsADictionaryWithCountedKeys) {
+TEST_F(ExposedPlatformTest, UsedYearsComeAsADictionaryWithCountedKeys) {
   openConnection().call(L"Execute", {"Create Table orvsystem..UA_Period (cAcc_Id nvarchar(3), iYear int, iId int) "
                                      "Insert Into orvsystem..UA_Period Values (N'001', 2024, 1) "
                                      "Insert Into orvsystem..UA_Period Values (N'001', 2023, 1) "
@@ -174,7 +177,7 @@ TEST_F(PlatformObjectsTest, UsedYearsComeAsADictionaryWithCountedKeys) {
   EXPECT_EQ(years.getById(DISPID_VALUE, L"Item", {"3"}).vt, VT_EMPTY);
 }
 
-TEST_F(PlatformObjectsTest, TheResourceServiceIsADualInterface) {
+TEST_F(ExposedPlatformTest, TheResourceServiceIsADualInterface) {
   EmbeddedPlatformOptions english = options();
   english.language = Language::english;
   EmbeddedPlatform platform(english);
@@ -204,7 +207,7 @@ TEST_F(PlatformObjectsTest, TheResourceServiceIsADualInterface) {
   EXPECT_EQ(early->FormatText(keyValue, Variant(1), formatted.out()), DISP_E_TYPEMISMATCH);
 }
 
-TEST_F(PlatformObjectsTest, MessagesGoToThePlatformsSink) {
+TEST_F(ExposedPlatformTest, MessagesGoToThePlatformsSink) {
   std::string shown;
   EmbeddedPlatformOptions listening = options();
   listening.messages = [&shown](std::string_view text, int flags) {
@@ -220,7 +223,7 @@ TEST_F(PlatformObjectsTest, MessagesGoToThePlatformsSink) {
   EXPECT_EQ(shown, "年度不能为空/48");
 }
 
-TEST_F(PlatformObjectsTest, NamesDifferFromCallToCall) {
+TEST_F(ExposedPlatformTest, NamesDifferFromCallToCall) {
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
   const LateBound names = automation::createObject(bindings::uniqueNames);
@@ -230,7 +233,7 @@ TEST_F(PlatformObjectsTest, NamesDifferFromCallToCall) {
   EXPECT_GE(number.lVal, 0);
 }
 
-TEST_F(PlatformObjectsTest, TheDrillThroughHelperGivesAnEmptyFilter) {
+TEST_F(ExposedPlatformTest, TheDrillThroughHelperGivesAnEmptyFilter) {
   EmbeddedPlatform platform(options());
   const PlatformStandIn standIn(platform, nullptr);
   const LateBound login(loginObject(std::make_shared<WorkbenchLogin>(details())), "login");
@@ -239,7 +242,7 @@ TEST_F(PlatformObjectsTest, TheDrillThroughHelperGivesAnEmptyFilter) {
   EXPECT_EQ(filter.object(L"FilterList", "list").integer(L"Count"), 0);
 }
 
-TEST_F(PlatformObjectsTest, NothingOfTheStandInsStaysBehind) {
+TEST_F(ExposedPlatformTest, NothingOfTheStandInsStaysBehind) {
   const long before = automation::LiveCount::value();
   {
     EmbeddedPlatform platform(options());
@@ -254,7 +257,7 @@ TEST_F(PlatformObjectsTest, NothingOfTheStandInsStaysBehind) {
   EXPECT_FALSE(automation::tryCreateObject(bindings::uniqueNames));
 }
 
-TEST_F(PlatformObjectsTest, AnArgumentReleasesAllThatItGave) {
+TEST_F(ExposedPlatformTest, AnArgumentReleasesAllThatItGave) {
   const long before = automation::LiveCount::value();
   {
     const LateBound e = argument();
@@ -268,13 +271,13 @@ TEST_F(PlatformObjectsTest, AnArgumentReleasesAllThatItGave) {
 
 // --- The filter in its dialog ---
 
-TEST_F(PlatformObjectsTest, AFilterInADialogTakesWhatTheDialogMakesOfIt) {
+TEST_F(ExposedPlatformTest, AFilterInADialogTakesWhatTheDialogMakesOfIt) {
   const auto filter = std::make_shared<FilterObject>(reportNamed("sfc-item").registration, InitialValues::none);
   const auto login = std::make_shared<WorkbenchLogin>(details());
   const auto session = std::make_shared<AccountSession>();
   session->setConnectionString(connectionString(file_));
   session->open("", "", optionsUnspecified);
-  const LateBound dialog(dialogDispatch(std::make_shared<FilterDialogObject>(filter, login, session)), "dialog");
+  const LateBound dialog(dialogObject(std::make_shared<FilterDialogObject>(filter, login, session)), "dialog");
   const LateBound list = dialog.object(L"FilterList", "FilterList");
   const auto item = [&](const char* key) { return list.item(key, "item"); };
 
@@ -308,7 +311,7 @@ TEST_F(PlatformObjectsTest, AFilterInADialogTakesWhatTheDialogMakesOfIt) {
   EXPECT_FALSE(rows.flag(L"EOF"));
 }
 
-TEST_F(PlatformObjectsTest, AFilterInNoDialogSaysSo) {
+TEST_F(ExposedPlatformTest, AFilterInNoDialogSaysSo) {
   const LateBound filter = argument().object(L"rawFilter", "rawFilter");
   EXPECT_EQ(filter.text(L"FilterId"), filter_->identifier());
   const LateBound item = filter.object(L"FilterList", "FilterList").item("iGrade", "item");

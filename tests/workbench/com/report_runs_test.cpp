@@ -12,6 +12,7 @@
 #include "tests/long_life/process_level.h"
 #include "workbench/account/account.h"
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/com/argument_object.h"
 #include "workbench/com/exposed_platform.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"

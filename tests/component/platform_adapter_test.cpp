@@ -1,4 +1,4 @@
-#include "component/platform_adapters.h"
+#include "component/platform_adapter.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ using automation::Variant;
 using automation::test::ComScope;
 namespace {
 
-class PlatformObjectsTest : public testing::Test {
+class PlatformAdapterTest : public testing::Test {
  protected:
   // The calls since the last look.
   Calls calls() {
@@ -31,11 +31,11 @@ class PlatformObjectsTest : public testing::Test {
   ComScope apartment;
   Recorder recorder;
   FakePlatform fake{recorder};
-  ComPlatform platform;
+  LateBoundPlatform platform;
 };
 
-TEST_F(PlatformObjectsTest, TheArgumentAndItsDataSource) {
-  ComReportArgument e(fake.argument({}));
+TEST_F(PlatformAdapterTest, TheArgumentAndItsDataSource) {
+  LateBoundReportArgument e(fake.argument({}));
   EXPECT_EQ(e.action(), "Link");
   EXPECT_EQ(e.languageId(), "2052");
   const auto dataSource = e.dataSource();
@@ -48,8 +48,8 @@ TEST_F(PlatformObjectsTest, TheArgumentAndItsDataSource) {
                             "e.LoginObj", "e.rawFilter"}));
 }
 
-TEST_F(PlatformObjectsTest, TheLogin) {
-  ComReportArgument e(fake.argument({}));
+TEST_F(PlatformAdapterTest, TheLogin) {
+  LateBoundReportArgument e(fake.argument({}));
   const auto login = e.login();
   calls();
   EXPECT_EQ(login->accountConnection(), "Provider=Fake;Data Source=account");
@@ -67,15 +67,15 @@ TEST_F(PlatformObjectsTest, TheLogin) {
                             "Login.AuthString = \"department=False\""}));
 }
 
-TEST_F(PlatformObjectsTest, TheLoginsModuleIsEmptyWhereItIsNotTold) {
-  EXPECT_EQ(ComReportArgument(fake.argument({})).login()->moduleCode(), "IA");
+TEST_F(PlatformAdapterTest, TheLoginsModuleIsEmptyWhereItIsNotTold) {
+  EXPECT_EQ(LateBoundReportArgument(fake.argument({})).login()->moduleCode(), "IA");
   fake.moduleCode = std::nullopt;
-  EXPECT_EQ(ComReportArgument(fake.argument({})).login()->moduleCode(), "");
+  EXPECT_EQ(LateBoundReportArgument(fake.argument({})).login()->moduleCode(), "");
 }
 
-TEST_F(PlatformObjectsTest, ARowGivesTextsOfItsColumns) {
+TEST_F(PlatformAdapterTest, ARowGivesTextsOfItsColumns) {
   fake.row = {{"ID", 815}, {"cVouType", "Sale"}, {"dKeepDate", Variant::fromDate(45351.0)}};
-  ComReportArgument e(fake.argument({}));
+  LateBoundReportArgument e(fake.argument({}));
   const auto row = e.row();
   EXPECT_EQ(row->value("ID"), "815");
   EXPECT_EQ(row->value("cVouType"), "Sale");
@@ -85,15 +85,15 @@ TEST_F(PlatformObjectsTest, ARowGivesTextsOfItsColumns) {
                             "Row.GetData(\"dKeepDate\")", "Row.GetData(\"cPZID\")"}));
 }
 
-TEST_F(PlatformObjectsTest, TheDataSourceTakesATablesName) {
-  ComReportArgument e(fake.argument({}));
+TEST_F(PlatformAdapterTest, TheDataSourceTakesATablesName) {
+  LateBoundReportArgument e(fake.argument({}));
   const auto dataSource = e.dataSource();
   dataSource->setResultTable("DetailResult");
   EXPECT_EQ(dataSource->resultTable(), "DetailResult");
   EXPECT_EQ(calls(), (Calls{"e.DataSource", "DataSource.SQL = \"DetailResult\"", "DataSource.SQL"}));
 }
 
-TEST_F(PlatformObjectsTest, ThePublicComponentAnswersAboutPeriods) {
+TEST_F(PlatformAdapterTest, ThePublicComponentAnswersAboutPeriods) {
   fake.lastSettledMonth = 3;
   const auto session = platform.createSession();
   const auto component = platform.createPublicComponent();
@@ -112,7 +112,7 @@ TEST_F(PlatformObjectsTest, ThePublicComponentAnswersAboutPeriods) {
   EXPECT_EQ(component->workstationName(), "DESK_7");
 }
 
-TEST_F(PlatformObjectsTest, TheEnvironmentFillsTheAccountOptions) {
+TEST_F(PlatformAdapterTest, TheEnvironmentFillsTheAccountOptions) {
   fake.costingBasis = "按部门核算";
   const auto login = platform.createAccountLogin();
   login->initialise("Data Source=account", ";PWD=secret");
@@ -126,7 +126,7 @@ TEST_F(PlatformObjectsTest, TheEnvironmentFillsTheAccountOptions) {
   EXPECT_EQ(options->warehouseTable(), "WarehouseView");
 }
 
-TEST_F(PlatformObjectsTest, WorkTablesAreNumberedAnew) {
+TEST_F(PlatformAdapterTest, WorkTablesAreNumberedAnew) {
   EXPECT_EQ(platform.workTableNumber(), 501);
   EXPECT_EQ(platform.workTableNumber(), 502);
   fake.withoutNaming();
@@ -140,8 +140,8 @@ TEST_F(PlatformObjectsTest, WorkTablesAreNumberedAnew) {
   EXPECT_GT(seen.size(), many - 2) << "numbers are drawn: two of so many may be equal, once in some thousand runs";
 }
 
-TEST_F(PlatformObjectsTest, TheFilterAndItsItems) {
-  ComReportArgument e(fake.argument({{"iYear", "2024", ""}, {"cInvCode", "01\t02", "09"}}));
+TEST_F(PlatformAdapterTest, TheFilterAndItsItems) {
+  LateBoundReportArgument e(fake.argument({{"iYear", "2024", ""}, {"cInvCode", "01\t02", "09"}}));
   const auto filter = e.rawFilter();
   calls();
   EXPECT_EQ(filter->count(), 2);
@@ -161,8 +161,8 @@ TEST_F(PlatformObjectsTest, TheFilterAndItsItems) {
                             "Item.varValue", "Filter.GetWhereWithToken(0)"}));
 }
 
-TEST_F(PlatformObjectsTest, TheDialogAndItsItems) {
-  ComFilterDialog dialog(fake.dialog("A-B", {{"iYear", "2024", ""}, {"cInvCode", "01", ""}}));
+TEST_F(PlatformAdapterTest, TheDialogAndItsItems) {
+  LateBoundFilterDialog dialog(fake.dialog("A-B", {{"iYear", "2024", ""}, {"cInvCode", "01", ""}}));
   EXPECT_EQ(dialog.identifier(), "A-B");
   EXPECT_EQ(dialog.login()->accountCode(), "001");
   EXPECT_EQ(dialog.count(), 2);
@@ -203,8 +203,8 @@ TEST_F(PlatformObjectsTest, TheDialogAndItsItems) {
                             "Filter.SetItemLookupConditionOfValue(\"cCusCode\", \"#FN[cCCCode] Like N'%'\", True)"}));
 }
 
-TEST_F(PlatformObjectsTest, TheDialogsConnectionIsAskedForOnceAndPassedOnByReference) {
-  ComFilterDialog dialog(fake.dialog("", {}));
+TEST_F(PlatformAdapterTest, TheDialogsConnectionIsAskedForOnceAndPassedOnByReference) {
+  LateBoundFilterDialog dialog(fake.dialog("", {}));
   const auto component = platform.createPublicComponent();
   calls();
   EXPECT_EQ(component->currentPeriodYear(dialog.connection()), 2024);
@@ -213,8 +213,8 @@ TEST_F(PlatformObjectsTest, TheDialogsConnectionIsAskedForOnceAndPassedOnByRefer
                             "IAPub.iFxStartMonth(\"2024\", ref <DialogConnection>)"}));
 }
 
-TEST_F(PlatformObjectsTest, NoDialogIsBasicsError91) {
-  ComFilterDialog dialog{ComPtr<IDispatch>()};
+TEST_F(PlatformAdapterTest, NoDialogIsBasicsError91) {
+  LateBoundFilterDialog dialog{ComPtr<IDispatch>()};
   try {
     dialog.identifier();
     FAIL() << "nothing was thrown";
@@ -223,7 +223,7 @@ TEST_F(PlatformObjectsTest, NoDialogIsBasicsError91) {
   }
 }
 
-TEST_F(PlatformObjectsTest, ThePublicComponentGetsTheConnectionByReferenceAndLast) {
+TEST_F(PlatformAdapterTest, ThePublicComponentGetsTheConnectionByReferenceAndLast) {
   const auto session = platform.createSession();
   const auto component = platform.createPublicComponent();
   EXPECT_EQ(component->accountInformation("IA", "cValueStyle", *session), "by inventory");
@@ -237,9 +237,9 @@ TEST_F(PlatformObjectsTest, ThePublicComponentGetsTheConnectionByReferenceAndLas
                             "Years.Item(\"2\")"}));
 }
 
-TEST_F(PlatformObjectsTest, TheResourceServiceIsCalledThroughItsSlots) {
+TEST_F(PlatformAdapterTest, TheResourceServiceIsCalledThroughItsSlots) {
   const auto service = platform.createResourceService();
-  const auto login = ComReportArgument(fake.argument({})).login();
+  const auto login = LateBoundReportArgument(fake.argument({})).login();
   calls();
   EXPECT_EQ(service->enumName("IA.Bustype", "PO"), "name of PO");
   EXPECT_EQ(service->text("Mirel.IA.CHHSSQL.00182"), "text 00182");
@@ -250,13 +250,13 @@ TEST_F(PlatformObjectsTest, TheResourceServiceIsCalledThroughItsSlots) {
                    "ResourceService.ShowMessage(Careful, 48, 0, 0)", "ResourceService.FormatText(<Login>, missing)"}));
 }
 
-TEST_F(PlatformObjectsTest, ATextsArgumentsAreAnArray) {
+TEST_F(PlatformAdapterTest, ATextsArgumentsAreAnArray) {
   const auto service = platform.createResourceService();
   EXPECT_EQ(service->formattedText("Mirel.IA.Mirel71.00228", {"颜色", "b"}), "text with [\"颜色\", \"b\"]");
   EXPECT_EQ(calls().back(), "ResourceService.FormatText(\"Mirel.IA.Mirel71.00228\", [\"颜色\", \"b\"])");
 }
 
-TEST_F(PlatformObjectsTest, AnErrorOfTheResourceServiceKeepsItsWords) {
+TEST_F(PlatformAdapterTest, AnErrorOfTheResourceServiceKeepsItsWords) {
   const auto service = platform.createResourceService();
   calls();
   recorder.failAt = 1;
@@ -270,7 +270,7 @@ TEST_F(PlatformObjectsTest, AnErrorOfTheResourceServiceKeepsItsWords) {
   }
 }
 
-TEST_F(PlatformObjectsTest, WithoutAResourceServiceAKeyIsItsOwnText) {
+TEST_F(PlatformAdapterTest, WithoutAResourceServiceAKeyIsItsOwnText) {
   fake.withoutResourceService();
   const auto service = platform.createResourceService();
   EXPECT_EQ(service->text("Mirel.IA.CHHSSQL.00182"), "Mirel.IA.CHHSSQL.00182");
@@ -285,7 +285,7 @@ TEST_F(PlatformObjectsTest, WithoutAResourceServiceAKeyIsItsOwnText) {
   }
 }
 
-TEST_F(PlatformObjectsTest, NamesComeFromThePlatform) {
+TEST_F(PlatformAdapterTest, NamesComeFromThePlatform) {
   EXPECT_EQ(platform.namingNumber(), "77");
   const auto names = platform.createUniqueNameSource();
   EXPECT_EQ(names->next(), "u1");
@@ -294,7 +294,7 @@ TEST_F(PlatformObjectsTest, NamesComeFromThePlatform) {
                             "UniqueName.UniqueName", "UniqueName.UniqueName"}));
 }
 
-TEST_F(PlatformObjectsTest, WithoutANamingClassNamesAreUniqueAndFitIntoBrackets) {
+TEST_F(PlatformAdapterTest, WithoutANamingClassNamesAreUniqueAndFitIntoBrackets) {
   fake.withoutNaming();
   const auto names = platform.createUniqueNameSource();
   std::set<std::string> seen;
@@ -312,16 +312,16 @@ TEST_F(PlatformObjectsTest, WithoutANamingClassNamesAreUniqueAndFitIntoBrackets)
   EXPECT_NE(platform.namingNumber(), number);
 }
 
-TEST_F(PlatformObjectsTest, TheDrillThroughHelper) {
+TEST_F(PlatformAdapterTest, TheDrillThroughHelper) {
   const auto helper = platform.createDrillThroughHelper();
-  const auto login = ComReportArgument(fake.argument({})).login();
+  const auto login = LateBoundReportArgument(fake.argument({})).login();
   calls();
   EXPECT_TRUE(helper->filterFor(*login, true));
   EXPECT_EQ(calls(), Calls{"DrillThrough.GetFilter(<Login>, True)"});
 }
 
-TEST_F(PlatformObjectsTest, ALackingMemberIsNamed) {
-  ComReportArgument e(makeObject<FakeObject>(recorder, "e"));
+TEST_F(PlatformAdapterTest, ALackingMemberIsNamed) {
+  LateBoundReportArgument e(makeObject<FakeObject>(recorder, "e"));
   try {
     e.rawFilter();
     FAIL() << "nothing was thrown";
