@@ -1,5 +1,5 @@
 -- The rows of the receipt/issue/balance report (by cost item, one year, with a warehouse) by the shortest way: no detail
--- table, no grouping of rows that are known to be single. For the record only: it shows what the prescribed statements
+-- table, no grouping of rows that are known to be single. For the record only: it shows what the report's own statements
 -- cost as such.
 --
 -- Every cost item of a line gives two rows: its own opening balance, receipt or issue, and the closing balance. The first

@@ -1,5 +1,5 @@
 -- The rows of the voucher report (one year, with quantities and unit costs) by the shortest way: no work table, no
--- grouping of rows that are known to be single. For the record only: it shows what the prescribed statements cost as
+-- grouping of rows that are known to be single. For the record only: it shows what the report's own statements cost as
 -- such.
 create table bench_result as
 select base.dVouDate, base.cVouCode, base.dKeepDate, base.cAccounter, base.cBusCode, base.strContractCode,

@@ -13,8 +13,8 @@
 namespace quillon::bad_values {
 namespace {
 
-Desk& desk() {
-  static Desk shared;
+ReportTester& tester() {
+  static ReportTester shared;
   return shared;
 }
 
@@ -55,7 +55,7 @@ struct Refused : tsql::ResultSink {
 TEST(PowerOfAValue, NoStatementLeavesTheAccountFile) {
   constexpr int refusedByStorage = 50000;
   std::filesystem::remove(outsideFile());
-  const auto account = desk().open();
+  const auto account = tester().open();
   for (const std::string& statement : waysOut()) {
     SCOPED_TRACE(statement);
     Refused sink;
@@ -70,9 +70,9 @@ TEST(PowerOfAValue, NoStatementLeavesTheAccountFile) {
   }
 }
 
-// Not even for who gets past the T-SQL: the connection takes no other file.
+// Nor for a statement that gets past the T-SQL front end: the connection opens no other file.
 TEST(PowerOfAValue, TheConnectionTakesNoOtherFile) {
-  const auto account = desk().open();
+  const auto account = tester().open();
   const std::string attach = "ATTACH DATABASE ':memory:' AS other";
   EXPECT_NE(sqlite3_exec(account->handle(), attach.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
   const std::string into = "VACUUM INTO '" + utf8FromPath(outsideFile()) + "'";
@@ -82,30 +82,30 @@ TEST(PowerOfAValue, TheConnectionTakesNoOtherFile) {
 
 TEST(PowerOfAValue, PastedStatementsLeaveTheAccountFileNeither) {
   const workbench::Report& report = workbench::reportNamed("fx-wt");
-  const std::string usual = desk().run(report, {}).rows;
+  const std::string usual = tester().run(report, {}).rows;
   const std::filesystem::path& file = outsideFile();
   const std::string out = "'" + utf8FromPath(file) + "'";
   for (const std::string& statement :
        {"Attach Database " + out + " As other", "Vacuum Into " + out, "Backup Database account To Disk = " + out,
         std::string("Exec xp_cmdshell 'dir'")}) {
     SCOPED_TRACE(statement);
-    const ReportRun run = desk().run(report, {{"cVouCode", "x' " + statement + " --"}});
+    const ReportRun run = tester().run(report, {{"cVouCode", "x' " + statement + " --"}});
     EXPECT_EQ(run.failures.size(), 1U);
     EXPECT_FALSE(std::filesystem::exists(file));
-    EXPECT_EQ(desk().run(report, {}).rows, usual);
+    EXPECT_EQ(tester().run(report, {}).rows, usual);
   }
 }
 
 // What SECURITY.md says openly: a value that ends its text runs what follows, with the rights of the connection.
 TEST(PowerOfAValue, WithinTheAccountIsThatOfTheConnection) {
-  Desk own;
+  ReportTester own;
   own.open()->execute("Create Table Precious(a int) Insert Into Precious Values(1)");
   own.run(workbench::reportNamed("fx-wt"), {{"cVouCode", "x' Drop Table Precious --"}});
   EXPECT_TRUE(own.open()->describe("Precious").empty());
 }
 
 TEST(PowerOfAValue, AConnectionForReadingRefusesToWrite) {
-  const auto account = tsql::Connection::open(desk().account().source().file(), tsql::OpenMode::readOnly);
+  const auto account = tsql::Connection::open(tester().account().source().file(), tsql::OpenMode::readOnly);
   constexpr int readOnly = 3906;
   try {
     account->execute("Drop Table Inventory");

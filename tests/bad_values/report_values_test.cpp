@@ -16,8 +16,8 @@ namespace {
 using testing::HasSubstr;
 using workbench::Report;
 
-Desk& desk() {
-  static Desk shared;
+ReportTester& tester() {
+  static ReportTester shared;
   return shared;
 }
 
@@ -36,8 +36,8 @@ void expectOneClearError(const ReportRun& run) {
 }
 
 void expectNothingLeftAndTheNextRunRight(const Report& report, const std::string& expected) {
-  EXPECT_THAT(desk().account().newTables(), testing::IsEmpty());
-  const ReportRun next = desk().run(report, {});
+  EXPECT_THAT(tester().account().newTables(), testing::IsEmpty());
+  const ReportRun next = tester().run(report, {});
   EXPECT_THAT(next.failures, testing::IsEmpty());
   EXPECT_FALSE(next.error) << *next.error;
   EXPECT_EQ(next.rows, expected);
@@ -113,7 +113,7 @@ std::vector<workbench::ItemRegistration> itemsOf(const Report& report) {
 // All that is bad in one value, on every item of the report, lower and upper bounds included.
 TEST_P(ReportItems, TakeEveryValueAsItStands) {
   const Report& report = *GetParam();
-  const std::string usual = desk().run(report, {}).rows;
+  const std::string usual = tester().run(report, {}).rows;
   ASSERT_THAT(usual, HasSubstr("|\n"));
   const std::string bad = "a'b\"\x01\n\0[%_]\xed\xa0\xbd\u202eא--/*"s;
   const std::string plain = "UsualValue";
@@ -124,8 +124,8 @@ TEST_P(ReportItems, TakeEveryValueAsItStands) {
       const auto settingOf = [&](const std::string& text) {
         return std::vector{upper ? Setting{item.key, "", text} : Setting{item.key, text}};
       };
-      const ReportRun usualRun = desk().run(report, settingOf(plain));
-      const ReportRun badRun = desk().run(report, settingOf(bad));
+      const ReportRun usualRun = tester().run(report, settingOf(plain));
+      const ReportRun badRun = tester().run(report, settingOf(bad));
       const std::optional<Surroundings> place = findSent(usualRun.sent, plain);
       const Pasted how = howPasted(report, item.key);
       ASSERT_EQ(place.has_value(), how != Pasted::never);
@@ -162,7 +162,7 @@ INSTANTIATE_TEST_SUITE_P(All, ReportItems, testing::ValuesIn(everyReport()), [](
 
 // Writes `text` into the columns that the tests filter by, on every line of the ledger.
 void writeEverywhere(const std::string& text) {
-  const auto account = desk().open();
+  const auto account = tester().open();
   const std::string sql = constant(text);
   account->execute("Update ia_subsidiary Set cFree2 = " + sql + ", cBatchIA = " + sql + ", cDefine1 = " + sql);
 }
@@ -192,12 +192,12 @@ TEST_P(ReportValues, FindTheRowsThatHaveThem) {
     const bool valid = question.byFilterObject || denotes(value, denoted);
     const bool fits = denoted.size() <= widest;
     writeEverywhere(fits && valid ? denoted : "other");
-    const std::string all = desk().run(*question.report, {}).rows;
-    const ReportRun run = desk().run(*question.report, {{question.key, value}});
+    const std::string all = tester().run(*question.report, {}).rows;
+    const ReportRun run = tester().run(*question.report, {{question.key, value}});
     if (valid) {
       EXPECT_THAT(run.failures, testing::IsEmpty());
       EXPECT_EQ(run.rows == all, fits) << run.rows;
-      const ReportRun others = desk().run(*question.report, {{question.key, value + "z"}});
+      const ReportRun others = tester().run(*question.report, {{question.key, value + "z"}});
       EXPECT_THAT(others.failures, testing::IsEmpty());
       EXPECT_NE(others.rows, all);
     } else {
@@ -218,15 +218,15 @@ TEST(ReportPatterns, KeepTheirWildcards) {
     bool found;
   };
   const Report& report = workbench::reportNamed("fx-wt");
-  const auto account = desk().open();
+  const auto account = tester().open();
   account->execute("Select cInvCode, cInvCCode Into ClassesBefore From Inventory");
   for (const auto& [value, code, found] :
        {Pattern{"5%0", "5xx01", true}, Pattern{"5%0", "6xx01", false}, Pattern{"a_b", "axbc", true},
         Pattern{"a_b", "ab", false}, Pattern{"[a-c]", "b1", true}, Pattern{"[a-c]", "d1", false}}) {
     SCOPED_TRACE(std::string(value) + " on " + code);
     account->execute("Update Inventory Set cInvCCode = " + constant(code));
-    const std::string all = desk().run(report, {}).rows;
-    const ReportRun run = desk().run(report, {{"Inventory.cInvCCode", value}});
+    const std::string all = tester().run(report, {}).rows;
+    const ReportRun run = tester().run(report, {{"Inventory.cInvCCode", value}});
     EXPECT_THAT(run.failures, testing::IsEmpty());
     EXPECT_EQ(run.rows == all, found);
   }

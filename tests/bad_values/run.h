@@ -41,9 +41,10 @@ struct Setting {
   std::string value2 = {};
 };
 
-class Desk {
+// An account of the tests' own, and report runs on it.
+class ReportTester {
  public:
-  Desk() : account_(account::Valuation::inventory, 4) {
+  ReportTester() : account_(account::Valuation::inventory, 4) {
     std::string checks = "Update Inventory Set bCheckBatch = 1, bCheckFree1 = 1, bCheckFree2 = 1";
     for (int item = 3; item <= 10; ++item)
       checks += ", bCheckFree" + std::to_string(item) + " = 0";
@@ -56,8 +57,8 @@ class Desk {
     return tsql::Connection::open(account_.source().file(), tsql::OpenMode::existing);
   }
 
-  // The report's filter as it begins, with what the report cannot do without, and `settings` in it as they stand: the
-  // host platform's dialog checks nothing either.
+  // The report's filter with its initial values, the values that the report needs, and `settings`, unchecked: the host
+  // platform's dialog checks nothing either.
   static std::shared_ptr<workbench::FilterObject> filterOf(const workbench::Report& report,
                                                            const std::vector<Setting>& settings) {
     auto filter = std::make_shared<workbench::FilterObject>(report.registration);
@@ -71,7 +72,7 @@ class Desk {
     return filter;
   }
 
-  // One run. What it leaves in the account is cleared away; work tables under another name than the library's stay.
+  // One run. Removes the result table and the library's work tables from the account afterwards, and no others.
   ReportRun run(const workbench::Report& report, const std::vector<Setting>& settings) {
     ReportRun result;
     Statements statements;

@@ -1,4 +1,4 @@
-// clsSFCFilterControl in Quillon.dll against a fake platform: the calls that reach the outside and their order, what
+// clsSFCFilterControl in Quillon.dll against a fake platform: the calls that reach the platform and their order, what
 // the callbacks give back, and a failure at every call.
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Whole runs of the summary reports in Quillon.dll against a fake platform: the calls that reach the outside and their
+// Whole runs of the summary reports in Quillon.dll against a fake platform: the calls that reach the platform and their
 // order, a failure at every one of them, and two threads at once.
 #include <gtest/gtest.h>
 

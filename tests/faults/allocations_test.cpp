@@ -20,11 +20,11 @@
 #include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
+#include "tests/faults/fault_count.h"
+#include "tests/faults/fault_injector.h"
+#include "tests/faults/intercepted_ports.h"
 #include "tests/faults/memory.h"
-#include "tests/faults/outside.h"
 #include "tests/faults/statement_text.h"
-#include "tests/faults/tally.h"
-#include "tests/faults/watched_ports.h"
 #include "tests/frame/fake_dialog.h"
 #include "tests/frame/fakes.h"
 
@@ -35,15 +35,15 @@ using fakes::ItemValues;
 
 // A thread of the host platform whose objects need no account.
 struct Thread {
-  explicit Thread(const fakes::Answers& answers) : platform(outside, inner), module(platform) {
+  explicit Thread(const fakes::Answers& answers) : platform(injector, inner), module(platform) {
     inner.answers = answers;
   }
   Thread(const Thread&) = delete;
   Thread& operator=(const Thread&) = delete;
 
-  Outside outside;
+  FaultInjector injector;
   fakes::FakePlatform inner;
-  WatchedPlatform platform;
+  InterceptedPlatform platform;
   Module module;
 };
 
@@ -54,7 +54,7 @@ enum class Answer {
   neverFails,
 };
 
-// What the library holds of the outside when it has run out of memory.
+// Which of the platform's objects the library keeps when it has run out of memory.
 enum class Keeps {
   whatItGot,  // session and login stay in the module
   nothing,    // session and login are released
@@ -70,9 +70,9 @@ struct Outcome {
 template <class Work>
 Outcome run(Thread& thread, Work& work, std::size_t failAt) {
   Outcome outcome;
-  thread.outside.count(0);
+  thread.injector.start(0);
   {
-    const CountedAllocations counted(failAt);
+    const AllocationFaults counted(failAt);
     try {
       work.run(thread.module);
     } catch (const std::bad_alloc&) {
@@ -80,66 +80,66 @@ Outcome run(Thread& thread, Work& work, std::size_t failAt) {
     }
     outcome.allocations = counted.count();
   }
-  thread.outside.rest();
+  thread.injector.stop();
   return outcome;
 }
 
 // The calls of a run, a line each, without those that only a thread's first run makes.
-std::string callsOf(const Outside& outside) {
+std::string callsOf(const FaultInjector& injector) {
   constexpr std::string_view once[] = {"Platform.createPublicComponent", "Platform.createResourceService",
                                        "Platform.createUniqueNameSource", "Platform.namingNumber"};
   std::string text;
-  for (const OutsideCall& call : outside.calls()) {
+  for (const PortCall& call : injector.calls()) {
     if (std::ranges::find(once, call.member) == std::end(once))
       text += call.member + " " + withoutNumbers(call.text) + "\n";
   }
   return text;
 }
 
-bool wasCalled(const Outside& outside, std::string_view member) {
-  return std::ranges::find(outside.calls(), member, &OutsideCall::member) != outside.calls().end();
+bool wasCalled(const FaultInjector& injector, std::string_view member) {
+  return std::ranges::find(injector.calls(), member, &PortCall::member) != injector.calls().end();
 }
 
 // Work is made for a thread; its run() is what the host platform calls, with objects that are there already.
 template <class MakeWork>
 void surviveRefusedAllocation(const fakes::Answers& answers, Answer answer, Keeps keeps, MakeWork makeWork,
                               std::size_t failAt, const std::string& expectedCalls) {
-  const long blocksBefore = blocksHeld();
+  const long blocksBefore = liveBlocks();
   {
     Thread thread(answers);
-    const Outside& outside = thread.outside;
+    const FaultInjector& injector = thread.injector;
     {
       auto work = makeWork(thread);
-      const int sessionsBefore = outside.held(Thing::session);
-      const int loginsBefore = outside.held(Thing::login);
+      const int sessionsBefore = injector.liveObjects(ObjectKind::session);
+      const int loginsBefore = injector.liveObjects(ObjectKind::login);
       const Outcome outcome = run(thread, *work, failAt);
       EXPECT_GE(outcome.allocations, failAt) << "the run was not the one that was counted";
 
-      const bool inBuild = wasCalled(outside, "DataSource.resultTable") && !wasCalled(outside, "Session.state");
+      const bool inBuild = wasCalled(injector, "DataSource.resultTable") && !wasCalled(injector, "Session.state");
       const bool absorbed = answer == Answer::neverFails || (answer == Answer::absorbsBuild && inBuild);
       EXPECT_EQ(outcome.ending, absorbed ? Ending::done : Ending::outOfMemory);
-      EXPECT_EQ(outside.held(Thing::filter), 0);
-      EXPECT_EQ(outside.held(Thing::other), 0);
+      EXPECT_EQ(injector.liveObjects(ObjectKind::filter), 0);
+      EXPECT_EQ(injector.liveObjects(ObjectKind::other), 0);
       if (keeps == Keeps::nothing) {
-        EXPECT_EQ(outside.held(Thing::session), 0);
-        EXPECT_EQ(outside.held(Thing::login), 0);
+        EXPECT_EQ(injector.liveObjects(ObjectKind::session), 0);
+        EXPECT_EQ(injector.liveObjects(ObjectKind::login), 0);
       } else {
         EXPECT_EQ(
-            outside.held(Thing::session),
-            std::max(sessionsBefore, work->ownSessions() + (wasCalled(outside, "Platform.createSession") ? 1 : 0)));
-        EXPECT_GE(outside.held(Thing::login), loginsBefore);
-        EXPECT_LE(outside.held(Thing::login), 1);
+            injector.liveObjects(ObjectKind::session),
+            std::max(sessionsBefore, work->ownSessions() + (wasCalled(injector, "Platform.createSession") ? 1 : 0)));
+        EXPECT_GE(injector.liveObjects(ObjectKind::login), loginsBefore);
+        EXPECT_LE(injector.liveObjects(ObjectKind::login), 1);
       }
       if (answer == Answer::absorbsBuild && inBuild) {
         EXPECT_NE(thread.module.session, nullptr);
-        EXPECT_FALSE(wasCalled(outside, "Session.close"));
+        EXPECT_FALSE(wasCalled(injector, "Session.close"));
       }
     }
     auto next = makeWork(thread);
     EXPECT_EQ(run(thread, *next, 0).ending, Ending::done);
-    EXPECT_EQ(callsOf(outside), expectedCalls);
+    EXPECT_EQ(callsOf(injector), expectedCalls);
   }
-  EXPECT_EQ(blocksHeld(), blocksBefore) << "memory was leaked";
+  EXPECT_EQ(liveBlocks(), blocksBefore) << "memory was leaked";
 }
 
 template <class MakeWork>
@@ -154,12 +154,12 @@ void surviveRefusedAllocations(const std::string& subject, const fakes::Answers&
     const Outcome outcome = run(thread, *work, 0);
     ASSERT_EQ(outcome.ending, Ending::done);
     allocations = outcome.allocations;
-    expectedCalls = callsOf(thread.outside);
+    expectedCalls = callsOf(thread.injector);
   }
   EXPECT_GT(allocations, 0U) << subject;
-  Tally tally(subject, "allocations");
+  FaultCount faultCount(subject, "allocations");
   for (std::size_t failAt = 1; failAt <= allocations; ++failAt) {
-    tally.fault([&] {
+    faultCount.tryFault([&] {
       SCOPED_TRACE("allocation " + std::to_string(failAt) + " of " + subject);
       surviveRefusedAllocation(answers, answer, keeps, makeWork, failAt, expectedCalls);
     });
@@ -174,7 +174,7 @@ class ReportRun {
  public:
   ReportRun(Thread& thread, std::vector<ItemValues> items)
       : inner_(thread.inner.record, thread.inner.filter(std::move(items))),
-        argument_(watched(thread.outside, inner_)) {}
+        argument_(intercepted(thread.injector, inner_)) {}
 
   void run(Module& module) {
     Report report(module);
@@ -292,7 +292,7 @@ class Execution {
  public:
   Execution(Thread& thread, const Columns& columns, const std::string& action)
       : inner_(thread.inner.record, nullptr),
-        argument_(watched(thread.outside, inner_)),
+        argument_(intercepted(thread.injector, inner_)),
         business_(std::make_shared<KeptBusiness>()),
         report_(thread.module) {
     inner_.rowColumns = columns;
@@ -358,7 +358,7 @@ class DialogRun {
   DialogRun(Thread& thread, const std::string& identifier, const std::vector<ItemValues>& items, Callback before,
             Callback callback)
       : inner_(thread.inner, identifier, items),
-        dialog_(watched(thread.outside, inner_)),
+        dialog_(intercepted(thread.injector, inner_)),
         control_(thread.module),
         callback_(callback) {
     before(control_, *dialog_);

@@ -11,12 +11,12 @@
 #include "filters/filter_control.h"
 #include "filters/sfc_filter_control.h"
 #include "filters/wt_filter_control.h"
-#include "tests/faults/outside.h"
+#include "tests/faults/fault_count.h"
+#include "tests/faults/fault_injector.h"
+#include "tests/faults/fault_run.h"
 #include "tests/faults/scenarios.h"
-#include "tests/faults/tally.h"
 #include "tests/faults/thread.h"
 #include "tests/faults/tiny_account.h"
-#include "tests/faults/trial.h"
 #include "workbench/platform/filter_dialog_object.h"
 
 namespace quillon::faults {
@@ -33,13 +33,13 @@ struct Dialog {
       : module(thread.module),
         filter(std::make_shared<FilterObject>(report, workbench::InitialValues::none)),
         inner(filter, account.login(), account.openSession()),
-        outside(watched(thread.outside, inner)),
+        port(intercepted(thread.injector, inner)),
         control(thread.module) {}
 
   Module& module;
   std::shared_ptr<FilterObject> filter;
   FilterDialogObject inner;
-  std::unique_ptr<FilterDialog> outside;
+  std::unique_ptr<FilterDialog> port;
   Control control;
 };
 
@@ -56,7 +56,7 @@ struct Callback {
 
 template <class Control>
 void initialise(Dialog<Control>& dialog) {
-  dialog.control.filterInit(*dialog.outside);
+  dialog.control.filterInit(*dialog.port);
 }
 
 template <class Control>
@@ -68,7 +68,7 @@ void surviveCallback(const TinyAccount& account, const ReportRegistration& repor
 
   std::string result;
   const auto run = [&](Thread& thread, Dialog<Control>& dialog, std::size_t failAt) {
-    return runWithFault(thread.outside, failAt, [&] { result = callback.run(dialog); });
+    return runWithFault(thread.injector, failAt, [&] { result = callback.run(dialog); });
   };
 
   Thread counted(account);
@@ -82,32 +82,33 @@ void surviveCallback(const TinyAccount& account, const ReportRegistration& repor
     EXPECT_EQ(result, callback.gives) << callback.subject;
   }
   const std::string expectedShown = counted.shown;
-  const std::size_t calls = counted.outside.calls().size();
+  const std::size_t calls = counted.injector.calls().size();
   EXPECT_GE(calls, atLeast) << callback.subject;
 
-  Tally tally(callback.subject, "calls");
+  FaultCount faultCount(callback.subject, "calls");
   for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
-    tally.fault([&] {
+    faultCount.tryFault([&] {
       Thread thread(account);
-      const Outside& outside = thread.outside;
+      const FaultInjector& injector = thread.injector;
       {
         Dialog<Control> dialog(thread, account, report);
         callback.before(dialog);
-        const int sharedBefore = outside.held(Thing::sharedComponent);
-        const int sessionsBefore = outside.held(Thing::session);
-        const int loginsBefore = outside.held(Thing::login);
+        const int sharedBefore = injector.liveObjects(ObjectKind::sharedComponent);
+        const int sessionsBefore = injector.liveObjects(ObjectKind::session);
+        const int loginsBefore = injector.liveObjects(ObjectKind::login);
         const Ending ending = run(thread, dialog, failAt);
         SCOPED_TRACE("call " + std::to_string(failAt) + " of " + callback.subject);
-        expectPassedOn(ending, outside, failAt);
+        expectPassedOn(ending, injector, failAt);
         EXPECT_EQ(thread.shown, "") << "the user was told all the same";
-        EXPECT_EQ(outside.held(Thing::other), 0);
-        const auto was = [&](std::string_view member) { return answered(outside, failAt, member); };
-        EXPECT_EQ(outside.held(Thing::sharedComponent),
+        EXPECT_EQ(injector.liveObjects(ObjectKind::other), 0);
+        const auto was = [&](std::string_view member) { return answered(injector, failAt, member); };
+        EXPECT_EQ(injector.liveObjects(ObjectKind::sharedComponent),
                   sharedBefore + was("Platform.createPublicComponent") + was("Platform.createResourceService"));
         // A new session and a new login replace those of an earlier start.
-        EXPECT_EQ(outside.held(Thing::session), std::max(sessionsBefore, dialogsOwn + was("Platform.createSession")));
-        EXPECT_GE(outside.held(Thing::login), loginsBefore);
-        EXPECT_LE(outside.held(Thing::login), 1);
+        EXPECT_EQ(injector.liveObjects(ObjectKind::session),
+                  std::max(sessionsBefore, dialogsOwn + was("Platform.createSession")));
+        EXPECT_GE(injector.liveObjects(ObjectKind::login), loginsBefore);
+        EXPECT_LE(injector.liveObjects(ObjectKind::login), 1);
 
         const Ending again = run(thread, dialog, 0);
         EXPECT_FALSE(again.has_value()) << again->description();
@@ -116,8 +117,8 @@ void surviveCallback(const TinyAccount& account, const ReportRegistration& repor
         EXPECT_EQ(thread.shown, expectedShown);
       }
       // A dialog leaves its session open for as long as the thread lives or another takes its place.
-      EXPECT_EQ(outside.held(Thing::session), opensSession ? 1 : 0);
-      EXPECT_EQ(outside.held(Thing::other), 0);
+      EXPECT_EQ(injector.liveObjects(ObjectKind::session), opensSession ? 1 : 0);
+      EXPECT_EQ(injector.liveObjects(ObjectKind::other), 0);
       EXPECT_EQ(account.newTables(), std::vector<std::string>());
     });
   }
@@ -147,7 +148,7 @@ Callback<Control> valueChange(const std::string& subject, const std::string& key
               },
           .run =
               [key](Dialog<Control>& dialog) {
-                dialog.control.valueChange(key, *dialog.outside);
+                dialog.control.valueChange(key, *dialog.port);
                 return std::string();
               }};
 }
@@ -188,7 +189,7 @@ TEST(DialogCalls, ViewsAndListsOfTheSummaryReports) {
       byWarehouse(), balanceDialog(),
       {.subject = "sfc-item dialog, CallBack_ReportViewInit and -Change",
        .before = begun,
-       .run = [](Dialog<SfcFilterControl>& dialog) { return SfcFilterControl::reportView(*dialog.outside); },
+       .run = [](Dialog<SfcFilterControl>& dialog) { return SfcFilterControl::reportView(*dialog.port); },
        .gives = "cross"},
       2);
   surviveCallback<SfcFilterControl>(byWarehouse(), balanceDialog(),
@@ -233,18 +234,17 @@ TEST(DialogCalls, VoucherReport) {
 Callback<FilterControl> filterClick(const std::string& subject,
                                     const std::vector<std::pair<std::string, std::string>>& values,
                                     const std::string& gives) {
-  return {.subject = subject + ", CallBack_FilterClick",
-          .before =
-              [values](Dialog<FilterControl>& dialog) {
-                initialise(dialog);
-                for (const auto& [key, value] : values)
-                  dialog.filter->find(key)->value = value;
-              },
-          .run =
-              [](Dialog<FilterControl>& dialog) {
-                return dialog.control.filterClick(*dialog.outside).value_or("complete");
-              },
-          .gives = gives};
+  return {
+      .subject = subject + ", CallBack_FilterClick",
+      .before =
+          [values](Dialog<FilterControl>& dialog) {
+            initialise(dialog);
+            for (const auto& [key, value] : values)
+              dialog.filter->find(key)->value = value;
+          },
+      .run =
+          [](Dialog<FilterControl>& dialog) { return dialog.control.filterClick(*dialog.port).value_or("complete"); },
+      .gives = gives};
 }
 
 TEST(DialogCalls, DetailLedger) {
@@ -258,7 +258,7 @@ TEST(DialogCalls, DetailLedger) {
       byWarehouse(), report,
       {.subject = subject + ", CallBack_ReportViewInit and -Change",
        .before = initialise<FilterControl>,
-       .run = [](Dialog<FilterControl>& dialog) { return FilterControl::reportView(*dialog.outside).value_or("none"); },
+       .run = [](Dialog<FilterControl>& dialog) { return FilterControl::reportView(*dialog.port).value_or("none"); },
        .gives = "IA_FXDetail_FXClass"},
       10);
 }

@@ -10,12 +10,12 @@
 #include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
-#include "tests/faults/outside.h"
+#include "tests/faults/fault_count.h"
+#include "tests/faults/fault_injector.h"
+#include "tests/faults/fault_run.h"
 #include "tests/faults/scenarios.h"
-#include "tests/faults/tally.h"
 #include "tests/faults/thread.h"
 #include "tests/faults/tiny_account.h"
-#include "tests/faults/trial.h"
 
 namespace quillon::faults {
 namespace {
@@ -28,9 +28,9 @@ class KeptBusiness final : public BusinessObject {};
 template <class Report>
 Ending execute(Thread& thread, const RowValues& row, const std::string& action, std::size_t failAt) {
   WorkbenchArgument inner(byWarehouse().login(), row, action);
-  const std::unique_ptr<ReportArgument> argument = watched(thread.outside, inner);
+  const std::unique_ptr<ReportArgument> argument = intercepted(thread.injector, inner);
   thread.module.business = std::make_shared<KeptBusiness>();
-  return runWithFault(thread.outside, failAt, [&] {
+  return runWithFault(thread.injector, failAt, [&] {
     Report report(thread.module);
     report.execute(*argument);
   });
@@ -42,7 +42,7 @@ std::string cleanDrillThrough(Thread& thread, const RowValues& row, const std::s
   thread.shown.clear();
   const Ending ending = execute<Report>(thread, row, action, 0);
   EXPECT_FALSE(ending.has_value()) << ending->description();
-  EXPECT_EQ(thread.outside.held(), thread.outside.held(Thing::sharedComponent));
+  EXPECT_EQ(thread.injector.liveObjects(), thread.injector.liveObjects(ObjectKind::sharedComponent));
   return thread.shown;
 }
 
@@ -51,22 +51,22 @@ void surviveDrillThrough(const std::string& subject, const RowValues& row, const
                          const std::string& shown) {
   Thread counted(byWarehouse());
   ASSERT_EQ(cleanDrillThrough<Report>(counted, row, action), shown);
-  const std::size_t calls = counted.outside.calls().size();
-  Tally tally(subject, "calls");
+  const std::size_t calls = counted.injector.calls().size();
+  FaultCount faultCount(subject, "calls");
   for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
-    tally.fault([&] {
+    faultCount.tryFault([&] {
       Thread thread(byWarehouse());
-      const Outside& outside = thread.outside;
+      const FaultInjector& injector = thread.injector;
       const Ending ending = execute<Report>(thread, row, action, failAt);
       SCOPED_TRACE("call " + std::to_string(failAt) + " of " + subject);
-      expectPassedOn(ending, outside, failAt);
+      expectPassedOn(ending, injector, failAt);
       EXPECT_EQ(thread.shown, "") << "a document was shown all the same";
       EXPECT_EQ(thread.module.session, nullptr);
       EXPECT_EQ(thread.module.login, nullptr);
-      const int kept = answered(outside, failAt, "Platform.createPublicComponent") +
-                       answered(outside, failAt, "Platform.createResourceService");
-      EXPECT_EQ(outside.held(Thing::sharedComponent), kept);
-      EXPECT_EQ(outside.held(), kept);
+      const int kept = answered(injector, failAt, "Platform.createPublicComponent") +
+                       answered(injector, failAt, "Platform.createResourceService");
+      EXPECT_EQ(injector.liveObjects(ObjectKind::sharedComponent), kept);
+      EXPECT_EQ(injector.liveObjects(), kept);
       EXPECT_EQ(byWarehouse().newTables(), std::vector<std::string>());
       EXPECT_EQ(cleanDrillThrough<Report>(thread, row, action), shown);
     });
@@ -112,23 +112,23 @@ template <class Report>
 void surviveExecute(const std::string& subject) {
   const std::vector<std::string> steps = {"ReportArgument.action", "ReportArgument.login",
                                           "Platform.createDrillThroughHelper", "DrillThroughHelper.filterFor"};
-  Tally tally(subject, "calls");
+  FaultCount faultCount(subject, "calls");
   for (std::size_t failAt = 1; failAt <= steps.size(); ++failAt) {
-    tally.fault([&] {
+    faultCount.tryFault([&] {
       Thread thread(byWarehouse());
-      const Outside& outside = thread.outside;
+      const FaultInjector& injector = thread.injector;
       WorkbenchArgument inner(byWarehouse().login(), RowValues(), "Link");
-      const std::unique_ptr<ReportArgument> argument = watched(thread.outside, inner);
+      const std::unique_ptr<ReportArgument> argument = intercepted(thread.injector, inner);
       Report report(thread.module);
-      EXPECT_FALSE(runWithFault(thread.outside, failAt, [&] { report.execute(*argument); }).has_value());
+      EXPECT_FALSE(runWithFault(thread.injector, failAt, [&] { report.execute(*argument); }).has_value());
       std::vector<std::string> called;
-      for (const OutsideCall& call : outside.calls())
+      for (const PortCall& call : injector.calls())
         called.push_back(call.member);
       std::vector<std::string> expected = steps;
       // Without a login, and without the helper, there is nobody to ask for a filter.
       if (failAt == 2 || failAt == 3) expected.pop_back();
       EXPECT_EQ(called, expected);
-      EXPECT_EQ(outside.held(), 0);
+      EXPECT_EQ(injector.liveObjects(), 0);
       EXPECT_EQ(byWarehouse().newTables(), std::vector<std::string>());
     });
   }

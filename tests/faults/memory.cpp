@@ -11,32 +11,32 @@ namespace {
 std::atomic<long> blocks = 0;
 
 thread_local bool counting = false;
-thread_local int away = 0;
+thread_local int paused = 0;
 thread_local std::size_t counted = 0;
 thread_local std::size_t refused = 0;
 
 }  // namespace
 
-NotTheLibrary::NotTheLibrary() {
-  ++away;
+AllocationFaultsPaused::AllocationFaultsPaused() {
+  ++paused;
 }
-NotTheLibrary::~NotTheLibrary() {
-  --away;
+AllocationFaultsPaused::~AllocationFaultsPaused() {
+  --paused;
 }
 
-CountedAllocations::CountedAllocations(std::size_t failAt) {
+AllocationFaults::AllocationFaults(std::size_t failAt) {
   counting = true;
   counted = 0;
   refused = failAt;
 }
-CountedAllocations::~CountedAllocations() {
+AllocationFaults::~AllocationFaults() {
   counting = false;
 }
-std::size_t CountedAllocations::count() const {
+std::size_t AllocationFaults::count() const {
   return counted;
 }
 
-long blocksHeld() {
+long liveBlocks() {
   return blocks.load();
 }
 
@@ -46,7 +46,7 @@ long blocksHeld() {
 // types that need the aligned ones.
 void* operator new(std::size_t size) {
   using namespace quillon::faults;
-  if (counting && away == 0 && ++counted == refused) throw std::bad_alloc();
+  if (counting && paused == 0 && ++counted == refused) throw std::bad_alloc();
   void* block = std::malloc(size == 0 ? 1 : size);
   if (block == nullptr) throw std::bad_alloc();
   ++blocks;

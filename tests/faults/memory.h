@@ -5,28 +5,29 @@
 
 namespace quillon::faults {
 
-// While one of these lives, the thread does not work for the library: its allocations are neither counted nor refused.
-class NotTheLibrary {
+// While one of these lives, this thread's allocations are neither counted nor refused: they are the platform's, not the
+// library's.
+class AllocationFaultsPaused {
  public:
-  NotTheLibrary();
-  NotTheLibrary(const NotTheLibrary&) = delete;
-  NotTheLibrary& operator=(const NotTheLibrary&) = delete;
-  ~NotTheLibrary();
+  AllocationFaultsPaused();
+  AllocationFaultsPaused(const AllocationFaultsPaused&) = delete;
+  AllocationFaultsPaused& operator=(const AllocationFaultsPaused&) = delete;
+  ~AllocationFaultsPaused();
 };
 
 // Counts the library's allocations on this thread, from 1, while it lives, and refuses number `failAt` with
 // std::bad_alloc; 0 refuses none.
-class CountedAllocations {
+class AllocationFaults {
  public:
-  explicit CountedAllocations(std::size_t failAt);
-  CountedAllocations(const CountedAllocations&) = delete;
-  CountedAllocations& operator=(const CountedAllocations&) = delete;
-  ~CountedAllocations();
+  explicit AllocationFaults(std::size_t failAt);
+  AllocationFaults(const AllocationFaults&) = delete;
+  AllocationFaults& operator=(const AllocationFaults&) = delete;
+  ~AllocationFaults();
 
   std::size_t count() const;
 };
 
-// How many blocks the whole program holds.
-long blocksHeld();
+// How many blocks the whole program has allocated and not freed.
+long liveBlocks();
 
 }  // namespace quillon::faults

@@ -13,12 +13,12 @@
 #include "reports/fx_wt/fx_wt.h"
 #include "reports/outsum_item/outsum_item.h"
 #include "reports/sfc_item/sfc_item.h"
-#include "tests/faults/outside.h"
+#include "tests/faults/fault_count.h"
+#include "tests/faults/fault_injector.h"
+#include "tests/faults/fault_run.h"
 #include "tests/faults/scenarios.h"
-#include "tests/faults/tally.h"
 #include "tests/faults/thread.h"
 #include "tests/faults/tiny_account.h"
-#include "tests/faults/trial.h"
 #include "workbench/platform/argument.h"
 
 namespace quillon::faults {
@@ -35,10 +35,10 @@ constexpr bool alwaysRunAgain = true;
 #endif
 
 // The statements that were run before the failing call.
-std::vector<std::string> statementsBefore(const Outside& outside, std::size_t failAt) {
+std::vector<std::string> statementsBefore(const FaultInjector& injector, std::size_t failAt) {
   std::vector<std::string> statements;
-  for (std::size_t i = 0; i < outside.calls().size() && i + 1 != failAt; ++i) {
-    if (outside.calls()[i].member == "Session.execute") statements.push_back(outside.calls()[i].text);
+  for (std::size_t i = 0; i < injector.calls().size() && i + 1 != failAt; ++i) {
+    if (injector.calls()[i].member == "Session.execute") statements.push_back(injector.calls()[i].text);
   }
   return statements;
 }
@@ -66,8 +66,8 @@ class ReportCalls : public testing::Test {
   static Ending run(Thread& thread, const TinyAccount& account, const std::vector<Item>& items, std::size_t failAt,
                     std::string& resultTable) {
     WorkbenchArgument inner(filterOf(items), account.login(), std::string(table));
-    const std::unique_ptr<ReportArgument> argument = watched(thread.outside, inner);
-    Ending ending = runWithFault(thread.outside, failAt, [&] {
+    const std::unique_ptr<ReportArgument> argument = intercepted(thread.injector, inner);
+    Ending ending = runWithFault(thread.injector, failAt, [&] {
       Report report(thread.module);
       report.getSql(*argument);
     });
@@ -84,9 +84,9 @@ class ReportCalls : public testing::Test {
     EXPECT_FALSE(ending.has_value()) << ending->description();
     const std::vector<std::string> tables = account.newTables();
     EXPECT_EQ(tables, std::vector{resultTable});
-    EXPECT_EQ(thread.outside.held(Thing::session), 0);
-    EXPECT_EQ(thread.outside.held(Thing::filter), 0);
-    EXPECT_EQ(thread.outside.held(Thing::other), 0);
+    EXPECT_EQ(thread.injector.liveObjects(ObjectKind::session), 0);
+    EXPECT_EQ(thread.injector.liveObjects(ObjectKind::filter), 0);
+    EXPECT_EQ(thread.injector.liveObjects(ObjectKind::other), 0);
     std::string rows = tables.empty() ? std::string() : account.rows("Select * From " + tables.front());
     account.drop(tables);
     return rows;
@@ -94,17 +94,17 @@ class ReportCalls : public testing::Test {
 
   // What the thread holds after a run whose call `failAt` failed.
   template <class Report>
-  static void expectHeld(const Thread& thread, std::size_t failAt, bool closing) {
-    const Outside& outside = thread.outside;
-    const auto was = [&](std::string_view member) { return answered(outside, failAt, member); };
-    EXPECT_EQ(outside.held(Thing::filter), 0);
-    EXPECT_EQ(outside.held(Thing::other), 0);
+  static void expectLiveObjects(const Thread& thread, std::size_t failAt, bool closing) {
+    const FaultInjector& injector = thread.injector;
+    const auto was = [&](std::string_view member) { return answered(injector, failAt, member); };
+    EXPECT_EQ(injector.liveObjects(ObjectKind::filter), 0);
+    EXPECT_EQ(injector.liveObjects(ObjectKind::other), 0);
     const bool keeps = !rules<Report>.releasesAll;
-    EXPECT_EQ(outside.held(Thing::session), keeps && !closing ? was("Platform.createSession") : 0);
-    EXPECT_EQ(outside.held(Thing::login), keeps ? was("ReportArgument.login") : 0);
-    EXPECT_EQ(outside.held(Thing::sharedComponent), (keeps ? was("Platform.createPublicComponent") : 0) +
-                                                        was("Platform.createResourceService") +
-                                                        was("Platform.createUniqueNameSource"));
+    EXPECT_EQ(injector.liveObjects(ObjectKind::session), keeps && !closing ? was("Platform.createSession") : 0);
+    EXPECT_EQ(injector.liveObjects(ObjectKind::login), keeps ? was("ReportArgument.login") : 0);
+    EXPECT_EQ(injector.liveObjects(ObjectKind::sharedComponent), (keeps ? was("Platform.createPublicComponent") : 0) +
+                                                                     was("Platform.createResourceService") +
+                                                                     was("Platform.createUniqueNameSource"));
   }
 
   // Whether the run that is tried gives rows.
@@ -116,38 +116,38 @@ class ReportCalls : public testing::Test {
                                   Result result = Result::rows) {
     Thread counted(account, namingNumber);
     const std::string expected = cleanRun<Report>(counted, account, items);
-    const std::size_t calls = counted.outside.calls().size();
+    const std::size_t calls = counted.injector.calls().size();
     EXPECT_EQ(std::ranges::count(expected, '\n') == 1 ? Result::empty : Result::rows, result);
-    Tally tally(subject, "calls");
+    FaultCount faultCount(subject, "calls");
     for (std::size_t failAt = 1; failAt <= calls; ++failAt)
-      tally.fault([&] { surviveCallFailure<Report>(account, items, namingNumber, failAt, expected); });
+      faultCount.tryFault([&] { surviveCallFailure<Report>(account, items, namingNumber, failAt, expected); });
   }
 
   template <class Report>
   static void surviveCallFailure(const TinyAccount& account, const std::vector<Item>& items,
                                  const std::string& namingNumber, std::size_t failAt, const std::string& expected) {
     Thread thread(account, namingNumber);
-    const Outside& outside = thread.outside;
+    const FaultInjector& injector = thread.injector;
     std::string resultTable;
     const Ending ending = run<Report>(thread, account, items, failAt, resultTable);
-    ASSERT_GE(outside.calls().size(), failAt) << "the run was not the one that was counted";
-    const OutsideCall failed = outside.calls()[failAt - 1];
+    ASSERT_GE(injector.calls().size(), failAt) << "the run was not the one that was counted";
+    const PortCall failed = injector.calls()[failAt - 1];
     SCOPED_TRACE("call " + std::to_string(failAt) + ": " + shown(failed));
 
     const bool closing = failed.member == "Session.state" || failed.member == "Session.close";
     const bool absorbed =
-        rules<Report>.absorbsBuild && answered(outside, failAt, "DataSource.resultTable") == 1 && !closing;
+        rules<Report>.absorbsBuild && answered(injector, failAt, "DataSource.resultTable") == 1 && !closing;
     if (absorbed) {
       EXPECT_FALSE(ending.has_value()) << "the build's error was passed on: " << ending->description();
-      EXPECT_EQ(outside.calls().size(), failAt) << "the build went on after a call had failed";
+      EXPECT_EQ(injector.calls().size(), failAt) << "the build went on after a call had failed";
       ASSERT_NE(thread.module.session, nullptr);
       EXPECT_NE(thread.module.session->state(), stateClosed) << "the connection is not left as it was";
     } else {
-      expectPassedOn(ending, outside, failAt);
+      expectPassedOn(ending, injector, failAt);
     }
-    expectHeld<Report>(thread, failAt, closing);
+    expectLiveObjects<Report>(thread, failAt, closing);
     const std::vector<std::string> left = account.newTables();
-    const Changes changes = changesOf(statementsBefore(outside, failAt));
+    const Changes changes = changesOf(statementsBefore(injector, failAt));
     EXPECT_EQ(left, changes.tables);
     account.drop(left);
 
@@ -169,8 +169,8 @@ class MoveDataDetail {
       : account_(account), items_(std::move(items)) {
     Run run(*this);
     run.getSql(0);
-    const std::vector<OutsideCall>& calls = run.thread.outside.calls();
-    const auto before = std::ranges::find(calls, lastBefore, &OutsideCall::member);
+    const std::vector<PortCall>& calls = run.thread.injector.calls();
+    const auto before = std::ranges::find(calls, lastBefore, &PortCall::member);
     if (before == calls.end()) throw std::logic_error("the run does not call " + std::string(lastBefore));
     firstOfBuild_ = static_cast<std::size_t>(before - calls.begin()) + 2;
     expected_ = rows();
@@ -180,10 +180,10 @@ class MoveDataDetail {
     Run counted(*this);
     counted.getSql(firstOfBuild_);
     expectBuilt(counted);
-    const std::size_t calls = counted.thread.outside.calls().size();
-    Tally tally(subject, "calls");
+    const std::size_t calls = counted.thread.injector.calls().size();
+    FaultCount faultCount(subject, "calls");
     for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
-      tally.fault([&] {
+      faultCount.tryFault([&] {
         SCOPED_TRACE("call " + std::to_string(failAt) + " of " + subject);
         surviveFailure(failAt);
       });
@@ -195,15 +195,15 @@ class MoveDataDetail {
     explicit Run(const MoveDataDetail& all)
         : thread(all.account_),
           inner(filterOf(all.items_), all.account_.login(), "ReportOfFaults"),
-          argument(watched(thread.outside, inner)),
+          argument(intercepted(thread.injector, inner)),
           report(thread.module) {}
 
     void getSql(std::size_t failAt) {
-      runWithFault(thread.outside, failAt, [&] { report.getSql(*argument); });
+      runWithFault(thread.injector, failAt, [&] { report.getSql(*argument); });
     }
     Ending move(std::size_t failAt) {
       text = "nothing";
-      return runWithFault(thread.outside, failAt, [&] { text = report.moveDataDetail(); });
+      return runWithFault(thread.injector, failAt, [&] { text = report.moveDataDetail(); });
     }
 
     Thread thread;
@@ -224,7 +224,7 @@ class MoveDataDetail {
   static void expectOpenSession(const Run& run) {
     ASSERT_NE(run.thread.module.session, nullptr);
     EXPECT_NE(run.thread.module.session->state(), stateClosed);
-    EXPECT_EQ(run.thread.outside.held(Thing::session), 1);
+    EXPECT_EQ(run.thread.injector.liveObjects(ObjectKind::session), 1);
   }
 
   // MoveDataDetail without a fault builds, and closes nothing.
@@ -237,7 +237,7 @@ class MoveDataDetail {
 
   void surviveFailure(std::size_t failAt) const {
     Run run(*this);
-    const Outside& outside = run.thread.outside;
+    const FaultInjector& injector = run.thread.injector;
     run.getSql(firstOfBuild_);
     expectOpenSession(run);
     EXPECT_EQ(account_.newTables(), std::vector<std::string>());
@@ -246,13 +246,13 @@ class MoveDataDetail {
     if (rules<Report>.absorbsBuild) {
       EXPECT_FALSE(ending.has_value()) << ending->description();
       EXPECT_EQ(run.text, " ");
-      EXPECT_EQ(outside.calls().size(), failAt) << "the build went on after a call had failed";
+      EXPECT_EQ(injector.calls().size(), failAt) << "the build went on after a call had failed";
     } else {
-      expectPassedOn(ending, outside, failAt);
+      expectPassedOn(ending, injector, failAt);
     }
     expectOpenSession(run);
     const std::vector<std::string> left = account_.newTables();
-    const Changes changes = changesOf(statementsBefore(outside, failAt));
+    const Changes changes = changesOf(statementsBefore(injector, failAt));
     EXPECT_EQ(left, changes.tables);
     account_.drop(left);
     if (alwaysRunAgain || changes.any) expectBuilt(run);

@@ -1,4 +1,4 @@
-// How much a process may hold more after long use than after a short one.
+// How much more memory and how many more handles a process may use after long use than after short use.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,8 +7,8 @@
 
 namespace quillon::long_life {
 
-// 64 kB of heap: less than 7 bytes for each of 10,000 runs, where a report's smallest object has 40; and `excused` bytes.
-// The pages may lie otherwise, by 2 MB. No handle more.
+// Heap: 64 kB and `excused` bytes. That is less than 7 bytes for each of 10,000 runs; a report's smallest object has 40.
+// Private pages: 2 MB, because they depend on how the heaps are laid out. Handles: none.
 inline void expectFlat(const ProcessLevel& before, const ProcessLevel& after, std::uint64_t excused = 0) {
   const std::uint64_t heapGrowth = 64 * 1024 + excused;
   constexpr std::uint64_t privateGrowth = 2 * 1024 * 1024;

@@ -1,4 +1,4 @@
-// What this process holds of the system.
+// The memory and the handles that this process uses.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 namespace quillon::long_life {
 
 struct ProcessLevel {
-  std::uint64_t heapBytes = 0;     // in use in all heaps: exact, and the same again when nothing was left
-  std::uint64_t privateBytes = 0;  // pages of this process alone; moves with how the heaps lie
+  std::uint64_t heapBytes = 0;     // in use in all heaps; exact
+  std::uint64_t privateBytes = 0;  // pages of this process alone; depends on how the heaps are laid out
   std::uint32_t handles = 0;
 };
 

@@ -1,5 +1,5 @@
-// Quillon.dll loaded, used, asked, unloaded and loaded again, over and over: each time it is really gone, and takes with
-// it whatever it held.
+// Quillon.dll is loaded, used, asked whether it can be unloaded, and unloaded, over and over: each time it is really gone,
+// and all that it had allocated is free.
 #include <gtest/gtest.h>
 
 #include <iostream>

@@ -26,8 +26,7 @@ class SmallAccount {
 
   // All four reports in every mode, each with and without its dialog, and a document behind a row.
   std::vector<Use> uses() const;
-  // What comes of it: the result table's rows as text, or the document as JSON. The result table is gone again. Throws
-  // std::exception.
+  // Gives the result table's rows as text, or the document as JSON, and drops the result table. Throws std::exception.
   std::string resultOf(const Use& use) const;
 
  private:

@@ -25,11 +25,11 @@ namespace {
 using Apartment = automation::test::ComScope;
 #else
 struct Apartment {
-  ~Apartment() {}  // a declaration without a use is one all the same
+  ~Apartment() {}  // so that the compiler does not call a variable of this type unused
 };
 #endif
 
-// One thread's part: its account, its report, and what each use of them is known to give.
+// What one thread does: uses its own account and report and compares each result with the known one.
 class Worker {
  public:
   Worker(std::uint64_t seed, std::string_view report) : account_(seed), uses_(account_.uses()) {
@@ -44,7 +44,7 @@ class Worker {
   int runs() const { return runs_; }
   const std::string& problem() const { return problem_; }
 
-  // Uses the account in turn until `end`, or until something is not as it is known to be.
+  // Goes through its uses in turn until `end`, or until a result differs from the known one.
   void work(std::chrono::steady_clock::time_point end) {
     try {
       const Apartment apartment;

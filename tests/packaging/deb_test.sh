@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The Debian package: made of what is built, installed with dpkg into a folder that stands for the file system, run from
 # there, removed again; after it the folder is as it was. dpkg's own records are in that folder too, and say that this
-# machine's packages are installed, so that what the package depends on is held against them. Nothing of the machine is
+# machine's packages are installed, so that dpkg checks what the package depends on against them. Nothing of the machine is
 # touched, and no rights are needed. Usage: deb_test.sh BUILD_FOLDER VERSION
 set -euo pipefail
 build=$1
@@ -63,7 +63,7 @@ usr/share/doc/quillon/licenses/utf8proc.txt
 usr/share/man/man1/quillon.1.gz
 END
 program=$target/usr/bin/quillon
-[ "$("$program" --version)" = "quillon $version" ] || fail "the installed program tells: $("$program" --version)"
+[ "$("$program" --version)" = "quillon $version" ] || fail "the installed program prints: $("$program" --version)"
 "$program" account new "$work/sample.account" --rows 2000 --seed 7 >"$work/log"
 "$program" report sfc-item --account "$work/sample.account" --set cModal=1 --format csv >"$work/report"
 # The heading, and a line a cost item at least.

@@ -5,7 +5,7 @@ set -euo pipefail
 build=$1
 folder=$2
 version=$3
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+. "$(dirname "${BASH_SOURCE[0]}")/../com/common.sh"
 
 rm -rf "$folder"
 mkdir -p "$folder"
@@ -17,7 +17,6 @@ for again in "$folder"/again/*; do cmp "$folder/$(basename "$again")" "$again"; 
 
 # Wine goes soon after its last program: what it wrote of the prefix is whole then.
 export QUILLON_WINEPREFIX=$folder/prefix QUILLON_WINE_STAYS=2
-wine() { "$root/tools/wine.sh" "$@" </dev/null; }
 (cd "$folder" && wine "$build/bin/quillon.exe" account new sample.account --rows 2000 --seed 7)
 # The first program of a kind brings keys of Wine's own with it, so one of each that the tests use runs before.
 wine cmd /c exit

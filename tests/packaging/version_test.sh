@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The newest entry of CHANGELOG.md is the version's, and the program tells that version.
+# The newest entry of CHANGELOG.md is the version's, and the program prints that version.
 # Usage: version_test.sh CHANGELOG VERSION PROGRAM
 set -euo pipefail
 changelog=$1
@@ -10,8 +10,8 @@ newest=$(grep -m 1 '^## ' "$changelog")
   echo "CHANGELOG.md begins with \"$newest\", not with \"## $version (DATE)\": write down what is new, or see project(VERSION)"
   exit 1
 }
-told=$("$@" --version)
-[ "$told" = "quillon $version" ] || {
-  echo "the program tells \"$told\", not \"quillon $version\""
+printed=$("$@" --version)
+[ "$printed" = "quillon $version" ] || {
+  echo "the program prints \"$printed\", not \"quillon $version\""
   exit 1
 }

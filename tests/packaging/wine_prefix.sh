@@ -1,20 +1,13 @@
 # shellcheck shell=bash
 # For the tests of the Win32 packages, to be sourced: a Wine prefix of their own, and what is in it. Takes $folder, where
 # the prefix, the packages and the sample account lie (prepare.sh). A failed check ends the test.
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+. "$(dirname "${BASH_SOURCE[0]}")/../com/common.sh"
 # Wine goes soon after its last program: what it wrote of the prefix is whole then.
 export QUILLON_WINEPREFIX=$folder/prefix QUILLON_WINE_STAYS=2
 version=$(<"$folder/version")
 work=$(mktemp -d)
 # Nothing of this test keeps running, whatever it ends with.
 trap 'WINEPREFIX="$QUILLON_WINEPREFIX" wineserver -k 2>/dev/null || true; rm -rf "$work"' EXIT
-
-fail() {
-  printf 'failed: %s\n' "$*" >&2
-  exit 1
-}
-wine() { "$root/tools/wine.sh" "$@" </dev/null; }
-windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
 # A program's exit status. Usage: expect_status STATUS PROGRAM ARGUMENT...; what it prints goes to $work/output.
 expect_status() {

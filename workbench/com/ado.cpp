@@ -25,7 +25,7 @@ constexpr HResult noOpenConnection = static_cast<HResult>(0x800A0E7DU);
 constexpr int stateOpen = 1;
 constexpr int countUnknown = -1;
 
-// Asked of an object to learn whether it is an AdoConnection of this very program; never seen outside.
+// An interface id that only an AdoConnection of this program answers to; no other program knows it.
 constexpr GUID embeddedConnectionId = {0x8a0d0c52, 0x64f3, 0x4a0e, {0x9b, 0x35, 0x1d, 0x5c, 0x3e, 0x7a, 0x92, 0x11}};
 
 AutomationError adoError(HResult code, const char* source, std::string description) {

@@ -14,7 +14,7 @@ function yesNo(holds) {
   return holds ? "yes" : "no";
 }
 
-// The user enters a value, and the dialog tells the class.
+// The user enters a value, and the dialog calls the class.
 function change(control, filter, key, value) {
   filter.FilterList(key).varValue = value;
   control.CallBack_ValueChange(key, filter);

@@ -24,7 +24,7 @@ Function Item(e, key)
   Set Item = e.rawFilter.FilterList(key)
 End Function
 
-' The user enters a value, and the dialog tells the class.
+' The user enters a value, and the dialog calls the class.
 Sub Change(control, filter, key, value)
   filter.FilterList(key).varValue = value
   control.CallBack_ValueChange key, filter

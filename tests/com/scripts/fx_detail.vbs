@@ -31,7 +31,7 @@ Sub DropResult(e)
   wb.Query "Drop Table " & e.DataSource.SQL
 End Sub
 
-' The user enters a value, and the dialog tells the class.
+' The user enters a value, and the dialog calls the class.
 Sub Change(control, filter, key, value)
   filter.FilterList(key).varValue = value
   control.CallBack_ValueChange key, filter
@@ -159,7 +159,7 @@ Sub OpenDocuments(e)
   report.Execute e
   Say "a balance opens nothing", YesNo(wb.Vouchers.Count = 2)
 
-  ' A row whose line is not posted: nothing is opened, and the user is told.
+  ' A row whose line is not posted: nothing is opened, and the user gets a message.
   Choose e, "", "Select N'any' As cVouType, N'' As cPZID, 1 As ID"
   report.Execute e
   Say "a row that is not posted opens nothing", YesNo(wb.Vouchers.Count = 2)

@@ -53,7 +53,7 @@ Function Listed(texts)
   Next
 End Function
 
-' The user enters a value, and the dialog tells the class.
+' The user enters a value, and the dialog calls the class.
 Sub Change(control, filter, key, value)
   filter.FilterList(key).varValue = value
   control.CallBack_ValueChange key, filter
@@ -197,7 +197,7 @@ Sub OpenDocuments(e)
   Say "menu", opened.Heading("menuCode")
   Say "it has entries", YesNo(opened.LineCount > 1)
 
-  ' A row whose line is not posted: nothing is opened, and the user is told.
+  ' A row whose line is not posted: nothing is opened, and the user gets a message.
   Choose e, "", "Select N'32' As cVouType, N'' As cPzID, 1 As AutoID"
   report.Execute e
   Say "a row that is not posted opens nothing", YesNo(wb.Vouchers.Count = 2)

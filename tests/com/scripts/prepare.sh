@@ -2,12 +2,11 @@
 # Registers the two servers in the private Wine prefix and makes a small account, for the tests that run scripts and
 # quillon.exe. Usage: prepare.sh BIN_DIRECTORY ACCOUNT
 set -euo pipefail
-bin=$1
+. "$(dirname "${BASH_SOURCE[0]}")/../common.sh"
 account=$2
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../.." && pwd)
 
-cd "$bin"
-"$root/tools/wine.sh" regsvr32 /s Quillon.dll </dev/null
-"$root/tools/wine.sh" regsvr32 /s QuillonWorkbench.dll </dev/null
+cd "$1"
+wine regsvr32 /s Quillon.dll
+wine regsvr32 /s QuillonWorkbench.dll
 rm -f "$account"
-"$root/tools/wine.sh" quillon.exe account new "$account" --rows 2000 --seed 7 </dev/null
+wine quillon.exe account new "$account" --rows 2000 --seed 7

@@ -130,7 +130,7 @@ Sub ProvokeErrors()
   business.Init Nothing
 End Sub
 
-' Errors inside the build are absorbed; the workbench tells them.
+' Errors inside the build are absorbed; the workbench keeps them for whoever asks.
 Sub StopTheBuild()
   Dim e, report
   Set report = CreateObject("Quillon.clsSFC_Item")

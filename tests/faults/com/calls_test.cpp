@@ -1,7 +1,7 @@
 // Every call that Quillon.dll makes through COM fails once, of the classes that it creates, the names that it looks up
-// and the members that it calls: what then leaves a report, a drill-through or a dialog's callback through HRESULT and
-// IErrorInfo or EXCEPINFO, what stays in the account and with the thread. The next run of a report is made here where the
-// failing one had changed the account; the_next_run_test.cpp has it after every fault, on a platform without an account.
+// and the members that it calls: which error a report, a drill-through or a dialog's callback then gives through
+// HRESULT and IErrorInfo or EXCEPINFO, what stays in the account and with the thread. The next run of a report is made here where the
+// failing one had changed the account; next_run_test.cpp has it after every fault, on a platform without an account.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,8 +16,8 @@
 #include "component/platform_bindings.h"
 #include "component/quillon_interfaces.h"
 #include "tests/faults/com/com_thread.h"
+#include "tests/faults/fault_count.h"
 #include "tests/faults/scenarios.h"
-#include "tests/faults/tally.h"
 #include "workbench/com/argument_object.h"
 #include "workbench/com/exposed_platform.h"
 #include "workbench/com/filter_objects.h"
@@ -31,7 +31,7 @@ using automation::Variant;
 using workbench::RowValues;
 using workbench::WorkbenchArgument;
 
-// Every other call of the library is made early-bound, the rest late-bound.
+// With every second fault the library is called early-bound, with the others late-bound.
 bool earlyBound(std::size_t failAt) {
   return failAt % 2 == 1;
 }
@@ -86,16 +86,16 @@ struct Rules {
   bool releasesAll = false;   // after a failed run nothing of the account stays with the thread
 };
 
-const BorderCall resultTableRead{Kind::invoke, "DataSource", "SQL"};
+const ComCall resultTableRead{CallKind::invoke, "DataSource", "SQL"};
 
-bool closing(const BorderCall& call) {
+bool closing(const ComCall& call) {
   return call.object == "ADODB.Connection" && (call.member == "State" || call.member == "Close");
 }
 
 template <class Interface, class Class>
-class ReportTrials {
+class ReportFaultRuns {
  public:
-  ReportTrials(std::string subject, const TinyAccount& account, std::vector<Item> items, Rules rules)
+  ReportFaultRuns(std::string subject, const TinyAccount& account, std::vector<Item> items, Rules rules)
       : subject_(std::move(subject)),
         account_(account),
         items_(std::move(items)),
@@ -105,16 +105,16 @@ class ReportTrials {
   void survive() {
     std::string expected;
     {
-      ComThread thread(border_, account_);
+      ComThread thread(injector_, account_);
       expected = cleanRun(thread);
     }
-    const std::size_t calls = border_.calls().size();
+    const std::size_t calls = injector_.calls().size();
     const component::test::QuillonLibrary library;
-    Tally tally(subject_, "calls");
+    FaultCount faultCount(subject_, "calls");
     for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
-      tally.fault([&] {
+      faultCount.tryFault([&] {
         surviveFailure(failAt, expected);
-        EXPECT_EQ(border_.held, 0) << "an object of the platform is left over";
+        EXPECT_EQ(injector_.liveProxies, 0) << "an object of the platform is left over";
         EXPECT_EQ(automation::LiveCount::value(), 0) << "an object of the platform is left over";
         EXPECT_EQ(library.canUnload(), S_OK);
       });
@@ -127,10 +127,10 @@ class ReportTrials {
     thread.log->statements.clear();
     Ending ending;
     {
-      const ComPtr<IDispatch> e = watched(border_, "e", workbench::argumentObject(argument));
-      border_.count(failAt);
+      const ComPtr<IDispatch> e = intercepted(injector_, "e", workbench::argumentObject(argument));
+      injector_.start(failAt);
       ending = callReport<Interface, Class>(thread, &Interface::GETSQL, L"GETSQL", e, failAt);
-      border_.rest();
+      injector_.stop();
     }
     resultTable = argument->dataSourceState().resultTable;
     return ending;
@@ -146,36 +146,36 @@ class ReportTrials {
     std::string rows = tables.empty() ? std::string() : account_.rows("Select * From " + tables.front());
     account_.drop(tables);
     EXPECT_EQ(thread.library.canUnload(), S_OK);
-    EXPECT_EQ(border_.held, 0);
+    EXPECT_EQ(injector_.liveProxies, 0);
     return rows;
   }
 
   void surviveFailure(std::size_t failAt, const std::string& expected) {
-    ComThread thread(border_, account_);
-    const Border& border = border_;
+    ComThread thread(injector_, account_);
+    const ComFaultInjector& injector = injector_;
     std::string resultTable;
     const Ending ending = run(thread, failAt, resultTable);
-    ASSERT_GE(border.calls().size(), failAt) << "the run was not the one that was counted";
-    const BorderCall failed = border.calls()[failAt - 1];
+    ASSERT_GE(injector.calls().size(), failAt) << "the run was not the one that was counted";
+    const ComCall failed = injector.calls()[failAt - 1];
     SCOPED_TRACE("call " + std::to_string(failAt) + ": " + failed.shown());
 
-    if (rules_.absorbsBuild && answered(border, failAt, resultTableRead) == 1 && !closing(failed)) {
+    if (rules_.absorbsBuild && answered(injector, failAt, resultTableRead) == 1 && !closing(failed)) {
       EXPECT_FALSE(ending.has_value()) << "the build's error was passed on: " << ending->description();
-      EXPECT_EQ(border.calls().size(), failAt) << "the build went on after a call had failed";
+      EXPECT_EQ(injector.calls().size(), failAt) << "the build went on after a call had failed";
     } else {
-      expectPassedOn(ending, border, failAt);
+      expectPassedOn(ending, injector, failAt);
     }
 
-    const auto made = [&](const char* progId) { return answered(border, failAt, {Kind::create, progId, ""}); };
+    const auto made = [&](const char* progId) { return answered(injector, failAt, {CallKind::create, progId, ""}); };
     const bool keeps = !rules_.releasesAll;
     const int session = keeps && !closing(failed) ? made("ADODB.Connection") : 0;
-    const int login = keeps ? answered(border, failAt, {Kind::invoke, "e", "Login"}) : 0;
+    const int login = keeps ? answered(injector, failAt, {CallKind::invoke, "e", "Login"}) : 0;
     const int shared =
         (keeps ? made("IA_Pub.ClsIAPub") : 0) + made("OrvPlatform.ResourceService") + made("OrvPlatform.UniqueName");
-    EXPECT_EQ(border.held, session + login + shared);
-    // A connection that was left open cannot be made again; all else can, and is released for the asking.
+    EXPECT_EQ(injector.liveProxies, session + login + shared);
+    // A connection that was left open cannot be made again; all else can, and DllCanUnloadNow releases it.
     EXPECT_EQ(thread.library.canUnload(), session == 0 ? S_OK : S_FALSE);
-    EXPECT_EQ(border.held, session == 0 ? 0 : session + login + shared);
+    EXPECT_EQ(injector.liveProxies, session == 0 ? 0 : session + login + shared);
 
     const std::vector<std::string> left = account_.newTables();
     const Changes changes = changesOf(thread.log->statements);
@@ -191,50 +191,51 @@ class ReportTrials {
   std::vector<Item> items_;
   Rules rules_;
   std::shared_ptr<Login> login_;
-  Border border_;
+  ComFaultInjector injector_;
 };
 
 constexpr Rules absorbing{.absorbsBuild = true};
 constexpr Rules releasing{.releasesAll = true};
 
 TEST(ComCalls, SfcItem) {
-  using Trials = ReportTrials<_clsSFC_Item, clsSFC_Item>;
-  Trials("sfc-item by cost-item classes", byWarehouse(), summaryItems("0"), absorbing).survive();
-  Trials("sfc-item by cost items", byWarehouse(), summaryItems("1"), absorbing).survive();
-  Trials("sfc-item by expense types", byWarehouse(), summaryItems("2"), absorbing).survive();
+  using FaultRuns = ReportFaultRuns<_clsSFC_Item, clsSFC_Item>;
+  FaultRuns("sfc-item by cost-item classes", byWarehouse(), summaryItems("0"), absorbing).survive();
+  FaultRuns("sfc-item by cost items", byWarehouse(), summaryItems("1"), absorbing).survive();
+  FaultRuns("sfc-item by expense types", byWarehouse(), summaryItems("2"), absorbing).survive();
 }
 
 TEST(ComCalls, OutsumItem) {
-  using Trials = ReportTrials<_clsOutsum_Item, clsOutsum_Item>;
-  Trials("outsum-item by cost-item classes", byWarehouse(), summaryItems("0"), absorbing).survive();
-  Trials("outsum-item by cost items", byWarehouse(), summaryItems("1"), absorbing).survive();
-  Trials("outsum-item by expense items", byWarehouse(), summaryItems("2"), absorbing).survive();
+  using FaultRuns = ReportFaultRuns<_clsOutsum_Item, clsOutsum_Item>;
+  FaultRuns("outsum-item by cost-item classes", byWarehouse(), summaryItems("0"), absorbing).survive();
+  FaultRuns("outsum-item by cost items", byWarehouse(), summaryItems("1"), absorbing).survive();
+  FaultRuns("outsum-item by expense items", byWarehouse(), summaryItems("2"), absorbing).survive();
 }
 
 TEST(ComCalls, FxDetail) {
-  using Trials = ReportTrials<_clsFXDetail, clsFXDetail>;
+  using FaultRuns = ReportFaultRuns<_clsFXDetail, clsFXDetail>;
   const Item inventory = {"cInvCode", std::string(TinyAccount::inventory)};
   const Item warehouse = {"cWhCode", std::string(TinyAccount::warehouse)};
-  Trials("fx-detail by warehouse", byWarehouse(),
-         ledgerItems({{"iYear", "2024"}, inventory, warehouse, {"dKeepDate", "2024-05-01", "2024-05-31"}}), releasing)
+  FaultRuns("fx-detail by warehouse", byWarehouse(),
+            ledgerItems({{"iYear", "2024"}, inventory, warehouse, {"dKeepDate", "2024-05-01", "2024-05-31"}}),
+            releasing)
       .survive();
-  Trials("fx-detail by inventory", byInventory(), ledgerItems({{"iYear", "2024"}, inventory}), releasing).survive();
+  FaultRuns("fx-detail by inventory", byInventory(), ledgerItems({{"iYear", "2024"}, inventory}), releasing).survive();
 }
 
 TEST(ComCalls, FxWt) {
-  ReportTrials<_clsFXWt, clsFXWt>("fx-wt", byWarehouse(), voucherItems(), {}).survive();
+  ReportFaultRuns<_clsFXWt, clsFXWt>("fx-wt", byWarehouse(), voucherItems(), {}).survive();
 }
 
 // --- Execute ------------------------------------------------------------------------------------------------------------
 
 template <class Interface, class Class>
-Ending execute(ComThread& thread, Border& border, const std::shared_ptr<WorkbenchArgument>& argument,
+Ending execute(ComThread& thread, ComFaultInjector& injector, const std::shared_ptr<WorkbenchArgument>& argument,
                std::size_t failAt) {
-  const ComPtr<IDispatch> e = watched(border, "e", workbench::argumentObject(argument));
+  const ComPtr<IDispatch> e = intercepted(injector, "e", workbench::argumentObject(argument));
   thread.shown.clear();
-  border.count(failAt);
+  injector.start(failAt);
   Ending ending = callReport<Interface, Class>(thread, &Interface::Execute, L"Execute", e, failAt);
-  border.rest();
+  injector.stop();
   return ending;
 }
 
@@ -242,34 +243,35 @@ Ending execute(ComThread& thread, Border& border, const std::shared_ptr<Workbenc
 template <class Interface, class Class>
 void surviveDrillThrough(const std::string& subject, const RowValues& row, const std::string& action,
                          const std::string& shown) {
-  Border border;
-  ComThread thread(border, byWarehouse());
+  ComFaultInjector injector;
+  ComThread thread(injector, byWarehouse());
   const auto argument = std::make_shared<WorkbenchArgument>(byWarehouse().login(), row, action);
   const auto drillThrough = [&](std::size_t failAt) {
-    return execute<Interface, Class>(thread, border, argument, failAt);
+    return execute<Interface, Class>(thread, injector, argument, failAt);
   };
   const auto expectShown = [&] {
     EXPECT_FALSE(drillThrough(0).has_value());
     EXPECT_EQ(thread.shown, shown);
     EXPECT_EQ(thread.library.canUnload(), S_OK);
-    EXPECT_EQ(border.held, 0);
+    EXPECT_EQ(injector.liveProxies, 0);
   };
   expectShown();
-  const std::size_t calls = border.calls().size();
+  const std::size_t calls = injector.calls().size();
   const long alive = automation::LiveCount::value();
-  Tally tally(subject, "calls");
+  FaultCount faultCount(subject, "calls");
   for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
-    tally.fault([&] {
+    faultCount.tryFault([&] {
       const Ending ending = drillThrough(failAt);
-      ASSERT_GE(border.calls().size(), failAt) << "the run was not the one that was counted";
-      SCOPED_TRACE("call " + std::to_string(failAt) + ": " + border.calls()[failAt - 1].shown());
-      expectPassedOn(ending, border, failAt);
+      ASSERT_GE(injector.calls().size(), failAt) << "the run was not the one that was counted";
+      SCOPED_TRACE("call " + std::to_string(failAt) + ": " + injector.calls()[failAt - 1].shown());
+      expectPassedOn(ending, injector, failAt);
       EXPECT_EQ(thread.shown, "") << "a document was shown all the same";
-      EXPECT_EQ(border.held, answered(border, failAt, {Kind::create, "IA_Pub.ClsIAPub", ""}) +
-                                 answered(border, failAt, {Kind::create, "OrvPlatform.ResourceService", ""}));
+      EXPECT_EQ(injector.liveProxies,
+                answered(injector, failAt, {CallKind::create, "IA_Pub.ClsIAPub", ""}) +
+                    answered(injector, failAt, {CallKind::create, "OrvPlatform.ResourceService", ""}));
       EXPECT_EQ(byWarehouse().newTables(), std::vector<std::string>());
       EXPECT_EQ(thread.library.canUnload(), S_OK);
-      EXPECT_EQ(border.held, 0);
+      EXPECT_EQ(injector.liveProxies, 0);
       expectShown();
       EXPECT_EQ(automation::LiveCount::value(), alive);
     });
@@ -295,25 +297,25 @@ TEST(ComCalls, DrillThrough) {
 // Execute of a summary report passes over a failing step. Only the making of its instance can fail.
 template <class Interface, class Class>
 void surviveExecute(const std::string& subject) {
-  Border border;
-  ComThread thread(border, byWarehouse());
+  ComFaultInjector injector;
+  ComThread thread(injector, byWarehouse());
   const auto argument = std::make_shared<WorkbenchArgument>(byWarehouse().login(), RowValues(), "Link");
-  EXPECT_FALSE((execute<Interface, Class>(thread, border, argument, 0)).has_value());
-  const std::size_t calls = border.calls().size();
-  const BorderCall lastOfMaking{Kind::invoke, "OrvPlatform.Naming", "Item"};
-  const auto making = std::ranges::find(border.calls(), lastOfMaking);
-  ASSERT_NE(making, border.calls().end());
-  const auto made = static_cast<std::size_t>(making - border.calls().begin()) + 1;
-  Tally tally(subject, "calls");
+  EXPECT_FALSE((execute<Interface, Class>(thread, injector, argument, 0)).has_value());
+  const std::size_t calls = injector.calls().size();
+  const ComCall lastOfMaking{CallKind::invoke, "OrvPlatform.Naming", "Item"};
+  const auto making = std::ranges::find(injector.calls(), lastOfMaking);
+  ASSERT_NE(making, injector.calls().end());
+  const auto made = static_cast<std::size_t>(making - injector.calls().begin()) + 1;
+  FaultCount faultCount(subject, "calls");
   for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
-    tally.fault([&] {
-      const Ending ending = execute<Interface, Class>(thread, border, argument, failAt);
+    faultCount.tryFault([&] {
+      const Ending ending = execute<Interface, Class>(thread, injector, argument, failAt);
       if (failAt <= made) {
-        expectPassedOn(ending, border, failAt);
+        expectPassedOn(ending, injector, failAt);
       } else {
         EXPECT_FALSE(ending.has_value()) << ending->description();
       }
-      EXPECT_EQ(border.held, 0);
+      EXPECT_EQ(injector.liveProxies, 0);
       EXPECT_EQ(thread.library.canUnload(), S_OK);
     });
   }
@@ -330,11 +332,12 @@ TEST(ComCalls, ExecuteOfTheSummaryReports) {
 template <class Interface, class Class>
 class Dialog {
  public:
-  Dialog(ComThread& thread, Border& border, const TinyAccount& account, const workbench::ReportRegistration& report)
+  Dialog(ComThread& thread, ComFaultInjector& injector, const TinyAccount& account,
+         const workbench::ReportRegistration& report)
       : filter(std::make_shared<workbench::FilterObject>(report, workbench::InitialValues::none)),
-        object_(watched(border, "Filter",
-                        workbench::dialogObject(std::make_shared<workbench::FilterDialogObject>(
-                            filter, account.login(), account.openSession())))),
+        object_(intercepted(injector, "Filter",
+                            workbench::dialogObject(std::make_shared<workbench::FilterDialogObject>(
+                                filter, account.login(), account.openSession())))),
         reference_(object_.get()) {
     Ending ending;
     control_ = create<Interface, Class>(thread, ending);
@@ -412,20 +415,20 @@ template <class Interface, class Class>
 void surviveCallback(const TinyAccount& account, const workbench::ReportRegistration& report,
                      const Callback<Interface, Class>& callback) {
   using OneDialog = Dialog<Interface, Class>;
-  Border border;
+  ComFaultInjector injector;
   const auto run = [&](ComThread& thread, OneDialog& dialog, std::size_t failAt) {
     thread.shown.clear();
-    border.count(failAt);
+    injector.start(failAt);
     Ending ending = callback.run(dialog, earlyBound(failAt));
-    border.rest();
+    injector.stop();
     return ending;
   };
 
   std::string expected;
   std::string expectedShown;
   {
-    ComThread thread(border, account);
-    OneDialog dialog(thread, border, account, report);
+    ComThread thread(injector, account);
+    OneDialog dialog(thread, injector, account, report);
     callback.before(dialog);
     const Ending ending = run(thread, dialog, 0);
     ASSERT_FALSE(ending.has_value()) << ending->description();
@@ -433,27 +436,27 @@ void surviveCallback(const TinyAccount& account, const workbench::ReportRegistra
     expected = stateOf(*dialog.filter);
     expectedShown = thread.shown;
   }
-  const std::size_t calls = border.calls().size();
+  const std::size_t calls = injector.calls().size();
   EXPECT_GT(calls, 0U);
   const component::test::QuillonLibrary library;
 
-  Tally tally(callback.subject, "calls");
+  FaultCount faultCount(callback.subject, "calls");
   for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
-    tally.fault([&] {
+    faultCount.tryFault([&] {
       {
-        ComThread thread(border, account);
-        OneDialog dialog(thread, border, account, report);
+        ComThread thread(injector, account);
+        OneDialog dialog(thread, injector, account, report);
         callback.before(dialog);
         const Ending ending = run(thread, dialog, failAt);
-        ASSERT_GE(border.calls().size(), failAt) << "the run was not the one that was counted";
-        SCOPED_TRACE("call " + std::to_string(failAt) + ": " + border.calls()[failAt - 1].shown());
-        expectPassedOn(ending, border, failAt);
+        ASSERT_GE(injector.calls().size(), failAt) << "the run was not the one that was counted";
+        SCOPED_TRACE("call " + std::to_string(failAt) + ": " + injector.calls()[failAt - 1].shown());
+        expectPassedOn(ending, injector, failAt);
         EXPECT_EQ(dialog.given, callback.given.whenItFails);
         EXPECT_EQ(thread.shown, "") << "the user was told all the same";
         EXPECT_EQ(library.canUnload(), S_FALSE) << "the instance is there";
 
         // What was set of the dialog before the failure stays, so the user opens it anew.
-        OneDialog next(thread, border, account, report);
+        OneDialog next(thread, injector, account, report);
         callback.before(next);
         const Ending again = run(thread, next, 0);
         EXPECT_FALSE(again.has_value()) << again->description();
@@ -461,7 +464,7 @@ void surviveCallback(const TinyAccount& account, const workbench::ReportRegistra
         EXPECT_EQ(next.given, callback.given.whenNothingFails);
         EXPECT_EQ(thread.shown, expectedShown);
       }
-      EXPECT_EQ(border.held, 0) << "an object of the platform is left over";
+      EXPECT_EQ(injector.liveProxies, 0) << "an object of the platform is left over";
       EXPECT_EQ(automation::LiveCount::value(), 0) << "an object of the platform is left over";
       EXPECT_EQ(library.canUnload(), S_OK);
     });

@@ -14,7 +14,7 @@
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
 #include "tests/component/quillon_library.h"
-#include "tests/faults/com/watched_objects.h"
+#include "tests/faults/com/intercepted_objects.h"
 #include "tests/faults/tiny_account.h"
 
 namespace quillon::faults {
@@ -36,8 +36,8 @@ class StatementLog final : public workbench::SessionMonitor {
 
 // In an apartment of its own, which it leaves at its end: the library then releases what it keeps for the thread.
 struct ComThread {
-  // `border` outlives it.
-  ComThread(Border& border, const TinyAccount& account);
+  // `injector` outlives it.
+  ComThread(ComFaultInjector& injector, const TinyAccount& account);
   ComThread(const ComThread&) = delete;
   ComThread& operator=(const ComThread&) = delete;
 
@@ -46,16 +46,16 @@ struct ComThread {
   std::shared_ptr<StatementLog> log = std::make_shared<StatementLog>();
   workbench::EmbeddedPlatform inner;
   automation::test::ComScope apartment;
-  WatchedClasses classes;
+  InterceptedClasses classes;
 };
 
 // What an early-bound call that gave `code` left in the thread's IErrorInfo; nothing for success.
 Ending endingOf(HRESULT code, IUnknown& callee, REFIID interfaceId);
 
 // The failing call's own error left the library, as it was, and nothing more was called.
-void expectPassedOn(const Ending& ending, const Border& border, std::size_t failAt);
+void expectPassedOn(const Ending& ending, const ComFaultInjector& injector, std::size_t failAt);
 
 // How many such calls were answered.
-int answered(const Border& border, std::size_t failAt, const BorderCall& call);
+int answered(const ComFaultInjector& injector, std::size_t failAt, const ComCall& call);
 
 }  // namespace quillon::faults

@@ -34,21 +34,21 @@ Duplicate originalStrdup = nullptr;
 Free originalFree = nullptr;
 AllocateText originalSysAllocStringLen = nullptr;
 
-void* __cdecl watchedMalloc(std::size_t size) {
+void* __cdecl hookedMalloc(std::size_t size) {
   if (refuse()) return nullptr;
   void* block = originalMalloc(size);
   if (block) ++blocks;
   return block;
 }
 
-void* __cdecl watchedCalloc(std::size_t count, std::size_t size) {
+void* __cdecl hookedCalloc(std::size_t count, std::size_t size) {
   if (refuse()) return nullptr;
   void* block = originalCalloc(count, size);
   if (block) ++blocks;
   return block;
 }
 
-void* __cdecl watchedRealloc(void* block, std::size_t size) {
+void* __cdecl hookedRealloc(void* block, std::size_t size) {
   if (refuse()) return nullptr;
   void* moved = originalRealloc(block, size);
   if (!block && moved) ++blocks;
@@ -56,20 +56,20 @@ void* __cdecl watchedRealloc(void* block, std::size_t size) {
   return moved;
 }
 
-char* __cdecl watchedStrdup(const char* text) {
+char* __cdecl hookedStrdup(const char* text) {
   if (refuse()) return nullptr;
   char* copy = originalStrdup(text);
   if (copy) ++blocks;
   return copy;
 }
 
-void __cdecl watchedFree(void* block) {
+void __cdecl hookedFree(void* block) {
   if (block) --blocks;
   originalFree(block);
 }
 
-// Automation itself frees the texts that the library hands over, so they are refused but not counted as held.
-BSTR WINAPI watchedSysAllocStringLen(const OLECHAR* text, UINT length) {
+// Automation itself frees the texts that the library hands over, so they can be refused but are not counted as live blocks.
+BSTR WINAPI hookedSysAllocStringLen(const OLECHAR* text, UINT length) {
   return refuse() ? nullptr : originalSysAllocStringLen(text, length);
 }
 
@@ -85,14 +85,14 @@ Import import(const char* name, Function replacement, Function& original) {
   return {name, reinterpret_cast<void*>(replacement), reinterpret_cast<void**>(&original)};
 }
 
-const Import imports[] = {import("malloc", &watchedMalloc, originalMalloc),
-                          import("calloc", &watchedCalloc, originalCalloc),
-                          import("realloc", &watchedRealloc, originalRealloc),
-                          import("_strdup", &watchedStrdup, originalStrdup),
-                          import("free", &watchedFree, originalFree),
-                          import("SysAllocStringLen", &watchedSysAllocStringLen, originalSysAllocStringLen)};
+const Import imports[] = {import("malloc", &hookedMalloc, originalMalloc),
+                          import("calloc", &hookedCalloc, originalCalloc),
+                          import("realloc", &hookedRealloc, originalRealloc),
+                          import("_strdup", &hookedStrdup, originalStrdup),
+                          import("free", &hookedFree, originalFree),
+                          import("SysAllocStringLen", &hookedSysAllocStringLen, originalSysAllocStringLen)};
 
-// What every build of the library takes memory by; the others it may lack.
+// The functions that every build of the library imports; the others it may lack.
 constexpr const char* needed[] = {"malloc", "free", "SysAllocStringLen"};
 
 // Calls `visit` with the name and the place of every function that the module imports by name.
@@ -124,7 +124,7 @@ void write(void** place, void* function) {
 
 }  // namespace
 
-WatchedMemory::WatchedMemory(HMODULE library) : library_(library) {
+AllocationHooks::AllocationHooks(HMODULE library) : library_(library) {
   blocks = 0;
   for (const Import& wanted : imports)
     *wanted.original = nullptr;
@@ -143,7 +143,7 @@ WatchedMemory::WatchedMemory(HMODULE library) : library_(library) {
   }
 }
 
-WatchedMemory::~WatchedMemory() {
+AllocationHooks::~AllocationHooks() {
   eachImport(library_, [](const char*, void** place) {
     for (const Import& wanted : imports) {
       if (*place == wanted.replacement) write(place, *wanted.original);
@@ -151,19 +151,19 @@ WatchedMemory::~WatchedMemory() {
   });
 }
 
-void WatchedMemory::count(std::size_t failAt) {
+void AllocationHooks::start(std::size_t failAt) {
   countedThread = GetCurrentThreadId();
   counted = 0;
   refused = failAt;
   counting = true;
 }
 
-std::size_t WatchedMemory::rest() {
+std::size_t AllocationHooks::stop() {
   counting = false;
   return counted;
 }
 
-long WatchedMemory::blocksHeld() {
+long AllocationHooks::liveBlocks() {
   return blocks;
 }
 

@@ -18,8 +18,8 @@
 #include "tests/component/fake_platform.h"
 #include "tests/component/quillon_library.h"
 #include "tests/faults/com/import_table.h"
+#include "tests/faults/fault_count.h"
 #include "tests/faults/statement_text.h"
-#include "tests/faults/tally.h"
 
 namespace quillon::faults {
 namespace {
@@ -34,7 +34,7 @@ using component::test::Recorder;
 
 using Ending = std::optional<AutomationError>;
 
-// What a run out of memory comes to.
+// How a call ends when memory runs out.
 enum class Answer {
   passesOn,      // E_OUTOFMEMORY leaves the library
   absorbsBuild,  // but not once it has the name of the result table: the build then only leaves the connection open
@@ -52,7 +52,7 @@ std::string callsOf(const Recorder& recorder) {
   return text;
 }
 
-// One call of an instance of `classId`, with objects that are there already.
+// One call of an instance of `classId`.
 struct Member {
   std::string subject;
   CLSID classId;
@@ -66,14 +66,14 @@ struct Member {
   std::function<void(const automation::LateBound& instance, IDispatch*& object)> call;
 };
 
-class Trials {
+class FaultRuns {
  public:
-  explicit Trials(Member member) : member_(std::move(member)), platform_(recorder_), memory_(library_.module()) {
+  explicit FaultRuns(Member member) : member_(std::move(member)), platform_(recorder_), memory_(library_.module()) {
     member_.answers(platform_);
   }
 
   void survive() {
-    // Once more than needed, and once with a refusal, so that what is made once in a process or thread is there.
+    // An extra run, and one with a refusal: they make what a process or thread makes once.
     run(0);
     run(1);
     const Ending ending = run(0);
@@ -81,22 +81,22 @@ class Trials {
     const std::size_t requests = requests_;
     const std::size_t calls = recorder_.calls.size();
     expected_ = callsOf(recorder_);
-    letGo();
-    blocks_ = WatchedMemory::blocksHeld();
+    releaseAll();
+    blocks_ = AllocationHooks::liveBlocks();
     alive_ = automation::LiveCount::value();
     {
-      Tally tally(member_.subject, "allocations");
+      FaultCount faultCount(member_.subject, "allocations");
       for (std::size_t failAt = 1; failAt <= requests; ++failAt) {
-        tally.fault([&] {
+        faultCount.tryFault([&] {
           SCOPED_TRACE("allocation " + std::to_string(failAt) + " of " + member_.subject);
           surviveRefusal(failAt);
           expectTheNextRunToBeRight();
         });
       }
     }
-    Tally tally(member_.subject, "calls");
+    FaultCount faultCount(member_.subject, "calls");
     for (std::size_t failAt = 1; failAt <= calls; ++failAt) {
-      tally.fault([&] {
+      faultCount.tryFault([&] {
         SCOPED_TRACE("call " + std::to_string(failAt) + " of " + member_.subject);
         surviveFailure(failAt);
         expectTheNextRunToBeRight();
@@ -130,14 +130,14 @@ class Trials {
     } catch (const AutomationError& error) {
       ending = error;
     }
-    requests_ = WatchedMemory::rest();
+    requests_ = AllocationHooks::stop();
     recorder_.failAt = 0;
     return ending;
   }
 
   void begin(std::size_t failAt, std::size_t failingCall) {
     recorder_.failAt = failingCall;
-    WatchedMemory::count(failAt);
+    AllocationHooks::start(failAt);
   }
 
   automation::LateBound create() {
@@ -151,8 +151,9 @@ class Trials {
     return std::ranges::find(recorder_.calls, call) != recorder_.calls.end();
   }
 
-  // Nothing stays with the thread. A connection that a dialog has left there a report takes away.
-  void letGo() {
+  // Has the thread release all that the library keeps for it. A run of a report closes the connection that a dialog has
+  // left open.
+  void releaseAll() {
     if (library_.canUnload() == S_OK) return;
     const ComPtr<FakeObject> e = platform_.argument({});
     IDispatch* reference = e.get();
@@ -164,8 +165,8 @@ class Trials {
   void expectTheNextRunToBeRight() {
     EXPECT_FALSE(run(0).has_value());
     EXPECT_EQ(callsOf(recorder_), expected_);
-    letGo();
-    EXPECT_EQ(WatchedMemory::blocksHeld(), blocks_) << "memory was leaked";
+    releaseAll();
+    EXPECT_EQ(AllocationHooks::liveBlocks(), blocks_) << "memory was leaked";
     EXPECT_EQ(automation::LiveCount::value(), alive_) << "an object of the platform is left over";
   }
 
@@ -209,10 +210,10 @@ class Trials {
   automation::test::ComScope apartment_;
   Recorder recorder_;
   FakePlatform platform_;
-  WatchedMemory memory_;
+  AllocationHooks memory_;
   std::size_t requests_ = 0;  // of the last run
   bool instanceMade_ = false;
-  // Of a run without a fault: its calls, and what is held when nothing is left of it.
+  // Of a run without a fault: its calls, and the live blocks and objects after everything of it has been released.
   std::string expected_;
   long blocks_ = 0;
   long alive_ = 0;
@@ -253,46 +254,46 @@ std::vector<FakeItem> summaryItems(const char* mode) {
 
 TEST(ComNextRun, SfcItem) {
   for (const char* mode : {"0", "2"}) {
-    Trials({.subject = std::string("sfc-item in mode ") + mode,
-            .classId = __uuidof(clsSFC_Item),
-            .answer = Answer::absorbsBuild,
-            .answers = summaryAnswers,
-            .object = argumentOf(summaryItems(mode)),
-            .call = getSql})
+    FaultRuns({.subject = std::string("sfc-item in mode ") + mode,
+               .classId = __uuidof(clsSFC_Item),
+               .answer = Answer::absorbsBuild,
+               .answers = summaryAnswers,
+               .object = argumentOf(summaryItems(mode)),
+               .call = getSql})
         .survive();
   }
 }
 
 TEST(ComNextRun, OutsumItem) {
   for (const char* mode : {"1", "2"}) {
-    Trials({.subject = std::string("outsum-item in mode ") + mode,
-            .classId = __uuidof(clsOutsum_Item),
-            .answer = Answer::absorbsBuild,
-            .answers = summaryAnswers,
-            .object = argumentOf(summaryItems(mode)),
-            .call = getSql})
+    FaultRuns({.subject = std::string("outsum-item in mode ") + mode,
+               .classId = __uuidof(clsOutsum_Item),
+               .answer = Answer::absorbsBuild,
+               .answers = summaryAnswers,
+               .object = argumentOf(summaryItems(mode)),
+               .call = getSql})
         .survive();
   }
 }
 
 TEST(ComNextRun, FxDetail) {
-  Trials({.subject = "fx-detail by warehouse",
-          .classId = __uuidof(clsFXDetail),
-          .answers = [](FakePlatform& platform) { platform.costingBasis = "按仓库核算"; },
-          .object = argumentOf({{"cInvCode", "01", ""},
-                                {"cDepCode", "", ""},
-                                {"cWhCode", "04", ""},
-                                {"iYear", "2024", ""},
-                                {"dKeepDate", "2024-01-01", "2024-01-31"}}),
-          .call = getSql})
+  FaultRuns({.subject = "fx-detail by warehouse",
+             .classId = __uuidof(clsFXDetail),
+             .answers = [](FakePlatform& platform) { platform.costingBasis = "按仓库核算"; },
+             .object = argumentOf({{"cInvCode", "01", ""},
+                                   {"cDepCode", "", ""},
+                                   {"cWhCode", "04", ""},
+                                   {"iYear", "2024", ""},
+                                   {"dKeepDate", "2024-01-01", "2024-01-31"}}),
+             .call = getSql})
       .survive();
 }
 
 TEST(ComNextRun, FxWt) {
-  Trials({.subject = "fx-wt",
-          .classId = __uuidof(clsFXWt),
-          .object = argumentOf({{"dKeepDate", "2024-01-01", "2024-12-31"}, {"cVouType", "01\t30", ""}}),
-          .call = getSql})
+  FaultRuns({.subject = "fx-wt",
+             .classId = __uuidof(clsFXWt),
+             .object = argumentOf({{"dKeepDate", "2024-01-01", "2024-12-31"}, {"cVouType", "01\t30", ""}}),
+             .call = getSql})
       .survive();
 }
 
@@ -311,40 +312,40 @@ TEST(ComNextRun, DrillThrough) {
       return {};
     };
   };
-  Trials({.subject = "fx-detail, a general-ledger voucher",
-          .classId = __uuidof(clsFXDetail),
-          .answers = row,
-          .object = argumentOf({}),
-          .call = execute})
+  FaultRuns({.subject = "fx-detail, a general-ledger voucher",
+             .classId = __uuidof(clsFXDetail),
+             .answers = row,
+             .object = argumentOf({}),
+             .call = execute})
       .survive();
-  Trials({.subject = "fx-wt, a source document",
-          .classId = __uuidof(clsFXWt),
-          .answers = row,
-          .object =
-              [](FakePlatform& platform) {
-                ComPtr<FakeObject> e = platform.argument({});
-                e->property(L"Action", "Vouch");
-                return e;
-              },
-          .call = execute})
+  FaultRuns({.subject = "fx-wt, a source document",
+             .classId = __uuidof(clsFXWt),
+             .answers = row,
+             .object =
+                 [](FakePlatform& platform) {
+                   ComPtr<FakeObject> e = platform.argument({});
+                   e->property(L"Action", "Vouch");
+                   return e;
+                 },
+             .call = execute})
       .survive();
 }
 
 // Early-bound: a late-bound call that has no memory for its arguments does not come to the member.
 TEST(ComNextRun, ExecuteOfTheSummaryReports) {
-  Trials({.subject = "sfc-item, Execute",
-          .classId = __uuidof(clsSFC_Item),
-          .answer = Answer::neverFails,
-          .object = argumentOf({}),
-          .call =
-              [](const automation::LateBound& report, IDispatch*& e) {
-                ComPtr<_clsSFC_Item> instance;
-                ASSERT_EQ(
-                    report.object()->QueryInterface(__uuidof(_clsSFC_Item), reinterpret_cast<void**>(instance.out())),
-                    S_OK);
-                const HRESULT code = instance->Execute(&e);
-                if (FAILED(code)) throw AutomationError(code, "Execute", automation::systemMessage(code));
-              }})
+  FaultRuns({.subject = "sfc-item, Execute",
+             .classId = __uuidof(clsSFC_Item),
+             .answer = Answer::neverFails,
+             .object = argumentOf({}),
+             .call =
+                 [](const automation::LateBound& report, IDispatch*& e) {
+                   ComPtr<_clsSFC_Item> instance;
+                   ASSERT_EQ(report.object()->QueryInterface(__uuidof(_clsSFC_Item),
+                                                             reinterpret_cast<void**>(instance.out())),
+                             S_OK);
+                   const HRESULT code = instance->Execute(&e);
+                   if (FAILED(code)) throw AutomationError(code, "Execute", automation::systemMessage(code));
+                 }})
       .survive();
 }
 
@@ -366,54 +367,54 @@ void listAnswers(FakePlatform& platform) {
 TEST(ComNextRun, Dialogs) {
   const std::vector<FakeItem> summary = {{"iYear", "", ""},    {"cModal", "", ""},   {"iGrade", "", ""},
                                          {"cVouType", "", ""}, {"cBusType", "", ""}, {"bIncludeTransVouch", "", ""}};
-  Trials({.subject = "outsum-item dialog, CallBack_FilterInit",
-          .classId = __uuidof(clsSFCFilterControl),
-          .answers = listAnswers,
-          .object = dialogOf("E55F9D31-F4C3-44D2-BDEB-9F83A208CAEE", summary),
-          .call = filterInit})
+  FaultRuns({.subject = "outsum-item dialog, CallBack_FilterInit",
+             .classId = __uuidof(clsSFCFilterControl),
+             .answers = listAnswers,
+             .object = dialogOf("E55F9D31-F4C3-44D2-BDEB-9F83A208CAEE", summary),
+             .call = filterInit})
       .survive();
-  Trials({.subject = "sfc-item dialog, CallBack_ValueChange of iYear",
-          .classId = __uuidof(clsSFCFilterControl),
-          .answers = listAnswers,
-          .object = dialogOf("CA3BAD03-9D4C-463A-827E-E971D5A36C81", summary),
-          .before = filterInit,
-          .call =
-              [](const automation::LateBound& control, IDispatch*& filter) {
-                control.call(L"CallBack_ValueChange", {"iYear", Variant::reference(filter)});
-              }})
+  FaultRuns({.subject = "sfc-item dialog, CallBack_ValueChange of iYear",
+             .classId = __uuidof(clsSFCFilterControl),
+             .answers = listAnswers,
+             .object = dialogOf("CA3BAD03-9D4C-463A-827E-E971D5A36C81", summary),
+             .before = filterInit,
+             .call =
+                 [](const automation::LateBound& control, IDispatch*& filter) {
+                   control.call(L"CallBack_ValueChange", {"iYear", Variant::reference(filter)});
+                 }})
       .survive();
-  Trials({.subject = "fx-wt dialog, CallBack_FilterInit",
-          .classId = __uuidof(clsWtFilterControl),
-          .object = dialogOf("3D1986A9-884B-4835-B4AA-DCCBD2E1487C", {{"cVouType", "", ""}, {"cBusType", "", ""}}),
-          .call = filterInit})
+  FaultRuns({.subject = "fx-wt dialog, CallBack_FilterInit",
+             .classId = __uuidof(clsWtFilterControl),
+             .object = dialogOf("3D1986A9-884B-4835-B4AA-DCCBD2E1487C", {{"cVouType", "", ""}, {"cBusType", "", ""}}),
+             .call = filterInit})
       .survive();
   const std::vector<FakeItem> ledger = {
       {"iYear", "", ""}, {"cCaType", "", ""}, {"cInvCode", "01", ""}, {"cWhCode", "", ""}};
-  Trials({.subject = "fx-detail dialog, CallBack_FilterInit",
-          .classId = __uuidof(clsFilterControl),
-          .object = dialogOf("", ledger),
-          .call = filterInit})
+  FaultRuns({.subject = "fx-detail dialog, CallBack_FilterInit",
+             .classId = __uuidof(clsFilterControl),
+             .object = dialogOf("", ledger),
+             .call = filterInit})
       .survive();
-  Trials({.subject = "fx-detail dialog, CallBack_FilterClick",
-          .classId = __uuidof(clsFilterControl),
-          .answers = [](FakePlatform& platform) { platform.costingBasis = "按仓库核算"; },
-          .object = dialogOf("", ledger),
-          .before = filterInit,
-          .call =
-              [](const automation::LateBound& control, IDispatch*& filter) {
-                Variant cancel(false);
-                control.get(L"CallBack_FilterClick", {Variant::reference(filter), Variant::reference(cancel)});
-              }})
+  FaultRuns({.subject = "fx-detail dialog, CallBack_FilterClick",
+             .classId = __uuidof(clsFilterControl),
+             .answers = [](FakePlatform& platform) { platform.costingBasis = "按仓库核算"; },
+             .object = dialogOf("", ledger),
+             .before = filterInit,
+             .call =
+                 [](const automation::LateBound& control, IDispatch*& filter) {
+                   Variant cancel(false);
+                   control.get(L"CallBack_FilterClick", {Variant::reference(filter), Variant::reference(cancel)});
+                 }})
       .survive();
-  Trials({.subject = "fx-detail dialog, CallBack_ReportViewInit",
-          .classId = __uuidof(clsFilterControl),
-          .object = dialogOf("", ledger),
-          .before = filterInit,
-          .call =
-              [](const automation::LateBound& control, IDispatch*& filter) {
-                Variant view;
-                control.call(L"CallBack_ReportViewInit", {Variant::reference(filter), Variant::reference(view)});
-              }})
+  FaultRuns({.subject = "fx-detail dialog, CallBack_ReportViewInit",
+             .classId = __uuidof(clsFilterControl),
+             .object = dialogOf("", ledger),
+             .before = filterInit,
+             .call =
+                 [](const automation::LateBound& control, IDispatch*& filter) {
+                   Variant view;
+                   control.call(L"CallBack_ReportViewInit", {Variant::reference(filter), Variant::reference(view)});
+                 }})
       .survive();
 }
 

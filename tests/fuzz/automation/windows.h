@@ -1,6 +1,6 @@
 // The part of automation that automation/variant.cpp, text.cpp and invoke_arguments.cpp use, for native builds: the same
 // names with the same meaning, so that this code runs under the sanitizers and the fuzzers. What Windows itself makes of
-// the same inputs is seen where they run on the real thing, under Wine.
+// the same inputs is seen where they run on automation itself, under Wine.
 //
 // A BSTR's characters are wchar_t here too, one UTF-16 unit each, although the native wchar_t is wider.
 #pragma once

@@ -1,4 +1,4 @@
-// Two accounts held against each other.
+// Comparing two accounts.
 #include "workbench/account/difference.h"
 
 #include <gmock/gmock.h>

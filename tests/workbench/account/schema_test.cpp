@@ -1,4 +1,4 @@
-// The schema, held against what the statements of the reports and dialogs name.
+// The schema, compared with what the statements of the reports and dialogs name.
 #include "workbench/account/schema.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-// Accounts taken elsewhere, back, and held against each other, from the command line.
+// Accounts taken elsewhere, brought back, and compared, from the command line.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <CLI/CLI.hpp>

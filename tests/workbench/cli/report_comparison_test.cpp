@@ -1,4 +1,4 @@
-// Results held against each other, row by row.
+// Comparing results row by row.
 #include "workbench/cli/report_comparison.h"
 
 #include <gtest/gtest.h>

@@ -1,25 +1,15 @@
 #!/usr/bin/env bash
 # Checks the examples of docs/clients.md as far as it can be done without Windows: each parses or compiles in its language
 # (but PowerShell's), and every member that it asks of Quillon's, the platform's and ADO's objects is one of theirs.
-# Usage: check_clients.sh ROOT
 set -euo pipefail
 export LC_ALL=C
-root=$1
+. "$(dirname "${BASH_SOURCE[0]}")/guide_example.sh"
 guide=$root/docs/clients.md
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
 
-example() { # LANGUAGE FILE
-  sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/!p}" "$guide" >"$work/$2"
-  [ -s "$work/$2" ] || {
-    echo "docs/clients.md has no example in $1"
-    exit 1
-  }
-}
-example vba issues.bas
-example powershell issues.ps1
-example csharp Issues.cs
-example python issues.py
+example "$guide" vba >"$work/issues.bas"
+example "$guide" powershell >"$work/issues.ps1"
+example "$guide" csharp >"$work/Issues.cs"
+example "$guide" python >"$work/issues.py"
 
 python3 -m py_compile "$work/issues.py"
 mcs -warnaserror -platform:x86 -r:Microsoft.CSharp.dll -out:"$work/Issues.exe" "$work/Issues.cs"

@@ -1,4 +1,4 @@
-// One run of a member of the library with one failing call, and what is said of it by all tests of faults.
+// One run of a member of the library with one failing call, and what all tests of faults expect of it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "frame/automation_error.h"
-#include "tests/faults/outside.h"
+#include "tests/faults/fault_injector.h"
 
 namespace quillon::faults {
 
@@ -20,9 +20,9 @@ using Ending = std::optional<AutomationError>;
 
 // Runs `member` with call `failAt` failing; 0 fails none.
 template <typename Member>
-Ending runWithFault(Outside& outside, std::size_t failAt, Member member) {
+Ending runWithFault(FaultInjector& injector, std::size_t failAt, Member member) {
   Ending ending;
-  outside.count(failAt);
+  injector.start(failAt);
   try {
     member();
   } catch (const AutomationError& error) {
@@ -30,30 +30,30 @@ Ending runWithFault(Outside& outside, std::size_t failAt, Member member) {
   } catch (const std::exception& error) {
     ADD_FAILURE() << "something else was thrown: " << error.what();
   }
-  outside.rest();
+  injector.stop();
   return ending;
 }
 
 // The failing call's own error left the member, as it was, and nothing more was called.
-inline void expectPassedOn(const Ending& ending, const Outside& outside, std::size_t failAt) {
-  EXPECT_EQ(outside.calls().size(), failAt) << "the outside was called after a call had failed";
+inline void expectPassedOn(const Ending& ending, const FaultInjector& injector, std::size_t failAt) {
+  EXPECT_EQ(injector.calls().size(), failAt) << "the platform was called after a call had failed";
   ASSERT_TRUE(ending.has_value()) << "the error was not passed on";
-  EXPECT_EQ(ending->code(), Outside::failure);
-  EXPECT_EQ(ending->source(), Outside::source);
-  EXPECT_EQ(ending->description(), Outside::description(failAt));
+  EXPECT_EQ(ending->code(), FaultInjector::failure);
+  EXPECT_EQ(ending->source(), FaultInjector::source);
+  EXPECT_EQ(ending->description(), FaultInjector::description(failAt));
 }
 
 // How many calls of `member` were answered.
-inline int answered(const Outside& outside, std::size_t failAt, std::string_view member) {
+inline int answered(const FaultInjector& injector, std::size_t failAt, std::string_view member) {
   int count = 0;
-  for (std::size_t i = 0; i < outside.calls().size(); ++i) {
-    if (i + 1 != failAt && outside.calls()[i].member == member) ++count;
+  for (std::size_t i = 0; i < injector.calls().size(); ++i) {
+    if (i + 1 != failAt && injector.calls()[i].member == member) ++count;
   }
   return count;
 }
 
 // What a failing test shows of a call.
-inline std::string shown(const OutsideCall& call) {
+inline std::string shown(const PortCall& call) {
   constexpr std::size_t enough = 80;
   return call.member + " " + call.text.substr(0, enough);
 }

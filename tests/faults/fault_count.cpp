@@ -1,4 +1,4 @@
-#include "tests/faults/tally.h"
+#include "tests/faults/fault_count.h"
 
 #include <gtest/gtest.h>
 
@@ -30,15 +30,15 @@ class Total : public testing::Environment {
 
 }  // namespace
 
-Tally::Tally(std::string subject, std::string what) : subject_(std::move(subject)), what_(std::move(what)) {}
+FaultCount::FaultCount(std::string subject, std::string what) : subject_(std::move(subject)), what_(std::move(what)) {}
 
-Tally::~Tally() {
+FaultCount::~FaultCount() {
   print(subject_, what_, {.tried = tried_, .survived = survived_});
   total.tried += tried_;
   total.survived += survived_;
 }
 
-int Tally::failures() {
+int FaultCount::failures() {
   return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
 }
 

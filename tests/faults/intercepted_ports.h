@@ -1,6 +1,6 @@
-// The ports of frame/, each in front of another platform's: every call of the library goes through Outside first, and
-// what the library is handed is counted for as long as it holds it. What a platform is handed back is its own object
-// again, so that only the library's calls are counted.
+// The ports of frame/ with fault injection: each passes the library's calls on to another platform's port through the
+// fault injector, and each object that the library is given counts as live until the library releases it. A platform that
+// gets one of its objects back gets the object itself, so that only the library's calls are counted.
 #pragma once
 
 #include <functional>
@@ -8,14 +8,14 @@
 
 #include "frame/filter_dialog.h"
 #include "frame/platform.h"
-#include "tests/faults/outside.h"
+#include "tests/faults/fault_injector.h"
 
 namespace quillon::faults {
 
-class WatchedPlatform final : public Platform {
+class InterceptedPlatform final : public Platform {
  public:
   // Both outlive the platform and what it made.
-  WatchedPlatform(Outside& outside, Platform& inner) : outside_(outside), inner_(inner) {}
+  InterceptedPlatform(FaultInjector& injector, Platform& inner) : injector_(injector), inner_(inner) {}
 
   // In place of the inner platform's number for names of work tables, from here on.
   void setNamingNumber(std::string number) { namingNumber_ = std::move(number); }
@@ -34,14 +34,14 @@ class WatchedPlatform final : public Platform {
   std::unique_ptr<LedgerVoucherComponent> createLedgerVoucherComponent() override;
 
  private:
-  Outside& outside_;
+  FaultInjector& injector_;
   Platform& inner_;
   std::string namingNumber_;
 };
 
 // `inner` outlives the argument.
-std::unique_ptr<ReportArgument> watched(Outside& outside, ReportArgument& inner);
+std::unique_ptr<ReportArgument> intercepted(FaultInjector& injector, ReportArgument& inner);
 // `inner` outlives the dialog.
-std::unique_ptr<FilterDialog> watched(Outside& outside, FilterDialog& inner);
+std::unique_ptr<FilterDialog> intercepted(FaultInjector& injector, FilterDialog& inner);
 
 }  // namespace quillon::faults

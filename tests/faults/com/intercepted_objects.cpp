@@ -1,4 +1,4 @@
-#include "tests/faults/com/watched_objects.h"
+#include "tests/faults/com/intercepted_objects.h"
 
 #include <deque>
 #include <map>
@@ -21,20 +21,20 @@ namespace {
 using automation::ComPtr;
 namespace bindings = component::bindings;
 
-// Asked of an object to learn whether it is a proxy; never seen outside this program.
+// An interface id that only a proxy answers to; no other program knows it.
 constexpr GUID proxyId = {0x5a1f6c0e, 0x2f0d, 0x4b7a, {0x8c, 0x55, 0x90, 0x13, 0x7f, 0x6e, 0x2b, 0xd4}};
 
 AutomationError refusal(std::size_t call) {
-  return {Border::failure, Border::source, Border::description(call)};
+  return {ComFaultInjector::failure, ComFaultInjector::source, ComFaultInjector::description(call)};
 }
 
 class Proxy : public automation::ComObject<IDispatch> {
  public:
-  Proxy(Border& border, std::string name, ComPtr<IDispatch> inner)
-      : border_(border), name_(std::move(name)), inner_(std::move(inner)) {
-    ++border_.held;
+  Proxy(ComFaultInjector& injector, std::string name, ComPtr<IDispatch> inner)
+      : injector_(injector), name_(std::move(name)), inner_(std::move(inner)) {
+    ++injector_.liveProxies;
   }
-  ~Proxy() override { --border_.held; }
+  ~Proxy() override { --injector_.liveProxies; }
 
   // The object behind `object`, which may be a proxy; borrowed.
   static IDispatch* behind(IDispatch* object) {
@@ -57,8 +57,8 @@ class Proxy : public automation::ComObject<IDispatch> {
   }
   STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override {
     const std::string member = automation::toUtf8(std::wstring_view(names[0]));
-    if (border_.fails({Kind::find, name_, member})) return Border::failure;
-    const Border::Inside inside(border_);
+    if (injector_.shouldFail({CallKind::lookUp, name_, member})) return ComFaultInjector::failure;
+    const ComFaultInjector::PlatformAtWork atWork(injector_);
     const HRESULT code = inner_->GetIDsOfNames(reserved, names, count, locale, ids);
     if (SUCCEEDED(code)) members_[ids[0]] = member;
     return code;
@@ -67,20 +67,20 @@ class Proxy : public automation::ComObject<IDispatch> {
                       EXCEPINFO* info, UINT* badArgument) override {
     const auto known = members_.find(id);
     const std::string member = known == members_.end() ? "Item" : known->second;
-    if (border_.fails({Kind::invoke, name_, member}))
-      return automation::fillExcepInfo(refusal(border_.calls().size()), info);
-    const Border::Inside inside(border_);
+    if (injector_.shouldFail({CallKind::invoke, name_, member}))
+      return automation::fillExcepInfo(refusal(injector_.calls().size()), info);
+    const ComFaultInjector::PlatformAtWork atWork(injector_);
     Unwrapped arguments(*parameters);
     const HRESULT code = inner_->Invoke(id, reserved, locale, kind, arguments.parameters(), result, info, badArgument);
     if (SUCCEEDED(code) && result && result->vt == VT_DISPATCH && result->pdispVal) {
-      result->pdispVal = watched(border_, member, ComPtr<IDispatch>::adopt(result->pdispVal)).release();
+      result->pdispVal = intercepted(injector_, member, ComPtr<IDispatch>::adopt(result->pdispVal)).release();
     }
     return code;
   }
 
  private:
-  // A call's arguments with the objects themselves in place of their proxies. Objects passed by reference are read by
-  // the outside and never replaced.
+  // A call's arguments with the objects themselves in place of their proxies. The platform reads objects that are passed
+  // by reference and never replaces them.
   class Unwrapped {
    public:
     explicit Unwrapped(const DISPPARAMS& given)
@@ -110,7 +110,7 @@ class Proxy : public automation::ComObject<IDispatch> {
     DISPPARAMS parameters_;
   };
 
-  Border& border_;
+  ComFaultInjector& injector_;
   std::string name_;
   ComPtr<IDispatch> inner_;
   std::map<DISPID, std::string> members_;  // that were looked up
@@ -119,10 +119,11 @@ class Proxy : public automation::ComObject<IDispatch> {
 // The resource service, which the library calls by its slots.
 class ResourceProxy : public automation::ComObject<bindings::IResourceService, ISupportErrorInfo> {
  public:
-  ResourceProxy(Border& border, ComPtr<bindings::IResourceService> inner) : border_(border), inner_(std::move(inner)) {
-    ++border_.held;
+  ResourceProxy(ComFaultInjector& injector, ComPtr<bindings::IResourceService> inner)
+      : injector_(injector), inner_(std::move(inner)) {
+    ++injector_.liveProxies;
   }
-  ~ResourceProxy() override { --border_.held; }
+  ~ResourceProxy() override { --injector_.liveProxies; }
 
   STDMETHODIMP QueryInterface(REFIID id, void** object) override {
     if (!object) return E_POINTER;
@@ -166,28 +167,28 @@ class ResourceProxy : public automation::ComObject<bindings::IResourceService, I
  private:
   template <typename Slot>
   HRESULT pass(const char* member, Slot slot) {
-    if (border_.fails({Kind::invoke, "ResourceService", member}))
-      return automation::setErrorInfo(refusal(border_.calls().size()), bindings::resourceServiceId);
-    const Border::Inside inside(border_);
+    if (injector_.shouldFail({CallKind::invoke, "ResourceService", member}))
+      return automation::setErrorInfo(refusal(injector_.calls().size()), bindings::resourceServiceId);
+    const ComFaultInjector::PlatformAtWork atWork(injector_);
     return slot();
   }
 
-  Border& border_;
+  ComFaultInjector& injector_;
   ComPtr<bindings::IResourceService> inner_;
 };
 
-ComPtr<IUnknown> proxyOf(Border& border, const std::string& progId, const ComPtr<IUnknown>& inner) {
+ComPtr<IUnknown> proxyOf(ComFaultInjector& injector, const std::string& progId, const ComPtr<IUnknown>& inner) {
   if (progId == automation::toUtf8(std::wstring_view(bindings::resourceService.progId))) {
     ComPtr<bindings::IResourceService> service;
     if (FAILED(inner->QueryInterface(bindings::resourceServiceId, reinterpret_cast<void**>(service.out()))))
       throw std::logic_error("the resource service has lost its interface");
     return ComPtr<IUnknown>::adopt(
-        static_cast<bindings::IResourceService*>(automation::makeObject<ResourceProxy>(border, service).release()));
+        static_cast<bindings::IResourceService*>(automation::makeObject<ResourceProxy>(injector, service).release()));
   }
   ComPtr<IDispatch> object;
   if (FAILED(inner->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.out()))))
     throw std::logic_error(progId + " is no automation object");
-  return watched(border, progId, object);
+  return intercepted(injector, progId, object);
 }
 
 const automation::NamedClass* const classes[] = {
@@ -198,24 +199,24 @@ const automation::NamedClass* const classes[] = {
 
 }  // namespace
 
-void Border::count(std::size_t failAt) {
+void ComFaultInjector::start(std::size_t failAt) {
   calls_.clear();
   failAt_ = failAt;
   counting_ = true;
 }
 
-bool Border::fails(BorderCall call) {
-  if (!counting_ || inside()) return false;
+bool ComFaultInjector::shouldFail(ComCall call) {
+  if (!counting_ || platformAtWork()) return false;
   calls_.push_back(std::move(call));
   return calls_.size() == failAt_;
 }
 
-ComPtr<IDispatch> watched(Border& border, std::string name, ComPtr<IDispatch> inner) {
-  return automation::makeObject<Proxy>(border, std::move(name), std::move(inner));
+ComPtr<IDispatch> intercepted(ComFaultInjector& injector, std::string name, ComPtr<IDispatch> inner) {
+  return automation::makeObject<Proxy>(injector, std::move(name), std::move(inner));
 }
 
-WatchedClasses::WatchedClasses(Border& border, workbench::EmbeddedPlatform& platform,
-                               const std::shared_ptr<workbench::SessionMonitor>& monitor) {
+InterceptedClasses::InterceptedClasses(ComFaultInjector& injector, workbench::EmbeddedPlatform& platform,
+                                       const std::shared_ptr<workbench::SessionMonitor>& monitor) {
   // The workbench's class objects are taken out of the apartment again, so that these are the only ones.
   std::vector<ComPtr<IClassFactory>> factories;
   {
@@ -230,14 +231,14 @@ WatchedClasses::WatchedClasses(Border& border, workbench::EmbeddedPlatform& plat
   }
   for (std::size_t i = 0; i < factories.size(); ++i) {
     const std::string progId = automation::toUtf8(std::wstring_view(classes[i]->progId));
-    const auto make = [&border, progId, factory = factories[i]]() -> ComPtr<IUnknown> {
-      if (border.fails({Kind::create, progId, {}})) throw refusal(border.calls().size());
-      const bool forTheLibrary = !border.inside();
-      const Border::Inside inside(border);
+    const auto make = [&injector, progId, factory = factories[i]]() -> ComPtr<IUnknown> {
+      if (injector.shouldFail({CallKind::create, progId, {}})) throw refusal(injector.calls().size());
+      const bool forTheLibrary = !injector.platformAtWork();
+      const ComFaultInjector::PlatformAtWork atWork(injector);
       ComPtr<IUnknown> inner;
       const HRESULT code = factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(inner.out()));
       if (FAILED(code)) throw AutomationError(code, progId, "the workbench's object cannot be made");
-      return forTheLibrary ? proxyOf(border, progId, inner) : inner;
+      return forTheLibrary ? proxyOf(injector, progId, inner) : inner;
     };
     classes_.push_back(std::make_unique<automation::InProcessClass>(automation::classIdOf(*classes[i]), make));
   }

@@ -1,4 +1,4 @@
-#include "tests/faults/watched_ports.h"
+#include "tests/faults/intercepted_ports.h"
 
 #include <utility>
 
@@ -6,39 +6,39 @@ namespace quillon::faults {
 
 namespace {
 
-// A port in front of the one that it owns.
-template <class Port, Thing thing, class Owner = std::unique_ptr<Port>>
-class Watched : public Port {
+// A port that passes each call on to the port that it owns, through the fault injector.
+template <class Port, ObjectKind kind, class Owner = std::unique_ptr<Port>>
+class Intercepted : public Port {
  public:
-  Watched(Outside& outside, Owner inner) : held_(outside, thing), inner_(std::move(inner)) {}
+  Intercepted(FaultInjector& injector, Owner inner) : live_(injector, kind), inner_(std::move(inner)) {}
 
   Port& inner() const { return *inner_; }
 
  protected:
-  Outside& outside() const { return held_.outside(); }
+  FaultInjector& injector() const { return live_.injector(); }
   template <typename Action>
   decltype(auto) call(std::string_view member, Action action) const {
-    return outside().call(member, std::move(action));
+    return injector().call(member, std::move(action));
   }
   template <typename Action>
   decltype(auto) call(std::string_view member, std::string_view text, Action action) const {
-    return outside().call(member, text, std::move(action));
+    return injector().call(member, text, std::move(action));
   }
 
  private:
-  Held held_;
+  LiveObject live_;
   Owner inner_;
 };
 
-// The port behind one of these.
-template <class WatchedPort, class Port>
+// The port that an intercepted port owns.
+template <class InterceptedPort, class Port>
 Port& behind(Port& port) {
-  return static_cast<WatchedPort&>(port).inner();
+  return static_cast<InterceptedPort&>(port).inner();
 }
 
-class WatchedRecordset final : public Watched<Recordset, Thing::other> {
+class InterceptedRecordset final : public Intercepted<Recordset, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   bool eof() override {
     return call("Recordset.eof", [&] { return inner().eof(); });
@@ -54,9 +54,9 @@ class WatchedRecordset final : public Watched<Recordset, Thing::other> {
   }
 };
 
-class WatchedSession final : public Watched<Session, Thing::session, std::shared_ptr<Session>> {
+class InterceptedSession final : public Intercepted<Session, ObjectKind::session, std::shared_ptr<Session>> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void setCursorLocation(CursorLocation location) override {
     call("Session.setCursorLocation", [&] { inner().setCursorLocation(location); });
@@ -78,7 +78,7 @@ class WatchedSession final : public Watched<Session, Thing::session, std::shared
   }
   std::unique_ptr<Recordset> query(std::string_view sql, const QueryOptions& options) override {
     return call("Session.query", sql, [&]() -> std::unique_ptr<Recordset> {
-      return std::make_unique<WatchedRecordset>(outside(), inner().query(sql, options));
+      return std::make_unique<InterceptedRecordset>(injector(), inner().query(sql, options));
     });
   }
   int state() override {
@@ -89,9 +89,9 @@ class WatchedSession final : public Watched<Session, Thing::session, std::shared
   }
 };
 
-class WatchedLogin final : public Watched<Login, Thing::login, std::shared_ptr<Login>> {
+class InterceptedLogin final : public Intercepted<Login, ObjectKind::login, std::shared_ptr<Login>> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   std::string accountConnection() override {
     return call("Login.accountConnection", [&] { return inner().accountConnection(); });
@@ -128,9 +128,9 @@ class WatchedLogin final : public Watched<Login, Thing::login, std::shared_ptr<L
   }
 };
 
-class WatchedFilterItem final : public Watched<FilterItem, Thing::other> {
+class InterceptedFilterItem final : public Intercepted<FilterItem, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void setGroupToken(int token) override {
     call("FilterItem.setGroupToken", [&] { inner().setGroupToken(token); });
@@ -155,21 +155,21 @@ class WatchedFilterItem final : public Watched<FilterItem, Thing::other> {
   }
 };
 
-class WatchedFilter final : public Watched<Filter, Thing::filter, std::shared_ptr<Filter>> {
+class InterceptedFilter final : public Intercepted<Filter, ObjectKind::filter, std::shared_ptr<Filter>> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   int count() override {
     return call("Filter.count", [&] { return inner().count(); });
   }
   std::unique_ptr<FilterItem> item(int position) override {
     return call("Filter.item", [&]() -> std::unique_ptr<FilterItem> {
-      return std::make_unique<WatchedFilterItem>(outside(), inner().item(position));
+      return std::make_unique<InterceptedFilterItem>(injector(), inner().item(position));
     });
   }
   std::unique_ptr<FilterItem> item(std::string_view key) override {
     return call("Filter.item", key, [&]() -> std::unique_ptr<FilterItem> {
-      return std::make_unique<WatchedFilterItem>(outside(), inner().item(key));
+      return std::make_unique<InterceptedFilterItem>(injector(), inner().item(key));
     });
   }
   std::string whereWithToken(int token) override {
@@ -177,9 +177,9 @@ class WatchedFilter final : public Watched<Filter, Thing::filter, std::shared_pt
   }
 };
 
-class WatchedDataSource final : public Watched<DataSource, Thing::other> {
+class InterceptedDataSource final : public Intercepted<DataSource, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void setType(int type) override {
     call("DataSource.setType", [&] { inner().setType(type); });
@@ -192,60 +192,60 @@ class WatchedDataSource final : public Watched<DataSource, Thing::other> {
   }
 };
 
-class WatchedRow final : public Watched<ReportRow, Thing::other> {
+class InterceptedRow final : public Intercepted<ReportRow, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   std::string value(std::string_view column) override {
     return call("ReportRow.value", column, [&] { return inner().value(column); });
   }
 };
 
-class WatchedArgument final : public ReportArgument {
+class InterceptedArgument final : public ReportArgument {
  public:
-  WatchedArgument(Outside& outside, ReportArgument& inner) : outside_(outside), inner_(inner) {}
+  InterceptedArgument(FaultInjector& injector, ReportArgument& inner) : injector_(injector), inner_(inner) {}
 
   std::shared_ptr<Filter> rawFilter() override {
-    return outside_.call("ReportArgument.rawFilter", [&]() -> std::shared_ptr<Filter> {
-      return std::make_shared<WatchedFilter>(outside_, inner_.rawFilter());
+    return injector_.call("ReportArgument.rawFilter", [&]() -> std::shared_ptr<Filter> {
+      return std::make_shared<InterceptedFilter>(injector_, inner_.rawFilter());
     });
   }
   std::shared_ptr<Login> login() override {
-    return outside_.call("ReportArgument.login", [&]() -> std::shared_ptr<Login> {
-      return std::make_shared<WatchedLogin>(outside_, inner_.login());
+    return injector_.call("ReportArgument.login", [&]() -> std::shared_ptr<Login> {
+      return std::make_shared<InterceptedLogin>(injector_, inner_.login());
     });
   }
   std::shared_ptr<Login> filterLogin() override {
-    return outside_.call("ReportArgument.filterLogin", [&]() -> std::shared_ptr<Login> {
-      return std::make_shared<WatchedLogin>(outside_, inner_.filterLogin());
+    return injector_.call("ReportArgument.filterLogin", [&]() -> std::shared_ptr<Login> {
+      return std::make_shared<InterceptedLogin>(injector_, inner_.filterLogin());
     });
   }
   std::unique_ptr<DataSource> dataSource() override {
-    return outside_.call("ReportArgument.dataSource", [&]() -> std::unique_ptr<DataSource> {
-      return std::make_unique<WatchedDataSource>(outside_, inner_.dataSource());
+    return injector_.call("ReportArgument.dataSource", [&]() -> std::unique_ptr<DataSource> {
+      return std::make_unique<InterceptedDataSource>(injector_, inner_.dataSource());
     });
   }
   std::string action() override {
-    return outside_.call("ReportArgument.action", [&] { return inner_.action(); });
+    return injector_.call("ReportArgument.action", [&] { return inner_.action(); });
   }
   std::unique_ptr<ReportRow> row() override {
-    return outside_.call("ReportArgument.row", [&]() -> std::unique_ptr<ReportRow> {
-      return std::make_unique<WatchedRow>(outside_, inner_.row());
+    return injector_.call("ReportArgument.row", [&]() -> std::unique_ptr<ReportRow> {
+      return std::make_unique<InterceptedRow>(injector_, inner_.row());
     });
   }
   std::string languageId() override {
-    return outside_.call("ReportArgument.languageId", [&] { return inner_.languageId(); });
+    return injector_.call("ReportArgument.languageId", [&] { return inner_.languageId(); });
   }
 
  private:
-  Outside& outside_;
+  FaultInjector& injector_;
   ReportArgument& inner_;
 };
 
-class WatchedPublicComponent final
-    : public Watched<PublicComponent, Thing::sharedComponent, std::shared_ptr<PublicComponent>> {
+class InterceptedPublicComponent final
+    : public Intercepted<PublicComponent, ObjectKind::sharedComponent, std::shared_ptr<PublicComponent>> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   std::string accountInformation(std::string_view system, std::string_view name, Session& session) override {
     return call("PublicComponent.accountInformation", name,
@@ -282,16 +282,16 @@ class WatchedPublicComponent final
   }
 
  private:
-  static Session& own(Session& session) { return behind<WatchedSession>(session); }
+  static Session& own(Session& session) { return behind<InterceptedSession>(session); }
 };
 
-class WatchedResources final
-    : public Watched<ResourceService, Thing::sharedComponent, std::shared_ptr<ResourceService>> {
+class InterceptedResources final
+    : public Intercepted<ResourceService, ObjectKind::sharedComponent, std::shared_ptr<ResourceService>> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void takeLogin(Login& login) override {
-    call("ResourceService.takeLogin", [&] { inner().takeLogin(behind<WatchedLogin>(login)); });
+    call("ResourceService.takeLogin", [&] { inner().takeLogin(behind<InterceptedLogin>(login)); });
   }
   std::string enumName(std::string_view type, std::string_view code) override {
     return call("ResourceService.enumName", [&] { return inner().enumName(type, code); });
@@ -307,40 +307,41 @@ class WatchedResources final
   }
 };
 
-class WatchedUniqueNames final
-    : public Watched<UniqueNameSource, Thing::sharedComponent, std::shared_ptr<UniqueNameSource>> {
+class InterceptedUniqueNames final
+    : public Intercepted<UniqueNameSource, ObjectKind::sharedComponent, std::shared_ptr<UniqueNameSource>> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   std::string next() override {
     return call("UniqueNameSource.next", [&] { return inner().next(); });
   }
 };
 
-class WatchedDrillThroughHelper final
-    : public Watched<DrillThroughHelper, Thing::other, std::shared_ptr<DrillThroughHelper>> {
+class InterceptedDrillThroughHelper final
+    : public Intercepted<DrillThroughHelper, ObjectKind::other, std::shared_ptr<DrillThroughHelper>> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) override {
     return call("DrillThroughHelper.filterFor", [&]() -> std::shared_ptr<Filter> {
-      return std::make_shared<WatchedFilter>(outside(), inner().filterFor(behind<WatchedLogin>(login), drillThrough));
+      return std::make_shared<InterceptedFilter>(injector(),
+                                                 inner().filterFor(behind<InterceptedLogin>(login), drillThrough));
     });
   }
 };
 
-class WatchedAccountLogin final : public Watched<AccountLogin, Thing::other> {
+class InterceptedAccountLogin final : public Intercepted<AccountLogin, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void initialise(std::string_view connection, std::string_view passwordText) override {
     call("AccountLogin.initialise", [&] { inner().initialise(connection, passwordText); });
   }
 };
 
-class WatchedOptions final : public Watched<AccountOptions, Thing::other> {
+class InterceptedOptions final : public Intercepted<AccountOptions, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   std::string costingBasis() override {
     return call("AccountOptions.costingBasis", [&] { return inner().costingBasis(); });
@@ -353,84 +354,85 @@ class WatchedOptions final : public Watched<AccountOptions, Thing::other> {
   }
 };
 
-class WatchedEnvironment final : public Watched<InventoryEnvironment, Thing::other> {
+class InterceptedEnvironment final : public Intercepted<InventoryEnvironment, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void setLogin(AccountLogin& login) override {
-    call("InventoryEnvironment.setLogin", [&] { inner().setLogin(behind<WatchedAccountLogin>(login)); });
+    call("InventoryEnvironment.setLogin", [&] { inner().setLogin(behind<InterceptedAccountLogin>(login)); });
   }
   std::string resultTable() override {
     return call("InventoryEnvironment.resultTable", [&] { return inner().resultTable(); });
   }
   std::unique_ptr<AccountOptions> accountOptions(AccountLogin& login, std::string_view resultTable) override {
     return call("InventoryEnvironment.accountOptions", [&]() -> std::unique_ptr<AccountOptions> {
-      return std::make_unique<WatchedOptions>(outside(),
-                                              inner().accountOptions(behind<WatchedAccountLogin>(login), resultTable));
+      return std::make_unique<InterceptedOptions>(
+          injector(), inner().accountOptions(behind<InterceptedAccountLogin>(login), resultTable));
     });
   }
 };
 
-class WatchedSourceVouchers final : public Watched<SourceVoucherComponent, Thing::other> {
+class InterceptedSourceVouchers final : public Intercepted<SourceVoucherComponent, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void initialise(Login& login, Session& session, std::string_view systemVersion) override {
-    call("SourceVoucherComponent.initialise",
-         [&] { inner().initialise(behind<WatchedLogin>(login), behind<WatchedSession>(session), systemVersion); });
+    call("SourceVoucherComponent.initialise", [&] {
+      inner().initialise(behind<InterceptedLogin>(login), behind<InterceptedSession>(session), systemVersion);
+    });
   }
   void showVoucher(VoucherGroup group, const SourceVoucher& voucher, Session& session) override {
     call("SourceVoucherComponent.showVoucher",
-         [&] { inner().showVoucher(group, voucher, behind<WatchedSession>(session)); });
+         [&] { inner().showVoucher(group, voucher, behind<InterceptedSession>(session)); });
   }
   void showCostItemAdjustment(const SourceVoucher& voucher, Session& session) override {
     call("SourceVoucherComponent.showCostItemAdjustment",
-         [&] { inner().showCostItemAdjustment(voucher, behind<WatchedSession>(session)); });
+         [&] { inner().showCostItemAdjustment(voucher, behind<InterceptedSession>(session)); });
   }
   void showDifferences(const SourceVoucher& voucher, bool commercial, std::string_view valuationMethod,
                        Session& session) override {
     call("SourceVoucherComponent.showDifferences",
-         [&] { inner().showDifferences(voucher, commercial, valuationMethod, behind<WatchedSession>(session)); });
+         [&] { inner().showDifferences(voucher, commercial, valuationMethod, behind<InterceptedSession>(session)); });
   }
   void showPriceAdjustment(const SourceVoucher& voucher) override {
     call("SourceVoucherComponent.showPriceAdjustment", [&] { inner().showPriceAdjustment(voucher); });
   }
 };
 
-class WatchedLedgerModule final : public Watched<LedgerModule, Thing::other> {
+class InterceptedLedgerModule final : public Intercepted<LedgerModule, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void setBusiness(BusinessObject& business) override {
     call("LedgerModule.setBusiness", [&] { inner().setBusiness(business); });
   }
   void setLogin(Login& login) override {
-    call("LedgerModule.setLogin", [&] { inner().setLogin(behind<WatchedLogin>(login)); });
+    call("LedgerModule.setLogin", [&] { inner().setLogin(behind<InterceptedLogin>(login)); });
   }
   void initialise(std::string_view connection, std::string_view passwordText, int year, Login& login) override {
     call("LedgerModule.initialise",
-         [&] { inner().initialise(connection, passwordText, year, behind<WatchedLogin>(login)); });
+         [&] { inner().initialise(connection, passwordText, year, behind<InterceptedLogin>(login)); });
   }
 };
 
-class WatchedLedgerVouchers final : public Watched<LedgerVoucherComponent, Thing::other> {
+class InterceptedLedgerVouchers final : public Intercepted<LedgerVoucherComponent, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   void setLogin(Login& login) override {
-    call("LedgerVoucherComponent.setLogin", [&] { inner().setLogin(behind<WatchedLogin>(login)); });
+    call("LedgerVoucherComponent.setLogin", [&] { inner().setLogin(behind<InterceptedLogin>(login)); });
   }
   void setModule(LedgerModule& module) override {
-    call("LedgerVoucherComponent.setModule", [&] { inner().setModule(behind<WatchedLedgerModule>(module)); });
+    call("LedgerVoucherComponent.setModule", [&] { inner().setModule(behind<InterceptedLedgerModule>(module)); });
   }
   void open(const LedgerVoucher& voucher) override {
     call("LedgerVoucherComponent.open", [&] { inner().open(voucher); });
   }
 };
 
-class WatchedDialogItem final : public Watched<DialogItem, Thing::other> {
+class InterceptedDialogItem final : public Intercepted<DialogItem, ObjectKind::other> {
  public:
-  using Watched::Watched;
+  using Intercepted::Intercepted;
 
   std::string name() override {
     return call("DialogItem.name", [&] { return inner().name(); });
@@ -478,133 +480,135 @@ class BorrowedSession final : public Session {
   Session& inner_;
 };
 
-class WatchedDialog final : public FilterDialog {
+class InterceptedDialog final : public FilterDialog {
  public:
-  WatchedDialog(Outside& outside, FilterDialog& inner)
-      : outside_(outside), inner_(inner), connection_(outside, std::make_shared<BorrowedSession>(inner.connection())) {}
+  InterceptedDialog(FaultInjector& injector, FilterDialog& inner)
+      : injector_(injector),
+        inner_(inner),
+        connection_(injector, std::make_shared<BorrowedSession>(inner.connection())) {}
 
   std::shared_ptr<Login> login() override {
-    return outside_.call("FilterDialog.login", [&]() -> std::shared_ptr<Login> {
-      return std::make_shared<WatchedLogin>(outside_, inner_.login());
+    return injector_.call("FilterDialog.login", [&]() -> std::shared_ptr<Login> {
+      return std::make_shared<InterceptedLogin>(injector_, inner_.login());
     });
   }
   std::string identifier() override {
-    return outside_.call("FilterDialog.identifier", [&] { return inner_.identifier(); });
+    return injector_.call("FilterDialog.identifier", [&] { return inner_.identifier(); });
   }
   Session& connection() override {
-    return outside_.call("FilterDialog.connection", [&]() -> Session& { return connection_; });
+    return injector_.call("FilterDialog.connection", [&]() -> Session& { return connection_; });
   }
   int count() override {
-    return outside_.call("FilterDialog.count", [&] { return inner_.count(); });
+    return injector_.call("FilterDialog.count", [&] { return inner_.count(); });
   }
   std::unique_ptr<DialogItem> item(int position) override {
-    return outside_.call("FilterDialog.item", [&]() -> std::unique_ptr<DialogItem> {
-      return std::make_unique<WatchedDialogItem>(outside_, inner_.item(position));
+    return injector_.call("FilterDialog.item", [&]() -> std::unique_ptr<DialogItem> {
+      return std::make_unique<InterceptedDialogItem>(injector_, inner_.item(position));
     });
   }
   std::unique_ptr<DialogItem> item(std::string_view key) override {
-    return outside_.call("FilterDialog.item", key, [&]() -> std::unique_ptr<DialogItem> {
-      return std::make_unique<WatchedDialogItem>(outside_, inner_.item(key));
+    return injector_.call("FilterDialog.item", key, [&]() -> std::unique_ptr<DialogItem> {
+      return std::make_unique<InterceptedDialogItem>(injector_, inner_.item(key));
     });
   }
   void setUnavailable(std::string_view key, bool flag) override {
-    outside_.call("FilterDialog.setUnavailable", key, [&] { inner_.setUnavailable(key, flag); });
+    injector_.call("FilterDialog.setUnavailable", key, [&] { inner_.setUnavailable(key, flag); });
   }
   void setEnumeration(std::string_view key, std::string_view text) override {
-    outside_.call("FilterDialog.setEnumeration", key, [&] { inner_.setEnumeration(key, text); });
+    injector_.call("FilterDialog.setEnumeration", key, [&] { inner_.setEnumeration(key, text); });
   }
   void setLookupCondition(std::string_view key, std::string_view secondArgument, std::string_view condition) override {
-    outside_.call("FilterDialog.setLookupCondition", key,
-                  [&] { inner_.setLookupCondition(key, secondArgument, condition); });
+    injector_.call("FilterDialog.setLookupCondition", key,
+                   [&] { inner_.setLookupCondition(key, secondArgument, condition); });
   }
   void setLookupConditionOfValue(std::string_view key, std::string_view condition, bool valueIsEmpty) override {
-    outside_.call("FilterDialog.setLookupConditionOfValue", key,
-                  [&] { inner_.setLookupConditionOfValue(key, condition, valueIsEmpty); });
+    injector_.call("FilterDialog.setLookupConditionOfValue", key,
+                   [&] { inner_.setLookupConditionOfValue(key, condition, valueIsEmpty); });
   }
 
  private:
-  Outside& outside_;
+  FaultInjector& injector_;
   FilterDialog& inner_;
-  WatchedSession connection_;
+  InterceptedSession connection_;
 };
 
 }  // namespace
 
-std::shared_ptr<Session> WatchedPlatform::createSession() {
-  return outside_.call("Platform.createSession", [&]() -> std::shared_ptr<Session> {
-    return std::make_shared<WatchedSession>(outside_, inner_.createSession());
+std::shared_ptr<Session> InterceptedPlatform::createSession() {
+  return injector_.call("Platform.createSession", [&]() -> std::shared_ptr<Session> {
+    return std::make_shared<InterceptedSession>(injector_, inner_.createSession());
   });
 }
 
-std::shared_ptr<PublicComponent> WatchedPlatform::createPublicComponent() {
-  return outside_.call("Platform.createPublicComponent", [&]() -> std::shared_ptr<PublicComponent> {
-    return std::make_shared<WatchedPublicComponent>(outside_, inner_.createPublicComponent());
+std::shared_ptr<PublicComponent> InterceptedPlatform::createPublicComponent() {
+  return injector_.call("Platform.createPublicComponent", [&]() -> std::shared_ptr<PublicComponent> {
+    return std::make_shared<InterceptedPublicComponent>(injector_, inner_.createPublicComponent());
   });
 }
 
-std::shared_ptr<ResourceService> WatchedPlatform::createResourceService() {
-  return outside_.call("Platform.createResourceService", [&]() -> std::shared_ptr<ResourceService> {
-    return std::make_shared<WatchedResources>(outside_, inner_.createResourceService());
+std::shared_ptr<ResourceService> InterceptedPlatform::createResourceService() {
+  return injector_.call("Platform.createResourceService", [&]() -> std::shared_ptr<ResourceService> {
+    return std::make_shared<InterceptedResources>(injector_, inner_.createResourceService());
   });
 }
 
-std::shared_ptr<UniqueNameSource> WatchedPlatform::createUniqueNameSource() {
-  return outside_.call("Platform.createUniqueNameSource", [&]() -> std::shared_ptr<UniqueNameSource> {
-    return std::make_shared<WatchedUniqueNames>(outside_, inner_.createUniqueNameSource());
+std::shared_ptr<UniqueNameSource> InterceptedPlatform::createUniqueNameSource() {
+  return injector_.call("Platform.createUniqueNameSource", [&]() -> std::shared_ptr<UniqueNameSource> {
+    return std::make_shared<InterceptedUniqueNames>(injector_, inner_.createUniqueNameSource());
   });
 }
 
-std::shared_ptr<DrillThroughHelper> WatchedPlatform::createDrillThroughHelper() {
-  return outside_.call("Platform.createDrillThroughHelper", [&]() -> std::shared_ptr<DrillThroughHelper> {
-    return std::make_shared<WatchedDrillThroughHelper>(outside_, inner_.createDrillThroughHelper());
+std::shared_ptr<DrillThroughHelper> InterceptedPlatform::createDrillThroughHelper() {
+  return injector_.call("Platform.createDrillThroughHelper", [&]() -> std::shared_ptr<DrillThroughHelper> {
+    return std::make_shared<InterceptedDrillThroughHelper>(injector_, inner_.createDrillThroughHelper());
   });
 }
 
-std::string WatchedPlatform::namingNumber() {
-  return outside_.call("Platform.namingNumber",
-                       [&] { return namingNumber_.empty() ? inner_.namingNumber() : namingNumber_; });
+std::string InterceptedPlatform::namingNumber() {
+  return injector_.call("Platform.namingNumber",
+                        [&] { return namingNumber_.empty() ? inner_.namingNumber() : namingNumber_; });
 }
 
-std::int32_t WatchedPlatform::workTableNumber() {
-  return outside_.call("Platform.workTableNumber", [&] { return inner_.workTableNumber(); });
+std::int32_t InterceptedPlatform::workTableNumber() {
+  return injector_.call("Platform.workTableNumber", [&] { return inner_.workTableNumber(); });
 }
 
-std::unique_ptr<AccountLogin> WatchedPlatform::createAccountLogin() {
-  return outside_.call("Platform.createAccountLogin", [&]() -> std::unique_ptr<AccountLogin> {
-    return std::make_unique<WatchedAccountLogin>(outside_, inner_.createAccountLogin());
+std::unique_ptr<AccountLogin> InterceptedPlatform::createAccountLogin() {
+  return injector_.call("Platform.createAccountLogin", [&]() -> std::unique_ptr<AccountLogin> {
+    return std::make_unique<InterceptedAccountLogin>(injector_, inner_.createAccountLogin());
   });
 }
 
-std::unique_ptr<InventoryEnvironment> WatchedPlatform::createInventoryEnvironment() {
-  return outside_.call("Platform.createInventoryEnvironment", [&]() -> std::unique_ptr<InventoryEnvironment> {
-    return std::make_unique<WatchedEnvironment>(outside_, inner_.createInventoryEnvironment());
+std::unique_ptr<InventoryEnvironment> InterceptedPlatform::createInventoryEnvironment() {
+  return injector_.call("Platform.createInventoryEnvironment", [&]() -> std::unique_ptr<InventoryEnvironment> {
+    return std::make_unique<InterceptedEnvironment>(injector_, inner_.createInventoryEnvironment());
   });
 }
 
-std::unique_ptr<SourceVoucherComponent> WatchedPlatform::createSourceVoucherComponent() {
-  return outside_.call("Platform.createSourceVoucherComponent", [&]() -> std::unique_ptr<SourceVoucherComponent> {
-    return std::make_unique<WatchedSourceVouchers>(outside_, inner_.createSourceVoucherComponent());
+std::unique_ptr<SourceVoucherComponent> InterceptedPlatform::createSourceVoucherComponent() {
+  return injector_.call("Platform.createSourceVoucherComponent", [&]() -> std::unique_ptr<SourceVoucherComponent> {
+    return std::make_unique<InterceptedSourceVouchers>(injector_, inner_.createSourceVoucherComponent());
   });
 }
 
-std::unique_ptr<LedgerModule> WatchedPlatform::createLedgerModule() {
-  return outside_.call("Platform.createLedgerModule", [&]() -> std::unique_ptr<LedgerModule> {
-    return std::make_unique<WatchedLedgerModule>(outside_, inner_.createLedgerModule());
+std::unique_ptr<LedgerModule> InterceptedPlatform::createLedgerModule() {
+  return injector_.call("Platform.createLedgerModule", [&]() -> std::unique_ptr<LedgerModule> {
+    return std::make_unique<InterceptedLedgerModule>(injector_, inner_.createLedgerModule());
   });
 }
 
-std::unique_ptr<LedgerVoucherComponent> WatchedPlatform::createLedgerVoucherComponent() {
-  return outside_.call("Platform.createLedgerVoucherComponent", [&]() -> std::unique_ptr<LedgerVoucherComponent> {
-    return std::make_unique<WatchedLedgerVouchers>(outside_, inner_.createLedgerVoucherComponent());
+std::unique_ptr<LedgerVoucherComponent> InterceptedPlatform::createLedgerVoucherComponent() {
+  return injector_.call("Platform.createLedgerVoucherComponent", [&]() -> std::unique_ptr<LedgerVoucherComponent> {
+    return std::make_unique<InterceptedLedgerVouchers>(injector_, inner_.createLedgerVoucherComponent());
   });
 }
 
-std::unique_ptr<ReportArgument> watched(Outside& outside, ReportArgument& inner) {
-  return std::make_unique<WatchedArgument>(outside, inner);
+std::unique_ptr<ReportArgument> intercepted(FaultInjector& injector, ReportArgument& inner) {
+  return std::make_unique<InterceptedArgument>(injector, inner);
 }
 
-std::unique_ptr<FilterDialog> watched(Outside& outside, FilterDialog& inner) {
-  return std::make_unique<WatchedDialog>(outside, inner);
+std::unique_ptr<FilterDialog> intercepted(FaultInjector& injector, FilterDialog& inner) {
+  return std::make_unique<InterceptedDialog>(injector, inner);
 }
 
 }  // namespace quillon::faults
