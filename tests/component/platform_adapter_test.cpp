@@ -6,6 +6,8 @@
 #include <set>
 #include <string>
 
+#include "component/argument_adapters.h"
+#include "component/filter_adapters.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
 #include "tests/component/fake_platform.h"
