@@ -32,7 +32,7 @@ bool stands(std::string& piece, Basis basis) {
   return true;
 }
 
-std::string quoted(const std::string& piece) {
+std::string withoutQuotes(const std::string& piece) {
   if (piece.size() < 2 || piece.front() != '"' || piece.back() != '"') throw std::runtime_error("not a text: " + piece);
   return piece.substr(1, piece.size() - 2);
 }
@@ -43,7 +43,7 @@ std::map<std::string, std::string> fragments(Basis basis) {
     const std::string name = line.substr(0, line.find(' '));
     takeWord(line, name);
     std::string& text = texts[name];
-    if (stands(line, basis)) text += quoted(line);
+    if (stands(line, basis)) text += withoutQuotes(line);
   }
   return texts;
 }
@@ -61,7 +61,7 @@ std::vector<std::string> expectedScript(const std::string& name, Basis basis) {
     } else if (const auto fragment = texts.find(line); fragment != texts.end()) {
       script.back() += fragment->second;
     } else if (stands(line, basis)) {
-      script.back() += quoted(line);
+      script.back() += withoutQuotes(line);
     }
   }
   return script;
