@@ -6,28 +6,22 @@
 // as those in frame/ledger_columns.h; its texts then end with a comma.
 #pragma once
 
+#include <concepts>
 #include <functional>
 #include <ranges>
 #include <string>
 #include <string_view>
-#include <type_traits>
 
 #include "frame/text.h"
 
 namespace quillon {
 
 // Gives one list of `columns`, in their order. `textOf` gives a row's text for this list: a pointer to its member, or a
-// function of the row. A row with an empty text is left out. `separator` stands between two rows, but not behind a list
-// that ends with its own comma; it is a text, or a function that gives the text that stands behind a row.
-template <std::ranges::input_range Columns, typename TextOf, typename Separator>
-std::string columnList(const Columns& columns, TextOf textOf, Separator separator) {
-  const auto separatorBehind = [&separator](const auto& row) -> std::string_view {
-    if constexpr (std::is_invocable_v<Separator, decltype(row)>) {
-      return std::invoke(separator, row);
-    } else {
-      return separator;
-    }
-  };
+// function of the row. A row with an empty text is left out. `separatorBehind` gives the text that stands between a row
+// and the next one; nothing stands behind a list that ends with its own comma.
+template <std::ranges::input_range Columns, typename TextOf, typename SeparatorBehind>
+requires(!std::convertible_to<SeparatorBehind, std::string_view>) std::string
+    columnList(const Columns& columns, TextOf textOf, SeparatorBehind separatorBehind) {
   std::string list;
   std::string_view due;
   for (const auto& row : columns) {
@@ -35,9 +29,15 @@ std::string columnList(const Columns& columns, TextOf textOf, Separator separato
     if (text.empty()) continue;
     list += due;
     list += text;
-    due = trimBlanks(text).ends_with(',') ? std::string_view() : separatorBehind(row);
+    due = trimBlanks(text).ends_with(',') ? std::string_view() : std::string_view(separatorBehind(row));
   }
   return list;
+}
+
+// The same with one separator behind every row.
+template <std::ranges::input_range Columns, typename TextOf>
+std::string columnList(const Columns& columns, TextOf textOf, std::string_view separator) {
+  return columnList(columns, textOf, [separator](const auto&) { return separator; });
 }
 
 // For a static_assert beside a table: whether each text that `textOf` gives ends with its row's name, be it as the
