@@ -1,5 +1,5 @@
 -- The statements of the detail ledger (one inventory in one warehouse, a whole year, openings from the ledger),
--- translated by hand into SQLite's SQL: what the report costs with the T-SQL front end is compared with these. $year,
+-- translated by hand into SQLite's SQL: the report with the T-SQL front end is compared with these. $year,
 -- $inventory and $warehouse are put in; what stands between "for each month" and "end" is run for $month 1 to 12.
 -- Figures lie in the account as scaled integers: quantities and unit costs with 6 digits, amounts with 4. Dates count
 -- 1/300 seconds from 1900 on. Texts that are put together compare as the account's columns do.

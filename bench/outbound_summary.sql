@@ -1,5 +1,5 @@
--- The statements of the outbound summary (by cost-item class, one year), translated by hand into SQLite's SQL: what the
--- report costs with the T-SQL front end is compared with these. $year is put in. Figures lie in the account as scaled
+-- The statements of the outbound summary (by cost-item class, one year), translated by hand into SQLite's SQL: the
+-- report with the T-SQL front end is compared with these. $year is put in. Figures lie in the account as scaled
 -- integers, so adding them needs no help.
 
 Select cValue

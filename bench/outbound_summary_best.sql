@@ -1,6 +1,6 @@
 -- The rows of the outbound summary (by cost-item class, one year) by the shortest way: one pass over the ledger, no
--- detail table, names looked up where they are needed. For the record only: it shows what the report's own statements
--- cost as such.
+-- detail table, names looked up where they are needed. It shows how much of the report's time is due to the form of its
+-- own statements; nothing passes or fails by it.
 create table bench_result as
 with grade as (
   select def.iFxID, ifnull(top.cFxCCode, cls.cFxCCode) as code, ifnull(top.cFxCName, cls.cFxCName) as name

@@ -1,6 +1,6 @@
 -- The rows of the receipt/issue/balance report (by cost item, one year, with a warehouse) by the shortest way: no detail
--- table, no grouping of rows that are known to be single. For the record only: it shows what the report's own statements
--- cost as such.
+-- table, no grouping of rows that are known to be single. It shows how much of the report's time is due to the form of
+-- its own statements; nothing passes or fails by it.
 --
 -- Every cost item of a line gives two rows: its own opening balance, receipt or issue, and the closing balance. The first
 -- one of a line takes the line's own figures too.

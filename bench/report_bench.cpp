@@ -3,9 +3,9 @@
 //   result              count of rows and sums of the result table
 //   report_seconds      median of a whole run: open, filter, statements, close
 //   own_share           the part of a run that the library spends outside the session, median
-//   translated_seconds  median of the same statements translated by hand into SQLite's SQL, on the same file
+//   translated_seconds  median of the report's own statements translated by hand into SQLite's SQL, on the same file
 //   ratio               report_seconds / translated_seconds, run by run in turn, median
-//   best_seconds        one query for the same rows, written without regard to the statements
+//   best_seconds        one query for the same rows, written without regard to the report's own statements
 //   first_seconds       the first run of the process
 //   peak_mib            the most memory that the process had
 //

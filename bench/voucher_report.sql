@@ -1,5 +1,5 @@
 -- The statements of the voucher report (one year, with quantities and unit costs), translated by hand into SQLite's SQL:
--- what the report costs with the T-SQL front end is compared with these. $year is put in. Figures lie in the account as
+-- the report with the T-SQL front end is compared with these. $year is put in. Figures lie in the account as
 -- scaled integers, quantities with 6 digits and amounts with 4; dates count 1/300 seconds from 1900 on. Quotients are
 -- floats that become exact again; what lies next to a half rounds by SQLite's arithmetic here, so that these alone may
 -- differ in the last digit.

@@ -1,6 +1,6 @@
 -- The rows of the voucher report (one year, with quantities and unit costs) by the shortest way: no work table, no
--- grouping of rows that are known to be single. For the record only: it shows what the report's own statements cost as
--- such.
+-- grouping of rows that are known to be single. It shows how much of the report's time is due to the form of its own
+-- statements; nothing passes or fails by it.
 create table bench_result as
 select base.dVouDate, base.cVouCode, base.dKeepDate, base.cAccounter, base.cBusCode, base.strContractCode,
   base.cproordercode, base.iproorderids, base.cworkprocode, base.cworkcentercode, base.cworkcentername, base.cProCode,

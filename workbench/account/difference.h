@@ -1,4 +1,4 @@
-// Two accounts held against each other, table by table and row by row.
+// Compares two accounts, table by table and row by row.
 #pragma once
 
 #include <cstdint>

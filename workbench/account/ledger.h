@@ -15,7 +15,7 @@
 
 namespace quillon::account {
 
-// The fields of a ledger line beside its number and its figures. Views point to constants or to what outlives the call.
+// The fields of a ledger line besides its number and its figures. Views point to constants or to what outlives the call.
 struct Line {
   std::optional<int> behind;  // BakID
   int year = 0;

@@ -8,13 +8,13 @@ namespace quillon::account {
 // Throws AccountError when `file` exists.
 void refuseExisting(const std::filesystem::path& file);
 
-// Removes what SQLite left beside an account of this name that is gone: a journal whose account was deleted after its
-// program had been killed would be rolled back into the next account that gets the name. Throws AccountError when `file`
+// Removes the journal of an account that is gone. When a program is killed and its account then deleted, SQLite's journal
+// stays, and would be rolled back into the next account of the same name. Throws AccountError when `file`
 // exists: the journal is its own then.
 void removeOrphanedJournals(const std::filesystem::path& file);
 
-// A file that is in the making: it grows under the name `file` + ".part" in the same folder, where what an interrupted
-// run left is overwritten. Gone with the object, and with what SQLite keeps beside it, unless complete() was called.
+// A file that is not complete yet: it grows under the name `file` + ".part" in the same folder, over what an interrupted
+// run left there. The object removes it, and SQLite's journals of it, unless complete() was called.
 class PartialFile {
  public:
   // Throws AccountError when `file` exists.

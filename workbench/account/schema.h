@@ -39,7 +39,7 @@ struct IndexDefinition {
 
 // All tables, masters before what refers to them.
 std::span<const TableDefinition> tables();
-// The indexes beside the primary keys. Their order is by table.
+// The indexes besides the primary keys. Their order is by table.
 std::span<const IndexDefinition> indexes();
 
 // The Create statement of one table or index, in T-SQL that a server takes as well.

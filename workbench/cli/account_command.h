@@ -1,5 +1,5 @@
-// `quillon account`: makes sample accounts, tells what is in one, checks its keys, clears away what interrupted reports
-// left.
+// `quillon account`: makes sample accounts, shows what is in one, checks its keys, and drops the work tables that
+// interrupted reports left.
 #pragma once
 
 #include <ostream>

@@ -12,9 +12,9 @@ class App;
 
 namespace quillon::workbench {
 
-// Compares two accounts and says on `out` that they are equal, or what differs: each table with
-// its counts, at most `shown` of its rows, and a line that sums it up. With a server among them the tables of an account
-// are compared, between two files all tables. True when the accounts are equal.
+// Compares two accounts and says on `out` that they are equal, or what differs: each table with its counts, at most
+// `shown` of its rows, and a line that sums it up. When one is on a server, the tables of an account are compared;
+// between two files, all tables. True when the accounts are equal.
 bool diffAccounts(const AccountSource& first, const AccountSource& second, std::size_t shown, std::ostream& out);
 
 // Adds the command to `account`. Accounts that differ make the exit status 1.

@@ -1,4 +1,4 @@
-// `quillon account export`, `import`, `script`: an account taken elsewhere and back.
+// `quillon account export`, `import`, `script`: moves an account to CSV files and back, or to a server.
 #pragma once
 
 namespace CLI {

@@ -21,7 +21,7 @@ struct DialogStep {
 // Reads "init", "view", "click" and "change:KEY=VALUE". Throws UserError that says which steps there are.
 DialogStep dialogStep(const std::string& text);
 
-// A dialog with its class, and what is seen of it beside its items.
+// A dialog with its class, and what it shows besides its items.
 class DialogPlay {
  public:
   // `dialog` and `runner` belong together; `messages` is where the platform's message display puts its texts.
@@ -29,7 +29,7 @@ class DialogPlay {
       : dialog_(std::move(dialog)), runner_(runner), messages_(messages) {}
 
   // Takes one step. A change sets the item's value as the dialog lets the user do it, then tells the class, and asks it
-  // for the view anew. Throws UserError that names the step when the value does not do, when the item is not
+  // for the view anew. Throws UserError that names the step when the value is not accepted, when the item is not
   // available, and when the class fails.
   void take(const DialogStep& step);
 

@@ -25,10 +25,10 @@ struct DrillOptions {
   DrillFormat format = DrillFormat::table;
 };
 
-// Opens the document and writes it, or what the user is told instead. As JSON one object on one line:
+// Opens the document and writes it, or the message that the user gets instead. As JSON one object on one line:
 // {"action":"Vouch","row":{...},"messages":["..."],"opened":[{"member":"ShowVoucher","title":"...",
 // "heading":{...},"lines":[{...}]}]}, where `row` holds the columns that are not empty. `notes` gets what the user must
-// know of the report's run. Throws std::exception with one line for the user.
+// know about the report's run. Throws std::exception with one line for the user.
 void runDrill(const DrillOptions& options, std::ostream& out, std::ostream& notes);
 
 void addDrillCommand(CLI::App& app);

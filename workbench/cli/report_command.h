@@ -38,11 +38,11 @@ struct ReportOptions {
 };
 
 // Runs the report and writes it. Throws std::exception with one line for the user when it cannot be made. What the user
-// must know beside the report goes to `notes`.
+// must know besides the report goes to `notes`.
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes);
 
-// Runs the report on the options' account and on `second`, with the same filter, and compares the
-// rows (compareResults() in report_comparison.h); shows as many as `options.limit` says, or 10. Throws as runReport().
+// Runs the report on the options' account and on `second`, with the same filter, and compares the rows (compareResults()
+// in report_comparison.h); shows as many as `options.limit` says, or 10. Throws as runReport().
 bool compareReports(const ReportOptions& options, const AccountSource& second, std::ostream& out, std::ostream& notes);
 
 void addReportCommand(CLI::App& app);

@@ -17,8 +17,8 @@ namespace quillon::workbench {
 
 namespace {
 
-// Puts the filter through the report's dialog, as if it had been opened with these values and confirmed. The dialog's
-// own defaults are its own affair: the current year may be one that its list of years does not have.
+// Puts the filter through the report's dialog, as if it had been opened with these values and confirmed. Only the given
+// values are checked: the default year of the dialog may be one that its own list does not have.
 void passDialog(const Report& report, const SignedInAccount& account, const std::shared_ptr<FilterObject>& filter,
                 Language language, std::ostream& notes) {
   EmbeddedPlatform platform({.account = account.source,
@@ -83,8 +83,8 @@ std::string leftBehind(tsql::Database& account, const std::string& source) {
   }
 }
 
-// Tells what stopped the build. Throws unless the rows are complete all the same.
-void tellStop(const RunMonitor& monitor, tsql::Database& account, const std::string& source, std::ostream& notes) {
+// Says what stopped the build. Throws unless all rows were written by then.
+void reportStop(const RunMonitor& monitor, tsql::Database& account, const std::string& source, std::ostream& notes) {
   const std::string left = leftBehind(account, source);
   if (!monitor.failure()) {
     throw UserError("the build stopped before a statement failed: a filter value could not be translated" + left);
@@ -152,7 +152,7 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     if (notes.explanation != nullptr) *notes.explanation << totalTime(monitor, time.count());
   }
-  if (monitor.leftOpen()) tellStop(monitor, made->connection(), made->account().source.shown(), notes.notes);
+  if (monitor.leftOpen()) reportStop(monitor, made->connection(), made->account().source.shown(), notes.notes);
   return made;
 }
 

@@ -1,4 +1,4 @@
-// Making a report on an account, for whoever shows its rows or acts on one of them.
+// Makes a report on an account, for the commands that show its rows or act on one of them.
 #pragma once
 
 #include <memory>
@@ -39,7 +39,7 @@ class MadeReport {
   const Report& report() const { return report_; }
   const SignedInAccount& account() const { return account_; }
   FilterObject& filter() const { return *filter_; }
-  // What the report is run with.
+  // The argument object that the report was run with.
   const std::shared_ptr<WorkbenchArgument>& argument() const { return argument_; }
   // The result table's account, on a connection of its own.
   tsql::Database& connection() const { return *connection_; }
@@ -57,7 +57,7 @@ class MadeReport {
 
 // How a run is watched: progress on a terminal and an explanation of each statement; either may be null.
 struct RunNotes {
-  std::ostream& notes;  // what the user must know beside the report
+  std::ostream& notes;  // what the user must know besides the report
   std::ostream* progress = nullptr;
   std::ostream* explanation = nullptr;
 };

@@ -131,8 +131,7 @@ Variant WorkbenchPlatform::newArgument(Call& call) {
     const auto filter = std::make_shared<FilterObject>(reportNamed(report).registration);
     const auto login = std::make_shared<WorkbenchLogin>(accountLogin(session, source_, language_, "", ""));
     prepareFilter(*filter, *login, session);
-    return Variant(
-        argumentObject(std::make_shared<WorkbenchArgument>(filter, login, "QuillonReport" + uniqueNamePart())));
+    return Variant(argumentObject(std::make_shared<WorkbenchArgument>(filter, login, freshResultTable())));
   });
 }
 
@@ -148,9 +147,8 @@ Variant WorkbenchPlatform::newDialog(Call& call) {
     const auto connection = watchedSession(failures_);
     connection->setAccount(source_);
     connection->open("", "", optionsUnspecified);
-    return Variant(
-        argumentObject(std::make_shared<WorkbenchArgument>(filter, login, "QuillonReport" + uniqueNamePart()),
-                       std::make_shared<FilterDialogObject>(filter, login, connection)));
+    return Variant(argumentObject(std::make_shared<WorkbenchArgument>(filter, login, freshResultTable()),
+                                  std::make_shared<FilterDialogObject>(filter, login, connection)));
   });
 }
 

@@ -37,7 +37,7 @@ Link::Link(const ConnectionString& connectionString, ConnectOptions options) : o
 }
 
 Link::~Link() {
-  // A connection that was never opened, or is lost, answers with an error that nobody waits for.
+  // A connection that was never opened, or is lost, answers with an error that says nothing new.
   SQLDisconnect(connection_.get());
 }
 

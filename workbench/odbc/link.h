@@ -41,7 +41,7 @@ class Link {
   void requireConnection() const;
   // Throws what the records of `handle` make; notes when the connection is lost.
   [[noreturn]] void fail(SQLSMALLINT handleType, SQLHANDLE handle);
-  // Hands the records of `statement` to whoever takes messages.
+  // Passes the records of `statement` to the taker of messages, if there is one.
   void tellMessages(SQLHANDLE statement) const;
 
   SQLHANDLE handle() const { return connection_.get(); }

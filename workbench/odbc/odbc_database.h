@@ -10,7 +10,7 @@
 
 namespace quillon::odbc {
 
-// One thing that driver manager, driver or server says.
+// A message of the driver manager, the driver or the server.
 struct Diagnostic {
   std::string state;  // SQLSTATE, such as "42S02"
   int number = 0;     // the server's own; 0 when the driver or the driver manager speaks
@@ -21,7 +21,7 @@ struct Diagnostic {
 struct ConnectOptions {
   int connectionTimeout = 0;  // in seconds, for opening; 0 waits without limit
   int commandTimeout = 0;     // in seconds, for each batch; 0 waits without limit
-  // Takes what the server says beside results and errors (warnings, what Print prints); may be empty.
+  // Takes the server's messages that are no errors (warnings, what Print prints); may be empty.
   std::function<void(const Diagnostic&)> messages = {};
 };
 

@@ -13,7 +13,7 @@ namespace quillon::workbench {
 
 class WorkbenchAccountLogin final : public AccountLogin {
  public:
-  // The password makes no difference: whatever makes the sessions of an account knows its own.
+  // The password is not needed: a server's stands in the connection string, a file has none.
   void initialise(std::string_view connection, std::string_view) override { connection_ = connection; }
 
   // Throws AutomationError (unexpected) before the login is initialised.
@@ -30,7 +30,7 @@ class WorkbenchEnvironment final : public InventoryEnvironment {
   WorkbenchEnvironment(SessionMaker makeSession, std::string resultTable)
       : makeSession_(std::move(makeSession)), resultTable_(std::move(resultTable)) {}
 
-  // What an environment answers does not depend on the login that it is handed.
+  // Ignored: the environment's answers do not depend on the login.
   void setLogin(AccountLogin&) override {}
   std::string resultTable() override { return resultTable_; }
   // The costing basis is option cValueStyle of system IA, the tables are the account's own: its user has every right.

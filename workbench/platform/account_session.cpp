@@ -177,7 +177,7 @@ tsql::Database& AccountSession::connection() {
   return *connection_;
 }
 
-// Runs `action`, which gives its result and the count of its rows, under the monitor's eyes.
+// Runs `action`, which gives its result and the count of its rows, and tells the monitor about it.
 template <typename Action>
 auto AccountSession::run(std::string_view sql, Action action) {
   tsql::Database& account = connection();

@@ -1,5 +1,5 @@
 // The session port over an account, embedded or on a server: what the report classes know as an ADO connection, run by
-// the T-SQL engine or over ODBC. Failures carry the HRESULTs by which automation clients tell ADO's errors apart (sqlErrorCode below).
+// the T-SQL engine or over ODBC. Failures carry the HRESULTs of ADO's errors (sqlErrorCode below).
 #pragma once
 
 #include <cstdint>
@@ -25,7 +25,7 @@ inline constexpr std::string_view sessionSource = "Quillon account";
 inline constexpr HResult objectClosed = static_cast<HResult>(0x800A0E78U);
 inline constexpr HResult objectOpen = static_cast<HResult>(0x800A0E79U);
 
-// How the workbench itself looks something up.
+// The options of the workbench's own queries.
 inline constexpr QueryOptions readOnlyQuery{CursorType::fixed, LockType::readOnly, std::nullopt};
 
 // The HRESULT for SQL Server's error `number`: 0x80040E37 no such table, 0x80040E57 overflow or lost text, 0x80040E07
@@ -61,7 +61,7 @@ class SessionMonitor {
   // `rows` counts what the statement gave or changed; -1 when it counts none.
   virtual void finished(std::string_view sql, double seconds, std::int64_t rows) = 0;
   virtual void failed(const StatementFailure& failure) = 0;
-  // What a server says beside, of the statement that runs.
+  // A message of the server about the statement that runs, such as a warning.
   virtual void told(const odbc::Diagnostic&) {}
   virtual void closed() = 0;
 };
@@ -69,7 +69,7 @@ class SessionMonitor {
 // A value as Recordset::text gives it; null gives nullopt.
 std::optional<std::string> fieldText(const tsql::Value& value, const tsql::Type& type);
 
-// A client-side recordset: all rows were read when it was opened, so that other statements may run beside it.
+// A client-side recordset: all rows were read when it was opened, so that other statements may run meanwhile.
 class AccountRecordset final : public Recordset {
  public:
   AccountRecordset(std::vector<tsql::Column> columns, std::vector<tsql::Value> values);
@@ -79,7 +79,7 @@ class AccountRecordset final : public Recordset {
   std::optional<std::string> text(int position) override;
   void close() override;
 
-  // For whoever shows the recordset with its types. `field` reads the current row.
+  // The columns with their types, and values of the current row (`field`).
   std::span<const tsql::Column> columns() const { return columns_; }
   std::size_t rowCount() const { return columns_.empty() ? 0 : values_.size() / columns_.size(); }
   const tsql::Value& field(int position) const;
@@ -127,13 +127,13 @@ class AccountSession final : public Session {
 
   // query() with the type that shows columns and values.
   std::unique_ptr<AccountRecordset> openRecordset(std::string_view sql);
-  // Runs a batch of which it is not known whether it gives rows.
+  // Runs a batch that may or may not give rows.
   BatchResult runBatch(std::string_view sql);
-  // setConnectionString() for who has the account already.
+  // The same for a caller that has the account already.
   void setAccount(AccountSource account);
   const std::string& connectionText() const { return account_.text(); }
   // The last statement that failed on this session; nullopt when none did. It stays after later successes, so that an
-  // error that a report absorbed can still be told.
+  // error that a report absorbed can still be shown.
   const std::optional<StatementFailure>& lastFailure() const { return lastFailure_; }
 
  private:

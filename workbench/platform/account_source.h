@@ -21,9 +21,9 @@ namespace quillon::workbench {
 // that Data Source names (the password is ignored, a file has none); every other one is a server's.
 class AccountSource {
  public:
-  // No account yet: what needs one throws.
+  // Names no account; file() and open() throw.
   AccountSource() = default;
-  // Takes any text, UTF-8; what cannot be used is refused when it is.
+  // Takes any UTF-8 text; one that names no account is refused by file() and open().
   explicit AccountSource(std::string text);
   // The account in `file`, however that is called.
   static AccountSource inFile(const std::filesystem::path& file);

@@ -86,7 +86,7 @@ class WorkbenchArgument final : public ReportArgument {
   // Accounts name their languages as the login's region does.
   std::string languageId() override { return login_->languageRegion(); }
 
-  // The filter for whoever fills it in.
+  // The filter, with what only the workbench uses of it.
   const std::shared_ptr<FilterObject>& filter() const { return filter_; }
   const DataSourceState& dataSourceState() const { return *dataSource_; }
 

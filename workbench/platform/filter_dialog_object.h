@@ -35,7 +35,7 @@ class FilterDialogObject final : public FilterDialog {
   // A condition on an empty value would find nothing, so the restriction is lifted instead.
   void setLookupConditionOfValue(std::string_view key, std::string_view condition, bool valueIsEmpty) override;
 
-  // What a dialog is made of, for whoever hands it on as an automation object.
+  // The parts of the dialog, for the automation object that exposes it.
   const std::shared_ptr<FilterObject>& filter() const { return filter_; }
   const std::shared_ptr<AccountSession>& ownConnection() const { return connection_; }
 

@@ -129,7 +129,7 @@ Setting readSetting(FilterObject& filter, const std::string& setting) {
   return {*entry, setting.substr(equals + 1)};
 }
 
-// `again`: the item has been set before, and takes the value beside what it has.
+// `again`: the item has been set before, and the value is added to those that it has.
 void apply(const Setting& setting, bool again) {
   auto& [entry, value] = setting;
   if (again && !entry.item.multiple) refuse(entry.item, "is set twice");

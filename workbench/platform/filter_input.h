@@ -1,5 +1,5 @@
 // Filling a filter object from what a person writes: a filter file or key=value texts. Every refusal is a
-// std::invalid_argument whose text names the item and says what would do.
+// std::invalid_argument whose text names the item and says what is accepted.
 #pragma once
 
 #include <span>
@@ -21,19 +21,19 @@ void prepareFilter(FilterObject& filter, Login& login, Session& session);
 // several values takes them separated by commas, or the key again. An empty value clears the item.
 void setFilterItems(FilterObject& filter, std::span<const std::string> settings);
 
-// Sets one item as the dialog lets the user do it: only an available one, and only to a value that would do. Gives the
-// item.
+// Sets one item as the dialog lets the user do it: only an available one, and only to a value that the dialog accepts.
+// Gives the item.
 const FilterEntry& changeItem(FilterObject& filter, const std::string& setting);
 
 // Checks what was entered in one item: choices against their codes, numbers, dates, and that a single value is single.
 void checkItem(const FilterEntry& entry);
-// Checks that nothing that must be given is missing.
+// Checks that every item that must have a value has one.
 void checkComplete(const FilterObject& filter);
 // Both, for all items.
 void checkFilter(const FilterObject& filter);
 
 // What was entered in `entry`, for a reader: choices by their names, bounds as "from .. to", several values with
-// commas; empty when nothing was.
+// commas; empty when nothing was entered.
 std::string describeEntry(const FilterEntry& entry, Language language);
 
 }  // namespace quillon::workbench

@@ -88,7 +88,7 @@ class FilterObject final : public Filter {
 
   // The identifier that tells a filter-control class which report it serves.
   const std::string& identifier() const { return identifier_; }
-  // The entries in order, for whoever fills or shows them; nullptr when there is no item `key`.
+  // The entries in order, for the code that fills or shows them; nullptr when there is no item `key`.
   const std::vector<std::shared_ptr<FilterEntry>>& entries() const { return entries_; }
   FilterEntry* find(std::string_view key);
   // The entry at `position` (from 1), or of `key`; throws as item() does.

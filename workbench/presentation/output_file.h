@@ -6,9 +6,9 @@
 namespace quillon::workbench {
 
 // Whatever stands under the file's name stays as it is until the output is complete, and is then replaced by it in one
-// step: a reader, or whoever comes after a run that was killed, finds the older file or the newer one. The output grows
-// as `file` + ".part" in the same folder, where what an interrupted run left is overwritten. What is no file but has a
-// name, /dev/stdout or a pipe, is written to as it is.
+// step: a reader finds the older file or the newer one, even after a run that was killed. The output grows
+// as `file` + ".part" in the same folder, over what an interrupted run left there. What is not a regular file, such as
+// /dev/stdout or a pipe, is written to directly.
 class OutputFile {
  public:
   // Throws UserError when there is an older file that may not be written to.

@@ -1,5 +1,5 @@
-// A report as CSV, as JSON and as aligned text. Rows are read from the result table while they are written, so memory does not grow with
-// them.
+// A report as CSV, as JSON and as aligned text. Rows are read from the result table while they are written, so memory
+// does not grow with them.
 #pragma once
 
 #include <cstdint>

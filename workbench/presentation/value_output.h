@@ -12,7 +12,8 @@
 namespace quillon::workbench {
 
 // `text` (UTF-8) as a JSON string. Control characters and unpaired surrogates become \u escapes, bytes that are no
-// UTF-8 become U+FFFD; everything else stands as it is.
+// UTF-8 become U+FFFD; everything else stands as it is. nlohmann's writer is no help here: it refuses an unpaired
+// surrogate, which an nvarchar may hold.
 void writeJsonText(std::ostream& out, std::string_view text);
 
 // `value` as JSON: null, a number for int, bigint, bit and float, a text for everything else (exact numbers with all

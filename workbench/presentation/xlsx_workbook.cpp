@@ -167,7 +167,7 @@ class Sheet {
     std::ofstream file(output_.path(), std::ios::binary);
     file.close();
     if (!file) output_.fail();
-    // Closing frees the workbook, whatever comes of it.
+    // Closing frees the workbook even when it fails.
     check(workbook_close(workbook_.release()));
     output_.complete();
   }

@@ -17,7 +17,8 @@ namespace quillon::workbench {
 // all.
 //
 // Rows go to a temporary file while they are read, so memory does not grow with them. The workbook is only begun when all
-// of them were read, and replaces an older file when it is complete (output_file.h). Throws UserError when the rows are more than a sheet has or the file cannot be written.
+// of them were read, and replaces an older file when it is complete (output_file.h). Throws UserError when the rows are
+// more than a sheet has or the file cannot be written.
 void writeXlsx(const std::filesystem::path& file, const ReportDocument& document, const ResultTable& table,
                std::optional<std::int64_t> limit);
 

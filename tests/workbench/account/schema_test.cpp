@@ -1,4 +1,4 @@
-// The schema, compared with what the statements of the reports and dialogs name.
+// The schema has every table and column that the statements of the reports and dialogs name.
 #include "workbench/account/schema.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-// Accounts taken elsewhere, brought back, and compared, from the command line.
+// Accounts exported, imported and compared, from the command line.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <CLI/CLI.hpp>

@@ -1,4 +1,4 @@
-// Comparing results row by row.
+// Comparing two results row by row.
 #include "workbench/cli/report_comparison.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Accounts and reports on a server compared with those in a file.
+// Comparing accounts and reports on a server with those in a file.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
