@@ -34,6 +34,29 @@ class QuillonLibrary {
   HRESULT registerServer() const { return call("DllRegisterServer"); }
   HRESULT unregisterServer() const { return call("DllUnregisterServer"); }
 
+  // The identifier of the class called `name`, as the type library in the DLL has it. Throws std::invalid_argument when
+  // it has no such class.
+  static CLSID classId(const std::wstring& name) {
+    ComPtr<ITypeLib> types;
+    if (FAILED(LoadTypeLibEx(path().c_str(), REGKIND_NONE, types.out())))
+      throw std::runtime_error("Quillon.dll has no type library");
+    for (UINT i = 0; i < types->GetTypeInfoCount(); ++i) {
+      BSTR typeName = nullptr;
+      if (FAILED(types->GetDocumentation(static_cast<int>(i), &typeName, nullptr, nullptr, nullptr))) continue;
+      const bool same = name == typeName;
+      SysFreeString(typeName);
+      if (!same) continue;
+      ComPtr<ITypeInfo> type;
+      TYPEATTR* attributes = nullptr;
+      if (FAILED(types->GetTypeInfo(i, type.out())) || FAILED(type->GetTypeAttr(&attributes))) continue;
+      const bool isClass = attributes->typekind == TKIND_COCLASS;
+      const CLSID id = attributes->guid;
+      type->ReleaseTypeAttr(attributes);
+      if (isClass) return id;
+    }
+    throw std::invalid_argument("the type library has no class of this name");
+  }
+
   // A new object; `code` gets what the class factory said.
   template <class Interface>
   automation::ComPtr<Interface> create(REFCLSID classId, HRESULT* code = nullptr) const {

@@ -1,11 +1,10 @@
 #include "tests/long_life/com_library.h"
 
-#include <component/quillon_interfaces.h>
-
 #include <stdexcept>
 #include <string>
 
 #include "automation/late_bound.h"
+#include "automation/text.h"
 #include "workbench/catalogue/library_runner.h"
 #include "workbench/com/argument_object.h"
 #include "workbench/com/exposed_platform.h"
@@ -17,21 +16,10 @@ namespace {
 
 long_life::ComLibrary* loaded = nullptr;
 
-CLSID classId(const std::string& name) {
-  if (name == "clsSFC_Item") return __uuidof(clsSFC_Item);
-  if (name == "clsOutsum_Item") return __uuidof(clsOutsum_Item);
-  if (name == "clsFXDetail") return __uuidof(clsFXDetail);
-  if (name == "clsFXWt") return __uuidof(clsFXWt);
-  if (name == "clsSFCFilterControl") return __uuidof(clsSFCFilterControl);
-  if (name == "clsFilterControl") return __uuidof(clsFilterControl);
-  if (name == "clsWtFilterControl") return __uuidof(clsWtFilterControl);
-  throw std::invalid_argument("no class " + name);
-}
-
 automation::LateBound createInstance(std::string_view className) {
   if (!loaded) throw std::logic_error("Quillon.dll is not loaded");
-  const std::string name(className);
-  return {loaded->create<IDispatch>(classId(name)), "Quillon." + name};
+  return {loaded->create<IDispatch>(long_life::ComLibrary::classId(automation::toWide(className))),
+          "Quillon." + std::string(className)};
 }
 
 }  // namespace

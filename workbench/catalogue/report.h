@@ -23,9 +23,9 @@ struct Report {
   // The class of the library that makes it, "clsSFC_Item", and an instance of that class called directly; `module` must
   // outlive what is made.
   std::string_view reportClass;
-  std::unique_ptr<CoreReport> (*make)(Module& module) = nullptr;
+  std::unique_ptr<CoreReport> (*make)(Module& module);
   // The class that serves its dialog.
-  const DialogClass* dialog = nullptr;
+  const DialogClass* dialog;
 
   // The columns of its result table, in the order in which table and page show them.
   std::vector<ReportColumn> columns;
@@ -37,7 +37,7 @@ struct Report {
   bool isLedger = false;
 
   // The keys by which it joins masters to ledger lines, in its order.
-  std::vector<account::JoinKey> joinKeys = {};
+  std::vector<account::JoinKey> joinKeys;
 
   // The columns of a row that lead to the document behind it. Empty: its rows open nothing.
   std::span<const std::string_view> documentColumns = {};

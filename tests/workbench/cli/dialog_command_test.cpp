@@ -11,6 +11,7 @@
 
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/schema.h"
+#include "workbench/catalogue/catalogue.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -215,8 +216,7 @@ TEST_F(DialogCommand, RefusesWhatCannotBeDoneInOneLine) {
             "step change:iYear=2022: filter item iYear (Year): there is no choice \"2022\"; choose of 2023, 2024");
   EXPECT_EQ(refusalOf("outsum-item", {"change:iYear=2023"}),
             "step change:iYear=2023: The dialog has no connection to the account yet; call CallBack_FilterInit first.");
-  EXPECT_EQ(refusalOf("no-report", {}),
-            "there is no report \"no-report\"; the reports are: sfc-item, outsum-item, fx-detail, fx-wt");
+  EXPECT_EQ(refusalOf("no-report", {}), "there is no report \"no-report\"; the reports are: " + reportNames());
 }
 
 TEST_F(DialogCommand, ShowsWhatWentWellBeforeAStepFailed) {

@@ -9,6 +9,9 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
 
 #include "frame/text.h"
 #include "tests/workbench/docs/guide_tables.h"
@@ -121,6 +124,30 @@ TEST_P(UserGuide, HasEveryColumnWithItsCaptions) {
     EXPECT_FALSE(row[2].empty()) << row[0];
   }
   EXPECT_THAT(written, UnorderedElementsAreArray(expected));
+}
+
+// The text of a file of the checkout.
+std::string textOf(const std::string& file) {
+  std::ifstream in(std::string(QUILLON_CHECKOUT) + "/" + file);
+  if (!in) throw std::runtime_error("cannot read " + file);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// A result table's types stand in the integrator's part; here only that they do.
+TEST_P(UserGuide, HasTheReportsResultTable) {
+  EXPECT_FALSE(sectionTable("Result table of " + std::string(reportNamed(GetParam()).reportClass)).rows.empty());
+}
+
+TEST_P(UserGuide, IsNotThePageAloneThatKnowsTheReport) {
+  const Report& report = reportNamed(GetParam());
+  const std::string command = "`quillon report " + GetParam() + "`";
+  EXPECT_THAT(textOf("docs/user-guide.md"), testing::HasSubstr(command));
+  EXPECT_THAT(textOf("packaging/debian/quillon.1.in"), testing::HasSubstr(GetParam()));
+  for (const std::string_view className : {report.reportClass, report.dialog->name})
+    EXPECT_THAT(textOf("docs/platform-bindings.md"), testing::HasSubstr("`" + std::string(className) + "`"));
+  EXPECT_THAT(textOf("SECURITY.md"), testing::HasSubstr("`" + std::string(report.reportClass) + "`"));
 }
 
 std::vector<std::string> names() {
