@@ -2,6 +2,7 @@
 // registered.
 #pragma once
 
+#include <map>
 #include <stdexcept>
 #include <string>
 
@@ -34,28 +35,27 @@ class QuillonLibrary {
   HRESULT registerServer() const { return call("DllRegisterServer"); }
   HRESULT unregisterServer() const { return call("DllUnregisterServer"); }
 
-  // The identifier of the class called `name`, as the type library in the DLL has it. Throws std::invalid_argument when
-  // it has no such class.
-  static CLSID classId(const std::wstring& name) {
+  // The classes of the type library in the DLL, with their identifiers by name.
+  static std::map<std::wstring, CLSID> classes() {
     ComPtr<ITypeLib> types;
     if (FAILED(LoadTypeLibEx(path().c_str(), REGKIND_NONE, types.out())))
       throw std::runtime_error("Quillon.dll has no type library");
+    std::map<std::wstring, CLSID> found;
     for (UINT i = 0; i < types->GetTypeInfoCount(); ++i) {
-      BSTR typeName = nullptr;
-      if (FAILED(types->GetDocumentation(static_cast<int>(i), &typeName, nullptr, nullptr, nullptr))) continue;
-      const bool same = name == typeName;
-      SysFreeString(typeName);
-      if (!same) continue;
       ComPtr<ITypeInfo> type;
       TYPEATTR* attributes = nullptr;
-      if (FAILED(types->GetTypeInfo(i, type.out())) || FAILED(type->GetTypeAttr(&attributes))) continue;
-      const bool isClass = attributes->typekind == TKIND_COCLASS;
-      const CLSID id = attributes->guid;
+      BSTR name = nullptr;
+      if (FAILED(types->GetTypeInfo(i, type.out())) || FAILED(type->GetTypeAttr(&attributes)) ||
+          FAILED(types->GetDocumentation(static_cast<int>(i), &name, nullptr, nullptr, nullptr)))
+        throw std::runtime_error("a type of the library cannot be read");
+      if (attributes->typekind == TKIND_COCLASS) found.emplace(name, attributes->guid);
+      SysFreeString(name);
       type->ReleaseTypeAttr(attributes);
-      if (isClass) return id;
     }
-    throw std::invalid_argument("the type library has no class of this name");
+    return found;
   }
+  // The identifier of the class called `name`. Throws std::out_of_range when the type library has none.
+  static CLSID classId(const std::wstring& name) { return classes().at(name); }
 
   // A new object; `code` gets what the class factory said.
   template <class Interface>

@@ -94,6 +94,7 @@ TEST(Registration, WritesEveryClassAndLeavesNothingBehind) {
       {"clsWtFilterControl", "{CA218940-7A13-4CCA-B5BD-73789593D6F5}"},
       {"clsSFCFilterControl", "{7ECD1526-372F-43C7-BE9C-5923A07915CA}"},
       {"clsFilterControl", "{B5857A26-9AF9-40AF-BA23-3C32BC93CB5F}"}};
+  EXPECT_EQ(classIds.size(), QuillonLibrary::classes().size());
   const std::string library10 = "{A04E69C6-FCCA-4C39-942A-44F988877A23}";
   for (const auto& [name, id] : classIds) {
     SCOPED_TRACE(name);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -189,6 +190,15 @@ TEST_F(ServerTest, EveryClassAnswersUnderItsFixedIdentities) {
     EXPECT_EQ(object->QueryInterface(IID_IPersist, &none), E_NOINTERFACE);
     EXPECT_EQ(none, nullptr);
   }
+}
+
+TEST_F(ServerTest, HasNoOtherClasses) {
+  std::set<std::string> tested, known;
+  for (const Face& face : faces())
+    tested.insert(face.name);
+  for (const auto& [name, id] : QuillonLibrary::classes())
+    known.insert(toUtf8(name));
+  EXPECT_EQ(known, tested);
 }
 
 TEST_F(ServerTest, StoredPropertiesStandInTheirSlots) {

@@ -162,8 +162,11 @@ TEST(Catalogue, FindsAReportByItsName) {
     reportNamed("outsum");
     ADD_FAILURE() << "nothing was refused";
   } catch (const std::invalid_argument& error) {
-    EXPECT_STREQ(error.what(),
-                 "there is no report \"outsum\"; the reports are: sfc-item, outsum-item, fx-detail, fx-wt");
+    EXPECT_EQ(error.what(), "there is no report \"outsum\"; the reports are: " + reportNames());
+  }
+  EXPECT_THAT(reportNames(), testing::StartsWith("sfc-item, outsum-item, fx-detail, fx-wt"));
+  for (const Report& report : reports()) {
+    EXPECT_THAT(reportNames(), testing::HasSubstr(report.registration.name));
   }
 }
 
