@@ -16,19 +16,20 @@ namespace {
 
 class CatalogueClasses : public testing::Test {
  protected:
-  com::LateBound create(std::string_view name) const {
-    return {library_.create<IDispatch>(com::test::QuillonLibrary::classId(com::toWide(name))), std::string(name)};
+  automation::LateBound create(std::string_view name) const {
+    return {library_.create<IDispatch>(component::test::QuillonLibrary::classId(automation::toWide(name))),
+            std::string(name)};
   }
 
  private:
-  const com::test::ComScope com_;
-  const com::test::QuillonLibrary library_;
+  const automation::test::ComScope com_;
+  const component::test::QuillonLibrary library_;
 };
 
 TEST_F(CatalogueClasses, MakeTheReports) {
   for (const Report& report : reports()) {
     SCOPED_TRACE(report.reportClass);
-    const com::LateBound object = create(report.reportClass);
+    const automation::LateBound object = create(report.reportClass);
     ASSERT_TRUE(object);
     EXPECT_TRUE(object.offers(L"GETSQL"));
     EXPECT_TRUE(object.offers(L"Execute"));
@@ -38,7 +39,7 @@ TEST_F(CatalogueClasses, MakeTheReports) {
 TEST_F(CatalogueClasses, ServeTheDialogs) {
   for (const DialogClass* dialog : dialogClasses()) {
     SCOPED_TRACE(dialog->name);
-    const com::LateBound object = create(dialog->name);
+    const automation::LateBound object = create(dialog->name);
     ASSERT_TRUE(object);
     for (const wchar_t* member : {L"CallBack_FilterInit", L"CallBack_ValueChange", L"CallBack_FilterClick"})
       EXPECT_TRUE(object.offers(member));
