@@ -27,3 +27,15 @@ function(quillon_compile_as_test target)
   endif()
 endfunction()
 quillon_compile_as_test(quillon_test_headers)
+
+# The presets for work compile a folder's sources together (CMAKE_UNITY_BUILD), which spares reading the same headers and
+# making the same templates for each of them. Names inside `namespace {` then must differ within a folder; a source whose
+# names are another's as well is listed here and compiled on its own.
+function(quillon_compile_alone)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+if(CMAKE_UNITY_BUILD)
+  # What one source calls its own another may use as a local name. And the more GCC 12 sees at once, the more often it
+  # takes the storage of std::optional for uninitialised. The presets that compile singly keep both warnings.
+  target_compile_options(quillon_options INTERFACE -Wno-shadow -Wno-maybe-uninitialized)
+endif()
