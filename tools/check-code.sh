@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Format of all code, the #include lines against the table of rooms, and clang-tidy on what the native build compiles
-# (Win32-only code is checked by its compiler's warnings). Needs a built build/native. Files that clang-tidy found clean
-# before are not looked at again.
+# Format of all code, the #include lines against the table of rooms, and clang-tidy on what is compiled for Linux (for
+# Win32-only code the compiler's warnings stand in). Nothing has to be built first; what clang-tidy found clean before is
+# not looked at again.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,11 +1,17 @@
 #!/usr/bin/env python3
-"""clang-tidy over everything that build/native compiles, except what has been found clean before.
+"""clang-tidy over all that is compiled for Linux, except what has been found clean before.
 
-What a file's outcome depends on is hashed: the version and settings of clang-tidy, how the file is compiled, and the
-text of the file and of every header that the compiler read for it, as the build has recorded them. A hash that was
-clean once is kept in the user's cache folder and not looked at again; a hash that was not is never kept.
+The project's own sources are looked at one by one, so that a source whose includes do not suffice is noticed. Tests are
+looked at in the batches in which the presets for work compile them: most of the time goes into the headers, and the
+tests of a folder share theirs. Nothing has to be built first.
 
-Needs a built build/native. Exit status 1, with what clang-tidy says, if a file is not clean.
+What an outcome depends on is hashed: the version and settings of clang-tidy, how the sources are compiled, their text
+and that of the project's headers that they include, and the versions of the libraries. A hash that was clean once is
+kept in the user's cache folder and not looked at again; a hash that was not is never kept.
+
+  tools/clang_tidy.py [SOURCE...]    these sources only, or everything
+
+Exit status 1, with what clang-tidy says, if something is not clean.
 """
 
 import concurrent.futures
@@ -14,97 +20,148 @@ import json
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-BUILD = ROOT / "build" / "native"
+BUILD = ROOT / "build" / "tidy"
 CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache") / "quillon-clang-tidy"
 KEPT_DAYS = 60
+# Where the headers come from that are not the project's own.
+LIBRARIES = ("libstdc++-12-dev", "libc6-dev", "nlohmann-json3-dev", "libcli11-dev", "googletest", "libgmock-dev",
+             "libgtest-dev", "unixodbc-dev")
 
 
 def output_of(*command):
-    return subprocess.run(command, check=True, capture_output=True, text=True, cwd=ROOT).stdout
+    return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True, cwd=ROOT).stdout
 
 
-def inside(path):
-    """A file's path in the checkout, wherever the checkout lies; the whole path of a file elsewhere."""
-    full = os.path.normpath(BUILD / path)
-    return os.path.relpath(full, ROOT) if full.startswith(f"{ROOT}/") else full
+class Job:
+    """What one run of clang-tidy looks at: a source, or the sources of a batch."""
+
+    def __init__(self, file, sources, command):
+        self.file, self.sources, self.command = file, sources, command
+        self.of_tests = all(source.is_relative_to(ROOT / "tests") for source in sources)
+
+    def name(self):
+        first = self.sources[0].relative_to(ROOT)
+        return str(first) if len(self.sources) == 1 else f"{first} and {len(self.sources) - 1} more"
 
 
-def files_by_object():
-    """The files that each object was compiled from, its source first, as ninja has recorded them."""
-    files, current = {}, None
-    for line in output_of("ninja", "-C", str(BUILD), "-t", "deps").splitlines():
-        if line.startswith("    "):
-            current.append(line.strip())
-        elif ": #deps" in line:
-            current = files.setdefault(line.split(": #deps")[0], [])
-    return files
+def jobs():
+    found = []
+    for entry in json.loads((BUILD / "compile_commands.json").read_text()):
+        file = pathlib.Path(entry["file"])
+        command = shlex.split(entry["command"])
+        # Without what stands in front of the compiler.
+        command = command[next(i for i, word in enumerate(command) if re.search(r"(\+\+|cc)$", word) and "ccache" not in word):]
+        # What GCC alone knows.
+        command.append("-Wno-unknown-warning-option")
+        sources = [file]
+        if file.is_relative_to(BUILD):
+            sources = [pathlib.Path(name) for name in re.findall(r'^#include "(.*)"', file.read_text(), re.M)]
+        sources = [source for source in sources if source.suffix == ".cpp" and source.is_relative_to(ROOT)
+                   and not source.is_relative_to(ROOT / "build") and not source.is_relative_to(ROOT / ".deps")]
+        if not sources:
+            continue
+        job = Job(file, sources, command)
+        if job.of_tests:
+            found.append(job)
+        else:
+            found += [Job(source, [source], [str(source) if word == str(file) else word for word in command])
+                      for source in sources]
+    return found
 
 
-class Hashes:
-    """Hashes of files' texts; each file is read once."""
+class Texts:
+    """The project's own files that a source is made of, each read once."""
 
     def __init__(self):
         self.known = {}
 
     def of(self, path):
         if path not in self.known:
-            self.known[path] = hashlib.sha256((BUILD / path).read_bytes()).hexdigest()
+            text = path.read_bytes()
+            names = re.findall(rb'^\s*#\s*include\s+"([^"]+)"', text, re.M)
+            places = [base / name.decode() for name in names for base in (path.parent, ROOT)]
+            self.known[path] = (hashlib.sha256(text).hexdigest(),
+                                sorted({place.resolve() for place in places if place.is_file()}))
         return self.known[path]
 
-
-def jobs():
-    """Each of the project's own sources, with the hash of all that its outcome depends on."""
-    own = set(output_of("git", "ls-files", "--cached", "--others", "--exclude-standard", "*.cpp").split())
-    files, hashes = files_by_object(), Hashes()
-    common = output_of("clang-tidy", "--version") + (ROOT / ".clang-tidy").read_text()
-    found = []
-    for entry in json.loads((BUILD / "compile_commands.json").read_text()):
-        source = inside(entry["file"])
-        if source not in own:
-            continue
-        built = re.search(r" -o (\S+)", entry["command"]).group(1)
-        if built not in files:
-            sys.exit(f"clang-tidy: {source} has not been built; build the preset native first")
-        key = hashlib.sha256(common.encode())
-        # A checkout elsewhere gives the same hash.
-        key.update(entry["command"].replace(str(ROOT), "").encode())
-        for path in files[built]:
-            key.update(f"\n{inside(path)} {hashes.of(path)}".encode())
-        found.append((source, key.hexdigest()))
-    return sorted(found)
+    def all_of(self, sources):
+        seen, rest = {}, list(sources)
+        while rest:
+            path = rest.pop()
+            if path not in seen:
+                seen[path], more = self.of(path)
+                rest += more
+        return [f"{path.relative_to(ROOT)} {seen[path]}" for path in sorted(seen)]
 
 
-def check(job):
-    source, key = job
-    run = subprocess.run(["clang-tidy", "--quiet", "-p", str(BUILD), source], cwd=ROOT, text=True,
-                         stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+def versions():
+    known = subprocess.run(["dpkg-query", "-W", *LIBRARIES], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                           check=False).stdout if pathlib.Path("/var/lib/dpkg").exists() else ""
+    fetched = [path.read_text() for path in sorted((ROOT / ".deps").glob("*/.version"))]
+    return "\n".join([output_of("clang-tidy", "--version"), (ROOT / ".clang-tidy").read_text(),
+                      pathlib.Path(__file__).read_text(), known, *fetched])
+
+
+def key_of(job, common, texts):
+    # A checkout elsewhere gives the same hash.
+    command = " ".join(job.command).replace(str(ROOT), "")
+    return hashlib.sha256("\n".join([common, command, *texts.all_of(job.sources)]).encode()).hexdigest()
+
+
+def check(job, key, database):
+    command = ["clang-tidy", "--quiet", "-p", str(database)]
+    if job.of_tests:
+        # Sources of a batch are included files.
+        command += ["--checks=-clang-analyzer-*,-bugprone-suspicious-include", "--header-filter=/tests/.*"]
+    run = subprocess.run([*command, str(job.file)], cwd=ROOT, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     if run.returncode == 0:
         (CACHE / key).touch()
         return ""
-    return run.stdout or f"{source}: clang-tidy failed with exit status {run.returncode}\n"
+    return run.stdout or f"{job.name()}: clang-tidy failed with exit status {run.returncode}\n{run.stderr}"
 
 
 def main():
+    output_of("cmake", "--preset", "tidy")
     CACHE.mkdir(parents=True, exist_ok=True)
     for entry in CACHE.iterdir():
         if time.time() - entry.stat().st_mtime > KEPT_DAYS * 24 * 3600:
             entry.unlink()
-    everything = jobs()
-    open_jobs = [job for job in everything if not (CACHE / job[1]).exists()]
+
+    wanted = [pathlib.Path(name).resolve() for name in sys.argv[1:]]
+    everything = [job for job in jobs() if not wanted or any(source in wanted for source in job.sources)]
+    database = BUILD / "singly"
+    database.mkdir(exist_ok=True)
+    (database / "compile_commands.json").write_text(json.dumps(
+        [{"directory": str(BUILD), "file": str(job.file), "arguments": job.command} for job in everything]))
+
+    texts, common = Texts(), versions()
+    keys = {job: key_of(job, common, texts) for job in everything}
+    open_jobs = [job for job in everything if not (CACHE / keys[job]).exists()]
     for job in everything:
-        if (CACHE / job[1]).exists():
-            (CACHE / job[1]).touch()
-    not_clean = 0
+        if job not in open_jobs:
+            (CACHE / keys[job]).touch()
+    # What takes longest starts first.
+    open_jobs.sort(key=lambda job: -sum(source.stat().st_size for source in job.sources))
+    not_clean = done = 0
+    started = time.monotonic()
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for finding in filter(None, pool.map(check, open_jobs)):
-            not_clean += 1
-            print(finding, end="", flush=True)
-    print(f"clang-tidy: {len(open_jobs)} of {len(everything)} files looked at, {not_clean} not clean")
+        for finished in concurrent.futures.as_completed([pool.submit(check, job, keys[job], database) for job in open_jobs]):
+            done += 1
+            if finding := finished.result():
+                not_clean += 1
+                print(finding, end="", flush=True)
+            if sys.stdout.isatty() or done % 25 == 0:
+                print(f"clang-tidy: {done} of {len(open_jobs)} runs, {time.monotonic() - started:.0f} s",
+                      end="\r" if sys.stdout.isatty() else "\n", flush=True)
+    sources = sum(len(job.sources) for job in everything)
+    print(f"clang-tidy: {sources} sources in {len(everything)} runs, {len(open_jobs)} of them not looked at before, "
+          f"{not_clean} not clean")
     return 1 if not_clean else 0
 
 
