@@ -2,21 +2,38 @@
 # Shows the four reports by cost item: receipt/issue/balance, the outbound summary, the detail ledger and the voucher
 # report of one item, these two with documents behind their rows. They are made by Quillon.dll through COM from a ledger
 # of 20,000 lines, each with the defaults of its filter dialog. Sets the machine up and builds first; what is there
-# already is kept, so the second run takes seconds.
+# already is kept, so the second run takes seconds. Takes no arguments.
 set -euo pipefail
 cd "$(dirname "$0")"
+
+case ${1:-} in
+  '') ;;
+  -h | --help)
+    sed -n '2,/^set /{s/^# //p}' "$0"
+    exit 0
+    ;;
+  *)
+    echo "demo.sh: takes no arguments, not \"$1\"; see ./demo.sh --help" >&2
+    exit 2
+    ;;
+esac
 
 demo=build/demo
 win32=build/win32/bin
 account=$demo/ledger-20000.account
 
-say() { printf 'demo: %s\n' "$*" >&2; }
+say() { printf 'demo %d:%02d: %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$*" >&2; }
 
 build() { # PRESET TARGET...
   local preset=$1 log=$demo/build-$1.log
   shift
   say "building for $preset: $*"
-  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" --target "$@"; } >"$log" 2>&1; then
+  : >"$log"
+  # A terminal sees how far it is.
+  local shown=/dev/null
+  [ ! -t 2 ] || shown=/dev/stderr
+  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" --target "$@"; } 2>&1 | tee "$log" |
+    sed -un 's/^\(\[[0-9]*\/[0-9]*\]\).*/\1/p' | tr '\n' '\r' >$shown; then
     tail -n 40 "$log" >&2
     say "error: the build failed; the whole log is in $log"
     exit 1
@@ -26,14 +43,15 @@ build() { # PRESET TARGET...
 # Win32 programs get pipes for all three streams: Wine then passes their UTF-8 through as it is.
 wine() { tools/wine.sh "$@" </dev/null 2> >(cat >&2) | cat; }
 
-tools/setup.sh
+say "packages where they are missing, Quillon for Win32, a sample account, the four reports from it"
+say "takes about 4 minutes on two cores the first time, seconds after it"
+tools/setup.sh demo
 mkdir -p "$demo"
-build native quillon
 build win32 Quillon QuillonWorkbench quillon
 
 if [ ! -f "$account" ]; then
   say "making the sample account of 20,000 ledger lines: $account"
-  build/native/bin/quillon account new "$account" --rows 20000 --seed 1
+  wine "$win32/quillon.exe" account new "$account" --rows 20000 --seed 1
 fi
 
 say "registering Quillon.dll in the private Wine prefix (.wine)"

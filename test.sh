@@ -1,37 +1,89 @@
 #!/usr/bin/env bash
-# Sets the machine up, builds everything and runs every test: native, native under the address and undefined-behaviour
-# sanitizers, and Win32 under Wine; then checks format and clang-tidy. Exit status 0 means all of it passed.
-#
-#   ./test.sh                everything
-#   ./test.sh native win32   these presets only, and no code checks
+# Sets the machine up, builds Quillon and runs its tests. Exit status 0 means that all of it passed. `./test.sh --help`.
 set -euo pipefail
 cd "$(dirname "$0")"
 
-say() { printf '\n=== %s\n' "$*"; }
+usage() {
+  cat <<'HELP'
+./test.sh                 natively and for Win32 under Wine: what to run while working
+./test.sh --all           adds the sanitizers, format and clang-tidy: what a change has to pass
+./test.sh PRESET...       these builds only: native, win32, asan
+HELP
+}
 
-tools/setup.sh
-presets=("$@")
-[ "${#presets[@]}" -gt 0 ] || presets=(native asan win32)
-
-for preset in "${presets[@]}"; do
-  say "building $preset"
-  cmake --preset "$preset" >"build-$preset.log" 2>&1 || {
-    cat "build-$preset.log"
-    exit 1
-  }
-  rm -f "build-$preset.log"
-  cmake --build --preset "$preset" -- --quiet
+presets=()
+everything=false
+for argument in "$@"; do
+  case $argument in
+    native | win32 | asan) presets+=("$argument") ;;
+    --all) everything=true ;;
+    -h | --help)
+      usage
+      exit 0
+      ;;
+    *)
+      echo "test.sh: there is no preset or option \"$argument\"; see ./test.sh --help" >&2
+      exit 2
+      ;;
+  esac
 done
+if $everything; then
+  if [ "${#presets[@]}" -gt 0 ]; then
+    echo "test.sh: --all runs every preset; name either it or presets" >&2
+    exit 2
+  fi
+  presets=(native win32 asan)
+  plan="native, Win32 under Wine, native with sanitizers; then format and clang-tidy"
+  takes="about 45 minutes on two cores the first time, 15 minutes once all is built"
+elif [ "${#presets[@]}" -eq 0 ]; then
+  presets=(native win32)
+  plan="native, and Win32 under Wine"
+  takes="about 15 minutes on two cores the first time, 5 minutes once all is built"
+else
+  plan=${presets[*]}
+  takes="up to 8 minutes each on two cores the first time"
+fi
+
+step() { printf '\n=== %d:%02d  %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$*"; }
+
+printf 'test.sh: packages where they are missing, then build and tests: %s\n' "$plan"
+printf 'test.sh: takes %s\n' "$takes"
+
+step "setting up"
+if $everything; then tools/setup.sh all; else tools/setup.sh test; fi
+
+build() { # PRESET TARGET...
+  local preset=$1 log=build-$1.log
+  shift
+  step "building $preset: $*"
+  if ! cmake --preset "$preset" >"$log" 2>&1; then
+    cat "$log"
+    exit 1
+  fi
+  rm -f "$log"
+  # In a terminal ninja shows how far it is.
+  local quiet=(-- --quiet)
+  [ ! -t 1 ] || quiet=()
+  cmake --build --preset "$preset" --target "$@" "${quiet[@]}"
+}
 
 for preset in "${presets[@]}"; do
-  say "testing $preset"
+  # The Win32 program is compared with the native one.
+  [ "$preset" != win32 ] || build native quillon
+  build "$preset" all
+done
+! $everything || build native benchmarks
+
+for preset in "${presets[@]}"; do
+  step "testing $preset"
   # A program under Wine waits for wineserver about a third of the time: one more fills the processors.
   jobs=$(nproc)
   [ "$preset" != win32 ] || jobs=$((jobs + 1))
-  ctest --preset "$preset" --parallel "$jobs" --no-tests=error --progress
+  ctest --preset "$preset" --parallel "$jobs" --progress
 done
 
-if [ "$#" -eq 0 ]; then
-  say "checking format and code"
+if $everything; then
+  step "checking format and code"
   tools/check-code.sh
 fi
+step "everything passed"

@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
-# Installs what a bare Debian 12 needs to build and test Quillon: compilers for Linux and Win32, Wine, what
-# checks and packs, the libraries of the workbench, and the sources of SQLite, libxlsxwriter and utf8proc. Safe to run
-# again: it only does what is missing, and says so.
-# Runs as root or through sudo. Everything else goes to .deps/ in the checkout.
+# Installs what a bare Debian 12 lacks to build Quillon. Safe to run again: it only does what is missing, and says so.
+# Runs as root or through sudo. The sources of SQLite, libxlsxwriter and utf8proc go to .deps/
+# in the checkout.
+#
+#   tools/setup.sh demo   what ./demo.sh takes: the compiler for Win32, Wine, the libraries of the program
+#   tools/setup.sh test   that, and what ./test.sh takes: the compiler for Linux, what the tests use and pack with
+#   tools/setup.sh all    that, and what checks code, memory and coverage (the default)
 set -euo pipefail
 cd "$(dirname "$0")/.."
+. tools/debian-mirror.sh
 
 sqlite_package=better-sqlite3@11.10.0 # carries SQLite's amalgamation in deps/sqlite3
 sqlite_sha256=e80215754ac6cfaefe272342efd581b6dbefdbdc21f96bd83fcb698bee9d36a5
@@ -29,15 +33,19 @@ as_root() {
   fi
 }
 
-native_packages=(
-  g++ cmake ninja-build ccache git ca-certificates clang-format clang-tidy
-  libgtest-dev libgmock-dev googletest libbenchmark-dev
-  nlohmann-json3-dev libcli11-dev zlib1g-dev libz-mingw-w64-dev
-  unixodbc-dev tdsodbc
-  clang libclang-rt-14-dev valgrind libc6-dbg gcovr python3
-  nsis dpkg-dev zip unzip faketime
-  mono-mcs libmono-microsoft-csharp4.0-cil
-  g++-mingw-w64-i686-posix mingw-w64-tools
+demo_packages=(
+  cmake ninja-build ccache git ca-certificates
+  g++-mingw-w64-i686-posix mingw-w64-tools faketime
+  googletest nlohmann-json3-dev libcli11-dev libz-mingw-w64-dev
+)
+test_packages=(
+  g++ zlib1g-dev unixodbc-dev tdsodbc
+  python3 mono-mcs libmono-microsoft-csharp4.0-cil
+  nsis dpkg-dev zip unzip
+)
+all_packages=(
+  clang clang-format clang-tidy libclang-rt-14-dev
+  valgrind libc6-dbg gcovr libbenchmark-dev
 )
 wine_packages=(wine wine32:i386 libwine:i386 libwine-dev)
 
@@ -58,9 +66,9 @@ missing_of() {
   done
 }
 
-install_native_packages() {
+install_packages() { # PACKAGE...
   local missing
-  mapfile -t missing < <(missing_of "${native_packages[@]}")
+  mapfile -t missing < <(missing_of "$@")
   if ! command -v npm >/dev/null 2>&1 && [ ! -f "$deps/sqlite3/sqlite3.c" ]; then
     missing+=(npm)
   fi
@@ -69,16 +77,6 @@ install_native_packages() {
   as_root apt-get update -qq || say "apt-get update reported an error; trying with the lists at hand"
   DEBIAN_FRONTEND=noninteractive as_root apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
     fail "apt-get could not install ${missing[*]}"
-}
-
-debian_mirror() {
-  # The mirror that this machine is set up with, whichever of apt's two file formats it is written in.
-  # A file that is not there is no error.
-  {
-    sed -n 's/^URIs: *//p' /etc/apt/sources.list.d/*.sources 2>/dev/null || true
-    sed -n 's/^deb \(\[[^]]*\] \)\{0,1\}\([^ ]*\) bookworm .*/\2/p' /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2>/dev/null
-    true
-  } | tr ' ' '\n' | grep -E '/debian/?$' | head -n 1
 }
 
 install_wine_packages() {
@@ -149,8 +147,17 @@ fetch_debian_source() {
   as_root rm -rf "$work"
 }
 
+case ${1:-all} in
+  demo) packages=("${demo_packages[@]}") ;;
+  test) packages=("${demo_packages[@]}" "${test_packages[@]}") ;;
+  all) packages=("${demo_packages[@]}" "${test_packages[@]}" "${all_packages[@]}") ;;
+  *)
+    say "error: there is no part \"$1\"; the parts are demo, test and all"
+    exit 2
+    ;;
+esac
 [ -f /etc/debian_version ] || fail "this script knows Debian 12 only; see its package lists for what to install elsewhere"
-install_native_packages
+install_packages "${packages[@]}"
 install_wine_packages
 fetch_sqlite
 fetch_debian_source xlsxwriter "$xlsxwriter_source" "$xlsxwriter_sha256" include src third_party License.txt
