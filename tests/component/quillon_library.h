@@ -37,12 +37,12 @@ class QuillonLibrary {
 
   // The classes of the type library in the DLL, with their identifiers by name.
   static std::map<std::wstring, CLSID> classes() {
-    ComPtr<ITypeLib> types;
+    automation::ComPtr<ITypeLib> types;
     if (FAILED(LoadTypeLibEx(path().c_str(), REGKIND_NONE, types.out())))
       throw std::runtime_error("Quillon.dll has no type library");
     std::map<std::wstring, CLSID> found;
     for (UINT i = 0; i < types->GetTypeInfoCount(); ++i) {
-      ComPtr<ITypeInfo> type;
+      automation::ComPtr<ITypeInfo> type;
       TYPEATTR* attributes = nullptr;
       BSTR name = nullptr;
       if (FAILED(types->GetTypeInfo(i, type.out())) || FAILED(type->GetTypeAttr(&attributes)) ||

@@ -26,7 +26,7 @@
 // take for its code page.
 extern "C" FILE* quillon_open_utf8(const char* name, const char* mode) {
   const std::string_view narrow = mode;
-  return _wfopen(quillon::workbench::pathFromUtf8(name).c_str(), std::wstring(narrow.begin(), narrow.end()).c_str());
+  return _wfopen(quillon::pathFromUtf8(name).c_str(), std::wstring(narrow.begin(), narrow.end()).c_str());
 }
 #endif
 
