@@ -263,6 +263,22 @@ TEST(Trace, RefusesADetailLedgersPlatformThatItCannotRead) {
             "the platform's description cannot be used: accountOptions must be an object");
 }
 
+TEST(Trace, OpensTheDocumentOfTheReportThatTheRowNames) {
+  const Json row = Json::parse(R"({"Action":"Vouch","row":{"cVouType":"32","cVouCode":"1","ID":"7"}})");
+  const Traced unnamed = traced(row, Json::object(), "execute");
+  EXPECT_THAT(unnamed.lines, testing::Not(testing::IsEmpty()));
+  for (const char* report : {"fx-detail", "fx-wt"}) {
+    Json named = row;
+    named["report"] = report;
+    EXPECT_EQ(traced(named, Json::object(), "execute").lines, unnamed.lines) << report;
+  }
+  for (const char* report : {"sfc-item", "no-report"}) {
+    Json named = row;
+    named["report"] = report;
+    EXPECT_THROW(traced(named, Json::object(), "execute"), UserError) << report;
+  }
+}
+
 TEST(Trace, RefusesARowThatItCannotRead) {
   try {
     traced(Json::parse(R"({"Action":"Vouch","row":{"ID":[1]}})"), Json::object(), "execute");
