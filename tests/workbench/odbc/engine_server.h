@@ -10,10 +10,10 @@ namespace quillon::odbc::test {
 
 class EngineServer final : public Server {
  public:
-  explicit EngineServer(std::filesystem::path account) : account_(std::move(account)) { quillonTestServer() = this; }
+  explicit EngineServer(std::filesystem::path account) : account_(std::move(account)) { *quillonTestServer() = this; }
   EngineServer(const EngineServer&) = delete;
   EngineServer& operator=(const EngineServer&) = delete;
-  ~EngineServer() override { quillonTestServer() = nullptr; }
+  ~EngineServer() override { *quillonTestServer() = nullptr; }
 
   // A connection string that reaches this server.
   static std::string connectionString();

@@ -21,10 +21,10 @@ inline std::u16string utf16(std::string_view text) {
 
 class ScriptedServer final : public Server {
  public:
-  ScriptedServer() { quillonTestServer() = this; }
+  ScriptedServer() { *quillonTestServer() = this; }
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
-  ~ScriptedServer() override { quillonTestServer() = nullptr; }
+  ~ScriptedServer() override { *quillonTestServer() = nullptr; }
 
   // A connection string that reaches this server.
   static std::string connectionString() {

@@ -189,7 +189,7 @@ SQLRETURN SQL_API SQLDriverConnectW(SQLHDBC handle, SQLHWND, SQLWCHAR* text, SQL
                                     SQLSMALLINT room, SQLSMALLINT* outLength, SQLUSMALLINT) {
   auto& connection = static_cast<Connection&>(objectOf(handle));
   std::vector<Record> refusal;
-  connection.session = quillonTestServer()->connect(wide(text, length), refusal);
+  connection.session = (*quillonTestServer())->connect(wide(text, length), refusal);
   if (!connection.session) return failWith(connection, refusal);
   for (const std::string& attribute : connection.attributes)
     connection.session->note(attribute);

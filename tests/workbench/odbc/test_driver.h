@@ -63,6 +63,6 @@ class Server {
 };
 
 // The server that the driver connects to; the test program sets it before it connects.
-extern "C" Server*& quillonTestServer();
+extern "C" Server** quillonTestServer();
 
 }  // namespace quillon::odbc::test
