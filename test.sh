@@ -47,7 +47,7 @@ fi
 step() { printf '\n=== %d:%02d  %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$*"; }
 
 printf 'test.sh: packages where they are missing, then build and tests: %s\n' "$plan"
-printf 'test.sh: takes %s\n' "$takes"
+printf 'test.sh: takes, as an estimate, %s\n' "$takes"
 
 step "setting up"
 if $everything; then tools/setup.sh all; else tools/setup.sh test; fi

@@ -1,5 +1,6 @@
 # What keeps builds short. It does not change what a program does: without precompiled headers everything compiles as
-# well, as clang-tidy does, which notices a source whose own includes do not suffice.
+# well. clang-tidy reads the project's own sources one by one and without them, and so notices a source whose own includes
+# do not suffice; tests it reads in batches.
 #
 #   -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON   without precompiled headers
 #   -DQUILLON_TEST_FLAGS=-O2                tests' own sources compiled otherwise
