@@ -91,14 +91,14 @@ class SummaryReportClass : public DualObject<Interface, Class> {
   Report report_{state_->module()};
 };
 
-class ReceiptIssueBalanceClass : public SummaryReportClass<_clsSFC_Item, clsSFC_Item, SfcItem> {
+class SfcItemClass : public SummaryReportClass<_clsSFC_Item, clsSFC_Item, SfcItem> {
  public:
-  ReceiptIssueBalanceClass() : SummaryReportClass("Quillon.clsSFC_Item") {}
+  SfcItemClass() : SummaryReportClass("Quillon.clsSFC_Item") {}
 };
 
-class OutboundSummaryClass : public SummaryReportClass<_clsOutsum_Item, clsOutsum_Item, OutsumItem> {
+class OutsumItemClass : public SummaryReportClass<_clsOutsum_Item, clsOutsum_Item, OutsumItem> {
  public:
-  OutboundSummaryClass() : SummaryReportClass("Quillon.clsOutsum_Item") {}
+  OutsumItemClass() : SummaryReportClass("Quillon.clsOutsum_Item") {}
 };
 
 class BusinessClass : public DualObject<_ClsBusiness, ClsBusiness> {
@@ -120,9 +120,9 @@ class BusinessClass : public DualObject<_ClsBusiness, ClsBusiness> {
   std::shared_ptr<ModuleState> state_ = threadState();
 };
 
-class DetailLedgerClass : public DualObject<_clsFXDetail, clsFXDetail> {
+class FxDetailClass : public DualObject<_clsFXDetail, clsFXDetail> {
  public:
-  DetailLedgerClass() : DualObject("Quillon.clsFXDetail") {}
+  FxDetailClass() : DualObject("Quillon.clsFXDetail") {}
 
   STDMETHODIMP GETSQL(IDispatch** e) override {
     return run([&] {
@@ -142,9 +142,9 @@ class DetailLedgerClass : public DualObject<_clsFXDetail, clsFXDetail> {
   FxDetail report_{state_->module()};
 };
 
-class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
+class FxWtClass : public DualObject<_clsFXWt, clsFXWt> {
  public:
-  VoucherReportClass() : DualObject("Quillon.clsFXWt") {}
+  FxWtClass() : DualObject("Quillon.clsFXWt") {}
 
   STDMETHODIMP get_msLanguage(BSTR* value) override {
     return run([&] { give(value, report_.language()); });
@@ -205,9 +205,9 @@ class VoucherReportClass : public DualObject<_clsFXWt, clsFXWt> {
 
 // What the filter dialogs' classes have in common; `Control` is the core's class behind one.
 template <class Interface, class Class, class Control>
-class FilterControlClass : public DualObject<Interface, Class> {
+class DialogClass : public DualObject<Interface, Class> {
  public:
-  explicit FilterControlClass(std::string_view progId) : DualObject<Interface, Class>(progId) {}
+  explicit DialogClass(std::string_view progId) : DualObject<Interface, Class>(progId) {}
 
   STDMETHODIMP CallBack_FilterInit(IDispatch** filter, VARIANT* result) override {
     return this->run([&] {
@@ -232,9 +232,9 @@ class FilterControlClass : public DualObject<Interface, Class> {
   Control control_{state_->module()};
 };
 
-class VoucherFilterClass : public FilterControlClass<_clsWtFilterControl, clsWtFilterControl, WtFilterControl> {
+class WtFilterControlClass : public DialogClass<_clsWtFilterControl, clsWtFilterControl, WtFilterControl> {
  public:
-  VoucherFilterClass() : FilterControlClass("Quillon.clsWtFilterControl") {}
+  WtFilterControlClass() : DialogClass("Quillon.clsWtFilterControl") {}
 
   STDMETHODIMP get_msLanguage(BSTR* value) override {
     return run([&] { give(value, control().language()); });
@@ -250,9 +250,9 @@ class VoucherFilterClass : public FilterControlClass<_clsWtFilterControl, clsWtF
   }
 };
 
-class SummaryFilterClass : public FilterControlClass<_clsSFCFilterControl, clsSFCFilterControl, SfcFilterControl> {
+class SfcFilterControlClass : public DialogClass<_clsSFCFilterControl, clsSFCFilterControl, SfcFilterControl> {
  public:
-  SummaryFilterClass() : FilterControlClass("Quillon.clsSFCFilterControl") {}
+  SfcFilterControlClass() : DialogClass("Quillon.clsSFCFilterControl") {}
 
   STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* result) override {
     return run([&] {
@@ -283,9 +283,9 @@ class SummaryFilterClass : public FilterControlClass<_clsSFCFilterControl, clsSF
   }
 };
 
-class LedgerFilterClass : public FilterControlClass<_clsFilterControl, clsFilterControl, FilterControl> {
+class FilterControlClass : public DialogClass<_clsFilterControl, clsFilterControl, FilterControl> {
  public:
-  LedgerFilterClass() : FilterControlClass("Quillon.clsFilterControl") {}
+  FilterControlClass() : DialogClass("Quillon.clsFilterControl") {}
 
   STDMETHODIMP CallBack_FilterClick(IDispatch** filter, VARIANT_BOOL* cancel, VARIANT* result) override {
     return run([&] {
@@ -324,20 +324,18 @@ ComPtr<IUnknown> makeInstance() {
 
 std::span<const ServerClass> serverClasses() {
   static const ServerClass classes[] = {
-      {__uuidof(clsSFC_Item), L"clsSFC_Item", L"Receipt/issue/balance by cost item",
-       &makeInstance<ReceiptIssueBalanceClass>},
+      {__uuidof(clsSFC_Item), L"clsSFC_Item", L"Receipt/issue/balance by cost item", &makeInstance<SfcItemClass>},
       {__uuidof(ClsBusiness), L"ClsBusiness", L"Holder of the platform's business object",
        &makeInstance<BusinessClass>},
-      {__uuidof(clsFXDetail), L"clsFXDetail", L"Cost-item detail ledger", &makeInstance<DetailLedgerClass>},
-      {__uuidof(clsOutsum_Item), L"clsOutsum_Item", L"Outbound summary by cost item",
-       &makeInstance<OutboundSummaryClass>},
-      {__uuidof(clsFXWt), L"clsFXWt", L"Cost-item voucher report", &makeInstance<VoucherReportClass>},
+      {__uuidof(clsFXDetail), L"clsFXDetail", L"Cost-item detail ledger", &makeInstance<FxDetailClass>},
+      {__uuidof(clsOutsum_Item), L"clsOutsum_Item", L"Outbound summary by cost item", &makeInstance<OutsumItemClass>},
+      {__uuidof(clsFXWt), L"clsFXWt", L"Cost-item voucher report", &makeInstance<FxWtClass>},
       {__uuidof(clsWtFilterControl), L"clsWtFilterControl", L"Filter dialog of the cost-item voucher report",
-       &makeInstance<VoucherFilterClass>},
+       &makeInstance<WtFilterControlClass>},
       {__uuidof(clsSFCFilterControl), L"clsSFCFilterControl", L"Filter dialog of the two summary reports",
-       &makeInstance<SummaryFilterClass>},
+       &makeInstance<SfcFilterControlClass>},
       {__uuidof(clsFilterControl), L"clsFilterControl", L"Filter dialog of the cost-item detail ledger",
-       &makeInstance<LedgerFilterClass>},
+       &makeInstance<FilterControlClass>},
   };
   return classes;
 }

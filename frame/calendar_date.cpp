@@ -11,10 +11,6 @@ namespace quillon {
 
 namespace {
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 // Takes up to `most` digits off the front; -1 when there are fewer than `least`.
 int takeNumber(std::string_view& text, std::size_t least, std::size_t most) {
   std::size_t length = 0;

@@ -14,7 +14,7 @@ struct SummaryConditions {
   // Conditions on the ledger rows (alias base, with inv and wh joined). Each begins with "And " and ends with a blank,
   // so that they can follow one another.
   std::string where = "Where 1 = 1 ";
-  std::string mode;   // cModal: "0" reports by cost-item class, "2" by expense type or item, any other by cost item
+  std::string mode;   // cModal: "0" reports by cost-item class, "2" by expense item, any other by cost item
   std::string year;   // iYear
   std::string grade;  // iGrade: the grade of the cost-item classes; "1" when the item is there and empty
 };

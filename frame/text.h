@@ -11,6 +11,10 @@
 
 namespace quillon {
 
+inline constexpr bool isDigit(char c) noexcept {
+  return c >= '0' && c <= '9';
+}
+
 inline constexpr char lowerAscii(char c) noexcept {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }

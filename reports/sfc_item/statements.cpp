@@ -420,7 +420,7 @@ std::string insertReportRows(const Build& build, const WorkTable* groupIndex) {
       inventoryFields,
       documentFields,
       "cDepCode, cDepName, cFXCode, cFXName,cState, iState, cFxCName, cAmoCode, cAmoName ",
-      // By expense type the having text tests each output row; in the other modes the group index has applied it.
+      // By expense item the having text tests each output row; in the other modes the group index has applied it.
       build.mode == ReportMode::expenseType ? conditions.having : "",
   });
 }

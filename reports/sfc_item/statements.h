@@ -34,7 +34,7 @@ struct StateTexts {
 std::string createResultTable(const Build& build);
 std::string createDetailTable(const Build& build);
 
-// Cost-item filler, for every mode but that by expense type; in this order.
+// Cost-item filler, for every mode but that by expense item; in this order.
 std::string insertCostItemOpenings(const Build& build, const StateTexts& states);
 std::string insertCostItemMovements(const Build& build, const StateTexts& states);
 std::string insertLineOpenings(const Build& build, const StateTexts& states);

@@ -219,7 +219,7 @@ TEST(Allocations, SfcItem) {
   balances.push_back({.name = "cFSType", .value = "1"});
   surviveReport<SfcItem>("sfc-item by cost items with balance conditions", summaryAnswers(), balances,
                          Answer::absorbsBuild);
-  surviveReport<SfcItem>("sfc-item by expense types", summaryAnswers(), summaryItems("2"), Answer::absorbsBuild);
+  surviveReport<SfcItem>("sfc-item by expense items", summaryAnswers(), summaryItems("2"), Answer::absorbsBuild);
 }
 
 TEST(Allocations, OutsumItem) {

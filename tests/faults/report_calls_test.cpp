@@ -280,7 +280,7 @@ TEST_F(ReportCalls, MoveDataDetailOfSfcItem) {
 }
 
 TEST_F(ReportCalls, SfcItemByExpenseTypes) {
-  surviveCallFailures<SfcItem>("sfc-item by expense types", byWarehouse(), summaryItems("2"));
+  surviveCallFailures<SfcItem>("sfc-item by expense items", byWarehouse(), summaryItems("2"));
 }
 
 // The group index is dropped by its bare name, which an account takes when it begins with a letter.

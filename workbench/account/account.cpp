@@ -4,6 +4,7 @@
 #include <array>
 #include <memory>
 
+#include "frame/text.h"
 #include "workbench/account/partial_file.h"
 #include "workbench/account/schema.h"
 #include "workbench/tsql/values/text.h"
@@ -40,10 +41,6 @@ int costItemStartMonth(const std::string& startPeriod, int year) {
 
 constexpr std::array<std::string_view, 4> workTableSuffixes = {"IA_SFC_Item_DetailTmp", "IA_SFC_IX_GroupIndex",
                                                                "IA_OutSum_Item_DetailTmp", "FXWtTmp"};
-
-bool isDigit(char character) {
-  return character >= '0' && character <= '9';
-}
 
 bool isUniquePartCharacter(char character) {
   return isDigit(character) || (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||

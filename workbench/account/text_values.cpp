@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "frame/text.h"
 #include "workbench/tsql/values/datetime.h"
 #include "workbench/tsql/values/exact.h"
 #include "workbench/tsql/values/text.h"
@@ -14,10 +15,6 @@ namespace quillon::account {
 namespace {
 
 using tsql::Kind;
-
-bool isDigit(char character) {
-  return character >= '0' && character <= '9';
-}
 
 [[noreturn]] void refuse(std::string_view text, const tsql::TableColumn& column, const std::string& form) {
   throw ValueError(quotedForMessage(text) + " is no " + tsql::declaration(column.type) + "; " +
@@ -101,9 +98,8 @@ std::string quotedForMessage(std::string_view text) {
 }
 
 void requireUtf8(std::string_view text) {
-  constexpr char32_t lastCharacter = 0x10ffff;
   for (std::size_t position = 0; position < text.size();) {
-    if (tsql::text::next(text, position) > lastCharacter)
+    if (tsql::text::next(text, position) > tsql::text::lastCharacter)
       throw ValueError("the text is not UTF-8; save the file in that encoding");
   }
 }

@@ -36,7 +36,7 @@ bool flag(const Json& item, std::size_t position, const char* member) {
 
 bool isIdentifier(std::string_view name) {
   const auto fits = [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; };
-  return !name.empty() && std::isdigit(static_cast<unsigned char>(name.front())) == 0 &&
+  return !name.empty() && !isDigit(name.front()) &&
          std::ranges::all_of(name, fits);
 }
 

@@ -9,7 +9,6 @@ namespace {
 static_assert(sizeof(SQLWCHAR) == 2, "ODBC's wide text is UTF-16");
 
 constexpr char32_t firstBeyondBmp = 0x10000;
-constexpr char32_t lastCharacter = 0x10ffff;
 constexpr char32_t replacement = 0xfffd;
 constexpr char32_t firstHigh = 0xd800;
 constexpr char32_t firstLow = 0xdc00;
@@ -30,7 +29,7 @@ WideText toWide(std::string_view text) {
   wide.reserve(text.size());
   for (std::size_t position = 0; position < text.size();) {
     char32_t character = tsql::text::next(text, position);
-    if (character > lastCharacter) character = replacement;
+    if (character > tsql::text::lastCharacter) character = replacement;
     if (character >= firstBeyondBmp) {
       character -= firstBeyondBmp;
       wide.push_back(static_cast<SQLWCHAR>(firstHigh + (character >> halfBits)));

@@ -1,7 +1,7 @@
 #include "workbench/platform/filter_input.h"
 
 #include <algorithm>
-#include <cctype>
+#include <chrono>
 #include <set>
 #include <stdexcept>
 
@@ -42,24 +42,23 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
 bool isDate(std::string_view text) {
   const std::vector<std::string> parts = split(text, '-');
   const auto digits = [](const std::string& part) {
-    return !part.empty() && std::ranges::all_of(part, [](unsigned char c) { return std::isdigit(c) != 0; });
+    return !part.empty() && std::ranges::all_of(part, isDigit);
   };
   if (parts.size() != 3 || !std::ranges::all_of(parts, digits)) return false;
   if (parts[0].size() != 4 || parts[1].size() > 2 || parts[2].size() > 2) return false;
-  constexpr int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const int year = tsql::text::wholeNumber(parts[0]).value_or(0);
-  const int month = tsql::text::wholeNumber(parts[1]).value_or(0);
-  const int day = tsql::text::wholeNumber(parts[2]).value_or(0);
-  if (year < 1753 || month < 1 || month > 12) return false;  // the first year of a datetime
-  const bool leapDay = month == 2 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-  return day >= 1 && day <= days[month - 1] + (leapDay ? 1 : 0);
+  const auto number = [](const std::string& part) { return tsql::text::wholeNumber(part).value_or(0); };
+  const std::chrono::year_month_day date{std::chrono::year(number(parts[0])),
+                                         std::chrono::month(static_cast<unsigned>(number(parts[1]))),
+                                         std::chrono::day(static_cast<unsigned>(number(parts[2])))};
+  constexpr std::chrono::year firstOfDatetime{1753};
+  return date.ok() && date.year() >= firstOfDatetime;
 }
 
 bool isNumber(std::string_view text) {
   if (text.starts_with('-')) text.remove_prefix(1);
   const auto point = text.find('.');
   const auto digits = [](std::string_view part) {
-    return !part.empty() && std::ranges::all_of(part, [](unsigned char c) { return std::isdigit(c) != 0; });
+    return !part.empty() && std::ranges::all_of(part, isDigit);
   };
   return digits(text.substr(0, point)) && (point == std::string_view::npos || digits(text.substr(point + 1)));
 }

@@ -1,7 +1,6 @@
 #include "workbench/platform/filter_object.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "frame/text.h"
 
@@ -17,12 +16,11 @@ AutomationError noSuchItem(const std::string& which) {
 
 bool isNumber(std::string_view text) {
   if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
-  const auto digit = [](unsigned char c) { return std::isdigit(c) != 0; };
   const auto point = text.find('.');
   const std::string_view whole = text.substr(0, point);
   const std::string_view decimals = point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
-  return !(whole.empty() && decimals.empty()) && std::ranges::all_of(whole, digit) &&
-         std::ranges::all_of(decimals, digit);
+  return !(whole.empty() && decimals.empty()) && std::ranges::all_of(whole, isDigit) &&
+         std::ranges::all_of(decimals, isDigit);
 }
 
 std::string quoted(std::string_view prefix, std::string_view value) {

@@ -1,7 +1,6 @@
 #include "workbench/platform/voucher_components.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "frame/automation_error.h"
 #include "workbench/platform/account_session.h"
@@ -113,7 +112,7 @@ std::vector<std::pair<VoucherField, std::string>> headingOf(const std::vector<Vo
 }
 
 bool isNumber(std::string_view text) {
-  return !text.empty() && std::ranges::all_of(text, [](unsigned char c) { return std::isdigit(c) != 0; });
+  return !text.empty() && std::ranges::all_of(text, isDigit);
 }
 
 }  // namespace

@@ -31,11 +31,10 @@ std::size_t cells(char32_t character) {
 
 char32_t takeCharacter(std::string_view& text) {
   constexpr char32_t replacement = 0xFFFD;
-  constexpr char32_t lastCharacter = 0x10FFFF;
   std::size_t length = 0;
   const char32_t character = tsql::text::next(text, length);
   text.remove_prefix(length);
-  return character <= lastCharacter ? character : replacement;
+  return character <= tsql::text::lastCharacter ? character : replacement;
 }
 
 std::size_t cellWidth(std::string_view text) {

@@ -8,6 +8,7 @@
 #include "frame/automation_error.h"
 #include "frame/text.h"
 #include "workbench/odbc/connection_string.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/text.h"
 
 namespace quillon::workbench {
@@ -415,9 +416,8 @@ class TracePublicComponent final : public PublicComponent {
     return found(description_.periodDates, keyOf(period), calendarMonth(period));
   }
   AccountingPeriod periodOfDate(std::string_view date, Session&) override {
-    return found(description_.datePeriods, date,
-                 AccountingPeriod{.year = tsql::text::leadingNumber(date.substr(0, yearDigits)).value(),
-                                  .month = tsql::text::leadingNumber(date.substr(yearDigits + 1, 2)).value()});
+    const auto described = description_.datePeriods.find(date);
+    return described == description_.datePeriods.end() ? calendarPeriod(date) : described->second;
   }
   bool periodSettled(AccountingPeriod period, Session&) override {
     return found(description_.settledPeriods, keyOf(period), false);
@@ -425,10 +425,21 @@ class TracePublicComponent final : public PublicComponent {
   std::string workstationName() override { return description_.workstationName; }
 
  private:
-  static constexpr std::size_t yearDigits = 4;  // of a date "yyyy-mm-dd"
-
   static std::string keyOf(AccountingPeriod period) {
     return std::to_string(period.year) + "." + std::to_string(period.month);
+  }
+  // The period of a date "yyyy-mm-dd" where periods are the months of the calendar.
+  static AccountingPeriod calendarPeriod(std::string_view date) {
+    constexpr std::size_t yearDigits = 4;
+    const auto number = [&](std::size_t at, std::size_t length) {
+      return tsql::text::wholeNumber(date.substr(std::min(at, date.size()), length)).value_or(0);
+    };
+    const AccountingPeriod period{.year = number(0, yearDigits), .month = number(yearDigits + 1, 2)};
+    if (period.year < 1 || period.month < 1 || period.month > 12) {
+      throw UserError("\"" + std::string(date) + "\" is in no month of the calendar; write a date as yyyy-mm-dd, or give its " +
+                      "period in \"GetPeriodFromDate\" of the platform description");
+    }
+    return period;
   }
   static PeriodDates calendarMonth(AccountingPeriod period) {
     const std::chrono::year_month_day_last last(

@@ -201,7 +201,7 @@ TEST(ComCalls, SfcItem) {
   using FaultRuns = ReportFaultRuns<_clsSFC_Item, clsSFC_Item>;
   FaultRuns("sfc-item by cost-item classes", byWarehouse(), summaryItems("0"), absorbing).survive();
   FaultRuns("sfc-item by cost items", byWarehouse(), summaryItems("1"), absorbing).survive();
-  FaultRuns("sfc-item by expense types", byWarehouse(), summaryItems("2"), absorbing).survive();
+  FaultRuns("sfc-item by expense items", byWarehouse(), summaryItems("2"), absorbing).survive();
 }
 
 TEST(ComCalls, OutsumItem) {

@@ -11,6 +11,7 @@
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/syntax/parser.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::tsql {
 namespace {
@@ -61,11 +62,6 @@ void requireAccount(sqlite3* database, const std::string& name) {
   if (!id.step() || id.integer(0) != applicationId) {
     throw SqlError(5172, "The file '" + name + "' is no account file. Make one with `quillon account new`.");
   }
-}
-
-std::string utf8(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
 }
 
 class NoResults : public ResultSink {
@@ -134,7 +130,7 @@ void layOut(sqlite3* database) {
 }  // namespace
 
 std::unique_ptr<Connection> Connection::open(const std::filesystem::path& file, OpenMode mode) {
-  const std::string name = utf8(file);
+  const std::string name = utf8FromPath(file);
   std::error_code ignored;
   const bool exists = std::filesystem::exists(file, ignored);
   if (mode == OpenMode::createNew && exists) {

@@ -199,9 +199,6 @@ static_assert(std::is_sorted(reservedWords.begin(), reservedWords.end()));
 
 constexpr std::size_t longestReserved = 20;
 
-bool isDigit(char c) noexcept {
-  return c >= '0' && c <= '9';
-}
 bool isBlank(char c) noexcept {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
 }

@@ -15,8 +15,10 @@
 
 namespace quillon::tsql::text {
 
+inline constexpr char32_t lastCharacter = 0x10ffff;
+
 // Decodes the character at `position` and moves past it. A byte that begins no character is read alone, as a value above
-// 0x10ffff; append() writes that byte back.
+// lastCharacter; append() writes that byte back.
 char32_t next(std::string_view text, std::size_t& position);
 void append(std::string& text, char32_t character);
 
