@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "workbench/account/account_error.h"
-#include "workbench/account/company.h"
 #include "workbench/account/enumerations.h"
-#include "workbench/account/ledger.h"
-#include "workbench/account/random.h"
-#include "workbench/account/stock.h"
+#include "workbench/account/sample_company.h"
+#include "workbench/account/sample_ledger.h"
+#include "workbench/account/sample_random.h"
+#include "workbench/account/sample_stock.h"
 #include "workbench/account/table_writer.h"
 
 namespace quillon::account {

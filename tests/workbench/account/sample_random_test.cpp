@@ -1,4 +1,4 @@
-#include "workbench/account/random.h"
+#include "workbench/account/sample_random.h"
 
 #include <gtest/gtest.h>
 

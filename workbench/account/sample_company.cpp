@@ -1,4 +1,4 @@
-#include "workbench/account/company.h"
+#include "workbench/account/sample_company.h"
 
 #include <algorithm>
 #include <optional>

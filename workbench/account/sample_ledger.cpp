@@ -1,4 +1,4 @@
-#include "workbench/account/ledger.h"
+#include "workbench/account/sample_ledger.h"
 
 #include <algorithm>
 

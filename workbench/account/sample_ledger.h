@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/account/company.h"
-#include "workbench/account/stock.h"
+#include "workbench/account/sample_company.h"
+#include "workbench/account/sample_stock.h"
 #include "workbench/account/table_writer.h"
 
 namespace quillon::account {

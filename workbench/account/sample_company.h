@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/account/random.h"
 #include "workbench/account/sample.h"
+#include "workbench/account/sample_random.h"
 #include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {

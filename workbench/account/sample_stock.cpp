@@ -1,4 +1,4 @@
-#include "workbench/account/stock.h"
+#include "workbench/account/sample_stock.h"
 
 #include <stdexcept>
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "workbench/account/company.h"
-#include "workbench/account/random.h"
+#include "workbench/account/sample_company.h"
+#include "workbench/account/sample_random.h"
 
 namespace quillon::account {
 
