@@ -41,7 +41,7 @@ demo_packages=(
 test_packages=(
   g++ zlib1g-dev unixodbc-dev tdsodbc
   python3 mono-mcs libmono-microsoft-csharp4.0-cil
-  nsis dpkg-dev zip unzip
+  nsis dpkg-dev file zip unzip # file: cpack reads with it what a Debian package depends on
 )
 all_packages=(
   clang clang-format clang-tidy libclang-rt-14-dev

@@ -179,7 +179,7 @@ void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& 
               {"row", std::move(columns)},
               {"messages", outcome.messages},
               {"opened", std::move(opened)}}
-             .dump()
+             .dump(-1, ' ', false, Json::error_handler_t::replace)  // a text may hold half a surrogate pair
       << '\n';
 }
 

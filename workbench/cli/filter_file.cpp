@@ -5,6 +5,7 @@
 #include <cctype>
 #include <string>
 
+#include "frame/text.h"
 #include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/automation_error.h"
+#include "frame/text.h"
 #include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {
