@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# quillon.exe is killed after growing delays while it writes an account, and while a report takes the place of an older
+# quillon.exe is killed at nine moments of its run while it writes an account, and while a report takes the place of an older
 # file: the name is then free, or has all of the file, old or new; and what was left does not harm the next run.
 # Usage: killed_program.sh QUILLON_EXE
 set -euo pipefail
@@ -25,10 +25,21 @@ killed_after() {
 account="Z:$work/killed.account"
 new_account=(account new "$account" --rows 3000 --seed 2)
 report=(report sfc-item --account "$account" --set cModal=1 --format csv -o "Z:$work/report.csv")
-delays=(0.1 0.2 0.3 0.5 0.7 0.9 1.2 1.6)
+# The moments of a command: tenths of the time that it takes undisturbed, however fast the machine is.
+moments_of() {
+  local begin=$EPOCHREALTIME
+  run "$@" || {
+    cat "$work/output"
+    return 1
+  }
+  awk -v begin="$begin" -v end="$EPOCHREALTIME" 'BEGIN { for (i = 1; i < 10; ++i) printf "%.3f\n", (end - begin) * i / 10 }'
+}
 
+run --version || fail "$(cat "$work/output")" # brings Wine up, which must not count
 killed=0
-for delay in "${delays[@]}"; do
+moments=$(moments_of "${new_account[@]}") || fail "$moments"
+rm "$work/killed.account"
+for delay in $moments; do
   ! killed_after "$delay" "${new_account[@]}" || killed=$((killed + 1))
   if [ -e "$work/killed.account" ]; then
     run account check "$account" || fail "a new account was left broken after $delay s: $(cat "$work/output")"
@@ -38,9 +49,9 @@ done
 [ "$killed" -gt 0 ] || fail "no run was killed: nothing was tried"
 run "${new_account[@]}" || fail "an account cannot be made after kills: $(cat "$work/output")"
 
-run "${report[@]}" || fail "$(cat "$work/output")"
+moments=$(moments_of "${report[@]}") || fail "$moments"
 cp "$work/report.csv" "$work/whole.csv"
-for delay in "${delays[@]}"; do
+for delay in $moments; do
   echo old >"$work/report.csv"
   ! killed_after "$delay" "${report[@]}" || killed=$((killed + 1))
   [ "$(cat "$work/report.csv")" = old ] || cmp "$work/report.csv" "$work/whole.csv" ||
