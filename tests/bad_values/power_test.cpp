@@ -1,9 +1,14 @@
-// How far a value gets that ends its text and goes on as a statement of its own: it can do what the account's connection
-// can do with the account, and nothing beyond the account's file.
+// How far a value gets that ends its text and goes on as a statement of its own: it can read what the account's connection
+// can read, and changes nothing, neither in the account nor beyond its file.
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -72,7 +77,8 @@ TEST(PowerOfAValue, NoStatementLeavesTheAccountFile) {
 
 // Nor for a statement that gets past the T-SQL front end: the connection opens no other file.
 TEST(PowerOfAValue, TheConnectionTakesNoOtherFile) {
-  const auto account = tester().open();
+  const workbench::AccountSource& source = tester().account().source();
+  const auto account = tsql::Connection::openWithScratch(source.file(), source.scratch());
   const std::string attach = "ATTACH DATABASE ':memory:' AS other";
   EXPECT_NE(sqlite3_exec(account->handle(), attach.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
   const std::string into = "VACUUM INTO '" + utf8FromPath(outsideFile()) + "'";
@@ -96,22 +102,100 @@ TEST(PowerOfAValue, PastedStatementsLeaveTheAccountFileNeither) {
   }
 }
 
-// What SECURITY.md says openly: a value that ends its text runs what follows, with the rights of the connection.
-TEST(PowerOfAValue, WithinTheAccountIsThatOfTheConnection) {
-  ReportTester own;
-  own.open()->execute("Create Table Precious(a int) Insert Into Precious Values(1)");
-  own.run(workbench::reportNamed("fx-wt"), {{"cVouCode", "x' Drop Table Precious --"}});
-  EXPECT_TRUE(own.open()->describe("Precious").empty());
+constexpr int databaseIsReadOnly = 3906;
+
+std::string contentOf(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// What a value looks like that ends the text it is pasted into, alone and inside of one or two brackets.
+constexpr std::array pastedDeletions = {"x' Delete From Warehouse --", "x') Delete From Warehouse --",
+                                        "x')) Delete From Warehouse --"};
+
+class EveryItem : public testing::TestWithParam<std::string> {};
+
+// In every item of the report. What comes of it is an error, or a condition that no row meets.
+TEST_P(EveryItem, ChangesNothingInTheAccount) {
+  const workbench::Report& report = workbench::reportNamed(GetParam());
+  const std::filesystem::path file = tester().account().source().file();
+  const std::string before = contentOf(file);
+  int refused = 0, tried = 0;
+  const auto items = ReportTester::filterOf(report, {});
+  for (const auto& entry : items->entries()) {
+    for (const char* const value : pastedDeletions) {
+      SCOPED_TRACE(entry->item.key + " " + value);
+      const ReportRun run = tester().run(report, {{entry->item.key, value}});
+      ++tried;
+      for (const workbench::StatementFailure& failure : run.failures) {
+        if (failure.number != databaseIsReadOnly) continue;
+        ++refused;
+        EXPECT_THAT(failure.message,
+                    testing::HasSubstr("A quote (') in a filter value ends the text that the value is pasted into"));
+      }
+    }
+  }
+  EXPECT_TRUE(contentOf(file) == before);
+  // In the summaries more conditions stand on the lines behind: the whole batch is no statement then.
+  const bool isSummary = report.dialog->name == "clsSFCFilterControl";
+  EXPECT_EQ(refused > 0, !isSummary) << refused << " values came as far as the statement that they want to run";
+  RecordProperty("tried", tried);
+  RecordProperty("refused", refused);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfReport, EveryItem, testing::Values("sfc-item", "outsum-item", "fx-detail", "fx-wt"),
+                         [](const auto& report) {
+                           std::string name = report.param;
+                           std::ranges::replace(name, '-', '_');
+                           return name;
+                         });
+
+// Likewise of each dialog.
+TEST(PowerOfAValue, NoDialogChangesTheAccount) {
+  const faults::TinyAccount& account = tester().account();
+  const std::string before = contentOf(account.source().file());
+  for (const workbench::Report& report : workbench::reports()) {
+    SCOPED_TRACE(report.registration.name);
+    workbench::EmbeddedPlatform platform({.account = account.source()});
+    const auto filter = std::make_shared<workbench::FilterObject>(report.registration, workbench::InitialValues::none);
+    const auto runner = workbench::makeDialogRunner(
+        platform, report,
+        std::make_shared<workbench::FilterDialogObject>(filter, account.login(), account.openSession()));
+    runner->init();
+    for (const auto& entry : filter->entries()) {
+      for (const char* const value : pastedDeletions) {
+        SCOPED_TRACE(entry->item.key + " " + value);
+        entry->value = value;
+        for (const auto& step : std::initializer_list<std::function<void()>>{
+                 [&] { runner->changed(entry->item.key); }, [&] { runner->viewAfterChange(entry->item.key); },
+                 [&] { runner->click(); }}) {
+          try {
+            step();
+          } catch (const AutomationError& error) {
+            EXPECT_FALSE(error.description().empty());
+          }
+        }
+      }
+      entry->value.clear();
+    }
+  }
+  EXPECT_TRUE(contentOf(account.source().file()) == before);
+}
+
+TEST(PowerOfAValue, ATableOfTheAccountCannotBeDropped) {
+  const ReportRun run = tester().run(workbench::reportNamed("fx-wt"), {{"cVouCode", "x' Drop Table Warehouse --"}});
+  ASSERT_EQ(run.failures.size(), 1U);
+  EXPECT_EQ(run.failures.front().number, databaseIsReadOnly);
+  EXPECT_FALSE(tester().open()->describe("Warehouse").empty());
 }
 
 TEST(PowerOfAValue, AConnectionForReadingRefusesToWrite) {
   const auto account = tsql::Connection::open(tester().account().source().file(), tsql::OpenMode::readOnly);
-  constexpr int readOnly = 3906;
   try {
     account->execute("Drop Table Inventory");
     ADD_FAILURE() << "it ran";
   } catch (const tsql::SqlError& error) {
-    EXPECT_EQ(error.number(), readOnly) << error.message();
+    EXPECT_EQ(error.number(), databaseIsReadOnly) << error.message();
   }
 }
 

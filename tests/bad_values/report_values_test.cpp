@@ -162,7 +162,7 @@ INSTANTIATE_TEST_SUITE_P(All, ReportItems, testing::ValuesIn(everyReport()), [](
 
 // Writes `text` into the columns that the tests filter by, on every line of the ledger.
 void writeEverywhere(const std::string& text) {
-  const auto account = tester().open();
+  const auto account = tester().account().open();
   const std::string sql = constant(text);
   account->execute("Update ia_subsidiary Set cFree2 = " + sql + ", cBatchIA = " + sql + ", cDefine1 = " + sql);
 }
@@ -218,7 +218,7 @@ TEST(ReportPatterns, KeepTheirWildcards) {
     bool found;
   };
   const Report& report = workbench::reportNamed("fx-wt");
-  const auto account = tester().open();
+  const auto account = tester().account().open();
   account->execute("Select cInvCode, cInvCCode Into ClassesBefore From Inventory");
   for (const auto& [value, code, found] :
        {Pattern{"5%0", "5xx01", true}, Pattern{"5%0", "6xx01", false}, Pattern{"a_b", "axbc", true},

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/faults/tiny_account.h"
+#include "tests/workbench/account/leftovers.h"
 #include "workbench/account/account.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
@@ -48,14 +49,12 @@ class ReportTester {
     std::string checks = "Update Inventory Set bCheckBatch = 1, bCheckFree1 = 1, bCheckFree2 = 1";
     for (int item = 3; item <= 10; ++item)
       checks += ", bCheckFree" + std::to_string(item) + " = 0";
-    open()->execute(checks);
+    account_.open()->execute(checks);
   }
 
   const faults::TinyAccount& account() const { return account_; }
-
-  std::unique_ptr<tsql::Connection> open() const {
-    return tsql::Connection::open(account_.source().file(), tsql::OpenMode::existing);
-  }
+  // As reports have it.
+  std::unique_ptr<tsql::Database> open() const { return account_.source().open(tsql::OpenMode::existing); }
 
   // The report's filter with its initial values, the values that the report needs, and `settings`, unchecked: the host
   // platform's dialog checks nothing either.
@@ -72,7 +71,7 @@ class ReportTester {
     return filter;
   }
 
-  // One run. Removes the result table and the library's work tables from the account afterwards, and no others.
+  // One run. Removes the result table and the library's work tables afterwards, and no others.
   ReportRun run(const workbench::Report& report, const std::vector<Setting>& settings) {
     ReportRun result;
     Statements statements;
@@ -90,7 +89,7 @@ class ReportTester {
       if (statements.failures.empty() && !result.error) result.rows = account_.rows("Select * From " + table);
       account->execute("Drop Table " + table);
     }
-    account::dropLeftoverWorkTables(*account);
+    account::testing::dropLeftovers(*account);
     result.sent = std::move(statements.sent);
     result.failures = std::move(statements.failures);
     return result;

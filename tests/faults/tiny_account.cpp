@@ -32,18 +32,22 @@ constexpr std::array thinOut = {
 }  // namespace
 
 TinyAccount::TinyAccount(account::Valuation valuation, int costItemStartMonth)
-    : source_(workbench::AccountSource::inFile(file_.path())) {
+    : source_(workbench::AccountSource::inFile(file_.path()).withScratch(scratch_.file())) {
   account::SampleOptions options;
   options.rows = account::minimumSampleRowsAYear;
   options.years = 1;
   options.valuation = valuation;
   options.costItemStartMonth = costItemStartMonth;
   account::createSample(file_.path(), options);
-  account_ = tsql::Connection::open(file_.path(), tsql::OpenMode::existing);
   for (const char* statement : thinOut)
-    account_->execute(statement);
+    open()->execute(statement);
+  account_ = source_.open(tsql::OpenMode::existing);
   tables_ = account_->tables("");
   std::ranges::sort(tables_);
+}
+
+std::unique_ptr<tsql::Connection> TinyAccount::open() const {
+  return tsql::Connection::open(file_.path(), tsql::OpenMode::existing);
 }
 
 std::shared_ptr<workbench::AccountSession> TinyAccount::openSession() const {

@@ -9,6 +9,7 @@
 
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/sample.h"
+#include "workbench/account/scratch.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/argument.h"
 #include "workbench/platform/embedded_platform.h"
@@ -24,7 +25,10 @@ class TinyAccount {
 
   TinyAccount(account::Valuation valuation, int costItemStartMonth);
 
+  // The account as reports have it: its file is only read, and a scratch file has what they create.
   const workbench::AccountSource& source() const { return source_; }
+  // The file itself, to be changed.
+  std::unique_ptr<tsql::Connection> open() const;
   // Of 2024, in Chinese.
   std::shared_ptr<workbench::WorkbenchLogin> login() const;
   // A session of the tests' own, open.
@@ -41,8 +45,9 @@ class TinyAccount {
 
  private:
   workbench::test::TemporaryFile file_{".account"};
+  account::Scratch scratch_;
   workbench::AccountSource source_;
-  std::unique_ptr<tsql::Connection> account_;
+  std::unique_ptr<tsql::Database> account_;  // by source_
   std::vector<std::string> tables_;
 };
 

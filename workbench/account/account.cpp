@@ -1,10 +1,8 @@
 #include "workbench/account/account.h"
 
 #include <algorithm>
-#include <array>
 #include <memory>
 
-#include "frame/text.h"
 #include "workbench/account/partial_file.h"
 #include "workbench/account/schema.h"
 #include "workbench/tsql/values/text.h"
@@ -37,14 +35,6 @@ int costItemStartMonth(const std::string& startPeriod, int year) {
   const int startYear = tsql::text::leadingNumber(text.substr(0, yearDigits)).value();
   if (year < startYear) return 0;
   return year > startYear ? 1 : tsql::text::leadingNumber(text.substr(yearDigits)).value();
-}
-
-constexpr std::array<std::string_view, 4> workTableSuffixes = {"IA_SFC_Item_DetailTmp", "IA_SFC_IX_GroupIndex",
-                                                               "IA_OutSum_Item_DetailTmp", "FXWtTmp"};
-
-bool isUniquePartCharacter(char character) {
-  return isDigit(character) || (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-         character == '_';
 }
 
 }  // namespace
@@ -115,30 +105,6 @@ AccountInfo info(tsql::Database& connection) {
     result.tables.push_back({std::string(table.name), integerOf(rows->value(0))});
   }
   return result;
-}
-
-bool isWorkTableName(std::string_view name) {
-  const auto* suffix =
-      std::ranges::find_if(workTableSuffixes, [&](std::string_view end) { return name.ends_with(end); });
-  if (suffix == workTableSuffixes.end()) return false;
-  name.remove_suffix(suffix->size());
-  if (name.starts_with('-')) name.remove_prefix(1);  // the naming number may be negative
-  constexpr std::size_t shortest = 2;                // one digit of the number, one character of the unique part
-  return name.size() >= shortest && isDigit(name.front()) && std::ranges::all_of(name, isUniquePartCharacter);
-}
-
-std::vector<std::string> leftoverWorkTables(tsql::Database& connection) {
-  std::vector<std::string> names = connection.tables("");
-  std::erase_if(names, [](const std::string& name) { return !isWorkTableName(name); });
-  std::ranges::sort(names);
-  return names;
-}
-
-std::vector<std::string> dropLeftoverWorkTables(tsql::Database& connection) {
-  std::vector<std::string> names = leftoverWorkTables(connection);
-  for (const std::string& name : names)
-    connection.execute("Drop Table [" + name + "]");
-  return names;
 }
 
 }  // namespace quillon::account

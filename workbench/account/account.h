@@ -1,10 +1,9 @@
-// Account files: making a sample, telling what is in one, clearing away what an interrupted report left.
+// Account files: making a sample, telling what is in one.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "workbench/account/account_error.h"
@@ -44,13 +43,5 @@ void requireAccount(tsql::Database& connection);
 
 // Reads the account. Throws AccountError when the database lacks the tables of an account.
 AccountInfo info(tsql::Database& connection);
-
-// True for a name that this library gives its work tables: a number, a unique part of letters, digits and underscores,
-// and one of the reports' suffixes.
-bool isWorkTableName(std::string_view name);
-// The work tables that interrupted reports left in the account, by name.
-std::vector<std::string> leftoverWorkTables(tsql::Database& connection);
-// Drops them and nothing else; gives the names. No report may be running on the account meanwhile.
-std::vector<std::string> dropLeftoverWorkTables(tsql::Database& connection);
 
 }  // namespace quillon::account

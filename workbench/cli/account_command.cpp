@@ -9,6 +9,7 @@
 
 #include "workbench/account/account.h"
 #include "workbench/account/key_check.h"
+#include "workbench/account/leftover_tables.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_diff_command.h"
 #include "workbench/cli/account_option.h"
@@ -16,6 +17,7 @@
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/standard_streams.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
 #include "workbench/tsql/values/utf8_path.h"
@@ -38,6 +40,18 @@ void makeSample(const std::string& file, const account::SampleOptions& options) 
   std::cout << "made " << file << " with " << groupedCount(options.rows) << " ledger lines\n";
 }
 
+// ", made 3 hours ago"; empty when nobody knows.
+std::string ageText(const account::LeftoverTable& table) {
+  if (!table.minutes) return {};
+  constexpr std::int64_t hour = 60, day = 24 * hour;
+  const auto counted = [](std::int64_t count, const char* unit) {
+    return ", made " + std::to_string(count) + ' ' + unit + (count == 1 ? "" : "s") + " ago";
+  };
+  if (*table.minutes >= day) return counted(*table.minutes / day, "day");
+  if (*table.minutes >= hour) return counted(*table.minutes / hour, "hour");
+  return counted(*table.minutes, "minute");
+}
+
 void showInfo(const AccountSource& source) {
   const auto connection = source.open(tsql::OpenMode::readOnly);
   const account::AccountInfo info = account::info(*connection);
@@ -57,22 +71,30 @@ void showInfo(const AccountSource& source) {
   for (const auto& table : info.tables)
     tables.row({table.name, groupedCount(table.rows)});
   tables.finish();
-  const auto left = account::leftoverWorkTables(*connection);
+  const auto left = account::leftoverTables(*connection);
   if (left.empty()) return;
-  std::cout << "\nwork tables that interrupted reports left (quillon account clean drops them):\n";
-  for (const std::string& name : left)
-    std::cout << name << '\n';
-}
-
-void clean(const AccountSource& source) {
-  const auto connection = source.open(tsql::OpenMode::existing);
-  const auto dropped = account::dropLeftoverWorkTables(*connection);
-  for (const std::string& name : dropped)
-    std::cout << "dropped " << name << '\n';
-  if (dropped.empty()) std::cout << "no work tables were left\n";
+  std::cout << "\ntables of reports (quillon account clean drops them):\n";
+  for (const account::LeftoverTable& table : left)
+    std::cout << table.name << ageText(table) << '\n';
 }
 
 }  // namespace
+
+void cleanAccount(const AccountSource& source, const std::function<bool(const std::string&)>& agrees,
+                  std::ostream& out) {
+  const auto connection = source.open(tsql::OpenMode::existing);
+  const auto left = account::leftoverTables(*connection);
+  for (const account::LeftoverTable& table : left) {
+    const std::string shown = table.name + ageText(table);
+    if (table.mayBeWanted() && !agrees(shown)) {
+      out << "kept " << shown << "; it may be in use or wanted: --yes drops it, too\n";
+    } else {
+      account::dropTable(*connection, table.name);
+      out << "dropped " << shown << '\n';
+    }
+  }
+  if (left.empty()) out << "no tables of reports were left\n";
+}
 
 bool checkAccount(const AccountSource& source, std::ostream& out) {
   const auto connection = source.open(tsql::OpenMode::readOnly);
@@ -87,6 +109,19 @@ bool checkAccount(const AccountSource& source, std::ostream& out) {
   table.finish();
   out << "\nThese reports count a ledger line that names such a key once for each of its rows; leave one row a key.\n";
   return false;
+}
+
+bool checkIntegrity(const AccountSource& source, std::ostream& out) {
+  if (source.onServer()) throw UserError("--integrity is for account files; a server checks its own with DBCC CHECKDB");
+  const auto connection = tsql::Connection::open(source.file(), tsql::OpenMode::readOnly);
+  const std::vector<std::string> damage = connection->damage();
+  for (const std::string& line : damage)
+    out << line << '\n';
+  out << (damage.empty()
+              ? "the account file is sound\n"
+              : "\nThe account file is damaged: go back to a copy, or save with `quillon account export` what "
+                "can still be read.\n");
+  return damage.empty();
 }
 
 void addAccountCommand(CLI::App& app) {
@@ -117,13 +152,22 @@ void addAccountCommand(CLI::App& app) {
 
   CLI::App& checking = *command.add_subcommand("check", "Name the rows that would make reports show lines twice");
   addAccountOption(checking, "SOURCE", *source).required();
-  checking.callback([source] {
-    if (!checkAccount(*source, std::cout)) endWith(1);
+  const auto integrity = std::make_shared<bool>(false);
+  checking.add_flag("--integrity", *integrity, "Look for damage of the account file instead");
+  checking.callback([source, integrity] {
+    if (!(*integrity ? checkIntegrity(*source, std::cout) : checkAccount(*source, std::cout))) endWith(1);
   });
 
-  CLI::App& cleaning = *command.add_subcommand("clean", "Drop the work tables that interrupted reports left");
+  CLI::App& cleaning =
+      *command.add_subcommand("clean", "Drop the tables that interrupted reports left, and those of --keep");
   addAccountOption(cleaning, "SOURCE", *source).required();
-  cleaning.callback([source] { clean(*source); });
+  const auto everything = std::make_shared<bool>(false);
+  cleaning.add_flag("--yes", *everything, "Do not ask before dropping what may be in use or wanted");
+  cleaning.callback([source, everything] {
+    cleanAccount(
+        *source, [everything](const std::string& table) { return *everything || userAgrees("drop " + table + "?"); },
+        std::cout);
+  });
 
   addDiffCommand(command);
   addTransferCommands(command);

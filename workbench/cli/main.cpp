@@ -14,9 +14,11 @@
 #include "workbench/cli/run_monitor.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/standard_streams.h"
+#include "workbench/cli/stop_signals.h"
 #include "workbench/cli/trace_command.h"
 #include "workbench/odbc/connection_string.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/tsql/values/stop.h"
 
 namespace {
 
@@ -26,6 +28,15 @@ constexpr int wrongUsage = 2;
 // What went wrong. An argument that is quoted in it may be a connection string.
 std::string shown(const std::exception& error) {
   return quillon::odbc::ConnectionString(quillon::workbench::errorText(error)).withoutPassword();
+}
+
+// The end of a run that was asked to end. All that it made is put away by now; `error` is what ended it.
+int stopped(const quillon::workbench::StopCause& stop, const std::exception& error) {
+  if (*stop.name == '\0') return stop.exitStatus;
+  // A command whose work cannot be taken back says what stands.
+  const bool told = dynamic_cast<const quillon::workbench::UserError*>(&error) != nullptr;
+  std::fprintf(stderr, "quillon: ended by %s; %s\n", stop.name, told ? error.what() : "nothing was written");
+  return stop.exitStatus;
 }
 
 int run(std::vector<std::string> arguments) {
@@ -47,6 +58,7 @@ int run(std::vector<std::string> arguments) {
   } catch (const CLI::Success& help) {
     return app.exit(help);
   } catch (const CLI::RuntimeError& end) {
+    if (quillon::workbench::stopCause()) throw quillon::tsql::Stopped();
     return end.get_exit_code();
   } catch (const CLI::ParseError& error) {
     std::fprintf(stderr, "quillon: %s; see quillon --help\n", shown(error).c_str());
@@ -58,6 +70,7 @@ int run(std::vector<std::string> arguments) {
 
 int main(int argc, char** argv) {
   try {
+    quillon::workbench::watchStopSignals();
     quillon::workbench::prepareStandardStreams();
     quillon::workbench::reportFileSizeLimit();
     const int status = run(quillon::workbench::utf8Arguments(argc, argv));
@@ -65,6 +78,7 @@ int main(int argc, char** argv) {
       throw quillon::workbench::UserError("standard output could not be written; check the disk's free space");
     return status;
   } catch (const std::exception& error) {
+    if (const auto stop = quillon::workbench::stopCause()) return stopped(*stop, error);
     std::fprintf(stderr, "quillon: %s\n", shown(error).c_str());
     return failed;
   }

@@ -159,8 +159,8 @@ bool compareReports(const ReportOptions& options, const AccountSource& second, s
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
   const auto report = reportOn(options.account, options, notes);
-  if (options.keep) report->keepTable();
   writeTo(options, *report, out);
+  if (options.keep) report->keepTable();
   if (options.keep) notes << "quillon: the result table " << report->table().name() << " is kept\n";
 }
 

@@ -3,7 +3,8 @@
 #include <array>
 #include <chrono>
 
-#include "workbench/account/account.h"
+#include "workbench/account/kept_table.h"
+#include "workbench/account/leftover_tables.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
 #include "workbench/cli/filter_file.h"
@@ -12,6 +13,7 @@
 #include "workbench/platform/json_file.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
+#include "workbench/tsql/values/stop.h"
 
 namespace quillon::workbench {
 
@@ -58,13 +60,6 @@ std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const R
   return filter;
 }
 
-std::string joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names)
-    text += (text.empty() ? "" : ", ") + name;
-  return text.empty() ? "nothing" : text;
-}
-
 // The last step but one of a build with balance conditions drops the group index by its bare name. That name begins
 // with a digit, so the account refuses the statement as SQL Server does. All rows are written by then.
 bool onlyGroupIndexStays(const StatementFailure& failure) {
@@ -73,31 +68,42 @@ bool onlyGroupIndexStays(const StatementFailure& failure) {
          failure.sql.ends_with("IA_SFC_IX_GroupIndex");
 }
 
-// What the build left in the account and how to drop it.
-std::string leftBehind(tsql::Database& account, const std::string& source) {
-  const std::string advice = "drop with: quillon account clean " + source;
-  try {
-    return "; left in the account: " + joined(account::leftoverWorkTables(account)) + " (" + advice + ")";
-  } catch (const tsql::SqlError&) {
-    return "; work tables may be left in the account (" + advice + ")";
-  }
-}
-
 // Says what stopped the build. Throws unless all rows were written by then.
-void reportStop(const RunMonitor& monitor, tsql::Database& account, const std::string& source, std::ostream& notes) {
-  const std::string left = leftBehind(account, source);
+void reportStop(const RunMonitor& monitor, std::ostream& notes) {
   if (!monitor.failure()) {
-    throw UserError("the build stopped before a statement failed: a filter value could not be translated" + left);
+    throw UserError("the build stopped before a statement failed: a filter value could not be translated");
   }
   const StatementFailure& failure = *monitor.failure();
   if (onlyGroupIndexStays(failure)) {
-    notes << "quillon: all rows are written, but the group index was not dropped: the statement names it without "
-             "brackets and the name begins with a digit ("
-          << errorText(failure.number, failure.line, failure.message) << ")" << left << '\n';
+    notes << "quillon: all rows are written, but the report could not drop its group index: the statement names it "
+             "without brackets and the name begins with a digit ("
+          << errorText(failure.number, failure.line, failure.message) << ")\n";
     return;
   }
-  throw UserError("the build stopped: " + errorText(failure) + left);
+  throw UserError("the build stopped: " + errorText(failure));
 }
+
+// Work tables of a run on a server go on every way out: those that the report dropped itself are gone already.
+class WorkTablesOnServer {
+ public:
+  // Both outlive the object.
+  WorkTablesOnServer(const AccountSource& account, const EmbeddedPlatform& platform)
+      : account_(account), platform_(platform) {}
+  WorkTablesOnServer(const WorkTablesOnServer&) = delete;
+  WorkTablesOnServer& operator=(const WorkTablesOnServer&) = delete;
+  ~WorkTablesOnServer() {
+    if (!account_.onServer() || platform_.uniqueParts().empty()) return;
+    try {
+      account::dropWorkTablesNamed(*account_.open(tsql::OpenMode::existing), platform_.uniqueParts());
+    } catch (const std::exception&) {
+      // The server is gone; `quillon account clean` finds them when it is back.
+    }
+  }
+
+ private:
+  const AccountSource& account_;
+  const EmbeddedPlatform& platform_;
+};
 
 std::string totalTime(const RunMonitor& monitor, double seconds) {
   std::array<char, 160> text{};
@@ -118,11 +124,20 @@ MadeReport::MadeReport(const Report& report, SignedInAccount account, std::share
       connection_(account_.source.open(tsql::OpenMode::existing)) {}
 
 MadeReport::~MadeReport() {
-  if (keep_) return;
+  // A scratch file takes its tables along.
+  if (keep_ || !account_.source.onServer()) return;
   try {
     table().drop();
   } catch (const std::exception&) {
     // The account refuses even this: the error that led here says more.
+  }
+}
+
+void MadeReport::keepTable() {
+  if (account_.source.onServer()) {
+    keep_ = true;
+  } else {
+    account::keepTable(account_.source.file(), account_.scratch->file(), table().name());
   }
 }
 
@@ -138,12 +153,14 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
        .language = request.language,
        .monitor = &monitor,
        .messages = [&notes](std::string_view text, int) { notes.notes << oneLine(text) << '\n'; }});
+  const WorkTablesOnServer workTables(made->account().source, platform);
   {
     const auto runner = makeReportRunner(platform);
     const auto start = std::chrono::steady_clock::now();
     try {
       runner->run(report, made->argument());
     } catch (const AutomationError& error) {
+      tsql::endIfStopped();
       // Through COM only the description comes back; the monitor knows the rest.
       if (monitor.failure() && monitor.failure()->message == error.description())
         throw UserError(errorText(*monitor.failure()));
@@ -152,7 +169,8 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     if (notes.explanation != nullptr) *notes.explanation << totalTime(monitor, time.count());
   }
-  if (monitor.leftOpen()) reportStop(monitor, made->connection(), made->account().source.shown(), notes.notes);
+  tsql::endIfStopped();
+  if (monitor.leftOpen()) reportStop(monitor, notes.notes);
   return made;
 }
 

@@ -26,7 +26,7 @@ struct ReportRequest {
   std::string date = {};  // the login's date, yyyy-mm-dd; empty: the last day of the current year
 };
 
-// A report that has been made. Its result table is dropped with it, unless it is to be kept.
+// A report that has been made. Its result table goes with it, unless it is kept.
 class MadeReport {
  public:
   MadeReport(const Report& report, SignedInAccount account, std::shared_ptr<FilterObject> filter);
@@ -34,7 +34,8 @@ class MadeReport {
   MadeReport& operator=(const MadeReport&) = delete;
   ~MadeReport();
 
-  void keepTable() { keep_ = true; }
+  // Leaves the result table in the account, under its name. Throws tsql::SqlError when the account cannot be written.
+  void keepTable();
 
   const Report& report() const { return report_; }
   const SignedInAccount& account() const { return account_; }

@@ -15,6 +15,7 @@
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/tsql/values/stop.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
@@ -141,15 +142,17 @@ int runScript(tsql::Database& account, std::istream& script, SqlFormat format, s
   } else {
     output = std::make_unique<TableOutput>(out, errors);
   }
-  int failed = 0;
+  int failed = 0, done = 0;
   std::string batch;
-  while (readBatch(script, batch)) {
+  for (; readBatch(script, batch); ++done) {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     std::string_view text = batch;
     if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) continue;
     try {
       account.run(text, *output);
+    } catch (const tsql::Stopped&) {
+      throw UserError("in batch " + std::to_string(done + 1) + "; the batches before it are done");
     } catch (const tsql::SqlError& error) {
       output->error(error);
       ++failed;

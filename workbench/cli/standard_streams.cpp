@@ -15,6 +15,7 @@
 #endif
 
 #include <algorithm>
+#include <iostream>
 
 namespace quillon::workbench {
 
@@ -30,6 +31,12 @@ void reportFileSizeLimit() {}
 bool errorsGoToTerminal() {
   return _isatty(_fileno(stderr)) != 0;
 }
+
+namespace {
+bool inputIsTyped() {
+  return _isatty(_fileno(stdin)) != 0;
+}
+}  // namespace
 
 std::vector<std::string> utf8Arguments(int, char**) {
   std::vector<std::string> arguments;
@@ -57,6 +64,12 @@ bool errorsGoToTerminal() {
   return isatty(STDERR_FILENO) != 0;
 }
 
+namespace {
+bool inputIsTyped() {
+  return isatty(STDIN_FILENO) != 0;
+}
+}  // namespace
+
 std::vector<std::string> utf8Arguments(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   std::reverse(arguments.begin(), arguments.end());
@@ -64,5 +77,13 @@ std::vector<std::string> utf8Arguments(int argc, char** argv) {
 }
 
 #endif
+
+bool userAgrees(const std::string& question) {
+  if (!inputIsTyped() || !errorsGoToTerminal()) return false;
+  std::cerr << question << " [y/N] " << std::flush;
+  std::string answer;
+  std::getline(std::cin, answer);
+  return answer == "y" || answer == "Y" || answer == "yes";
+}
 
 }  // namespace quillon::workbench

@@ -16,6 +16,9 @@ void reportFileSizeLimit();
 // Whether somebody watches standard error.
 bool errorsGoToTerminal();
 
+// Asks on standard error and reads the answer from standard input; false without a person at both.
+bool userAgrees(const std::string& question);
+
 // The arguments after the program's name, in UTF-8 and, as CLI11 takes them, last first.
 std::vector<std::string> utf8Arguments(int argc, char** argv);
 

@@ -91,7 +91,11 @@ Variant WorkbenchPlatform::openAccount(Call& call) {
   }
   source_ = AccountSource(call.text(0));
   // A file has to be named before anything stands in for ADO.
-  if (!source_.onServer()) inAutomationWords([this] { return source_.file(); });
+  if (!source_.onServer()) {
+    inAutomationWords([this] { return source_.file(); });
+    scratch_.emplace();
+    source_ = source_.withScratch(scratch_->file());
+  }
   EmbeddedPlatformOptions options{.account = source_,
                                   .language = language_,
                                   .monitor = failures_.get(),

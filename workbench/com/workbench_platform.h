@@ -10,6 +10,7 @@
 
 #include "automation/dispatch_object.h"
 #include "component/ado_session.h"
+#include "workbench/account/scratch.h"
 #include "workbench/com/exposed_platform.h"
 #include "workbench/platform/account_source.h"
 
@@ -39,12 +40,13 @@ struct ShownToUser {
 // Its members:
 // - Language: "zh" (the default) or "en"; written before OpenAccount.
 // - OpenAccount(source): an account file, its connection string, or ADO's connection string to an account on a server;
-//   once for an object.
+//   once for an object. An account file is only read; the reports' tables lie in a scratch file that goes with the object.
 // - NewArgument(report): an argument object e for the report ("sfc-item"): a filter with its defaults, the account's
 //   login, a data source whose SQL is a fresh table name, and RelateData without a row until TakeRow gives it one.
 // - NewDialog(report): the same with a filter in which nothing is entered yet and which is in a dialog: e.rawFilter is
 //   what a filter-control class takes. For embedded accounts.
-// - Query(sql): a Recordset with the rows of a query on the platform's own connection.
+// - Query(sql): a Recordset with the rows of a query on the platform's own connection, which finds the reports' result
+//   tables.
 // - FailureNumber, FailureText, FailureStatement: SQL Server's number and text of the last statement that failed on an
 //   embedded account in this process (0 and empty when none did), and the statement: what a report absorbed is read
 //   here.
@@ -74,6 +76,7 @@ class WorkbenchPlatform : public automation::DispatchObject<WorkbenchPlatform> {
   Language language_ = Language::chinese;
   std::shared_ptr<FailureKeeper> failures_ = std::make_shared<FailureKeeper>();
   std::shared_ptr<ShownToUser> shown_ = std::make_shared<ShownToUser>();
+  std::optional<account::Scratch> scratch_;  // outlives the connections to it
   AccountSource source_;
   std::unique_ptr<EmbeddedPlatform> platform_;
   std::optional<PlatformStandIn> standIn_;

@@ -56,6 +56,11 @@ class BatchCollector final : public tsql::ResultSink {
   std::int64_t rowsAffected_ = -1;
 };
 
+// What makes a report change its account.
+constexpr std::string_view aboutQuotes =
+    " Reports only read the account. A quote (') in a filter value ends the text that the value is pasted into, and what "
+    "stands behind it runs as a statement: take the quote out, or write it twice where it belongs to the value.";
+
 std::string realText(double value) {
   std::array<char, 32> text{};
   const int length = std::snprintf(text.data(), text.size(), "%.15g", value);
@@ -190,6 +195,8 @@ auto AccountSession::run(std::string_view sql, Action action) {
     return std::move(result);
   } catch (const tsql::SqlError& error) {
     lastFailure_ = StatementFailure{std::string(sql), error.number(), error.message(), error.line()};
+    constexpr int databaseIsReadOnly = 3906;
+    if (error.number() == databaseIsReadOnly && !account_.scratch().empty()) lastFailure_->message += aboutQuotes;
     if (monitor_ != nullptr) monitor_->failed(*lastFailure_);
     const bool lost = dynamic_cast<const tsql::ConnectionLost*>(&error) != nullptr;
     throw StatementError(lost ? hresult::fail : sqlErrorCode(error.number()), *lastFailure_);

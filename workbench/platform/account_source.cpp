@@ -12,7 +12,7 @@ namespace {
 
 using odbc::ConnectionString;
 
-constexpr std::string_view fileKeyword = "data source";
+constexpr std::string_view fileKeyword = "data source", scratchKeyword = "scratch";
 
 bool isConnectionString(const ConnectionString& text) {
   static constexpr std::string_view keywords[] = {fileKeyword, "driver", "dsn", "filedsn", "server", "provider"};
@@ -21,17 +21,23 @@ bool isConnectionString(const ConnectionString& text) {
          std::ranges::any_of(keywords, [&text](auto keyword) { return text.attributes().front().is(keyword); });
 }
 
-// The file of a connection string that says no more than which file; nullopt when another keyword makes it a server's.
-std::optional<std::string> embeddedFile(const ConnectionString& text) {
-  std::string file;
+struct EmbeddedFiles {
+  std::string account, scratch;
+};
+
+// The files of a connection string that says no more than which files; nullopt when another keyword makes it a server's.
+std::optional<EmbeddedFiles> embeddedFiles(const ConnectionString& text) {
+  EmbeddedFiles files;
   for (const ConnectionString::Attribute& attribute : text.attributes()) {
     if (attribute.is(fileKeyword)) {
-      file = attribute.value;
+      files.account = attribute.value;
+    } else if (attribute.is(scratchKeyword)) {
+      files.scratch = attribute.value;
     } else if (!attribute.isPassword()) {
       return std::nullopt;
     }
   }
-  return file;
+  return files;
 }
 
 }  // namespace
@@ -41,8 +47,9 @@ AccountSource::AccountSource(std::string text) : text_(std::move(text)) {
   shown_ = connection.withoutPassword();
   if (!isConnectionString(connection)) {
     file_ = text_;
-  } else if (std::optional<std::string> file = embeddedFile(connection)) {
-    file_ = std::move(*file);
+  } else if (std::optional<EmbeddedFiles> files = embeddedFiles(connection)) {
+    file_ = std::move(files->account);
+    scratch_ = pathFromUtf8(files->scratch);
   } else {
     server_ = std::move(connection);
   }
@@ -53,6 +60,14 @@ AccountSource AccountSource::inFile(const std::filesystem::path& file) {
   source.file_ = utf8FromPath(file);
   source.text_ = source.connectionString();
   source.shown_ = source.file_;
+  return source;
+}
+
+AccountSource AccountSource::withScratch(const std::filesystem::path& scratch) const {
+  AccountSource source = inFile(file());
+  source.shown_ = shown_;
+  source.scratch_ = scratch;
+  source.text_ = source.connectionString();
   return source;
 }
 
@@ -67,10 +82,13 @@ std::filesystem::path AccountSource::file() const {
 }
 
 std::string AccountSource::connectionString() const {
-  return onServer() ? server_->text() : "Data Source=" + odbc::inDoubleQuotes(file_);
+  if (onServer()) return server_->text();
+  const std::string account = "Data Source=" + odbc::inDoubleQuotes(file_);
+  return scratch_.empty() ? account : account + ";Scratch=" + odbc::inDoubleQuotes(utf8FromPath(scratch_));
 }
 
 std::unique_ptr<tsql::Database> AccountSource::open(tsql::OpenMode mode, odbc::ConnectOptions options) const {
+  if (!onServer() && !scratch_.empty()) return tsql::Connection::openWithScratch(file(), scratch_);
   if (!onServer()) return tsql::Connection::open(file(), mode);
   if (!server_->namesDriver()) {
     throw std::invalid_argument(

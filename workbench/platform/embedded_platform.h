@@ -74,7 +74,12 @@ std::string freshResultTable();
 
 class WorkbenchUniqueNames final : public UniqueNameSource {
  public:
-  std::string next() override { return uniqueNamePart(); }
+  // Adds what it gives to `given`.
+  explicit WorkbenchUniqueNames(std::shared_ptr<std::vector<std::string>> given) : given_(std::move(given)) {}
+  std::string next() override { return given_->emplace_back(uniqueNamePart()); }
+
+ private:
+  std::shared_ptr<std::vector<std::string>> given_;
 };
 
 struct EmbeddedPlatformOptions {
@@ -91,6 +96,8 @@ class EmbeddedPlatform final : public Platform {
   explicit EmbeddedPlatform(EmbeddedPlatformOptions options) : options_(std::move(options)) {}
 
   const EmbeddedPlatformOptions& options() const { return options_; }
+  // The unique parts of the names that the platform's users gave to their work tables.
+  const std::vector<std::string>& uniqueParts() const { return *uniqueParts_; }
 
   std::shared_ptr<Session> createSession() override;
   std::shared_ptr<PublicComponent> createPublicComponent() override;
@@ -113,6 +120,7 @@ class EmbeddedPlatform final : public Platform {
   SessionMaker unwatchedSessions() const;
 
   EmbeddedPlatformOptions options_;
+  std::shared_ptr<std::vector<std::string>> uniqueParts_ = std::make_shared<std::vector<std::string>>();
   std::int32_t workTables_ = 0;
 };
 

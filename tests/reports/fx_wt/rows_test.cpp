@@ -24,6 +24,7 @@
 #include "frame/automation_error.h"
 #include "reports/fx_wt/fx_wt.h"
 #include "tests/reports/table_lines.h"
+#include "tests/workbench/account/leftovers.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/catalogue/catalogue.h"
@@ -193,7 +194,7 @@ class FxWtRows : public testing::Test {
     const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::existing);
     look(*account);
     account->execute("Drop Table wt_result");
-    EXPECT_THAT(account::leftoverWorkTables(*account), testing::IsEmpty());
+    EXPECT_THAT(account::testing::leftoverNames(*account), testing::IsEmpty());
   }
   static std::vector<Line> reportLines(const std::vector<Item>& items, const std::string& columns = "*") {
     std::vector<Line> rows;
@@ -777,8 +778,7 @@ TEST_F(FxWtRows, TakeEveryRegisteredItem) {
 TEST_F(FxWtRows, AKeyThatIsNoColumnStopsTheReport) {
   EXPECT_THROW(reportedLines({{"cNoSuchColumn", "x"}}), AutomationError);
   const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::existing);
-  for (const std::string& leftover : account::leftoverWorkTables(*account))
-    account->execute("Drop Table [" + leftover + "]");
+  EXPECT_THAT(account::testing::dropLeftovers(*account), testing::SizeIs(1));
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 
 #include "reports/outsum_item/outsum_item.h"
 #include "tests/reports/table_lines.h"
+#include "tests/workbench/account/leftovers.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/platform/account_source.h"
@@ -121,7 +122,7 @@ class OutsumItemRows : public testing::Test {
     const auto account = tsql::Connection::open(file, tsql::OpenMode::existing);
     std::vector<Line> rows = linesOf(*account, "Select " + columns + " From outsum_result");
     account->execute("Drop Table outsum_result");
-    EXPECT_THAT(account::leftoverWorkTables(*account), testing::IsEmpty());
+    EXPECT_THAT(account::testing::leftoverNames(*account), testing::IsEmpty());
     return rows;
   }
 

@@ -215,32 +215,5 @@ TEST(AccountInformation, RefusesADatabaseThatIsNoAccount) {
             "this is no account: the table orvsystem..UA_Period is missing; make one with: quillon account new FILE");
 }
 
-// --- Left-over work tables ------------------------------------------------------------------------------------------
-
-TEST(WorkTables, AreKnownByTheShapeOfTheirNames) {
-  for (const char* name : {"77u1IA_SFC_Item_DetailTmp", "77u1IA_SFC_IX_GroupIndex", "77u1IA_OutSum_Item_DetailTmp",
-                           "77u1FXWtTmp", "-5a_BFXWtTmp", "12FXWtTmp"}) {
-    EXPECT_TRUE(isWorkTableName(name)) << name;
-  }
-  for (const char* name :
-       {"", "FXWtTmp", "7FXWtTmp", "-7FXWtTmp", "u1FXWtTmp", "77u1FXWtTmpX", "77u1fxwttmp", "77u-1FXWtTmp",
-        "77u 1FXWtTmp", "77u1'FXWtTmp", "77部门FXWtTmp", "ia_subsidiary", "Report_IA_SFC_Item_DetailTmp", "77u1"}) {
-    EXPECT_FALSE(isWorkTableName(name)) << name;
-  }
-}
-
-TEST(WorkTables, AreDroppedAndNothingElseIs) {
-  const auto connection = tsql::Connection::openInMemory();
-  connection->execute("Create Table ia_subsidiary (AutoID int)");
-  connection->execute("Create Table [77u1IA_SFC_Item_DetailTmp] (a int)");
-  connection->execute("Create Table [77u2IA_SFC_IX_GroupIndex] (a int)");
-  connection->execute("Create Table [My FXWtTmp] (a int)");
-  EXPECT_THAT(leftoverWorkTables(*connection), ElementsAre("77u1IA_SFC_Item_DetailTmp", "77u2IA_SFC_IX_GroupIndex"));
-  EXPECT_THAT(dropLeftoverWorkTables(*connection),
-              ElementsAre("77u1IA_SFC_Item_DetailTmp", "77u2IA_SFC_IX_GroupIndex"));
-  EXPECT_THAT(leftoverWorkTables(*connection), IsEmpty());
-  EXPECT_THAT(connection->tables(""), ::testing::UnorderedElementsAre("ia_subsidiary", "My FXWtTmp"));
-}
-
 }  // namespace
 }  // namespace quillon::account

@@ -30,6 +30,7 @@ class TestFolder {
     std::filesystem::remove_all(folder_, ignored);
   }
 
+  const std::filesystem::path& path() const { return folder_; }
   std::filesystem::path operator/(std::string_view name) const {
     return folder_ / std::filesystem::path(std::u8string(name.begin(), name.end()));
   }

@@ -10,6 +10,7 @@
 #include "automation/win32.h"
 #include "tests/component/quillon_library.h"
 #include "tests/long_life/process_level.h"
+#include "tests/workbench/account/leftovers.h"
 #include "workbench/account/account.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/com/argument_object.h"
@@ -108,8 +109,8 @@ TEST_F(ReportRunsTest, RunsThatStopAtTheGroupIndexLeaveOneConnection) {
   EXPECT_GT(run({"cModal=1"}), 0);
   EXPECT_EQ(library_.canUnload(), S_OK);
   // Each run left its detail table and its group index, as the drop of the index by its bare name is refused.
-  EXPECT_EQ(account::leftoverWorkTables(*account_).size(), 2U * 21U);
-  EXPECT_EQ(account::dropLeftoverWorkTables(*account_).size(), 2U * 21U);
+  EXPECT_EQ(account::testing::leftoverNames(*account_).size(), 2U * 21U);
+  EXPECT_EQ(account::testing::dropLeftovers(*account_).size(), 2U * 21U);
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace quillon::tsql {
 
 // A declared table with its place in SQLite.
 struct Table : DeclaredTable {
-  std::string schema;    // SQLite's: "main" or "temp"
+  std::string schema;    // SQLite's: "main", "temp" or "account"
   std::string stored;    // the name in SQLite
   std::string physical;  // both, quoted
   int rowidColumn = -1;  // the column that is SQLite's rowid, -1 when none is
@@ -28,6 +28,7 @@ struct StoredObject {
   char type = 'U';      // U table, V view, F function
   std::string name;
   std::string definition;
+  std::string schema = {};  // SQLite's, as Table has it
 };
 
 // Looks names up. Implemented by the engine's Catalog. Both throw SqlError 208 when the database of the name is unknown.

@@ -8,6 +8,7 @@
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/syntax/parser.h"
 #include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/stop.h"
 #include "workbench/tsql/values/text.h"
 #include "workbench/tsql/values/type_rules.h"
 #include "workbench/tsql/values/value_errors.h"
@@ -25,6 +26,7 @@ class SqliteBulkWriter : public BulkWriter {
     if (values.size() != columns_.size()) {
       throw SqlError(213, "Column name or number of supplied values does not match table definition.");
     }
+    endIfStopped();
     insert_.reset();
     for (std::size_t i = 0; i < values.size(); ++i)
       bind(static_cast<int>(i) + 1, values[i], columns_[i]);

@@ -12,8 +12,14 @@
 namespace quillon::tsql {
 namespace {
 
-std::string schemaOf(std::string_view database) {
-  return database == "tempdb" ? "temp" : "main";
+constexpr std::string_view mainSchema = "main", accountSchema = "account", temporarySchema = "temp";
+
+// OBJECT_ID tells an object of the scratch file from one of the account; those of tempdb are negative.
+constexpr std::int64_t firstScratchId = 1'000'000'000;
+
+std::int64_t objectId(std::string_view schema, bool hasScratch, std::int64_t row) {
+  if (schema == temporarySchema) return -row;
+  return hasScratch && schema == mainSchema ? firstScratchId + row : row;
 }
 
 // Tables of the system database are stored in the same file, as "orvsystem..name". A name that SQLite or the catalog
@@ -116,12 +122,12 @@ TableColumn columnOf(const ColumnDefinition& definition) {
   return column;
 }
 
-Table makeTable(std::string database, std::string name, const std::vector<ColumnDefinition>& columns,
-                const std::vector<KeyDefinition>& keys) {
+Table makeTable(std::string schema, std::string database, std::string name,
+                const std::vector<ColumnDefinition>& columns, const std::vector<KeyDefinition>& keys) {
   Table table;
   table.database = std::move(database);
   table.name = std::move(name);
-  table.schema = schemaOf(table.database);
+  table.schema = std::move(schema);
   table.stored = physicalName(table.database, table.name);
   table.physical = table.schema + '.' + quoteName(table.stored);
   for (const ColumnDefinition& column : columns) {
@@ -149,12 +155,12 @@ Table makeTable(std::string database, std::string name, const std::vector<Column
 
 }  // namespace
 
-Table tableOf(std::string database, std::string name, std::string_view definition) {
+Table tableOf(std::string schema, std::string database, std::string name, std::string_view definition) {
   const StatementPtr parsed = parseTableDefinition(definition);
-  return makeTable(std::move(database), std::move(name), parsed->definitions, parsed->keys);
+  return makeTable(std::move(schema), std::move(database), std::move(name), parsed->definitions, parsed->keys);
 }
 
-Catalog::Catalog(sqlite3* database) : database_(database) {
+Catalog::Catalog(sqlite3* database, Files files) : database_(database), files_(files) {
   runSqlite(
       database_,
       "CREATE TABLE temp.tsql_objects(id INTEGER PRIMARY KEY, database TEXT NOT NULL, key TEXT NOT NULL, name TEXT NOT "
@@ -164,33 +170,55 @@ Catalog::Catalog(sqlite3* database) : database_(database) {
 void Catalog::create(sqlite3* database) {
   runSqlite(
       database,
-      "CREATE TABLE main.tsql_objects(id INTEGER PRIMARY KEY, database TEXT NOT NULL, key TEXT NOT NULL, name TEXT NOT "
+      "CREATE TABLE IF NOT EXISTS main.tsql_objects(id INTEGER PRIMARY KEY, database TEXT NOT NULL, key TEXT NOT NULL, name TEXT NOT "
       "NULL, type TEXT NOT NULL, definition TEXT NOT NULL, UNIQUE(database, key)) STRICT");
 }
 
+std::vector<std::string> Catalog::schemasOf(std::string_view database) const {
+  if (database == "tempdb") return {std::string(temporarySchema)};
+  if (files_ == Files::account) return {std::string(mainSchema)};
+  if (database == "orvsystem") return {std::string(accountSchema)};
+  return {std::string(mainSchema), std::string(accountSchema)};
+}
+
+std::vector<std::int64_t> Catalog::schemaVersions() const {
+  std::vector<std::int64_t> versions;
+  for (const std::string& schema : schemasOf("")) {
+    Prepared version(database_, "PRAGMA " + schema + ".schema_version");
+    version.step();
+    versions.push_back(version.integer(0));
+  }
+  return versions;
+}
+
 void Catalog::refresh() {
-  Prepared version(database_, "PRAGMA main.schema_version");
-  version.step();
-  if (version.integer(0) == schemaVersion_) return;
-  schemaVersion_ = version.integer(0);
+  std::vector<std::int64_t> versions = schemaVersions();
+  if (versions == schemaVersions_) return;
+  schemaVersions_ = std::move(versions);
   known_.clear();
 }
 
 void Catalog::forget() {
-  schemaVersion_ = -1;
+  schemaVersions_.clear();
   known_.clear();
 }
 
 std::optional<StoredObject> Catalog::object(const ObjectName& name) {
   const std::string database = databaseOf(name);
   const std::string key = text::foldCase(name.name);
-  Prepared find(database_, "SELECT id, type, name, definition FROM " + schemaOf(database) +
-                               ".tsql_objects WHERE database = ?1 AND key = ?2");
-  find.bind(1, database);
-  find.bind(2, key);
-  if (!find.step()) return std::nullopt;
-  const std::int64_t sign = database == "tempdb" ? -1 : 1;
-  return StoredObject{sign * find.integer(0), find.text(1).at(0), find.text(2), find.text(3)};
+  for (const std::string& schema : schemasOf(database)) {
+    Prepared find(database_, "SELECT id, type, name, definition FROM " + schema +
+                                 ".tsql_objects WHERE database = ?1 AND key = ?2");
+    find.bind(1, database);
+    find.bind(2, key);
+    if (!find.step()) continue;
+    return StoredObject{.id = objectId(schema, files_ == Files::scratchAndAccount, find.integer(0)),
+                        .type = find.text(1).at(0),
+                        .name = find.text(2),
+                        .definition = find.text(3),
+                        .schema = schema};
+  }
+  return std::nullopt;
 }
 
 std::shared_ptr<const Table> Catalog::table(const ObjectName& name) {
@@ -199,14 +227,18 @@ std::shared_ptr<const Table> Catalog::table(const ObjectName& name) {
   if (const auto found = known_.find(key); found != known_.end()) return found->second;
   const std::optional<StoredObject> stored = object(name);
   if (!stored || stored->type != 'U') return nullptr;
-  auto table = std::make_shared<const Table>(tableOf(database, stored->name, stored->definition));
+  auto table = std::make_shared<const Table>(tableOf(stored->schema, database, stored->name, stored->definition));
   known_[key] = table;
   return table;
 }
 
 std::vector<std::string> Catalog::tables(std::string_view database) {
-  Prepared list(database_, "SELECT name FROM " + schemaOf(database) +
-                               ".tsql_objects WHERE database = ?1 AND type = 'U' ORDER BY key");
+  std::string query;
+  for (const std::string& schema : schemasOf(database)) {
+    query += (query.empty() ? "" : " UNION ALL ") + ("SELECT name, key FROM " + schema) +
+             ".tsql_objects WHERE database = ?1 AND type = 'U'";
+  }
+  Prepared list(database_, query + " ORDER BY key");
   list.bind(1, database);
   std::vector<std::string> names;
   while (list.step())
@@ -217,7 +249,8 @@ std::vector<std::string> Catalog::tables(std::string_view database) {
 std::shared_ptr<const Table> Catalog::createTable(const ObjectName& name, const std::vector<ColumnDefinition>& columns,
                                                   const std::vector<KeyDefinition>& keys) {
   const std::string database = databaseOf(name);
-  auto table = std::make_shared<const Table>(makeTable(database, name.name, columns, keys));
+  auto table =
+      std::make_shared<const Table>(makeTable(schemasOf(database).front(), database, name.name, columns, keys));
   createObject(name, 'U', definitionOf(*table));
   runSqlite(database_, createStatement(*table));
   if (table->rowidColumn >= 0) {
@@ -241,7 +274,7 @@ void Catalog::createObject(const ObjectName& name, char type, const std::string&
   const std::string database = databaseOf(name);
   const std::string key = text::foldCase(name.name);
   const std::string typeText(1, type);
-  Prepared enter(database_, "INSERT INTO " + schemaOf(database) +
+  Prepared enter(database_, "INSERT INTO " + schemasOf(database).front() +
                                 ".tsql_objects(database, key, name, type, definition) VALUES(?1, ?2, ?3, ?4, ?5)");
   enter.bind(1, database);
   enter.bind(2, key);
@@ -261,18 +294,27 @@ void Catalog::drop(const ObjectName& name, char type) {
         name.place.line, name.written);
   }
   const std::string database = databaseOf(name);
+  const std::string key = text::foldCase(name.name);
   if (type == 'U') runSqlite(database_, "DROP TABLE " + table(name)->physical);
-  Prepared remove(database_, "DELETE FROM " + schemaOf(database) + ".tsql_objects WHERE id = ?1");
-  remove.bind(1, stored->id < 0 ? -stored->id : stored->id);
+  Prepared remove(database_, "DELETE FROM " + stored->schema + ".tsql_objects WHERE database = ?1 AND key = ?2");
+  remove.bind(1, database);
+  remove.bind(2, key);
   remove.step();
-  known_.erase(database + '.' + text::foldCase(name.name));
+  known_.erase(database + '.' + key);
 }
 
 std::string Catalog::sysobjects(std::string_view database) const {
-  const std::string sign = database == "tempdb" ? "-" : "";
-  return "SELECT name COLLATE " + std::string(collationName) + " AS name, " + sign +
-         "id AS id, type AS xtype, type AS type FROM " + schemaOf(database) + ".tsql_objects WHERE database = '" +
-         std::string(database) + "'";
+  std::string query;
+  for (const std::string& schema : schemasOf(database)) {
+    const bool scratch = files_ == Files::scratchAndAccount && schema == mainSchema;
+    const std::string id = schema == temporarySchema ? "-id"
+                           : scratch                 ? std::to_string(firstScratchId) + " + id"
+                                                     : "id";
+    query += (query.empty() ? "" : " UNION ALL ") + ("SELECT name COLLATE " + std::string(collationName)) +
+             " AS name, " + id + " AS id, type AS xtype, type AS type FROM " + schema +
+             ".tsql_objects WHERE database = '" + std::string(database) + "'";
+  }
+  return query;
 }
 
 }  // namespace quillon::tsql

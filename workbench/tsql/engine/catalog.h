@@ -1,6 +1,10 @@
 // The declared tables, views and functions. SQLite's own schema knows only integers, texts and reals; the declarations
-// in T-SQL are kept beside it, as text, in the table tsql_objects of the file and of the connection's temporary
+// in T-SQL are kept beside it, as text, in the table tsql_objects of each file and of the connection's temporary
 // database.
+//
+// SQLite calls the account's file "main". On a connection with a scratch file, that is "main", and the account, which is
+// only read, is "account": names without a database are then looked for in the scratch file first, and what is created
+// is created there.
 #pragma once
 
 #include <cstdint>
@@ -20,12 +24,13 @@ namespace quillon::tsql {
 
 class Catalog : public TableLookup {
  public:
-  explicit Catalog(sqlite3* database);
+  enum class Files { account, scratchAndAccount };
+  Catalog(sqlite3* database, Files files);
 
-  // Creates the tables of the catalog in a new file.
+  // Creates the tables of the catalog in the file "main", unless it has them.
   static void create(sqlite3* database);
 
-  // Empties the cache when another connection has changed the schema of the file.
+  // Empties the cache when another connection has changed the schema of a file.
   void refresh();
   // Empties the cache after a rollback.
   void forget();
@@ -44,12 +49,17 @@ class Catalog : public TableLookup {
   void drop(const ObjectName& name, char type);
 
  private:
+  // Where the objects of a database lie, by SQLite's names: where one is created, then where else it is looked for.
+  std::vector<std::string> schemasOf(std::string_view database) const;
+  std::vector<std::int64_t> schemaVersions() const;
+
   sqlite3* database_;
-  std::int64_t schemaVersion_ = -1;
+  Files files_;
+  std::vector<std::int64_t> schemaVersions_;  // of what is known
   std::unordered_map<std::string, std::shared_ptr<const Table>> known_;
 };
 
-// The table that a definition out of tsql_objects declares.
-Table tableOf(std::string database, std::string name, std::string_view definition);
+// The table that a definition out of tsql_objects of that schema declares.
+Table tableOf(std::string schema, std::string database, std::string name, std::string_view definition);
 
 }  // namespace quillon::tsql

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <system_error>
 
 #include "workbench/tsql/engine/bulk_writer.h"
@@ -11,6 +12,7 @@
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/syntax/parser.h"
+#include "workbench/tsql/values/stop.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::tsql {
@@ -18,7 +20,21 @@ namespace {
 
 // "QLLN": marks a SQLite file as an account.
 constexpr std::int64_t applicationId = 0x514c4c4e;
-constexpr int busyMilliseconds = 20'000;
+
+// SQLite asks this while another connection has the file: how often it has asked. Waits half a minute in all; at first
+// for moments, so that two reports that only meet for one do not slow each other down.
+int waitForFile(void*, int asked) {
+  constexpr int longest = 25, waits = 1'200;  // milliseconds; sum up to half a minute
+  if (asked >= waits || stopRequested()) return 0;
+  sqlite3_sleep(std::min(asked + 1, longest));
+  return 1;
+}
+
+// SQLite asks this every so many of its steps while a statement runs.
+constexpr int stepsBetweenQuestions = 10'000;
+int endsNow(void*) {
+  return stopRequested() ? 1 : 0;
+}
 
 struct CloseDatabase {
   void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
@@ -33,19 +49,22 @@ DatabaseHandle openDatabase(const std::string& name, int flags) {
     throw SqlError(5120, "Unable to open the account file '" + name + "': " + sqlite3_errstr(result) + ".");
   }
   sqlite3_extended_result_codes(database.get(), 1);
-  sqlite3_busy_timeout(database.get(), busyMilliseconds);
-  // No statement may attach another file.
-  sqlite3_limit(database.get(), SQLITE_LIMIT_ATTACHED, 0);
+  sqlite3_busy_handler(database.get(), waitForFile, nullptr);
+  sqlite3_progress_handler(database.get(), stepsBetweenQuestions, endsNow, nullptr);
   return database;
 }
 
-// A rollback journal without waiting for the disk: the next process undoes what a killed one left half done, and large
-// work tables are written once. The cache is limited to 64 MiB; sorters and temporary tables spill to files.
-void setUp(sqlite3* database) {
-  runSqlite(
-      database,
-      "PRAGMA journal_mode = TRUNCATE; PRAGMA synchronous = OFF; PRAGMA cache_size = -65536; PRAGMA temp_store = FILE; "
-      "PRAGMA foreign_keys = OFF");
+void refuseFurtherFiles(sqlite3* database) {
+  sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
+}
+
+// A rollback journal without waiting for the disk: the next process undoes what a killed one left half done. An account's
+// goes after each change, so that nothing stays beside the account; a scratch file's stays, emptied, and goes with the
+// file. The cache is limited to 64 MiB; sorters and temporary tables spill to files.
+void setUp(sqlite3* database, const char* journal) {
+  runSqlite(database, std::string("PRAGMA journal_mode = ") + journal +
+                          "; PRAGMA synchronous = OFF; PRAGMA cache_size = -65536; PRAGMA temp_store = FILE; "
+                          "PRAGMA foreign_keys = OFF");
 }
 
 // A read-only connection cannot undo a change that a killed program left half done, and refuses the file. A writing
@@ -57,8 +76,8 @@ void undoHalfDoneChanges(const std::string& name, const std::filesystem::path& f
   Prepared(database.get(), "PRAGMA schema_version").step();
 }
 
-void requireAccount(sqlite3* database, const std::string& name) {
-  Prepared id(database, "PRAGMA application_id");
+void requireAccount(sqlite3* database, const std::string& name, const char* schema = "main") {
+  Prepared id(database, std::string("PRAGMA ") + schema + ".application_id");
   if (!id.step() || id.integer(0) != applicationId) {
     throw SqlError(5172, "The file '" + name + "' is no account file. Make one with `quillon account new`.");
   }
@@ -73,8 +92,8 @@ class NoResults : public ResultSink {
 
 class EmbeddedConnection : public Connection {
  public:
-  explicit EmbeddedConnection(DatabaseHandle database)
-      : database_(std::move(database)), catalog_(database_.get()), executor_(database_.get(), catalog_) {
+  EmbeddedConnection(DatabaseHandle database, Catalog::Files files)
+      : database_(std::move(database)), catalog_(database_.get(), files), executor_(database_.get(), catalog_) {
     registerCatalogFunctions(database_.get(), catalog_);
   }
 
@@ -87,7 +106,11 @@ class EmbeddedConnection : public Connection {
 
   std::unique_ptr<Cursor> query(std::string_view batch) override { return executor_.query(batch); }
 
-  void begin() override { runSqlite(database_.get(), "BEGIN"); }
+  // What will write waits for the file now, before it has read anything.
+  void begin() override {
+    const bool readsOnly = sqlite3_db_readonly(database_.get(), "main") == 1;
+    runSqlite(database_.get(), readsOnly ? "BEGIN" : "BEGIN IMMEDIATE");
+  }
   void commit() override { runSqlite(database_.get(), "COMMIT"); }
   void rollback() override {
     runSqlite(database_.get(), "ROLLBACK");
@@ -106,6 +129,15 @@ class EmbeddedConnection : public Connection {
 
   std::vector<std::string> tables(std::string_view database) override { return catalog_.tables(database); }
 
+  std::vector<std::string> damage() override {
+    std::vector<std::string> found;
+    Prepared check(database_.get(), "PRAGMA integrity_check");
+    while (check.step()) {
+      if (std::string line = check.text(0); line != "ok") found.push_back(std::move(line));
+    }
+    return found;
+  }
+
   void observe(std::function<void(const StatementReport&)> observer) override {
     executor_.observe(std::move(observer));
   }
@@ -118,13 +150,37 @@ class EmbeddedConnection : public Connection {
   Executor executor_;
 };
 
-std::unique_ptr<Connection> connect(DatabaseHandle database) {
-  return std::make_unique<EmbeddedConnection>(std::move(database));
+std::unique_ptr<Connection> connect(DatabaseHandle database, Catalog::Files files = Catalog::Files::account) {
+  refuseFurtherFiles(database.get());
+  return std::make_unique<EmbeddedConnection>(std::move(database), files);
 }
 
 void layOut(sqlite3* database) {
   runSqlite(database, "PRAGMA application_id = " + std::to_string(applicationId));
   Catalog::create(database);
+}
+
+// The form in which SQLite takes a file with options: a percent sign and what stands in front of options are escaped.
+std::string fileUri(const std::filesystem::path& file, std::string_view options) {
+  const std::u8string path = std::filesystem::absolute(file).generic_u8string();
+  std::string uri = path.starts_with(u8'/') ? "file://" : "file:///";
+  for (const char8_t c : path) {
+    if (c == u8'%' || c == u8'?' || c == u8'#') {
+      constexpr std::string_view digits = "0123456789ABCDEF";
+      uri += '%';
+      uri += digits[c >> 4U];
+      uri += digits[c & 15U];
+    } else {
+      uri += static_cast<char>(c);
+    }
+  }
+  return uri.append("?").append(options);
+}
+
+void requireFile(const std::filesystem::path& file, const std::string& name) {
+  std::error_code ignored;
+  if (std::filesystem::exists(file, ignored)) return;
+  throw SqlError(5120, "Unable to open the account file '" + name + "': there is no such file.");
 }
 
 }  // namespace
@@ -137,9 +193,7 @@ std::unique_ptr<Connection> Connection::open(const std::filesystem::path& file, 
     throw SqlError(
         5170, "Cannot create file '" + name + "' because it already exists. Change the file path or remove the file.");
   }
-  if (mode != OpenMode::createNew && !exists) {
-    throw SqlError(5120, "Unable to open the account file '" + name + "': there is no such file.");
-  }
+  if (mode != OpenMode::createNew) requireFile(file, name);
   const int flags = mode == OpenMode::createNew  ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
                     : mode == OpenMode::readOnly ? SQLITE_OPEN_READONLY
                                                  : SQLITE_OPEN_READWRITE;
@@ -150,10 +204,31 @@ std::unique_ptr<Connection> Connection::open(const std::filesystem::path& file, 
   } else {
     requireAccount(database.get(), name);
   }
-  setUp(database.get());
+  setUp(database.get(), "DELETE");
   registerValueFunctions(database.get());
   if (mode == OpenMode::createNew) layOut(database.get());
   return connect(std::move(database));
+}
+
+std::unique_ptr<Connection> Connection::openWithScratch(const std::filesystem::path& account,
+                                                        const std::filesystem::path& scratch) {
+  const std::string name = utf8FromPath(account);
+  requireFile(account, name);
+  undoHalfDoneChanges(name, account);
+  DatabaseHandle database =
+      openDatabase(utf8FromPath(scratch), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI);
+  setUp(database.get(), "TRUNCATE");
+  registerValueFunctions(database.get());
+  {
+    const std::string uri = fileUri(account, "mode=ro");
+    Prepared attach(database.get(), "ATTACH ?1 AS account");
+    attach.bind(1, uri);
+    attach.step();
+  }
+  requireAccount(database.get(), name, "account");
+  runSqlite(database.get(), "PRAGMA account.cache_size = -65536");
+  Catalog::create(database.get());
+  return connect(std::move(database), Catalog::Files::scratchAndAccount);
 }
 
 std::unique_ptr<Connection> Connection::openInMemory() {

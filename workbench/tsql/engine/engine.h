@@ -1,6 +1,9 @@
 // The embedded engine: T-SQL batches on a SQLite file. One Connection is one T-SQL connection with its own #temp
 // tables; several connections may share a file. Not for use from two threads at once.
 //
+// What only reads and what changes the account wait for each other, for half a minute at most; then SqlError 1222 says
+// which programs have the file. After requestStop() (values/stop.h) a statement that runs ends with Stopped.
+//
 // This header and stored_schema.h are the face of the engine: whoever stands outside workbench/tsql includes these two
 // and values/, and nothing else of it.
 #pragma once
@@ -12,6 +15,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "workbench/tsql/values/database.h"
 
@@ -43,6 +47,12 @@ class Connection : public Database {
  public:
   // Throws SqlError when the file is missing (existing, readOnly), is there already (createNew) or is no account file.
   static std::unique_ptr<Connection> open(const std::filesystem::path& file, OpenMode mode);
+  // Connects to the account for a report, without a write to it. What is created, tables, indexes, views and functions,
+  // lies in the file `scratch`, which several connections may share and which is made when it is not there; a name
+  // without a database is looked for in it first. SqlError 3906 refuses every change of the account. Throws as open()
+  // does.
+  static std::unique_ptr<Connection> openWithScratch(const std::filesystem::path& account,
+                                                     const std::filesystem::path& scratch);
   // An empty database in memory; `orvsystem` is there and empty.
   static std::unique_ptr<Connection> openInMemory();
 
@@ -50,6 +60,9 @@ class Connection : public Database {
   virtual void commit() = 0;
   virtual void rollback() = 0;
   virtual std::unique_ptr<BulkWriter> bulkWriter(std::string_view table, std::span<const std::string> columns) = 0;
+
+  // What is wrong with the file, a line each; empty when nothing is. Reads all of it.
+  virtual std::vector<std::string> damage() = 0;
 
   // Called after each statement; an empty function switches it off.
   virtual void observe(std::function<void(const StatementReport&)> observer) = 0;

@@ -11,6 +11,7 @@
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/syntax/parser.h"
+#include "workbench/tsql/values/stop.h"
 
 namespace quillon::tsql {
 namespace {
@@ -37,6 +38,7 @@ class SelectCursor : public Cursor {
   std::span<const Column> columns() const override { return columns_; }
 
   bool next() override {
+    endIfStopped();
     if (!first_ && hasRow_) hasRow_ = statement_.step();
     first_ = false;
     if (!hasRow_) return false;
@@ -103,6 +105,27 @@ auto withWideningSums(Action action) {
   }
 }
 
+// Runs the action, which takes all that it did back when it fails, again and again while another connection has the file:
+// SQLite itself does not wait when the statement has read before it writes, because two that do so would wait for each
+// other. Half a minute at most.
+template <typename Action>
+auto waitingForTheFile(sqlite3* database, Action action) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::seconds longest(30);
+  constexpr int pause = 25;  // milliseconds
+  const Clock::time_point start = Clock::now();
+  while (true) {
+    try {
+      return action();
+    } catch (const FileBusy&) {
+      // Within a transaction the others wait for this connection, too.
+      if (sqlite3_get_autocommit(database) == 0 || Clock::now() - start > longest) throw;
+      sqlite3_sleep(pause);
+      endIfStopped();
+    }
+  }
+}
+
 }  // namespace
 
 std::int64_t Executor::run(std::string_view batch, ResultSink& sink) {
@@ -142,7 +165,11 @@ std::int64_t Executor::execute(const Statement& statement, std::string_view batc
   const Clock::time_point start = Clock::now();
   std::int64_t affected = -1;
   try {
-    affected = dispatch(statement, batch, sink);
+    // A container runs its statements through here, and rows that were given cannot be taken back.
+    const bool changes = statement.kind != StatementKind::select && statement.kind != StatementKind::conditional &&
+                         statement.kind != StatementKind::block;
+    affected = changes ? waitingForTheFile(database_, [&] { return dispatch(statement, batch, sink); })
+                       : dispatch(statement, batch, sink);
   } catch (const SqlError& error) {
     catalog_.forget();
     if (error.line() != 0) throw;
@@ -164,7 +191,9 @@ std::int64_t Executor::dispatch(const Statement& s, std::string_view batch, Resu
   switch (s.kind) {
     case StatementKind::select:
       if (const ObjectName* const into = intoOf(*s.query)) {
-        affected = withWideningSums([&](bool exactSums) { return selectInto(s, *into, exactSums); });
+        affected = waitingForTheFile(database_, [&] {
+          return withWideningSums([&](bool exactSums) { return selectInto(s, *into, exactSums); });
+        });
         sink.rowsAffected(affected);
         return affected;
       }

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 
+#include "workbench/tsql/engine/lock_holders.h"
 #include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/values/stop.h"
 
 namespace quillon::tsql {
 namespace {
@@ -56,7 +58,21 @@ bool exceedsLimit(int code, std::string_view message) {
          std::ranges::any_of(limits, [message](std::string_view limit) { return message.starts_with(limit); });
 }
 
+// " by process 4711 (quillon)", for the file that SQLite's main database or the account is; empty when nobody can say.
+std::string inUseBy(sqlite3* database) {
+  for (const char* schema : {"account", "main"}) {
+    const char* const file = sqlite3_db_filename(database, schema);
+    if (file == nullptr || *file == '\0') continue;
+    if (const std::string holders = lockHolders(file); !holders.empty()) return " by " + holders;
+  }
+  return {};
+}
+
 }  // namespace
+
+FileBusy::FileBusy(const std::string& holders)
+    : SqlError(1222, "Lock request time out period exceeded: the account file is in use" + holders +
+                         ". Wait until that has ended, or end it, then run this again.") {}
 
 SumOverflow::SumOverflow() : SqlError(8115, "Arithmetic overflow error converting expression to data type numeric.") {}
 
@@ -77,7 +93,10 @@ void throwSqliteError(sqlite3* database) {
       throwConstraint(extended, message);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-      throw SqlError(1222, "Lock request time out period exceeded: another connection is writing to the account file.");
+      endIfStopped();
+      throw FileBusy(inUseBy(database));
+    case SQLITE_INTERRUPT:
+      throw Stopped();
     case SQLITE_FULL:
       throw SqlError(1105, "Could not allocate space: the disk that holds the account file is full.");
     case SQLITE_IOERR:
@@ -94,6 +113,9 @@ void throwSqliteError(sqlite3* database) {
       }
       throw SqlError(3906, "Failed to update the database because it was opened for reading only.");
     case SQLITE_CORRUPT:
+      throw SqlError(824,
+                     "The account file is damaged: what it holds does not fit together. `quillon account check "
+                     "--integrity FILE` says where; go back to a copy, or export what can still be read.");
     case SQLITE_NOTADB:
       throw SqlError(
           5172, "The header for the file is not a valid account file header: the file is damaged or is no account.");

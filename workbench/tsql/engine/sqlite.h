@@ -19,6 +19,12 @@ class SumOverflow : public SqlError {
   SumOverflow();
 };
 
+// Another connection has had the file for too long: SQL Server's 1222, with the programs that have it.
+class FileBusy : public SqlError {
+ public:
+  explicit FileBusy(const std::string& holders);
+};
+
 // Throws what the last failure of the handle means in SQL Server's numbers and texts: an error raised by one of the
 // engine's own functions as it stands, SQLite's constraint errors as 515, 2627, 8115, its limits as 40510.
 [[noreturn]] void throwSqliteError(sqlite3* database);

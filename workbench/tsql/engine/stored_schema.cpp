@@ -68,7 +68,7 @@ StoredSchema storedSchema(Connection& connection) {
   while (list.step()) {
     const char type = list.text(2).at(0);
     if (type == 'U') {
-      const Table table = tableOf(list.text(0), list.text(1), list.text(3));
+      const Table table = tableOf("main", list.text(0), list.text(1), list.text(3));
       schema.tables.push_back({table, indexesOf(database, table)});
     } else {
       schema.code.push_back(codeOf(type == 'V', list.text(0), list.text(1), list.text(3)));
