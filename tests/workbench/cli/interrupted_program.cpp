@@ -96,7 +96,8 @@ bool changesFiles(pid_t process, const __ptrace_syscall_info& call) {
 // Follows the traced process from one system call to the next until its end, or until it is killed.
 class Tracer {
  public:
-  Tracer(pid_t process, std::optional<int> killBefore) : process_(process), killBefore_(killBefore) {}
+  Tracer(pid_t process, std::optional<int> killBefore, int signal)
+      : process_(process), killBefore_(killBefore), signal_(signal) {}
 
   int changes() const { return changes_; }
 
@@ -114,7 +115,7 @@ class Tracer {
       if (WSTOPSIG(status) != (SIGTRAP | 0x80)) {
         signal = WSTOPSIG(status);
       } else if (entersChange() && ++changes_ == killBefore_) {
-        kill(process_, SIGKILL);
+        kill(process_, signal_);
       }
     }
   }
@@ -133,17 +134,18 @@ class Tracer {
 
   pid_t process_;
   std::optional<int> killBefore_;
+  int signal_;
   int changes_ = 0;
 };
 
 // Lets the process run untraced and kills it after a while.
-int followUntil(pid_t process, std::chrono::microseconds delay) {
+int followUntil(pid_t process, std::chrono::microseconds delay, int signal) {
   int status = 0;
   if (waitpid(process, &status, 0) != process) fail("waitpid");
   if (WIFEXITED(status)) return status;
   if (ptrace(PTRACE_DETACH, process, nullptr, nullptr) != 0) fail("ptrace");
   std::this_thread::sleep_for(delay);
-  kill(process, SIGKILL);
+  kill(process, signal);
   if (waitpid(process, &status, 0) != process) fail("waitpid");
   return status;
 }
@@ -162,14 +164,14 @@ ProgramEnd runProgram(const std::vector<std::string>& arguments, const Kill& kil
   ProgramEnd end;
   int status = 0;
   if (kill.after) {
-    status = followUntil(process, *kill.after);
+    status = followUntil(process, *kill.after, kill.signal);
   } else {
-    Tracer tracer(process, kill.beforeChange);
+    Tracer tracer(process, kill.beforeChange, kill.signal);
     status = tracer.follow();
     end.changes = tracer.changes();
   }
   end.killed = WIFSIGNALED(status);
-  if (end.killed && WTERMSIG(status) != SIGKILL)
+  if (end.killed && WTERMSIG(status) != kill.signal)
     throw std::runtime_error("the program ended with signal " + std::to_string(WTERMSIG(status)));
   if (!end.killed) end.status = WEXITSTATUS(status);
   std::array<char, 4096> part{};

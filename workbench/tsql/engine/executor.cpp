@@ -170,6 +170,9 @@ std::int64_t Executor::execute(const Statement& statement, std::string_view batc
                          statement.kind != StatementKind::block;
     affected = changes ? waitingForTheFile(database_, [&] { return dispatch(statement, batch, sink); })
                        : dispatch(statement, batch, sink);
+  } catch (const Stopped&) {
+    catalog_.forget();
+    throw;
   } catch (const SqlError& error) {
     catalog_.forget();
     if (error.line() != 0) throw;
