@@ -44,7 +44,7 @@ build() { # PRESET TARGET...
 wine() { tools/wine.sh "$@" </dev/null 2> >(cat >&2) | cat; }
 
 say "packages where they are missing, Quillon for Win32, a sample account, the four reports from it"
-say "takes, as an estimate, 4 minutes on two cores the first time, seconds after it"
+say "takes about 3 minutes on two cores the first time, seconds after it"
 tools/setup.sh demo
 mkdir -p "$demo"
 build win32 Quillon QuillonWorkbench quillon

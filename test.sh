@@ -34,11 +34,11 @@ if $everything; then
   fi
   presets=(native win32 asan)
   plan="native, Win32 under Wine, native with sanitizers; then format and clang-tidy"
-  takes="about 45 minutes on two cores the first time, 15 minutes once all is built"
+  takes="about 30 minutes on two cores the first time, 12 minutes once all is built"
 elif [ "${#presets[@]}" -eq 0 ]; then
   presets=(native win32)
   plan="native, and Win32 under Wine"
-  takes="about 15 minutes on two cores the first time, 5 minutes once all is built"
+  takes="about 12 minutes on two cores the first time, 5 minutes once all is built"
 else
   plan=${presets[*]}
   takes="up to 8 minutes each on two cores the first time"
@@ -47,7 +47,7 @@ fi
 step() { printf '\n=== %d:%02d  %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$*"; }
 
 printf 'test.sh: packages where they are missing, then build and tests: %s\n' "$plan"
-printf 'test.sh: takes, as an estimate, %s\n' "$takes"
+printf 'test.sh: takes %s\n' "$takes"
 
 step "setting up"
 if $everything; then tools/setup.sh all; else tools/setup.sh test; fi

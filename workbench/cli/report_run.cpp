@@ -83,7 +83,7 @@ void reportStop(const RunMonitor& monitor, std::ostream& notes) {
   throw UserError("the build stopped: " + errorText(failure));
 }
 
-// Work tables of a run on a server go on every way out: those that the report dropped itself are gone already.
+// Work tables of a run on a server go on every way out.
 class WorkTablesOnServer {
  public:
   // Both outlive the object.
@@ -92,7 +92,8 @@ class WorkTablesOnServer {
   WorkTablesOnServer(const WorkTablesOnServer&) = delete;
   WorkTablesOnServer& operator=(const WorkTablesOnServer&) = delete;
   ~WorkTablesOnServer() {
-    if (!account_.onServer() || platform_.uniqueParts().empty()) return;
+    if (reportDroppedThem_ || !account_.onServer() || platform_.uniqueParts().empty()) return;
+    const tsql::IgnoreStop putAway;
     try {
       account::dropWorkTablesNamed(*account_.open(tsql::OpenMode::existing), platform_.uniqueParts());
     } catch (const std::exception&) {
@@ -100,9 +101,13 @@ class WorkTablesOnServer {
     }
   }
 
+  // The report came to its end.
+  void reportDroppedThem() { reportDroppedThem_ = true; }
+
  private:
   const AccountSource& account_;
   const EmbeddedPlatform& platform_;
+  bool reportDroppedThem_ = false;
 };
 
 std::string totalTime(const RunMonitor& monitor, double seconds) {
@@ -126,6 +131,7 @@ MadeReport::MadeReport(const Report& report, SignedInAccount account, std::share
 MadeReport::~MadeReport() {
   // A scratch file takes its tables along.
   if (keep_ || !account_.source.onServer()) return;
+  const tsql::IgnoreStop putAway;
   try {
     table().drop();
   } catch (const std::exception&) {
@@ -153,7 +159,7 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
        .language = request.language,
        .monitor = &monitor,
        .messages = [&notes](std::string_view text, int) { notes.notes << oneLine(text) << '\n'; }});
-  const WorkTablesOnServer workTables(made->account().source, platform);
+  WorkTablesOnServer workTables(made->account().source, platform);
   {
     const auto runner = makeReportRunner(platform);
     const auto start = std::chrono::steady_clock::now();
@@ -170,7 +176,11 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
     if (notes.explanation != nullptr) *notes.explanation << totalTime(monitor, time.count());
   }
   tsql::endIfStopped();
-  if (monitor.leftOpen()) reportStop(monitor, notes.notes);
+  if (monitor.leftOpen()) {
+    reportStop(monitor, notes.notes);
+  } else {
+    workTables.reportDroppedThem();
+  }
   return made;
 }
 

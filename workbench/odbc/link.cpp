@@ -1,6 +1,7 @@
 #include "workbench/odbc/link.h"
 
 #include "workbench/odbc/wide_text.h"
+#include "workbench/tsql/values/stop.h"
 
 namespace quillon::odbc {
 
@@ -49,6 +50,7 @@ void Link::fail(SQLSMALLINT handleType, SQLHANDLE handle) {
   const auto diagnostics = diagnosticsOf(handleType, handle);
   if (tellLostConnection(diagnostics)) lost_ = describeLoss(diagnostics);
   requireConnection();
+  tsql::endIfStopped();
   throw errorOf(diagnostics);
 }
 
@@ -60,10 +62,12 @@ void Link::tellMessages(SQLHANDLE statement) const {
 
 Batch::Batch(std::shared_ptr<Link> link, std::string_view sql) : link_(std::move(link)) {
   link_->requireConnection();
+  tsql::endIfStopped();
   if (!statement_.allocate(link_->handle())) link_->fail(SQL_HANDLE_DBC, link_->handle());
   SQLSetStmtAttrW(statement_.get(), SQL_ATTR_QUERY_TIMEOUT, number(link_->commandTimeout()), SQL_IS_UINTEGER);
   // The text goes as it stands: braces in it are no escapes of ODBC's.
   SQLSetStmtAttrW(statement_.get(), SQL_ATTR_NOSCAN, number(SQL_NOSCAN_ON), SQL_IS_UINTEGER);
+  cancellation_.emplace(statement_.get());
   WideText text = toWide(sql);
   // "No data" tells that a statement changed no rows, which is no failure.
   check(SQLExecDirectW(statement_.get(), text.data(), static_cast<SQLINTEGER>(text.size())));
@@ -82,6 +86,7 @@ std::int64_t Batch::rowCount() {
 
 bool Batch::fetch() {
   link_->requireConnection();
+  tsql::endIfStopped();
   return check(SQLFetch(statement_.get()));
 }
 

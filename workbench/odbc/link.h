@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "workbench/odbc/api.h"
+#include "workbench/odbc/cancellation.h"
 #include "workbench/odbc/diagnostics.h"
 
 namespace quillon::odbc {
@@ -83,6 +84,7 @@ class Batch {
 
   std::shared_ptr<Link> link_;
   Handle<SQL_HANDLE_STMT> statement_;
+  std::optional<CancelOnStop> cancellation_;
   SQLSMALLINT columnCount_ = 0;
 };
 

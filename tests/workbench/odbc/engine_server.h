@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tests/workbench/odbc/test_driver.h"
+#include "workbench/tsql/values/stop.h"
 
 namespace quillon::odbc::test {
 
@@ -22,8 +23,13 @@ class EngineServer final : public Server {
 
   // The server is killed when it has run that many batches more, and does not come back.
   void dieAfter(int further) { batchesToLive_ = further; }
+  // The person at the client asks for a stop when the server has taken that many batches more.
+  void askForStopAfter(int further) { batchesToStop_ = further; }
   // Whether it takes another batch.
-  bool takesBatch() { return batchesToLive_ < 0 || batchesToLive_-- > 0; }
+  bool takesBatch() {
+    if (batchesToStop_ >= 0 && batchesToStop_-- == 0) tsql::requestStop();
+    return batchesToLive_ < 0 || batchesToLive_-- > 0;
+  }
 
   int batches = 0;                                 // that it has run
   int openSessions = 0;                            // that are connected
@@ -32,6 +38,7 @@ class EngineServer final : public Server {
  private:
   std::filesystem::path account_;
   int batchesToLive_ = -1;  // negative: for ever
+  int batchesToStop_ = -1;  // negative: nobody asks
 };
 
 }  // namespace quillon::odbc::test

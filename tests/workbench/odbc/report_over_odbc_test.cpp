@@ -243,6 +243,28 @@ TEST_F(OverOdbc, AKilledServerIsOneErrorAndNothingStaysConnected) {
   account::testing::dropLeftovers(*account);
 }
 
+// A person who asks for a stop at any point of a report: it ends, and the server has none of its tables.
+TEST_F(OverOdbc, AStoppedReportLeavesNoTable) {
+  for (const char* const report : {"sfc-item", "fx-wt"}) {
+    SCOPED_TRACE(report);
+    const auto before = tables();
+    int batches = server_.batches;
+    ASSERT_EQ(errorOfReport(report), "nothing failed");
+    batches = server_.batches - batches;
+    int stopped = 0;
+    for (int lived = 0; lived < batches; ++lived) {
+      server_.askForStopAfter(lived);
+      const std::string error = errorOfReport(report);
+      tsql::forgetStop();
+      EXPECT_THAT(error, testing::AnyOf(HasSubstr("stopped before its end"), testing::StrEq("nothing failed")));
+      stopped += error == "nothing failed" ? 0 : 1;
+      EXPECT_EQ(tables(), before) << "after " << lived << " batches";
+      EXPECT_EQ(server_.openSessions, 0);
+    }
+    EXPECT_GT(stopped, batches / 2);
+  }
+}
+
 TEST_F(OverOdbc, ASessionTellsALostConnectionAsAdoDoes) {
   AccountSession session;
   session.setConnectionString(odbc::test::EngineServer::connectionString());

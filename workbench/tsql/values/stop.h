@@ -7,7 +7,7 @@ namespace quillon::tsql {
 
 // Asks everything that runs in this process to end. May be called on any thread and by a signal handler.
 void requestStop() noexcept;
-bool stopRequested() noexcept;
+bool stopRequested() noexcept;  // false while an IgnoreStop lives
 // Takes the request back, for a program that goes on.
 void forgetStop() noexcept;
 
@@ -18,5 +18,14 @@ class Stopped : public SqlError {
 };
 
 void endIfStopped();
+
+// For what has to be put away after a stop: while it lives, in whatever thread, statements run as if nobody had asked.
+class IgnoreStop {
+ public:
+  IgnoreStop() noexcept;
+  IgnoreStop(const IgnoreStop&) = delete;
+  IgnoreStop& operator=(const IgnoreStop&) = delete;
+  ~IgnoreStop();
+};
 
 }  // namespace quillon::tsql

@@ -59,6 +59,11 @@ TEST_F(InterruptedChange, IsUndoneForAConnectionThatOnlyReads) {
   EXPECT_FALSE(fs::exists(journal()));
 }
 
+TEST_F(InterruptedChange, IsTheOnlyOneThatLeavesAJournal) {
+  Connection::open(folder_ / "running", OpenMode::existing)->execute("Insert Into t Values (4)");
+  EXPECT_FALSE(fs::exists(folder_ / "running-journal"));
+}
+
 TEST_F(InterruptedChange, IsAnErrorWhenItCannotBeUndone) {
   sqlite3* database = nullptr;
   ASSERT_EQ(sqlite3_open_v2(account().string().c_str(), &database, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
