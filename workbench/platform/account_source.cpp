@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "frame/text.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
@@ -12,7 +13,8 @@ namespace {
 
 using odbc::ConnectionString;
 
-constexpr std::string_view fileKeyword = "data source", scratchKeyword = "scratch";
+constexpr std::string_view fileKeyword = "data source", scratchKeyword = "scratch", modeKeyword = "mode",
+                           readMode = "Read";
 
 bool isConnectionString(const ConnectionString& text) {
   static constexpr std::string_view keywords[] = {fileKeyword, "driver", "dsn", "filedsn", "server", "provider"};
@@ -23,6 +25,7 @@ bool isConnectionString(const ConnectionString& text) {
 
 struct EmbeddedFiles {
   std::string account, scratch;
+  bool readOnly = false;
 };
 
 // The files of a connection string that says no more than which files; nullopt when another keyword makes it a server's.
@@ -33,6 +36,8 @@ std::optional<EmbeddedFiles> embeddedFiles(const ConnectionString& text) {
       files.account = attribute.value;
     } else if (attribute.is(scratchKeyword)) {
       files.scratch = attribute.value;
+    } else if (attribute.is(modeKeyword) && equalIgnoringCase(attribute.value, readMode)) {
+      files.readOnly = true;
     } else if (!attribute.isPassword()) {
       return std::nullopt;
     }
@@ -50,6 +55,7 @@ AccountSource::AccountSource(std::string text) : text_(std::move(text)) {
   } else if (std::optional<EmbeddedFiles> files = embeddedFiles(connection)) {
     file_ = std::move(files->account);
     scratch_ = pathFromUtf8(files->scratch);
+    readOnly_ = files->readOnly;
   } else {
     server_ = std::move(connection);
   }
@@ -71,6 +77,15 @@ AccountSource AccountSource::withScratch(const std::filesystem::path& scratch) c
   return source;
 }
 
+AccountSource AccountSource::readOnly() const {
+  AccountSource source = *this;
+  if (onServer()) return source;
+  source.scratch_.clear();
+  source.readOnly_ = true;
+  source.text_ = source.connectionString();
+  return source;
+}
+
 std::filesystem::path AccountSource::file() const {
   if (onServer()) {
     throw std::invalid_argument(
@@ -84,12 +99,13 @@ std::filesystem::path AccountSource::file() const {
 std::string AccountSource::connectionString() const {
   if (onServer()) return server_->text();
   const std::string account = "Data Source=" + odbc::inDoubleQuotes(file_);
-  return scratch_.empty() ? account : account + ";Scratch=" + odbc::inDoubleQuotes(utf8FromPath(scratch_));
+  if (!scratch_.empty()) return account + ";Scratch=" + odbc::inDoubleQuotes(utf8FromPath(scratch_));
+  return readOnly_ ? account + ";Mode=" + std::string(readMode) : account;
 }
 
 std::unique_ptr<tsql::Database> AccountSource::open(tsql::OpenMode mode, odbc::ConnectOptions options) const {
   if (!onServer() && !scratch_.empty()) return tsql::Connection::openWithScratch(file(), scratch_);
-  if (!onServer()) return tsql::Connection::open(file(), mode);
+  if (!onServer()) return tsql::Connection::open(file(), readOnly_ ? tsql::OpenMode::readOnly : mode);
   if (!server_->namesDriver()) {
     throw std::invalid_argument(
         "the connection string names no ODBC driver; write Driver={ODBC Driver 17 for SQL "

@@ -17,9 +17,9 @@ namespace quillon::workbench {
 //
 // A text that begins with a keyword of connection strings (Data Source, Driver, DSN, FileDSN, Server, Provider), or that
 // names an ODBC driver or data source anywhere, is a connection string; every other text is the name of a file, which
-// may hold "=" and ";". A connection string with no other keyword than Data Source, Scratch and a password is that of the
-// file that Data Source names (the password is ignored, a file has none); every other one is a server's. Scratch names
-// the scratch file of a report run: see withScratch().
+// may hold "=" and ";". A connection string with no other keyword than Data Source, Scratch, Mode=Read and a password is
+// that of the file that Data Source names (the password is ignored, a file has none); every other one is a server's.
+// Scratch names the scratch file of a report run: see withScratch(); Mode=Read: see readOnly().
 class AccountSource {
  public:
   // Names no account; file() and open() throw.
@@ -31,6 +31,9 @@ class AccountSource {
   // The same account for a report: open() then only reads its file, whatever mode is asked for, and what is created lies
   // in the file `scratch` (account::Scratch). Whoever opens the connection string has the same. For a file.
   AccountSource withScratch(const std::filesystem::path& scratch) const;
+  // The same account for who only looks something up: a file is only read, and needs no scratch file. A server's is as it
+  // was.
+  AccountSource readOnly() const;
 
   bool onServer() const { return server_.has_value(); }
 
@@ -45,7 +48,7 @@ class AccountSource {
   // The scratch file; empty when there is none.
   const std::filesystem::path& scratch() const { return scratch_; }
   // The connection string, as the login's OrvDbName: a server's as it was written, a file's as Data Source="FILE", with
-  // Scratch="FILE" behind it when there is one.
+  // Scratch="FILE" or Mode=Read behind it when it has them.
   std::string connectionString() const;
 
   // Connects to the account: a file in that mode, a server with those options. Throws tsql::SqlError when it cannot be
@@ -57,6 +60,7 @@ class AccountSource {
   std::string shown_;
   std::string file_;  // UTF-8; empty when the account is on a server or none is named
   std::filesystem::path scratch_;
+  bool readOnly_ = false;
   std::optional<odbc::ConnectionString> server_;
 };
 

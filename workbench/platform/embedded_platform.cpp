@@ -121,7 +121,7 @@ bool AccountPublicComponent::periodSettled(AccountingPeriod period, Session& ses
 WorkbenchResources::WorkbenchResources(Language language, const AccountSource& account, SessionMaker makeSession,
                                        MessageSink messages)
     : language_(language),
-      accountConnection_(account.connectionString()),
+      accountConnection_(account.readOnly().connectionString()),
       makeSession_(std::move(makeSession)),
       messages_(std::move(messages)) {}
 

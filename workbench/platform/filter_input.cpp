@@ -41,9 +41,7 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
 // yyyy-mm-dd with a real month and day; one digit of month and day is enough, as people write them.
 bool isDate(std::string_view text) {
   const std::vector<std::string> parts = split(text, '-');
-  const auto digits = [](const std::string& part) {
-    return !part.empty() && std::ranges::all_of(part, isDigit);
-  };
+  const auto digits = [](const std::string& part) { return !part.empty() && std::ranges::all_of(part, isDigit); };
   if (parts.size() != 3 || !std::ranges::all_of(parts, digits)) return false;
   if (parts[0].size() != 4 || parts[1].size() > 2 || parts[2].size() > 2) return false;
   const auto number = [](const std::string& part) { return tsql::text::wholeNumber(part).value_or(0); };
@@ -57,9 +55,7 @@ bool isDate(std::string_view text) {
 bool isNumber(std::string_view text) {
   if (text.starts_with('-')) text.remove_prefix(1);
   const auto point = text.find('.');
-  const auto digits = [](std::string_view part) {
-    return !part.empty() && std::ranges::all_of(part, isDigit);
-  };
+  const auto digits = [](std::string_view part) { return !part.empty() && std::ranges::all_of(part, isDigit); };
   return digits(text.substr(0, point)) && (point == std::string_view::npos || digits(text.substr(point + 1)));
 }
 

@@ -101,6 +101,34 @@ TEST(AccountSource, OpensAFile) {
   EXPECT_THROW(AccountSource("no-such-account.qacc").open(tsql::OpenMode::existing), tsql::SqlError);
 }
 
+// Whoever opens the connection string of a report's login has the same files.
+TEST(AccountSource, CarriesItsScratchFileInTheConnectionString) {
+  const test::TemporaryFile file(".qacc");
+  const test::TemporaryFile scratch(".scratch");
+  tsql::Connection::open(file.path(), tsql::OpenMode::createNew)->execute("Create Table t (i int)");
+  const AccountSource source = AccountSource::inFile(file.path()).withScratch(scratch.path());
+  EXPECT_EQ(source.connectionString(),
+            "Data Source=\"" + utf8FromPath(file.path()) + "\";Scratch=\"" + utf8FromPath(scratch.path()) + "\"");
+  EXPECT_EQ(source.shown(), utf8FromPath(file.path()));
+  source.open(tsql::OpenMode::existing)->execute("Select 7 As i Into made");
+  const AccountSource again(source.connectionString());
+  EXPECT_FALSE(again.onServer());
+  EXPECT_EQ(again.open(tsql::OpenMode::existing)->describe("made").size(), 1U);
+  EXPECT_TRUE(AccountSource::inFile(file.path()).open(tsql::OpenMode::readOnly)->describe("made").empty());
+}
+
+TEST(AccountSource, IsOnlyReadWhenItSaysSo) {
+  const test::TemporaryFile file(".qacc");
+  tsql::Connection::open(file.path(), tsql::OpenMode::createNew)->execute("Create Table t (i int)");
+  const AccountSource source = AccountSource::inFile(file.path()).withScratch(file.path()).readOnly();
+  EXPECT_EQ(source.connectionString(), "Data Source=\"" + utf8FromPath(file.path()) + "\";Mode=Read");
+  const AccountSource again("data source=" + utf8FromPath(file.path()) + ";mode=read");
+  EXPECT_EQ(again.open(tsql::OpenMode::existing)->describe("t").size(), 1U);
+  EXPECT_THROW(again.open(tsql::OpenMode::existing)->execute("Drop Table t"), tsql::SqlError);
+  EXPECT_TRUE(AccountSource("Data Source=a;Mode=Share").onServer()) << "another mode is not a file's";
+  EXPECT_EQ(AccountSource("DSN=ledger").readOnly().connectionString(), "DSN=ledger");
+}
+
 TEST(AccountSource, RefusesAServersConnectionStringThatIsNotOdbcs) {
   for (const char* text : {"Provider=SQLOLEDB;Data Source=here;Password=secret", "Server=here;PWD=secret"}) {
     try {

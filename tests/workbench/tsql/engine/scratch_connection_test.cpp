@@ -44,7 +44,12 @@ class ScratchConnection : public ::testing::Test {
     fs::remove_all(folder_, ignored);
   }
 
+  // A name with what has a meaning where SQLite takes files with options.
+#ifdef _WIN32
+  fs::path account() const { return folder_ / "the 100% account#.account"; }
+#else
   fs::path account() const { return folder_ / "the 100% account?#.account"; }
+#endif
   fs::path scratch() const { return folder_ / "scratch"; }
   std::unique_ptr<Connection> open() const { return Connection::openWithScratch(account(), scratch()); }
 
