@@ -113,8 +113,7 @@ bool checkAccount(const AccountSource& source, std::ostream& out) {
 
 bool checkIntegrity(const AccountSource& source, std::ostream& out) {
   if (source.onServer()) throw UserError("--integrity is for account files; a server checks its own with DBCC CHECKDB");
-  const auto connection = tsql::Connection::open(source.file(), tsql::OpenMode::readOnly);
-  const std::vector<std::string> damage = connection->damage();
+  const std::vector<std::string> damage = tsql::Connection::damage(source.file());
   for (const std::string& line : damage)
     out << line << '\n';
   out << (damage.empty()

@@ -49,7 +49,6 @@ class FakeConnection : public tsql::Connection {
   void rollback() override { refuse(); }
   std::vector<tsql::Column> describe(std::string_view) override { refuse(); }
   std::vector<std::string> tables(std::string_view) override { refuse(); }
-  std::vector<std::string> damage() override { refuse(); }
   void observe(std::function<void(const tsql::StatementReport&)>) override { refuse(); }
   std::string translate(std::string_view) override { refuse(); }
   sqlite3* handle() override { refuse(); }

@@ -24,7 +24,6 @@ class Sink : public tsql::Connection {
   void rollback() override {}
   std::vector<tsql::Column> describe(std::string_view) override { return {}; }
   std::vector<std::string> tables(std::string_view) override { return {}; }
-  std::vector<std::string> damage() override { return {}; }
   void observe(std::function<void(const tsql::StatementReport&)>) override {}
   std::string translate(std::string_view) override { return {}; }
   sqlite3* handle() override { return nullptr; }

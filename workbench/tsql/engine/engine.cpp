@@ -129,15 +129,6 @@ class EmbeddedConnection : public Connection {
 
   std::vector<std::string> tables(std::string_view database) override { return catalog_.tables(database); }
 
-  std::vector<std::string> damage() override {
-    std::vector<std::string> found;
-    Prepared check(database_.get(), "PRAGMA integrity_check");
-    while (check.step()) {
-      if (std::string line = check.text(0); line != "ok") found.push_back(std::move(line));
-    }
-    return found;
-  }
-
   void observe(std::function<void(const StatementReport&)> observer) override {
     executor_.observe(std::move(observer));
   }
@@ -229,6 +220,26 @@ std::unique_ptr<Connection> Connection::openWithScratch(const std::filesystem::p
   runSqlite(database.get(), "PRAGMA account.cache_size = -65536");
   Catalog::create(database.get());
   return connect(std::move(database), Catalog::Files::scratchAndAccount);
+}
+
+std::vector<std::string> Connection::damage(const std::filesystem::path& file) {
+  const std::string name = utf8FromPath(file);
+  requireFile(file, name);
+  undoHalfDoneChanges(name, file);
+  const DatabaseHandle database = openDatabase(name, SQLITE_OPEN_READONLY);
+  requireAccount(database.get(), name);
+  registerValueFunctions(database.get());
+  std::vector<std::string> found;
+  try {
+    Prepared check(database.get(), "PRAGMA integrity_check");
+    while (check.step()) {
+      if (std::string line = check.text(0); line != "ok") found.push_back(std::move(line));
+    }
+  } catch (const SqlError& error) {
+    if (error.number() != damagedFile) throw;
+    found.emplace_back("the list of its tables cannot be read");
+  }
+  return found;
 }
 
 std::unique_ptr<Connection> Connection::openInMemory() {

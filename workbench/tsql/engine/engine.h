@@ -53,6 +53,8 @@ class Connection : public Database {
   // does.
   static std::unique_ptr<Connection> openWithScratch(const std::filesystem::path& account,
                                                      const std::filesystem::path& scratch);
+  // What is damaged in an account file, a line each; empty when nothing is. Reads all of it. Throws as open() does.
+  static std::vector<std::string> damage(const std::filesystem::path& file);
   // An empty database in memory; `orvsystem` is there and empty.
   static std::unique_ptr<Connection> openInMemory();
 
@@ -60,9 +62,6 @@ class Connection : public Database {
   virtual void commit() = 0;
   virtual void rollback() = 0;
   virtual std::unique_ptr<BulkWriter> bulkWriter(std::string_view table, std::span<const std::string> columns) = 0;
-
-  // What is wrong with the file, a line each; empty when nothing is. Reads all of it.
-  virtual std::vector<std::string> damage() = 0;
 
   // Called after each statement; an empty function switches it off.
   virtual void observe(std::function<void(const StatementReport&)> observer) = 0;

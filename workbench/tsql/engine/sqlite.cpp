@@ -113,7 +113,7 @@ void throwSqliteError(sqlite3* database) {
       }
       throw SqlError(3906, "Failed to update the database because it was opened for reading only.");
     case SQLITE_CORRUPT:
-      throw SqlError(824,
+      throw SqlError(damagedFile,
                      "The account file is damaged: what it holds does not fit together. `quillon account check "
                      "--integrity FILE` says where; go back to a copy, or export what can still be read.");
     case SQLITE_NOTADB:

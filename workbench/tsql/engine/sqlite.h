@@ -19,6 +19,9 @@ class SumOverflow : public SqlError {
   SumOverflow();
 };
 
+// SQL Server's number for a file whose content does not fit together.
+inline constexpr int damagedFile = 824;
+
 // Another connection has had the file for too long: SQL Server's 1222, with the programs that have it.
 class FileBusy : public SqlError {
  public:
