@@ -3,6 +3,8 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <array>
+#include <fstream>
 #include <system_error>
 
 #include "workbench/tsql/engine/bulk_writer.h"
@@ -170,11 +172,29 @@ std::string fileUri(const std::filesystem::path& file, std::string_view options)
 
 void requireFile(const std::filesystem::path& file, const std::string& name) {
   std::error_code ignored;
-  if (std::filesystem::exists(file, ignored)) return;
-  throw SqlError(5120, "Unable to open the account file '" + name + "': there is no such file.");
+  if (std::filesystem::is_regular_file(file, ignored)) return;
+  // SQLite would wait for the other end of a pipe.
+  throw SqlError(5120, "Unable to open the account file '" + name +
+                           (std::filesystem::exists(file, ignored) ? "': it is a folder, a device or a pipe."
+                                                                   : "': there is no such file."));
 }
 
 }  // namespace
+
+bool isAccountFile(const std::filesystem::path& file) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(file, ignored)) return false;  // reading a pipe could wait for ever
+  constexpr std::string_view signature("SQLite format 3\0", 16);
+  constexpr std::size_t idOffset = 68;
+  std::array<char, idOffset + 4> head{};
+  std::ifstream in(file, std::ios::binary);
+  if (!in.read(head.data(), head.size()) || !std::string_view(head.data(), head.size()).starts_with(signature))
+    return false;
+  std::int64_t id = 0;
+  for (std::size_t i = idOffset; i < head.size(); ++i)
+    id = id * 256 + static_cast<unsigned char>(head[i]);
+  return id == applicationId;
+}
 
 std::unique_ptr<Connection> Connection::open(const std::filesystem::path& file, OpenMode mode) {
   const std::string name = utf8FromPath(file);
