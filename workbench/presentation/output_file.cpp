@@ -1,16 +1,101 @@
 #include "workbench/presentation/output_file.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
 #include <fstream>
+#include <random>
+#include <string>
 #include <system_error>
 
+#include "frame/text.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+constexpr std::string_view partSuffix = ".part";
+constexpr std::size_t numberDigits = 8;
+constexpr std::array<std::string_view, 3> besideAccounts = {"-journal", "-wal", "-shm"};
+
+// Makes the file `name`, which nobody else has; false when it exists. Sets `error` when it cannot be made.
+bool makeNew(const fs::path& name, std::error_code& error) {
+#ifdef _WIN32
+  const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    const DWORD reason = GetLastError();
+    if (reason != ERROR_FILE_EXISTS) error.assign(static_cast<int>(reason), std::system_category());
+    return false;
+  }
+  CloseHandle(file);
+#else
+  constexpr mode_t asUsual = 0666;  // what the user's mask leaves of it
+  const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, asUsual);
+  if (file < 0) {
+    if (errno != EEXIST) error.assign(errno, std::generic_category());
+    return false;
+  }
+  close(file);
+#endif
+  return true;
+}
+
+// Whether `name` is `target` with a number and the suffix behind it.
+bool isPartOf(const std::string& name, const std::string& target) {
+  if (name.size() != target.size() + 1 + numberDigits + partSuffix.size()) return false;
+  if (!name.starts_with(target + ".") || !name.ends_with(partSuffix)) return false;
+  const std::string_view number = std::string_view(name).substr(target.size() + 1, numberDigits);
+  return number.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+bool isSameFile(const fs::path& one, const fs::path& other) {
+  std::error_code error;
+  return fs::equivalent(one, other, error) && !error;
+}
+
+// Whether SQLite keeps the file for an account beside it.
+bool belongsToAccount(const fs::path& file) {
+  const std::string name = utf8FromPath(file);
+  return std::ranges::any_of(besideAccounts, [&name](std::string_view suffix) {
+    if (name.size() <= suffix.size()) return false;
+    const std::size_t base = name.size() - suffix.size();
+    return equalIgnoringCase(std::string_view(name).substr(base), suffix) &&
+           tsql::isAccountFile(pathFromUtf8(name.substr(0, base)));
+  });
+}
+
+[[noreturn]] void refuse(const fs::path& file, const char* reason) {
+  throw UserError("will not write over " + utf8FromPath(file) + ": it " + reason + "; name another file");
+}
+
+}  // namespace
+
+void refuseToReplace(const fs::path& file, std::span<const fs::path> inputs) {
+  if (tsql::isAccountFile(file)) refuse(file, "is an account");
+  if (belongsToAccount(file)) refuse(file, "belongs to an account");
+  for (const fs::path& input : inputs) {
+    std::error_code error;
+    const fs::file_status status = fs::status(input, error);
+    // One terminal may well be read from and written to.
+    if (fs::is_regular_file(status) && isSameFile(file, input)) refuse(file, "is read by this command");
+  }
+}
+
 OutputFile::OutputFile(const fs::path& file) : file_(file), target_(file), part_(file) {
+  refuseToReplace(file, {});
   std::error_code error;
   const fs::file_status older = fs::status(file, error);
   if (fs::exists(older)) {
@@ -20,9 +105,8 @@ OutputFile::OutputFile(const fs::path& file) : file_(file), target_(file), part_
     // A new name could be given over a file that is protected from being written to, which this one then is not.
     if (!std::ofstream(target_, std::ios::binary | std::ios::app)) fail();
   }
-  part_ = target_;
-  part_ += ".part";
-  fs::remove(part_, error);
+  removeOldParts();
+  makePart();
 }
 
 OutputFile::~OutputFile() {
@@ -30,8 +114,39 @@ OutputFile::~OutputFile() {
   if (replaces()) fs::remove(part_, ignored);
 }
 
+void OutputFile::makePart() {
+  constexpr int attempts = 100;  // each would have to meet another run's number
+  std::random_device random;
+  std::error_code error;
+  for (int attempt = 0; attempt < attempts && !error; ++attempt) {
+    std::array<char, numberDigits + 1> number{};
+    std::snprintf(number.data(), number.size(), "%08x", static_cast<unsigned>(random()));
+    fs::path part = target_;
+    part += "." + std::string(number.data()) + std::string(partSuffix);
+    if (makeNew(part, error)) {
+      part_ = std::move(part);
+      return;
+    }
+  }
+  fail();
+}
+
+void OutputFile::removeOldParts() const {
+  constexpr std::chrono::hours day{24};
+  const std::string name = utf8FromPath(target_.filename());
+  const fs::path folder = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    if (!isPartOf(utf8FromPath(entry->path().filename()), name)) continue;
+    std::error_code ignored;
+    const auto age = fs::file_time_type::clock::now() - entry->last_write_time(ignored);
+    if (!ignored && age > day) fs::remove(entry->path(), ignored);
+  }
+}
+
 void OutputFile::complete() {
   if (!replaces()) return;
+  refuseToReplace(target_, {});
   std::error_code error;
   if (const fs::file_status older = fs::status(target_, error); fs::exists(older)) {
     fs::permissions(part_, older.permissions(), error);
