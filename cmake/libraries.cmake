@@ -33,6 +33,9 @@ add_library(xlsxwriter STATIC EXCLUDE_FROM_ALL ${xlsxwriter_sources} ${minizip}/
                                                ${QUILLON_XLSXWRITER_DIR}/third_party/tmpfileplus/tmpfileplus.c)
 target_include_directories(xlsxwriter SYSTEM PUBLIC ${QUILLON_XLSXWRITER_DIR}/include)
 target_compile_definitions(xlsxwriter PRIVATE USE_NO_MD5 NOCRYPT NOUNCRYPT)
+# What it would print about an error goes to the R.h of this folder, which drops it.
+target_compile_definitions(xlsxwriter PRIVATE USE_R_LANG)
+target_include_directories(xlsxwriter PRIVATE ${CMAKE_SOURCE_DIR}/cmake/quiet_xlsxwriter)
 target_compile_options(xlsxwriter PRIVATE -w)
 set_target_properties(xlsxwriter PROPERTIES UNITY_BUILD OFF)
 target_link_libraries(xlsxwriter PRIVATE ZLIB::ZLIB)

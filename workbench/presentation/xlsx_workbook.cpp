@@ -179,8 +179,22 @@ class Sheet {
 
   void check(lxw_error error) const {
     if (error == LXW_NO_ERROR) return;
-    throw UserError("cannot write " + file_ + ": " + lxw_strerror(error) +
-                    "; check the folder and its free space, or write --format csv");
+    throw UserError("cannot write " + file_ + ": " + reasonOf(error) + ", or write --format csv");
+  }
+
+  // libxlsxwriter's own words speak of its calls.
+  static std::string reasonOf(lxw_error error) {
+    switch (error) {
+      case LXW_ERROR_MEMORY_MALLOC_FAILED:
+        return "there is not enough memory; show fewer rows with --limit";
+      case LXW_ERROR_CREATING_TMPFILE:
+      case LXW_ERROR_READING_TMPFILE:
+        return "its temporary file cannot be used; check the temporary folder and its free space";
+      case LXW_ERROR_MAX_STRING_LENGTH_EXCEEDED:
+        return "a text is longer than the 32,767 characters of a cell; leave its row out with the filter";
+      default:
+        return "the workbook could not be put together; check the folder and its free space";
+    }
   }
 
   lxw_format* format(Style style, const std::string& numberFormat) {
