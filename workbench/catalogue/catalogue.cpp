@@ -8,6 +8,7 @@
 #include "workbench/catalogue/fx_wt.h"
 #include "workbench/catalogue/outsum_item.h"
 #include "workbench/catalogue/sfc_item.h"
+#include "workbench/platform/nearest_name.h"
 
 namespace quillon::workbench {
 
@@ -20,7 +21,12 @@ const Report& reportNamed(std::string_view name) {
   for (const Report& report : reports()) {
     if (report.registration.name == name) return report;
   }
-  throw std::invalid_argument("there is no report \"" + std::string(name) + "\"; the reports are: " + reportNames());
+  std::vector<std::string> names;
+  for (const Report& report : reports())
+    names.push_back(report.registration.name);
+  const auto nearest = nearestName(name, names);
+  throw std::invalid_argument("there is no report \"" + std::string(name) + "\"; " +
+                              (nearest ? "did you mean " + *nearest + "? " : "") + "the reports are: " + reportNames());
 }
 
 std::string reportNames() {

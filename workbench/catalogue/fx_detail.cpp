@@ -11,7 +11,7 @@ namespace {
 
 // The ledger is of one inventory.
 ItemRegistration inventory() {
-  ItemRegistration item = reference("cInvCode", "存货", "Inventory", "base.cInvCode");
+  ItemRegistration item = reference("cInvCode", "存货", "Inventory", "base.cInvCode", inventories);
   item.required = true;
   return item;
 }
@@ -43,8 +43,8 @@ ReportRegistration fxDetailRegistration() {
            .column = "base.dKeepDate"},
           reference("cInvCCode", "存货分类", "Inventory class", "inv.cInvCCode"),
           inventory(),
-          reference("cWhCode", "仓库", "Warehouse", "base.cWhCode"),
-          reference("cDepCode", "部门", "Department", "base.cDepCode"),
+          reference("cWhCode", "仓库", "Warehouse", "base.cWhCode", warehouses),
+          reference("cDepCode", "部门", "Department", "base.cDepCode", departments),
           {.key = "cBatchIA", .chinese = "批号", .english = "Batch", .multiple = true, .column = "base.cBatchia"}});
   append(report.items, freeItems());
   return report;
@@ -129,6 +129,8 @@ std::vector<account::JoinKey> fxDetailKeys() {
 // What a drill-through reads of a row.
 constexpr std::array<std::string_view, 6> documentColumns = {"cVouType", "cVouCode", "cBusType",
                                                              "iPZID",    "cPZID",    "ID"};
+constexpr std::array<std::string_view, 2> sourceDocumentColumns = {"cVouType", "ID"};
+constexpr std::array<std::string_view, 3> ledgerVoucherColumns = {"cVouType", "cPZID", "iPZID"};
 
 }  // namespace
 
@@ -140,7 +142,9 @@ Report fxDetail() {
           .columns = fxDetailColumns(),
           .isLedger = true,
           .joinKeys = fxDetailKeys(),
-          .documentColumns = documentColumns};
+          .documentColumns = documentColumns,
+          .sourceDocumentColumns = sourceDocumentColumns,
+          .ledgerVoucherColumns = ledgerVoucherColumns};
 }
 
 }  // namespace quillon::workbench

@@ -41,15 +41,15 @@ ReportRegistration fxWtRegistration() {
           types("cBusType", "业务类型", "Business type", "base.cBusType"),
           ledgerColumn("cVouCode", "单据号", "Voucher number"),
           reference("Inventory.cInvCCode", "存货分类", "Inventory class", "Inventory.cInvCCode"),
-          references("Inventory.cInvCode", "存货", "Inventory", "Inventory.cInvCode"),
+          references("Inventory.cInvCode", "存货", "Inventory", "Inventory.cInvCode", inventories),
           reference("Customer.cCCCode", "客户分类", "Customer class", "Customer.cCCCode"),
-          references("Customer.cCusCode", "客户", "Customer", "Customer.cCusCode"),
+          references("Customer.cCusCode", "客户", "Customer", "Customer.cCusCode", customers),
           reference("Vendor.cVCCode", "供应商分类", "Vendor class", "Vendor.cVCCode"),
-          references("Vendor.cVenCode", "供应商", "Vendor", "Vendor.cVenCode"),
-          references("cWhCode", "仓库", "Warehouse", "base.cWhCode"),
-          reference("cDepCode", "部门", "Department", "base.cDepCode"),
-          reference("cDeptID", "成本中心", "Cost centre", "CAQ_CostCenterMap.cDeptID"),
-          reference("cRdCode", "收发类别", "Receipt/issue type", "base.cRdCode"),
+          references("Vendor.cVenCode", "供应商", "Vendor", "Vendor.cVenCode", vendors),
+          references("cWhCode", "仓库", "Warehouse", "base.cWhCode", warehouses),
+          reference("cDepCode", "部门", "Department", "base.cDepCode", departments),
+          reference("cDeptID", "成本中心", "Cost centre", "CAQ_CostCenterMap.cDeptID", costCentres),
+          reference("cRdCode", "收发类别", "Receipt/issue type", "base.cRdCode", receiptIssueTypes),
           {.key = "PzNoId", .chinese = "凭证标识", .english = "Accounting voucher", .column = "base.cPZID"},
           ledgerColumn("cHandler", "经手人", "Handled by"),
           ledgerColumn("cAccounter", "记账人", "Posted by"),
@@ -192,6 +192,8 @@ std::vector<account::JoinKey> fxWtKeys() {
 // What a drill-through reads of a row. It asks for ID, too, which the platform answers from AutoID.
 constexpr std::array<std::string_view, 6> documentColumns = {"cVouType", "cVouCode", "cBusType",
                                                              "iPZID",    "cPZID",    "AutoID"};
+constexpr std::array<std::string_view, 2> sourceDocumentColumns = {"cVouType", "AutoID"};
+constexpr std::array<std::string_view, 3> ledgerVoucherColumns = {"cVouType", "cPZID", "iPZID"};
 
 }  // namespace
 
@@ -204,7 +206,9 @@ Report fxWt() {
           .order = orderByLine,
           .crossStates = fxWtStates,
           .joinKeys = fxWtKeys(),
-          .documentColumns = documentColumns};
+          .documentColumns = documentColumns,
+          .sourceDocumentColumns = sourceDocumentColumns,
+          .ledgerVoucherColumns = ledgerVoucherColumns};
 }
 
 }  // namespace quillon::workbench

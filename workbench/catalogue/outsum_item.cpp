@@ -48,23 +48,23 @@ std::vector<ItemRegistration> documentItems() {
 }
 
 std::vector<ItemRegistration> masterItems() {
-  return {references("cWhCode", "仓库", "Warehouse", "base.cWhCode"),
+  return {references("cWhCode", "仓库", "Warehouse", "base.cWhCode", warehouses),
           reference("cInvCCode", "存货分类", "Inventory class", "inv.cInvCCode"),
-          references("cInvCode", "存货", "Inventory", "base.cInvCode"),
-          references("cInvPspCode", "父项产品", "Parent product", "base.cPspCode"),
-          references("RdCode", "收发类别", "Receipt/issue type", "base.cRdCode"),
-          references("cDepCode", "核算部门", "Accounting department", "base.cAccDep"),
+          references("cInvCode", "存货", "Inventory", "base.cInvCode", inventories),
+          references("cInvPspCode", "父项产品", "Parent product", "base.cPspCode", inventories),
+          references("RdCode", "收发类别", "Receipt/issue type", "base.cRdCode", receiptIssueTypes),
+          references("cDepCode", "核算部门", "Accounting department", "base.cAccDep", departments),
           reference("cProCode", "生产部门", "Production department", "base.cProCode"),
-          references("cWhDep", "单据部门", "Document department", "base.cDepCode"),
+          references("cWhDep", "单据部门", "Document department", "base.cDepCode", departments),
           reference("cCusCCode", "客户分类", "Customer class", "cus.cCCCode"),
-          references("cCusCode", "客户", "Customer", "base.cCusCode"),
-          references("cVenCode", "供应商", "Vendor", "base.cVenCode"),
-          reference("cItem_Class", "项目大类", "Project class", "base.cItem_Class"),
+          references("cCusCode", "客户", "Customer", "base.cCusCode", customers),
+          references("cVenCode", "供应商", "Vendor", "base.cVenCode", vendors),
+          reference("cItem_Class", "项目大类", "Project class", "base.cItem_Class", projectClasses),
           references("cItemCode", "项目", "Project item", "base.cItemCode"),
-          references("cOppHead", "对方科目", "Contra account", "base.cOppHead"),
-          references("cworkcentername", "工作中心", "Work centre", "base.cworkcentername"),
-          references("cperson", "业务员", "Person", "base.cPersonCode"),
-          references("cMaker", "制单人", "Prepared by", "base.cMaker")};
+          references("cOppHead", "对方科目", "Contra account", "base.cOppHead", ledgerAccounts),
+          references("cworkcentername", "工作中心", "Work centre", "base.cworkcentername", workCentres),
+          references("cperson", "业务员", "Person", "base.cPersonCode", persons),
+          references("cMaker", "制单人", "Prepared by", "base.cMaker", users)};
 }
 
 // A text or a number that one document carries.

@@ -82,12 +82,19 @@ std::vector<ItemRegistration> inventoryFields(const std::string& table, bool mul
   return fields;
 }
 
-ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column) {
-  return {.key = key, .chinese = chinese, .english = english, .kind = InputKind::reference, .column = column};
+ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column,
+                           std::optional<Master> master) {
+  return {.key = key,
+          .chinese = chinese,
+          .english = english,
+          .kind = InputKind::reference,
+          .column = column,
+          .master = master};
 }
 
-ItemRegistration references(const char* key, const char* chinese, const char* english, const char* column) {
-  ItemRegistration item = reference(key, chinese, english, column);
+ItemRegistration references(const char* key, const char* chinese, const char* english, const char* column,
+                            std::optional<Master> master) {
+  ItemRegistration item = reference(key, chinese, english, column, master);
   item.multiple = true;
   return item;
 }

@@ -42,6 +42,10 @@ struct Report {
   // The columns of a row that lead to the document behind it. Empty: its rows open nothing.
   std::span<const std::string_view> documentColumns = {};
 
+  // Of these, what the source document and the general-ledger voucher cannot be opened without.
+  std::span<const std::string_view> sourceDocumentColumns = {};
+  std::span<const std::string_view> ledgerVoucherColumns = {};
+
   bool opensDocuments() const { return !documentColumns.empty(); }
 };
 

@@ -4,8 +4,10 @@
 #include <array>
 #include <cctype>
 #include <string>
+#include <vector>
 
 #include "frame/text.h"
+#include "workbench/platform/nearest_name.h"
 #include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
@@ -37,8 +39,7 @@ bool flag(const Json& item, std::size_t position, const char* member) {
 
 bool isIdentifier(std::string_view name) {
   const auto fits = [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; };
-  return !name.empty() && !isDigit(name.front()) &&
-         std::ranges::all_of(name, fits);
+  return !name.empty() && !isDigit(name.front()) && std::ranges::all_of(name, fits);
 }
 
 FilterEntry& entryFor(FilterObject& filter, const Json& item, std::size_t position) {
@@ -58,7 +59,9 @@ FilterEntry& entryFor(FilterObject& filter, const Json& item, std::size_t positi
 void requireKnownMembers(const Json& item, std::size_t position) {
   static constexpr std::array known = {"name", "value", "value2", "range", "multi", "caption", "sql"};
   for (const auto& [member, value] : item.items()) {
-    if (std::ranges::find(known, member) == known.end()) refuse(position, "\"" + member + "\" is not known");
+    if (std::ranges::find(known, member) != known.end()) continue;
+    refuse(position, "\"" + member + "\" is not known" +
+                         suggestion(member, std::vector<std::string>(known.begin(), known.end())));
   }
 }
 

@@ -11,6 +11,7 @@
 #include "workbench/cli/run_monitor.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/json_file.h"
+#include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/tsql/values/stop.h"
@@ -57,6 +58,8 @@ std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const R
   } else {
     checkFilter(*filter);
   }
+  for (const std::string& line : unknownCodes(*filter, *account.session))
+    notes << "quillon: " << oneLine(line) << '\n';
   return filter;
 }
 

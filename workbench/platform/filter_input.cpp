@@ -2,11 +2,16 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <set>
 #include <stdexcept>
+#include <tuple>
 
 #include "frame/text.h"
+#include "workbench/account/schema.h"
 #include "workbench/platform/account_session.h"
+#include "workbench/platform/nearest_name.h"
+#include "workbench/tsql/values/collation.h"
 #include "workbench/tsql/values/text.h"
 
 namespace quillon::workbench {
@@ -38,18 +43,8 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
   return text;
 }
 
-// yyyy-mm-dd with a real month and day; one digit of month and day is enough, as people write them.
 bool isDate(std::string_view text) {
-  const std::vector<std::string> parts = split(text, '-');
-  const auto digits = [](const std::string& part) { return !part.empty() && std::ranges::all_of(part, isDigit); };
-  if (parts.size() != 3 || !std::ranges::all_of(parts, digits)) return false;
-  if (parts[0].size() != 4 || parts[1].size() > 2 || parts[2].size() > 2) return false;
-  const auto number = [](const std::string& part) { return tsql::text::wholeNumber(part).value_or(0); };
-  const std::chrono::year_month_day date{std::chrono::year(number(parts[0])),
-                                         std::chrono::month(static_cast<unsigned>(number(parts[1]))),
-                                         std::chrono::day(static_cast<unsigned>(number(parts[2])))};
-  constexpr std::chrono::year firstOfDatetime{1753};
-  return date.ok() && date.year() >= firstOfDatetime;
+  return enteredDate(text).has_value();
 }
 
 bool isNumber(std::string_view text) {
@@ -71,6 +66,67 @@ std::string choiceList(const ItemRegistration& item) {
 const Choice* findChoice(const ItemRegistration& item, std::string_view code) {
   const auto found = std::ranges::find(item.choices, code, &Choice::code);
   return found == item.choices.end() ? nullptr : &*found;
+}
+
+// A number as isNumber() takes it, cut into what can be compared digit by digit.
+struct Digits {
+  bool negative = false;
+  std::string_view whole;     // without zeros in front
+  std::string_view decimals;  // without zeros behind
+};
+
+Digits digitsOf(std::string_view number) {
+  Digits digits;
+  digits.negative = number.starts_with('-');
+  if (digits.negative) number.remove_prefix(1);
+  const auto point = number.find('.');
+  digits.whole = number.substr(0, point);
+  if (point != std::string_view::npos) digits.decimals = number.substr(point + 1);
+  while (digits.whole.starts_with('0'))
+    digits.whole.remove_prefix(1);
+  while (digits.decimals.ends_with('0'))
+    digits.decimals.remove_suffix(1);
+  if (digits.whole.empty() && digits.decimals.empty()) digits.negative = false;
+  return digits;
+}
+
+// Compares numbers of any length.
+bool numberIsAbove(std::string_view left, std::string_view right) {
+  const Digits one = digitsOf(left), two = digitsOf(right);
+  if (one.negative != two.negative) return two.negative;
+  const auto size = [](const Digits& digits) { return std::tuple(digits.whole.size(), digits.whole, digits.decimals); };
+  return one.negative ? size(one) < size(two) : size(one) > size(two);
+}
+
+bool isAbove(InputKind kind, const std::string& lower, const std::string& upper) {
+  if (kind == InputKind::date) return enteredDate(lower) > enteredDate(upper);
+  if (kind == InputKind::number) return numberIsAbove(lower, upper);
+  if (tsql::compareText(lower, upper) <= 0) return false;
+  return !isNumber(lower) || !isNumber(upper) || numberIsAbove(lower, upper);
+}
+
+// The type of the account's column that the item's condition compares, as the account is made with it; empty when it
+// compares none.
+std::string_view columnType(const ItemRegistration& item) {
+  const auto point = item.column.find('.');
+  if (point == std::string::npos) return {};
+  const std::string_view alias = std::string_view(item.column).substr(0, point);
+  const std::string_view name = std::string_view(item.column).substr(point + 1);
+  const bool ofInventory = equalIgnoringCase(alias, "inv") || equalIgnoringCase(alias, "Inventory");
+  if (!ofInventory && !equalIgnoringCase(alias, "base")) return {};
+  const auto tables = account::tables();
+  const auto table =
+      std::ranges::find(tables, ofInventory ? "Inventory" : "ia_subsidiary", &account::TableDefinition::name);
+  if (table == tables.end()) return {};
+  const auto column = std::ranges::find_if(
+      table->columns, [name](const account::ColumnDefinition& known) { return equalIgnoringCase(known.name, name); });
+  return column == table->columns.end() ? std::string_view() : column->type;
+}
+
+// Whether the value has to be a whole number: the column is one, or it is a text that is compared with a bare number.
+bool comparesWholeNumbers(const ItemRegistration& item) {
+  const std::string_view type = columnType(item);
+  return type.starts_with("int") || (item.kind == InputKind::number && type.starts_with("nvarchar"));
 }
 
 // The codes that a choice item holds. Where all codes are one digit, several may stand together ("02"), as the
@@ -99,6 +155,10 @@ void checkValue(const ItemRegistration& item, const std::string& value) {
   if (item.kind == InputKind::number && !isNumber(value)) {
     refuse(item, "\"" + value + "\" is no number; write digits with a point");
   }
+  if (comparesWholeNumbers(item) && !tsql::text::wholeNumber<std::int32_t>(value)) {
+    refuse(item, "\"" + value + "\" is no whole number from " + std::to_string(INT32_MIN) + " to " +
+                     std::to_string(INT32_MAX));
+  }
 }
 
 // A text "key=value" that sets an item.
@@ -118,8 +178,9 @@ Setting readSetting(FilterObject& filter, const std::string& setting) {
     std::vector<std::string> keys;
     for (const auto& known : filter.entries())
       keys.push_back(known->item.key);
-    throw std::invalid_argument("the report has no filter item \"" + std::string(key) + "\"; it has " +
-                                join(keys, ", "));
+    const auto nearest = nearestName(key, keys);
+    throw std::invalid_argument("the report has no filter item \"" + std::string(key) + "\"; " +
+                                (nearest ? "did you mean " + *nearest + "? " : "") + "it has " + join(keys, ", "));
   }
   return {*entry, setting.substr(equals + 1)};
 }
@@ -128,6 +189,11 @@ Setting readSetting(FilterObject& filter, const std::string& setting) {
 void apply(const Setting& setting, bool again) {
   auto& [entry, value] = setting;
   if (again && !entry.item.multiple) refuse(entry.item, "is set twice");
+  if (!entry.item.range && value.find(boundMark) != std::string::npos) {
+    refuse(entry.item, std::string("takes no range; write ") +
+                           (entry.item.multiple ? "its values with commas between them" : "one value") +
+                           " (a text that holds \"..\" goes into a filter file)");
+  }
   if (entry.item.range) {
     const auto bounds = value.find(boundMark);
     entry.value = trimBlanks(value.substr(0, bounds));
@@ -151,6 +217,21 @@ std::string columnOf(Session& session, std::string_view sql) {
 }
 
 }  // namespace
+
+std::optional<std::string> enteredDate(std::string_view text) {
+  const std::vector<std::string> parts = split(text, '-');
+  const auto digits = [](const std::string& part) { return !part.empty() && std::ranges::all_of(part, isDigit); };
+  if (parts.size() != 3 || !std::ranges::all_of(parts, digits)) return std::nullopt;
+  if (parts[0].size() != 4 || parts[1].size() > 2 || parts[2].size() > 2) return std::nullopt;
+  const auto number = [](const std::string& part) { return tsql::text::wholeNumber(part).value_or(0); };
+  const std::chrono::year_month_day date{std::chrono::year(number(parts[0])),
+                                         std::chrono::month(static_cast<unsigned>(number(parts[1]))),
+                                         std::chrono::day(static_cast<unsigned>(number(parts[2])))};
+  constexpr std::chrono::year firstOfDatetime{1753};
+  if (!date.ok() || date.year() < firstOfDatetime) return std::nullopt;
+  const auto twoDigits = [](const std::string& part) { return part.size() < 2 ? "0" + part : part; };
+  return parts[0] + "-" + twoDigits(parts[1]) + "-" + twoDigits(parts[2]);
+}
 
 void prepareFilter(FilterObject& filter, Login& login, Session& session) {
   if (FilterEntry* year = filter.find("iYear"); year != nullptr) {
@@ -195,6 +276,11 @@ void checkItem(const FilterEntry& entry) {
   for (const std::string& value : values)
     checkValue(item, value);
   checkValue(item, entry.value2);
+  const bool bothBounds = item.range && !entry.value.empty() && !entry.value2.empty();
+  if (bothBounds && isAbove(item.kind, entry.value, entry.value2)) {
+    refuse(item, "the range begins at " + entry.value + " and ends before it, at " + entry.value2 +
+                     "; write the lower bound first");
+  }
   if (item.choices.empty() || entry.value.empty()) return;
   for (const std::string& code : chosenCodes(entry)) {
     if (findChoice(item, code) == nullptr) {

@@ -2,6 +2,7 @@
 // std::invalid_argument whose text names the item and says what is accepted.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,16 +17,26 @@ namespace quillon::workbench {
 // fails.
 void prepareFilter(FilterObject& filter, Login& login, Session& session);
 
+// A date as people write it, yyyy-mm-dd where one digit of month and day is enough, with both digits of each; nullopt for
+// a day that is in no calendar, or that a datetime cannot hold.
+std::optional<std::string> enteredDate(std::string_view text);
+
 // Sets item values from "key=value" texts in order. The key's letter case does not matter. A range item takes
 // "lower..upper", where either bound may be missing, or one value for both bounds; a date is "yyyy-mm-dd". An item of
-// several values takes them separated by commas, or the key again. An empty value clears the item.
+// several values takes them separated by commas, or the key again. An empty value clears the item. ".." in a value of any
+// other item is refused, for who writes it means a range; a filter file can give a text that holds it.
 void setFilterItems(FilterObject& filter, std::span<const std::string> settings);
 
 // Sets one item as the dialog lets the user do it: only an available one, and only to a value that the dialog accepts.
 // Gives the item.
 const FilterEntry& changeItem(FilterObject& filter, const std::string& setting);
 
-// Checks what was entered in one item: choices against their codes, numbers, dates, and that a single value is single.
+// Checks what was entered in one item: choices against their codes, numbers, dates, that a single value is single, that
+// a range does not end before it begins, and that what is compared with a column of whole numbers is one of 32 bits.
+//
+// Bounds that are texts are compared as an embedded account sorts them (workbench/tsql/values/collation.h), and numbers
+// among them by their value as well, since nobody knows which of the two the column is: the range is refused when its
+// lower bound is above the upper one either way.
 void checkItem(const FilterEntry& entry);
 // Checks that every item that must have a value has one.
 void checkComplete(const FilterObject& filter);

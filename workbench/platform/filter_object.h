@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,14 @@ struct Choice {
   std::string english;
 };
 
+// The table of an account that holds the codes of an item, such as Warehouse with cWhCode and cWhName.
+struct Master {
+  std::string_view noun;  // what an entry is: "warehouse"
+  std::string_view table;
+  std::string_view code;
+  std::string_view name;
+};
+
 // What a report registers for one filter item.
 struct ItemRegistration {
   std::string key;      // "cInvCode"; found without regard to letter case
@@ -38,6 +47,8 @@ struct ItemRegistration {
   std::string column = {};  // the column of the condition that the filter object makes: "base.cBatchIA"
   std::string defaultValue = {};
   std::vector<Choice> choices = {};  // of a choice item, in the order in which they are offered
+  // Where whole codes of the item are looked up. Nothing: nowhere, or the item takes the beginning of a code.
+  std::optional<Master> master = {};
 
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };

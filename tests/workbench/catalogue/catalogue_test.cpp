@@ -136,6 +136,11 @@ TEST_P(CatalogueReport, JoinsByKeysOfTheAccountsTables) {
 TEST_P(CatalogueReport, OpensDocumentsByColumnsThatItHas) {
   for (const std::string_view name : report().documentColumns)
     EXPECT_TRUE(hasColumn(name)) << name;
+  for (const auto needed : {report().sourceDocumentColumns, report().ledgerVoucherColumns}) {
+    EXPECT_EQ(needed.empty(), !report().opensDocuments());
+    for (const std::string_view name : needed)
+      EXPECT_THAT(report().documentColumns, testing::Contains(name));
+  }
 }
 
 TEST(Catalogue, TellsItsReportsApart) {

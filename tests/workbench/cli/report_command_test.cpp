@@ -140,7 +140,7 @@ TEST_F(ReportCommand, RefusesAFilterFileThatItCannotUse) {
   EXPECT_EQ(reportWithFilter(R"({"items":[{"name":"cModal"},{"name":"a b"}]})").message,
             "filter file, item 2: \"a b\" is neither an item of the report nor a column's name");
   EXPECT_EQ(reportWithFilter(R"({"items":[{"name":"cModal","valeu":"1"}]})").message,
-            "filter file, item 1: \"valeu\" is not known");
+            "filter file, item 1: \"valeu\" is not known; did you mean value?");
   EXPECT_EQ(reportWithFilter(R"({"items":[{"name":"cJudgeMoney","value":"9"}]})").message,
             "filter item cJudgeMoney (Closing amount): there is no choice \"9\"; choose of 0 (above zero), 1 (zero), 2 "
             "(below zero)");

@@ -93,6 +93,129 @@ TEST(FilterSettings, KnowLeapDays) {
   EXPECT_THAT(refusalOf({"dKeepDate=1900-02-29"}), testing::HasSubstr("is no date"));
 }
 
+TEST(FilterSettings, RefuseARangeThatEndsBeforeItBegins) {
+  EXPECT_EQ(
+      refusalOf({"dKeepDate=2024-03-31..2024-03-01"}),
+      "filter item dKeepDate (Posting date): the range begins at 2024-03-31 and ends before it, at 2024-03-01; write "
+      "the lower bound first");
+  // By the calendar, not by the letters.
+  EXPECT_EQ(filterWith({"dKeepDate=2024-9-30..2024-10-01"}).find("dKeepDate")->value2, "2024-10-01");
+  EXPECT_THAT(refusalOf({"dKeepDate=2024-10-01..2024-9-30"}), testing::HasSubstr("ends before it"));
+  EXPECT_EQ(filterWith({"dKeepDate=2024-03-01..2024-3-1"}).find("dKeepDate")->value2, "2024-3-1");
+}
+
+// What checkItem() says of a range of `kind` from `lower` to `upper`.
+std::string refusalOfRange(InputKind kind, const std::string& lower, const std::string& upper) {
+  FilterEntry entry;
+  entry.item = {.key = "k", .chinese = "k", .english = "K", .kind = kind, .range = true};
+  entry.value = lower;
+  entry.value2 = upper;
+  try {
+    checkItem(entry);
+  } catch (const std::invalid_argument& error) {
+    return error.what();
+  }
+  return "";
+}
+
+TEST(FilterSettings, CompareBoundsThatAreNumbersByTheirValue) {
+  for (const auto& [lower, upper] : std::vector<std::pair<std::string, std::string>>{
+           {"9", "10"},
+           {"-10", "-9"},
+           {"-1", "1"},
+           {"1.05", "1.5"},
+           {"007", "8"},
+           {"99999999999999999999999999999999999998", "99999999999999999999999999999999999999"}}) {
+    EXPECT_EQ(refusalOfRange(InputKind::number, lower, upper), "") << lower << ".." << upper;
+    EXPECT_THAT(refusalOfRange(InputKind::number, upper, lower), testing::HasSubstr("ends before it"));
+  }
+  EXPECT_EQ(refusalOfRange(InputKind::number, "0.10", "0.1"), "");
+  EXPECT_EQ(refusalOfRange(InputKind::number, "0", "-0"), "");
+}
+
+// Nobody knows whether the column of a text is one of numbers: either order will do.
+TEST(FilterSettings, CompareBoundsThatAreTextsAsTheAccountSortsThem) {
+  for (const InputKind kind : {InputKind::text, InputKind::reference}) {
+    EXPECT_EQ(refusalOfRange(kind, "a", "B"), "");
+    EXPECT_EQ(refusalOfRange(kind, "安", "张"), "");  // by pinyin
+    EXPECT_THAT(refusalOfRange(kind, "张", "安"), testing::HasSubstr("begins at 张 and ends before it, at 安"));
+    EXPECT_THAT(refusalOfRange(kind, "b", "A"), testing::HasSubstr("ends before it"));
+    EXPECT_EQ(refusalOfRange(kind, "9", "10"), "");
+    EXPECT_EQ(refusalOfRange(kind, "010", "9"), "");
+    EXPECT_THAT(refusalOfRange(kind, "9", "08"), testing::HasSubstr("ends before it"));
+    EXPECT_EQ(refusalOfRange(kind, "b", ""), "");
+    EXPECT_EQ(refusalOfRange(kind, "", "a"), "");
+  }
+}
+
+TEST(FilterSettings, RefuseARangeWhereNoneCanBeGiven) {
+  EXPECT_EQ(
+      refusalOf({"cInvCode=0101..0102"}),
+      "filter item cInvCode (Inventory): takes no range; write its values with commas between them (a text that holds "
+      "\"..\" goes into a filter file)");
+  EXPECT_EQ(
+      refusalOf({"cDefine5=1..9"}),
+      "filter item cDefine5 (User-defined field 5): takes no range; write one value (a text that holds \"..\" goes "
+      "into a filter file)");
+  EXPECT_THAT(refusalOf({"cModal=0..1"}), testing::HasSubstr("takes no range"));
+  EXPECT_THAT(refusalOf({"bIncludeExpire=.."}), testing::HasSubstr("takes no range"));
+  FilterObject filter = filterWith({});
+  filter.find("cDefine1")->value = "a..b";  // as a filter file gives it
+  EXPECT_NO_THROW(checkFilter(filter));
+}
+
+// A column of whole numbers has 32 bits; the account would end the report with an overflow.
+TEST(FilterSettings, HoldWholeNumbersToTheRangeOfTheirColumn) {
+  EXPECT_EQ(filterWith({"cDefine5=2147483647"}).find("cDefine5")->value, "2147483647");
+  EXPECT_EQ(filterWith({"cDefine5=-2147483648"}).find("cDefine5")->value, "-2147483648");
+  EXPECT_EQ(refusalOf({"cDefine5=2147483648"}),
+            "filter item cDefine5 (User-defined field 5): \"2147483648\" is no whole number from -2147483648 to "
+            "2147483647");
+  EXPECT_THAT(refusalOf({"cDefine34=99999999999999999999"}), testing::HasSubstr("is no whole number from"));
+  EXPECT_THAT(refusalOf({"cDefine15=7.5"}), testing::HasSubstr("is no whole number from"));
+  EXPECT_EQ(filterWith({"cDefine7=99999999999.5"}).find("cDefine7")->value, "99999999999.5");  // a float
+  // A field of the ledger that a filter file adds is a text item; its column is what it is.
+  FilterObject filter = filterWith({});
+  FilterEntry& added = filter.add({.key = "AutoID", .chinese = "AutoID", .english = "AutoID", .column = "base.AutoID"});
+  added.value = "17";
+  EXPECT_NO_THROW(checkFilter(filter));
+  added.value = "17x";
+  EXPECT_THROW(checkFilter(filter), std::invalid_argument);
+}
+
+TEST(FilterSettings, HoldWholeNumbersOfEveryReportToTheRangeOfTheirColumn) {
+  std::vector<std::string> held;
+  for (const Report& report : reports()) {
+    FilterObject filter(report.registration);
+    for (const auto& entry : filter.entries()) {
+      if (entry->item.kind != InputKind::number) continue;
+      entry->value = "2147483648";
+      try {
+        checkItem(*entry);
+      } catch (const std::invalid_argument&) {
+        held.push_back(report.registration.name + " " + entry->item.key);
+      }
+    }
+  }
+  EXPECT_THAT(held, testing::IsSupersetOf({"outsum-item iProorderids", "outsum-item cworkprocode",
+                                           "outsum-item isaleorderids", "outsum-item iexrowno", "outsum-item cDefine35",
+                                           "outsum-item cInvDefine11", "fx-wt cInvDefine12", "fx-wt cDefine5"}));
+  EXPECT_THAT(held, testing::Not(testing::Contains("fx-wt cDefine26")));
+}
+
+TEST(FilterSettings, SuggestTheItemThatWasMeant) {
+  EXPECT_THAT(refusalOf({"cInvCdoe=1"}),
+              testing::StartsWith("the report has no filter item \"cInvCdoe\"; did you mean cInvCode? it has iYear, "));
+}
+
+TEST(EnteredDate, IsGivenWithAllItsDigits) {
+  EXPECT_EQ(enteredDate("2024-3-5"), "2024-03-05");
+  EXPECT_EQ(enteredDate("2024-12-31"), "2024-12-31");
+  for (const char* none : {"", "2024-02-30", "2024-13-01", "24-01-01", "2024/01/01", "2024-01-01 10:00", "1752-12-31",
+                           "2024-01", "today", "２０２４-01-01"})
+    EXPECT_EQ(enteredDate(none), std::nullopt) << none;
+}
+
 // A closing-balance value without one of the digits 0, 1 and 2 would end the build without a word.
 TEST(FilterSettings, TakeClosingBalanceDigitsInEveryForm) {
   EXPECT_EQ(filterWith({"cJudgeQuantity=02"}).find("cJudgeQuantity")->value, "02");
