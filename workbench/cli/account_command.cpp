@@ -14,6 +14,7 @@
 #include "workbench/cli/account_diff_command.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/account_transfer_command.h"
+#include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/standard_streams.h"
@@ -135,12 +136,19 @@ void addAccountCommand(CLI::App& app) {
                                                                        {"department", account::Valuation::department}};
   CLI::App& create = *command.add_subcommand("new", "Make a sample account");
   create.add_option("FILE", *file, "The file to make; it must not exist")->required();
-  create.add_option("--rows", options->rows, "Ledger lines")->capture_default_str();
-  create.add_option("--seed", options->seed, "The same seed gives the same account")->capture_default_str();
-  create.add_option("--years", options->years, "Years")->capture_default_str();
+  create.add_option("--rows", options->rows, "Ledger lines")
+      ->transform(wholeNumber<std::int64_t>(1))
+      ->capture_default_str();
+  create.add_option("--seed", options->seed, "The same seed gives the same account")
+      ->transform(wholeNumber<std::uint64_t>(0))
+      ->capture_default_str();
+  create.add_option("--years", options->years, "Years")
+      ->transform(wholeNumber(1, account::maximumSampleYears))
+      ->capture_default_str();
   create.add_option("--valuation", options->valuation, "inventory, warehouse or department")
       ->transform(oneOf(valuations));
   create.add_option("--fx-start-month", options->costItemStartMonth, "The first year's first month with cost items")
+      ->transform(wholeNumber(1, 12))
       ->capture_default_str();
   create.callback([file, options] { makeSample(*file, *options); });
 

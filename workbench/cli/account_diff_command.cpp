@@ -7,6 +7,7 @@
 
 #include "workbench/account/difference.h"
 #include "workbench/cli/account_option.h"
+#include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/value_output.h"
@@ -87,6 +88,7 @@ void addDiffCommand(CLI::App& account) {
   addAccountOption(command, "A", options->first, "An account file, or an ODBC connection string").required();
   addAccountOption(command, "B", options->second, "Another").required();
   command.add_option("--limit", options->shown, "Show at most this many differing rows of a table")
+      ->transform(wholeNumber<std::size_t>(0))
       ->capture_default_str();
   command.callback([options] {
     if (!diffAccounts(options->first, options->second, options->shown, std::cout)) endWith(1);

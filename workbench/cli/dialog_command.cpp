@@ -8,11 +8,14 @@
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_login.h"
 #include "workbench/cli/account_option.h"
+#include "workbench/cli/checked_values.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/platform/json_file.h"
+#include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
 
@@ -28,7 +31,7 @@ std::vector<DialogStep> stepsOf(const DialogOptions& options) {
 
 }  // namespace
 
-void runDialog(const DialogOptions& options, std::ostream& out) {
+void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& notes) {
   const Report& report = reportNamed(options.report);
   const std::vector<DialogStep> steps = stepsOf(options);
   const SignedInAccount account = logIn(options.account, options.language, options.date);
@@ -52,6 +55,8 @@ void runDialog(const DialogOptions& options, std::ostream& out) {
     }
   }
   out.flush();
+  for (const std::string& line : unknownCodes(*filter, *account.session))
+    notes << "quillon: " << oneLine(line) << '\n';
   if (!out) throw UserError("the dialog could not be written to standard output");
 }
 
@@ -72,8 +77,8 @@ void addDialogCommand(CLI::App& app) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   command.add_option("--format", options->format, "table or json (one object a step)")->transform(oneOf(formats));
   command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
-  command.add_option("--date", options->date, "The login's date, yyyy-mm-dd");
-  command.callback([options] { runDialog(*options, std::cout); });
+  addDateOption(command, options->date);
+  command.callback([options] { runDialog(*options, std::cout, std::cerr); });
 }
 
 }  // namespace quillon::workbench

@@ -27,8 +27,8 @@ struct DialogOptions {
 };
 
 // Shows the dialog after each step. Throws std::exception with one line for the user; what the steps before showed has
-// been written by then.
-void runDialog(const DialogOptions& options, std::ostream& out);
+// been written by then. `notes` gets the codes that the account does not have (workbench/platform/unknown_codes.h).
+void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& notes);
 
 void addDialogCommand(CLI::App& app);
 

@@ -12,6 +12,7 @@
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
 #include "workbench/cli/account_option.h"
+#include "workbench/cli/checked_values.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
@@ -27,6 +28,8 @@ using Json = nlohmann::ordered_json;
 constexpr Caption nothingOpened{"没有打开单据：期初结存和月末结存行没有单据",
                                 "Nothing was opened: opening balances and month-end balances have no document"};
 constexpr Caption openedCaption{"打开方式", "Opened by"};
+
+constexpr std::string_view sourceDocumentAction = "Vouch";
 
 // What came of the action.
 struct Outcome {
@@ -82,6 +85,30 @@ RowValues findRow(const MadeReport& report, const RowValues& wanted) {
   throw UserError("no row of the report has " + described(wanted));
 }
 
+void requireDocuments(const Report& report) {
+  if (report.opensDocuments()) return;
+  std::string others;
+  for (const Report& other : reports()) {
+    if (other.opensDocuments()) others += (others.empty() ? "" : ", ") + other.registration.name;
+  }
+  throw UserError("the rows of " + report.registration.name +
+                  " open no documents; those of these reports do: " + others);
+}
+
+// A row that is given by itself has what the action's document cannot be opened without.
+void requireDocumentColumns(const Report& report, const RowValues& row, const std::string& action) {
+  std::string missing;
+  for (const std::string_view column :
+       action == sourceDocumentAction ? report.sourceDocumentColumns : report.ledgerVoucherColumns) {
+    // Either name of the ledger line's number will do, as for the drill-through.
+    const bool number = equalIgnoringCase(column, "ID") || equalIgnoringCase(column, "AutoID");
+    const bool has =
+        number ? valueOf(row, "ID") != nullptr || valueOf(row, "AutoID") != nullptr : valueOf(row, column) != nullptr;
+    if (!has) missing.append(" --row ").append(column).append("=...");
+  }
+  if (!missing.empty()) throw UserError("the row lacks what opens its document: add" + missing);
+}
+
 // The row that is acted on, and who is signed in. A report that was run for it is gone again.
 std::pair<RowValues, SignedInAccount> chooseRow(const DrillOptions& options, std::ostream& notes) {
   const RowValues wanted = readRow(options.row);
@@ -94,6 +121,7 @@ std::pair<RowValues, SignedInAccount> chooseRow(const DrillOptions& options, std
     throw UserError(
         "RowNo counts the rows of a report that is run with a filter: give its filter too (--set, --filter)");
   }
+  requireDocumentColumns(reportNamed(request.report), wanted, options.action);
   return {wanted, logIn(request.account, request.language, request.date)};
 }
 
@@ -186,7 +214,7 @@ void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& 
 }  // namespace
 
 void runDrill(const DrillOptions& options, std::ostream& out, std::ostream& notes) {
-  reportNamed(options.report.report);
+  requireDocuments(reportNamed(options.report.report));
   const auto [row, account] = chooseRow(options, notes);
   const Outcome outcome = act(options, row, account);
   if (options.format == DrillFormat::json) {
@@ -220,7 +248,7 @@ void addDrillCommand(CLI::App& app) {
   command.add_flag("!--no-dialog", options->report.dialog, "Do not run the report's filter dialog");
   command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
   command.add_option("--lang", options->report.language, "zh or en")->transform(oneOf(languages));
-  command.add_option("--date", options->report.date, "The login's date, yyyy-mm-dd");
+  addDateOption(command, options->report.date);
   command.callback([options] { runDrill(*options, std::cout, std::cerr); });
 }
 

@@ -2,14 +2,20 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <string>
 
 namespace quillon::workbench {
 
 // Ends the program with `exitStatus` when everything to be said has been said. An error that has still to be said is a
-// UserError (workbench/platform/user_error.h); wrong usage is CLI::ValidationError, and whatever else CLI11 throws while
-// it parses.
+// UserError (workbench/platform/user_error.h); wrong usage is refuseUsage(), and whatever else CLI11 throws while it
+// parses.
 [[noreturn]] inline void endWith(int exitStatus) {
   throw CLI::RuntimeError(exitStatus);
+}
+
+// Ends a command that was called wrongly: `reason` says how.
+[[noreturn]] inline void refuseUsage(const std::string& reason) {
+  throw CLI::ParseError(reason, CLI::ExitCodes::ValidationError);
 }
 
 }  // namespace quillon::workbench

@@ -4,6 +4,9 @@
 #include <CLI/CLI.hpp>
 #include <map>
 #include <string>
+#include <vector>
+
+#include "workbench/platform/nearest_name.h"
 
 namespace quillon::workbench {
 
@@ -18,10 +21,13 @@ CLI::Validator oneOf(const std::map<std::string, Enumeration>& choices) {
           word = std::to_string(static_cast<int>(found->second));
           return {};
         }
-        std::string names;
-        for (const auto& [name, value] : choices)
-          names += (names.empty() ? "" : ", ") + name;
-        return "\"" + word + "\" is none of " + names;
+        std::string all;
+        std::vector<std::string> names;
+        for (const auto& [name, value] : choices) {
+          all += (all.empty() ? "" : ", ") + name;
+          names.push_back(name);
+        }
+        return "\"" + word + "\" is none of " + all + suggestion(word, names);
       },
       "");
 }

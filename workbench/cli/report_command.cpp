@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -9,6 +10,7 @@
 
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_option.h"
+#include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_comparison.h"
@@ -134,6 +136,14 @@ void writeTo(const ReportOptions& options, const MadeReport& report, std::ostrea
   output.complete();
 }
 
+// The files that the report is made of.
+std::vector<std::filesystem::path> inputsOf(const ReportOptions& options) {
+  std::vector<std::filesystem::path> inputs;
+  if (!options.account.onServer()) inputs.push_back(options.account.file());
+  if (!options.filterFile.empty()) inputs.push_back(pathFromUtf8(options.filterFile));
+  return inputs;
+}
+
 std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOptions& options, std::ostream& notes) {
   return makeReport({.report = options.report,
                      .account = source,
@@ -158,6 +168,7 @@ bool compareReports(const ReportOptions& options, const AccountSource& second, s
 }
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
+  if (!options.outputFile.empty()) refuseToReplace(pathFromUtf8(options.outputFile), inputsOf(options));
   const auto report = reportOn(options.account, options, notes);
   writeTo(options, *report, out);
   if (options.keep) report->keepTable();
@@ -188,9 +199,9 @@ void addReportCommand(CLI::App& app) {
   CLI::Option& output =
       *command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
   command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
-  command.add_option("--date", options->date, "The login's date, yyyy-mm-dd");
+  addDateOption(command, options->date);
   command.add_option("--limit", options->limit, "Show at most this many rows (table, html, xlsx)")
-      ->check(CLI::NonNegativeNumber);
+      ->transform(wholeNumber<std::int64_t>(0));
   command.add_flag(
       "--all-columns", options->allColumns,
       "Show user-defined fields and what documents carry beside, too (table, html, xlsx; always in csv, json)");

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "frame/text.h"
 #include "workbench/cli/account_option.h"
@@ -24,7 +25,8 @@ namespace {
 
 class ScriptOutput : public tsql::ResultSink {
  public:
-  virtual void error(const tsql::SqlError& error) = 0;
+  // The batch that failed begins in line `firstLine` of the script.
+  virtual void error(const tsql::SqlError& error, int firstLine) = 0;
 };
 
 class JsonOutput final : public ScriptOutput {
@@ -57,7 +59,7 @@ class JsonOutput final : public ScriptOutput {
     out_ << "{\"rowsAffected\":" << count << "}\n";
   }
 
-  void error(const tsql::SqlError& error) override {
+  void error(const tsql::SqlError& error, int /*firstLine*/) override {
     endResultSet();
     out_ << "{\"error\":{\"number\":" << error.number() << ",\"message\":";
     writeJsonText(out_, error.message());
@@ -79,7 +81,8 @@ class JsonOutput final : public ScriptOutput {
 
 class TableOutput final : public ScriptOutput {
  public:
-  TableOutput(std::ostream& out, std::ostream& errors) : out_(out), errors_(errors) {}
+  TableOutput(std::string script, std::ostream& out, std::ostream& errors)
+      : script_(std::move(script)), out_(out), errors_(errors) {}
 
   void columns(std::span<const tsql::Column> columns) override {
     std::vector<TableColumn> headings;
@@ -103,9 +106,15 @@ class TableOutput final : public ScriptOutput {
     out_ << '(' << count << (count == 1 ? " row)\n\n" : " rows)\n\n");
   }
 
-  void error(const tsql::SqlError& error) override {
+  void error(const tsql::SqlError& error, int firstLine) override {
     endTable();
-    errors_ << "quillon: " << errorText(error.number(), error.line(), error.message()) << '\n';
+    errors_ << "quillon: " << script_;
+    if (error.line() > 0) {
+      errors_ << ", line " << firstLine + error.line() - 1 << ": ";
+    } else {
+      errors_ << ", in the batch that begins in line " << firstLine << ": ";
+    }
+    errors_ << errorText(error.number(), 0, error.message()) << '\n';
   }
 
  private:
@@ -114,39 +123,57 @@ class TableOutput final : public ScriptOutput {
     table_.reset();
   }
 
+  std::string script_;
   std::ostream& out_;
   std::ostream& errors_;
   std::unique_ptr<TextTable> table_;
 };
 
-// Reads the next batch into `batch`; false at the end of the script.
-bool readBatch(std::istream& script, std::string& batch) {
-  batch.clear();
-  std::string line;
-  while (std::getline(script, line)) {
-    std::string_view text = line;
-    if (text.ends_with('\r')) text.remove_suffix(1);
-    if (equalIgnoringCase(trimBlanks(text), "go")) return true;
-    batch += line + '\n';
+class ScriptReader {
+ public:
+  explicit ScriptReader(std::istream& script) : script_(script) {}
+
+  // Goes on to the next batch; false at the end of the script.
+  bool next() {
+    batch_.clear();
+    firstLine_ = lines_ + 1;
+    std::string line;
+    while (std::getline(script_, line)) {
+      ++lines_;
+      std::string_view text = line;
+      if (text.ends_with('\r')) text.remove_suffix(1);
+      if (equalIgnoringCase(trimBlanks(text), "go")) return true;
+      batch_ += line + '\n';
+    }
+    return !batch_.empty();
   }
-  return !batch.empty();
-}
+
+  const std::string& batch() const { return batch_; }
+  // Where the batch begins, counting lines from 1.
+  int firstLine() const { return firstLine_; }
+
+ private:
+  std::istream& script_;
+  std::string batch_;
+  int lines_ = 0;  // read so far
+  int firstLine_ = 1;
+};
 
 }  // namespace
 
-int runScript(tsql::Database& account, std::istream& script, SqlFormat format, std::ostream& out,
-              std::ostream& errors) {
+int runScript(tsql::Database& account, std::istream& script, const std::string& name, SqlFormat format,
+              std::ostream& out, std::ostream& errors) {
   std::unique_ptr<ScriptOutput> output;
   if (format == SqlFormat::json) {
     output = std::make_unique<JsonOutput>(out);
   } else {
-    output = std::make_unique<TableOutput>(out, errors);
+    output = std::make_unique<TableOutput>(name, out, errors);
   }
   int failed = 0, done = 0;
-  std::string batch;
-  for (; readBatch(script, batch); ++done) {
+  ScriptReader reader(script);
+  for (; reader.next(); ++done) {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    std::string_view text = batch;
+    std::string_view text = reader.batch();
     if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) continue;
     try {
@@ -154,7 +181,7 @@ int runScript(tsql::Database& account, std::istream& script, SqlFormat format, s
     } catch (const tsql::Stopped&) {
       throw UserError("in batch " + std::to_string(done + 1) + "; the batches before it are done");
     } catch (const tsql::SqlError& error) {
-      output->error(error);
+      output->error(error, reader.firstLine());
       ++failed;
     }
     out.flush();
@@ -172,13 +199,12 @@ void addSqlCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("sql", "Run T-SQL batches, separated by lines that hold only `go`");
   const auto options = std::make_shared<Options>();
   static const std::map<std::string, SqlFormat> formats = {{"table", SqlFormat::table}, {"json", SqlFormat::json}};
-  CLI::Option_group& source = *command.add_option_group("source");
-  addAccountOption(source, "--account", options->account);
-  source.add_flag("--empty", options->empty, "An empty database in memory");
-  source.require_option(1);
+  CLI::Option& source = addAccountOption(command, "--account", options->account);
+  command.add_flag("--empty", options->empty, "Instead of an account an empty database in memory")->excludes(&source);
   command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
   command.add_option("FILE", options->file, "The script; standard input when it is left out");
   command.callback([options] {
+    if (options->account.text().empty() && !options->empty) refuseUsage("give either --account or --empty");
     const std::unique_ptr<tsql::Database> account =
         options->empty
             ? tsql::Connection::openInMemory()
@@ -190,7 +216,8 @@ void addSqlCommand(CLI::App& app) {
       if (!file) throw UserError("cannot read " + options->file + "; check the name and its permissions");
     }
     std::istream& script = options->file.empty() ? std::cin : file;
-    const int failed = runScript(*account, script, options->format, std::cout, std::cerr);
+    const std::string name = options->file.empty() ? "the script" : options->file;
+    const int failed = runScript(*account, script, name, options->format, std::cout, std::cerr);
     if (failed > 0 && options->format == SqlFormat::table) endWith(1);
   });
 }

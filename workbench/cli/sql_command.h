@@ -3,6 +3,7 @@
 
 #include <istream>
 #include <ostream>
+#include <string>
 
 #include "workbench/tsql/values/database.h"
 
@@ -18,9 +19,11 @@ enum class SqlFormat { table, json };
 // ends that batch and not the run.
 //   json   one object a line: {"columns":[["name","type"]],"rows":[[...]]} for a result set, {"rowsAffected":N},
 //          {"error":{"number":N,"message":"..."}}
-//   table  an aligned table and the row counts; errors go to `errors` as one line each
+//   table  an aligned table and the row counts; errors go to `errors` as one line each, with the line of the script, which
+//          they call `name`
 // Gives the count of batches that failed.
-int runScript(tsql::Database& account, std::istream& script, SqlFormat format, std::ostream& out, std::ostream& errors);
+int runScript(tsql::Database& account, std::istream& script, const std::string& name, SqlFormat format,
+              std::ostream& out, std::ostream& errors);
 
 // Adds the command. In table format a failed batch makes the exit status 1; in JSON errors are part of the answer, so
 // the exit status only tells whether the script could be run at all.

@@ -1,6 +1,7 @@
 #include "workbench/cli/trace_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -9,6 +10,7 @@
 
 #include "workbench/cli/exit_status.h"
 #include "workbench/platform/json_file.h"
+#include "workbench/platform/nearest_name.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/trace/trace.h"
 
@@ -58,7 +60,11 @@ void addTraceCommand(CLI::App& app) {
   command
       .add_option("REPORT", options->report,
                   "The report, a filter dialog, or execute for a drill-through: " + listed(traceNames()))
-      ->check(CLI::IsMember(traceNames()));
+      ->check([](const std::string& name) {
+        const std::vector<std::string> names = traceNames();
+        if (std::ranges::find(names, name) != names.end()) return std::string();
+        return "there is no \"" + name + "\" to trace" + suggestion(name, names);
+      });
   command.add_option("--filter", options->filterFile, "The filter's description, for execute the row's; a JSON file");
   command.add_option("--platform", options->platformFile, "The platform's description, a JSON file");
   command.add_option("--case", options->caseFile,
@@ -72,7 +78,7 @@ void addTraceCommand(CLI::App& app) {
     const bool undescribed = options->report.empty() && options->filterFile.empty() && options->platformFile.empty() &&
                              options->events.empty();
     if (options->caseFile.empty() ? !described : !undescribed) {
-      throw CLI::ValidationError("trace", "give either REPORT with --filter and --platform, or --case");
+      refuseUsage("give either REPORT with --filter and --platform, or --case");
     }
     if (const int status = runTrace(*options); status != 0) endWith(status);
   });

@@ -79,7 +79,7 @@ TEST_F(AccountTransfer, WritesAScriptThatRunsOnAnEmptyDatabase) {
   const auto empty = tsql::Connection::openInMemory();
   std::ifstream script(folder_ / "a.sql", std::ios::binary);
   std::ostringstream out, errors;
-  EXPECT_EQ(runScript(*empty, script, SqlFormat::table, out, errors), 0);
+  EXPECT_EQ(runScript(*empty, script, "the script", SqlFormat::table, out, errors), 0);
   EXPECT_EQ(errors.str(), "");
   account::exportAccount(*empty, folder_ / "two");
   shownBy({"export", path("a"), path("one")});

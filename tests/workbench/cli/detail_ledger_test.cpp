@@ -291,7 +291,7 @@ TEST_F(DetailLedger, DialogTellsWhatIsMissing) {
              .steps = {"init", "change:cInvCCode=01", "change:cInvCode=M2", "change:cCaType=成本项目", "click"},
              .format = DialogFormat::json,
              .language = Language::english},
-            out);
+            out, notes_);
   std::vector<nlohmann::json> steps;
   std::istringstream lines(out.str());
   for (std::string line; std::getline(lines, line);)
@@ -384,7 +384,7 @@ TEST_F(DetailLedger, DrillRefusesARowThatIsNone) {
             }),
             "The ledger has no line of document  (type 11, line 99); run the report again.");
   EXPECT_EQ(refusalOf([] {
-              drill({"cVouType=材料出库单", "cPZID=X"}, "Voucher", {});
+              drill({"cVouType=材料出库单", "cPZID=X", "iPZID=1"}, "Voucher", {});
             }),
             "No ledger line is posted to voucher X, so that its year is not known; refresh the report.");
 }

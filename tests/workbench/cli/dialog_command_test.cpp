@@ -65,7 +65,7 @@ class DialogCommand : public testing::Test {
                .steps = std::move(steps),
                .format = DialogFormat::json,
                .language = Language::english},
-              out);
+              out, notes_);
     std::vector<Json> objects;
     std::istringstream lines(out.str());
     for (std::string line; std::getline(lines, line);)
@@ -84,6 +84,7 @@ class DialogCommand : public testing::Test {
   }
 
   test::TemporaryFile file_{".qacc"};
+  std::ostringstream notes_;
 };
 
 Json itemOf(const Json& step, const std::string& key) {
@@ -225,7 +226,7 @@ TEST_F(DialogCommand, ShowsWhatWentWellBeforeAStepFailed) {
                           .account = AccountSource::inFile(file_.path()),
                           .steps = {"init", "change:iYear=1999"},
                           .language = Language::english},
-                         out),
+                         out, notes_),
                std::exception);
   EXPECT_THAT(out.str(), testing::StartsWith("Step: init\nKey  "));
   EXPECT_THAT(out.str(), testing::Not(testing::HasSubstr("1999")));
@@ -233,7 +234,8 @@ TEST_F(DialogCommand, ShowsWhatWentWellBeforeAStepFailed) {
 
 TEST_F(DialogCommand, ShowsATableAStep) {
   std::ostringstream out;
-  runDialog({.report = "outsum-item", .account = AccountSource::inFile(file_.path()), .steps = {"init", "click"}}, out);
+  runDialog({.report = "outsum-item", .account = AccountSource::inFile(file_.path()), .steps = {"init", "click"}}, out,
+            notes_);
   EXPECT_THAT(out.str(), testing::StartsWith("步骤：init\n关键字  "));
   EXPECT_THAT(out.str(), testing::HasSubstr("\n\n步骤：click\n关键字  "));
   EXPECT_THAT(out.str(), testing::EndsWith("\n确认：接受\n"));

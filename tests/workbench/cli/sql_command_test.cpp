@@ -20,7 +20,7 @@ Outcome run(const std::string& text, SqlFormat format) {
   std::istringstream script(text);
   std::ostringstream out;
   std::ostringstream errors;
-  const int failed = runScript(*account, script, format, out, errors);
+  const int failed = runScript(*account, script, "script.sql", format, out, errors);
   return {failed, out.str(), errors.str()};
 }
 
@@ -88,8 +88,45 @@ TEST(SqlScript, PrintsTablesForPeople) {
             "   1  甲\n"
             "  20  NULL\n"
             "(2 rows)\n\n");
-  EXPECT_EQ(outcome.errors, "quillon: error 208 in line 1 of the batch: Invalid object name 'nowhere'.\n");
+  EXPECT_EQ(outcome.errors, "quillon: script.sql, line 3: error 208: Invalid object name 'nowhere'.\n");
   EXPECT_EQ(outcome.failed, 1);
+}
+
+TEST(SqlScript, NamesTheLineOfTheScriptInEachError) {
+  EXPECT_EQ(run("\xEF\xBB\xBF\n"
+                "Select 1 As a\r\n"
+                "go\r\n"
+                "\r\n"
+                "Create Table t (i int)\r\n"
+                "Select *\r\n"
+                "From nowhere\r\n"
+                "GO\r\n"
+                "Selct 2\r\n"
+                "go\n"
+                "Select 1 / 0",
+                SqlFormat::table)
+                .errors,
+            "quillon: script.sql, line 7: error 208: Invalid object name 'nowhere'.\n"
+            "quillon: script.sql, line 9: error 102: Incorrect syntax near 'Selct'.\n"
+            "quillon: script.sql, line 11: error 8134: Divide by zero error encountered.\n");
+}
+
+// A server need not say in which line a statement failed.
+TEST(SqlScript, NamesTheBatchWhereTheLineIsNotKnown) {
+  struct Server : tsql::Database {
+    void run(std::string_view batch, tsql::ResultSink&) override {
+      if (batch.find("fail") != std::string_view::npos) throw tsql::SqlError(50000, "It failed.");
+    }
+    std::int64_t execute(std::string_view) override { return 0; }
+    std::unique_ptr<tsql::Cursor> query(std::string_view) override { return nullptr; }
+    std::vector<tsql::Column> describe(std::string_view) override { return {}; }
+    std::vector<std::string> tables(std::string_view) override { return {}; }
+  };
+  Server server;
+  std::istringstream script("well\ngo\nwell\nfail\n");
+  std::ostringstream out, errors;
+  EXPECT_EQ(runScript(server, script, "the script", SqlFormat::table, out, errors), 1);
+  EXPECT_EQ(errors.str(), "quillon: the script, in the batch that begins in line 3: error 50000: It failed.\n");
 }
 
 }  // namespace

@@ -55,13 +55,13 @@ class VoucherReport : public testing::Test {
 
   // What the dialog shows after its last step.
   static Json dialog(std::vector<std::string> steps) {
-    std::ostringstream out;
+    std::ostringstream out, notes;
     runDialog({.report = "fx-wt",
                .account = source(),
                .steps = std::move(steps),
                .format = DialogFormat::json,
                .language = Language::english},
-              out);
+              out, notes);
     std::string shown;
     std::istringstream lines(out.str());
     for (std::string line; std::getline(lines, line);)

@@ -151,9 +151,9 @@ TEST_F(OverOdbc, CostItemVoucherReport) {
 TEST_F(OverOdbc, Dialogs) {
   for (const Report& report : reports()) {
     expectSame([&report](const std::string& source) {
-      std::ostringstream out;
+      std::ostringstream out, notes;
       runDialog({.report = report.registration.name, .account = AccountSource(source), .format = DialogFormat::json},
-                out);
+                out, notes);
       return out.str();
     });
   }
@@ -205,7 +205,8 @@ TEST_F(OverOdbc, ScriptsOfStatements) {
       std::istringstream in(script);
       std::ostringstream out;
       std::ostringstream errors;
-      EXPECT_EQ(runScript(*AccountSource(source).open(tsql::OpenMode::existing), in, format, out, errors), 1);
+      EXPECT_EQ(runScript(*AccountSource(source).open(tsql::OpenMode::existing), in, "the script", format, out, errors),
+                1);
       return out.str() + errors.str();
     });
   }

@@ -1,0 +1,209 @@
+#include "workbench/cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <new>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+
+#include "workbench/cli/account_command.h"
+#include "workbench/cli/dialog_command.h"
+#include "workbench/cli/drill_command.h"
+#include "workbench/cli/exit_status.h"
+#include "workbench/cli/report_command.h"
+#include "workbench/cli/run_monitor.h"
+#include "workbench/cli/sql_command.h"
+#include "workbench/cli/stop_signals.h"
+#include "workbench/cli/trace_command.h"
+#include "workbench/odbc/connection_string.h"
+#include "workbench/platform/nearest_name.h"
+#include "workbench/tsql/values/stop.h"
+#include "workbench/tsql/values/utf8_path.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+constexpr int wrongUsage = 2;
+constexpr const char* helpCommand = "help";
+
+// "quillon account new"
+std::string fullName(const CLI::App& command) {
+  const CLI::App* const parent = command.get_parent();
+  return parent == nullptr ? command.get_name() : fullName(*parent) + " " + command.get_name();
+}
+
+std::vector<std::string> commandNames(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::App* sub : command.get_subcommands({}))
+    names.push_back(sub->get_name());
+  return names;
+}
+
+std::vector<std::string> optionNames(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : command.get_options()) {
+    for (const std::string& name : option->get_lnames())
+      names.push_back("--" + name);
+    for (const std::string& name : option->get_snames())
+      names.push_back("-" + name);
+  }
+  return names;
+}
+
+std::string commaList(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names)
+    text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+std::string noSuchCommand(const CLI::App& command, const std::string& word) {
+  const std::vector<std::string> names = commandNames(command);
+  const std::string of = command.get_parent() == nullptr ? "" : " of " + fullName(command);
+  return "there is no command \"" + word + "\"" + of + suggestion(word, names) +
+         (nearestName(word, names) ? "" : "; the commands are " + commaList(names));
+}
+
+bool isOption(const std::string& argument) {
+  return argument.size() > 1 && argument.starts_with('-') && argument != "--";
+}
+
+// --- What CLI11 could not read ----------------------------------------------------------------------------------------
+
+// The innermost command that is named.
+const CLI::App& innermost(const CLI::App& app) {
+  const std::vector<CLI::App*> named = app.get_subcommands();
+  return named.empty() ? app : innermost(*named.back());
+}
+
+std::string noSuchOption(const CLI::App& command, const std::string& argument, const CLI::App& inner) {
+  const std::string option = argument.substr(0, argument.find('='));
+  const std::vector<std::string> its = optionNames(inner);
+  if (&command != &inner && std::ranges::find(its, option) != its.end())
+    return "the option " + option + " stands behind its command: " + fullName(inner) + " " + option + " ...";
+  return fullName(command) + " has no option " + option + suggestion(option, optionNames(command));
+}
+
+// What stands where nothing can be made of it: an option that does not exist or, before the commands, a command. Such a slip is
+// what is said even where its consequences, a missing argument or one too many, were found first.
+std::optional<std::string> unknownArgument(const CLI::App& command, const CLI::App& inner) {
+  const std::vector<std::string> unknown = command.remaining();
+  if (&command == &inner && !command.get_subcommands({}).empty()) {
+    if (!unknown.empty() && !isOption(unknown.front())) return noSuchCommand(command, unknown.front());
+  }
+  if (const auto option = std::ranges::find_if(unknown, isOption); option != unknown.end())
+    return noSuchOption(command, *option, inner);
+  return &command == &inner ? std::nullopt : unknownArgument(*command.get_subcommands().back(), inner);
+}
+
+// The argument at the front of a message of CLI11.
+std::string argumentIn(std::string_view message) {
+  return std::string(message.substr(0, message.find_first_of(": ")));
+}
+
+// The message of `error` in this program's words.
+std::string inOwnWords(const CLI::App& inner, const CLI::ParseError& error) {
+  const std::string message = error.what();
+  const std::string argument = argumentIn(message);
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+    std::vector<std::string> extra = inner.remaining();
+    return extra.empty() ? message : fullName(inner) + " takes no further argument \"" + extra.front() + "\"";
+  }
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+    const std::vector<std::string> commands = commandNames(inner);
+    if (!commands.empty()) return "name a command: " + commaList(commands);
+    return argument + " must be given";
+  }
+  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+    constexpr std::string_view between = " excludes ";
+    return argument + " cannot be given together with " + message.substr(argument.size() + between.size());
+  }
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    if (message.ends_with("missing")) return argument + " needs a value";
+    return argument + (message.find("flag") == std::string::npos ? " can be given once only" : " takes no value");
+  }
+  if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+    constexpr std::string_view before = "Could not convert: ";  // a flag's value; all others have checks of their own
+    return argumentIn(message.starts_with(before) ? message.substr(before.size()) : message) + " takes no value";
+  }
+  return message;
+}
+
+std::string usageLine(const CLI::App& app, const CLI::ParseError& error) {
+  const CLI::App& inner = innermost(app);
+  const std::optional<std::string> unknown = unknownArgument(app, inner);
+  const std::string line = unknown ? *unknown : inOwnWords(inner, error);
+  // Who asks for the help of a command that does not exist is not helped by the help of `help`.
+  const CLI::App& known = inner.get_name() == helpCommand ? app : inner;
+  return line + (line.ends_with('?') ? " See " : "; see ") + fullName(known) + " --help";
+}
+
+// --- quillon help -----------------------------------------------------------------------------------------------------
+
+void addHelpCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(helpCommand, "Tell how a command is called, or which commands there are");
+  const auto words = std::make_shared<std::vector<std::string>>();
+  command.add_option("COMMAND", *words, "The command, such as report, or account new");
+  command.callback([&app, words] {
+    const CLI::App* wanted = &app;
+    for (const std::string& word : *words) {
+      const auto named = wanted->get_subcommands([&word](const CLI::App* sub) { return sub->check_name(word); });
+      if (named.empty()) refuseUsage(noSuchCommand(*wanted, word));
+      wanted = named.front();
+    }
+    std::cout << wanted->get_formatter()->make_help(wanted, fullName(*wanted), CLI::AppFormatMode::Normal);
+  });
+}
+
+// What a library threw by itself, in this program's words; empty for this program's own errors.
+std::string libraryError(const std::exception& error) {
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
+    return "there is not enough memory; close other programs, or narrow the filter";
+  if (const auto* file = dynamic_cast<const std::filesystem::filesystem_error*>(&error); file != nullptr)
+    return "cannot use " + utf8FromPath(file->path1()) + ": " + file->code().message();
+  if (dynamic_cast<const nlohmann::json::exception*>(&error) != nullptr)
+    return "a JSON file holds another kind of value than is expected there";
+  return {};
+}
+
+}  // namespace
+
+std::string errorLine(const std::exception& error) {
+  const std::string ofLibrary = libraryError(error);
+  return odbc::ConnectionString(ofLibrary.empty() ? errorText(error) : ofLibrary).withoutPassword();
+}
+
+int runCommandLine(std::vector<std::string> arguments, const std::string& version, std::ostream& errors) {
+  CLI::App app("Inventory-accounting reports by cost item, and the workbench that runs them");
+  app.name("quillon");
+  // Under Wine a path may begin with a slash; it is not an option.
+  app.allow_windows_style_options(false);
+  app.require_subcommand(1);
+  app.set_version_flag("--version", "quillon " + version);
+  addAccountCommand(app);
+  addDialogCommand(app);
+  addDrillCommand(app);
+  addHelpCommand(app);
+  addReportCommand(app);
+  addSqlCommand(app);
+  addTraceCommand(app);
+  try {
+    app.parse(std::move(arguments));
+    return 0;
+  } catch (const CLI::Success& help) {
+    return app.exit(help);
+  } catch (const CLI::RuntimeError& end) {
+    if (stopCause()) throw tsql::Stopped();
+    return end.get_exit_code();
+  } catch (const CLI::ParseError& error) {
+    errors << "quillon: " << odbc::ConnectionString(usageLine(app, error)).withoutPassword() << '\n';
+    return wrongUsage;
+  }
+}
+
+}  // namespace quillon::workbench
