@@ -4,11 +4,13 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 #endif
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -30,28 +32,6 @@ namespace {
 constexpr std::string_view partSuffix = ".part";
 constexpr std::size_t numberDigits = 8;
 constexpr std::array<std::string_view, 3> besideAccounts = {"-journal", "-wal", "-shm"};
-
-// Makes the file `name`, which nobody else has; false when it exists. Sets `error` when it cannot be made.
-bool makeNew(const fs::path& name, std::error_code& error) {
-#ifdef _WIN32
-  const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) {
-    const DWORD reason = GetLastError();
-    if (reason != ERROR_FILE_EXISTS) error.assign(static_cast<int>(reason), std::system_category());
-    return false;
-  }
-  CloseHandle(file);
-#else
-  constexpr mode_t asUsual = 0666;  // what the user's mask leaves of it
-  const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, asUsual);
-  if (file < 0) {
-    if (errno != EEXIST) error.assign(errno, std::generic_category());
-    return false;
-  }
-  close(file);
-#endif
-  return true;
-}
 
 // Whether `name` is `target` with a number and the suffix behind it.
 bool isPartOf(const std::string& name, const std::string& target) {
@@ -83,6 +63,68 @@ bool belongsToAccount(const fs::path& file) {
 
 }  // namespace
 
+// A part that is kept open as long as its run lives, so that other runs can tell whether it does: the system lets go of it
+// with the program.
+class OutputFile::Hold {
+ public:
+  // Makes the file `name` and holds it; null when it exists already. Sets `error` when it cannot be made.
+  static std::unique_ptr<Hold> make(const fs::path& name, std::error_code& error) {
+#ifdef _WIN32
+    // Others may write and read it, as this run does by its name, but not delete it.
+    const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+      const DWORD reason = GetLastError();
+      if (reason != ERROR_FILE_EXISTS) error.assign(static_cast<int>(reason), std::system_category());
+      return nullptr;
+    }
+#else
+    constexpr mode_t asUsual = 0666;  // what the user's mask leaves of it
+    const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, asUsual);
+    if (file < 0) {
+      if (errno != EEXIST) error.assign(errno, std::generic_category());
+      return nullptr;
+    }
+    flock(file, LOCK_EX | LOCK_NB);
+#endif
+    return std::make_unique<Hold>(file);
+  }
+
+  // Removes the file `name` unless a program holds it.
+  static void removeUnheld(const fs::path& name) {
+    std::error_code ignored;
+#ifdef _WIN32
+    fs::remove(name, ignored);  // fails while it is held
+#else
+    const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (file < 0) return;
+    if (flock(file, LOCK_EX | LOCK_NB) == 0) fs::remove(name, ignored);
+    close(file);
+#endif
+  }
+
+#ifdef _WIN32
+  explicit Hold(HANDLE file) : file_(file) {}
+  ~Hold() {
+    CloseHandle(file_);
+  }
+#else
+  explicit Hold(int file) : file_(file) {}
+  ~Hold() {
+    close(file_);
+  }
+#endif
+  Hold(const Hold&) = delete;
+  Hold& operator=(const Hold&) = delete;
+
+ private:
+#ifdef _WIN32
+  HANDLE file_;
+#else
+  int file_;
+#endif
+};
+
 void refuseToReplace(const fs::path& file, std::span<const fs::path> inputs) {
   if (tsql::isAccountFile(file)) refuse(file, "is an account");
   if (belongsToAccount(file)) refuse(file, "belongs to an account");
@@ -105,12 +147,13 @@ OutputFile::OutputFile(const fs::path& file) : file_(file), target_(file), part_
     // A new name could be given over a file that is protected from being written to, which this one then is not.
     if (!std::ofstream(target_, std::ios::binary | std::ios::app)) fail();
   }
-  removeOldParts();
+  removeLeftParts();
   makePart();
 }
 
 OutputFile::~OutputFile() {
   std::error_code ignored;
+  hold_.reset();
   if (replaces()) fs::remove(part_, ignored);
 }
 
@@ -123,16 +166,17 @@ void OutputFile::makePart() {
     std::snprintf(number.data(), number.size(), "%08x", static_cast<unsigned>(random()));
     fs::path part = target_;
     part += "." + std::string(number.data()) + std::string(partSuffix);
-    if (makeNew(part, error)) {
-      part_ = std::move(part);
-      return;
-    }
+    hold_ = Hold::make(part, error);
+    if (hold_ == nullptr) continue;
+    part_ = std::move(part);
+    return;
   }
   fail();
 }
 
-void OutputFile::removeOldParts() const {
-  constexpr std::chrono::hours day{24};
+void OutputFile::removeLeftParts() const {
+  // A part is not held for a moment when it is made, and on Windows when it gets its name.
+  constexpr std::chrono::minutes sure{1};
   const std::string name = utf8FromPath(target_.filename());
   const fs::path folder = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
   std::error_code error;
@@ -140,7 +184,7 @@ void OutputFile::removeOldParts() const {
     if (!isPartOf(utf8FromPath(entry->path().filename()), name)) continue;
     std::error_code ignored;
     const auto age = fs::file_time_type::clock::now() - entry->last_write_time(ignored);
-    if (!ignored && age > day) fs::remove(entry->path(), ignored);
+    if (!ignored && age > sure) Hold::removeUnheld(entry->path());
   }
 }
 
@@ -152,6 +196,9 @@ void OutputFile::complete() {
     fs::permissions(part_, older.permissions(), error);
     if (error) fail();
   }
+#ifdef _WIN32
+  hold_.reset();  // what is held gets no other name
+#endif
   fs::rename(part_, target_, error);
   if (error) fail();
 }

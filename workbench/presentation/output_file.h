@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <span>
 
 namespace quillon::workbench {
@@ -15,8 +16,8 @@ void refuseToReplace(const std::filesystem::path& file, std::span<const std::fil
 // Whatever stands under the file's name stays as it is until the output is complete, and is then replaced by it in one
 // step: a reader finds the older file or the newer one, even after a run that was killed. The output grows in the same
 // folder under a name that no other run has, `file` with a number and ".part" behind it. What a killed run left of that
-// kind is removed by the next run once it is a day old. What is not a regular file, such as /dev/stdout or a pipe, is
-// written to directly.
+// kind is removed by the next run: a part that no program holds and that nothing has been written to for a minute. What
+// is not a regular file, such as /dev/stdout or a pipe, is written to directly.
 class OutputFile {
  public:
   // Throws UserError when there is an older file that may not be written to, or is an account (refuseToReplace()), and
@@ -35,13 +36,16 @@ class OutputFile {
   [[noreturn]] void fail() const;
 
  private:
+  class Hold;
+
   bool replaces() const { return part_ != target_; }
   void makePart();
-  void removeOldParts() const;
+  void removeLeftParts() const;
 
   std::filesystem::path file_;    // as it was named
   std::filesystem::path target_;  // behind symbolic links
   std::filesystem::path part_;
+  std::unique_ptr<Hold> hold_;  // of the part
 };
 
 }  // namespace quillon::workbench

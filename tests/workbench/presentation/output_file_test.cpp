@@ -103,12 +103,12 @@ TEST_F(OutputFileTest, SharesItsPartWithNoOtherRun) {
   EXPECT_THAT(folder_.names(), ElementsAre("r"));
 }
 
-TEST_F(OutputFileTest, RemovesWhatAKilledRunLeftADayAgo) {
-  const auto leave = [this](const std::string& name, std::chrono::hours ago) {
+TEST_F(OutputFileTest, RemovesWhatAKilledRunLeft) {
+  const auto leave = [this](const std::string& name, std::chrono::seconds ago) {
     write(folder_ / name, "half of it");
     fs::last_write_time(folder_ / name, fs::file_time_type::clock::now() - ago);
   };
-  const std::chrono::hours old{25}, young{23};
+  const std::chrono::seconds old{61}, young{30};
   leave("r.0123cdef.part", old);
   leave("r.1123cdef.part", young);
   // Nobody's parts of this file.
@@ -120,6 +120,21 @@ TEST_F(OutputFileTest, RemovesWhatAKilledRunLeftADayAgo) {
   OutputFile(folder_ / "r").complete();
   EXPECT_THAT(folder_.names(), ElementsAre("q.0123cdef.part", "r", "r.0123cdef.parts", "r.0123cdef0.part",
                                            "r.0123cdeg.part", "r.1123cdef.part", "r.part"));
+}
+
+// However long it has waited for its next row.
+TEST_F(OutputFileTest, LeavesThePartOfARunThatLives) {
+  OutputFile living(folder_ / "r");
+  write(living.path(), "half of it");
+  fs::last_write_time(living.path(), fs::file_time_type::clock::now() - std::chrono::hours(100));
+  {
+    OutputFile other(folder_ / "r");
+    write(other.path(), "all of the other");
+    other.complete();
+  }
+  EXPECT_EQ(contentOf(living.path()), "half of it");
+  living.complete();
+  EXPECT_EQ(contentOf(folder_ / "r"), "half of it");
 }
 
 TEST_F(OutputFileTest, RefusesAnyAccount) {
