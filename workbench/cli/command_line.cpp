@@ -108,7 +108,7 @@ std::string argumentIn(std::string_view message) {
 
 // The message of `error` in this program's words.
 std::string inOwnWords(const CLI::App& inner, const CLI::ParseError& error) {
-  const std::string message = error.what();
+  std::string message = error.what();
   const std::string argument = argumentIn(message);
   if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
     std::vector<std::string> extra = inner.remaining();

@@ -34,7 +34,8 @@ std::optional<std::string> nearestEntry(const Master& master, std::string_view w
     for (const std::string& text : {code, name}) {
       const auto distance = nearness(written, text);
       if (!distance || (nearest && *distance >= least)) continue;
-      nearest = name.empty() || name == code ? code : code + " " + name;
+      nearest = code;
+      if (!name.empty() && name != code) nearest->append(" ").append(name);
       least = *distance;
     }
   }

@@ -110,8 +110,9 @@ TEST_F(UnknownCodes, AreLookedForInTablesAndColumnsOfTheAccount) {
       if (!item.master) continue;
       ++masters;
       EXPECT_EQ(item.kind, InputKind::reference) << item.key;
-      const std::string code(item.master->code), name(item.master->name), table(item.master->table);
-      EXPECT_NO_THROW(session_.query("Select " + code + ", " + name + " From " + table, readOnlyQuery)) << item.key;
+      std::string sql("Select ");
+      sql.append(item.master->code).append(", ").append(item.master->name).append(" From ").append(item.master->table);
+      EXPECT_NO_THROW(session_.query(sql, readOnlyQuery)) << item.key;
     }
   }
   EXPECT_EQ(masters, 26);
