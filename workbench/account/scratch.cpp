@@ -185,7 +185,8 @@ Scratch::Scratch() {
     file_ = folder / fileName;
     return;
   }
-  throw AccountError("cannot make a folder for this run's tables in " + utf8FromPath(temporary) +
+  throw AccountError("cannot make a folder for this run's tables in " +
+                     (error ? std::string("the folder for temporary files") : utf8FromPath(temporary)) +
                      "; check that folder, or name another one in " + folderVariable);
 }
 

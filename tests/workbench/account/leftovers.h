@@ -17,7 +17,7 @@ inline std::vector<std::string> leftoverNames(tsql::Database& account) {
 
 // Drops all of them; gives their names.
 inline std::vector<std::string> dropLeftovers(tsql::Database& account) {
-  const std::vector<std::string> names = leftoverNames(account);
+  std::vector<std::string> names = leftoverNames(account);
   for (const std::string& name : names)
     dropTable(account, name);
   return names;
