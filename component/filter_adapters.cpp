@@ -6,6 +6,7 @@
 
 namespace quillon::component {
 
+using automation::ComPtr;
 using automation::LateBound;
 
 void LateBoundFilterItem::setGroupToken(int token) {
@@ -133,9 +134,11 @@ void LateBoundFilterDialog::setLookupConditionOfValue(std::string_view key, std:
   filter_.call(bindings::dialog::setLookupConditionOfValue, {key, condition, valueIsEmpty});
 }
 
-std::shared_ptr<Filter> LateBoundDrillThroughHelper::filterFor(Login& login, bool drillThrough) {
-  return std::make_shared<LateBoundFilter>(helper_.object(bindings::filterForLogin, "drill-through filter",
-                                                          {adapterOf<LateBoundLogin>(login).object(), drillThrough}));
+std::shared_ptr<Filter> LateBoundDrillThroughHelper::filterFor(Login* login, bool drillThrough) {
+  // "Nothing" for a login that could not be read.
+  const ComPtr<IDispatch> object = login ? adapterOf<LateBoundLogin>(*login).object() : ComPtr<IDispatch>();
+  return std::make_shared<LateBoundFilter>(
+      helper_.object(bindings::filterForLogin, "drill-through filter", {object, drillThrough}));
 }
 
 }  // namespace quillon::component

@@ -92,7 +92,7 @@ class LateBoundDrillThroughHelper : public DrillThroughHelper {
  public:
   explicit LateBoundDrillThroughHelper(automation::LateBound helper) : helper_(std::move(helper)) {}
   // `login` is one that came from a LateBoundReportArgument.
-  std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) override;
+  std::shared_ptr<Filter> filterFor(Login* login, bool drillThrough) override;
 
  private:
   automation::LateBound helper_;

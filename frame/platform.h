@@ -147,8 +147,8 @@ class UniqueNameSource {
 class DrillThroughHelper {
  public:
   virtual ~DrillThroughHelper() = default;
-  // `drillThrough` is true when the argument's Action is "Link".
-  virtual std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) = 0;
+  // `login` is null when it could not be read; `drillThrough` is true when the argument's Action is "Link".
+  virtual std::shared_ptr<Filter> filterFor(Login* login, bool drillThrough) = 0;
 };
 
 // Makes the platform's components. One per thread, outliving everything that it made.

@@ -57,7 +57,7 @@ void SummaryReport::execute(ReportArgument& argument) noexcept {
   passOverErrors([&] { helper = module_.platform().createDrillThroughHelper(); });
   // The filter object that the helper gives is released at once: a summary report has nothing to open.
   passOverErrors([&] {
-    if (login && helper) helper->filterFor(*login, drillThrough);
+    if (helper) helper->filterFor(login.get(), drillThrough);
   });
 }
 

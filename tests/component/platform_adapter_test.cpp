@@ -318,8 +318,10 @@ TEST_F(PlatformAdapterTest, TheDrillThroughHelper) {
   const auto helper = platform.createDrillThroughHelper();
   const auto login = LateBoundReportArgument(fake.argument({})).login();
   calls();
-  EXPECT_TRUE(helper->filterFor(*login, true));
+  EXPECT_TRUE(helper->filterFor(login.get(), true));
   EXPECT_EQ(calls(), Calls{"DrillThrough.GetFilter(<Login>, True)"});
+  EXPECT_TRUE(helper->filterFor(nullptr, false));
+  EXPECT_EQ(calls(), Calls{"DrillThrough.GetFilter(Nothing, False)"});
 }
 
 TEST_F(PlatformAdapterTest, ALackingMemberIsNamed) {

@@ -322,10 +322,10 @@ class InterceptedDrillThroughHelper final
  public:
   using Intercepted::Intercepted;
 
-  std::shared_ptr<Filter> filterFor(Login& login, bool drillThrough) override {
+  std::shared_ptr<Filter> filterFor(Login* login, bool drillThrough) override {
     return call("DrillThroughHelper.filterFor", [&]() -> std::shared_ptr<Filter> {
-      return std::make_shared<InterceptedFilter>(injector(),
-                                                 inner().filterFor(behind<InterceptedLogin>(login), drillThrough));
+      return std::make_shared<InterceptedFilter>(
+          injector(), inner().filterFor(login ? &behind<InterceptedLogin>(*login) : nullptr, drillThrough));
     });
   }
 };

@@ -431,8 +431,9 @@ class FakeDrillThroughHelper final : public DrillThroughHelper, private Counted 
  public:
   using Counted::Counted;
 
-  std::shared_ptr<Filter> filterFor(Login&, bool drillThrough) override {
-    call(std::string("helper.filterFor(") + (drillThrough ? "drill-through" : "no drill-through") + ")");
+  std::shared_ptr<Filter> filterFor(Login* login, bool drillThrough) override {
+    call(std::string("helper.filterFor(") + (login ? "" : "nothing, ") +
+         (drillThrough ? "drill-through" : "no drill-through") + ")");
     return std::make_shared<FakeFilter>(record(), std::vector<ItemValues>());
   }
 };

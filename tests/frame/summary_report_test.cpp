@@ -159,8 +159,8 @@ TEST_F(SummaryReportTest, ExecutePassesOverEachFailingStep) {
   SampleReport report(module_);
   const std::vector<std::vector<std::string>> expected = {
       {"e.Action", "e.Login", "create DrillThroughHelper", "helper.filterFor(no drill-through)"},
-      // Without a login or a helper there is nothing to ask.
-      {"e.Action", "e.Login", "create DrillThroughHelper"},
+      {"e.Action", "e.Login", "create DrillThroughHelper", "helper.filterFor(nothing, drill-through)"},
+      // Without a helper there is nobody to ask.
       {"e.Action", "e.Login", "create DrillThroughHelper"},
       {"e.Action", "e.Login", "create DrillThroughHelper", "helper.filterFor(drill-through)"},
   };

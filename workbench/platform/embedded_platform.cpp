@@ -23,7 +23,7 @@ AccountingPeriod calendarMonth(std::string_view date) {
 // Execute of the two summary reports asks for a filter and does nothing with it.
 class EmptyDrillThrough final : public DrillThroughHelper {
  public:
-  std::shared_ptr<Filter> filterFor(Login&, bool) override {
+  std::shared_ptr<Filter> filterFor(Login*, bool) override {
     return std::make_shared<FilterObject>(ReportRegistration{});
   }
 };

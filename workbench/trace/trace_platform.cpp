@@ -504,7 +504,7 @@ class TraceUniqueNames final : public UniqueNameSource {
 
 class TraceDrillThroughHelper final : public DrillThroughHelper {
  public:
-  std::shared_ptr<Filter> filterFor(Login&, bool) override { return std::make_shared<TraceFilter>(Json::object()); }
+  std::shared_ptr<Filter> filterFor(Login*, bool) override { return std::make_shared<TraceFilter>(Json::object()); }
 };
 
 class TraceAccountLogin final : public AccountLogin {
