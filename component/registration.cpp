@@ -94,7 +94,9 @@ void registerServer() {
     WORD major = 0;
     WORD minor = 0;
     const std::wstring library = textOf(libraryId(major, minor));
-    check(RegisterTypeLib(typeLibrary().get(), path.data(), nullptr), L"the type library");
+    // Without a folder of its own, HELPDIR would keep that of an earlier registration.
+    std::wstring folder = path.substr(0, path.rfind(L'\\'));
+    check(RegisterTypeLib(typeLibrary().get(), path.data(), folder.data()), L"the type library");
     for (const ServerClass& entry : serverClasses())
       writeClass(entry, path, library);
   } catch (...) {

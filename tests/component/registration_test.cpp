@@ -106,8 +106,17 @@ TEST(Registration, WritesEveryClassAndLeavesNothingBehind) {
   }
   EXPECT_EQ(written["\\TypeLib\\" + library10 + "\\1.0\\0\\win32"], path);
 
+  EXPECT_EQ(written["\\TypeLib\\" + library10 + "\\1.0\\HELPDIR"], path.substr(0, path.rfind('\\')));
+
   ASSERT_EQ(library.registerServer(), S_OK) << "a second time changes nothing";
   EXPECT_EQ(classes.content().size(), written.size());
+
+  // Where the library was registered from another folder before, everything follows it to where it lies now.
+  classes.write(L"TypeLib\\{A04E69C6-FCCA-4C39-942A-44F988877A23}\\1.0\\HELPDIR", L"C:\\another folder");
+  classes.write(L"TypeLib\\{A04E69C6-FCCA-4C39-942A-44F988877A23}\\1.0\\0\\win32", L"C:\\another folder\\Quillon.dll");
+  classes.write(L"CLSID\\{E518F10C-F08E-4684-A465-50E6808D031E}\\InprocServer32", L"C:\\another folder\\Quillon.dll");
+  ASSERT_EQ(library.registerServer(), S_OK);
+  EXPECT_EQ(classes.content(), written);
 
   ASSERT_EQ(library.unregisterServer(), S_OK);
   EXPECT_EQ(classes.content(), before);
