@@ -16,9 +16,14 @@ Argument::Argument(VARIANT& given, UINT position, VARTYPE type) : given_(&given)
       if (isNull(given)) throw AutomationError(hresult::typeMismatch, "Quillon", "Null is not a text.");
       value_ = toText(given);
       break;
-    case VT_BOOL:
+    case VT_BOOL: {
+      // What only counts as True comes in as 1: a member that sets True then leaves another value than it was given.
+      const Variant plain = dereferenced(given);
+      const bool exactlyTrue = plain.vt == VT_BOOL && plain.boolVal == VARIANT_TRUE;
       value_ = toFlag(given);
+      if (value_.boolVal != VARIANT_FALSE && !exactlyTrue) value_.boolVal = 1;
       break;
+    }
     case VT_DISPATCH:
       value_ = toObject(given);
       break;

@@ -25,7 +25,9 @@ class Argument {
   UINT position() const { return position_; }
   // What goes on the stack: a reference to the value.
   Variant reference();
-  // Gives a changed value back to the caller. A variable that the member left alone keeps its own value and form.
+  // Gives a changed value back to the caller. A variable that the member left alone keeps its own value and form. A flag
+  // that the member sets to True counts as changed unless the variable was exactly True, so that a variable that held 7
+  // is True (-1) afterwards.
   HRESULT returnToCaller();
 
  private:

@@ -270,6 +270,36 @@ TEST_F(DetailDialogRun, OnlyTheFirstEmptyItemIsTold) {
   }
 }
 
+// Basic's "Cancel = True" is false for a 7: a variable that only counts as True must not stay as it is.
+TEST_F(DetailDialogRun, ARefusalSetsCancelToExactlyTrueOnBothRoads) {
+  const ComScope apartment;
+  Recorder recorder;
+  FakePlatform platform(recorder);
+  platform.costingBasis = "按仓库核算";
+  const auto dialog = platform.dialog("", emptyFilter);
+  for (const Variant& before : {Variant(7), Variant(1), Variant(0), Variant("7"), Variant(true), Variant(false)}) {
+    Variant cancel = before;
+    control().call(L"CallBack_FilterClick", {dialog, Variant::reference(cancel)});
+    EXPECT_EQ(cancel.vt, VT_BOOL) << toText(before);
+    EXPECT_EQ(cancel.boolVal, VARIANT_TRUE) << toText(before);
+  }
+  for (const VARIANT_BOOL before : {VARIANT_BOOL{7}, VARIANT_BOOL{1}, VARIANT_TRUE, VARIANT_FALSE}) {
+    VARIANT_BOOL cancel = before;
+    Variant reference;
+    reference.vt = VT_BOOL | VT_BYREF;
+    reference.pboolVal = &cancel;
+    control().call(L"CallBack_FilterClick", {dialog, reference});
+    EXPECT_EQ(cancel, VARIANT_TRUE) << before;
+
+    cancel = before;
+    const auto earlyBound = library.create<_clsFilterControl>(__uuidof(clsFilterControl));
+    IDispatch* filter = dialog.get();
+    Variant result;
+    EXPECT_EQ(earlyBound->CallBack_FilterClick(&filter, &cancel, &result), S_OK);
+    EXPECT_EQ(cancel, VARIANT_TRUE) << before;
+  }
+}
+
 TEST_F(DetailDialogRun, ACompleteFilterIsAcceptedAndCancelLeftAlone) {
   const ComScope apartment;
   Recorder recorder;
@@ -284,6 +314,10 @@ TEST_F(DetailDialogRun, ACompleteFilterIsAcceptedAndCancelLeftAlone) {
     control.call(L"CallBack_FilterClick", {dialog, Variant::reference(cancel)});
     EXPECT_EQ(cancel.boolVal != VARIANT_FALSE, before);
   }
+  Variant seven(7);
+  control.call(L"CallBack_FilterClick", {dialog, Variant::reference(seven)});
+  EXPECT_EQ(seven.vt, VT_I4);
+  EXPECT_EQ(seven.lVal, 7);
   EXPECT_TRUE(messages(recorder).empty());
 }
 

@@ -222,6 +222,58 @@ TEST_F(DualInvoke, AVariantResultGoesBackInEveryForm) {
   EXPECT_EQ(invoke(*dialog.get(), L"CallBack_ReportViewInit", both, {filter, Variant::reference(variable)}), S_OK);
   EXPECT_EQ(toText(variable), "cross");
 
+// A variable that only counts as True is exactly True once the member has set it, in every form of the variable.
+TEST_F(DualInvoke, AFlagThatIsSetIsExactlyTrueWhateverTheVariableHeld) {
+  dialog->cancel = VARIANT_TRUE;
+  const auto click = [&](const Variant& flag) {
+    return invoke(*dialog.get(), L"CallBack_FilterClick", both, {filter, flag});
+  };
+  for (const Variant& before : {Variant(7), Variant(1), Variant(-1), Variant(0), Variant(2.5), Variant("True"),
+                                Variant("7"), Variant("0"), Variant(true), Variant(false), Variant()}) {
+    SCOPED_TRACE(before.vt == VT_EMPTY ? "Empty" : toText(before));
+    Variant flag = before;
+    EXPECT_EQ(click(Variant::reference(flag)), S_OK);
+    EXPECT_EQ(flag.vt, VT_BOOL);
+    EXPECT_EQ(flag.boolVal, VARIANT_TRUE);
+  }
+  for (const VARIANT_BOOL before : {VARIANT_BOOL{7}, VARIANT_BOOL{1}, VARIANT_FALSE, VARIANT_TRUE}) {
+    VARIANT_BOOL canceled = before;
+    Variant flag;
+    flag.vt = VT_BOOL | VT_BYREF;
+    flag.pboolVal = &canceled;
+    EXPECT_EQ(click(flag), S_OK);
+    EXPECT_EQ(canceled, VARIANT_TRUE) << before;
+    canceled = before;
+    EXPECT_EQ(click(Variant::reference(flag)), S_OK) << "a reference inside a variant";
+    EXPECT_EQ(canceled, VARIANT_TRUE) << before;
+  }
+  LONG number = 7;
+  Variant typed;
+  typed.vt = VT_I4 | VT_BYREF;
+  typed.plVal = &number;
+  EXPECT_EQ(click(typed), S_OK);
+  EXPECT_EQ(number, -1);
+  DOUBLE fraction = 7.5;
+  typed.vt = VT_R8 | VT_BYREF;
+  typed.pdblVal = &fraction;
+  EXPECT_EQ(click(typed), S_OK);
+  EXPECT_EQ(fraction, -1.0);
+}
+
+TEST_F(DualInvoke, AFlagThatIsLeftAloneKeepsWhatTheVariableHeld) {
+  Variant number(7);
+  EXPECT_EQ(invoke(*dialog.get(), L"CallBack_FilterClick", both, {filter, Variant::reference(number)}), S_OK);
+  EXPECT_EQ(number.vt, VT_I4);
+  EXPECT_EQ(number.lVal, 7);
+  VARIANT_BOOL canceled = 7;
+  Variant flag;
+  flag.vt = VT_BOOL | VT_BYREF;
+  flag.pboolVal = &canceled;
+  EXPECT_EQ(invoke(*dialog.get(), L"CallBack_FilterClick", both, {filter, flag}), S_OK);
+  EXPECT_EQ(canceled, 7);
+  EXPECT_EQ(dialog->seen, (std::vector<std::string>{"click filter True", "click filter True"}));
+}
+
   BSTR text = nullptr;
   Variant typed;
   typed.vt = VT_BSTR | VT_BYREF;
