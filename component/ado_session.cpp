@@ -32,29 +32,35 @@ void AdoRecordset::close() {
   recordset_.call(ado::close);
 }
 
+// A running call may lead to the run that retires the session, so the connection itself stays until the session goes.
+const LateBound& AdoSession::inUse() const {
+  if (retired_) throwTakenOver();
+  return connection_;
+}
+
 void AdoSession::setCursorLocation(CursorLocation location) {
-  connection_.put(ado::cursorLocation, static_cast<int>(location));
+  inUse().put(ado::cursorLocation, static_cast<int>(location));
 }
 
 void AdoSession::setConnectionString(std::string_view text) {
-  connection_.put(ado::connectionString, text);
+  inUse().put(ado::connectionString, text);
 }
 
 void AdoSession::setConnectionTimeout(int seconds) {
-  connection_.put(ado::connectionTimeout, seconds);
+  inUse().put(ado::connectionTimeout, seconds);
 }
 
 void AdoSession::setCommandTimeout(int seconds) {
-  connection_.put(ado::commandTimeout, seconds);
+  inUse().put(ado::commandTimeout, seconds);
 }
 
 void AdoSession::open(std::string_view user, std::string_view password, int options) {
-  connection_.call(ado::open, {"", user, password, options});
+  inUse().call(ado::open, {"", user, password, options});
 }
 
 std::int64_t AdoSession::execute(std::string_view sql) {
   Variant affected;
-  connection_.call(ado::execute, {sql, Variant::reference(affected), optionsUnspecified});
+  inUse().call(ado::execute, {sql, Variant::reference(affected), optionsUnspecified});
   // ADO counts in a long; a look-alike may leave the variable empty or count further.
   const std::string count = toText(affected);
   std::int64_t number = 0;
@@ -65,17 +71,17 @@ std::int64_t AdoSession::execute(std::string_view sql) {
 std::unique_ptr<Recordset> AdoSession::query(std::string_view sql, const QueryOptions& options) {
   LateBound recordset = createObject(bindings::recordset);
   if (options.cursorLocation) recordset.put(ado::cursorLocation, static_cast<int>(*options.cursorLocation));
-  recordset.call(ado::open, {sql, connection_.object(), static_cast<int>(options.cursorType),
+  recordset.call(ado::open, {sql, connection(), static_cast<int>(options.cursorType),
                              static_cast<int>(options.lockType), optionsUnspecified});
   return std::make_unique<AdoRecordset>(std::move(recordset));
 }
 
 int AdoSession::state() {
-  return connection_.integer(ado::state);
+  return inUse().integer(ado::state);
 }
 
 void AdoSession::close() {
-  connection_.call(ado::close);
+  inUse().call(ado::close);
 }
 
 ConnectionVariable::ConnectionVariable(Session& session) : object_(adapterOf<AdoSession>(session).connection().get()) {

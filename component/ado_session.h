@@ -35,12 +35,16 @@ class AdoSession : public Session {
   std::unique_ptr<Recordset> query(std::string_view sql, const QueryOptions& options) override;
   int state() override;
   void close() override;
+  void retire() noexcept override { retired_ = true; }
 
-  // The connection itself, for the platform's components that take it.
-  const automation::ComPtr<IDispatch>& connection() const { return connection_.object(); }
+  // The connection itself, for the platform's components that take it. Throws throwTakenOver() for a retired session.
+  const automation::ComPtr<IDispatch>& connection() const { return inUse().object(); }
 
  private:
+  const automation::LateBound& inUse() const;
+
   automation::LateBound connection_;
+  bool retired_ = false;
 };
 
 // A connection as Basic passes it to a ByRef parameter: the callee sees a variable that holds it, ours stays as it is.

@@ -8,14 +8,14 @@ namespace quillon {
 
 void liftDataRights(Module& module) {
   module.publicComponent();
-  module.login->setAuthString("department=False,inventory=False,warehouse=False");
+  module.loginInUse().setAuthString("department=False,inventory=False,warehouse=False");
 }
 
 std::string usedYearsList(Module& module, FilterDialog& dialog) {
   PublicComponent& component = module.publicComponent();
   Session& connection = dialog.connection();
   std::string list;
-  for (const std::string& year : component.usedYears(module.login->accountCode(), connection)) {
+  for (const std::string& year : component.usedYears(module.loginInUse().accountCode(), connection)) {
     if (!list.empty()) list += ',';
     if (component.costItemStartMonth(year, connection) != 0) list += year;
   }
@@ -26,7 +26,7 @@ void offerUsedYears(Module& module, FilterDialog& dialog, DialogItem& item) {
   const std::string years = usedYearsList(module, dialog);
   item.setListText(years);
   if (!item.value().empty()) return;
-  const std::string loginYear = module.login->accountingYearText();
+  const std::string loginYear = module.loginInUse().accountingYearText();
   item.setValue(years.find(loginYear) != std::string::npos
                     ? loginYear
                     : std::to_string(module.publicComponent().currentPeriodYear(dialog.connection())));

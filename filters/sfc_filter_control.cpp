@@ -77,7 +77,7 @@ void setWhenEmpty(DialogItem& item, std::string_view value) {
 void SfcFilterControl::filterInit(FilterDialog& dialog) {
   openDialogSession(module_, dialog);
   liftDataRights(module_);
-  languageRegion_ = module_.login->languageRegion();
+  languageRegion_ = module_.loginInUse().languageRegion();
   const std::string report = dialog.identifier();
   if (report == outboundSummary) {
     initOutboundSummary(dialog);
@@ -159,7 +159,7 @@ std::string SfcFilterControl::reportView(FilterDialog& dialog) {
 
 void SfcFilterControl::initYear() {
   years_.clear();
-  const auto rows = session().query(yearsQuery(module_.login->accountCode()), listQuery);
+  const auto rows = session().query(yearsQuery(module_.loginInUse().accountCode()), listQuery);
   for (; !rows->eof(); rows->moveNext()) {
     constexpr std::size_t digits = 4;
     const std::string year = rows->text(0).value_or("");
@@ -230,7 +230,7 @@ std::string SfcFilterControl::followValuationOfYear(FilterDialog& dialog) {
 
 int SfcFilterControl::yearOfLists(FilterDialog& dialog) {
   const std::string year = dialog.item("iYear")->value();
-  return leadingNumber(year.empty() ? module_.login->accountingYearText() : year);
+  return leadingNumber(year.empty() ? module_.loginInUse().accountingYearText() : year);
 }
 
 Session& SfcFilterControl::session() {

@@ -82,7 +82,7 @@ void WtFilterControl::valueChange(std::string_view key, FilterDialog& dialog) {
 }
 
 void WtFilterControl::offerChoices(FilterDialog& dialog) {
-  const std::string languageRegion = module_.login->languageRegion();
+  const std::string languageRegion = module_.loginInUse().languageRegion();
   const int count = dialog.count();
   for (int position = 1; position <= count; ++position) {
     const std::unique_ptr<DialogItem> item = dialog.item(position);

@@ -20,6 +20,8 @@ inline constexpr HResult outOfMemory = static_cast<HResult>(0x8007000EU);
 inline constexpr HResult typeMismatch = static_cast<HResult>(0x80020005U);
 // Microsoft's "invalid procedure call or argument", as automation clients know it from Basic's error 5.
 inline constexpr HResult invalidProcedureCall = static_cast<HResult>(0x800A0005U);
+// Basic's error 91, "Object variable not set".
+inline constexpr HResult objectNotSet = static_cast<HResult>(0x800A005BU);
 // Basic's error 9.
 inline constexpr HResult subscriptOutOfRange = static_cast<HResult>(0x800A0009U);
 // ADO's "item cannot be found in the collection", and a database command that the provider refuses.

@@ -1,5 +1,6 @@
 #include "frame/drill_through.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,18 +47,24 @@ std::string voucherTypeCode(Session& session, const std::string& name) {
       .value_or(name);
 }
 
-void showSourceVoucher(Module& module, ReportRow& row, const std::string& typeName) {
-  Session& session = *module.session;
+// The connection and the login that a drill-through runs with, whatever another run puts into the module meanwhile.
+struct Access {
+  std::shared_ptr<Session> session;
+  std::shared_ptr<Login> login;
+};
+
+void showSourceVoucher(Module& module, const Access& access, ReportRow& row, const std::string& typeName) {
+  Session& session = *access.session;
   SourceVoucher voucher;
   voucher.type = voucherTypeCode(session, typeName);
   voucher.code = row.value("cVouCode");
   row.value("iPZID");  // read as the platform expects; a source document does not need it
-  voucher.lineId = number<std::int32_t>(row.value("ID"), "The row's ID");
+  voucher.lineId = number<std::int32_t>(row.requiredValue("ID"), "The row's ID");
 
   const auto component = module.platform().createSourceVoucherComponent();
   PublicComponent& account = module.publicComponent();
   const std::string version = account.accountInformation("AA", "cSysVersion", session);
-  component->initialise(*module.login, session, version);
+  component->initialise(*access.login, session, version);
 
   if (voucher.type == "20" || voucher.type == "21") {
     if (row.value("cBusType") == costItemAdjustment && voucher.type == "21") {
@@ -94,15 +101,15 @@ bool isLedgerModule(const std::string& moduleCode) {
   return equalIgnoringCase(trimBlanks(moduleCode).substr(0, ledgerModuleCode.size()), ledgerModuleCode);
 }
 
-DrillThrough showLedgerVoucher(Module& module, ReportRow& row) {
+DrillThrough showLedgerVoucher(Module& module, const Access& access, ReportRow& row) {
   const std::string postingId = row.value("cPZID");
   if (postingId.empty()) {
     ResourceService& resources = module.resources();
     resources.showMessage(resources.text(notPostedKey), warning);
     return DrillThrough::notPosted;
   }
-  const int year = voucherYear(*module.session, postingId);
-  Login& login = *module.login;
+  const int year = voucherYear(*access.session, postingId);
+  Login& login = *access.login;
 
   const auto ledger = module.platform().createLedgerModule();
   const auto component = module.platform().createLedgerVoucherComponent();
@@ -124,39 +131,44 @@ DrillThrough showLedgerVoucher(Module& module, ReportRow& row) {
   return DrillThrough::ledgerVoucher;
 }
 
-// Releases session and login however the drill-through ends.
+// Releases session and login however the drill-through ends, unless another run has put its own in their place.
 class ReleaseAtEnd {
  public:
-  explicit ReleaseAtEnd(Module& module) : module_(module) {}
+  ReleaseAtEnd(Module& module, const Access& access) : module_(module), access_(access) {}
   ReleaseAtEnd(const ReleaseAtEnd&) = delete;
   ReleaseAtEnd& operator=(const ReleaseAtEnd&) = delete;
   ~ReleaseAtEnd() {
+    if (access_.session && module_.session != access_.session) return;
     module_.session = nullptr;
     module_.login = nullptr;
   }
 
  private:
   Module& module_;
+  const Access& access_;
 };
 
-DrillThrough open(Module& module, ReportArgument& argument) {
+DrillThrough open(Module& module, const Access& access, ReportArgument& argument) {
   const std::unique_ptr<ReportRow> row = argument.row();
   const std::string typeName = row->value("cVouType");
   if (typeName.empty()) return DrillThrough::nothing;
-  openSession(module);
+  openSession(*access.session, *access.login);
   module.publicComponent();  // created before the action is looked at
-  if (argument.action() != "Vouch") return showLedgerVoucher(module, *row);
-  showSourceVoucher(module, *row, typeName);
+  if (argument.action() != "Vouch") return showLedgerVoucher(module, access, *row);
+  showSourceVoucher(module, access, *row, typeName);
   return DrillThrough::sourceVoucher;
 }
 
 }  // namespace
 
 DrillThrough drillThrough(Module& module, ReportArgument& argument) {
-  const ReleaseAtEnd release(module);
-  module.session = module.platform().createSession();
-  module.login = argument.login();
-  return open(module, argument);
+  Access access;
+  const ReleaseAtEnd release(module, access);
+  access.session = module.platform().createSession();
+  module.takeSession(access.session);
+  access.login = argument.login();
+  module.login = access.login;
+  return open(module, access, argument);
 }
 
 }  // namespace quillon

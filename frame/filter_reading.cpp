@@ -37,7 +37,7 @@ std::string translateItems(Filter& filter, const std::function<bool(const Filter
 }
 
 std::string costItemMonthCondition(Module& module, const std::string& year) {
-  Session& session = *module.session;
+  Session& session = module.sessionInUse();
   const int start = module.publicComponent().costItemStartMonth(year, session);
   if (start <= 1 || start <= inventoryStartMonth(yearNumber(year), session)) return {};
   return " And base.iMonth >= " + std::to_string(start) + " ";

@@ -3,9 +3,9 @@
 namespace quillon {
 
 PeriodDates periodDates(Module& module, std::string_view period) {
-  const auto rows = module.session->query(
+  const auto rows = module.sessionInUse().query(
       "select dBegin,dEnd from orvsystem..UA_Period With(NoLock) where CAST( iYear as nvarchar(4)) + '.' + CAST(iId as nvarchar(2)) ='" +
-          std::string(period) + "' and cAcc_Id = '" + module.login->accountCode() + "' ",
+          std::string(period) + "' and cAcc_Id = '" + module.loginInUse().accountCode() + "' ",
       {.cursorType = CursorType::fixed, .lockType = LockType::readOnly, .cursorLocation = {}});
   PeriodDates dates;
   if (!rows->eof()) {

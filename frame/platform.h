@@ -61,6 +61,8 @@ class ReportRow {
 
   // GetData: the value of the result table's column `column` as text; empty for null.
   virtual std::string value(std::string_view column) = 0;
+  // The same of a column that the document is found by. A platform may throw AutomationError where there is no value.
+  virtual std::string requiredValue(std::string_view column) { return value(column); }
 };
 
 // The argument object e of GETSQL and Execute.

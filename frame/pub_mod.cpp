@@ -37,7 +37,7 @@ int inventoryStartMonth(int year, Session& session) {
 }
 
 int decimalPlaces(Module& module, std::string_view name) {
-  const std::string value = module.publicComponent().accountInformation("AA", name, *module.session);
+  const std::string value = module.publicComponent().accountInformation("AA", name, module.sessionInUse());
   if (trimBlanks(value).empty()) return 0;
   const auto places = wholeNumber<int>(value);
   if (!places) {

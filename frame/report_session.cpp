@@ -4,26 +4,35 @@
 
 namespace quillon {
 
-void openSession(Module& module) {
-  Session& session = *module.session;
+void openSession(Session& session, Login& login) {
   session.setCursorLocation(CursorLocation::client);
-  session.setConnectionString(module.login->accountConnection());
+  session.setConnectionString(login.accountConnection());
   session.setConnectionTimeout(0);
   session.setCommandTimeout(0);
   session.open("", "", optionsUnspecified);
 }
 
-void openReportSession(Module& module, ReportArgument& argument) {
-  module.session = module.platform().createSession();
-  module.login = argument.login();
-  openSession(module);
+std::shared_ptr<Session> openReportSession(Module& module, ReportArgument& argument) {
+  // Both are held here: reading the login may lead to another run, which puts its own into the module.
+  std::shared_ptr<Session> session = module.platform().createSession();
+  module.takeSession(session);
+  const std::shared_ptr<Login> login = argument.login();
+  module.login = login;
+  openSession(*session, *login);
+  return session;
 }
 
 void openDialogSession(Module& module, FilterDialog& dialog) {
-  module.session = module.platform().createSession();
-  module.login = dialog.login();
-  openSession(module);
-  module.resources().takeLogin(*module.login);
+  const std::shared_ptr<Session> session = module.platform().createSession();
+  module.takeSession(session);
+  const std::shared_ptr<Login> login = dialog.login();
+  module.login = login;
+  openSession(*session, *login);
+  module.resources().takeLogin(*login);
+}
+
+void requireSession(const Module& module, const std::shared_ptr<Session>& session) {
+  if (module.session != session) throwTakenOver();
 }
 
 void closeReportSession(Module& module) {

@@ -59,7 +59,15 @@ class Session {
   // ADO's State: 0 is closed.
   virtual int state() = 0;
   virtual void close() = 0;
+
+  // Another run has taken the module's connection over (Module::takeSession): from now on every other member of a session
+  // whose owner can be interrupted by that run throws throwTakenOver(). Where calls of the platform cannot lead back into
+  // the library there is nothing to do.
+  virtual void retire() noexcept {}
 };
+
+// Throws the AutomationError with which a run ends that another one on its thread has interrupted.
+[[noreturn]] void throwTakenOver();
 
 // For a query whose recordset is read and never changed.
 inline constexpr QueryOptions readOnlyLookup{

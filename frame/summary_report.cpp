@@ -27,10 +27,11 @@ SummaryReport::SummaryReport(Module& module) : module_(module) {
 
 void SummaryReport::getSql(ReportArgument& argument) {
   filter_ = argument.rawFilter();
-  openReportSession(module_, argument);
+  const std::shared_ptr<Session> session = openReportSession(module_, argument);
   const std::unique_ptr<DataSource> dataSource = argument.dataSource();
   dataSource->setType(dataSourceTable);
   resultTable_ = dataSource->resultTable();
+  requireSession(module_, session);
   if (moveDataDetail().empty()) closeReportSession(module_);
 }
 
@@ -41,6 +42,7 @@ std::string SummaryReport::moveDataDetail() {
   if (!filter || !session || !module_.login) return " ";
   try {
     build(*filter, resultTable_, module_, *session);
+    requireSession(module_, session);
     return {};
   } catch (...) {
     // The blank is all that the platform learns; the session stays open and knows what it refused.

@@ -102,20 +102,24 @@ void FxDetail::release() {
 void FxDetail::getSql(ReportArgument& argument) {
   const std::shared_ptr<Filter> filter = argument.rawFilter();
   session_ = module_.platform().createSession();
-  module_.session = session_;
-  module_.login = argument.login();
-  openSession(module_);
+  module_.takeSession(session_);
+  // Held here, as the callers of reports do it: another run may put its own into the module.
+  const std::shared_ptr<Session> session = session_;
+  const std::shared_ptr<Login> login = argument.login();
+  module_.login = login;
+  openSession(*session, *login);
   const OpenEnvironment environment = openInventoryEnvironment(module_.platform(), *argument.filterLogin());
   const std::unique_ptr<DataSource> dataSource = argument.dataSource();
   dataSource->setType(dataSourceTable);
   dataSource->setResultTable(environment.resultTable);
-  build(*filter, *environment.options, environment.resultTable);
+  requireSession(module_, session);
+  build(*filter, *environment.options, environment.resultTable, *session);
+  requireSession(module_, session);
   closeReportSession(module_);
   release();
 }
 
-void FxDetail::build(Filter& filter, AccountOptions& options, const std::string& resultTable) {
-  Session& session = *module_.session;
+void FxDetail::build(Filter& filter, AccountOptions& options, const std::string& resultTable, Session& session) {
   std::string inventoryCode = filter.item("cInvCode")->value();
   const std::string departmentCode = filter.item("cDepCode")->value();
   const std::string warehouseCode = filter.item("cWhCode")->value();

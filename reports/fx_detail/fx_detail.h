@@ -34,7 +34,7 @@ class FxDetail {
   DrillThrough execute(ReportArgument& argument) { return drillThrough(module_, argument); }
 
  private:
-  void build(Filter& filter, AccountOptions& options, const std::string& resultTable);
+  void build(Filter& filter, AccountOptions& options, const std::string& resultTable, Session& session);
 
   // Takes what a run put into the module out of it again.
   void release();

@@ -16,11 +16,12 @@ constexpr std::string_view keepDate = "The filter item dKeepDate";
 // The public component with what each of its period lookups needs.
 class Periods {
  public:
-  explicit Periods(Module& module) : component_(module.publicComponent()), module_(module), session_(*module.session) {}
+  explicit Periods(Module& module)
+      : component_(module.publicComponent()), module_(module), session_(module.sessionInUse()) {}
 
   PeriodDates dates(int year, int month) {
     PeriodDates dates =
-        component_.datesOfPeriod(module_.login->accountCode(), {.year = year, .month = month}, session_);
+        component_.datesOfPeriod(module_.loginInUse().accountCode(), {.year = year, .month = month}, session_);
     constexpr std::string_view meaning = "A bound that GetDateFromPeriod gives for a period";
     return {.begin = isoDate(dates.begin, meaning), .end = isoDate(dates.end, meaning)};
   }
@@ -72,7 +73,7 @@ bool resolveEnd(const std::string& value, Periods& periods, DetailPeriodRange& r
 
 DetailPeriodRange resolvePeriodRange(Filter& filter, Module& module) {
   PublicComponent& component = module.publicComponent();
-  Session& session = *module.session;
+  Session& session = module.sessionInUse();
 
   DetailPeriodRange range;
   range.year = yearNumber(filter.item("iYear")->value());

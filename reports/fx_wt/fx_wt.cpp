@@ -29,7 +29,8 @@ std::string lineCondition(Filter& filter, Module& module) {
   const FilterConditions conditions = translateFilter(filter);
   const std::string voucherTypes = voucherTypeCondition(conditions.voucherTypes);
   std::string condition = conditions.where + " And base.dKeepDate>='" +
-                          module.publicComponent().accountInformation("IA", "dIAFirstDate", *module.session) + "'";
+                          module.publicComponent().accountInformation("IA", "dIAFirstDate", module.sessionInUse()) +
+                          "'";
   if (!voucherTypes.empty()) condition += " and " + voucherTypes;
   return condition;
 }
@@ -38,12 +39,14 @@ std::string lineCondition(Filter& filter, Module& module) {
 
 void FxWt::getSql(ReportArgument& argument) {
   filter_ = argument.rawFilter();
-  openReportSession(module_, argument);
+  const std::shared_ptr<Session> session = openReportSession(module_, argument);
   const std::unique_ptr<DataSource> dataSource = argument.dataSource();
   dataSource->setType(dataSourceTable);
   resultTable_ = dataSource->resultTable();
   language_ = argument.languageId();
+  requireSession(module_, session);
   moveDataDetail();
+  requireSession(module_, session);
   closeReportSession(module_);
 }
 

@@ -113,7 +113,7 @@ void apply(const FilterKey& key, const FilterValues& item, Module& module, Filte
       addCondition(out.where, key.close, item.value2, "' ");
       break;
     case Form::expiry:
-      addExpiryCondition(out.where, value, *module.login);
+      addExpiryCondition(out.where, value, module.loginInUse());
       break;
   }
 }

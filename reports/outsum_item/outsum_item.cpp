@@ -55,7 +55,7 @@ void OutsumItem::build(Filter& filter, const std::string& resultTable, Module& m
   session.execute(createDetailTable(build));
   session.execute(createResultTable(build));
   if (byExpenseItem(build)) {
-    session.execute(insertExpenseItems(build, module.login->languageRegion()));
+    session.execute(insertExpenseItems(build, module.loginInUse().languageRegion()));
   } else {
     session.execute(insertSplitLines(build));
     session.execute(insertUnsplitLines(build));

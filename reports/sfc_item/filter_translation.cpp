@@ -148,7 +148,7 @@ class Translation {
         if (value == "0") out_.where += key.open;
         break;
       case Form::expiry:
-        addExpiryCondition(out_.where, value, *module_.login);
+        addExpiryCondition(out_.where, value, module_.loginInUse());
         break;
     }
   }

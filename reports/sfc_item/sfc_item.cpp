@@ -45,7 +45,7 @@ std::string expensePeriod(const Build& build, Session& session) {
 void fillByExpenseType(const Build& build, Module& module, Session& session) {
   const std::string period = expensePeriod(build, session);
   const std::string opening = module.resources().text(openingKey);
-  const std::string language = module.login->languageRegion();
+  const std::string language = module.loginInUse().languageRegion();
   session.execute(insertExpenseOpenings(build, opening, language, period));
   session.execute(insertExpenseMovements(build, language));
   if (!build.conditions.opening.empty()) session.execute(turnIntoExpenseOpenings(build));

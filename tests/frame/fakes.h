@@ -168,7 +168,7 @@ struct Answer {
   std::vector<Row> rows;
 };
 
-class FakeSession final : public Session, private Counted {
+class FakeSession : public Session, private Counted {
  public:
   FakeSession(Record& record, const std::vector<Answer>& answers) : Counted(record), answers_(answers) {}
 

@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <stdexcept>
+#include <utility>
 
 #include "tests/frame/fakes.h"
 
@@ -128,6 +130,41 @@ TEST_F(SummaryReportTest, AnErrorOutsideTheBuildReachesThePlatform) {
     }
     EXPECT_EQ(platform.record.calls.size(), k);
   }
+}
+
+// The platform's answer to `call` starts another report on the same thread.
+TEST_F(SummaryReportTest, ARunThatAnotherOneTookTheConnectionFromIsNoSuccess) {
+  for (const char* call :
+       {"e.Login", "Login.OrvDbName", "Session.CommandTimeout = 0", "e.DataSource", "DataSource.SQL"}) {
+    SampleReport outer(module_);
+    SampleReport inner(module_);
+    fakes::FakeArgument innerArgument(platform_.record, platform_.filter({}));
+    bool started = false;
+    platform_.record.atCall = {call, [&] {
+                                 if (std::exchange(started, true)) return;
+                                 const Module::Use nested(module_);
+                                 inner.getSql(innerArgument);
+                               }};
+    {
+      const Module::Use use(module_);
+      EXPECT_THROW(outer.getSql(argument_), AutomationError) << call;
+    }
+    EXPECT_TRUE(started) << call;
+    EXPECT_EQ(inner.builtTable, "tmp_result");
+    EXPECT_EQ(outer.builtTable, "") << "it has run its statements on a connection that it had lost";
+    EXPECT_FALSE(module_.session) << "the inner one closed its own";
+  }
+}
+
+TEST_F(SummaryReportTest, ABuildThatAnotherRunTookTheConnectionFromFails) {
+  SampleReport outer(module_);
+  SampleReport inner(module_);
+  fakes::FakeArgument innerArgument(platform_.record, platform_.filter({}));
+  outer.work = [&] { inner.getSql(innerArgument); };
+  calls_.clear();
+  outer.getSql(argument_);
+  EXPECT_EQ(std::count(calls_.begin(), calls_.end(), "Session.close"), 1) << "the inner one's";
+  EXPECT_EQ(calls_.back(), "Session.close");
 }
 
 TEST_F(SummaryReportTest, ExecuteAsksForAFilterAndReleasesEverything) {
