@@ -24,7 +24,9 @@ STDMETHODIMP ClassFactory::CreateInstance(IUnknown* outer, REFIID id, void** obj
   *object = nullptr;
   if (outer) return CLASS_E_NOAGGREGATION;
   HRESULT code = E_UNEXPECTED;
-  const HRESULT made = guarded(IID_IClassFactory, "Quillon", [&] { code = maker_()->QueryInterface(id, object); });
+  // What the new object calls may release the last reference from outside.
+  const ComPtr<ClassFactory> self(this);
+  const HRESULT made = guarded(IID_IClassFactory, ownSource, [&] { code = maker_()->QueryInterface(id, object); });
   return FAILED(made) ? made : code;
 }
 

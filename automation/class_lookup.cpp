@@ -15,7 +15,8 @@ LateBound tryCreateObject(const NamedClass& wanted) {
   const HRESULT code = CoCreateInstance(classIdOf(wanted), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
                                         IID_IDispatch, reinterpret_cast<void**>(object.out()));
   if (code == REGDB_E_CLASSNOTREG) return {};
-  if (FAILED(code)) throw AutomationError(code, name, name + " cannot be created: " + systemMessage(code));
+  if (FAILED(code))
+    throw AutomationError(code, std::string(ownSource), name + " cannot be created: " + systemMessage(code));
   return {std::move(object), std::move(name)};
 }
 
@@ -24,7 +25,7 @@ LateBound createObject(const NamedClass& wanted) {
   if (!object) {
     const std::string name = toUtf8(std::wstring_view(wanted.progId));
     throw AutomationError(
-        REGDB_E_CLASSNOTREG, name,
+        REGDB_E_CLASSNOTREG, std::string(ownSource),
         name + " is not registered on this machine: install or register the component that it belongs to.");
   }
   return object;

@@ -116,7 +116,7 @@ STDMETHODIMP DispatchBase::Invoke(DISPID id, REFIID reserved, LCID /*locale*/, W
       return bad.code;
     } catch (...) {
       try {
-        return fillExcepInfo(currentError(sourceName()), info);
+        return fillExcepInfo(currentError({.className = sourceName()}), info);
       } catch (...) {
         return E_OUTOFMEMORY;
       }

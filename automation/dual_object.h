@@ -43,13 +43,13 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo, IProvideClassI
     if (!info) return E_POINTER;
     *info = nullptr;
     if (index != 0) return DISP_E_BADINDEX;
-    return run([&] { *info = typeDescription(__uuidof(Interface)).release(); });
+    return run("GetTypeInfo", [&] { *info = typeDescription(__uuidof(Interface)).release(); });
   }
   STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*locale*/, DISPID* ids) override {
     if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!names || !ids || count == 0) return E_INVALIDARG;
     HRESULT found = DISP_E_UNKNOWNNAME;
-    const HRESULT code = run([&] { found = slots().GetIDsOfNames(names, count, ids); });
+    const HRESULT code = run("GetIDsOfNames", [&] { found = slots().GetIDsOfNames(names, count, ids); });
     return FAILED(code) ? code : found;
   }
   STDMETHODIMP Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD kind, DISPPARAMS* parameters, VARIANT* result,
@@ -58,7 +58,7 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo, IProvideClassI
     // What the member calls may release the last reference from outside.
     const ComPtr<Interface> self(this);
     ITypeInfo* description = nullptr;
-    const HRESULT code = run([&] { description = &slots(); });
+    const HRESULT code = run("Invoke", [&] { description = &slots(); });
     return FAILED(code) ? code : invokeDual(*description, *self.get(), id, kind, parameters, result, info, badArgument);
   }
 
@@ -66,17 +66,25 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo, IProvideClassI
   STDMETHODIMP GetClassInfo(ITypeInfo** info) override {
     if (!info) return E_POINTER;
     *info = nullptr;
-    return run([&] { *info = typeDescription(__uuidof(Class)).release(); });
+    return run("GetClassInfo", [&] { *info = typeDescription(__uuidof(Class)).release(); });
   }
 
  protected:
-  // `name` is the class's ProgID, the source of its own errors.
+  // `name` is the class's ProgID; with the member that is called it is the source of its own errors.
   explicit DualObject(std::string_view name) : name_(name) {}
 
-  // Runs the body of a member; a failure becomes the returned code and the thread's IErrorInfo.
+  // Runs the body of `member`; a failure becomes the returned code and the thread's IErrorInfo. The object lives until
+  // the member is through, whoever releases it meanwhile.
   template <class Body>
-  HRESULT run(Body&& body) noexcept {
-    return guarded(__uuidof(Interface), name_, std::forward<Body>(body));
+  HRESULT run(std::string_view member, Body&& body) noexcept {
+    ComPtr<Interface> self(static_cast<Interface*>(this));
+    const HRESULT code = guarded(__uuidof(Interface), {.className = name_, .member = member}, std::forward<Body>(body));
+    if (FAILED(code)) {
+      // Objects that go with this one may use the thread's IErrorInfo for themselves.
+      const KeptErrorInfo forTheCaller;
+      self.reset();
+    }
+    return code;
   }
 
   // Stores a text in the caller's variable; `out` must be one.
@@ -90,7 +98,8 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo, IProvideClassI
     return toUtf8(*in);
   }
   static void require(const void* pointer) {
-    if (!pointer) throw AutomationError(hresult::pointer, "Quillon", "The call passes no variable for an argument.");
+    if (!pointer)
+      throw AutomationError(hresult::pointer, std::string(ownSource), "The call passes no variable for an argument.");
   }
 
  private:

@@ -25,7 +25,7 @@ constexpr KnownCode knownCodes[] = {
     {DISP_E_PARAMNOTOPTIONAL, "An argument is missing that may not be left out."},
     {DISP_E_PARAMNOTFOUND, "The member has no argument of this name or place."},
     {DISP_E_EXCEPTION, "The member failed without saying why."},
-    {static_cast<HRESULT>(0x800A005BU), "The object is not set."},
+    {hresult::objectNotSet, "The object is not set."},
 };
 
 // Automation's rule for an error that is only a number: it is one of Basic's, in the control facility.
@@ -34,12 +34,17 @@ constexpr HRESULT fromBasicNumber(WORD number) {
 }
 
 // What a callee did not say is filled in.
-AutomationError describedError(HRESULT code, std::string source, std::string description,
-                               std::string_view fallbackSource, std::string_view member) {
-  if (source.empty()) source = fallbackSource;
-  if (description.empty())
-    description = std::string(fallbackSource) + "." + std::string(member) + ": " + systemMessage(code);
+AutomationError describedError(HRESULT code, std::string source, std::string description, std::string_view object,
+                               std::string_view member) {
+  if (source.empty()) source = ownSource;
+  if (description.empty()) description = std::string(object) + "." + std::string(member) + ": " + systemMessage(code);
   return {code, std::move(source), std::move(description)};
+}
+
+std::string sourceOf(const CalledMember& called) {
+  std::string source(called.className);
+  if (!called.member.empty()) source.append(".").append(called.member);
+  return source;
 }
 
 }  // namespace
@@ -61,7 +66,7 @@ std::string systemMessage(HRESULT code) {
   return {number.data(), static_cast<std::size_t>(size)};
 }
 
-AutomationError takeExcepInfo(EXCEPINFO& info, std::string_view source, std::string_view member) {
+AutomationError takeExcepInfo(EXCEPINFO& info, std::string_view object, std::string_view member) {
   if (info.pfnDeferredFillIn) {
     // A fill-in that fails leaves what is already there.
     static_cast<void>(info.pfnDeferredFillIn(&info));
@@ -76,10 +81,10 @@ AutomationError takeExcepInfo(EXCEPINFO& info, std::string_view source, std::str
   if (code == 0 && info.wCode != 0) code = fromBasicNumber(info.wCode);
   // A callee that says "exception" but gives no failure code has failed all the same.
   if (SUCCEEDED(code)) code = DISP_E_EXCEPTION;
-  return describedError(code, sourceText.utf8(), description.utf8(), source, member);
+  return describedError(code, sourceText.utf8(), description.utf8(), object, member);
 }
 
-AutomationError takeErrorInfo(HRESULT code, IUnknown& callee, REFIID interfaceId, std::string_view source,
+AutomationError takeErrorInfo(HRESULT code, IUnknown& callee, REFIID interfaceId, std::string_view object,
                               std::string_view member) {
   Bstr sourceText;
   Bstr description;
@@ -90,23 +95,34 @@ AutomationError takeErrorInfo(HRESULT code, IUnknown& callee, REFIID interfaceId
     static_cast<void>(info->GetSource(sourceText.out()));
     static_cast<void>(info->GetDescription(description.out()));
   }
-  return describedError(code, sourceText.utf8(), description.utf8(), source, member);
+  return describedError(code, sourceText.utf8(), description.utf8(), object, member);
 }
 
-AutomationError currentError(std::string_view source) {
+AutomationError currentError(const CalledMember& called) {
   try {
     throw;
   } catch (const AutomationError& error) {
+    const bool own = error.source() == ownSource || error.source() == called.className;
     // A success code would tell the caller that nothing went wrong.
-    if (error.code() < 0) return error;
-    return {hresult::fail, error.source(), error.description()};
+    const HResult code = error.code() < 0 ? error.code() : hresult::fail;
+    return {code, own ? sourceOf(called) : error.source(), error.description()};
   } catch (const std::bad_alloc&) {
-    return {hresult::outOfMemory, std::string(source), "There is not enough memory to finish the call."};
+    return {hresult::outOfMemory, sourceOf(called), "There is not enough memory to finish the call."};
   } catch (const std::exception& error) {
-    return {hresult::unexpected, std::string(source), std::string("Internal error: ") + error.what()};
+    return {hresult::unexpected, sourceOf(called), std::string("Internal error: ") + error.what()};
   } catch (...) {
-    return {hresult::unexpected, std::string(source), "Internal error of an unknown kind."};
+    return {hresult::unexpected, sourceOf(called), "Internal error of an unknown kind."};
   }
+}
+
+KeptErrorInfo::KeptErrorInfo() noexcept {
+  // Without one the pointer stays null, and null is what is put back.
+  static_cast<void>(GetErrorInfo(0, &info_));
+}
+
+KeptErrorInfo::~KeptErrorInfo() {
+  SetErrorInfo(0, info_);
+  if (info_) info_->Release();
 }
 
 HRESULT setErrorInfo(const AutomationError& error, REFIID interfaceId) noexcept {

@@ -10,23 +10,20 @@ namespace quillon::automation {
 
 namespace {
 
-// Basic's error 91, "Object variable not set", as automation carries it.
-constexpr HResult objectNotSet = static_cast<HResult>(0x800A005BU);
-
 // Basic passes this when it reads a value: the member may be a property or a function.
 constexpr WORD readKind = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
 
 }  // namespace
 
 void LateBound::fail(HRESULT code, const wchar_t* member) const {
-  throw AutomationError(code, source_, source_ + "." + toUtf8(std::wstring_view(member)) + ": " + systemMessage(code));
+  throw AutomationError(code, std::string(ownSource),
+                        name_ + "." + toUtf8(std::wstring_view(member)) + ": " + systemMessage(code));
 }
 
 HRESULT LateBound::find(const wchar_t* member, DISPID& id) const {
   if (!object_)
-    throw AutomationError(
-        objectNotSet, source_,
-        source_ + " is not set: its member " + toUtf8(std::wstring_view(member)) + " cannot be used.");
+    throw AutomationError(hresult::objectNotSet, std::string(ownSource),
+                          name_ + " is not set: its member " + toUtf8(std::wstring_view(member)) + " cannot be used.");
   std::wstring name(member);
   LPOLESTR names[] = {name.data()};
   return object_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id);
@@ -61,7 +58,7 @@ HRESULT LateBound::tryInvoke(DISPID id, const wchar_t* member, WORD kind, std::s
   UINT badArgument = 0;
   const HRESULT code = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
                                        put ? nullptr : result.out(), &info, &badArgument);
-  if (code == DISP_E_EXCEPTION) throw takeExcepInfo(info, source_, toUtf8(std::wstring_view(member)));
+  if (code == DISP_E_EXCEPTION) throw takeExcepInfo(info, name_, toUtf8(std::wstring_view(member)));
   return code;
 }
 
@@ -103,16 +100,20 @@ Variant LateBound::getById(DISPID id, const wchar_t* member, std::initializer_li
 }
 
 template <class Read>
-auto LateBound::read(const wchar_t* member, std::initializer_list<Variant> arguments, Read convert) const {
-  const Variant value = get(member, arguments);
+auto LateBound::converted(const wchar_t* member, const Variant& value, Read convert) const {
   try {
     return convert(value);
   } catch (const AutomationError& error) {
     // What an object said of its own value stays as it is.
-    if (error.source() != conversionSource) throw;
-    throw AutomationError(error.code(), source_,
-                          source_ + "." + toUtf8(std::wstring_view(member)) + ": " + error.description());
+    if (error.source() != ownSource) throw;
+    throw AutomationError(error.code(), error.source(),
+                          name_ + "." + toUtf8(std::wstring_view(member)) + ": " + error.description());
   }
+}
+
+template <class Read>
+auto LateBound::read(const wchar_t* member, std::initializer_list<Variant> arguments, Read convert) const {
+  return converted(member, get(member, arguments), convert);
 }
 
 std::string LateBound::text(const wchar_t* member, std::initializer_list<Variant> arguments) const {
@@ -127,23 +128,40 @@ bool LateBound::flag(const wchar_t* member, std::initializer_list<Variant> argum
   return read(member, arguments, [](const VARIANT& value) { return toFlag(value); });
 }
 
-LateBound LateBound::object(const wchar_t* member, std::string resultSource,
+LateBound LateBound::object(const wchar_t* member, std::string resultName,
                             std::initializer_list<Variant> arguments) const {
   return {read(member, arguments,
                [](const VARIANT& value) {
                  ComPtr<IDispatch> object = toObject(value);
                  if (!object)
-                   throw AutomationError(objectNotSet, std::string(conversionSource), "The object is not set.");
+                   throw AutomationError(hresult::objectNotSet, std::string(ownSource), "The object is not set.");
                  return object;
                }),
-          std::move(resultSource)};
+          std::move(resultName)};
 }
 
-LateBound LateBound::item(Variant index, std::string resultSource) const {
+LateBound LateBound::objectIfAny(const wchar_t* member, std::string resultName) const {
+  DISPID id = DISPID_UNKNOWN;
+  HRESULT code = find(member, id);
+  if (code == DISP_E_UNKNOWNNAME) return {};
+  if (FAILED(code)) fail(code, member);
+  Variant value;
+  code = tryInvoke(id, member, readKind, {}, value);
+  if (code == DISP_E_MEMBERNOTFOUND) return {};
+  if (FAILED(code)) fail(code, member);
+  ComPtr<IDispatch> object = converted(member, value, [](const VARIANT& held) {
+    const Variant plain = dereferenced(held);
+    return plain.vt == VT_EMPTY || plain.vt == VT_NULL ? ComPtr<IDispatch>() : toObject(plain);
+  });
+  if (!object) return {};
+  return {std::move(object), std::move(resultName)};
+}
+
+LateBound LateBound::item(Variant index, std::string resultName) const {
   const Variant value = getById(DISPID_VALUE, L"Item", {std::move(index)});
   ComPtr<IDispatch> object = toObject(value);
-  if (!object) fail(objectNotSet, L"Item");
-  return {std::move(object), std::move(resultSource)};
+  if (!object) fail(hresult::objectNotSet, L"Item");
+  return {std::move(object), std::move(resultName)};
 }
 
 }  // namespace quillon::automation

@@ -13,13 +13,14 @@ namespace quillon::automation {
 class LateBound {
  public:
   LateBound() = default;
-  // `source` names the object in the errors that it does not describe itself ("ADODB.Connection").
-  LateBound(ComPtr<IDispatch> object, std::string source) : object_(std::move(object)), source_(std::move(source)) {}
+  // `name` is what the object is called in the descriptions of errors that it does not describe itself
+  // ("ADODB.Connection"); their source is ownSource.
+  LateBound(ComPtr<IDispatch> object, std::string name) : object_(std::move(object)), name_(std::move(name)) {}
 
   explicit operator bool() const noexcept { return static_cast<bool>(object_); }
   IDispatch* get() const noexcept { return object_.get(); }
   const ComPtr<IDispatch>& object() const noexcept { return object_; }
-  const std::string& source() const noexcept { return source_; }
+  const std::string& name() const noexcept { return name_; }
 
   // All of these throw AutomationError: with what the object reported, with the failing code when the object lacks the
   // member or refuses the arguments, with DISP_E_TYPEMISMATCH when a result is not of the wanted kind, and with Basic's
@@ -31,9 +32,11 @@ class LateBound {
   std::string text(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
   int integer(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
   bool flag(const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
-  // The object that `member` gives; `resultSource` names it from then on. Throws Basic's error 91 for "Nothing".
-  LateBound object(const wchar_t* member, std::string resultSource,
-                   std::initializer_list<Variant> arguments = {}) const;
+  // The object that `member` gives; it is called `resultName` from then on. Throws Basic's error 91 for "Nothing".
+  LateBound object(const wchar_t* member, std::string resultName, std::initializer_list<Variant> arguments = {}) const;
+  // The same for a member that may be lacking: null where there is no such member, or no object in it ("Nothing", Empty or
+  // Null).
+  LateBound objectIfAny(const wchar_t* member, std::string resultName) const;
   void put(const wchar_t* member, Variant value) const;
   // Assigns an object as Basic's Set does; an object whose member only knows plain assignment gets that.
   void putObject(const wchar_t* member, const ComPtr<IDispatch>& object) const;
@@ -44,7 +47,7 @@ class LateBound {
   // By dispatch id; `member` only names it in errors. DISPID_VALUE is the default member.
   Variant getById(DISPID id, const wchar_t* member, std::initializer_list<Variant> arguments = {}) const;
   // The item `index` of a collection, by its default member.
-  LateBound item(Variant index, std::string resultSource) const;
+  LateBound item(Variant index, std::string resultName) const;
 
  private:
   HRESULT find(const wchar_t* member, DISPID& id) const;
@@ -56,9 +59,11 @@ class LateBound {
   [[noreturn]] void fail(HRESULT code, const wchar_t* member) const;
   template <class Read>
   auto read(const wchar_t* member, std::initializer_list<Variant> arguments, Read convert) const;
+  template <class Read>
+  auto converted(const wchar_t* member, const Variant& value, Read convert) const;
 
   ComPtr<IDispatch> object_;
-  std::string source_;
+  std::string name_;
 };
 
 }  // namespace quillon::automation

@@ -21,10 +21,43 @@ VARIANT* source(const VARIANT& value) {
   return const_cast<VARIANT*>(&value);
 }
 
+// A text in quotes, cut where it is long: between two characters, so that no half of one is left.
+std::string quoted(BSTR text) {
+  constexpr UINT longest = 60;
+  UINT length = SysStringLen(text);
+  const bool cut = length > longest;
+  if (cut) length = (static_cast<unsigned>(text[longest - 1]) & 0xFC00U) == 0xD800U ? longest - 1 : longest;
+  return "\"" + (text ? toUtf8(std::wstring_view(text, length)) : std::string()) + (cut ? "...\"" : "\"");
+}
+
+// What a person is told of a value that cannot be read as asked; never fails for what the value is.
+std::string shown(const VARIANT& value) {
+  if (value.vt & VT_BYREF) return "A variable that leads nowhere";
+  if (value.vt & VT_ARRAY) return "An array";
+  switch (value.vt) {
+    case VT_EMPTY:
+      return "An empty value";
+    case VT_NULL:
+      return "Null";
+    case VT_BSTR:
+      return "The text " + quoted(value.bstrVal);
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      return value.punkVal ? "An object" : "Nothing";
+    case VT_ERROR:
+      return value.scode == DISP_E_PARAMNOTFOUND ? "An argument that is left out" : "An error value";
+    default:
+      break;
+  }
+  Variant text;
+  if (FAILED(VariantChangeTypeEx(&text, source(value), neutralLocale, VARIANT_ALPHABOOL, VT_BSTR)))
+    return "A value of automation type " + std::to_string(value.vt);
+  return "The value " + toUtf8(text.bstrVal);
+}
+
 [[noreturn]] void throwMismatch(const VARIANT& value, const char* wanted) {
-  throw AutomationError(
-      hresult::typeMismatch, std::string(conversionSource),
-      "A value of automation type " + std::to_string(value.vt) + " cannot be read as " + wanted + ".");
+  throw AutomationError(hresult::typeMismatch, std::string(ownSource),
+                        shown(value) + " cannot be read as " + wanted + ".");
 }
 
 // The last of a chain of references to variants, each to the next; null when one leads nowhere or back into the chain.

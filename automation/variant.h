@@ -82,10 +82,9 @@ class Variant : public VARIANT {
 };
 
 // --- Reading. Every form is taken: by value, by typed reference, by reference to a variant, however deep. What cannot
-// be read as asked throws AutomationError with DISP_E_TYPEMISMATCH and the source conversionSource, a reference that leads
-// nowhere or to itself included. An object stands for the value of its default member; what that member fails with is
-// thrown as it is.
-inline constexpr std::string_view conversionSource = "Quillon";
+// be read as asked throws AutomationError with DISP_E_TYPEMISMATCH, the source ownSource (errors.h) and a description that
+// shows the value; a reference that leads nowhere or to itself included. An object stands for the value of its default
+// member; what that member fails with is thrown as it is.
 
 // A copy of the value behind all references.
 Variant dereferenced(const VARIANT& value);

@@ -48,47 +48,67 @@ void assign(VARIANT& variable, Variant value) {
     VariantClear(&variable);
     variable = value.release();
   } else if (const HRESULT code = writeBack(variable, value); FAILED(code)) {
-    throw AutomationError(code, "Quillon", "The variable for the result cannot hold a text.");
+    throw AutomationError(code, std::string(automation::ownSource), "The variable for the result cannot hold a text.");
   }
 }
 
+// What all classes have in common: the thread's module, which outlives them.
+template <class Interface, class Class>
+class ModuleClass : public DualObject<Interface, Class> {
+ protected:
+  explicit ModuleClass(std::string_view progId) : DualObject<Interface, Class>(progId) {}
+
+  Module& module() { return state_->module(); }
+
+  // Runs the body of a member that uses the module.
+  template <class Body>
+  HRESULT use(std::string_view member, Body&& body) noexcept {
+    return this->run(member, [&] {
+      const Module::Use inUse(module());
+      body();
+    });
+  }
+
+ private:
+  std::shared_ptr<ModuleState> state_ = threadState();
+};
+
 // The two summary reports have interfaces of one layout.
 template <class Interface, class Class, class Report>
-class SummaryReportClass : public DualObject<Interface, Class> {
+class SummaryReportClass : public ModuleClass<Interface, Class> {
  public:
-  explicit SummaryReportClass(std::string_view progId) : DualObject<Interface, Class>(progId) {}
+  explicit SummaryReportClass(std::string_view progId) : ModuleClass<Interface, Class>(progId) {}
 
   STDMETHODIMP get_tarn_tmpTable(BSTR* value) override {
-    return this->run([&] { this->give(value, report_.tempTableProperty()); });
+    return this->run("tarn_tmpTable", [&] { this->give(value, report_.tempTableProperty()); });
   }
   STDMETHODIMP put_tarn_tmpTable(BSTR* value) override {
-    return this->run([&] { report_.setTempTableProperty(this->taken(value)); });
+    return this->run("tarn_tmpTable", [&] { report_.setTempTableProperty(this->taken(value)); });
   }
   STDMETHODIMP TempTablename(BSTR* result) override {
-    return this->run([&] { this->give(result, report_.tempTableName()); });
+    return this->run("TempTablename", [&] { this->give(result, report_.tempTableName()); });
   }
   STDMETHODIMP MoveDataDetail(BSTR* result) override {
-    return this->run([&] {
+    return this->use("MoveDataDetail", [&] {
       this->require(result);
       this->give(result, report_.moveDataDetail());
     });
   }
   STDMETHODIMP GETSQL(IDispatch** e) override {
-    return this->run([&] {
+    return this->use("GETSQL", [&] {
       LateBoundReportArgument argument = argumentOf(e);
       report_.getSql(argument);
     });
   }
   STDMETHODIMP Execute(IDispatch** e) override {
-    return this->run([&] {
+    return this->run("Execute", [&] {
       LateBoundReportArgument argument = argumentOf(e);
       report_.execute(argument);
     });
   }
 
  private:
-  std::shared_ptr<ModuleState> state_ = threadState();
-  Report report_{state_->module()};
+  Report report_{this->module()};
 };
 
 class SfcItemClass : public SummaryReportClass<_clsSFC_Item, clsSFC_Item, SfcItem> {
@@ -101,59 +121,54 @@ class OutsumItemClass : public SummaryReportClass<_clsOutsum_Item, clsOutsum_Ite
   OutsumItemClass() : SummaryReportClass("Quillon.clsOutsum_Item") {}
 };
 
-class BusinessClass : public DualObject<_ClsBusiness, ClsBusiness> {
+class BusinessClass : public ModuleClass<_ClsBusiness, ClsBusiness> {
  public:
-  BusinessClass() : DualObject("Quillon.ClsBusiness") {}
+  BusinessClass() : ModuleClass("Quillon.ClsBusiness") {}
 
   STDMETHODIMP Init(IDispatch** business, VARIANT* result) override {
-    return run([&] {
+    return use("Init", [&] {
       require(business);
       require(result);
       VariantInit(result);
       // "Nothing" takes back what was stored before.
-      state_->module().business =
-          *business ? std::make_shared<BusinessObjectReference>(ComPtr<IDispatch>(*business)) : nullptr;
+      module().business = *business ? std::make_shared<BusinessObjectReference>(ComPtr<IDispatch>(*business)) : nullptr;
     });
   }
-
- private:
-  std::shared_ptr<ModuleState> state_ = threadState();
 };
 
-class FxDetailClass : public DualObject<_clsFXDetail, clsFXDetail> {
+class FxDetailClass : public ModuleClass<_clsFXDetail, clsFXDetail> {
  public:
-  FxDetailClass() : DualObject("Quillon.clsFXDetail") {}
+  FxDetailClass() : ModuleClass("Quillon.clsFXDetail") {}
 
   STDMETHODIMP GETSQL(IDispatch** e) override {
-    return run([&] {
+    return use("GETSQL", [&] {
       LateBoundReportArgument argument = argumentOf(e);
       report_.getSql(argument);
     });
   }
   STDMETHODIMP Execute(IDispatch** e) override {
-    return run([&] {
+    return use("Execute", [&] {
       LateBoundReportArgument argument = argumentOf(e);
       report_.execute(argument);
     });
   }
 
  private:
-  std::shared_ptr<ModuleState> state_ = threadState();
-  FxDetail report_{state_->module()};
+  FxDetail report_{this->module()};
 };
 
-class FxWtClass : public DualObject<_clsFXWt, clsFXWt> {
+class FxWtClass : public ModuleClass<_clsFXWt, clsFXWt> {
  public:
-  FxWtClass() : DualObject("Quillon.clsFXWt") {}
+  FxWtClass() : ModuleClass("Quillon.clsFXWt") {}
 
   STDMETHODIMP get_msLanguage(BSTR* value) override {
-    return run([&] { give(value, report_.language()); });
+    return run("msLanguage", [&] { give(value, report_.language()); });
   }
   STDMETHODIMP put_msLanguage(BSTR* value) override {
-    return run([&] { report_.setLanguage(taken(value)); });
+    return run("msLanguage", [&] { report_.setLanguage(taken(value)); });
   }
   STDMETHODIMP get_objFilter(IDispatch** value) override {
-    return run([&] {
+    return run("objFilter", [&] {
       require(value);
       *value = objectOf(report_.filter()).release();
     });
@@ -161,56 +176,55 @@ class FxWtClass : public DualObject<_clsFXWt, clsFXWt> {
   // The reserved slot: clients that know no assignment by reference (JScript) set the object through it.
   STDMETHODIMP put_objFilter(IDispatch** value) override { return putref_objFilter(value); }
   STDMETHODIMP putref_objFilter(IDispatch** value) override {
-    return run([&] {
+    return run("objFilter", [&] {
       require(value);
       report_.setFilter(*value ? std::make_shared<LateBoundFilter>(LateBound(ComPtr<IDispatch>(*value), "objFilter"))
                                : nullptr);
     });
   }
   STDMETHODIMP get_tarn_tmpTable(BSTR* value) override {
-    return run([&] { give(value, report_.tempTableProperty()); });
+    return run("tarn_tmpTable", [&] { give(value, report_.tempTableProperty()); });
   }
   STDMETHODIMP put_tarn_tmpTable(BSTR* value) override {
-    return run([&] { report_.setTempTableProperty(taken(value)); });
+    return run("tarn_tmpTable", [&] { report_.setTempTableProperty(taken(value)); });
   }
   STDMETHODIMP get_m_sBaseTable(BSTR* value) override {
-    return run([&] { give(value, report_.baseTable()); });
+    return run("m_sBaseTable", [&] { give(value, report_.baseTable()); });
   }
   STDMETHODIMP put_m_sBaseTable(BSTR* value) override {
-    return run([&] { report_.setBaseTable(taken(value)); });
+    return run("m_sBaseTable", [&] { report_.setBaseTable(taken(value)); });
   }
   STDMETHODIMP GETSQL(IDispatch** e) override {
-    return run([&] {
+    return use("GETSQL", [&] {
       LateBoundReportArgument argument = argumentOf(e);
       report_.getSql(argument);
     });
   }
   STDMETHODIMP MoveDataDetail(BSTR* result) override {
-    return run([&] {
+    return use("MoveDataDetail", [&] {
       require(result);
       give(result, report_.moveDataDetail());
     });
   }
   STDMETHODIMP Execute(IDispatch** e) override {
-    return run([&] {
+    return use("Execute", [&] {
       LateBoundReportArgument argument = argumentOf(e);
       report_.execute(argument);
     });
   }
 
  private:
-  std::shared_ptr<ModuleState> state_ = threadState();
-  FxWt report_{state_->module()};
+  FxWt report_{this->module()};
 };
 
 // What the filter dialogs' classes have in common; `Control` is the core's class behind one.
 template <class Interface, class Class, class Control>
-class DialogClass : public DualObject<Interface, Class> {
+class DialogClass : public ModuleClass<Interface, Class> {
  public:
-  explicit DialogClass(std::string_view progId) : DualObject<Interface, Class>(progId) {}
+  explicit DialogClass(std::string_view progId) : ModuleClass<Interface, Class>(progId) {}
 
   STDMETHODIMP CallBack_FilterInit(IDispatch** filter, VARIANT* result) override {
-    return this->run([&] {
+    return this->use("CallBack_FilterInit", [&] {
       this->require(result);
       VariantInit(result);
       LateBoundFilterDialog dialog = dialogOf(filter);
@@ -218,7 +232,7 @@ class DialogClass : public DualObject<Interface, Class> {
     });
   }
   STDMETHODIMP CallBack_ValueChange(BSTR* key, IDispatch** filter) override {
-    return this->run([&] {
+    return this->use("CallBack_ValueChange", [&] {
       LateBoundFilterDialog dialog = dialogOf(filter);
       control_.valueChange(this->taken(key), dialog);
     });
@@ -228,8 +242,7 @@ class DialogClass : public DualObject<Interface, Class> {
   Control& control() { return control_; }
 
  private:
-  std::shared_ptr<ModuleState> state_ = threadState();
-  Control control_{state_->module()};
+  Control control_{this->module()};
 };
 
 class WtFilterControlClass : public DialogClass<_clsWtFilterControl, clsWtFilterControl, WtFilterControl> {
@@ -237,13 +250,13 @@ class WtFilterControlClass : public DialogClass<_clsWtFilterControl, clsWtFilter
   WtFilterControlClass() : DialogClass("Quillon.clsWtFilterControl") {}
 
   STDMETHODIMP get_msLanguage(BSTR* value) override {
-    return run([&] { give(value, control().language()); });
+    return run("msLanguage", [&] { give(value, control().language()); });
   }
   STDMETHODIMP put_msLanguage(BSTR* value) override {
-    return run([&] { control().setLanguage(taken(value)); });
+    return run("msLanguage", [&] { control().setLanguage(taken(value)); });
   }
   STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* result) override {
-    return run([&] {
+    return run("CallBack_FilterClick", [&] {
       require(result);
       *result = Variant(WtFilterControl::filterClick()).release();
     });
@@ -255,27 +268,27 @@ class SfcFilterControlClass : public DialogClass<_clsSFCFilterControl, clsSFCFil
   SfcFilterControlClass() : DialogClass("Quillon.clsSFCFilterControl") {}
 
   STDMETHODIMP CallBack_FilterClick(IDispatch** /*filter*/, VARIANT_BOOL* /*cancel*/, VARIANT* result) override {
-    return run([&] {
+    return run("CallBack_FilterClick", [&] {
       require(result);
       *result = Variant(SfcFilterControl::filterClick()).release();
     });
   }
   STDMETHODIMP CallBack_ReportViewChange(BSTR* /*key*/, IDispatch** filter, VARIANT* viewClass) override {
-    return giveView(filter, viewClass);
+    return giveView("CallBack_ReportViewChange", filter, viewClass);
   }
   STDMETHODIMP CallBack_ReportViewInit(IDispatch** filter, VARIANT* viewClass) override {
-    return giveView(filter, viewClass);
+    return giveView("CallBack_ReportViewInit", filter, viewClass);
   }
   STDMETHODIMP InitYear() override {
-    return run([&] { control().initYear(); });
+    return use("InitYear", [&] { control().initYear(); });
   }
   STDMETHODIMP InitGrade() override {
-    return run([&] { control().initGrade(); });
+    return use("InitGrade", [&] { control().initGrade(); });
   }
 
  private:
-  HRESULT giveView(IDispatch** filter, VARIANT* viewClass) noexcept {
-    return run([&] {
+  HRESULT giveView(std::string_view member, IDispatch** filter, VARIANT* viewClass) noexcept {
+    return use(member, [&] {
       require(viewClass);
       LateBoundFilterDialog dialog = dialogOf(filter);
       assign(*viewClass, SfcFilterControl::reportView(dialog));
@@ -288,7 +301,7 @@ class FilterControlClass : public DialogClass<_clsFilterControl, clsFilterContro
   FilterControlClass() : DialogClass("Quillon.clsFilterControl") {}
 
   STDMETHODIMP CallBack_FilterClick(IDispatch** filter, VARIANT_BOOL* cancel, VARIANT* result) override {
-    return run([&] {
+    return use("CallBack_FilterClick", [&] {
       require(cancel);
       require(result);
       VariantInit(result);
@@ -297,16 +310,16 @@ class FilterControlClass : public DialogClass<_clsFilterControl, clsFilterContro
     });
   }
   STDMETHODIMP CallBack_ReportViewChange(BSTR* /*key*/, IDispatch** filter, VARIANT* viewClass) override {
-    return giveView(filter, viewClass);
+    return giveView("CallBack_ReportViewChange", filter, viewClass);
   }
   STDMETHODIMP CallBack_ReportViewInit(IDispatch** filter, VARIANT* viewClass) override {
-    return giveView(filter, viewClass);
+    return giveView("CallBack_ReportViewInit", filter, viewClass);
   }
 
  private:
   // A dialog without the item that decides leaves the caller's variable as it is.
-  HRESULT giveView(IDispatch** filter, VARIANT* viewClass) noexcept {
-    return run([&] {
+  HRESULT giveView(std::string_view member, IDispatch** filter, VARIANT* viewClass) noexcept {
+    return use(member, [&] {
       require(viewClass);
       LateBoundFilterDialog dialog = dialogOf(filter);
       if (const auto view = FilterControl::reportView(dialog)) assign(*viewClass, *view);

@@ -14,12 +14,12 @@ using automation::LateBound;
 using automation::takeErrorInfo;
 using automation::Variant;
 
-EarlyBoundResourceService::EarlyBoundResourceService(const LateBound& service) : source_(service.source()) {
+EarlyBoundResourceService::EarlyBoundResourceService(const LateBound& service) : name_(service.name()) {
   const HRESULT code =
       service.get()->QueryInterface(bindings::resourceServiceId, reinterpret_cast<void**>(service_.out()));
   if (FAILED(code))
-    throw AutomationError(code, source_,
-                          source_ +
+    throw AutomationError(code, std::string(automation::ownSource),
+                          name_ +
                               " does not offer the resource service's interface: register the version that "
                               "belongs to this platform.");
 }
@@ -28,7 +28,7 @@ template <class Operation>
 void EarlyBoundResourceService::call(std::string_view member, Operation operation) const {
   SetErrorInfo(0, nullptr);  // so that no earlier call's words pass for this one's
   const HRESULT code = operation();
-  if (FAILED(code)) throw takeErrorInfo(code, *service_, bindings::resourceServiceId, source_, member);
+  if (FAILED(code)) throw takeErrorInfo(code, *service_, bindings::resourceServiceId, name_, member);
 }
 
 void EarlyBoundResourceService::takeLogin(Login& login) {

@@ -30,7 +30,7 @@ class EarlyBoundResourceService : public ResourceService {
   void call(std::string_view member, Operation operation) const;
 
   automation::ComPtr<bindings::IResourceService> service_;
-  std::string source_;
+  std::string name_;  // in errors that the service does not describe
 };
 
 // Stands in when no resource and message service is registered: a text is its own key, so that a report is made and

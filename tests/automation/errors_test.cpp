@@ -94,9 +94,37 @@ TEST(TakeErrorInfo, IsNotTakenFromACalleeThatDoesNot) {
   setErrorInfo({E_ABORT, "somebody", "else's"}, sampleInterface);
   const AutomationError error = takeErrorInfo(E_NOTIMPL, *callee.get(), IID_IDispatch, "Service", "Text");
   EXPECT_EQ(error.code(), E_NOTIMPL);
-  EXPECT_EQ(error.source(), "Service");
+  EXPECT_EQ(error.source(), ownSource);
   EXPECT_TRUE(error.description().starts_with("Service.Text: ")) << error.description();
   SetErrorInfo(0, nullptr);
+}
+
+TEST(Guarded, WhatTheLibraryFailsWithItselfHasClassAndMemberAsItsSource) {
+  const CalledMember called{.className = "Quillon.clsFXWt", .member = "GETSQL"};
+  const auto sourceOf = [&](const auto& body) { return reportedBy(guarded(sampleInterface, called, body)).source; };
+  EXPECT_EQ(sourceOf([] { throw AutomationError(E_FAIL, "Quillon", "x"); }), "Quillon.clsFXWt.GETSQL");
+  EXPECT_EQ(sourceOf([] { throw AutomationError(E_FAIL, "Quillon.clsFXWt", "x"); }), "Quillon.clsFXWt.GETSQL");
+  EXPECT_EQ(sourceOf([] { throw std::bad_alloc(); }), "Quillon.clsFXWt.GETSQL");
+  EXPECT_EQ(sourceOf([] { throw std::logic_error("x"); }), "Quillon.clsFXWt.GETSQL");
+  EXPECT_EQ(sourceOf([] { throw AutomationError(E_FAIL, "Quillon.clsFXDetail.Execute", "x"); }),
+            "Quillon.clsFXDetail.Execute")
+      << "another class, called meanwhile";
+  EXPECT_EQ(sourceOf([] { throw AutomationError(E_FAIL, "ADODB.Connection", "x"); }), "ADODB.Connection");
+}
+
+TEST(KeptErrorInfo, IsThereAgainAfterwards) {
+  setErrorInfo({E_ABORT, "Callee", "gave up"}, sampleInterface);
+  {
+    const KeptErrorInfo kept;
+    EXPECT_EQ(reportedBy(S_OK).source, "none");
+    setErrorInfo({E_FAIL, "somebody", "else's"}, sampleInterface);
+  }
+  EXPECT_EQ(reportedBy(S_OK).description, "gave up");
+  {
+    const KeptErrorInfo nothing;
+    setErrorInfo({E_FAIL, "somebody", "else's"}, sampleInterface);
+  }
+  EXPECT_EQ(reportedBy(S_OK).source, "none");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/dispatch_object.h"
+#include "automation/errors.h"
 #include "frame/automation_error.h"
 
 namespace quillon::automation {
@@ -33,6 +34,8 @@ class Callee : public DispatchObject<Callee> {
         {L"Owner", 5, DISPATCH_PROPERTYPUTREF, 0, 0, &Callee::owner},
         {L"PlainOwner", 6, DISPATCH_PROPERTYPUT, 0, 0, &Callee::owner},
         {L"Wary", 7, readable, 0, 0, &Callee::wary},
+        {L"Empty", 8, readable, 0, 0, &Callee::empty},
+        {L"Null", 9, readable, 0, 0, &Callee::null},
     };
     return rows;
   }
@@ -81,6 +84,8 @@ class Callee : public DispatchObject<Callee> {
   }
   Variant nothing(Call& /*call*/) { return Variant(static_cast<IDispatch*>(nullptr)); }
   Variant self(Call& /*call*/) { return this; }
+  Variant empty(Call& /*call*/) { return {}; }
+  Variant null(Call& /*call*/) { return Variant::null(); }
   Variant wary(Call& /*call*/) { return makeObject<Wary>(); }
   Variant count(Call& call) {
     call.writeBack(0, Variant(3));
@@ -150,10 +155,26 @@ TEST_F(LateBoundTest, AMemberIsLookedForWithoutBeingCalled) {
             0x800A005BU);
 }
 
+TEST_F(LateBoundTest, AnObjectMayBeLacking) {
+  EXPECT_EQ(object_.objectIfAny(L"Self", "It").name(), "It");
+  EXPECT_FALSE(object_.objectIfAny(L"Missing", "It"));
+  EXPECT_FALSE(object_.objectIfAny(L"Nothing", "It"));
+  EXPECT_FALSE(object_.objectIfAny(L"Empty", "It"));
+  EXPECT_FALSE(object_.objectIfAny(L"Null", "It"));
+  EXPECT_FALSE(object_.objectIfAny(L"Owner", "It")) << "a member that can only be assigned";
+  // What is there, but no object, and a member that fails, are errors.
+  const AutomationError error = errorOf([&] { object_.objectIfAny(L"Name", "It"); });
+  EXPECT_EQ(error.code(), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(error.description(), "Callee.Object.Name: The text \"first\" cannot be read as an object.");
+  callee_->failure = Callee::Failure::number;
+  EXPECT_EQ(errorOf([&] { object_.objectIfAny(L"Self", "It"); }).description(), "Object variable not set");
+  EXPECT_EQ(errorOf([] { static_cast<void>(LateBound().objectIfAny(L"Self", "It")); }).code(), hresult::objectNotSet);
+}
+
 TEST_F(LateBoundTest, AMissingMemberIsNamed) {
   const AutomationError error = errorOf([&] { object_.get(L"Missing"); });
   EXPECT_EQ(error.code(), DISP_E_UNKNOWNNAME);
-  EXPECT_EQ(error.source(), "Callee.Object");
+  EXPECT_EQ(error.source(), ownSource);
   EXPECT_TRUE(error.description().starts_with("Callee.Object.Missing: ")) << error.description();
 }
 

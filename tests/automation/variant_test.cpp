@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "automation/dispatch_object.h"
+#include "automation/errors.h"
 #include "frame/automation_error.h"
 
 namespace quillon::automation {
@@ -129,6 +130,35 @@ TEST(VariantReading, NumbersAndFlagsFromText) {
   EXPECT_TRUE(toFlag(Variant("True")));
   EXPECT_TRUE(toFlag(Variant(-1)));
   EXPECT_FALSE(toFlag(Variant("0")));
+}
+
+TEST(VariantReading, AMismatchShowsTheValue) {
+  const auto told = [](const Variant& value, const auto& read) -> std::string {
+    try {
+      read(value);
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.source(), ownSource);
+      return error.description();
+    }
+    return "was read";
+  };
+  const auto asInteger = [](const Variant& value) { toInteger(value); };
+  const auto asFlag = [](const Variant& value) { toFlag(value); };
+  const auto asObject = [](const Variant& value) { toObject(value); };
+  EXPECT_EQ(told("seven", asInteger), "The text \"seven\" cannot be read as a whole number.");
+  EXPECT_EQ(told("颜色", asFlag), "The text \"颜色\" cannot be read as a flag.");
+  EXPECT_EQ(told(1.5e300, asInteger).substr(0, 14), "The value 1.5E");
+  EXPECT_EQ(told(17, asObject), "The value 17 cannot be read as an object.");
+  EXPECT_EQ(told(true, asObject), "The value True cannot be read as an object.");
+  EXPECT_EQ(told(Variant(), asObject), "An empty value cannot be read as an object.");
+  EXPECT_EQ(told(Variant::null(), asInteger), "Null cannot be read as a whole number.");
+  EXPECT_EQ(told(Variant::missing(), asFlag), "An argument that is left out cannot be read as a flag.");
+  EXPECT_EQ(told(Variant(static_cast<IDispatch*>(nullptr)), asInteger), "Nothing cannot be read as a whole number.");
+  const std::vector<std::string> none;
+  EXPECT_EQ(told(Variant::textArray(none), asInteger), "An array cannot be read as a whole number.");
+  // A long text is cut between two characters.
+  EXPECT_EQ(told(Variant(std::string(59, 'x') + "😀" + "yz"), asInteger),
+            "The text \"" + std::string(59, 'x') + "...\" cannot be read as a whole number.");
 }
 
 TEST(VariantReading, WhatCannotBeReadIsAMismatch) {

@@ -258,7 +258,7 @@ TEST_F(DialogRun, ListsAreReadOnTheDialogsConnection) {
     control.call(L"InitYear");
     FAIL() << "there is no connection yet";
   } catch (const AutomationError& error) {
-    EXPECT_EQ(error.source(), "Quillon.clsSFCFilterControl");
+    EXPECT_EQ(error.source(), "Quillon.clsSFCFilterControl.InitYear");
     EXPECT_EQ(error.description(), "The dialog has no connection to the account yet; call CallBack_FilterInit first.");
   }
   control.call(L"CallBack_FilterInit", {platform.dialog("", {})});

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,9 +38,10 @@ class Dialog : public DualObject<_clsSFCFilterControl, clsSFCFilterControl> {
   std::optional<std::string> view;
   ComPtr<IDispatch> replacement;
   std::optional<AutomationError> failure;
+  std::function<void()> during = [] {};  // of CallBack_FilterClick
 
   STDMETHODIMP CallBack_FilterInit(IDispatch** filter, VARIANT* result) override {
-    return run([&] {
+    return run("CallBack_FilterInit", [&] {
       if (failure) throw AutomationError(*failure);
       seen.push_back(*filter ? "init" : "init nothing");
       if (replacement) *filter = (ComPtr<IDispatch>::adopt(*filter), ComPtr<IDispatch>(replacement).release());
@@ -47,28 +49,32 @@ class Dialog : public DualObject<_clsSFCFilterControl, clsSFCFilterControl> {
     });
   }
   STDMETHODIMP CallBack_ValueChange(BSTR* key, IDispatch** filter) override {
-    return run([&] { seen.push_back("change " + taken(key) + (*filter ? " with filter" : " without filter")); });
+    return run("CallBack_ValueChange",
+               [&] { seen.push_back("change " + taken(key) + (*filter ? " with filter" : " without filter")); });
   }
   STDMETHODIMP CallBack_FilterClick(IDispatch** filter, VARIANT_BOOL* canceled, VARIANT* result) override {
-    return run([&] {
+    return run("CallBack_FilterClick", [&] {
       seen.push_back(std::string("click ") + (*filter ? "filter " : "nothing ") + (*canceled ? "True" : "False"));
       if (cancel) *canceled = *cancel;
       *result = Variant(true).release();
+      // The test's part may release this object, and the function object with it.
+      const std::function<void()> work = during;
+      work();
     });
   }
   STDMETHODIMP CallBack_ReportViewChange(BSTR* key, IDispatch** filter, VARIANT* viewClass) override {
-    return run([&] {
+    return run("CallBack_ReportViewChange", [&] {
       seen.push_back("view " + taken(key) + (*filter ? " filter " : " nothing ") + std::to_string(viewClass->vt));
       if (view) *viewClass = (Variant::adopt(*viewClass), Variant(*view).release());
     });
   }
   STDMETHODIMP CallBack_ReportViewInit(IDispatch** /*filter*/, VARIANT* viewClass) override {
-    return run([&] {
+    return run("CallBack_ReportViewInit", [&] {
       if (view) *viewClass = (Variant::adopt(*viewClass), Variant(*view).release());
     });
   }
   STDMETHODIMP InitYear() override {
-    return run([&] { seen.emplace_back("year"); });
+    return run("InitYear", [&] { seen.emplace_back("year"); });
   }
   STDMETHODIMP InitGrade() override { return E_ACCESSDENIED; }
 };
@@ -81,10 +87,10 @@ class Holder : public DualObject<_clsFXWt, clsFXWt> {
   std::vector<std::string> seen;
 
   STDMETHODIMP get_msLanguage(BSTR* value) override {
-    return run([&] { give(value, language_); });
+    return run("msLanguage", [&] { give(value, language_); });
   }
   STDMETHODIMP put_msLanguage(BSTR* value) override {
-    return run([&] { language_ = taken(value); });
+    return run("msLanguage", [&] { language_ = taken(value); });
   }
   STDMETHODIMP get_objFilter(IDispatch** value) override {
     *value = nullptr;
@@ -105,7 +111,7 @@ class Holder : public DualObject<_clsFXWt, clsFXWt> {
   STDMETHODIMP put_m_sBaseTable(BSTR* /*value*/) override { return E_NOTIMPL; }
   STDMETHODIMP GETSQL(IDispatch** /*e*/) override { return E_NOTIMPL; }
   STDMETHODIMP MoveDataDetail(BSTR* result) override {
-    return run([&] { give(result, " "); });
+    return run("MoveDataDetail", [&] { give(result, " "); });
   }
   STDMETHODIMP Execute(IDispatch** /*e*/) override { return E_NOTIMPL; }
 
@@ -216,12 +222,6 @@ TEST_F(DualInvoke, AResultGoesBackIntoATypedVariableInItsOwnType) {
   EXPECT_EQ(canceled, -1);
 }
 
-TEST_F(DualInvoke, AVariantResultGoesBackInEveryForm) {
-  dialog->view = "cross";
-  Variant variable;
-  EXPECT_EQ(invoke(*dialog.get(), L"CallBack_ReportViewInit", both, {filter, Variant::reference(variable)}), S_OK);
-  EXPECT_EQ(toText(variable), "cross");
-
 // A variable that only counts as True is exactly True once the member has set it, in every form of the variable.
 TEST_F(DualInvoke, AFlagThatIsSetIsExactlyTrueWhateverTheVariableHeld) {
   dialog->cancel = VARIANT_TRUE;
@@ -273,6 +273,12 @@ TEST_F(DualInvoke, AFlagThatIsLeftAloneKeepsWhatTheVariableHeld) {
   EXPECT_EQ(canceled, 7);
   EXPECT_EQ(dialog->seen, (std::vector<std::string>{"click filter True", "click filter True"}));
 }
+
+TEST_F(DualInvoke, AVariantResultGoesBackInEveryForm) {
+  dialog->view = "cross";
+  Variant variable;
+  EXPECT_EQ(invoke(*dialog.get(), L"CallBack_ReportViewInit", both, {filter, Variant::reference(variable)}), S_OK);
+  EXPECT_EQ(toText(variable), "cross");
 
   BSTR text = nullptr;
   Variant typed;
@@ -454,6 +460,42 @@ TEST_F(DualInvoke, AFailureWithoutWordsStillHasItsCode) {
   EXPECT_EQ(invoke(*dialog.get(), L"InitGrade", both, {}), DISP_E_EXCEPTION);
   EXPECT_EQ(info.scode, E_ACCESSDENIED);
   EXPECT_TRUE(toUtf8(info.bstrDescription).starts_with("Quillon.InitGrade: ")) << toUtf8(info.bstrDescription);
+}
+
+// Lets go of the fixture's last reference in the midst of a member.
+TEST_F(DualInvoke, TheObjectLivesUntilItsMemberIsThroughOnBothRoads) {
+  for (const bool early : {true, false}) {
+    for (const bool fails : {false, true}) {
+      SCOPED_TRACE(std::string(early ? "early" : "late") + (fails ? ", fails" : ""));
+      dialog = makeObject<Dialog>();
+      Dialog* const object = dialog.get();
+      object->during = [&] {
+        dialog.reset();
+        if (fails) throw AutomationError(E_ABORT, "Quillon", "it went away");
+      };
+      const long alive = LiveCount::value();
+      if (early) {
+        VARIANT_BOOL canceled = VARIANT_FALSE;
+        IDispatch* reference = holder.get();
+        EXPECT_EQ(object->CallBack_FilterClick(&reference, &canceled, result.out()), fails ? E_ABORT : S_OK);
+        if (fails) {
+          ComPtr<IErrorInfo> error;
+          ASSERT_EQ(GetErrorInfo(0, error.out()), S_OK);
+          automation::Bstr description;
+          EXPECT_EQ(error->GetDescription(description.out()), S_OK);
+          EXPECT_EQ(description.utf8(), "it went away");
+        }
+      } else {
+        EXPECT_EQ(invoke(*object, L"CallBack_FilterClick", both, {filter, Variant(false)}),
+                  fails ? DISP_E_EXCEPTION : S_OK);
+        if (fails) {
+          EXPECT_EQ(toUtf8(info.bstrSource), "Dialog.CallBack_FilterClick");
+          EXPECT_EQ(toUtf8(info.bstrDescription), "it went away");
+        }
+      }
+      EXPECT_EQ(LiveCount::value(), alive - 1) << "gone after the call";
+    }
+  }
 }
 
 TEST_F(DualInvoke, ReferencesAreCountedWhateverTheForm) {

@@ -20,7 +20,9 @@ using automation::writable;
 
 void Recorder::record(const std::string& call) {
   calls.push_back(call);
-  if (calls.size() == failAt) throw AutomationError(failure, "Fake", "refused: " + call);
+  const std::size_t number = calls.size();
+  if (number == interruptAt && interruption) std::exchange(interruption, {})();
+  if (number == failAt) throw AutomationError(failure, "Fake", "refused: " + call);
 }
 
 namespace {
@@ -63,7 +65,7 @@ std::string shown(const VARIANT& value) {
 
 FakeObject& FakeObject::on(const wchar_t* member, Handler handler, DISPID id) {
   // Ids that no one sets by hand lie apart from those that are.
-  const DISPID given = id == DISPID_UNKNOWN ? static_cast<DISPID>(1000 + rows_.size()) : id;
+  const DISPID given = id == DISPID_UNKNOWN ? nextId_++ : id;
   rows_.push_back({member, given, std::move(handler)});
   return *this;
 }
@@ -78,6 +80,11 @@ FakeObject& FakeObject::property(const wchar_t* member, Variant value, DISPID id
         return {};
       },
       id);
+}
+
+FakeObject& FakeObject::without(const wchar_t* member) {
+  std::erase_if(rows_, [member](const Row& row) { return row.name == member; });
+  return *this;
 }
 
 STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID reserved, LCID locale, WORD kind, DISPPARAMS* parameters,

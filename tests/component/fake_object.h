@@ -17,6 +17,10 @@ class Recorder {
   std::vector<std::string> calls;
   // Which call is to fail, from 1; 0 for none.
   std::size_t failAt = 0;
+  // Which call is to be interrupted, from 1; 0 for none. `interruption` runs once, when that call has been written down and
+  // before it is answered.
+  std::size_t interruptAt = 0;
+  std::function<void()> interruption;
   // How many objects were released for the last time on another thread than their own.
   int releasedElsewhere = 0;
 
@@ -44,6 +48,8 @@ class FakeObject : public automation::DispatchBase {
   FakeObject& on(const wchar_t* member, Handler handler, DISPID id = DISPID_UNKNOWN);
   // A property that keeps what is written to it.
   FakeObject& property(const wchar_t* member, automation::Variant value = {}, DISPID id = DISPID_UNKNOWN);
+  // Takes a member out again.
+  FakeObject& without(const wchar_t* member);
   // The value that a property holds now.
   const automation::Variant& value(const std::wstring& member) const { return values_.at(member); }
 
@@ -67,6 +73,7 @@ class FakeObject : public automation::DispatchBase {
   std::string name_;
   DWORD thread_ = GetCurrentThreadId();
   std::deque<Row> rows_;
+  DISPID nextId_ = 1000;
   std::map<std::wstring, automation::Variant> values_;
   const DISPPARAMS* parameters_ = nullptr;
 };

@@ -234,7 +234,7 @@ TEST_F(ServerTest, AnErrorReachesALateBoundCallerInExcepInfo) {
       FAIL() << "nothing was reported";
     } catch (const AutomationError& error) {
       EXPECT_EQ(error.code(), DISP_E_UNKNOWNNAME);
-      EXPECT_EQ(error.source(), "e");
+      EXPECT_EQ(error.source(), "Quillon.clsFXDetail.GETSQL");
       EXPECT_EQ(error.description(), "e.rawFilter: The object has no member of this name.");
     }
   }

@@ -226,7 +226,7 @@ TEST_F(VoucherReportRun, MoveDataDetailNeedsARunBefore) {
     FAIL() << "nothing was thrown";
   } catch (const AutomationError& error) {
     EXPECT_EQ(error.code(), E_UNEXPECTED);
-    EXPECT_EQ(error.source(), "Quillon.clsFXWt");
+    EXPECT_EQ(error.source(), "Quillon.clsFXWt.MoveDataDetail");
     EXPECT_EQ(error.description(), "The report has no filter or no connection to the account yet; call GETSQL first.");
   }
   EXPECT_TRUE(recorder.calls.empty());

@@ -1,5 +1,7 @@
 #include "tests/faults/com/com_thread.h"
 
+#include <algorithm>
+
 #include "automation/errors.h"
 
 namespace quillon::faults {
@@ -15,6 +17,15 @@ Ending endingOf(HRESULT code, IUnknown& callee, REFIID interfaceId) {
   return automation::takeErrorInfo(code, callee, interfaceId, "nothing was said", "");
 }
 
+namespace {
+
+// An error that the library describes has the called class and member as its source, but that of making an instance.
+bool isOwnSource(const std::string& source) {
+  return source == "Quillon" || (source.starts_with("Quillon.cls") && std::ranges::count(source, '.') == 2);
+}
+
+}  // namespace
+
 void expectPassedOn(const Ending& ending, const ComFaultInjector& injector, std::size_t failAt) {
   EXPECT_EQ(injector.calls().size(), failAt) << "the platform was called after a call had failed";
   ASSERT_TRUE(ending.has_value()) << "the error was not passed on";
@@ -27,11 +38,11 @@ void expectPassedOn(const Ending& ending, const ComFaultInjector& injector, std:
       break;
     case CallKind::lookUp:
       // Only a code comes back; the library says which member it was about.
-      EXPECT_FALSE(ending->source().empty());
+      EXPECT_TRUE(isOwnSource(ending->source())) << ending->source();
       EXPECT_NE(ending->description().find("." + failed.member + ": "), std::string::npos) << ending->description();
       break;
     case CallKind::create:
-      EXPECT_EQ(ending->source(), failed.object);
+      EXPECT_TRUE(isOwnSource(ending->source())) << ending->source();
       EXPECT_TRUE(ending->description().starts_with(failed.object + " cannot be created: ")) << ending->description();
       break;
   }
