@@ -29,6 +29,7 @@ class LateBoundReportRow : public ReportRow {
   explicit LateBoundReportRow(automation::LateBound row) : row_(std::move(row)) {}
 
   std::string value(std::string_view column) override;
+  std::string requiredValue(std::string_view column) override;
 
  private:
   automation::LateBound row_;
@@ -41,9 +42,11 @@ class LateBoundReportArgument : public ReportArgument {
 
   std::shared_ptr<Filter> rawFilter() override;
   std::shared_ptr<Login> login() override;
+  // LoginObj of the argument; where it has none, of its filter object. Throws Basic's error 91 when there is none either.
   std::shared_ptr<Login> filterLogin() override;
   std::unique_ptr<DataSource> dataSource() override;
   std::string action() override;
+  // Throws Basic's error 91 when no row is chosen: RelateData is lacking, Nothing, Empty or Null.
   std::unique_ptr<ReportRow> row() override;
   std::string languageId() override;
 

@@ -37,10 +37,11 @@ inline constexpr const wchar_t* value = L"Value";        // a field's value
 
 // --- What the platform hands in.
 
-namespace argument {                                         // the argument object e of GETSQL and Execute
-inline constexpr const wchar_t* rawFilter = L"rawFilter";    // the filter object
-inline constexpr const wchar_t* login = L"Login";            // the session's login object
-inline constexpr const wchar_t* loginObj = L"LoginObj";      // the same kind of login object, for the detail ledger
+namespace argument {                                       // the argument object e of GETSQL and Execute
+inline constexpr const wchar_t* rawFilter = L"rawFilter";  // the filter object
+inline constexpr const wchar_t* login = L"Login";          // the session's login object
+// The same kind of login object, for the detail ledger; may be a member of the filter object instead.
+inline constexpr const wchar_t* loginObj = L"LoginObj";
 inline constexpr const wchar_t* dataSource = L"DataSource";  // the data-source descriptor
 inline constexpr const wchar_t* action = L"Action";          // what Execute is asked for ("Link", "Vouch")
 inline constexpr const wchar_t* row = L"RelateData";         // the row of the report that Execute is called for

@@ -124,6 +124,60 @@ TEST_F(DetailLedgerRun, CallsThePlatformInOrder) {
   EXPECT_EQ(recorder.calls.back(), "Connection.Close");
 }
 
+// An argument object of another maker has the login on its filter object, or the member is there and holds nothing.
+TEST_F(DetailLedgerRun, TheLoginOfTheEnvironmentMayBeTheFilterObjects) {
+  const ComScope apartment;
+  Recorder recorder;
+  FakePlatform platform(recorder);
+  const auto runWith = [&](const std::function<void(FakeObject & e)>& change) {
+    const auto e = platform.argument(filterOf("", ""));
+    const Variant login = e->value(bindings::argument::login);
+    const auto filter = automation::toObject(e->value(bindings::argument::rawFilter));
+    static_cast<FakeObject*>(filter.get())->property(bindings::argument::loginObj, login);
+    change(*e);
+    recorder.calls.clear();
+    report().call(L"GETSQL", {e});
+    EXPECT_EQ(recorder.calls.back(), "Connection.Close");
+    Calls asked = callsOn(recorder, {"e.LoginObj", "Filter.LoginObj", "AccountLogin.Init"});
+    EXPECT_EQ(asked.back(), "AccountLogin.Init(\"Provider=Fake;Data Source=account\", \";PWD=secret\")");
+    asked.pop_back();
+    return asked;
+  };
+  EXPECT_EQ(runWith([](FakeObject&) {}), Calls{"e.LoginObj"});
+  EXPECT_EQ(runWith([](FakeObject& e) { e.without(bindings::argument::loginObj); }), Calls{"Filter.LoginObj"});
+  for (const Variant& nothing : {Variant(static_cast<IDispatch*>(nullptr)), Variant(), Variant::null()}) {
+    EXPECT_EQ(runWith([&](FakeObject& e) {
+                e.without(bindings::argument::loginObj).property(bindings::argument::loginObj, nothing);
+              }),
+              (Calls{"e.LoginObj", "Filter.LoginObj"}));
+  }
+}
+
+TEST_F(DetailLedgerRun, WithoutALoginForTheEnvironmentBothPlacesAreNamed) {
+  const ComScope apartment;
+  Recorder recorder;
+  FakePlatform platform(recorder);
+  const auto e = platform.argument(filterOf("", ""));
+  e->without(bindings::argument::loginObj);
+  const auto tell = [&] {
+    try {
+      report().call(L"GETSQL", {e});
+      FAIL() << "nothing was thrown";
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.code(), objectNotSet);
+      EXPECT_EQ(error.source(), "Quillon.clsFXDetail.GETSQL");
+      EXPECT_EQ(
+          error.description(),
+          "There is no login to open the accounting environment with: neither e.LoginObj nor e.rawFilter.LoginObj "
+          "holds an object.");
+    }
+  };
+  tell();
+  static_cast<FakeObject*>(automation::toObject(e->value(bindings::argument::rawFilter)).get())
+      ->property(bindings::argument::loginObj, Variant(static_cast<IDispatch*>(nullptr)));
+  tell();
+}
+
 TEST_F(DetailLedgerRun, AsksThePublicComponentForThePeriodsOfTheYear) {
   const ComScope apartment;
   Recorder recorder;
@@ -427,6 +481,70 @@ TEST_F(DrillThroughRun, ARowThatIsNotPostedIsToldToTheUser) {
   EXPECT_EQ(
       callsOn(recorder, {"ResourceService.", "Recordset", "new Zz"}),
       (Calls{"ResourceService.Text(Mirel.IA.CHHSSQL.02787)", "ResourceService.ShowMessage(text 02787, 48, 0, 0)"}));
+}
+
+TEST_F(DrillThroughRun, WithoutAChosenRowItSaysSo) {
+  const ComScope apartment;
+  Recorder recorder;
+  FakePlatform platform(recorder);
+  const auto errorOf = [&](const ComPtr<FakeObject>& e) {
+    try {
+      report().call(L"Execute", {e});
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.source(), "Quillon.clsFXDetail.Execute");
+      EXPECT_EQ(error.code(), objectNotSet);
+      return error.description();
+    }
+    return std::string("nothing was thrown");
+  };
+  const std::string told =
+      "No row of the report is chosen: e.RelateData holds no object, so there is no document to open.";
+  const auto e = platform.argument({});
+  e->without(bindings::argument::row);
+  EXPECT_EQ(errorOf(e), told);
+  for (const Variant& nothing : {Variant(static_cast<IDispatch*>(nullptr)), Variant(), Variant::null()}) {
+    e->without(bindings::argument::row).property(bindings::argument::row, nothing);
+    EXPECT_EQ(errorOf(e), told);
+  }
+  EXPECT_TRUE(callsOn(recorder, {"Connection."}).empty()) << "nothing is opened for it";
+}
+
+TEST_F(DrillThroughRun, ARowThatLacksAColumnSaysWhich) {
+  const ComScope apartment;
+  Recorder recorder;
+  FakePlatform platform(recorder);
+  const auto errorOf = [&](const ComPtr<FakeObject>& e) {
+    LateBound(e, "e").put(bindings::argument::action, "Vouch");
+    try {
+      report().call(L"Execute", {e});
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.source(), "Quillon.clsFXDetail.Execute");
+      return error.description();
+    }
+    return std::string("nothing was thrown");
+  };
+  // The row answers Null, Empty or nothing but blanks for the column that a document is found by.
+  for (const Variant& nothing : {Variant::null(), Variant(), Variant(" ")}) {
+    platform.row = {{"cVouType", "32"}, {"cVouCode", "0007"}, {"ID", nothing}};
+    EXPECT_EQ(errorOf(platform.argument({})),
+              "The chosen row has nothing in its column \"ID\", by which its document is found.");
+  }
+  platform.row["ID"] = "none";
+  EXPECT_EQ(errorOf(platform.argument({})), "The row's ID is \"none\", which is not a whole number.");
+  // The row knows no columns at all, or says so without a word.
+  const auto e = platform.argument({});
+  e->without(bindings::argument::row).property(bindings::argument::row, makeObject<FakeObject>(recorder, "Row"));
+  EXPECT_EQ(
+      errorOf(e),
+      "The chosen row gives no value for its column \"cVouType\": RelateData.GetData: The object has no member of "
+      "this name.");
+  // A row that has words of its own keeps them.
+  const auto row = makeObject<FakeObject>(recorder, "Row");
+  row->on(bindings::report_row::value, [](automation::Call& call) -> Variant {
+    throw AutomationError(hresult::itemNotFound, "Quillon.clsFXDetail", "no column " + call.text(0));
+  });
+  e->without(bindings::argument::row).property(bindings::argument::row, row);
+  EXPECT_EQ(errorOf(e), "no column cVouType");
 }
 
 // --- Whatever fails -------------------------------------------------------------------------------------------------
