@@ -71,15 +71,11 @@ std::shared_ptr<ModuleState> threadState() {
   return slot.release()->state;
 }
 
-void releaseThreadState() noexcept {
-  Slot* slot = currentSlot();
-  if (!slot) return;
+bool threadStatesMayGo() noexcept {
+  const Slot* slot = currentSlot();
+  if (!slot) return slotCount == 0;
   const Module& module = slot->state->module();
-  if (!module.business && !module.session) dropSlot();
-}
-
-long threadStates() noexcept {
-  return slotCount;
+  return slotCount == 1 && !module.business && !module.session;
 }
 
 bool startThreadStates() noexcept {
@@ -95,9 +91,8 @@ void forgetThreadState() noexcept {
 }
 
 void endThreadStates() noexcept {
-  // Whoever unloads the library without asking it must at least not find COM calling into it afterwards. The loader's
-  // lock allows no more.
-  if (const Slot* slot = currentSlot(); slot && slot->spied) CoRevokeInitializeSpy(slot->spyCookie);
+  // This thread's alone: those of others are in apartments that cannot be entered from here.
+  dropSlot();
   TlsFree(std::exchange(slotIndex, TLS_OUT_OF_INDEXES));
 }
 

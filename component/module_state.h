@@ -1,8 +1,12 @@
 // The module-wide state of the calling thread: made on first use, released on the thread that it belongs to.
 //
-// It holds objects of the thread's apartment, so only that thread may release them. That happens when the thread leaves
-// COM (its last CoUninitialize), or when DllCanUnloadNow is asked on it and nothing would be lost. A thread that ends
-// without leaving COM takes its objects with it: nobody else may release them.
+// It lives for as long as the library stays loaded. It holds objects of the thread's apartment, so only that thread may
+// release them:
+//  - when it leaves COM (its last CoUninitialize), before the apartment goes;
+//  - when it unloads the library (FreeLibrary, which is what COM does after DllCanUnloadNow has said S_OK). The loader holds
+//    its lock then, but thread, apartment and the objects' own libraries are all there.
+// Nothing is released when a thread ends without leaving COM, because its apartment may be half gone when the library
+// hears of it, nor when the process ends, because other libraries may be gone already; both take the objects with them.
 #pragma once
 
 #include <memory>
@@ -26,11 +30,11 @@ class ModuleState {
 // The calling thread's state. Throws std::bad_alloc.
 std::shared_ptr<ModuleState> threadState();
 
-// Releases the calling thread's state if all that it holds can be made again. It stays while it holds the business
-// object or the connection that a failed build or a dialog leaves open.
-void releaseThreadState() noexcept;
-// How many threads have a state.
-long threadStates() noexcept;
+// Whether the library may be unloaded on the calling thread as far as the threads' states are concerned: no other thread
+// has one, because it could not be released from here, and this thread's holds nothing that cannot be made again, which
+// the business object is and the connection that a failed build or a dialog leaves open. Releases nothing: the answer
+// binds nobody to unload the library.
+bool threadStatesMayGo() noexcept;
 
 // For DllMain: when the library is loaded, when a thread ends, when the library is unloaded.
 bool startThreadStates() noexcept;

@@ -20,9 +20,11 @@ BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, void* processEnds) {
       forgetThreadState();
       return TRUE;
     case DLL_PROCESS_DETACH:
-      // A process that ends takes everything with it.
+      // A process that ends takes everything with it, and other libraries may be gone already.
       if (!processEnds) {
         endThreadStates();
+        // Releasing the objects has had them make some of it again.
+        releaseRuntimeOfThread();
         releaseRuntime();
       }
       return TRUE;
@@ -43,12 +45,10 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
   return FAILED(made) ? made : code;
 }
 
-// S_OK when nobody holds an object, a class object or a lock of this library, and no thread's state holds what could
-// not be made again. What the asking thread's state only saves itself the making of is released for that.
+// S_OK when nobody holds an object, a class object or a lock of this library, and nothing but what this thread can make
+// again would go with it. What the library keeps for the thread stays until it is really unloaded: whoever asks may go on.
 STDAPI DllCanUnloadNow() {
-  if (LiveCount::value() != 0 || ClassFactory::locks() != 0) return S_FALSE;
-  releaseThreadState();
-  if (threadStates() != 0) return S_FALSE;
+  if (LiveCount::value() != 0 || ClassFactory::locks() != 0 || !threadStatesMayGo()) return S_FALSE;
   releaseRuntimeOfThread();
   return S_OK;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,6 +30,7 @@ namespace {
 
 constexpr CLSID sfcItem = {0xe518f10c, 0xf08e, 0x4684, {0xa4, 0x65, 0x50, 0xe6, 0x80, 0x8d, 0x03, 0x1e}};
 constexpr CLSID outsumItem = {0xfddec39e, 0xa286, 0x4e4a, {0x96, 0x77, 0x98, 0xf4, 0x68, 0x45, 0xfc, 0xa4}};
+constexpr CLSID sfcFilterControl = {0x7ecd1526, 0x372f, 0x43c7, {0xbe, 0x9c, 0x59, 0x23, 0xa0, 0x79, 0x15, 0xca}};
 constexpr CLSID business = {0xae3cc61b, 0xe0a2, 0x4f0d, {0xa9, 0x60, 0xc8, 0x20, 0x92, 0xc5, 0x03, 0x5e}};
 
 const std::vector<FakeItem> costItemsOf2024 = {
@@ -300,15 +302,55 @@ TEST_F(ReportRun, AFailedBuildKeepsItsConnectionUntilTheThreadLeavesCom) {
   EXPECT_EQ(library.canUnload(), S_OK);
 }
 
-TEST_F(ReportRun, WhatCanBeMadeAgainDoesNotKeepTheDllLoaded) {
+TEST(ReportRunOfItsOwnLibrary, WhatCanBeMadeAgainDoesNotKeepTheDllLoadedButStaysUntilItGoes) {
   const ComScope apartment;
   Recorder recorder;
   FakePlatform platform(recorder);
   const long classObjects = LiveCount::value();
+  std::optional<QuillonLibrary> library(std::in_place);
+  const auto run = [&] {
+    LateBound(library->create<IDispatch>(sfcItem), "report").call(L"GETSQL", {platform.argument(costItemsOf2024)});
+  };
+  run();
+  const long kept = LiveCount::value();
+  EXPECT_GT(kept, classObjects) << "the public component is kept between runs";
+  EXPECT_EQ(library->canUnload(), S_OK);
+  EXPECT_EQ(LiveCount::value(), kept) << "the answer takes nothing away";
+  run();
+  EXPECT_EQ(LiveCount::value(), kept);
+  for (const char* component : {"new IA_Pub.ClsIAPub", "new OrvPlatform.ResourceService", "new OrvPlatform.UniqueName"})
+    EXPECT_EQ(std::count(recorder.calls.begin(), recorder.calls.end(), component), 1) << component;
+
+  library.reset();
+  EXPECT_EQ(GetModuleHandleW(L"Quillon.dll"), nullptr);
+  EXPECT_EQ(LiveCount::value(), classObjects) << "released when the library went";
+  EXPECT_EQ(recorder.releasedElsewhere, 0);
+  // Leaving COM afterwards calls nobody who is gone.
+}
+
+// The resource service was given the login by a dialog; a report that follows finds the service with it.
+TEST_F(ReportRun, TheServiceAndItsLoginSurviveTheQuestionWhetherTheDllMayGo) {
+  const ComScope apartment;
+  Recorder recorder;
+  FakePlatform platform(recorder);
+  {
+    const LateBound dialog(library.create<IDispatch>(sfcFilterControl), "dialog");
+    dialog.call(L"CallBack_FilterInit", {platform.dialog("", {})});
+  }
+  EXPECT_EQ(library.canUnload(), S_FALSE) << "the dialog's connection stays open";
   report().call(L"GETSQL", {platform.argument(costItemsOf2024)});
-  EXPECT_GT(LiveCount::value(), classObjects) << "the public component is kept between runs";
-  EXPECT_EQ(library.canUnload(), S_OK);
-  EXPECT_EQ(LiveCount::value(), classObjects);
+  for (int question = 0; question < 3; ++question) {
+    EXPECT_EQ(library.canUnload(), S_OK);
+    report().call(L"GETSQL", {platform.argument(costItemsOf2024)});
+  }
+  const auto count = [&](const std::string& call) {
+    return std::count(recorder.calls.begin(), recorder.calls.end(), call);
+  };
+  EXPECT_EQ(count("new OrvPlatform.ResourceService"), 1);
+  EXPECT_EQ(count("ResourceService.FormatText(<Login>, missing)"), 1) << "nobody gives the login again";
+  EXPECT_EQ(count("ResourceService.Text(Mirel.IA.CHHSSQL.00182)"), 4);
+  EXPECT_EQ(count("new IA_Pub.ClsIAPub"), 1);
+  EXPECT_EQ(count("new OrvPlatform.UniqueName"), 1);
 }
 
 TEST_F(ReportRun, ThePublicComponentIsMadeOnceForAllRunsOfAThread) {

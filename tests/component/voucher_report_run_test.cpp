@@ -358,9 +358,10 @@ TEST_F(VoucherReportRun, AFailedBuildKeepsItsConnectionAndASuccessfulOneDoesNot)
   report().call(L"GETSQL", {platform.argument({})});
   EXPECT_EQ(library.canUnload(), S_OK);
   recorder.calls.clear();
-  constexpr std::size_t amidTheStatements = 30;
+  constexpr std::size_t amidTheStatements = 26;
   recorder.failAt = amidTheStatements;
   EXPECT_THROW(report().call(L"GETSQL", {platform.argument({})}), AutomationError);
+  EXPECT_TRUE(recorder.calls.back().starts_with("Connection.Execute")) << recorder.calls.back();
   recorder.failAt = 0;
   EXPECT_EQ(library.canUnload(), S_FALSE) << "the connection is left open for whoever looks into the failure";
   report().call(L"GETSQL", {platform.argument({})});

@@ -1,5 +1,5 @@
 // Quillon.dll is loaded, used, asked whether it can be unloaded, and unloaded, over and over: each time it is really gone,
-// and all that it had allocated is free.
+// all that it had allocated is free, and the platform's objects that it kept until then are released.
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -19,12 +19,17 @@ TEST(Reload, LeavesNothing) {
   const std::vector<Use> uses = account.uses();
 
   const auto reload = [&](int round) {
+    const long before = automation::LiveCount::value();
     {
       const ComLibrary library;
       EXPECT_NE(account.resultOf(uses[static_cast<std::size_t>(round) % uses.size()]), "");
+      const long kept = automation::LiveCount::value();
+      EXPECT_GT(kept, before);
       EXPECT_EQ(library.canUnload(), S_OK);
+      EXPECT_EQ(automation::LiveCount::value(), kept) << "the answer has released something, round " << round;
     }
     ASSERT_EQ(GetModuleHandleW(L"Quillon.dll"), nullptr) << "round " << round;
+    EXPECT_EQ(automation::LiveCount::value(), before) << "something outlived the library, round " << round;
   };
   const int warmUp = 2 * static_cast<int>(uses.size());
   for (int round = 0; round < warmUp; ++round)
