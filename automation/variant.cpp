@@ -8,6 +8,7 @@
 
 #include "automation/errors.h"
 #include "frame/automation_error.h"
+#include "frame/text.h"
 
 namespace quillon::automation {
 
@@ -30,6 +31,14 @@ std::string quoted(BSTR text) {
   return "\"" + (text ? toUtf8(std::wstring_view(text, length)) : std::string()) + (cut ? "...\"" : "\"");
 }
 
+// As a connection string does that came in the place of an object or a number.
+bool holdsPassword(std::string_view text) {
+  for (std::size_t at = 0; at < text.size(); ++at)
+    for (const std::string_view name : {"pwd=", "password="})
+      if (equalIgnoringCase(text.substr(at, name.size()), name)) return true;
+  return false;
+}
+
 // What a person is told of a value that cannot be read as asked; never fails for what the value is.
 std::string shown(const VARIANT& value) {
   if (value.vt & VT_BYREF) return "A variable that leads nowhere";
@@ -40,7 +49,8 @@ std::string shown(const VARIANT& value) {
     case VT_NULL:
       return "Null";
     case VT_BSTR:
-      return "The text " + quoted(value.bstrVal);
+      return holdsPassword(toUtf8(value.bstrVal)) ? "A text that holds a password"
+                                                  : "The text " + quoted(value.bstrVal);
     case VT_DISPATCH:
     case VT_UNKNOWN:
       return value.punkVal ? "An object" : "Nothing";

@@ -156,6 +156,8 @@ TEST(VariantReading, AMismatchShowsTheValue) {
   EXPECT_EQ(told(Variant(static_cast<IDispatch*>(nullptr)), asInteger), "Nothing cannot be read as a whole number.");
   const std::vector<std::string> none;
   EXPECT_EQ(told(Variant::textArray(none), asInteger), "An array cannot be read as a whole number.");
+  for (const char* text : {"Provider=x;Password=secret", "Driver=y;PWD=secret;Database=z"})
+    EXPECT_EQ(told(text, asObject), "A text that holds a password cannot be read as an object.");
   // A long text is cut between two characters.
   EXPECT_EQ(told(Variant(std::string(59, 'x') + "😀" + "yz"), asInteger),
             "The text \"" + std::string(59, 'x') + "...\" cannot be read as a whole number.");
