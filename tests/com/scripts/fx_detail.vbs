@@ -80,6 +80,10 @@ Sub ShowDialog(e)
   ChooseItem filter, e.Login.iYear
   item = filter.FilterList("cWhCode").varValue
   filter.FilterList("cWhCode").varValue = ""
+  cancel = 7
+  control.CallBack_FilterClick filter, cancel
+  Say "Cancel that held 7 equals True", YesNo(cancel = True)
+  cancel = Empty
   before = wb.Messages.Count
   control.CallBack_FilterClick filter, cancel
   Say "Cancel without a warehouse", YesNo(cancel) & " in a variable of type " & VarType(cancel)
