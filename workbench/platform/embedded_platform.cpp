@@ -182,7 +182,7 @@ std::shared_ptr<ResourceService> EmbeddedPlatform::createResourceService() {
 }
 
 std::shared_ptr<UniqueNameSource> EmbeddedPlatform::createUniqueNameSource() {
-  return std::make_shared<WorkbenchUniqueNames>(uniqueParts_);
+  return std::make_shared<WorkbenchUniqueNames>(options_.account.onServer() ? uniqueParts_ : nullptr);
 }
 
 std::shared_ptr<DrillThroughHelper> EmbeddedPlatform::createDrillThroughHelper() {

@@ -74,9 +74,9 @@ std::string freshResultTable();
 
 class WorkbenchUniqueNames final : public UniqueNameSource {
  public:
-  // Adds what it gives to `given`.
+  // Adds what it gives to `given`; null for nobody who needs it.
   explicit WorkbenchUniqueNames(std::shared_ptr<std::vector<std::string>> given) : given_(std::move(given)) {}
-  std::string next() override { return given_->emplace_back(uniqueNamePart()); }
+  std::string next() override { return given_ ? given_->emplace_back(uniqueNamePart()) : uniqueNamePart(); }
 
  private:
   std::shared_ptr<std::vector<std::string>> given_;
@@ -96,7 +96,8 @@ class EmbeddedPlatform final : public Platform {
   explicit EmbeddedPlatform(EmbeddedPlatformOptions options) : options_(std::move(options)) {}
 
   const EmbeddedPlatformOptions& options() const { return options_; }
-  // The unique parts of the names that the platform's users gave to their work tables.
+  // The unique parts of the names that the platform's users gave to their work tables on a server. In a scratch file
+  // nothing has to be found again, and whoever keeps the source of names for many runs would grow by each of them.
   const std::vector<std::string>& uniqueParts() const { return *uniqueParts_; }
 
   std::shared_ptr<Session> createSession() override;
