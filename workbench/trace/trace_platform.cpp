@@ -436,7 +436,8 @@ class TracePublicComponent final : public PublicComponent {
     };
     const AccountingPeriod period{.year = number(0, yearDigits), .month = number(yearDigits + 1, 2)};
     if (period.year < 1 || period.month < 1 || period.month > 12) {
-      throw UserError("\"" + std::string(date) + "\" is in no month of the calendar; write a date as yyyy-mm-dd, or give its " +
+      throw UserError("\"" + std::string(date) +
+                      "\" is in no month of the calendar; write a date as yyyy-mm-dd, or give its " +
                       "period in \"GetPeriodFromDate\" of the platform description");
     }
     return period;

@@ -23,8 +23,8 @@ struct Kill {
 struct ProgramEnd {
   bool killed = false;  // by the signal; of another than SIGKILL only before the program takes it
   int status = 0;       // unless killed
-  int changes = 0;     // made to the file system; of a killed program as far as it came. 0 when killed after a time
-  std::string errors;  // standard error
+  int changes = 0;      // made to the file system; of a killed program as far as it came. 0 when killed after a time
+  std::string errors;   // standard error
 };
 
 struct ProgramLimits {

@@ -46,12 +46,20 @@ class ScratchConnection : public ::testing::Test {
 
   // A name with what has a meaning where SQLite takes files with options.
 #ifdef _WIN32
-  fs::path account() const { return folder_ / "the 100% account#.account"; }
+  fs::path account() const {
+    return folder_ / "the 100% account#.account";
+  }
 #else
-  fs::path account() const { return folder_ / "the 100% account?#.account"; }
+  fs::path account() const {
+    return folder_ / "the 100% account?#.account";
+  }
 #endif
-  fs::path scratch() const { return folder_ / "scratch"; }
-  std::unique_ptr<Connection> open() const { return Connection::openWithScratch(account(), scratch()); }
+  fs::path scratch() const {
+    return folder_ / "scratch";
+  }
+  std::unique_ptr<Connection> open() const {
+    return Connection::openWithScratch(account(), scratch());
+  }
 
   static std::string contentOf(const fs::path& file) {
     std::ifstream in(file, std::ios::binary);
