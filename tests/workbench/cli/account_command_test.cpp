@@ -88,7 +88,7 @@ class DamagedAccount : public testing::Test {
   void overwrite(std::uintmax_t from, std::uintmax_t length) {
     std::fstream file(file_.path(), std::ios::binary | std::ios::in | std::ios::out);
     file.seekp(static_cast<std::streamoff>(from));
-    file << std::string(length, '\xee');
+    file << std::string(static_cast<std::size_t>(length), '\xee');
   }
   std::string integrity(bool& sound) {
     std::ostringstream out;

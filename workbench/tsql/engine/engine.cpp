@@ -228,6 +228,8 @@ std::unique_ptr<Connection> Connection::openWithScratch(const std::filesystem::p
   undoHalfDoneChanges(name, account);
   DatabaseHandle database =
       openDatabase(utf8FromPath(scratch), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI);
+  // Of a new file. Rows of work tables are wide.
+  runSqlite(database.get(), "PRAGMA page_size = 16384");
   setUp(database.get(), "TRUNCATE");
   registerValueFunctions(database.get());
   {
