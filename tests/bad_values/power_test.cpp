@@ -113,6 +113,25 @@ std::string contentOf(const std::filesystem::path& file) {
 constexpr std::array pastedDeletions = {"x' Delete From Warehouse --", "x') Delete From Warehouse --",
                                         "x')) Delete From Warehouse --"};
 
+// The items to try: all of them natively. Under Wine, of a report with many, one of each kind, because each run loads the
+// library anew there, and a process cannot load it much more than a thousand times.
+std::vector<std::string> triedItems(const workbench::Report& report) {
+  std::vector<std::string> keys;
+  [[maybe_unused]] std::vector<workbench::ItemRegistration> tried;
+  for (const workbench::ItemRegistration& item : report.registration.items) {
+#ifdef _WIN32
+    const auto isAlike = [&item](const workbench::ItemRegistration& known) {
+      return known.kind == item.kind && known.range == item.range && known.multiple == item.multiple;
+    };
+    constexpr std::size_t few = 20;
+    if (report.registration.items.size() > few && std::ranges::any_of(tried, isAlike)) continue;
+    tried.push_back(item);
+#endif
+    keys.push_back(item.key);
+  }
+  return keys;
+}
+
 class EveryItem : public testing::TestWithParam<std::string> {};
 
 // In every item of the report. What comes of it is an error, or a condition that no row meets.
@@ -121,11 +140,10 @@ TEST_P(EveryItem, ChangesNothingInTheAccount) {
   const std::filesystem::path file = tester().account().source().file();
   const std::string before = contentOf(file);
   int refused = 0, tried = 0;
-  const auto items = ReportTester::filterOf(report, {});
-  for (const auto& entry : items->entries()) {
+  for (const std::string& key : triedItems(report)) {
     for (const char* const value : pastedDeletions) {
-      SCOPED_TRACE(entry->item.key + " " + value);
-      const ReportRun run = tester().run(report, {{entry->item.key, value}});
+      SCOPED_TRACE(key + " " + value);
+      const ReportRun run = tester().run(report, {{key, value}});
       ++tried;
       for (const workbench::StatementFailure& failure : run.failures) {
         if (failure.number != databaseIsReadOnly) continue;
