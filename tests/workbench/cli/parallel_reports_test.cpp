@@ -48,6 +48,7 @@ TEST_P(ParallelReports, HaveTheRowsOfOneAlone) {
   std::latch start(atOnce);
   {
     std::vector<std::jthread> reports;
+    reports.reserve(atOnce);
     for (std::string& own : rows) {
       reports.emplace_back([&] {
         start.arrive_and_wait();
