@@ -68,7 +68,7 @@ bool isResultTableName(std::string_view name) {
 }
 
 bool LeftoverTable::mayBeWanted() const {
-  constexpr std::int64_t day = 24 * 60;
+  constexpr std::int64_t day = std::int64_t{24} * 60;
   return minutes ? *minutes < day : isResult;
 }
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <exception>
 #include <filesystem>
-#include <latch>
+#include <future>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -45,13 +45,14 @@ TEST_P(ParallelReports, HaveTheRowsOfOneAlone) {
   const std::string alone = run();
   EXPECT_GT(std::ranges::count(alone, '\n'), 2) << "there are rows";
   std::array<std::string, atOnce> rows;
-  std::latch start(atOnce);
+  std::promise<void> start;
+  const std::shared_future<void> started = start.get_future().share();
   {
     std::vector<std::jthread> reports;
     reports.reserve(atOnce);
     for (std::string& own : rows) {
       reports.emplace_back([&] {
-        start.arrive_and_wait();
+        started.wait();
         try {
           own = run();
         } catch (const std::exception& error) {
@@ -59,6 +60,7 @@ TEST_P(ParallelReports, HaveTheRowsOfOneAlone) {
         }
       });
     }
+    start.set_value();
   }
   for (const std::string& own : rows)
     EXPECT_EQ(own, alone);

@@ -310,9 +310,10 @@ std::string Catalog::sysobjects(std::string_view database) const {
     const std::string id = schema == temporarySchema ? "-id"
                            : scratch                 ? std::to_string(firstScratchId) + " + id"
                                                      : "id";
-    query += (query.empty() ? "" : " UNION ALL ") + ("SELECT name COLLATE " + std::string(collationName)) +
-             " AS name, " + id + " AS id, type AS xtype, type AS type FROM " + schema +
-             ".tsql_objects WHERE database = '" + std::string(database) + "'";
+    if (!query.empty()) query += " UNION ALL ";
+    query.append("SELECT name COLLATE ").append(collationName).append(" AS name, ").append(id);
+    query.append(" AS id, type AS xtype, type AS type FROM ").append(schema);
+    query.append(".tsql_objects WHERE database = '").append(database).append("'");
   }
   return query;
 }
