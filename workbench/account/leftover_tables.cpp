@@ -16,7 +16,6 @@ namespace {
 // In small letters, as all names here are compared.
 constexpr std::array<std::string_view, 4> workTableSuffixes = {"ia_sfc_item_detailtmp", "ia_sfc_ix_groupindex",
                                                                "ia_outsum_item_detailtmp", "fxwttmp"};
-constexpr std::string_view resultTablePrefix = "quillonreport";
 
 bool isUniquePartCharacter(char character) {
   return isDigit(character) || (character >= 'a' && character <= 'z') || character == '_';
@@ -63,7 +62,8 @@ bool isWorkTableName(std::string_view name) {
 bool isResultTableName(std::string_view name) {
   constexpr std::size_t digits = 32;
   const std::string folded = tsql::text::foldCase(name);
-  return folded.starts_with(resultTablePrefix) && folded.size() == resultTablePrefix.size() + digits &&
+  return folded.starts_with(tsql::text::foldCase(resultTablePrefix)) &&
+         folded.size() == resultTablePrefix.size() + digits &&
          std::all_of(folded.begin() + resultTablePrefix.size(), folded.end(), isHexadecimal);
 }
 

@@ -12,6 +12,9 @@
 
 namespace quillon::account {
 
+// What the workbench calls result tables; a unique part follows.
+inline constexpr std::string_view resultTablePrefix = "QuillonReport";
+
 // True for a name that the reports give their work tables, in any letter case, because some servers keep names in small
 // letters: a number, a unique part of letters, digits and underscores, and one of the reports' suffixes.
 bool isWorkTableName(std::string_view name);

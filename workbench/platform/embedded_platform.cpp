@@ -5,6 +5,7 @@
 #include <random>
 
 #include "frame/text.h"
+#include "workbench/account/leftover_tables.h"
 #include "workbench/platform/account_environment.h"
 #include "workbench/platform/filter_object.h"
 #include "workbench/platform/resource_texts.h"
@@ -165,7 +166,7 @@ std::string uniqueNamePart() {
 }
 
 std::string freshResultTable() {
-  return "QuillonReport" + uniqueNamePart();
+  return std::string(account::resultTablePrefix) + uniqueNamePart();
 }
 
 std::shared_ptr<Session> EmbeddedPlatform::createSession() {
