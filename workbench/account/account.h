@@ -12,9 +12,9 @@
 
 namespace quillon::account {
 
-// Makes a sample account in `file`. The file appears complete or not at all: it grows under the name `file` + ".part"
-// in the same folder and is renamed at the end; what an interrupted run left there is overwritten. Throws AccountError
-// when `file` exists, when the options are out of range or when the folder cannot be written.
+// Makes a sample account in `file`. The file appears complete or not at all: it grows as a part (makePart()) in
+// the same folder and is renamed at the end. Throws AccountError when `file` exists, if only since another run has made it
+// meanwhile, when the options are out of range or when the folder cannot be written.
 void createSample(const std::filesystem::path& file, const SampleOptions& options, const Progress& progress = {});
 
 // One accounting year.

@@ -2,7 +2,8 @@
 #pragma once
 
 #include <filesystem>
-#include <memory>
+
+#include "workbench/account/held_file.h"
 
 namespace quillon::account {
 
@@ -11,7 +12,7 @@ namespace quillon::account {
 // object, which therefore outlives every connection to the file.
 //
 // What a killed program left is removed by the next one that makes a scratch file: beside each folder is a file that its
-// owner keeps locked, and the system ends that lock with the owner.
+// owner holds (held_file.h).
 class Scratch {
  public:
   // Throws AccountError when the folder cannot be made.
@@ -23,9 +24,7 @@ class Scratch {
   const std::filesystem::path& file() const { return file_; }
 
  private:
-  class Owner;
-
-  std::unique_ptr<Owner> owner_;
+  HeldFile lock_;
   std::filesystem::path file_;
 };
 

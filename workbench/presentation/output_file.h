@@ -2,8 +2,10 @@
 #pragma once
 
 #include <filesystem>
-#include <memory>
+#include <optional>
 #include <span>
+
+#include "workbench/account/held_file.h"
 
 namespace quillon::workbench {
 
@@ -14,10 +16,9 @@ namespace quillon::workbench {
 void refuseToReplace(const std::filesystem::path& file, std::span<const std::filesystem::path> inputs);
 
 // Whatever stands under the file's name stays as it is until the output is complete, and is then replaced by it in one
-// step: a reader finds the older file or the newer one, even after a run that was killed. The output grows in the same
-// folder under a name that no other run has, `file` with a number and ".part" behind it. What a killed run left of that
-// kind is removed by the next run: a part that no program holds and that nothing has been written to for a minute. What
-// is not a regular file, such as /dev/stdout or a pipe, is written to directly.
+// step: a reader finds the older file or the newer one, even after a run that was killed. The output grows as a part
+// (account::makePart), which no other run has. What is not a regular file, such as /dev/stdout or a pipe, is written to
+// directly.
 class OutputFile {
  public:
   // Throws UserError when there is an older file that may not be written to, or is an account (refuseToReplace()), and
@@ -29,23 +30,16 @@ class OutputFile {
   ~OutputFile();
 
   // Where the output is to be written; it exists.
-  const std::filesystem::path& path() const { return part_; }
+  const std::filesystem::path& path() const { return part_ ? part_->path() : target_; }
   // Gives the output its name, and an older file's permissions; it is closed by now. Throws UserError.
   void complete();
   // Throws the UserError that says that the file cannot be written.
   [[noreturn]] void fail() const;
 
  private:
-  class Hold;
-
-  bool replaces() const { return part_ != target_; }
-  void makePart();
-  void removeLeftParts() const;
-
   std::filesystem::path file_;    // as it was named
   std::filesystem::path target_;  // behind symbolic links
-  std::filesystem::path part_;
-  std::unique_ptr<Hold> hold_;  // of the part
+  std::optional<account::HeldFile> part_;
 };
 
 }  // namespace quillon::workbench

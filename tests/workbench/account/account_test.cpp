@@ -4,12 +4,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "tests/workbench/account/test_folder.h"
 #include "workbench/account/schema.h"
 
 namespace quillon::account {
@@ -95,12 +98,30 @@ TEST_F(AccountFile, OptionsAreCheckedBeforeAnythingIsWritten) {
   EXPECT_THAT(filesInFolder(), IsEmpty());
 }
 
-// What a killed run left behind does not stand in the way.
-TEST_F(AccountFile, ReplacesWhatAKilledRunLeft) {
-  std::ofstream(file("sample.account.part")) << "half an account";
-  std::ofstream(file("sample.account.part-journal")) << "its journal";
+// What a killed run left behind goes once it is a minute old.
+TEST_F(AccountFile, TakesAwayWhatAKilledRunLeft) {
+  const std::filesystem::path part = file("sample.account.0123cdef.part");
+  std::ofstream(part) << "half an account";
+  std::ofstream(file("sample.account.0123cdef.part-journal")) << "its journal";
+  std::filesystem::last_write_time(part, std::filesystem::file_time_type::clock::now() - std::chrono::minutes(2));
   createSample(file(), small);
   EXPECT_THAT(filesInFolder(), ElementsAre("sample.account"));
+}
+
+// A second run makes an account of the same name while the first one writes its own.
+TEST_F(AccountFile, OfTwoThatAreMadeAtOnceTheFirstToEndStays) {
+  SampleOptions other = small;
+  ++other.seed;
+  bool made = false;
+  const std::string message = refusal([&] {
+    createSample(file(), small, [&](std::int64_t, std::int64_t) {
+      if (!std::exchange(made, true)) createSample(file(), other);
+    });
+  });
+  EXPECT_EQ(message, file().string() + " exists already; choose another name or delete the file first");
+  EXPECT_THAT(filesInFolder(), ElementsAre("sample.account"));
+  createSample(file("alone"), other);
+  EXPECT_TRUE(testing::contentOf(file()) == testing::contentOf(file("alone")));
 }
 
 TEST_F(AccountFile, HasEveryTableColumnAndType) {

@@ -86,18 +86,18 @@ TEST_F(ScratchFile, OfALivingOwnerStays) {
 }
 
 TEST_F(ScratchFile, IsNotTakenForOneByItsNameAlone) {
-  fs::create_directories(temporary_ / "quillon-scratch-mine");
-  testing::write(temporary_ / "quillon-scratch-mine.lock.txt", "mine");
+  fs::create_directories(temporary_ / "quillon-run-mine");
+  testing::write(temporary_ / "quillon-run-mine.lock.txt", "mine");
   const Scratch next;
-  EXPECT_TRUE(fs::exists(temporary_ / "quillon-scratch-mine"));
-  EXPECT_TRUE(fs::exists(temporary_ / "quillon-scratch-mine.lock.txt"));
+  EXPECT_TRUE(fs::exists(temporary_ / "quillon-run-mine"));
+  EXPECT_TRUE(fs::exists(temporary_ / "quillon-run-mine.lock.txt"));
 }
 
 // A program was killed when it had made the lock and not the folder yet.
 TEST_F(ScratchFile, ThatWasNotMadeYetGoesWithItsLock) {
-  testing::write(temporary_ / "quillon-scratch-half.lock", "");
+  testing::write(temporary_ / "quillon-run-0123cdef.lock", "");
   const Scratch next;
-  EXPECT_FALSE(fs::exists(temporary_ / "quillon-scratch-half.lock"));
+  EXPECT_FALSE(fs::exists(temporary_ / "quillon-run-0123cdef.lock"));
 }
 
 TEST_F(ScratchFile, NeedsAFolderForTemporaryFiles) {

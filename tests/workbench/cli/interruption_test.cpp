@@ -9,6 +9,8 @@
 
 #include <cstdlib>
 #include <functional>
+#include <future>
+#include <utility>
 
 #include "tests/workbench/account/test_folder.h"
 #include "tests/workbench/cli/interrupted_program.h"
@@ -304,6 +306,37 @@ TEST_F(Interruption, TheJournalOfADeletedAccountDoesNotHarmTheNextOne) {
     }
   }
   EXPECT_EQ(journals, 2);
+}
+
+// --- Two at once ------------------------------------------------------------------------------------------------------
+
+// Of two runs that make one file the first to end makes it, as a whole, and the other says so.
+TEST_F(Interruption, TwoRunsAtOnceMakeOneFileOfOneOfThem) {
+  expectSuccess({"account", "export", path("a"), path("csv")});
+  const std::vector<std::vector<std::string>> commands = {
+      {"account", "new", path("b"), "--rows", "500", "--seed", "3", "--years", "1"},
+      {"account", "import", path("b"), path("csv")},
+      {"account", "script", path("a"), path("b")}};
+  const std::vector<std::string> before = folder_.names();
+  for (const std::vector<std::string>& command : commands) {
+    SCOPED_TRACE(command[1]);
+    expectSuccess(command);
+    const std::string whole = contentOf(folder_ / "b");
+    for (int round = 0; round < 3; ++round) {
+      std::filesystem::remove(folder_ / "b");
+      const auto run = [&command] { return runProgram(command); };
+      std::future<ProgramEnd> other = std::async(std::launch::async, run);
+      ProgramEnd loser = run();
+      ProgramEnd winner = other.get();
+      if (winner.status != 0) std::swap(loser, winner);
+      EXPECT_EQ(winner.status, 0) << winner.errors;
+      EXPECT_EQ(winner.errors, "");
+      expectRefusal(loser, path("b") + " exists already; choose another name or delete the file first");
+      EXPECT_TRUE(contentOf(folder_ / "b") == whole);
+    }
+    std::filesystem::remove(folder_ / "b");
+    EXPECT_EQ(folder_.names(), before);
+  }
 }
 
 // --- No room ----------------------------------------------------------------------------------------------------------

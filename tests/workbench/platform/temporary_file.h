@@ -5,6 +5,7 @@
 #include <string>
 
 #include "workbench/platform/embedded_platform.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench::test {
 
@@ -16,11 +17,9 @@ class TemporaryFile {
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
     std::error_code ignored;
-    for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-      std::filesystem::path file = path_;
-      file += suffix;
-      std::filesystem::remove(file, ignored);
-    }
+    std::filesystem::remove(path_, ignored);
+    for (const std::string_view suffix : tsql::besideAccountFile)
+      std::filesystem::remove(std::filesystem::path(path_).concat(suffix), ignored);
   }
 
   const std::filesystem::path& path() const { return path_; }

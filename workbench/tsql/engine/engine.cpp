@@ -199,8 +199,8 @@ bool isAccountFile(const std::filesystem::path& file) {
 std::unique_ptr<Connection> Connection::open(const std::filesystem::path& file, OpenMode mode) {
   const std::string name = utf8FromPath(file);
   std::error_code ignored;
-  const bool exists = std::filesystem::exists(file, ignored);
-  if (mode == OpenMode::createNew && exists) {
+  if (mode == OpenMode::createNew && std::filesystem::exists(file, ignored) &&
+      std::filesystem::file_size(file, ignored) != 0) {
     throw SqlError(
         5170, "Cannot create file '" + name + "' because it already exists. Change the file path or remove the file.");
   }

@@ -8,6 +8,7 @@
 // and values/, and nothing else of it.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -43,13 +44,16 @@ class BulkWriter {
 
 enum class OpenMode { existing, createNew, readOnly };
 
+// What SQLite puts behind an account file's name to call the files that it keeps beside it.
+inline constexpr std::array<std::string_view, 3> besideAccountFile = {"-journal", "-wal", "-shm"};
+
 // Whether `file` is an account file, by what stands at its beginning. False for one that is not there or cannot be read.
 bool isAccountFile(const std::filesystem::path& file);
 
 class Connection : public Database {
  public:
-  // Throws SqlError when the file is missing (existing, readOnly), is there already (createNew) or is no account file; a
-  // folder, a device or a pipe is none, and is not touched.
+  // Throws SqlError when the file is missing (existing, readOnly), is there already with something in it (createNew) or is
+  // no account file; a folder, a device or a pipe is none, and is not touched.
   static std::unique_ptr<Connection> open(const std::filesystem::path& file, OpenMode mode);
   // Connects to the account for a report, without a write to it. What is created, tables, indexes, views and functions,
   // lies in the file `scratch`, which several connections may share and which is made when it is not there; a name

@@ -59,6 +59,22 @@ TEST_F(AccountFile, IsToldByWhatStandsAtItsBeginning) {
   EXPECT_FALSE(isAccountFile(folder_ / "short"));
 }
 
+// Whoever wants the only file of that name has made it already.
+TEST_F(AccountFile, IsMadeInAnEmptyFileAndInNoOther) {
+  std::ofstream(folder_ / "empty").close();
+  Connection::open(folder_ / "empty", OpenMode::createNew).reset();
+  EXPECT_TRUE(isAccountFile(folder_ / "empty"));
+  std::ofstream(folder_ / "other") << "something else";
+  for (const fs::path& taken : {folder_ / "empty", folder_ / "other", folder_}) {
+    try {
+      Connection::open(taken, OpenMode::createNew);
+      ADD_FAILURE() << "made " << utf8FromPath(taken);
+    } catch (const SqlError& error) {
+      EXPECT_EQ(error.number(), 5170);
+    }
+  }
+}
+
 TEST_F(AccountFile, IsNoFolder) {
   expectNoFile(folder_);
 }
