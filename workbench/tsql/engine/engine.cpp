@@ -23,12 +23,13 @@ namespace {
 // "QLLN": marks a SQLite file as an account.
 constexpr std::int64_t applicationId = 0x514c4c4e;
 
-// SQLite asks this while another connection has the file: how often it has asked. Waits half a minute in all; at first
-// for moments, so that two reports that only meet for one do not slow each other down.
+// SQLite asks this while another connection has the file: how often it has asked. At first the pauses are short, so that
+// two reports that only meet for a moment do not slow each other down: one millisecond, two, three, and so on.
 int waitForFile(void*, int asked) {
-  constexpr int longest = 25, waits = 1'200;  // milliseconds; sum up to half a minute
-  if (asked >= waits || stopRequested()) return 0;
-  sqlite3_sleep(std::min(asked + 1, longest));
+  const int growing = std::min(asked, longestPause);
+  const std::chrono::milliseconds waited(growing * (growing + 1) / 2 + (asked - growing) * longestPause);
+  if (waitIsOver(waited)) return 0;
+  sqlite3_sleep(std::min(asked + 1, longestPause));
   return 1;
 }
 

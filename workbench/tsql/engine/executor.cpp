@@ -107,21 +107,22 @@ auto withWideningSums(Action action) {
 
 // Runs the action, which takes all that it did back when it fails, again and again while another connection has the file:
 // SQLite itself does not wait when the statement has read before it writes, because two that do so would wait for each
-// other. Half a minute at most.
+// other.
 template <typename Action>
 auto waitingForTheFile(sqlite3* database, Action action) {
   using Clock = std::chrono::steady_clock;
-  constexpr std::chrono::seconds longest(30);
-  constexpr int pause = 25;  // milliseconds
   const Clock::time_point start = Clock::now();
   while (true) {
     try {
       return action();
     } catch (const FileBusy&) {
       // Within a transaction the others wait for this connection, too.
-      if (sqlite3_get_autocommit(database) == 0 || Clock::now() - start > longest) throw;
-      sqlite3_sleep(pause);
-      endIfStopped();
+      if (sqlite3_get_autocommit(database) == 0) throw;
+      if (waitIsOver(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start))) {
+        endIfStopped();
+        throw;
+      }
+      sqlite3_sleep(longestPause);
     }
   }
 }

@@ -76,6 +76,11 @@ FileBusy::FileBusy(const std::string& holders)
 
 SumOverflow::SumOverflow() : SqlError(8115, "Arithmetic overflow error converting expression to data type numeric.") {}
 
+bool waitIsOver(std::chrono::milliseconds waited) {
+  constexpr std::chrono::seconds longest(30);
+  return waited >= longest || stopRequested();
+}
+
 void throwSqliteError(sqlite3* database) {
   const std::string message = sqlite3_errmsg(database);
   const int extended = sqlite3_extended_errcode(database);

@@ -1,6 +1,7 @@
 // SQLite's C interface with errors as SqlError: every failure has SQL Server's number and text.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -27,6 +28,11 @@ class FileBusy : public SqlError {
  public:
   explicit FileBusy(const std::string& holders);
 };
+
+// Whether a connection that has waited so long for a file that another one has gives up: after half a minute, and when the
+// program is asked to end.
+bool waitIsOver(std::chrono::milliseconds waited);
+inline constexpr int longestPause = 25;  // milliseconds from one look at the file to the next
 
 // Throws what the last failure of the handle means in SQL Server's numbers and texts: an error raised by one of the
 // engine's own functions as it stands, SQLite's constraint errors as 515, 2627, 8115, its limits as 40510.
