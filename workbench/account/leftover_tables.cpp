@@ -69,15 +69,13 @@ bool isResultTableName(std::string_view name) {
 
 bool LeftoverTable::mayBeWanted() const {
   constexpr std::int64_t day = std::int64_t{24} * 60;
-  return minutes ? *minutes < day : isResult;
+  return minutes ? *minutes < day : isResult();
 }
 
 std::vector<LeftoverTable> leftoverTables(tsql::Database& connection) {
   std::vector<LeftoverTable> tables = tablesWithAge(connection);
-  std::erase_if(tables, [](LeftoverTable& table) {
-    table.isResult = isResultTableName(table.name);
-    return !table.isResult && !isWorkTableName(table.name);
-  });
+  std::erase_if(tables,
+                [](const LeftoverTable& table) { return !table.isResult() && !isWorkTableName(table.name); });
   std::ranges::sort(tables, {}, &LeftoverTable::name);
   return tables;
 }

@@ -23,10 +23,10 @@ bool isResultTableName(std::string_view name);
 
 struct LeftoverTable {
   std::string name;
-  bool isResult = false;
   // Since when it is there, as the server says; nullopt for an account file, which does not know.
   std::optional<std::int64_t> minutes = std::nullopt;
 
+  bool isResult() const { return isResultTableName(name); }
   // Whether it may belong to a report that runs now, or is wanted: younger than a day, or a result table whose age is
   // not known. Such a one is dropped only when the user says so.
   bool mayBeWanted() const;

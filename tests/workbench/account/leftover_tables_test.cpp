@@ -53,7 +53,7 @@ TEST(LeftoverTables, ThoseOfAnAccountFileHaveNoAge) {
   EXPECT_FALSE(left[0].mayBeWanted());
   EXPECT_FALSE(left[1].mayBeWanted());
   EXPECT_EQ(left[2].name, kept);
-  EXPECT_TRUE(left[2].isResult);
+  EXPECT_TRUE(left[2].isResult());
   EXPECT_TRUE(left[2].mayBeWanted()) << "somebody kept it";
   EXPECT_THAT(dropLeftovers(*connection), ElementsAre("77u1IA_SFC_Item_DetailTmp", "77u2IA_SFC_IX_GroupIndex", kept));
   EXPECT_THAT(leftoverNames(*connection), IsEmpty());
@@ -105,7 +105,7 @@ TEST(LeftoverTables, ThoseOfAServerAreWantedWhileTheyAreYoungerThanADay) {
   EXPECT_EQ(left[0].minutes, 3);
   EXPECT_TRUE(left[0].mayBeWanted()) << "a report may run";
   EXPECT_FALSE(left[1].mayBeWanted());
-  EXPECT_TRUE(left[2].isResult);
+  EXPECT_TRUE(left[2].isResult());
   EXPECT_FALSE(left[2].mayBeWanted());
   EXPECT_TRUE(left[3].mayBeWanted());
 }
