@@ -21,6 +21,7 @@
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/tsql/values/stop.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
@@ -85,14 +86,23 @@ void cleanAccount(const AccountSource& source, const std::function<bool(const st
                   std::ostream& out) {
   const auto connection = source.open(tsql::OpenMode::existing);
   const auto left = account::leftoverTables(*connection);
+  int dropped = 0;
   for (const account::LeftoverTable& table : left) {
     const std::string shown = table.name + ageText(table);
-    if (table.mayBeWanted() && !agrees(shown)) {
-      out << "kept " << shown << "; it may be in use or wanted: --yes drops it, too\n";
-    } else {
-      account::dropTable(*connection, table.name);
-      out << "dropped " << shown << '\n';
+    const bool drops = !table.mayBeWanted() || agrees(shown);
+    try {
+      tsql::endIfStopped();
+      if (drops) account::dropTable(*connection, table.name);
+    } catch (const tsql::Stopped&) {
+      if (dropped == 0) throw;
+      throw UserError(std::to_string(dropped) + " of " + std::to_string(left.size()) + " tables are dropped");
     }
+    if (!drops) {
+      out << "kept " << shown << "; it may be in use or wanted: --yes drops it, too\n";
+      continue;
+    }
+    ++dropped;
+    out << "dropped " << shown << '\n';
   }
   if (left.empty()) out << "no tables of reports were left\n";
 }

@@ -15,6 +15,7 @@
 #include "tests/workbench/account/test_folder.h"
 #include "tests/workbench/cli/interrupted_program.h"
 #include "workbench/account/account.h"
+#include "workbench/account/leftover_tables.h"
 #include "workbench/account/transfer.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -68,31 +69,47 @@ class Stop : public ::testing::Test {
 
   std::string path(std::string_view name) const { return utf8FromPath(folder_ / name); }
 
+  // A command that nobody stops: how it ends, and the time that it takes.
+  struct Undisturbed {
+    int status;
+    std::int64_t microseconds;
+    bool endedSo(const ProgramEnd& end) const { return !end.killed && end.status == status; }
+  };
+  static Undisturbed undisturbed(const std::vector<std::string>& command) {
+    const auto begin = std::chrono::steady_clock::now();
+    const ProgramEnd end = runProgram(command, {.after = std::chrono::microseconds(0), .signal = 0});
+    const auto whole = std::chrono::steady_clock::now() - begin;
+    EXPECT_LE(end.status, 1) << end.errors;
+    return {end.status, std::chrono::duration_cast<std::chrono::microseconds>(whole).count()};
+  }
+
+  // Runs the command with the signal of this moment at some time of its run. When it was met at work it says so in one line,
+  // which begins with what the signal is called; `errors` of its end is then what follows that.
+  ProgramEnd stopOnce(const std::vector<std::string>& command, const Undisturbed& whole, int moment) {
+    const SignalEnd& way = signals[static_cast<std::size_t>(moment) % signals.size()];
+    const auto after = std::uniform_int_distribution<std::int64_t>(0, whole.microseconds)(random_);
+    ProgramEnd end = runProgram(command, {.after = std::chrono::microseconds(after), .signal = way.signal});
+    if (!end.killed && !whole.endedSo(end)) {
+      ++stopped_;
+      EXPECT_EQ(end.status, way.status) << end.errors;
+      EXPECT_THAT(end.errors, StartsWith(way.said));
+      EXPECT_EQ(std::ranges::count(end.errors, '\n'), 1) << end.errors;
+      end.errors.erase(0, std::string_view(way.said).size());
+    }
+    return end;
+  }
+
   // Runs the command undisturbed, and then again and again with a signal at some moment of it. `output` is what the
   // command makes, "" when it only prints; it is not compared when `comparable` is false.
   void stopEverywhere(const std::vector<std::string>& command, const std::string& output = "", bool comparable = true) {
     const std::vector<std::string> before = folder_.names();
-    const auto begin = std::chrono::steady_clock::now();
-    const ProgramEnd undisturbed = runProgram(command, {.after = std::chrono::microseconds(0), .signal = 0});
-    const auto whole =
-        std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin).count();
-    ASSERT_LE(undisturbed.status, 1) << undisturbed.errors;
+    const Undisturbed whole = undisturbed(command);
     const auto made = output.empty() ? std::map<std::string, std::string>() : contentsOf(folder_ / output);
     ASSERT_EQ(made.empty(), output.empty());
-    int stopped = 0;
     for (int moment = 0; moment < moments; ++moment) {
       SCOPED_TRACE(moment);
       if (!output.empty()) std::filesystem::remove_all(folder_ / output);
-      const SignalEnd& way = signals[static_cast<std::size_t>(moment) % signals.size()];
-      const auto after = std::uniform_int_distribution<std::int64_t>(0, whole)(random_);
-      const ProgramEnd end = runProgram(command, {.after = std::chrono::microseconds(after), .signal = way.signal});
-      const bool complete = !end.killed && end.status == undisturbed.status;
-      if (!end.killed && !complete) {
-        ++stopped;
-        EXPECT_EQ(end.status, way.status) << end.errors;
-        EXPECT_THAT(end.errors, StartsWith(way.said));
-        EXPECT_EQ(std::ranges::count(end.errors, '\n'), 1) << end.errors;
-      }
+      const bool complete = whole.endedSo(stopOnce(command, whole, moment));
       if (complete && comparable && !output.empty()) {
         EXPECT_TRUE(contentsOf(folder_ / output) == made);
       }
@@ -103,8 +120,6 @@ class Stop : public ::testing::Test {
       EXPECT_THAT(temporary_.names(), IsEmpty());
       if (HasFailure()) return;
     }
-    // Long enough commands are met at work.
-    stopped_ += stopped;
     if (!output.empty()) std::filesystem::remove_all(folder_ / output);
   }
 
@@ -112,7 +127,7 @@ class Stop : public ::testing::Test {
   TestFolder folder_;
   std::string content_;
   std::mt19937 random_{20240630};
-  int stopped_ = 0;
+  int stopped_ = 0;  // times that a program was met at work, as long enough ones are
 };
 
 TEST_F(Stop, ReportsAndDialogs) {
@@ -150,6 +165,55 @@ TEST_F(Stop, QuestionsToAccounts) {
                           "Select cInvCode, Sum(iAInPrice) From ia_subsidiary Group By cInvCode\n");
   stopEverywhere({"sql", "--account", path("a"), path("look.sql")});
   EXPECT_GT(stopped_, 0);
+}
+
+TEST_F(Stop, Traces) {
+  for (const char* const name : {"dialog_of_the_outbound_summary", "detail_ledger_by_department"}) {
+    SCOPED_TRACE(name);
+    stopEverywhere({"trace", "--case", QUILLON_TRACE_CASES "/" + std::string(name) + ".json"});
+  }
+}
+
+// What is dropped stays so, and the program says how much that is; the account has everything else.
+TEST_F(Stop, CleaningAnAccount) {
+  constexpr int tables = 40;
+  std::filesystem::copy_file(folder_ / "a", folder_ / "whole");
+  {
+    const auto connection = tsql::Connection::open(folder_ / "a", tsql::OpenMode::existing);
+    for (int table = 0; table < tables; ++table)
+      connection->execute("Select * Into [1left" + std::to_string(table) + "fxwttmp] From ia_subsidiary");
+  }
+  std::filesystem::copy_file(folder_ / "a", folder_ / "littered");
+  const std::vector<std::string> before = folder_.names();
+  const std::vector<std::string> command = {"account", "clean", path("a")};
+  const Undisturbed whole = undisturbed(command);
+  ASSERT_EQ(whole.status, 0);
+  int amidst = 0;
+  for (int moment = 0; moment < moments; ++moment) {
+    SCOPED_TRACE(moment);
+    std::filesystem::copy_file(folder_ / "littered", folder_ / "a", std::filesystem::copy_options::overwrite_existing);
+    const ProgramEnd end = stopOnce(command, whole, moment);
+    const std::size_t left =
+        account::leftoverTables(*tsql::Connection::open(folder_ / "a", tsql::OpenMode::readOnly)).size();
+    const std::size_t dropped = tables - left;
+    if (whole.endedSo(end)) {
+      EXPECT_EQ(left, 0U);
+    } else if (end.killed) {
+      EXPECT_EQ(dropped, 0U) << "it was not at work yet";
+    } else {
+      EXPECT_EQ(end.errors, dropped == 0
+                                ? "nothing was written\n"
+                                : std::to_string(dropped) + " of " + std::to_string(tables) + " tables are dropped\n");
+      amidst += dropped > 0 ? 1 : 0;
+    }
+    EXPECT_EQ(folder_.names(), before);
+    EXPECT_THAT(temporary_.names(), IsEmpty());
+    EXPECT_EQ(runProgram({"account", "check", "--integrity", path("a")}).status, 0);
+    EXPECT_EQ(runProgram(command).status, 0);
+    EXPECT_EQ(runProgram({"account", "diff", path("a"), path("whole")}).status, 0);
+    if (HasFailure()) return;
+  }
+  EXPECT_GT(amidst, moments / 10);
 }
 
 // The batch that runs is undone, those before it stand, and which one it was is said.
