@@ -12,8 +12,7 @@
 #include "component/quillon_interfaces.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
-#include "tests/component/fake_platform.h"
-#include "tests/component/quillon_library.h"
+#include "tests/component/library_test.h"
 #include "tests/component/recorded_calls.h"
 
 namespace quillon::component::test {
@@ -26,8 +25,6 @@ using automation::toText;
 using automation::Variant;
 using automation::test::ComScope;
 namespace {
-
-constexpr CLSID filterControl = {0xb5857a26, 0x9af9, 0x40af, {0xba, 0x23, 0x3c, 0x32, 0xbc, 0x93, 0xcb, 0x5f}};
 
 // How the account options are reached, from the dialog's login on.
 const Calls optionsOpened = {"Filter.Login",
@@ -58,19 +55,12 @@ const std::vector<FakeItem> emptyFilter = {{"iYear", "2024", ""}, {"cInvCode", "
                                            {"cdepcode", "", ""},  {"cFree1", "", ""},       {"CFREE10", "", ""},
                                            {"cBatchIA", "", ""}};
 
-class DetailDialogRun : public testing::Test {
+class DetailDialogRun : public LibraryTest {
  protected:
-  LateBound control() const { return {library.create<IDispatch>(filterControl), "clsFilterControl"}; }
+  LateBound control() const { return make(classes::filterControl, "clsFilterControl"); }
 
   // The calls that show the user something.
-  static Calls messages(const Recorder& recorder) {
-    Calls shown;
-    std::ranges::copy_if(recorder.calls, std::back_inserter(shown),
-                         [](const std::string& call) { return call.starts_with("ResourceService."); });
-    return shown;
-  }
-
-  QuillonLibrary library;
+  static Calls messages(const Recorder& recorder) { return callsOn(recorder, {"ResourceService."}); }
 };
 
 TEST_F(DetailDialogRun, PreparesTheDialogInOrder) {
@@ -341,7 +331,7 @@ TEST_F(DetailDialogRun, EarlyBoundCallersGetTheSame) {
   Recorder recorder;
   FakePlatform platform(recorder);
   platform.costingBasis = "按仓库核算";
-  const auto control = library.create<_clsFilterControl>(filterControl);
+  const auto control = library.create<_clsFilterControl>(classes::filterControl);
   ASSERT_TRUE(control);
   const ComPtr<FakeObject> object = platform.dialog("", {{"iYear", "2024", ""},
                                                          {"cCaType", "成本项目", ""},
@@ -423,7 +413,7 @@ std::size_t runDialog(const QuillonLibrary& library, std::size_t failAt, const s
     FakePlatform platform(recorder);
     platform.costingBasis = costingBasis;
     platform.rows = inventoryWith(checks);
-    const LateBound control(library.create<IDispatch>(filterControl), "clsFilterControl");
+    const LateBound control(library.create<IDispatch>(classes::filterControl), "clsFilterControl");
     std::vector<FakeItem> items = emptyFilter;
     items.insert(items.end(), {{"cCaType", "", ""}, {"cInvCCode", "01", ""}});
     const ComPtr<FakeObject> dialog = platform.dialog("", items);

@@ -9,8 +9,7 @@
 #include "automation/late_bound.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
-#include "tests/component/fake_platform.h"
-#include "tests/component/quillon_library.h"
+#include "tests/component/library_test.h"
 #include "tests/component/recorded_calls.h"
 
 namespace quillon::component::test {
@@ -21,9 +20,6 @@ using automation::makeObject;
 using automation::Variant;
 using automation::test::ComScope;
 namespace {
-
-constexpr CLSID detailLedger = {0xccf4cf6e, 0xf448, 0x4a03, {0xbf, 0x9a, 0x7c, 0xea, 0x24, 0x00, 0x96, 0xaa}};
-constexpr CLSID business = {0xae3cc61b, 0xe0a2, 0x4f0d, {0xa9, 0x60, 0xc8, 0x20, 0x92, 0xc5, 0x03, 0x5e}};
 
 // The ledger of one item from its cost items' start in January to the first month that is not settled.
 std::vector<FakeItem> filterOf(const std::string& from, const std::string& to) {
@@ -50,21 +46,9 @@ FakePlatform& answerLookups(FakePlatform& platform, const std::string& typeCode)
   return platform;
 }
 
-class DetailLedgerRun : public testing::Test {
+class DetailLedgerRun : public LibraryTest {
  protected:
-  LateBound report() const { return {library.create<IDispatch>(detailLedger), "clsFXDetail"}; }
-
-  // The calls on objects whose name begins with one of `names`.
-  static Calls callsOn(const Recorder& recorder, const std::vector<std::string>& names) {
-    Calls found;
-    for (const std::string& call : recorder.calls) {
-      const bool wanted = std::ranges::any_of(names, [&](const std::string& name) { return call.starts_with(name); });
-      if (wanted) found.push_back(call);
-    }
-    return found;
-  }
-
-  QuillonLibrary library;
+  LateBound report() const { return make(classes::fxDetail, "clsFXDetail"); }
 };
 
 // --- GETSQL ---------------------------------------------------------------------------------------------------------
@@ -461,7 +445,7 @@ TEST_F(DrillThroughRun, TheBusinessObjectReachesTheGeneralLedger) {
   FakePlatform platform(recorder);
   answerLookups(platform, "32");
   chooseRow(platform);
-  const LateBound holder(library.create<IDispatch>(business), "ClsBusiness");
+  const LateBound holder(library.create<IDispatch>(classes::business), "ClsBusiness");
   holder.call(L"Init", {makeObject<FakeObject>(recorder, "Business")});
   report().call(L"Execute", {platform.argument({})});
   EXPECT_EQ(callsOn(recorder, {"ZzPub."}),
@@ -564,14 +548,13 @@ std::size_t runOnce(const QuillonLibrary& library, std::size_t failAt, Member me
     if (member == Member::getSql) {
       platform.startMonth = items.empty() ? 1 : 2;  // the account began in another year: opening balances are assembled
     } else {
-      platform.row = {{"cVouType", "the type's name"}, {"cVouCode", "7"}, {"iPZID", 17}, {"ID", 815}, {"cPZID", "p1"}};
-      if (member == Member::notPosted) platform.row["cPZID"] = "";
+      platform.row = voucherRow("the type's name", "7", member == Member::notPosted ? "" : "p1");
     }
     const auto e = platform.argument(items.empty() ? filterOf("", "") : items);
     if (member == Member::sourceVoucher) LateBound(e, "e").put(bindings::argument::action, "Vouch");
-    const LateBound holder(library.create<IDispatch>(business), "ClsBusiness");
+    const LateBound holder(library.create<IDispatch>(classes::business), "ClsBusiness");
     holder.call(L"Init", {makeObject<FakeObject>(recorder, "Business")});
-    const LateBound report(library.create<IDispatch>(detailLedger), "clsFXDetail");
+    const LateBound report(library.create<IDispatch>(classes::fxDetail), "clsFXDetail");
     recorder.calls.clear();
     recorder.failAt = failAt;
     try {

@@ -12,8 +12,7 @@
 #include "component/quillon_interfaces.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
-#include "tests/component/fake_platform.h"
-#include "tests/component/quillon_library.h"
+#include "tests/component/library_test.h"
 #include "tests/component/recorded_calls.h"
 
 namespace quillon::component::test {
@@ -26,10 +25,6 @@ using automation::toText;
 using automation::Variant;
 using automation::test::ComScope;
 namespace {
-
-constexpr CLSID filterControl = {0x7ecd1526, 0x372f, 0x43c7, {0xbe, 0x9c, 0x59, 0x23, 0xa0, 0x79, 0x15, 0xca}};
-constexpr const char* outboundSummary = "E55F9D31-F4C3-44D2-BDEB-9F83A208CAEE";
-constexpr const char* receiptIssueBalance = "CA3BAD03-9D4C-463A-827E-E971D5A36C81";
 
 // How this dialog starts.
 const Calls dialogOpened = joined(connectionAndRights(), {"Login.LanguageRegion", "Filter.FilterId"});
@@ -44,11 +39,9 @@ std::vector<std::vector<Variant>> rowsOf(const std::string& sql) {
   return {};
 }
 
-class DialogRun : public testing::Test {
+class DialogRun : public LibraryTest {
  protected:
-  LateBound control() const { return {library.create<IDispatch>(filterControl), "clsSFCFilterControl"}; }
-
-  QuillonLibrary library;
+  LateBound control() const { return make(classes::sfcFilterControl, "clsSFCFilterControl"); }
 };
 
 TEST_F(DialogRun, ADialogOfAnotherReportIsConnectedAndFreedOfDataRights) {
@@ -65,8 +58,9 @@ TEST_F(DialogRun, CallsThePlatformInOrder) {
   Recorder recorder;
   FakePlatform platform(recorder);
   platform.rows = rowsOf;
-  control().call(L"CallBack_FilterInit",
-                 {platform.dialog(outboundSummary, {{"iYear", "", ""}, {"cModal", "", ""}, {"iGrade", "", ""}})});
+  control().call(
+      L"CallBack_FilterInit",
+      {platform.dialog(dialog_of::outboundSummary, {{"iYear", "", ""}, {"cModal", "", ""}, {"iGrade", "", ""}})});
   Calls expected = dialogOpened;
   const Calls behind = {"Filter.FilterList",
                         "FilterList.Count",
@@ -122,9 +116,9 @@ TEST_F(DialogRun, TheOutboundSummarysTypesAreEnumerations) {
   Recorder recorder;
   FakePlatform platform(recorder);
   platform.rows = rowsOf;
-  control().call(
-      L"CallBack_FilterInit",
-      {platform.dialog(outboundSummary, {{"cVouType", "", ""}, {"cBusType", "", ""}, {"iYear", "2024", ""}})});
+  control().call(L"CallBack_FilterInit",
+                 {platform.dialog(dialog_of::outboundSummary,
+                                  {{"cVouType", "", ""}, {"cBusType", "", ""}, {"iYear", "2024", ""}})});
   EXPECT_EQ(changes(recorder),
             (Calls{"Filter.SetItemEnumeration(\"cVouType\", \"08{#}32{##}Other issue{#}Sale\")",
                    "Filter.SetItemEnumeration(\"cBusType\", \"11{##}Picking\")", "Item.ListText = \"2023,2024\"",
@@ -137,8 +131,8 @@ TEST_F(DialogRun, TheReceiptIssueBalanceLocksTransfers) {
   Recorder recorder;
   FakePlatform platform(recorder);
   platform.rows = rowsOf;
-  control().call(L"CallBack_FilterInit",
-                 {platform.dialog(receiptIssueBalance, {{"bIncludeTransVouch", "", ""}, {"iYear", "2024", ""}})});
+  control().call(L"CallBack_FilterInit", {platform.dialog(dialog_of::receiptIssueBalance,
+                                                          {{"bIncludeTransVouch", "", ""}, {"iYear", "2024", ""}})});
   EXPECT_EQ(
       changes(recorder),
       (Calls{"Item.varValue = \"1\"", "Item.ListText = \"2023,2024\"", "Filter.SetItemUnavailable(\"cWhCode\", False)",
@@ -164,7 +158,7 @@ TEST_F(DialogRun, TheFilterIsAcceptedAndCancelLeftAlone) {
   Recorder recorder;
   FakePlatform platform(recorder);
   const LateBound control = this->control();
-  const ComPtr<FakeObject> dialog = platform.dialog(outboundSummary, {});
+  const ComPtr<FakeObject> dialog = platform.dialog(dialog_of::outboundSummary, {});
   for (const bool before : {false, true}) {
     Variant cancel(before);
     const Variant result = control.get(L"CallBack_FilterClick", {dialog, Variant::reference(cancel)});
@@ -182,7 +176,7 @@ TEST_F(DialogRun, TheViewComesBackInTheCallersVariable) {
   FakePlatform platform(recorder);
   const LateBound control = this->control();
   for (const auto& [mode, view] : {std::pair{"2", "ordin"}, {"0", "cross"}, {"", "cross"}}) {
-    const ComPtr<FakeObject> dialog = platform.dialog(outboundSummary, {{"cModal", mode, ""}});
+    const ComPtr<FakeObject> dialog = platform.dialog(dialog_of::outboundSummary, {{"cModal", mode, ""}});
     Variant atStart;
     control.call(L"CallBack_ReportViewInit", {dialog, Variant::reference(atStart)});
     EXPECT_EQ(toText(atStart), view);
@@ -196,7 +190,7 @@ TEST_F(DialogRun, EarlyBoundCallersGetTheSame) {
   const ComScope apartment;
   Recorder recorder;
   FakePlatform platform(recorder);
-  const auto control = library.create<_clsSFCFilterControl>(filterControl);
+  const auto control = library.create<_clsSFCFilterControl>(classes::sfcFilterControl);
   ASSERT_TRUE(control);
   const ComPtr<FakeObject> object = platform.dialog("", {{"cModal", "2", ""}});
   IDispatch* dialog = object.get();
@@ -282,7 +276,7 @@ std::size_t runDialog(const QuillonLibrary& library, std::size_t failAt, const c
     const ComScope apartment;
     FakePlatform platform(recorder);
     platform.rows = rowsOf;
-    const LateBound control(library.create<IDispatch>(filterControl), "clsSFCFilterControl");
+    const LateBound control(library.create<IDispatch>(classes::sfcFilterControl), "clsSFCFilterControl");
     const ComPtr<FakeObject> dialog = platform.dialog(report, {{"iYear", "", ""},
                                                                {"cModal", "", ""},
                                                                {"cSource", "", ""},
@@ -321,7 +315,7 @@ std::size_t runDialog(const QuillonLibrary& library, std::size_t failAt, const c
 }
 
 TEST_F(DialogRun, NothingIsLeftOverWhateverFails) {
-  for (const char* report : {outboundSummary, receiptIssueBalance}) {
+  for (const char* report : {dialog_of::outboundSummary, dialog_of::receiptIssueBalance}) {
     const std::size_t total = runDialog(library, 0, report);
     EXPECT_GT(total, 120U);
     for (std::size_t failAt = 1; failAt <= total; ++failAt)

@@ -35,6 +35,15 @@ inline Calls connectionAndRights() {
           "Login.AuthString = \"department=False,inventory=False,warehouse=False\""};
 }
 
+// The calls that begin with one of `names`: those on these objects, or of these members.
+inline Calls callsOn(const Recorder& recorder, const std::vector<std::string>& names) {
+  Calls found;
+  std::ranges::copy_if(recorder.calls, std::back_inserter(found), [&names](const std::string& call) {
+    return std::ranges::any_of(names, [&call](const std::string& name) { return call.starts_with(name); });
+  });
+  return found;
+}
+
 // The calls on the dialog that change it.
 inline Calls changes(const Recorder& recorder) {
   Calls told;

@@ -13,8 +13,7 @@
 #include "component/quillon_interfaces.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
-#include "tests/component/fake_platform.h"
-#include "tests/component/quillon_library.h"
+#include "tests/component/library_test.h"
 #include "tests/component/recorded_calls.h"
 
 namespace quillon::component::test {
@@ -26,9 +25,6 @@ using automation::makeObject;
 using automation::Variant;
 using automation::test::ComScope;
 namespace {
-
-constexpr const char* balanceDialog = "CA3BAD03-9D4C-463A-827E-E971D5A36C81";
-constexpr const char* voucherDialog = "3D1986A9-884B-4835-B4AA-DCCBD2E1487C";
 
 const std::vector<FakeItem> reportItems = {{"cModal", "1", ""},   {"iYear", "2024", ""},   {"cInvCode", "01", ""},
                                            {"cDepCode", "", ""},  {"cWhCode", "", ""},     {"cBatchIA", "", ""},
@@ -45,9 +41,8 @@ const std::vector<FakeItem> dialogItems = {{"iYear", "", ""},
                                            {"cInvCCode", "", ""},
                                            {"Inventory.cInvCCode", "", ""}};
 
-class Reentrance : public testing::Test {
+class Reentrance : public LibraryTest {
  protected:
-  QuillonLibrary library;
 };
 
 // A late-bound call that holds no reference to the object.
@@ -69,7 +64,7 @@ HRESULT invoke(IDispatch& object, const wchar_t* member, std::vector<Variant> ar
 using MakeArgument = std::function<ComPtr<FakeObject>(FakePlatform&)>;
 
 ComPtr<FakeObject> reportArgument(FakePlatform& platform) {
-  platform.row = {{"cVouType", "32"}, {"cVouCode", "7"}, {"iPZID", 17}, {"ID", 815}, {"cPZID", ""}};
+  platform.row = voucherRow("32", "7", "");
   return platform.argument(reportItems);
 }
 MakeArgument dialogOf(const char* report) {
@@ -162,9 +157,11 @@ void dialogSurvivesRelease(const QuillonLibrary& library, const char* report, co
 }
 
 TEST_F(Reentrance, ADialogsClassLivesUntilItsMemberIsThrough) {
-  dialogSurvivesRelease<_clsSFCFilterControl, clsSFCFilterControl>(library, balanceDialog, "cInvCCode");
+  dialogSurvivesRelease<_clsSFCFilterControl, clsSFCFilterControl>(library, dialog_of::receiptIssueBalance,
+                                                                   "cInvCCode");
   dialogSurvivesRelease<_clsFilterControl, clsFilterControl>(library, "", "cInvCCode");
-  dialogSurvivesRelease<_clsWtFilterControl, clsWtFilterControl>(library, voucherDialog, "Inventory.cInvCCode");
+  dialogSurvivesRelease<_clsWtFilterControl, clsWtFilterControl>(library, dialog_of::voucherReport,
+                                                                 "Inventory.cInvCCode");
   surviveRelease<_clsFilterControl, clsFilterControl>(
       library, L"CallBack_FilterClick", dialogOf(""),
       [](_clsFilterControl& object, IDispatch** filter) {
@@ -245,7 +242,7 @@ class InterruptedRun {
  public:
   InterruptedRun(const QuillonLibrary& library, REFCLSID outer, const wchar_t* member, Inner inner, std::size_t at)
       : library_(library), platform_(recorder_) {
-    platform_.row = {{"cVouType", "32"}, {"cVouCode", "7"}, {"iPZID", 17}, {"ID", 815}, {"cPZID", "p1"}};
+    platform_.row = voucherRow("32", "7");
     const ComPtr<FakeObject> e = platform_.argument(reportItems);
     if (member == std::wstring(L"Execute")) LateBound(e, "e").put(bindings::argument::action, "Vouch");
     outer_ = LateBound(library.create<IDispatch>(outer), "outer");

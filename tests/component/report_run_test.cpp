@@ -14,8 +14,7 @@
 #include "automation/text.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
-#include "tests/component/fake_platform.h"
-#include "tests/component/quillon_library.h"
+#include "tests/component/library_test.h"
 #include "tests/component/recorded_calls.h"
 
 namespace quillon::component::test {
@@ -28,11 +27,6 @@ using automation::Variant;
 using automation::test::ComScope;
 namespace {
 
-constexpr CLSID sfcItem = {0xe518f10c, 0xf08e, 0x4684, {0xa4, 0x65, 0x50, 0xe6, 0x80, 0x8d, 0x03, 0x1e}};
-constexpr CLSID outsumItem = {0xfddec39e, 0xa286, 0x4e4a, {0x96, 0x77, 0x98, 0xf4, 0x68, 0x45, 0xfc, 0xa4}};
-constexpr CLSID sfcFilterControl = {0x7ecd1526, 0x372f, 0x43c7, {0xbe, 0x9c, 0x59, 0x23, 0xa0, 0x79, 0x15, 0xca}};
-constexpr CLSID business = {0xae3cc61b, 0xe0a2, 0x4f0d, {0xa9, 0x60, 0xc8, 0x20, 0x92, 0xc5, 0x03, 0x5e}};
-
 const std::vector<FakeItem> costItemsOf2024 = {
     {"cModal", "1", ""}, {"iYear", "2024", ""}, {"CINVCODE", "01\t 02 ", ""}};
 
@@ -42,17 +36,15 @@ std::vector<std::vector<Variant>> projectClasses(const std::string& sql) {
   return {{"00", "fItem_ProjectClass", "fItem_Project"}, {"CH", "", ""}, {"99", Variant::null(), Variant::null()}};
 }
 
-class ReportRun : public testing::Test {
+class ReportRun : public LibraryTest {
  protected:
   // Creates a report, as the platform does. Throws AutomationError.
-  LateBound report(REFCLSID classId = sfcItem) {
+  LateBound report(REFCLSID classId = classes::sfcItem) {
     HRESULT code = S_OK;
     ComPtr<IDispatch> object = library.create<IDispatch>(classId, &code);
     if (FAILED(code)) throw AutomationError(code, "CreateInstance", "");
     return {std::move(object), "report"};
   }
-
-  QuillonLibrary library;
 };
 
 TEST_F(ReportRun, CallsThePlatformInOrder) {
@@ -110,9 +102,7 @@ TEST_F(ReportRun, CallsThePlatformInOrder) {
   ASSERT_LE(head.size(), calls.size());
   EXPECT_EQ(Calls(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(head.size())), head);
 
-  Calls statements;
-  std::copy_if(calls.begin(), calls.end(), std::back_inserter(statements),
-               [](const std::string& call) { return call.starts_with("Connection.Execute"); });
+  const Calls statements = callsOn(recorder, {"Connection.Execute"});
   const std::string insert = "Connection.Execute(\"Insert Into [77u1IA_SFC_Item_DetailTmp]";
   ASSERT_EQ(statements.size(), 12U);
   EXPECT_EQ(statements[0],
@@ -143,15 +133,11 @@ TEST_F(ReportRun, TheOutboundSummarySendsItsStatementsInOrder) {
   Recorder recorder;
   FakePlatform platform(recorder);
   platform.rows = projectClasses;
-  const LateBound report = this->report(outsumItem);
+  const LateBound report = this->report(classes::outsumItem);
   report.call(L"GETSQL", {platform.argument(costItemsOf2024)});
   EXPECT_EQ(report.text(L"TempTablename"), "");
 
-  Calls statements;
-  std::copy_if(recorder.calls.begin(), recorder.calls.end(), std::back_inserter(statements),
-               [](const std::string& call) {
-                 return call.starts_with("Connection.Execute") || call.starts_with("Recordset.Open");
-               });
+  const Calls statements = callsOn(recorder, {"Connection.Execute", "Recordset.Open"});
   const Calls beginnings = {
       "Connection.Execute(\"If Exists(Select Name From Sysobjects Where Name = '77u1IA_OutSum_Item_DetailTmp') Drop "
       "Table [77u1IA_OutSum_Item_DetailTmp]\", ref Empty, -1)",
@@ -233,7 +219,7 @@ TEST_F(ReportRun, ExecuteNeverFails) {
 
 // One run in an apartment of its own, with call `failAt` failing; gives how many calls there were.
 std::size_t runOnce(const QuillonLibrary& library, std::size_t failAt, const std::vector<FakeItem>& items,
-                    REFCLSID classId = sfcItem) {
+                    REFCLSID classId = classes::sfcItem) {
   Recorder recorder;
   recorder.failAt = failAt;
   {
@@ -276,7 +262,7 @@ TEST_F(ReportRun, NothingIsLeftOverWhateverFails) {
       costItemsOf2024,
       {{"cModal", "2", ""}, {"iYear", "2024", ""}, {"dKeepDate", "2024-03-01", "2024-06-30"}},
       {{"cModal", "0", ""}, {"iYear", "2024", ""}, {"bIncludeExpire", "0", ""}, {"cFSType", "1", ""}}};
-  for (const CLSID& classId : {sfcItem, outsumItem}) {
+  for (const CLSID& classId : {classes::sfcItem, classes::outsumItem}) {
     for (const auto& items : filters) {
       const std::size_t total = runOnce(library, 0, items, classId);
       EXPECT_GT(total, 50U);
@@ -309,7 +295,8 @@ TEST(ReportRunOfItsOwnLibrary, WhatCanBeMadeAgainDoesNotKeepTheDllLoadedButStays
   const long classObjects = LiveCount::value();
   std::optional<QuillonLibrary> library(std::in_place);
   const auto run = [&] {
-    LateBound(library->create<IDispatch>(sfcItem), "report").call(L"GETSQL", {platform.argument(costItemsOf2024)});
+    LateBound(library->create<IDispatch>(classes::sfcItem), "report")
+        .call(L"GETSQL", {platform.argument(costItemsOf2024)});
   };
   run();
   const long kept = LiveCount::value();
@@ -334,7 +321,7 @@ TEST_F(ReportRun, TheServiceAndItsLoginSurviveTheQuestionWhetherTheDllMayGo) {
   Recorder recorder;
   FakePlatform platform(recorder);
   {
-    const LateBound dialog(library.create<IDispatch>(sfcFilterControl), "dialog");
+    const LateBound dialog(library.create<IDispatch>(classes::sfcFilterControl), "dialog");
     dialog.call(L"CallBack_FilterInit", {platform.dialog("", {})});
   }
   EXPECT_EQ(library.canUnload(), S_FALSE) << "the dialog's connection stays open";
@@ -381,7 +368,7 @@ TEST_F(ReportRun, TwoApartmentsNeverSeeEachOthersObjects) {
     Recorder& recorder = recorders[index];
     const ComScope apartment;
     FakePlatform platform(recorder);
-    const LateBound holder(library.create<IDispatch>(business), "ClsBusiness");
+    const LateBound holder(library.create<IDispatch>(classes::business), "ClsBusiness");
     holder.call(L"Init", {makeObject<FakeObject>(recorder, "Business")});
     meet(2);
     for (int i = 0; i < 10; ++i)
@@ -413,7 +400,7 @@ TEST_F(ReportRun, AThreadThatEndsWithoutLeavingComTakesItsObjectsWithIt) {
   const long before = LiveCount::value();
   std::thread careless([&] {
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    const LateBound holder(library.create<IDispatch>(business), "ClsBusiness");
+    const LateBound holder(library.create<IDispatch>(classes::business), "ClsBusiness");
     holder.call(L"Init", {makeObject<FakeObject>(recorder, "Business")});
   });
   careless.join();

@@ -12,8 +12,7 @@
 #include "component/quillon_interfaces.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
-#include "tests/component/fake_platform.h"
-#include "tests/component/quillon_library.h"
+#include "tests/component/library_test.h"
 #include "tests/component/recorded_calls.h"
 
 namespace quillon::component::test {
@@ -25,9 +24,6 @@ using automation::LiveCount;
 using automation::Variant;
 using automation::test::ComScope;
 namespace {
-
-constexpr CLSID filterControl = {0xca218940, 0x7a13, 0x4cca, {0xb5, 0xbd, 0x73, 0x78, 0x95, 0x93, 0xd6, 0xf5}};
-constexpr const char* voucherReport = "3D1986A9-884B-4835-B4AA-DCCBD2E1487C";
 
 // How this dialog starts.
 const Calls dialogOpened = joined(connectionAndRights(), {"Filter.FilterId"});
@@ -53,11 +49,9 @@ const std::string typesOfIndustry =
 const std::string typesOfOthers =
     "'05','06','08','09','20','21','22','24','25','26','27','28','29','32','35','EX26','EX27'";
 
-class VoucherDialogRun : public testing::Test {
+class VoucherDialogRun : public LibraryTest {
  protected:
-  LateBound control() const { return {library.create<IDispatch>(filterControl), "clsWtFilterControl"}; }
-
-  QuillonLibrary library;
+  LateBound control() const { return make(classes::wtFilterControl, "clsWtFilterControl"); }
 };
 
 TEST_F(VoucherDialogRun, ADialogOfAnotherReportIsConnectedAndFreedOfDataRights) {
@@ -76,7 +70,7 @@ TEST_F(VoucherDialogRun, CallsThePlatformInOrder) {
   Recorder recorder;
   FakePlatform platform(recorder);
   const auto dialog =
-      platform.dialog(voucherReport, {{"cBusType", "", ""}, {"CVOUTYPE", "", ""}, {"cVouType", "", ""}});
+      platform.dialog(dialog_of::voucherReport, {{"cBusType", "", ""}, {"CVOUTYPE", "", ""}, {"cVouType", "", ""}});
   EXPECT_EQ(control().get(L"CallBack_FilterInit", {dialog}).vt, VT_EMPTY);
   EXPECT_EQ(recorder.calls,
             joined(dialogOpened, {"Login.LanguageRegion",
@@ -114,7 +108,7 @@ TEST_F(VoucherDialogRun, OtherEditionsHaveNeitherFinishedGoodsReceiptsNorMateria
     Recorder recorder;
     FakePlatform platform(recorder);
     platform.edition = edition;
-    const auto dialog = platform.dialog(voucherReport, {{"cVouType", "", ""}});
+    const auto dialog = platform.dialog(dialog_of::voucherReport, {{"cVouType", "", ""}});
     control().call(L"CallBack_FilterInit", {dialog});
     EXPECT_EQ(changes(recorder).front(), "Item.ListSource = \"" + voucherTypes(typesOfOthers) + "\"") << edition;
   }
@@ -134,7 +128,7 @@ TEST_F(VoucherDialogRun, TheValuationMethodDecidesAboutWarehouseAndDepartment) {
     Recorder recorder;
     FakePlatform platform(recorder);
     platform.valuationMethod = method;
-    control().call(L"CallBack_FilterInit", {platform.dialog(voucherReport, {})});
+    control().call(L"CallBack_FilterInit", {platform.dialog(dialog_of::voucherReport, {})});
     EXPECT_EQ(changes(recorder), joined(freed, locked)) << method;
   }
 }
@@ -144,7 +138,7 @@ TEST_F(VoucherDialogRun, WithoutAResourceServiceCodesStandForTheirNames) {
   Recorder recorder;
   FakePlatform platform(recorder);
   platform.withoutResourceService();
-  control().call(L"CallBack_FilterInit", {platform.dialog(voucherReport, {{"cVouType", "", ""}})});
+  control().call(L"CallBack_FilterInit", {platform.dialog(dialog_of::voucherReport, {{"cVouType", "", ""}})});
   EXPECT_TRUE(changes(recorder).front().starts_with(
       "Item.ListSource = \"select cVouchType as [单据编码] ,EnumName  As [单据类型] from VouchType "))
       << changes(recorder).front();
@@ -167,7 +161,7 @@ TEST_F(VoucherDialogRun, AClassRestrictsTheLookupOfItsCodes) {
       {"Vendor.cVCCode", "", "\"Vendor.cVenCode\", \" #FN[cVCCode]=''\", True"}};
   for (const auto& [changed, value, told] : lookups) {
     recorder.calls.clear();
-    control.call(L"CallBack_ValueChange", {changed, platform.dialog(voucherReport, {{changed, value, ""}})});
+    control.call(L"CallBack_ValueChange", {changed, platform.dialog(dialog_of::voucherReport, {{changed, value, ""}})});
     EXPECT_EQ(recorder.calls, (Calls{"Filter.FilterList", "FilterList.Item(\"" + changed + "\")", "Item.varValue",
                                      "Filter.SetItemLookupConditionOfValue(" + told + ")"}));
   }
@@ -178,7 +172,7 @@ TEST_F(VoucherDialogRun, OtherKeysAndOtherSpellingsChangeNothing) {
   Recorder recorder;
   FakePlatform platform(recorder);
   const LateBound control = this->control();
-  const auto dialog = platform.dialog(voucherReport, {{"Vendor.cVCCode", "03", ""}});
+  const auto dialog = platform.dialog(dialog_of::voucherReport, {{"Vendor.cVCCode", "03", ""}});
   for (const char* key : {"vendor.cvccode", "Vendor.cVenCode", "cVCCode", "cVouType", ""})
     control.call(L"CallBack_ValueChange", {key, dialog});
   EXPECT_TRUE(recorder.calls.empty());
@@ -191,8 +185,8 @@ TEST_F(VoucherDialogRun, ConfirmingIsAlwaysAcceptedAndCancelLeftAlone) {
   const LateBound control = this->control();
   for (const bool before : {false, true}) {
     Variant cancel(before);
-    const Variant accepted =
-        control.get(L"CallBack_FilterClick", {platform.dialog(voucherReport, {}), Variant::reference(cancel)});
+    const Variant accepted = control.get(L"CallBack_FilterClick",
+                                         {platform.dialog(dialog_of::voucherReport, {}), Variant::reference(cancel)});
     EXPECT_EQ(accepted.vt, VT_BOOL);
     EXPECT_EQ(accepted.boolVal, VARIANT_TRUE);
     EXPECT_EQ(cancel.vt, VT_BOOL);
@@ -205,7 +199,7 @@ TEST_F(VoucherDialogRun, EarlyBoundCallersGetTheSame) {
   const ComScope apartment;
   Recorder recorder;
   FakePlatform platform(recorder);
-  const auto control = library.create<_clsWtFilterControl>(filterControl);
+  const auto control = library.create<_clsWtFilterControl>(classes::wtFilterControl);
   ASSERT_TRUE(control);
   Bstr language(std::string_view("en-US"));
   Bstr read;
@@ -216,7 +210,7 @@ TEST_F(VoucherDialogRun, EarlyBoundCallersGetTheSame) {
   EXPECT_EQ(read.utf8(), "en-US");
 
   const ComPtr<FakeObject> object =
-      platform.dialog(voucherReport, {{"cVouType", "", ""}, {"Vendor.cVCCode", "03", ""}});
+      platform.dialog(dialog_of::voucherReport, {{"cVouType", "", ""}, {"Vendor.cVCCode", "03", ""}});
   IDispatch* dialog = object.get();
   Variant result("what was there before");
   EXPECT_EQ(control->CallBack_FilterInit(&dialog, result.out()), S_OK);
@@ -267,12 +261,12 @@ std::size_t runDialog(const QuillonLibrary& library, std::size_t failAt) {
     const ComScope apartment;
     FakePlatform platform(recorder);
     platform.valuationMethod = "按部门核算";
-    const LateBound control(library.create<IDispatch>(filterControl), "clsWtFilterControl");
+    const LateBound control(library.create<IDispatch>(classes::wtFilterControl), "clsWtFilterControl");
     const std::vector<std::string> classes = {"Inventory.cInvCCode", "Customer.cCCCode", "Vendor.cVCCode"};
     std::vector<FakeItem> items = {{"cBusType", "", ""}, {"cVouType", "", ""}};
     for (const std::string& key : classes)
       items.push_back({key, "01", ""});
-    const ComPtr<FakeObject> dialog = platform.dialog(voucherReport, items);
+    const ComPtr<FakeObject> dialog = platform.dialog(dialog_of::voucherReport, items);
     Variant cancel(false);
     try {
       control.call(L"CallBack_FilterInit", {dialog});

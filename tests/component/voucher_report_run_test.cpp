@@ -12,8 +12,7 @@
 #include "component/quillon_interfaces.h"
 #include "frame/automation_error.h"
 #include "tests/automation/com_scope.h"
-#include "tests/component/fake_platform.h"
-#include "tests/component/quillon_library.h"
+#include "tests/component/library_test.h"
 #include "tests/component/recorded_calls.h"
 
 namespace quillon::component::test {
@@ -26,8 +25,6 @@ using automation::makeObject;
 using automation::Variant;
 using automation::test::ComScope;
 namespace {
-
-constexpr CLSID voucherReport = {0xc16213bb, 0x4741, 0x47cf, {0x9e, 0xac, 0x1f, 0xca, 0xb4, 0x7e, 0x3e, 0x06}};
 
 // Two voucher types of one flavour each, an accounting voucher, a batch, and a key that is a column of the ledger.
 const std::vector<FakeItem> filterOfTypes = {
@@ -65,25 +62,18 @@ const Calls sessionOpened = {"e.rawFilter",
                              "e.LangID",
                              "new IA_Pub.ClsIAPub"};
 
-class VoucherReportRun : public testing::Test {
+class VoucherReportRun : public LibraryTest {
  protected:
-  LateBound report() const { return {library.create<IDispatch>(voucherReport), "clsFXWt"}; }
+  LateBound report() const { return make(classes::fxWt, "clsFXWt"); }
 
-  static Calls statements(const Recorder& recorder) {
-    Calls sent;
-    std::ranges::copy_if(recorder.calls, std::back_inserter(sent),
-                         [](const std::string& call) { return call.starts_with("Connection.Execute"); });
-    return sent;
-  }
-
-  QuillonLibrary library;
+  static Calls statements(const Recorder& recorder) { return callsOn(recorder, {"Connection.Execute"}); }
 };
 
 // --- What the instance stores ---------------------------------------------------------------------------------------
 
 TEST_F(VoucherReportRun, KeepsItsProperties) {
   const ComScope apartment;
-  const auto report = library.create<_clsFXWt>(voucherReport);
+  const auto report = library.create<_clsFXWt>(classes::fxWt);
   ASSERT_TRUE(report);
   Bstr language(std::string_view("en-US"));
   Bstr table(std::string_view("表"));
@@ -107,7 +97,7 @@ TEST_F(VoucherReportRun, KeepsItsProperties) {
 TEST_F(VoucherReportRun, GivesBackTheVeryFilterObjectAndReleasesIt) {
   const ComScope apartment;
   Recorder recorder;
-  const auto report = library.create<_clsFXWt>(voucherReport);
+  const auto report = library.create<_clsFXWt>(classes::fxWt);
   ASSERT_TRUE(report);
   ComPtr<IDispatch> filter;
   EXPECT_EQ(report->get_objFilter(filter.out()), S_OK);
@@ -263,7 +253,7 @@ TEST_F(VoucherReportRun, WithoutNamingOfThePlatformTheReportIsMadeAllTheSame) {
 
 TEST_F(VoucherReportRun, AMissingVariableIsAnErrorAndNoCrash) {
   const ComScope apartment;
-  const auto report = library.create<_clsFXWt>(voucherReport);
+  const auto report = library.create<_clsFXWt>(classes::fxWt);
   ASSERT_TRUE(report);
   EXPECT_EQ(report->MoveDataDetail(nullptr), E_POINTER);
   IDispatch* nothing = nullptr;
@@ -279,7 +269,7 @@ TEST_F(VoucherReportRun, ARowOpensItsSourceDocumentByTheTypesCode) {
   const ComScope apartment;
   Recorder recorder;
   FakePlatform platform(recorder);
-  platform.row = {{"cVouType", "32"}, {"cVouCode", "0007"}, {"iPZID", 17}, {"ID", 815}, {"cPZID", "p1"}};
+  platform.row = voucherRow("32", "0007");
   const auto e = platform.argument({});
   LateBound(e, "e").put(bindings::argument::action, "Vouch");
   report().call(L"Execute", {e});
@@ -296,7 +286,7 @@ TEST_F(VoucherReportRun, ARowOpensItsAccountingVoucher) {
     if (sql.starts_with("Select iYear From IA_ENSubSidiary ")) return {{2024}};
     return {};
   };
-  platform.row = {{"cVouType", "32"}, {"cVouCode", "0007"}, {"iPZID", 17}, {"ID", 815}, {"cPZID", "p1"}};
+  platform.row = voucherRow("32", "0007");
   report().call(L"Execute", {platform.argument({})});
   EXPECT_EQ(recorder.calls.back(), "ZzPz.StartUpPz(\"*IACXPZ\", \"存货核算\", \"17\")");
 }
@@ -317,10 +307,10 @@ std::size_t runOnce(const QuillonLibrary& library, std::size_t failAt, Member me
       if (sql.starts_with("Select iYear From IA_SubSidiary ")) return {{2024}};
       return {};
     };
-    platform.row = {{"cVouType", "32"}, {"cVouCode", "7"}, {"iPZID", 17}, {"ID", 815}, {"cPZID", "p1"}};
+    platform.row = voucherRow("32", "7");
     const auto e = platform.argument(filterOfTypes);
     if (member == Member::sourceVoucher) LateBound(e, "e").put(bindings::argument::action, "Vouch");
-    const LateBound report(library.create<IDispatch>(voucherReport), "clsFXWt");
+    const LateBound report(library.create<IDispatch>(classes::fxWt), "clsFXWt");
     recorder.calls.clear();
     recorder.failAt = failAt;
     try {
