@@ -2,25 +2,18 @@
 # quillon.exe is killed at nine moments of its run while it writes an account, and while a report takes the place of an older
 # file: the name is then free, or has all of the file, old or new; and what was left does not harm the next run.
 # Usage: killed_program.sh QUILLON_EXE
-set -euo pipefail
-quillon=$1
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../.." && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-fail() {
-  echo "failed: $*"
-  exit 1
-}
-run() { "$root/tools/wine.sh" "$quillon" "$@" </dev/null >"$work/output" 2>&1; }
+# shellcheck source=program_under_wine.sh
+source "$(dirname "${BASH_SOURCE[0]}")/program_under_wine.sh"
+run() { "${program[@]}" "$@" >"$work/output" 2>&1; }
 # Usage: killed_after SECONDS ARGUMENT...; true when the program was still at work.
 killed_after() {
-  local delay=$1 program
+  local delay=$1 process
   shift
-  "$root/tools/wine.sh" "$quillon" "$@" </dev/null >"$work/output" 2>&1 &
-  program=$!
+  "${program[@]}" "$@" >"$work/output" 2>&1 &
+  process=$!
   sleep "$delay"
-  kill -9 "$program" 2>/dev/null || true
-  ! wait "$program" 2>/dev/null
+  kill -9 "$process" 2>/dev/null || true
+  ! wait "$process" 2>/dev/null
 }
 account="Z:$work/killed.account"
 new_account=(account new "$account" --rows 3000 --seed 2)

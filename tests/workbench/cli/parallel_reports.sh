@@ -2,24 +2,16 @@
 # Eight quillon.exe at once on one account, through COM: each of the four reports comes out as it does alone, and the account
 # is as it was.
 # Usage: parallel_reports.sh QUILLON_EXE
-set -euo pipefail
-quillon=$1
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../.." && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-fail() {
-  echo "failed: $*"
-  exit 1
-}
+# shellcheck source=program_under_wine.sh
+source "$(dirname "${BASH_SOURCE[0]}")/program_under_wine.sh"
 account="Z:$work/shared.account"
-run() { "$root/tools/wine.sh" "$quillon" "$@" </dev/null; }
 report() { # NAME OUTPUT
   local settings=()
   [ "$1" != fx-detail ] || settings=(--set cInvCode=0402-00019 --set cWhCode=04)
-  run report "$1" --account "$account" "${settings[@]}" --format csv -o "Z:$work/$2" >"$work/$2.log" 2>&1
+  "${program[@]}" report "$1" --account "$account" "${settings[@]}" --format csv -o "Z:$work/$2" >"$work/$2.log" 2>&1
 }
 
-run account new "$account" --rows 1000 --seed 5 --years 1 >"$work/new.log" 2>&1 || fail "$(cat "$work/new.log")"
+"${program[@]}" account new "$account" --rows 1000 --seed 5 --years 1 >"$work/new.log" 2>&1 || fail "$(cat "$work/new.log")"
 cp "$work/shared.account" "$work/before"
 for name in sfc-item outsum-item fx-detail fx-wt; do
   report "$name" alone.csv || fail "$name alone: $(cat "$work/alone.csv.log")"
