@@ -140,6 +140,7 @@ Report fxDetail() {
           .make = makeCoreReport<FxDetail>,
           .dialog = &detailDialog(),
           .columns = fxDetailColumns(),
+          .layouts = {Layout::ledger, Layout::columnar, Layout::lines},
           .isLedger = true,
           .joinKeys = fxDetailKeys(),
           .documentColumns = documentColumns,

@@ -204,6 +204,8 @@ Report fxWt() {
           .dialog = &voucherDialog(),
           .columns = fxWtColumns(),
           .order = orderByLine,
+          .layouts = {Layout::vouchers, Layout::lines},
+          .lineOrder = orderByDocument,
           .crossStates = fxWtStates,
           .joinKeys = fxWtKeys(),
           .documentColumns = documentColumns,

@@ -230,6 +230,9 @@ Report outsumItem() {
       .make = makeCoreReport<OutsumItem>,
       .dialog = &summaryDialog(),
       .columns = outsumItemColumns(),
+      .layouts = {Layout::summary, Layout::tree, Layout::lines},
+      .lineOrder = orderByDocument,
+      .treeLevels = summaryTreeLevels,
       .crossStates = outsumItemStates,
       .joinKeys = outsumItemKeys(),
   };

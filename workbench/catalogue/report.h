@@ -30,6 +30,14 @@ struct Report {
   // The columns of its result table, in the order in which table and page show them.
   std::vector<ReportColumn> columns;
   RowOrder order = orderByPlace;
+  // The layouts that it can be shown in; the first is shown unless another is asked for.
+  std::vector<Layout> layouts;
+  // What the rows of the layouts are ordered by where these have no order of their own.
+  RowOrder lineOrder = orderByInventory;
+  // The levels of its tree below the classes, for a report mode.
+  std::vector<TreeLevel> (*treeLevels)(std::string_view mode) = nullptr;
+  // Columns that its lines do not show in a report mode: figures of the whole ledger line, of which a row is a part.
+  std::span<const std::string_view> (*notInLines)(std::string_view mode) = nullptr;
   // The states of the cross view for a report mode (the value of cModal), which sums by the columns cFXCode and cFXName of
   // the result table. Nothing: the report has no cross view.
   std::vector<CrossState> (*crossStates)(std::string_view mode) = nullptr;

@@ -180,6 +180,14 @@ std::vector<CrossState> sfcItemStates(std::string_view mode) {
   return result;
 }
 
+// By cost item or class a row is one state of a line, and these stand on each of its rows.
+std::span<const std::string_view> wholeLineFigures(std::string_view mode) {
+  static constexpr std::array<std::string_view, 8> figures = {"iQcQuantity",  "iQcMoney",  "iInQuantity", "iInMoney",
+                                                              "iOutQuantity", "iOutMoney", "iQmQuantity", "iQmMoney"};
+  if (mode == "2") return {};
+  return figures;
+}
+
 // The keys by which the build joins, in its order.
 std::vector<account::JoinKey> sfcItemKeys() {
   return {{"ia_subsidiary", "AutoID"},
@@ -206,6 +214,9 @@ Report sfcItem() {
       .make = makeCoreReport<SfcItem>,
       .dialog = &summaryDialog(),
       .columns = sfcItemColumns(),
+      .layouts = {Layout::summary, Layout::tree, Layout::lines},
+      .treeLevels = summaryTreeLevels,
+      .notInLines = wholeLineFigures,
       .crossStates = sfcItemStates,
       .joinKeys = sfcItemKeys(),
   };

@@ -1,0 +1,39 @@
+#include "workbench/presentation/exact_sum.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "workbench/tsql/values/exact.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+tsql::Type exactType(int scale) {
+  return {.kind = tsql::Kind::decimal, .precision = tsql::maxPrecision, .scale = scale};
+}
+
+tsql::Exact exactOf(const tsql::Value& value) {
+  if (const auto* exact = std::get_if<tsql::Exact>(&value)) return *exact;
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) return {.units = *integer, .scale = 0};
+  throw std::invalid_argument("only exact numbers are summed");
+}
+
+}  // namespace
+
+void ExactSum::put(const tsql::Value& value, bool negative) {
+  if (tsql::isNull(value)) return;
+  const tsql::Exact number = exactOf(value);
+  const tsql::Type type = exactType(std::max(sum_.scale, number.scale));
+  sum_ = negative ? tsql::subtract(sum_, number, type) : tsql::add(sum_, number, type);
+}
+
+tsql::Value unitCostOf(const ExactSum& amount, const ExactSum& quantity, int decimals) {
+  if (quantity.isZero()) return {};
+  // One decimal more than is kept: a quotient is cut, and what is cut off behind that digit cannot turn the rounding.
+  const tsql::Exact quotient = tsql::divide(amount.exact(), quantity.exact(), exactType(decimals + 1));
+  const auto units = tsql::rescale(quotient.units, decimals + 1, decimals, tsql::Rounding::halfAway);
+  return tsql::Exact{.units = units.value(), .scale = decimals};
+}
+
+}  // namespace quillon::workbench
