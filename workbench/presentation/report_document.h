@@ -19,6 +19,9 @@ struct ReportDocument {
   std::string report;                                           // "sfc-item"
   std::string title;                                            // in the language
   std::vector<std::pair<std::string, std::string>> conditions;  // caption and what was entered
+  std::string company;                                          // whose account it is
+  std::string period;                                           // the year or the days that it is about
+  std::string printed;                                          // the day on which it was written, yyyy-mm-dd
   int quantityDecimals = 2;                                     // the account's
   std::vector<ReportColumn> columns;                            // those that are shown, of the filled ones
   std::size_t columnsLeftOut = 0;                               // the filled ones that are not shown
