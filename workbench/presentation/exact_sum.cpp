@@ -13,7 +13,7 @@ tsql::Type exactType(int scale) {
   return {.kind = tsql::Kind::decimal, .precision = tsql::maxPrecision, .scale = scale};
 }
 
-tsql::Exact exactOf(const tsql::Value& value) {
+tsql::Exact summable(const tsql::Value& value) {
   if (const auto* exact = std::get_if<tsql::Exact>(&value)) return *exact;
   if (const auto* integer = std::get_if<std::int64_t>(&value)) return {.units = *integer, .scale = 0};
   throw std::invalid_argument("only exact numbers are summed");
@@ -23,7 +23,7 @@ tsql::Exact exactOf(const tsql::Value& value) {
 
 void ExactSum::put(const tsql::Value& value, bool negative) {
   if (tsql::isNull(value)) return;
-  const tsql::Exact number = exactOf(value);
+  const tsql::Exact number = summable(value);
   const tsql::Type type = exactType(std::max(sum_.scale, number.scale));
   sum_ = negative ? tsql::subtract(sum_, number, type) : tsql::add(sum_, number, type);
 }

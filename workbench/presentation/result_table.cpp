@@ -41,12 +41,13 @@ bool hasColumn(std::span<const tsql::Column> columns, std::string_view name) {
 
 }  // namespace
 
-std::int64_t ResultTable::rowCount() const {
-  const auto cursor = account_.query("Select Count(*) From " + name_);
+std::int64_t ResultTable::rowCount(const std::string& where) const {
+  const auto cursor = account_.query("Select Count(*) From " + name_ + " Where " + where);
   return cursor->next() ? std::get<std::int64_t>(cursor->value(0)) : 0;
 }
 
-std::vector<ReportColumn> ResultTable::filledColumns(std::span<const ReportColumn> known) const {
+std::vector<ReportColumn> ResultTable::filledColumns(std::span<const ReportColumn> known,
+                                                     const std::string& where) const {
   const std::vector<tsql::Column> present = account_.describe(name_);
   std::vector<ReportColumn> candidates;
   std::string list;
@@ -55,7 +56,7 @@ std::vector<ReportColumn> ResultTable::filledColumns(std::span<const ReportColum
     candidates.push_back(column);
     list += (list.empty() ? "" : ", ") + ("Max(Case When " + filledTest(column) + " Then 1 Else 0 End)");
   }
-  const auto cursor = account_.query("Select " + list + " From " + name_);
+  const auto cursor = account_.query("Select " + list + " From " + name_ + " Where " + where);
   std::vector<ReportColumn> filled;
   if (!cursor->next()) return filled;
   for (std::size_t i = 0; i < candidates.size(); ++i) {

@@ -35,11 +35,15 @@ class ResultTable {
 
   const std::string& name() const { return name_; }
   bool exists() const { return !account_.describe(name_).empty(); }
-  std::int64_t rowCount() const;
+  // Its columns as they are declared.
+  std::vector<tsql::Column> columns() const { return account_.describe(name_); }
+  // The rows that meet a condition.
+  std::int64_t rowCount(const std::string& where = "1 = 1") const;
 
-  // The columns of `known` that the table has and that hold something: a text that is not empty, a date, a number other
-  // than zero. Internal columns are left out.
-  std::vector<ReportColumn> filledColumns(std::span<const ReportColumn> known) const;
+  // The columns of `known` that the table has and that hold something in the rows that meet a condition: a text that is not
+  // empty, a date, a number other than zero. Internal columns are left out.
+  std::vector<ReportColumn> filledColumns(std::span<const ReportColumn> known,
+                                          const std::string& where = "1 = 1") const;
   // One exact text a column of `columns`: the sum of a summed column, nullopt for the others.
   std::vector<std::optional<std::string>> totals(std::span<const ReportColumn> columns) const;
   // The sums of `states` by cost item.
@@ -55,6 +59,9 @@ class ResultTable {
   // item. Behind `columns` stand two more: the kind of the row (Datatype) and, of a movement, whether its ledger line is
   // a receipt.
   std::unique_ptr<tsql::Cursor> ledgerRows(std::span<const ReportColumn> columns) const;
+
+  // A statement over the table and the account's others. Destroy the cursor before the next one.
+  std::unique_ptr<tsql::Cursor> query(const std::string& statement) const { return account_.query(statement); }
 
   // Drops the table if it exists.
   void drop();

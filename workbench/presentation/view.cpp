@@ -34,7 +34,7 @@ void markFilled(std::vector<bool>& filled, const View& view, const ViewRow& row)
 }
 
 template <typename Items>
-Items chosen(const Items& items, const std::vector<bool>& kept) {
+Items keptOf(const Items& items, const std::vector<bool>& kept) {
   Items result;
   for (std::size_t i = 0; i < items.size(); ++i) {
     if (kept[i]) result.push_back(items[i]);
@@ -43,15 +43,14 @@ Items chosen(const Items& items, const std::vector<bool>& kept) {
 }
 
 // The rows of another view with some of their cells.
-class ChosenCells final : public ViewRows {
+class KeptCells final : public ViewRows {
  public:
-  ChosenCells(std::unique_ptr<ViewRows> rows, std::vector<bool> kept)
-      : rows_(std::move(rows)), kept_(std::move(kept)) {}
+  KeptCells(std::unique_ptr<ViewRows> rows, std::vector<bool> kept) : rows_(std::move(rows)), kept_(std::move(kept)) {}
 
   bool next() override {
     if (!rows_->next()) return false;
     row_ = rows_->row();
-    row_.cells = chosen(row_.cells, kept_);
+    row_.cells = keptOf(row_.cells, kept_);
     return true;
   }
   const ViewRow& row() const override { return row_; }
@@ -62,13 +61,13 @@ class ChosenCells final : public ViewRows {
   ViewRow row_;
 };
 
-View withColumns(View view, const std::vector<bool>& kept) {
+View keeping(View view, const std::vector<bool>& kept) {
   if (std::ranges::find(kept, false) == kept.end()) return view;
-  view.columns = chosen(view.columns, kept);
+  view.columns = keptOf(view.columns, kept);
   for (ViewRow& row : view.totals)
-    row.cells = chosen(row.cells, kept);
+    row.cells = keptOf(row.cells, kept);
   view.rows = [rows = std::move(view.rows), kept]() -> std::unique_ptr<ViewRows> {
-    return std::make_unique<ChosenCells>(rows(), kept);
+    return std::make_unique<KeptCells>(rows(), kept);
   };
   return view;
 }
@@ -97,7 +96,7 @@ View limited(const View& view, std::int64_t limit) {
   }
   View shown = view;
   shown.rows = heldRows(std::move(rows));
-  return withColumns(std::move(shown), filled);
+  return keeping(std::move(shown), filled);
 }
 
 View withoutEmptyColumns(View view) {
@@ -106,7 +105,7 @@ View withoutEmptyColumns(View view) {
     markFilled(filled, view, source->row());
   for (const ViewRow& row : view.totals)
     markFilled(filled, view, row);
-  return withColumns(std::move(view), filled);
+  return keeping(std::move(view), filled);
 }
 
 }  // namespace quillon::workbench
