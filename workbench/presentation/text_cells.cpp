@@ -51,10 +51,11 @@ std::string oneLine(std::string_view text) {
   return line;
 }
 
-std::string shortened(std::string_view text, std::size_t cellCount) {
+std::string shortened(std::string_view text, std::size_t cellCount, std::string_view mark) {
   if (cellWidth(text) <= cellCount) return std::string(text);
-  constexpr std::string_view mark = "...";
-  const std::size_t room = cellCount > mark.size() ? cellCount - mark.size() : 0;
+  const std::size_t markWidth = cellWidth(mark);
+  if (markWidth > cellCount) mark = {};
+  const std::size_t room = cellCount - (mark.empty() ? 0 : markWidth);
   std::string_view rest = text;
   std::size_t width = 0;
   while (true) {

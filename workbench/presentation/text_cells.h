@@ -18,7 +18,8 @@ std::size_t cellWidth(std::string_view text);
 // `text` as one line: each control character becomes a blank.
 std::string oneLine(std::string_view text);
 
-// The front of `text` that fits in `cells`; what was cut is marked with "...".
-std::string shortened(std::string_view text, std::size_t cells);
+// The front of `text` that fits in `cells`; what was cut is marked with `mark`, which is left out where even that does
+// not fit.
+std::string shortened(std::string_view text, std::size_t cells, std::string_view mark = "...");
 
 }  // namespace quillon::workbench

@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "workbench/presentation/text_table.h"
-
-#include <sstream>
-
 namespace quillon::workbench {
 namespace {
 
@@ -48,49 +44,12 @@ TEST(Shortened, CutsBetweenCharacters) {
   EXPECT_EQ(shortened("a成本项目分类", 10), "a成本项...");
 }
 
-TEST(TextTable, AlignsByCells) {
-  std::ostringstream out;
-  TextTable table(out, {{"名称"}, {"数量", Align::right}, {"unit"}});
-  table.row({"螺栓", "1,200.00", "个"});
-  table.row({"Bolt M8", "3.50", ""});
-  table.rule();
-  table.row({"合计", "1,203.50", ""});
-  table.finish();
-  EXPECT_EQ(out.str(),
-            "名称         数量  unit\n"
-            "-------  --------  ----\n"
-            "螺栓     1,200.00  个\n"
-            "Bolt M8      3.50\n"
-            "-------  --------  ----\n"
-            "合计     1,203.50\n");
-}
-
-TEST(TextTable, ShowsItsHeadingsWithoutRows) {
-  std::ostringstream out;
-  TextTable table(out, {{"a"}, {"b"}});
-  table.finish();
-  EXPECT_EQ(out.str(), "a  b\n-  -\n");
-}
-
-TEST(TextTable, KeepsARowOnOneLine) {
-  std::ostringstream out;
-  TextTable table(out, {{"a"}});
-  table.row({"one\ntwo"});
-  table.finish();
-  EXPECT_EQ(out.str(), "a\n-------\none two\n");
-}
-
-TEST(TextTable, HoldsNoMoreThanTheSampledRows) {
-  std::ostringstream out;
-  TextTable table(out, {{"a"}, {"b"}});
-  for (std::size_t i = 0; i < TextTable::sampledRows; ++i) {
-    EXPECT_EQ(out.str(), "");
-    table.row({"x", "y"});
-  }
-  EXPECT_NE(out.str(), "");
-  out.str("");
-  table.row({"wider than the column", "y"});
-  EXPECT_EQ(out.str(), "wider than the column  y\n");
+TEST(Shortened, TakesAnotherMark) {
+  EXPECT_EQ(shortened("1234567890", 5, "…"), "1234…");
+  EXPECT_EQ(shortened("成本项目", 5, "…"), "成本…");
+  EXPECT_EQ(shortened("成本项目", 1, "…"), "…");
+  EXPECT_EQ(shortened("成本项目", 0, "…"), "");
+  EXPECT_EQ(shortened("123456", 2), "12") << "the mark itself does not fit";
 }
 
 }  // namespace
