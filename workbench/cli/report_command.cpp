@@ -1,7 +1,6 @@
 #include "workbench/cli/report_command.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -14,64 +13,43 @@
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_comparison.h"
+#include "workbench/cli/report_layouts.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/cli/standard_streams.h"
-#include "workbench/platform/embedded_platform.h"
-#include "workbench/platform/filter_input.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/html_page.h"
 #include "workbench/presentation/output_file.h"
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/report_output.h"
+#include "workbench/presentation/report_table.h"
+#include "workbench/presentation/view_files.h"
 #include "workbench/presentation/xlsx_workbook.h"
-#include "workbench/tsql/values/text.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
+void writeHtml(std::ostream&, const LaidOutReport&);void writeXlsx(const std::filesystem::path&, const LaidOutReport&);
 namespace {
 
-std::string entered(FilterObject& filter, std::string_view key) {
-  const FilterEntry* entry = filter.find(key);
-  return entry == nullptr ? "" : entry->value;
+// Whether the format is for programs: the rows of the result table as they are, unless a layout is asked for.
+bool isForPrograms(ReportFormat format) {
+  return format == ReportFormat::csv || format == ReportFormat::json;
 }
 
-// The heading's conditions: year, mode and, by class, the grade, or the ledger's breakdown; then whatever differs from
-// its default.
-std::vector<std::pair<std::string, std::string>> conditions(FilterObject& filter, Language language) {
-  const bool byClass = entered(filter, "cModal") == "0";
-  std::vector<std::pair<std::string, std::string>> lines;
-  for (const auto& entry : filter.entries()) {
-    const std::string& key = entry->item.key;
-    const bool always = key == "iYear" || key == "cModal" || key == "cCaType" || (key == "iGrade" && byClass);
-    const bool upperBound = !entry->value2.empty() && entry->value2 != entry->value;
-    const bool changed = entry->value != entry->item.defaultValue || upperBound || !entry->sql.empty();
-    if (!always && !changed) continue;
-    const std::string text = describeEntry(*entry, language);
-    if (!text.empty()) lines.emplace_back(entry->item.caption(language), text);
-  }
-  return lines;
+// A page is read, not loaded: it shows this many lines unless more are asked for.
+constexpr std::int64_t linesOfAPage = 2000;
+
+LayoutOptions layoutOptions(const ReportOptions& options) {
+  LayoutOptions layout = options.layout;
+  if (!layout.limit && options.format == ReportFormat::html) layout.limit = linesOfAPage;
+  if (layout.limit == 0) layout.limit.reset();  // as many as there are
+  // Columns, order and conditions alone are of the rows.
+  if (!layout.layout && isForPrograms(options.format)) layout.layout = Layout::lines;
+  return layout;
 }
 
-// The account's option `name` of system AA, a number of decimals.
-int decimals(Session& session, std::string_view name, int otherwise) {
-  const std::string text = AccountPublicComponent().accountInformation("AA", name, session);
-  return std::clamp(tsql::text::leadingNumber(text).value_or(otherwise), 0, 6);
-}
-
-constexpr Caption inventoryNameCaption{"存货名称", "Inventory name"};
-
-// The name of the inventory that a ledger is of; empty when the account does not have it.
-std::string inventoryName(Session& session, const std::string& code) {
-  return lookUp(session, "Select cInvName From Inventory Where cInvCode = " + quotedText(code)).value_or("");
-}
-
-bool shownWhenAsked(const ReportColumn& column) {
-  return column.role == ColumnRole::userDefined || column.role == ColumnRole::further;
-}
-
-// What every format but CSV shows.
-ReportDocument heading(const ReportOptions& options, const MadeReport& report) {
+// Title and captions, for programs.
+ReportDocument bareHeading(const ReportOptions& options, const MadeReport& report) {
   ReportDocument document;
   document.language = options.language;
   document.report = report.report().registration.name;
@@ -79,47 +57,39 @@ ReportDocument heading(const ReportOptions& options, const MadeReport& report) {
   return document;
 }
 
-// What a reader sees, with conditions, captions and sums.
-ReportDocument readersDocument(const ReportOptions& options, const MadeReport& report, const ResultTable& table) {
-  ReportDocument document = heading(options, report);
-  document.conditions = conditions(report.filter(), options.language);
-  Session& session = *report.account().session;
-  document.quantityDecimals = decimals(session, "iStrsQuanDecDgt", document.quantityDecimals);
-  document.unitCostDecimals = decimals(session, "iStrsPriDecDgt", document.unitCostDecimals);
-  document.columns = table.filledColumns(report.report().columns);
-  if (!options.allColumns) document.columnsLeftOut = std::erase_if(document.columns, shownWhenAsked);
-  document.rowCount = table.rowCount();
-  document.ledger = report.report().isLedger;
-  if (report.report().isLedger) {
-    document.conditions.emplace_back(document.text(inventoryNameCaption),
-                                     inventoryName(session, entered(report.filter(), "cInvCode")));
+void writeForPrograms(const ReportOptions& options, const MadeReport& report, std::ostream& out) {
+  const CsvStyle style{.captions = options.captions, .bom = options.bom};
+  if (options.layout.asStored()) {
+    const ResultTable table = report.table();
+    if (options.format == ReportFormat::csv) {
+      writeCsv(out, table, report.report().columns, style, options.language);
+    } else {
+      writeJson(out, bareHeading(options, report), table, report.report().columns);
+    }
+    return;
+  }
+  const LaidOutReport laid = laidOut(report, options.language, layoutOptions(options), false);
+  if (laid.sections.empty()) throw UserError("no rows meet the conditions, and so there is nothing to lay out");
+  if (options.format == ReportFormat::csv) {
+    writeCsv(out, laid.heading, laid.sections.front(), style);
   } else {
-    document.totals = table.totals(document.columns);
+    writeJson(out, laid.heading, laid.sections.front());
   }
-  if (const auto crossStates = report.report().crossStates) {
-    document.crossStates = crossStates(entered(report.filter(), "cModal"));
-    document.cross = table.crossView(document.crossStates);
-  }
-  return document;
 }
 
 void write(const ReportOptions& options, const MadeReport& report, std::ostream& out) {
-  const ResultTable table = report.table();
-  if (options.format == ReportFormat::csv) {
-    writeCsv(out, table);
-  } else if (options.format == ReportFormat::json) {
-    writeJson(out, heading(options, report), table, report.report().columns);
+  if (isForPrograms(options.format)) {
+    writeForPrograms(options, report, out);
   } else if (options.format == ReportFormat::html) {
-    writeHtml(out, readersDocument(options, report, table), table, options.limit);
+    writeHtml(out, laidOut(report, options.language, layoutOptions(options), false));
   } else {
-    writeTable(out, readersDocument(options, report, table), table, options.limit);
+    writeTable(out, laidOut(report, options.language, layoutOptions(options), false), {.language = options.language});
   }
 }
 
 void writeTo(const ReportOptions& options, const MadeReport& report, std::ostream& out) {
   if (options.format == ReportFormat::xlsx) {
-    const ResultTable table = report.table();
-    writeXlsx(pathFromUtf8(options.outputFile), readersDocument(options, report, table), table, options.limit);
+    writeXlsx(pathFromUtf8(options.outputFile), laidOut(report, options.language, layoutOptions(options), true));
     return;
   }
   if (options.outputFile.empty()) {
@@ -164,16 +134,47 @@ bool compareReports(const ReportOptions& options, const AccountSource& second, s
   const auto one = reportOn(options.account, options, notes);
   const auto two = reportOn(second, options, notes);
   const auto firstRows = one->table().rows(), secondRows = two->table().rows();
-  return compareResults(*firstRows, *secondRows, options.limit.value_or(shown), out);
+  return compareResults(*firstRows, *secondRows, options.layout.limit.value_or(shown), out);
 }
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
+  checkLayout(reportNamed(options.report), options.layout);
   if (!options.outputFile.empty()) refuseToReplace(pathFromUtf8(options.outputFile), inputsOf(options));
   const auto report = reportOn(options.account, options, notes);
   writeTo(options, *report, out);
   if (options.keep) report->keepTable();
   if (options.keep) notes << "quillon: the result table " << report->table().name() << " is kept\n";
 }
+
+void writeHtml(std::ostream&, const LaidOutReport&);void writeXlsx(const std::filesystem::path&, const LaidOutReport&);
+namespace {
+
+void addList(CLI::App& command, const char* name, std::vector<std::string>& values, const char* help) {
+  command.add_option(name, values, help)->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+void addLayoutOptions(CLI::App& command, LayoutOptions& options) {
+  static const std::map<std::string, Layout> layouts = {{"summary", Layout::summary},   {"tree", Layout::tree},
+                                                        {"lines", Layout::lines},       {"ledger", Layout::ledger},
+                                                        {"columnar", Layout::columnar}, {"vouchers", Layout::vouchers}};
+  command
+      .add_option_function<Layout>(
+          "--layout", [&options](Layout layout) { options.layout = layout; },
+          "summary, tree or lines; of the ledger ledger, columnar or lines; of the voucher report vouchers or lines")
+      ->transform(oneOf(layouts));
+  addList(command, "--columns", options.arrangement.columns, "Show these columns, by name or caption: a,b,c");
+  addList(command, "--sort", options.arrangement.sort, "Order the lines by these columns; -a is descending");
+  addList(command, "--group-by", options.arrangement.groupBy, "Put the lines under subtotals of these columns");
+  addList(command, "--where", options.arrangement.where,
+          "Show the lines of which column=value; column=a,b  column=lower..upper  column~part");
+  command.add_option("--limit", options.limit, "Show at most this many lines, 0 for all; html shows 2000 unless told")
+      ->transform(wholeNumber<std::int64_t>(0));
+  command.add_flag("--all-columns", options.allColumns,
+                   "Show user-defined fields and what documents carry beside, too (always in csv and json)");
+  command.add_option("--company", options.company, "Whose account it is, for the heading of page and workbook");
+}
+
+}  // namespace
 
 void addReportCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("report", "Run a report on an account and show its rows");
@@ -200,11 +201,9 @@ void addReportCommand(CLI::App& app) {
       *command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
   command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
   addDateOption(command, options->date);
-  command.add_option("--limit", options->limit, "Show at most this many rows (table, html, xlsx)")
-      ->transform(wholeNumber<std::int64_t>(0));
-  command.add_flag(
-      "--all-columns", options->allColumns,
-      "Show user-defined fields and what documents carry beside, too (table, html, xlsx; always in csv, json)");
+  addLayoutOptions(command, options->layout);
+  command.add_flag("--captions", options->captions, "Head the columns with captions instead of names (csv)");
+  command.add_flag("--bom", options->bom, "Begin with a byte order mark, by which spreadsheets know UTF-8 (csv)");
   command.add_flag("--explain", options->explain, "Print each statement with its time and row count");
   CLI::Option& keep = *command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
   const auto second = std::make_shared<AccountSource>();

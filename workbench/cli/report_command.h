@@ -1,12 +1,11 @@
 // `quillon report`: runs a report on an account and shows its rows.
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "workbench/cli/report_layouts.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
 
@@ -29,12 +28,13 @@ struct ReportOptions {
   ReportFormat format = ReportFormat::table;
   std::string outputFile = {};  // empty: `out`, which xlsx cannot be written to
   Language language = Language::chinese;
-  std::string date = {};                   // the login's date, yyyy-mm-dd; empty: the last day of the current year
-  std::optional<std::int64_t> limit = {};  // rows shown by table, html and xlsx
-  bool allColumns = false;  // also those that are shown when asked (table, html, xlsx; csv and json have all)
-  bool explain = false;     // each statement with its time and row count, to `notes`
-  bool keep = false;        // keep the result table and tell its name
-  bool terminal = false;    // `notes` is a terminal: show progress there
+  std::string date = {};  // the login's date, yyyy-mm-dd; empty: the last day of the current year
+  LayoutOptions layout = {};
+  bool captions = false;  // csv with captions for headings
+  bool bom = false;       // csv with a byte order mark
+  bool explain = false;   // each statement with its time and row count, to `notes`
+  bool keep = false;      // keep the result table and tell its name
+  bool terminal = false;  // `notes` is a terminal: show progress there
 };
 
 // Runs the report and writes it. Throws std::exception with one line for the user when it cannot be made. What the user
@@ -42,7 +42,7 @@ struct ReportOptions {
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes);
 
 // Runs the report on the options' account and on `second`, with the same filter, and compares the rows (compareResults()
-// in report_comparison.h); shows as many as `options.limit` says, or 10. Throws as runReport().
+// in report_comparison.h); shows as many as `options.layout.limit` says, or 10. Throws as runReport().
 bool compareReports(const ReportOptions& options, const AccountSource& second, std::ostream& out, std::ostream& notes);
 
 void addReportCommand(CLI::App& app);

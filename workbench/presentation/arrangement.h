@@ -32,6 +32,8 @@ struct ArrangementText {
   std::vector<std::string> sort = {};     // the same; a "-" in front is descending
   std::vector<std::string> groupBy = {};  // the same
   std::vector<std::string> where = {};    // column=value,value  column=lower..upper  column~part
+
+  bool empty() const { return columns.empty() && sort.empty() && groupBy.empty() && where.empty(); }
 };
 
 struct Arrangement {

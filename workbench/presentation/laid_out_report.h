@@ -35,10 +35,15 @@ struct Chart {
 struct ReportSection {
   Layout layout = Layout::lines;
   View view;
+  bool grouped = false;                    // lines stand under subtotals
   std::optional<std::int64_t> limit = {};  // lines shown; nothing: all
 
   bool cut() const { return limit && *limit < view.lineCount; }
 };
+
+// How many lines the section has and, when they are cut, how many of them are shown and how to get all; how many columns are
+// not shown.
+std::string lineCountText(const ReportDocument& heading, const ReportSection& section);
 
 struct LaidOutReport {
   ReportDocument heading;

@@ -185,7 +185,7 @@ TEST_F(DetailLedger, ShowsNoMoreRowsThanAsked) {
              .account = source(),
              .settings = {"cInvCode=M1"},
              .language = Language::english,
-             .limit = 3},
+             .layout = {.limit = 3}},
             out, notes);
   EXPECT_THAT(squeezed(out.str()), HasSubstr("\n4|Receipt|"));
   EXPECT_THAT(squeezed(out.str()), testing::Not(HasSubstr("\n6|")));

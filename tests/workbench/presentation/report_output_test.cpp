@@ -15,11 +15,6 @@ namespace {
 
 class ReportOutputTest : public testing::Test {
  protected:
-  std::string table(Language language, std::optional<std::int64_t> limit = {}) {
-    std::ostringstream out;
-    writeTable(out, test::documentOf(result_, language), result_, limit);
-    return out.str();
-  }
   std::string html(Language language, std::optional<std::int64_t> limit = {}) {
     std::ostringstream out;
     writeHtml(out, test::documentOf(result_, language), result_, limit);
@@ -80,56 +75,6 @@ std::vector<std::vector<std::string>> cellsOf(const std::string& page, const std
     at = end;
   }
   return rows;
-}
-
-// A line's cells without the padding between them.
-std::string squeezed(const std::string& text) {
-  return std::regex_replace(text, std::regex("  +"), "|");
-}
-
-TEST_F(ReportOutputTest, TableShowsHeadingConditionsAndCrossView) {
-  test::fillResult(*account_);
-  EXPECT_THAT(
-      squeezed(table(Language::english)),
-      testing::StartsWith("Receipt/issue/balance\n"
-                          "Year: 2024\n"
-                          "\n"
-                          "By cost item\n"
-                          "Code|Cost item|Opening balance quantity|Opening balance amount|Receipt quantity|Receipt "
-                          "amount|Issue quantity|Issue amount|Closing balance quantity|Closing balance amount\n"
-                          "-----|---------|------------------------|----------------------|----------------|----------"
-                          "----|--------------|------------|------------------------|----------------------\n"
-                          "01|材料|10.00|100.00|5.13|50.50|3.00|30.25|12.13|120.25\n"
-                          "02|人工|0.00|0.00|1.00|1,000,000.00|0.00|0.00|1.00|1,000,000.00\n"
-                          "-----|---------|------------------------|----------------------|----------------|----------"
-                          "----|--------------|------------|------------------------|----------------------\n"
-                          "Total|10.00|100.00|6.13|1,000,050.50|3.00|30.25|13.13|1,000,120.25\n"
-                          "\n"
-                          "Rows\n"));
-}
-
-TEST_F(ReportOutputTest, TableShowsRowsAndTotals) {
-  test::fillResult(*account_);
-  const std::string text = squeezed(table(Language::chinese));
-  EXPECT_THAT(
-      text, testing::HasSubstr("\n明细\n仓库编码|仓库|存货编码|存货|自由项1|成本项目编码|成本项目|记账日期|收发状态|"
-                               "数量|金额|期初数量|期初金额|收入数量|收入金额|发出数量|发出金额|期末数量|期末金额\n"));
-  EXPECT_THAT(
-      text, testing::HasSubstr("\n1|原料库|0101|螺栓, \"M8\" <1&2>|红|01|材料|期初结存|10.00|100.00|10.00|100.00|0.00|"
-                               "0.00|0.00|0.00|10.00|100.00\n"));
-  EXPECT_THAT(text, testing::HasSubstr("\n2|成品库|0201|电机|02|人工|2024-04-01|收入|1.00|1,000,000.00|0.00|0.00|1.00|"
-                                       "1,000,000.00|0.00|0.00|1.00|1,000,000.00\n"));
-  EXPECT_THAT(text, testing::EndsWith("\n合计|10.00|100.00|6.13|1,000,050.50|3.00|30.25|13.13|1,000,120.25\n"
-                                      "\n共 6 行\n"));
-}
-
-TEST_F(ReportOutputTest, TableIsCutAtTheLimitAndTotalsAreNot) {
-  test::fillResult(*account_);
-  const std::string text = table(Language::english, 2);
-  EXPECT_THAT(text, testing::HasSubstr("\nthe first 2 of 6 rows\n"));
-  EXPECT_THAT(text, testing::HasSubstr("1,000,050.50"));
-  EXPECT_THAT(text, testing::Not(testing::HasSubstr("成品库")));
-  EXPECT_THAT(table(Language::chinese, 2), testing::HasSubstr("\n共 6 行，显示前 2 行\n"));
 }
 
 TEST_F(ReportOutputTest, CsvHasAllColumnsAndExactValues) {
@@ -227,7 +172,6 @@ TEST_F(ReportOutputTest, CrossViewOfExpensesReadsTheBalanceColumns) {
 }
 
 TEST_F(ReportOutputTest, SaysWhenThereAreNoRows) {
-  EXPECT_EQ(table(Language::english), "Receipt/issue/balance\nYear: 2024\n\nNo rows meet the conditions\n");
   const std::string page = html(Language::chinese);
   expectWellFormed(page);
   EXPECT_THAT(page, testing::HasSubstr("没有符合条件的数据"));

@@ -1,0 +1,206 @@
+#include "workbench/cli/report_layouts.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "workbench/platform/account_lookup.h"
+#include "workbench/platform/embedded_platform.h"
+#include "workbench/platform/filter_input.h"
+#include "workbench/platform/user_error.h"
+#include "workbench/presentation/arranged_view.h"
+#include "workbench/presentation/lines_layout.h"
+#include "workbench/presentation/summary_layout.h"
+#include "workbench/presentation/tree_layout.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/text.h"
+
+namespace quillon::workbench {
+
+namespace {
+
+constexpr Caption inventoryNameCaption{"存货名称", "Inventory name"};
+constexpr Caption accountCaption{"账套", "Account"};
+
+std::string entered(FilterObject& filter, std::string_view key) {
+  const FilterEntry* entry = filter.find(key);
+  return entry == nullptr ? "" : entry->value;
+}
+
+// The name of `code` in the item's master; empty when the account does not have it.
+std::string nameOf(Session& session, const Master& master, const std::string& code) {
+  if (master.name == master.code) return {};
+  try {
+    return lookUp(session, "Select Top 1 " + std::string(master.name) + " From " + std::string(master.table) +
+                               " Where " + std::string(master.code) + " = " + quotedText(code))
+        .value_or("");
+  } catch (const AutomationError&) {
+    return {};  // an account of another make may keep its codes elsewhere
+  }
+}
+
+// What was entered, each code with its name behind it: "07 线边库".
+std::string describedWithNames(const FilterEntry& entry, Session& session, Language language) {
+  if (!entry.item.master || entry.item.range || !entry.sql.empty()) return describeEntry(entry, language);
+  std::string text;
+  std::string_view rest = entry.value;
+  for (bool more = !rest.empty(); more;) {
+    const std::size_t tab = rest.find('\t');
+    more = tab != std::string_view::npos;
+    const std::string code(rest.substr(0, tab));
+    const std::string name = nameOf(session, *entry.item.master, code);
+    text += (text.empty() ? "" : ", ") + code + (name.empty() || name == code ? "" : " " + name);
+    if (more) rest.remove_prefix(tab + 1);
+  }
+  return text;
+}
+
+// Year, mode and, by class, the grade, or the ledger's breakdown; then whatever differs from its default.
+std::vector<std::pair<std::string, std::string>> conditions(const MadeReport& report, Language language) {
+  FilterObject& filter = report.filter();
+  const bool byClass = entered(filter, "cModal") == "0";
+  std::vector<std::pair<std::string, std::string>> lines;
+  for (const auto& entry : filter.entries()) {
+    const std::string& key = entry->item.key;
+    const bool always = key == "iYear" || key == "cModal" || key == "cCaType" || (key == "iGrade" && byClass);
+    const bool upperBound = !entry->value2.empty() && entry->value2 != entry->value;
+    const bool changed = entry->value != entry->item.defaultValue || upperBound || !entry->sql.empty();
+    if (!always && !changed) continue;
+    std::string text = describedWithNames(*entry, *report.account().session, language);
+    if (!text.empty()) lines.emplace_back(entry->item.caption(language), std::move(text));
+  }
+  return lines;
+}
+
+// The account's option `name` of system AA, a number of decimals.
+int decimals(Session& session, std::string_view name, int otherwise) {
+  const std::string text = AccountPublicComponent().accountInformation("AA", name, session);
+  return std::clamp(tsql::text::leadingNumber(text).value_or(otherwise), 0, 6);
+}
+
+// The days that the filter names, else its year.
+std::string periodOf(FilterObject& filter) {
+  const FilterEntry* days = filter.find("dKeepDate");
+  if (days != nullptr && (!days->value.empty() || !days->value2.empty())) return days->value + " .. " + days->value2;
+  return entered(filter, "iYear");
+}
+
+std::string today() {
+  constexpr std::size_t dateLength = 10;
+  return tsql::toText(tsql::currentDateTime()).substr(0, dateLength);
+}
+
+// What the columns of `view` may be called: with the heading that they share in front.
+std::vector<ReportColumn> namesIn(const View& view) {
+  std::vector<ReportColumn> names;
+  for (const ViewColumn& column : view.columns) {
+    names.push_back(column.column);
+    if (!column.groupChinese.empty()) {
+      names.back().chinese = column.groupChinese + column.column.chinese;
+      names.back().english = column.groupEnglish + " " + column.column.english;
+    }
+  }
+  return names;
+}
+
+class Layouts {
+ public:
+  Layouts(const MadeReport& report, Language language, const LayoutOptions& options, const ReportDocument& heading)
+      : table_(report.table()),
+        request_{.report = report.report(),
+                 .table = table_,
+                 .mode = entered(report.filter(), "cModal"),
+                 .language = language,
+                 .allColumns = options.allColumns},
+        options_(options),
+        heading_(heading) {}
+
+  // `asked` is the section that the reader arranges; in what stands beside it the same rows count.
+  ReportSection section(Layout layout, bool asked) {
+    ReportSection section{.layout = layout, .view = {}, .limit = options_.limit};
+    request_.arrangement = {};
+    const ArrangementText& text = options_.arrangement;
+    if (!text.empty()) {
+      const std::vector<ReportColumn> known = columnsPresent(request_);
+      if (!asked) {
+        request_.arrangement = parseArrangement({.columns = {}, .sort = {}, .groupBy = {}, .where = text.where}, known);
+      } else if (layout == Layout::lines || layout == Layout::vouchers) {
+        request_.arrangement = parseArrangement(text, known);
+      } else {
+        // Conditions and groups are of the table, columns and order of what the layout makes of it.
+        request_.arrangement = parseArrangement({.groupBy = text.groupBy, .where = text.where}, known);
+        const Arrangement own = parseArrangement({.columns = text.columns, .sort = text.sort}, namesIn(view(layout)));
+        request_.arrangement.columns = own.columns;
+        request_.arrangement.sort = own.sort;
+      }
+      section.grouped = !request_.arrangement.groupBy.empty();
+    }
+    section.view = view(layout);
+    return section;
+  }
+
+ private:
+  View view(Layout layout) {
+    switch (layout) {
+      case Layout::summary:
+        return summaryView(request_);
+      case Layout::tree:
+        return treeView(request_);
+      default:
+        return linesView(request_);
+    }
+  }
+
+  ResultTable table_;
+  LayoutRequest request_;
+  const LayoutOptions& options_;
+  const ReportDocument& heading_;
+};
+
+}  // namespace
+
+void checkLayout(const Report& report, const LayoutOptions& options) {
+  if (!options.layout || std::ranges::find(report.layouts, *options.layout) != report.layouts.end()) return;
+  std::string names;
+  for (const Layout layout : report.layouts)
+    names.append(names.empty() ? "" : ", ").append(layoutName(layout));
+  throw UserError(report.registration.name + " has no layout " + std::string(layoutName(*options.layout)) +
+                  "; it has " + names);
+}
+
+ReportDocument headingOf(const MadeReport& report, Language language, const std::string& company) {
+  ReportDocument heading;
+  heading.language = language;
+  heading.report = report.report().registration.name;
+  heading.title = report.report().registration.title(language);
+  heading.conditions = conditions(report, language);
+  Session& session = *report.account().session;
+  heading.quantityDecimals = decimals(session, "iStrsQuanDecDgt", heading.quantityDecimals);
+  heading.unitCostDecimals = decimals(session, "iStrsPriDecDgt", heading.unitCostDecimals);
+  heading.company = company.empty()
+                        ? std::string(accountCaption.in(language)) + " " + report.account().login->accountCode()
+                        : company;
+  heading.period = periodOf(report.filter());
+  heading.printed = today();
+  heading.rowCount = report.table().rowCount();
+  return heading;
+}
+
+LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutOptions& options, bool workbook) {
+  LaidOutReport laidOut;
+  laidOut.heading = headingOf(report, language, options.company);
+  if (laidOut.heading.rowCount == 0) return laidOut;
+  Layouts layouts(report, language, options, laidOut.heading);
+  const std::vector<Layout>& offered = report.report().layouts;
+  const Layout asked = options.layout.value_or(offered.front());
+  const auto addBeside = [&](Layout layout) {
+    if (workbook && asked != layout && std::ranges::find(offered, layout) != offered.end())
+      laidOut.sections.push_back(layouts.section(layout, false));
+  };
+  addBeside(Layout::summary);
+  laidOut.sections.push_back(layouts.section(asked, true));
+  addBeside(Layout::lines);
+  return laidOut;
+}
+
+}  // namespace quillon::workbench

@@ -1,0 +1,36 @@
+// A report that was made, laid out as its reader asks.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "workbench/cli/report_run.h"
+#include "workbench/presentation/arrangement.h"
+#include "workbench/presentation/laid_out_report.h"
+
+namespace quillon::workbench {
+
+struct LayoutOptions {
+  std::optional<Layout> layout = {};  // nothing: the report's first
+  ArrangementText arrangement = {};
+  bool allColumns = false;                 // also those that are shown when asked
+  std::optional<std::int64_t> limit = {};  // lines of a section; nothing: all
+  std::string company = {};                // whose account it is; empty: the account's code
+
+  // Whether the rows of the result table are to be shown as they are.
+  bool asStored() const { return !layout && !limit && arrangement.empty(); }
+};
+
+// Throws UserError when the report does not have the layout.
+void checkLayout(const Report& report, const LayoutOptions& options);
+
+// Its heading: title, conditions with the names of codes, decimals of the account.
+ReportDocument headingOf(const MadeReport& report, Language language, const std::string& company);
+
+// The report with the layout that is asked for as its only section; of a workbook (`workbook`) with the summary and the lines
+// beside it, each where the report has it. Its rows are read from the result table while they are written, so `report` outlives
+// what is given. Throws UserError for an arrangement that does not fit, tsql::SqlError when the account refuses a statement.
+LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutOptions& options, bool workbook);
+
+}  // namespace quillon::workbench
