@@ -11,7 +11,7 @@ namespace {
 
 // The ledger is of one inventory.
 ItemRegistration inventory() {
-  ItemRegistration item = reference("cInvCode", "存货", "Inventory", "base.cInvCode", inventories);
+  ItemRegistration item = reference("cInvCode", "存货", "Inventory", "base.cInvCode", &inventories);
   item.required = true;
   return item;
 }
@@ -27,7 +27,8 @@ ReportRegistration fxDetailRegistration() {
            .english = "Year",
            .kind = InputKind::choice,
            .required = true,
-           .column = "base.iYear"},
+           .column = "base.iYear",
+           .lookup = &years},
           {.key = "cCaType",
            .chinese = "核算方式",
            .english = "Breakdown",
@@ -41,11 +42,11 @@ ReportRegistration fxDetailRegistration() {
            .kind = InputKind::date,
            .range = true,
            .column = "base.dKeepDate"},
-          reference("cInvCCode", "存货分类", "Inventory class", "inv.cInvCCode"),
+          beginning("cInvCCode", "存货分类", "Inventory class", "inv.cInvCCode", inventoryClasses),
           inventory(),
-          reference("cWhCode", "仓库", "Warehouse", "base.cWhCode", warehouses),
-          reference("cDepCode", "部门", "Department", "base.cDepCode", departments),
-          {.key = "cBatchIA", .chinese = "批号", .english = "Batch", .multiple = true, .column = "base.cBatchia"}});
+          reference("cWhCode", "仓库", "Warehouse", "base.cWhCode", &warehouses),
+          reference("cDepCode", "部门", "Department", "base.cDepCode", &departments),
+          batchItem("cBatchIA")});
   append(report.items, freeItems());
   return report;
 }

@@ -15,18 +15,21 @@ ItemRegistration dates(const char* key, const char* chinese, const char* english
 }
 
 // A list that the dialog fills.
-ItemRegistration types(const char* key, const char* chinese, const char* english, const char* column) {
+ItemRegistration types(const char* key, const char* chinese, const char* english, const char* column,
+                       const Lookup& lookup) {
   return {.key = key,
           .chinese = chinese,
           .english = english,
           .kind = InputKind::choice,
           .multiple = true,
-          .column = column};
+          .column = column,
+          .lookup = &lookup};
 }
 
 // A key that is a column of the ledger.
-ItemRegistration ledgerColumn(const char* key, const char* chinese, const char* english) {
-  return {.key = key, .chinese = chinese, .english = english, .column = std::string("base.") + key};
+ItemRegistration ledgerColumn(const char* key, const char* chinese, const char* english,
+                              const Lookup* lookup = nullptr) {
+  return {.key = key, .chinese = chinese, .english = english, .column = std::string("base.") + key, .lookup = lookup};
 }
 
 ReportRegistration fxWtRegistration() {
@@ -37,29 +40,29 @@ ReportRegistration fxWtRegistration() {
   append(report.items,
          {dates("dKeepDate", "记账日期", "Posting date", "base.dKeepDate"),
           dates("dVouDate", "单据日期", "Document date", "base.dVouDate"),
-          types("cVouType", "单据类型", "Voucher type", "base.cVouType"),
-          types("cBusType", "业务类型", "Business type", "base.cBusType"),
+          types("cVouType", "单据类型", "Voucher type", "base.cVouType", voucherTypes),
+          types("cBusType", "业务类型", "Business type", "base.cBusType", businessTypes),
           ledgerColumn("cVouCode", "单据号", "Voucher number"),
-          reference("Inventory.cInvCCode", "存货分类", "Inventory class", "Inventory.cInvCCode"),
-          references("Inventory.cInvCode", "存货", "Inventory", "Inventory.cInvCode", inventories),
-          reference("Customer.cCCCode", "客户分类", "Customer class", "Customer.cCCCode"),
-          references("Customer.cCusCode", "客户", "Customer", "Customer.cCusCode", customers),
-          reference("Vendor.cVCCode", "供应商分类", "Vendor class", "Vendor.cVCCode"),
-          references("Vendor.cVenCode", "供应商", "Vendor", "Vendor.cVenCode", vendors),
-          references("cWhCode", "仓库", "Warehouse", "base.cWhCode", warehouses),
-          reference("cDepCode", "部门", "Department", "base.cDepCode", departments),
-          reference("cDeptID", "成本中心", "Cost centre", "CAQ_CostCenterMap.cDeptID", costCentres),
-          reference("cRdCode", "收发类别", "Receipt/issue type", "base.cRdCode", receiptIssueTypes),
+          beginning("Inventory.cInvCCode", "存货分类", "Inventory class", "Inventory.cInvCCode", inventoryClasses),
+          references("Inventory.cInvCode", "存货", "Inventory", "Inventory.cInvCode", &inventories),
+          beginning("Customer.cCCCode", "客户分类", "Customer class", "Customer.cCCCode", customerClasses),
+          references("Customer.cCusCode", "客户", "Customer", "Customer.cCusCode", &customers),
+          beginning("Vendor.cVCCode", "供应商分类", "Vendor class", "Vendor.cVCCode", vendorClasses),
+          references("Vendor.cVenCode", "供应商", "Vendor", "Vendor.cVenCode", &vendors),
+          references("cWhCode", "仓库", "Warehouse", "base.cWhCode", &warehouses),
+          reference("cDepCode", "部门", "Department", "base.cDepCode", &departments),
+          reference("cDeptID", "成本中心", "Cost centre", "CAQ_CostCenterMap.cDeptID", &costCentres),
+          reference("cRdCode", "收发类别", "Receipt/issue type", "base.cRdCode", &receiptIssueTypes),
           {.key = "PzNoId", .chinese = "凭证标识", .english = "Accounting voucher", .column = "base.cPZID"},
           ledgerColumn("cHandler", "经手人", "Handled by"),
           ledgerColumn("cAccounter", "记账人", "Posted by"),
-          ledgerColumn("cItem_Class", "项目大类", "Project class"),
-          ledgerColumn("cItemCode", "项目", "Project item"),
+          ledgerColumn("cItem_Class", "项目大类", "Project class", &projectClasses),
+          ledgerColumn("cItemCode", "项目", "Project item", &projectItems),
           ledgerColumn("strContractCode", "合同号", "Contract"),
           ledgerColumn("cproordercode", "生产订单号", "Production order"),
           ledgerColumn("csaleordercode", "销售订单号", "Sales order"),
           ledgerColumn("cpurordercode", "采购订单号", "Purchase order"),
-          {.key = "cBatchia", .chinese = "批号", .english = "Batch", .multiple = true, .column = "base.cBatchia"}});
+          batchItem("cBatchia")});
   append(report.items, freeItems());
   append(report.items, definedFields());
   append(report.items, inventoryFields("Inventory", false));

@@ -37,34 +37,40 @@ std::vector<ItemRegistration> documentItems() {
            .english = "Voucher type",
            .kind = InputKind::choice,
            .multiple = true,
-           .column = "base.cVouType"},
+           .column = "base.cVouType",
+           .lookup = &voucherTypes},
           {.key = "cBusType",
            .chinese = "业务类型",
            .english = "Business type",
            .kind = InputKind::choice,
            .multiple = true,
-           .column = "base.cBusType"},
-          {.key = "cVouCode", .chinese = "单据号", .english = "Voucher number", .column = "base.cVouCode"}};
+           .column = "base.cBusType",
+           .lookup = &businessTypes},
+          {.key = "cVouCode",
+           .chinese = "单据号",
+           .english = "Voucher number",
+           .column = "base.cVouCode",
+           .example = documentNumber}};
 }
 
 std::vector<ItemRegistration> masterItems() {
-  return {references("cWhCode", "仓库", "Warehouse", "base.cWhCode", warehouses),
-          reference("cInvCCode", "存货分类", "Inventory class", "inv.cInvCCode"),
-          references("cInvCode", "存货", "Inventory", "base.cInvCode", inventories),
-          references("cInvPspCode", "父项产品", "Parent product", "base.cPspCode", inventories),
-          references("RdCode", "收发类别", "Receipt/issue type", "base.cRdCode", receiptIssueTypes),
-          references("cDepCode", "核算部门", "Accounting department", "base.cAccDep", departments),
+  return {references("cWhCode", "仓库", "Warehouse", "base.cWhCode", &warehouses),
+          beginning("cInvCCode", "存货分类", "Inventory class", "inv.cInvCCode", inventoryClasses),
+          references("cInvCode", "存货", "Inventory", "base.cInvCode", &inventories),
+          references("cInvPspCode", "父项产品", "Parent product", "base.cPspCode", &inventories),
+          references("RdCode", "收发类别", "Receipt/issue type", "base.cRdCode", &receiptIssueTypes),
+          references("cDepCode", "核算部门", "Accounting department", "base.cAccDep", &departments),
           reference("cProCode", "生产部门", "Production department", "base.cProCode"),
-          references("cWhDep", "单据部门", "Document department", "base.cDepCode", departments),
-          reference("cCusCCode", "客户分类", "Customer class", "cus.cCCCode"),
-          references("cCusCode", "客户", "Customer", "base.cCusCode", customers),
-          references("cVenCode", "供应商", "Vendor", "base.cVenCode", vendors),
-          reference("cItem_Class", "项目大类", "Project class", "base.cItem_Class", projectClasses),
-          references("cItemCode", "项目", "Project item", "base.cItemCode"),
-          references("cOppHead", "对方科目", "Contra account", "base.cOppHead", ledgerAccounts),
-          references("cworkcentername", "工作中心", "Work centre", "base.cworkcentername", workCentres),
-          references("cperson", "业务员", "Person", "base.cPersonCode", persons),
-          references("cMaker", "制单人", "Prepared by", "base.cMaker", users)};
+          references("cWhDep", "单据部门", "Document department", "base.cDepCode", &departments),
+          beginning("cCusCCode", "客户分类", "Customer class", "cus.cCCCode", customerClasses),
+          references("cCusCode", "客户", "Customer", "base.cCusCode", &customers),
+          references("cVenCode", "供应商", "Vendor", "base.cVenCode", &vendors),
+          reference("cItem_Class", "项目大类", "Project class", "base.cItem_Class", &projectClasses),
+          references("cItemCode", "项目", "Project item", "base.cItemCode", &projectItems),
+          references("cOppHead", "对方科目", "Contra account", "base.cOppHead", &ledgerAccounts),
+          references("cworkcentername", "工作中心", "Work centre", "base.cworkcentername", &workCentres),
+          references("cperson", "业务员", "Person", "base.cPersonCode", &persons),
+          references("cMaker", "制单人", "Prepared by", "base.cMaker", &users)};
 }
 
 // A text or a number that one document carries.
@@ -97,13 +103,12 @@ ReportRegistration outsumItemRegistration() {
   append(report.items, documentItems());
   append(report.items, masterItems());
   append(report.items, orderItems());
-  append(report.items,
-         {{.key = "dIncludeExpire",
-           .chinese = "包含停用存货",
-           .english = "Include discontinued inventory",
-           .kind = InputKind::flag,
-           .choices = yesNo()},
-          {.key = "cBatchIA", .chinese = "批号", .english = "Batch", .multiple = true, .column = "base.cBatchia"}});
+  append(report.items, {{.key = "dIncludeExpire",
+                         .chinese = "包含停用存货",
+                         .english = "Include discontinued inventory",
+                         .kind = InputKind::flag,
+                         .choices = yesNo()},
+                        batchItem("cBatchIA")});
   append(report.items, freeItems());
   append(report.items, definedFields());
   append(report.items, inventoryFields("inv", true));

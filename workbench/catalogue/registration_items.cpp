@@ -30,7 +30,8 @@ std::vector<ItemRegistration> summaryReportItems() {
            .english = "Year",
            .kind = InputKind::choice,
            .required = true,
-           .column = "base.iYear"},
+           .column = "base.iYear",
+           .lookup = &years},
           {.key = "cModal",
            .chinese = "报表方式",
            .english = "Report mode",
@@ -44,7 +45,8 @@ std::vector<ItemRegistration> summaryReportItems() {
            .chinese = "分类级次",
            .english = "Class grade",
            .kind = InputKind::choice,
-           .defaultValue = "1"}};
+           .defaultValue = "1",
+           .example = "2"}};
 }
 
 std::vector<ItemRegistration> numberedFields(const NumberedField& field, std::span<const int> numbers, InputKind kind,
@@ -82,20 +84,36 @@ std::vector<ItemRegistration> inventoryFields(const std::string& table, bool mul
   return fields;
 }
 
+ItemRegistration batchItem(const char* key) {
+  return {.key = key,
+          .chinese = "批号",
+          .english = "Batch",
+          .multiple = true,
+          .column = "base.cBatchia",
+          .lookup = &batches};
+}
+
 ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column,
-                           std::optional<Master> master) {
+                           const Lookup* lookup) {
   return {.key = key,
           .chinese = chinese,
           .english = english,
           .kind = InputKind::reference,
           .column = column,
-          .master = master};
+          .lookup = lookup};
 }
 
 ItemRegistration references(const char* key, const char* chinese, const char* english, const char* column,
-                            std::optional<Master> master) {
-  ItemRegistration item = reference(key, chinese, english, column, master);
+                            const Lookup* lookup) {
+  ItemRegistration item = reference(key, chinese, english, column, lookup);
   item.multiple = true;
+  return item;
+}
+
+ItemRegistration beginning(const char* key, const char* chinese, const char* english, const char* column,
+                           const Lookup& lookup) {
+  ItemRegistration item = reference(key, chinese, english, column, &lookup);
+  item.beginning = true;
   return item;
 }
 

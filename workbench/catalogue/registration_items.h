@@ -1,12 +1,12 @@
 // Filter items that several reports register alike.
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "workbench/platform/filter_object.h"
+#include "workbench/platform/lookup.h"
 
 namespace quillon::workbench {
 
@@ -27,27 +27,21 @@ std::vector<ItemRegistration> definedFields();
 // `multiple` is set, then numbers, then dates. `table` is the master's name in the report's conditions.
 std::vector<ItemRegistration> inventoryFields(const std::string& table, bool multiple);
 
-// A code of a master, looked up there; of `references` several may be selected. Without `master`, the item takes the
-// beginning of a code, or a code that an account keeps in no one table.
-ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column,
-                           std::optional<Master> master = {});
-ItemRegistration references(const char* key, const char* chinese, const char* english, const char* column,
-                            std::optional<Master> master = {});
+// The batches of the ledger.
+ItemRegistration batchItem(const char* key);
 
-// The masters of an account.
-inline constexpr Master warehouses{"warehouse", "Warehouse", "cWhCode", "cWhName"};
-inline constexpr Master inventories{"inventory", "Inventory", "cInvCode", "cInvName"};
-inline constexpr Master departments{"department", "Department", "cDepCode", "cDepName"};
-inline constexpr Master customers{"customer", "Customer", "cCusCode", "cCusName"};
-inline constexpr Master vendors{"vendor", "Vendor", "cVenCode", "cVenName"};
-inline constexpr Master persons{"person", "Person", "cPersonCode", "cPersonName"};
-inline constexpr Master users{"user", "orvsystem..ua_user", "cUser_Id", "cUser_Name"};
-inline constexpr Master receiptIssueTypes{"receipt/issue type", "Rd_Style", "cRdCode", "cRdName"};
-inline constexpr Master projectClasses{"project class", "fItem", "cItem_Class", "cItem_Name"};
-inline constexpr Master ledgerAccounts{"ledger account", "Code", "cCode", "cCode_Name"};
-inline constexpr Master workCentres{"work centre", "sfc_workcenter", "Description",
-                                    "Description"};  // a line names it in full
-inline constexpr Master costCentres{"cost centre", "CAQ_CostCenter", "cDeptID", "cDeptName"};
+// How a document's number is written.
+inline constexpr const char* documentNumber = "11-202403-0014933";
+
+// A code of a master, looked up there; of `references` several may be selected. Without `lookup`, it is a code that an
+// account keeps nowhere.
+ItemRegistration reference(const char* key, const char* chinese, const char* english, const char* column,
+                           const Lookup* lookup = nullptr);
+ItemRegistration references(const char* key, const char* chinese, const char* english, const char* column,
+                            const Lookup* lookup = nullptr);
+// The beginning of a code, such as that of a class with the classes below it.
+ItemRegistration beginning(const char* key, const char* chinese, const char* english, const char* column,
+                           const Lookup& lookup);
 
 // Fields numbered `numbers`: key, captions and column are the texts given with the number behind them.
 struct NumberedField {

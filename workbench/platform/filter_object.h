@@ -27,13 +27,7 @@ struct Choice {
   std::string english;
 };
 
-// The table of an account that holds the codes of an item, such as Warehouse with cWhCode and cWhName.
-struct Master {
-  std::string_view noun;  // what an entry is: "warehouse"
-  std::string_view table;
-  std::string_view code;
-  std::string_view name;
-};
+struct Lookup;  // workbench/platform/lookup.h
 
 // What a report registers for one filter item.
 struct ItemRegistration {
@@ -47,8 +41,9 @@ struct ItemRegistration {
   std::string column = {};  // the column of the condition that the filter object makes: "base.cBatchIA"
   std::string defaultValue = {};
   std::vector<Choice> choices = {};  // of a choice item, in the order in which they are offered
-  // Where whole codes of the item are looked up. Nothing: nowhere, or the item takes the beginning of a code.
-  std::optional<Master> master = {};
+  const Lookup* lookup = nullptr;    // where codes of the item are looked up; nullptr: nowhere
+  bool beginning = false;            // of a reference: takes the beginning of a code
+  std::string example = {};          // a value, to show how one is written; empty: as the kind or the lookup has it
 
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };
