@@ -191,8 +191,13 @@ std::string entryText(const LookupRow& row) {
 std::string projectItemRows(Session& session) {
   std::string sql;
   for (const LookupRow& row :
-       read(session, "Select Distinct cTable, cTable From fItem Where cTable <> N'' Order By cTable")) {
+       read(session, "Select cTable, cItem_Class From fItem Where cTable <> N'' Order By cItem_Class")) {
     if (!sql.empty()) sql += " Union ";
+    // Class "ch" is the inventory itself.
+    if (equalIgnoringCase(row.name, "ch")) {
+      sql += inventories.rows;
+      continue;
+    }
     sql += "Select cItemCode As entryCode, cItemName As entryName From [";
     for (const char c : row.code)
       sql.append(c == ']' ? 2 : 1, c);

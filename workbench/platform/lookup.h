@@ -68,10 +68,8 @@ std::string entryText(const LookupRow& row);
 
 inline constexpr Lookup warehouses{
     "warehouses", {"仓库", "warehouse"}, "Select cWhCode As entryCode, cWhName As entryName From Warehouse", "07"};
-inline constexpr Lookup departments{"departments",
-                                    {"部门", "department"},
-                                    "Select cDepCode As entryCode, cDepName As entryName From Department",
-                                    "0301"};
+inline constexpr Lookup departments{
+    "departments", {"部门", "department"}, "Select cDepCode As entryCode, cDepName As entryName From Department", "05"};
 inline constexpr Lookup inventories{"inventory",
                                     {"存货", "inventory"},
                                     "Select cInvCode As entryCode, cInvName As entryName From Inventory",
@@ -96,13 +94,13 @@ inline constexpr Lookup costItemClasses{"classes",
 inline constexpr Lookup costItems{
     "cost-items", {"成本项目", "cost item"}, "Select cFxCode As entryCode, cFxName As entryName From Ca_FxDef", "CI01"};
 inline constexpr Lookup customers{
-    "customers", {"客户", "customer"}, "Select cCusCode As entryCode, cCusName As entryName From Customer", "C001"};
+    "customers", {"客户", "customer"}, "Select cCusCode As entryCode, cCusName As entryName From Customer", "C0001"};
 inline constexpr Lookup customerClasses{"customer-classes",
                                         {"客户分类", "customer class"},
                                         "Select cCCCode As entryCode, cCCName As entryName From CustomerClass",
                                         "01"};
 inline constexpr Lookup vendors{
-    "vendors", {"供应商", "vendor"}, "Select cVenCode As entryCode, cVenName As entryName From Vendor", "V001"};
+    "vendors", {"供应商", "vendor"}, "Select cVenCode As entryCode, cVenName As entryName From Vendor", "V0001"};
 inline constexpr Lookup vendorClasses{"vendor-classes",
                                       {"供应商分类", "vendor class"},
                                       "Select cVCCode As entryCode, cVCName As entryName From VendorClass",

@@ -65,9 +65,10 @@ TEST(WrongUsage, SuggestsTheCommandThatWasMeant) {
             "there is no command \"nwe\" of quillon account; did you mean new? See quillon account --help");
   EXPECT_EQ(
       wrongUsage({"print"}),
-      "there is no command \"print\"; the commands are account, dialog, drill, help, report, sql, trace; see quillon "
-      "--help");
-  EXPECT_EQ(wrongUsage({}), "name a command: account, dialog, drill, help, report, sql, trace; see quillon --help");
+      "there is no command \"print\"; the commands are account, dialog, drill, help, list, report, sql, trace; see "
+      "quillon --help");
+  EXPECT_EQ(wrongUsage({}),
+            "name a command: account, dialog, drill, help, list, report, sql, trace; see quillon --help");
   EXPECT_THAT(wrongUsage({"account"}), StartsWith("name a command: new, info, check, clean, "));
 }
 
@@ -174,6 +175,7 @@ TEST(Help, IsGivenByCommandAndByOption) {
   for (const std::vector<std::string>& words : {std::vector<std::string>{"report"},
                                                 {"dialog"},
                                                 {"drill"},
+                                                {"list"},
                                                 {"sql"},
                                                 {"trace"},
                                                 {"account"},

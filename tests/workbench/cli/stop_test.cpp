@@ -161,6 +161,7 @@ TEST_F(Stop, QuestionsToAccounts) {
   stopEverywhere({"account", "check", path("a")});
   stopEverywhere({"account", "check", "--integrity", path("a")});
   stopEverywhere({"account", "info", path("a")});
+  stopEverywhere({"list", "batches", "--account", path("a"), "--search", "b"});
   account::testing::write(folder_ / "look.sql",
                           "Select cInvCode, Sum(iAInPrice) From ia_subsidiary Group By cInvCode\n");
   stopEverywhere({"sql", "--account", path("a"), path("look.sql")});

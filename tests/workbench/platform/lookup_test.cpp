@@ -41,7 +41,7 @@ class Lookups : public testing::Test {
           "(N'IA.BillforVch', N'采购入库单(暂估记账)', N'en-US', N'Purchase receipt (estimated)'), "
           "(N'IA.BusType', N'领料', N'zh-CN', N'领料'), (N'IA.BusType', N'领料', N'en-US', N'Material issue')",
           "Insert Into fItem (cItem_Class, cItem_Name, cTable) Values (N'00', N'工程', N'fItem_Project'), "
-          "(N'01', N'研发', N'fItem_Research'), (N'02', N'其他', null)",
+          "(N'01', N'研发', N'fItem_Research'), (N'02', N'其他', null), (N'CH', N'存货', N'Inventory')",
           "Insert Into fItem_Project (cItemCode, cItemName) Values (N'G1', N'净水厂')",
           "Insert Into fItem_Research (cItemCode, cItemName) Values (N'Y1', N'新泵')"})
       account->execute(sql);
@@ -116,7 +116,7 @@ TEST_F(Lookups, TellABatchWithEachOfItsInventories) {
 }
 
 TEST_F(Lookups, HaveTheItemsOfAllProjectClasses) {
-  EXPECT_THAT(found(projectItems), ElementsAre("G1 净水厂", "Y1 新泵"));
+  EXPECT_THAT(found(projectItems), ElementsAre("G1 净水厂", "P_2", "P-1 离心泵（单级） Q235", "Y1 新泵"));
   session_.execute("Update fItem Set cTable = N''");
   EXPECT_THAT(found(projectItems), IsEmpty());
   EXPECT_FALSE(hasCode(projectItems, "G1", false, session_));
