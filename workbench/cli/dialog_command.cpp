@@ -12,7 +12,9 @@
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/filter_file.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/report_run.h"
 #include "workbench/platform/json_file.h"
+#include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
@@ -37,6 +39,7 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
   const SignedInAccount account = logIn(options.account, options.language, options.date);
   const auto filter = std::make_shared<FilterObject>(report.registration, InitialValues::none);
   if (!options.filterFile.empty()) applyFilterFile(*filter, readJsonFile(options.filterFile));
+  resolveNames(*filter, *account.session, options.language, true);
 
   std::vector<std::string> messages;
   EmbeddedPlatform platform({.account = account.source,
@@ -47,6 +50,7 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
   DialogPlay play(dialog, *runner, messages);
   for (const DialogStep& step : steps) {
     play.take(step);
+    if (step.kind == DialogStep::Kind::init) resolveOffered(*filter, *account.session, options.language);
     if (options.format == DialogFormat::json) {
       writeDialogJson(out, step, play, options.language);
     } else {
@@ -54,6 +58,8 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
       writeDialogTable(out, step, play, options.language);
     }
   }
+  if (play.accepted() == false && !play.messages().empty())
+    noteValuesToGive(*filter, play.messages().back(), account, options.language, notes);
   out.flush();
   for (const std::string& line : unknownCodes(*filter, *account.session))
     notes << "quillon: " << oneLine(line) << '\n';

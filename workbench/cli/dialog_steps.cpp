@@ -57,7 +57,8 @@ void DialogPlay::take(const DialogStep& step) {
 
 void DialogPlay::change(const std::string& setting) {
   FilterObject& filter = *dialog_->filter();
-  const FilterEntry& entry = changeItem(filter, setting);
+  const FilterEntry& entry =
+      changeItem(filter, setting, dialog_->connection(), languageOfRegion(dialog_->login()->languageRegion()));
   const std::string& key = entry.item.key;
   runner_.changed(key);
   show(runner_.viewAfterChange(key));

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "frame/text.h"
+#include "workbench/platform/filter_input.h"
+#include "workbench/platform/lookup.h"
 #include "workbench/platform/nearest_name.h"
 #include "workbench/platform/user_error.h"
 
@@ -45,7 +47,7 @@ bool isIdentifier(std::string_view name) {
 FilterEntry& entryFor(FilterObject& filter, const Json& item, std::size_t position) {
   const std::string name = text(item, position, "name");
   if (name.empty()) refuse(position, "\"name\" is missing; give the item's key");
-  if (FilterEntry* known = filter.find(name); known != nullptr) return *known;
+  if (FilterEntry* known = findItem(filter, name); known != nullptr) return *known;
   if (!isIdentifier(name)) refuse(position, "\"" + name + "\" is neither an item of the report nor a column's name");
   const std::string caption = text(item, position, "caption");
   return filter.add({.key = name,
@@ -53,7 +55,8 @@ FilterEntry& entryFor(FilterObject& filter, const Json& item, std::size_t positi
                      .english = caption.empty() ? name : caption,
                      .range = flag(item, position, "range"),
                      .multiple = flag(item, position, "multi"),
-                     .column = "base." + name});
+                     .column = "base." + name,
+                     .lookup = lookupOfLedgerColumn(name)});
 }
 
 void requireKnownMembers(const Json& item, std::size_t position) {

@@ -11,6 +11,8 @@
 #include "workbench/cli/run_monitor.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/json_file.h"
+#include "workbench/platform/missing_value.h"
+#include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
@@ -18,15 +20,30 @@
 
 namespace quillon::workbench {
 
+namespace {}  // namespace
+
+void noteValuesToGive(const FilterObject& filter, std::string_view message, const SignedInAccount& account,
+                      Language language, std::ostream& notes) {
+  try {
+    const auto line = valuesToGive(filter, message, *account.session, language);
+    if (line) notes << "quillon: " << oneLine(*line) << '\n';
+  } catch (const AutomationError&) {
+    // An account of another make may keep its ledger elsewhere: what is missing was said.
+  }
+}
+
 namespace {
 
 // Puts the filter through the report's dialog, as if it had been opened with these values and confirmed. Only the given
 // values are checked: the default year of the dialog may be one that its own list does not have.
 void passDialog(const Report& report, const SignedInAccount& account, const std::shared_ptr<FilterObject>& filter,
                 Language language, std::ostream& notes) {
-  EmbeddedPlatform platform({.account = account.source,
-                             .language = language,
-                             .messages = [&notes](std::string_view text, int) { notes << oneLine(text) << '\n'; }});
+  std::string message;
+  EmbeddedPlatform platform(
+      {.account = account.source, .language = language, .messages = [&notes, &message](std::string_view text, int) {
+         message = oneLine(text);
+         notes << message << '\n';
+       }});
   std::vector<const FilterEntry*> given;
   for (const auto& entry : filter->entries()) {
     if (!entry->value.empty() || !entry->value2.empty()) given.push_back(entry.get());
@@ -34,11 +51,14 @@ void passDialog(const Report& report, const SignedInAccount& account, const std:
   const auto runner =
       makeDialogRunner(platform, report, std::make_shared<FilterDialogObject>(filter, account.login, account.session));
   runner->init();
+  resolveOffered(*filter, *account.session, language);
   for (const FilterEntry* entry : given)
     checkItem(*entry);
   checkComplete(*filter);
-  if (!runner->click())
+  if (!runner->click()) {
+    noteValuesToGive(*filter, message, account, language, notes);
     throw UserError("the report's dialog does not accept the filter; change it, or give --no-dialog");
+  }
   for (const FilterEntry* entry : given) {
     if (entry->available || entry->value == entry->item.defaultValue) continue;
     notes << "quillon: the report's dialog would not let " << entry->item.key << " (" << entry->item.english
@@ -53,6 +73,7 @@ std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const R
   if (!request.dialog) prepareFilter(*filter, *account.login, *account.session);
   if (!request.filterFile.empty()) applyFilterFile(*filter, readJsonFile(request.filterFile));
   setFilterItems(*filter, request.settings);
+  resolveNames(*filter, *account.session, request.language, request.dialog);
   if (request.dialog) {
     passDialog(report, account, filter, request.language, notes);
   } else {

@@ -63,6 +63,10 @@ struct RunNotes {
   std::ostream* explanation = nullptr;
 };
 
+// Tells, after a dialog's message that an item must not be empty, what there is for it (missing_value.h).
+void noteValuesToGive(const FilterObject& filter, std::string_view message, const SignedInAccount& account,
+                      Language language, std::ostream& notes);
+
 // Signs in, fills the filter and runs the report. Throws std::exception with one line for the user when it cannot be
 // made.
 std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNotes& notes);

@@ -10,6 +10,7 @@
 #include "frame/text.h"
 #include "workbench/account/schema.h"
 #include "workbench/platform/account_session.h"
+#include "workbench/platform/named_values.h"
 #include "workbench/platform/nearest_name.h"
 #include "workbench/tsql/values/collation.h"
 #include "workbench/tsql/values/text.h"
@@ -173,7 +174,7 @@ Setting readSetting(FilterObject& filter, const std::string& setting) {
     throw std::invalid_argument("\"" + setting + "\" sets no filter item; write key=value");
   }
   const std::string_view key = trimBlanks(std::string_view(setting).substr(0, equals));
-  FilterEntry* entry = filter.find(key);
+  FilterEntry* entry = findItem(filter, key);
   if (entry == nullptr) {
     std::vector<std::string> keys;
     for (const auto& known : filter.entries())
@@ -218,6 +219,23 @@ std::string columnOf(Session& session, std::string_view sql) {
 
 }  // namespace
 
+FilterEntry* findItem(FilterObject& filter, std::string_view keyOrCaption) {
+  if (FilterEntry* const entry = filter.find(keyOrCaption); entry != nullptr) return entry;
+  std::vector<FilterEntry*> found;
+  for (const auto& entry : filter.entries()) {
+    if (tsql::equalText(entry->item.chinese, keyOrCaption) || tsql::equalText(entry->item.english, keyOrCaption))
+      found.push_back(entry.get());
+  }
+  if (found.size() > 1) {
+    std::vector<std::string> keys;
+    for (const FilterEntry* const entry : found)
+      keys.push_back(entry->item.key);
+    throw std::invalid_argument("several filter items are called \"" + std::string(keyOrCaption) +
+                                "\"; write the key of one: " + join(keys, ", "));
+  }
+  return found.empty() ? nullptr : found.front();
+}
+
 std::optional<std::string> enteredDate(std::string_view text) {
   const std::vector<std::string> parts = split(text, '-');
   const auto digits = [](const std::string& part) { return !part.empty() && std::ranges::all_of(part, isDigit); };
@@ -259,10 +277,11 @@ void setFilterItems(FilterObject& filter, std::span<const std::string> settings)
   }
 }
 
-const FilterEntry& changeItem(FilterObject& filter, const std::string& setting) {
+const FilterEntry& changeItem(FilterObject& filter, const std::string& setting, Session& session, Language language) {
   const Setting change = readSetting(filter, setting);
   if (!change.entry.available) refuse(change.entry.item, "the dialog does not let it be entered now");
   apply(change, false);
+  resolveNames(change.entry, session, language);
   checkItem(change.entry);
   return change.entry;
 }

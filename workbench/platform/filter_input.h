@@ -21,15 +21,19 @@ void prepareFilter(FilterObject& filter, Login& login, Session& session);
 // a day that is in no calendar, or that a datetime cannot hold.
 std::optional<std::string> enteredDate(std::string_view text);
 
-// Sets item values from "key=value" texts in order. The key's letter case does not matter. A range item takes
+// The item of that key, or else the one whose caption it is in either language; letter case does not matter, nor width in
+// captions. Nullptr when there is none. Throws std::invalid_argument for the caption of several items.
+FilterEntry* findItem(FilterObject& filter, std::string_view keyOrCaption);
+
+// Sets item values from "key=value" texts in order, where the key may be a caption (findItem()). A range item takes
 // "lower..upper", where either bound may be missing, or one value for both bounds; a date is "yyyy-mm-dd". An item of
 // several values takes them separated by commas, or the key again. An empty value clears the item. ".." in a value of any
 // other item is refused, for who writes it means a range; a filter file can give a text that holds it.
 void setFilterItems(FilterObject& filter, std::span<const std::string> settings);
 
-// Sets one item as the dialog lets the user do it: only an available one, and only to a value that the dialog accepts.
-// Gives the item.
-const FilterEntry& changeItem(FilterObject& filter, const std::string& setting);
+// Sets one item as the dialog lets the user do it: only an available one, and only to a value that the dialog accepts, or
+// to the name of one (resolveNames() in named_values.h). Gives the item.
+const FilterEntry& changeItem(FilterObject& filter, const std::string& setting, Session& session, Language language);
 
 // Checks what was entered in one item: choices against their codes, numbers, dates, that a single value is single, that
 // a range does not end before it begins, and that what is compared with a column of whole numbers is one of 32 bits.

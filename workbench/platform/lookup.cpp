@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 
 #include "frame/text.h"
@@ -149,6 +150,29 @@ const Lookup* lookupOf(std::string_view kind) {
   const auto found =
       std::ranges::find_if(allLookups, [kind](const Lookup* lookup) { return equalIgnoringCase(lookup->kind, kind); });
   return found == allLookups.end() ? nullptr : *found;
+}
+
+const Lookup* lookupOfLedgerColumn(std::string_view column) {
+  static constexpr std::pair<std::string_view, const Lookup*> columns[] = {{"cWhCode", &warehouses},
+                                                                           {"cDepCode", &departments},
+                                                                           {"cAccDep", &departments},
+                                                                           {"cInvCode", &inventories},
+                                                                           {"cPspCode", &inventories},
+                                                                           {"cBatchIA", &batches},
+                                                                           {"cRdCode", &receiptIssueTypes},
+                                                                           {"cVouType", &voucherTypes},
+                                                                           {"cBusType", &businessTypes},
+                                                                           {"cCusCode", &customers},
+                                                                           {"cVenCode", &vendors},
+                                                                           {"cPersonCode", &persons},
+                                                                           {"cMaker", &users},
+                                                                           {"cworkcentername", &workCentres},
+                                                                           {"cItem_Class", &projectClasses},
+                                                                           {"cItemCode", &projectItems},
+                                                                           {"cOppHead", &ledgerAccounts}};
+  const auto* const found =
+      std::ranges::find_if(columns, [column](const auto& known) { return equalIgnoringCase(known.first, column); });
+  return found == std::end(columns) ? nullptr : found->second;
 }
 
 LookupPage findEntries(const Lookup& lookup, const LookupQuery& query, Session& session) {

@@ -31,6 +31,9 @@ std::span<const Lookup* const> lookups();
 // Nullptr when there is none of that kind.
 const Lookup* lookupOf(std::string_view kind);
 
+// Where the codes of a column of the ledger are looked up; nullptr for a column that holds none.
+const Lookup* lookupOfLedgerColumn(std::string_view column);
+
 struct LookupRow {
   std::string code;
   std::string name;

@@ -280,7 +280,7 @@ TEST_F(DetailLedger, NeedsAnInventoryAndWhatItIsKeptBy) {
   EXPECT_EQ(refusalOf([this] { report({}); }), "filter item cInvCode (Inventory): must be given");
   EXPECT_EQ(refusalOf([this] { report({"cInvCode=M2"}); }),
             "the report's dialog does not accept the filter; change it, or give --no-dialog");
-  EXPECT_EQ(notes_.str(), "Batch must be given\n");
+  EXPECT_EQ(notes_.str(), "Batch must be given\nquillon: the account has nothing to give for cBatchIA (Batch)\n");
   EXPECT_THAT(report({"cInvCode=M2", "cBatchIA=B1"}), HasSubstr("\nBatch: B1\n"));
 }
 

@@ -192,6 +192,16 @@ TEST_F(DialogCommand, KeepsTheValuesWithWhichItBegins) {
   EXPECT_FALSE(available(init, "cDepCode"));
 }
 
+TEST_F(DialogCommand, TakesCaptionsAndNames) {
+  const test::TemporaryFile filter(".json");
+  std::ofstream(filter.path(), std::ios::binary)
+      << R"({"items":[{"name":"报表方式","value":"by cost item"},{"name":"单据类型","value":"销售出库"}]})";
+  const auto shown = steps("outsum-item", {"init", "change:业务类型=销售"}, utf8FromPath(filter.path()));
+  EXPECT_EQ(valueOf(shown[0], "cModal"), "1");
+  EXPECT_EQ(valueOf(shown[0], "cVouType"), Json::array({"32"})) << "a choice that the dialog makes";
+  EXPECT_EQ(valueOf(shown[1], "cBusType"), Json::array({"普通销售"}));
+}
+
 TEST_F(DialogCommand, GoesThroughInitViewAndClickWithoutSteps) {
   const auto shown = steps("sfc-item", {});
   ASSERT_EQ(shown.size(), 3U);

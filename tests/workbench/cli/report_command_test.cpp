@@ -120,6 +120,49 @@ TEST_F(ReportCommand, TakesAFilterFileAndSettingsOverIt) {
               testing::HasSubstr("报表方式：按费用项目\n"));
 }
 
+TEST_F(ReportCommand, TakesCaptionsForKeysAndNamesForCodes) {
+  const std::string byCode = outputOf({"--set", "cModal=1", "--set", "cWhCode=07,01"});
+  EXPECT_THAT(byCode, testing::HasSubstr("报表方式：按成本项目\n仓库：07, 01\n"));
+  EXPECT_EQ(outputOf({"--set", "报表方式=按成本项目", "--set", "仓库=线边库,原材料库"}), byCode);
+  EXPECT_EQ(outputOf({"--set", "Report mode=by cost item", "--set", "Warehouse=07", "--set", "warehouse=原材料库",
+                      "--no-dialog"}),
+            byCode);
+  const test::TemporaryFile filter(".json");
+  std::ofstream(filter.path(), std::ios::binary)
+      << R"({"items":[{"name":"Report mode","value":"1"},{"name":"仓库","value":"线边库\t01"}]})";
+  EXPECT_EQ(outputOf({"--filter", utf8FromPath(filter.path())}), byCode);
+}
+
+// What the ledger's columns hold is looked up where the column's codes are.
+TEST_F(ReportCommand, TakesTheNamesInAnItemThatAFilterFileAdds) {
+  const auto rows = [](const std::string& value) {
+    const test::TemporaryFile filter(".json");
+    std::ofstream(filter.path(), std::ios::binary)
+        << R"({"items":[{"name":"cPersonCode","range":true,"value":")" + value + R"(","value2":")" + value + "\"}]}";
+    return outputOf({"--filter", utf8FromPath(filter.path()), "--format", "csv"});
+  };
+  EXPECT_EQ(rows("沈静怡"), rows("P002"));
+  EXPECT_NE(rows("P002"), rows("P001"));
+}
+
+TEST_F(ReportCommand, NamesTheBatchesAfterTheMessageThatOneIsNeeded) {
+  const auto sample = tsql::Connection::open(file_->path(), tsql::OpenMode::readOnly);
+  const auto cursor = sample->query(
+      "Select Top 1 line.cInvCode, line.cWhCode, line.cBatchIA From ia_subsidiary line Inner Join Inventory inv On "
+      "inv.cInvCode = line.cInvCode Where inv.bCheckBatch = 1 And line.cBatchIA <> N'' And line.cWhCode <> N'' And "
+      "inv.bCheckFree1 = 0");
+  ASSERT_TRUE(cursor->next());
+  const auto text = [&cursor](std::size_t column) { return tsql::toText(cursor->value(column)).value_or(""); };
+  std::ostringstream out, notes;
+  EXPECT_THROW(runReport({.report = "fx-detail",
+                          .account = AccountSource::inFile(file_->path()),
+                          .settings = {"cInvCode=" + text(0), "cWhCode=" + text(1)}},
+                         out, notes),
+               std::exception);
+  EXPECT_THAT(notes.str(), testing::StartsWith("批号不能为空\nquillon: 可选的批号（cBatchIA）："));
+  EXPECT_THAT(notes.str(), testing::HasSubstr(text(2)));
+}
+
 TEST_F(ReportCommand, TranslatesAnItemThatTheReportLeavesToTheFilter) {
   const test::TemporaryFile filter(".json");
   std::ofstream(filter.path(), std::ios::binary)
