@@ -11,6 +11,7 @@
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/filter_file.h"
+#include "workbench/cli/item_help.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/platform/json_file.h"
@@ -73,6 +74,7 @@ void addDialogCommand(CLI::App& app) {
                                                               {"json", DialogFormat::json}};
   static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
+  addItemHelp(command, options->report);
   addAccountOption(command, "--account", options->account).required();
   command.add_option("--filter", options->filterFile, "The filter with which the dialog begins, a JSON file");
   command

@@ -11,6 +11,7 @@
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
+#include "workbench/cli/item_help.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_comparison.h"
 #include "workbench/cli/report_layouts.h"
@@ -186,6 +187,7 @@ void addReportCommand(CLI::App& app) {
                                                               {"xlsx", ReportFormat::xlsx}};
   static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
+  addItemHelp(command, options->report);
   addAccountOption(command, "--account", options->account).required();
   command.add_option("--filter", options->filterFile, "The filter, a JSON file");
   command

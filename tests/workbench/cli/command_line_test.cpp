@@ -190,6 +190,10 @@ TEST(Help, IsGivenByCommandAndByOption) {
     EXPECT_EQ(withoutExclusions(end.output), withoutExclusions(command(option).output));
     EXPECT_THAT(end.output, HasSubstr("Usage: quillon " + words.front()));
   }
+  for (const char* const name : {"report", "dialog"}) {
+    EXPECT_THAT(command({name, "--help"}).output, HasSubstr("With a REPORT before --help"));
+    EXPECT_THAT(command({name, "fx-detail", "--help"}).output, HasSubstr("\nFilter items of fx-detail "));
+  }
   EXPECT_EQ(wrongUsage({"help", "reprot"}), "there is no command \"reprot\"; did you mean report? See quillon --help");
   EXPECT_EQ(wrongUsage({"help", "account", "nwe"}),
             "there is no command \"nwe\" of quillon account; did you mean new? See quillon --help");
