@@ -5,7 +5,7 @@
 #include "frame/automation_error.h"
 #include "tests/fuzz/targets.h"
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/cli/filter_file.h"
+#include "workbench/platform/filter_file.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/json_file.h"
 #include "workbench/platform/user_error.h"

@@ -1,4 +1,4 @@
-#include "workbench/cli/filter_file.h"
+#include "workbench/platform/filter_file.h"
 
 #include <algorithm>
 #include <array>
