@@ -7,7 +7,6 @@
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/filter_input.h"
-#include "workbench/platform/json_file.h"
 #include "workbench/platform/user_error.h"
 
 namespace quillon::fuzz {
@@ -63,7 +62,7 @@ void checkFilter(std::string_view input) {
   const Written written = read(input);
   try {
     FilterObject filter(reportNamed(written.report).registration);
-    applyFilterFile(filter, parseJson(written.json, "filter.json"));
+    applyFilterFile(filter, written.json, "filter.json");
     setFilterItems(filter, written.settings);
     requireTextsClosed(filter);
     workbench::checkFilter(filter);

@@ -14,7 +14,6 @@
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/platform/filter_file.h"
-#include "workbench/platform/json_file.h"
 #include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
@@ -39,7 +38,7 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
   const std::vector<DialogStep> steps = stepsOf(options);
   const SignedInAccount account = logIn(options.account, options.language, options.date);
   const auto filter = std::make_shared<FilterObject>(report.registration, InitialValues::none);
-  if (!options.filterFile.empty()) applyFilterFile(*filter, readJsonFile(options.filterFile));
+  if (!options.filterFile.empty()) readFilterFile(*filter, options.filterFile);
   resolveNames(*filter, *account.session, options.language, true);
 
   std::vector<std::string> messages;

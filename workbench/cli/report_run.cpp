@@ -10,7 +10,6 @@
 #include "workbench/cli/run_monitor.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/filter_input.h"
-#include "workbench/platform/json_file.h"
 #include "workbench/platform/missing_value.h"
 #include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
@@ -71,7 +70,7 @@ std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const R
   auto filter = std::make_shared<FilterObject>(report.registration,
                                                request.dialog ? InitialValues::none : InitialValues::defaults);
   if (!request.dialog) prepareFilter(*filter, *account.login, *account.session);
-  if (!request.filterFile.empty()) applyFilterFile(*filter, readJsonFile(request.filterFile));
+  if (!request.filterFile.empty()) readFilterFile(*filter, request.filterFile);
   setFilterItems(*filter, request.settings);
   resolveNames(*filter, *account.session, request.language, request.dialog);
   if (request.dialog) {

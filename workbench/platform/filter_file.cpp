@@ -1,15 +1,14 @@
 #include "workbench/platform/filter_file.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <string>
-#include <vector>
+#include <nlohmann/json.hpp>
 
 #include "frame/text.h"
 #include "workbench/platform/filter_input.h"
+#include "workbench/platform/json_file.h"
+#include "workbench/platform/json_schema.h"
 #include "workbench/platform/lookup.h"
-#include "workbench/platform/nearest_name.h"
 #include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
@@ -18,25 +17,30 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-[[noreturn]] void refuse(std::size_t position, const std::string& reason) {
-  throw UserError("filter file, item " + std::to_string(position + 1) + ": " + reason);
-}
+// A filter file with its text, in which errors show the place.
+struct FilterText {
+  std::string_view text;
+  const std::string& name;
+
+  [[noreturn]] void refuse(const Json::json_pointer& place, const std::string& reason) const {
+    const std::string what = describePlace(place);
+    throw UserError(name + ", line " + std::to_string(lineOf(text, place)) + ": " + (what.empty() ? "the file" : what) +
+                    " " + reason);
+  }
+};
 
 // A member as text. Numbers and flags may stand for a text, as people write them.
-std::string text(const Json& item, std::size_t position, const char* member) {
+std::string textOf(const Json& item, const char* member) {
   const auto found = item.find(member);
   if (found == item.end() || found->is_null()) return {};
   if (found->is_string()) return *found;
   if (found->is_boolean()) return found->get<bool>() ? "1" : "0";
-  if (found->is_number()) return found->dump();
-  refuse(position, std::string("\"") + member + "\" must be a text");
+  return found->dump();
 }
 
-bool flag(const Json& item, std::size_t position, const char* member) {
+bool flagOf(const Json& item, const char* member) {
   const auto found = item.find(member);
-  if (found == item.end() || found->is_null()) return false;
-  if (!found->is_boolean()) refuse(position, std::string("\"") + member + "\" must be true or false");
-  return *found;
+  return found != item.end() && found->is_boolean() && found->get<bool>();
 }
 
 bool isIdentifier(std::string_view name) {
@@ -44,46 +48,41 @@ bool isIdentifier(std::string_view name) {
   return !name.empty() && !isDigit(name.front()) && std::ranges::all_of(name, fits);
 }
 
-FilterEntry& entryFor(FilterObject& filter, const Json& item, std::size_t position) {
-  const std::string name = text(item, position, "name");
-  if (name.empty()) refuse(position, "\"name\" is missing; give the item's key");
+FilterEntry& entryFor(FilterObject& filter, const Json& item, const Json::json_pointer& place, const FilterText& file) {
+  const std::string name = textOf(item, "name");
   if (FilterEntry* known = findItem(filter, name); known != nullptr) return *known;
-  if (!isIdentifier(name)) refuse(position, "\"" + name + "\" is neither an item of the report nor a column's name");
-  const std::string caption = text(item, position, "caption");
+  if (!isIdentifier(name))
+    file.refuse(place / "name", "is \"" + name + "\", neither an item of the report nor a column's name");
+  const std::string caption = textOf(item, "caption");
   return filter.add({.key = name,
                      .chinese = caption.empty() ? name : caption,
                      .english = caption.empty() ? name : caption,
-                     .range = flag(item, position, "range"),
-                     .multiple = flag(item, position, "multi"),
+                     .range = flagOf(item, "range"),
+                     .multiple = flagOf(item, "multi"),
                      .column = "base." + name,
                      .lookup = lookupOfLedgerColumn(name)});
 }
 
-void requireKnownMembers(const Json& item, std::size_t position) {
-  static constexpr std::array known = {"name", "value", "value2", "range", "multi", "caption", "sql"};
-  for (const auto& [member, value] : item.items()) {
-    if (std::ranges::find(known, member) != known.end()) continue;
-    refuse(position, "\"" + member + "\" is not known" +
-                         suggestion(member, std::vector<std::string>(known.begin(), known.end())));
+}  // namespace
+
+void applyFilterFile(FilterObject& filter, std::string_view text, const std::string& name) {
+  static const JsonSchema schema(filterFileSchema);
+  const FilterText file{text, name};
+  const Json description = parseJson(text, name);
+  if (const auto fault = schema.faultOf(description)) file.refuse(fault->place, fault->reason);
+  const auto items = description.find("items");
+  if (items == description.end()) return;
+  for (std::size_t position = 0; position < items->size(); ++position) {
+    const Json& item = (*items)[position];
+    FilterEntry& entry = entryFor(filter, item, Json::json_pointer("/items") / position, file);
+    entry.value = textOf(item, "value");
+    entry.value2 = textOf(item, "value2");
+    entry.sql = textOf(item, "sql");
   }
 }
 
-}  // namespace
-
-void applyFilterFile(FilterObject& filter, const Json& description) {
-  if (!description.is_object()) throw UserError("the filter file must hold one object with \"items\"");
-  const auto items = description.find("items");
-  if (items == description.end()) return;
-  if (!items->is_array()) throw UserError("filter file: \"items\" must be a list");
-  for (std::size_t position = 0; position < items->size(); ++position) {
-    const Json& item = (*items)[position];
-    if (!item.is_object()) refuse(position, "must be an object with \"name\" and \"value\"");
-    requireKnownMembers(item, position);
-    FilterEntry& entry = entryFor(filter, item, position);
-    entry.value = text(item, position, "value");
-    entry.value2 = text(item, position, "value2");
-    entry.sql = text(item, position, "sql");
-  }
+void readFilterFile(FilterObject& filter, const std::string& path) {
+  applyFilterFile(filter, readTextFile(path), path);
 }
 
 }  // namespace quillon::workbench

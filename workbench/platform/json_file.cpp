@@ -22,11 +22,14 @@ nlohmann::ordered_json parseJson(std::string_view text, const std::string& name)
   }
 }
 
-nlohmann::ordered_json readJsonFile(const std::string& path) {
+std::string readTextFile(const std::string& path) {
   std::ifstream file(pathFromUtf8(path), std::ios::binary);
   if (!file) throw UserError("cannot read " + path + "; check the name and its permissions");
-  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  return parseJson(text, path);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+nlohmann::ordered_json readJsonFile(const std::string& path) {
+  return parseJson(readTextFile(path), path);
 }
 
 }  // namespace quillon::workbench

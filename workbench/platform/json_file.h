@@ -7,6 +7,8 @@
 
 namespace quillon::workbench {
 
+// What the file `path` (UTF-8) holds. Throws UserError when it cannot be read.
+std::string readTextFile(const std::string& path);
 // The document in `path` (UTF-8), its members in file order. Throws UserError, with the line, when the file cannot
 // be read or is not valid JSON.
 nlohmann::ordered_json readJsonFile(const std::string& path);
