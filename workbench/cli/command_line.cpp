@@ -14,6 +14,7 @@
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"
 #include "workbench/cli/exit_status.h"
+#include "workbench/cli/filters_command.h"
 #include "workbench/cli/list_command.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/cli/run_monitor.h"
@@ -189,6 +190,7 @@ int runCommandLine(std::vector<std::string> arguments, const std::string& versio
   addAccountCommand(app);
   addDialogCommand(app);
   addDrillCommand(app);
+  addFiltersCommand(app);
   addHelpCommand(app);
   addListCommand(app);
   addReportCommand(app);

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <set>
 
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_login.h"
@@ -36,10 +37,12 @@ std::vector<DialogStep> stepsOf(const DialogOptions& options) {
 void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& notes) {
   const Report& report = reportNamed(options.report);
   const std::vector<DialogStep> steps = stepsOf(options);
+  if (!options.saving.name.empty()) SavedFilters::ofUser().requireFree(options.saving.name, options.saving.replace);
   const SignedInAccount account = logIn(options.account, options.language, options.date);
   const auto filter = std::make_shared<FilterObject>(report.registration, InitialValues::none);
   if (!options.filterFile.empty()) readFilterFile(*filter, options.filterFile);
   resolveNames(*filter, *account.session, options.language, true);
+  std::set<const FilterEntry*> given = givenTo(*filter);
 
   std::vector<std::string> messages;
   EmbeddedPlatform platform({.account = account.source,
@@ -50,6 +53,7 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
   DialogPlay play(dialog, *runner, messages);
   for (const DialogStep& step : steps) {
     play.take(step);
+    if (const FilterEntry* const changed = play.changed(); changed != nullptr) given.insert(changed);
     if (step.kind == DialogStep::Kind::init) resolveOffered(*filter, *account.session, options.language);
     if (options.format == DialogFormat::json) {
       writeDialogJson(out, step, play, options.language);
@@ -63,6 +67,11 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
   out.flush();
   for (const std::string& line : unknownCodes(*filter, *account.session))
     notes << "quillon: " << oneLine(line) << '\n';
+  if (!options.saving.name.empty()) {
+    if (!play.accepted().value_or(false))
+      throw UserError("the filter is not saved: the last step does not confirm it (--step click)");
+    saveFilter(options.saving, *filter, given, options.language, notes);
+  }
   if (!out) throw UserError("the dialog could not be written to standard output");
 }
 
@@ -75,7 +84,8 @@ void addDialogCommand(CLI::App& app) {
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
   addItemHelp(command, options->report);
   addAccountOption(command, "--account", options->account).required();
-  command.add_option("--filter", options->filterFile, "The filter with which the dialog begins, a JSON file");
+  addFilterOption(command, options->filterFile, "The filter with which the dialog begins");
+  addSaveFilterOptions(command, options->saving);
   command
       .add_option("--step", options->steps,
                   "What happens, in order (may be repeated): init, view, click, change:KEY=VALUE; without it: init, "

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/cli/filters_command.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
 
@@ -20,6 +21,7 @@ struct DialogOptions {
   std::string report = {};  // "sfc-item"
   AccountSource account = {};
   std::string filterFile = {};          // a filter file with which the dialog begins; empty for an empty filter
+  FilterToSave saving = {};             // keep what it begins with and the steps change, when the last step confirms it
   std::vector<std::string> steps = {};  // see dialog_steps.h; none: init, view, click
   DialogFormat format = DialogFormat::table;
   Language language = Language::chinese;

@@ -34,6 +34,7 @@ DialogStep dialogStep(const std::string& text) {
 
 void DialogPlay::take(const DialogStep& step) {
   accepted_.reset();
+  changed_ = nullptr;
   messages_.clear();
   try {
     switch (step.kind) {
@@ -60,6 +61,7 @@ void DialogPlay::change(const std::string& setting) {
   const FilterEntry& entry =
       changeItem(filter, setting, dialog_->connection(), languageOfRegion(dialog_->login()->languageRegion()));
   const std::string& key = entry.item.key;
+  changed_ = &entry;
   runner_.changed(key);
   show(runner_.viewAfterChange(key));
 }

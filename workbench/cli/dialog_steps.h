@@ -39,6 +39,8 @@ class DialogPlay {
   // Whether the last step confirmed the filter: true when it was accepted, false when the class keeps the dialog open;
   // nullopt when the last step was none.
   const std::optional<bool>& accepted() const { return accepted_; }
+  // The item that the last step changed; nullptr when it changed none.
+  const FilterEntry* changed() const { return changed_; }
   // What was shown to the user during the last step.
   const std::vector<std::string>& messages() const { return messages_; }
 
@@ -51,6 +53,7 @@ class DialogPlay {
   std::vector<std::string>& messages_;
   std::optional<std::string> view_;
   std::optional<bool> accepted_;
+  const FilterEntry* changed_ = nullptr;
 };
 
 }  // namespace quillon::workbench

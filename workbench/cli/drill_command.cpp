@@ -13,6 +13,7 @@
 #include "workbench/catalogue/library_runner.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
+#include "workbench/cli/filters_command.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
@@ -243,7 +244,7 @@ void addDrillCommand(CLI::App& app) {
       ->required();
   command.add_option("--action", options->action,
                      "Vouch: the source document; anything else: the general-ledger voucher");
-  command.add_option("--filter", options->report.filterFile, "The report's filter, a JSON file");
+  addFilterOption(command, options->report.filterFile, "The report's filter");
   several(command.add_option("--set", options->report.settings, "Set a filter item of the report: key=value"));
   command.add_flag("!--no-dialog", options->report.dialog, "Do not run the report's filter dialog");
   command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));

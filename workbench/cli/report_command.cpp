@@ -120,6 +120,7 @@ std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOp
                      .account = source,
                      .filterFile = options.filterFile,
                      .settings = options.settings,
+                     .saving = options.saving,
                      .dialog = options.dialog,
                      .language = options.language,
                      .date = options.date},
@@ -133,7 +134,9 @@ std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOp
 bool compareReports(const ReportOptions& options, const AccountSource& second, std::ostream& out, std::ostream& notes) {
   constexpr std::int64_t shown = 10;
   const auto one = reportOn(options.account, options, notes);
-  const auto two = reportOn(second, options, notes);
+  ReportOptions again = options;
+  again.saving = {};
+  const auto two = reportOn(second, again, notes);
   const auto firstRows = one->table().rows(), secondRows = two->table().rows();
   return compareResults(*firstRows, *secondRows, options.layout.limit.value_or(shown), out);
 }
@@ -189,7 +192,8 @@ void addReportCommand(CLI::App& app) {
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
   addItemHelp(command, options->report);
   addAccountOption(command, "--account", options->account).required();
-  command.add_option("--filter", options->filterFile, "The filter, a JSON file");
+  addFilterOption(command, options->filterFile, "The filter");
+  addSaveFilterOptions(command, options->saving);
   command
       .add_option("--set", options->settings,
                   "Set a filter item: key=value; ranges as lower..upper, several values with commas or again")

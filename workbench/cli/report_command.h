@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/cli/filters_command.h"
 #include "workbench/cli/report_layouts.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
@@ -22,6 +23,7 @@ struct ReportOptions {
   AccountSource account = {};
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file
+  FilterToSave saving = {};                // keep the filter as it was given
   // The report's dialog fills what filter file and settings leave empty and says which choices there are; without it
   // the registered defaults do.
   bool dialog = true;

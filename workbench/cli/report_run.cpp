@@ -31,6 +31,21 @@ void noteValuesToGive(const FilterObject& filter, std::string_view message, cons
   }
 }
 
+std::set<const FilterEntry*> givenTo(const FilterObject& filter) {
+  std::set<const FilterEntry*> given;
+  for (const auto& entry : filter.entries()) {
+    if (!entry->value.empty() || !entry->value2.empty() || !entry->sql.empty()) given.insert(entry.get());
+  }
+  return given;
+}
+
+void saveFilter(const FilterToSave& saving, const FilterObject& filter, const std::set<const FilterEntry*>& entries,
+                Language language, std::ostream& notes) {
+  SavedFilters::ofUser().save(saving.name, filterFileText(filter, entries, language), saving.replace);
+  constexpr Caption saved{"过滤条件已保存：", "the filter is saved as "};
+  notes << "quillon: " << saved.in(language) << saving.name << '\n';
+}
+
 namespace {
 
 // Puts the filter through the report's dialog, as if it had been opened with these values and confirmed. Only the given
@@ -73,6 +88,7 @@ std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const R
   if (!request.filterFile.empty()) readFilterFile(*filter, request.filterFile);
   setFilterItems(*filter, request.settings);
   resolveNames(*filter, *account.session, request.language, request.dialog);
+  const std::set<const FilterEntry*> given = givenTo(*filter);
   if (request.dialog) {
     passDialog(report, account, filter, request.language, notes);
   } else {
@@ -80,6 +96,7 @@ std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const R
   }
   for (const std::string& line : unknownCodes(*filter, *account.session))
     notes << "quillon: " << oneLine(line) << '\n';
+  if (!request.saving.name.empty()) saveFilter(request.saving, *filter, given, request.language, notes);
   return filter;
 }
 
@@ -172,6 +189,7 @@ void MadeReport::keepTable() {
 
 std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNotes& notes) {
   const Report& report = reportNamed(request.report);
+  if (!request.saving.name.empty()) SavedFilters::ofUser().requireFree(request.saving.name, request.saving.replace);
   SignedInAccount account = logIn(request.account, request.language, request.date);
   std::shared_ptr<FilterObject> filter = filledFilter(request, report, account, notes.notes);
   auto made = std::make_unique<MadeReport>(report, std::move(account), std::move(filter));

@@ -3,11 +3,13 @@
 
 #include <memory>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "workbench/catalogue/report.h"
 #include "workbench/cli/account_login.h"
+#include "workbench/cli/filters_command.h"
 #include "workbench/platform/language.h"
 #include "workbench/presentation/result_table.h"
 
@@ -19,6 +21,7 @@ struct ReportRequest {
   AccountSource account = {};
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file
+  FilterToSave saving = {};                // keep what filter file and settings give
   // The report's dialog fills what filter file and settings leave empty and says which choices there are; without it
   // the registered defaults do.
   bool dialog = true;
@@ -67,7 +70,13 @@ struct RunNotes {
 void noteValuesToGive(const FilterObject& filter, std::string_view message, const SignedInAccount& account,
                       Language language, std::ostream& notes);
 
-// Signs in, fills the filter and runs the report. Throws std::exception with one line for the user when it cannot be
+// What has been entered in `filter`.
+std::set<const FilterEntry*> givenTo(const FilterObject& filter);
+// Saves these entries of `filter` and says so. Throws UserError when they cannot be saved.
+void saveFilter(const FilterToSave& saving, const FilterObject& filter, const std::set<const FilterEntry*>& entries,
+                Language language, std::ostream& notes);
+
+// Signs in, fills the filter, saves it when it was accepted, and runs the report. Throws std::exception with one line for the user when it cannot be
 // made.
 std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNotes& notes);
 

@@ -1,0 +1,247 @@
+#include "workbench/platform/saved_filters.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+#include "frame/text.h"
+#include "workbench/platform/embedded_platform.h"
+#include "workbench/platform/nearest_name.h"
+#include "workbench/platform/user_error.h"
+#include "workbench/tsql/values/text.h"
+#include "workbench/tsql/values/utf8_path.h"
+
+namespace quillon::workbench {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view extension = ".json";
+constexpr std::size_t longestName = 60;  // with four bytes each, a file's name has 245 of its 255
+
+// The folder that the environment names; empty when it names none, or none that is the same from everywhere.
+fs::path folderFromEnvironment(const char* variable) {
+#ifdef _WIN32
+  const std::wstring name(variable, variable + std::char_traits<char>::length(variable));
+  const wchar_t* const text = _wgetenv(name.c_str());
+#else
+  const char* const text = std::getenv(variable);
+#endif
+  if (text == nullptr) return {};
+  fs::path folder(text);
+  return folder.is_absolute() ? folder : fs::path();
+}
+
+bool endsIgnoringCase(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && equalIgnoringCase(text.substr(text.size() - end.size()), end);
+}
+
+// Characters that are not seen, or change how others are.
+bool isInvisible(char32_t character) {
+  return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0xad ||
+         (character >= 0x200b && character <= 0x200f) || (character >= 0x2028 && character <= 0x202e) ||
+         (character >= 0x2060 && character <= 0x206f) || character == 0xfeff ||
+         (character >= 0xd800 && character <= 0xdfff) || character > tsql::text::lastCharacter;
+}
+
+bool isAllowed(char32_t character) {
+  constexpr char32_t asciiEnd = 0x80;
+  if (character >= asciiEnd) return !isInvisible(character);
+  const char c = static_cast<char>(character);
+  const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+  return letter || isDigit(c) || std::string_view(" -_.()+,").find(c) != std::string_view::npos;
+}
+
+// CON, LPT1 and the like, with whatever stands behind a point.
+bool isDevice(std::string_view name) {
+  name = name.substr(0, name.find('.'));
+  for (const std::string_view device : {"con", "prn", "aux", "nul", "conin$", "conout$"}) {
+    if (equalIgnoringCase(name, device)) return true;
+  }
+  constexpr std::size_t numbered = 4;
+  return name.size() == numbered && isDigit(name.back()) &&
+         (equalIgnoringCase(name.substr(0, 3), "com") || equalIgnoringCase(name.substr(0, 3), "lpt"));
+}
+
+void requireName(std::string_view name) {
+  if (const std::string fault = faultOfFilterName(name); !fault.empty())
+    throw UserError("\"" + std::string(name) + "\" is no name for a filter: " + fault);
+}
+
+[[noreturn]] void refuseToWrite(const fs::path& file) {
+  throw UserError("cannot write " + utf8FromPath(file) + "; check the folder, its permissions and its free space");
+}
+
+// A file that goes unless it gets another name.
+class Draft {
+ public:
+  explicit Draft(fs::path file) : file_(std::move(file)) {}
+  Draft(const Draft&) = delete;
+  Draft& operator=(const Draft&) = delete;
+  ~Draft() {
+    std::error_code ignored;
+    fs::remove(file_, ignored);
+  }
+  const fs::path& file() const { return file_; }
+
+ private:
+  fs::path file_;
+};
+
+// Gives the draft its name if there is no file of that name; false when there is one.
+bool nameIfFree(const fs::path& draft, const fs::path& file) {
+  std::error_code error;
+  fs::create_hard_link(draft, file, error);
+  if (!error) return true;
+  // Where files have one name only, another program may come in between.
+  std::error_code ignored;
+  if (fs::exists(fs::symlink_status(file, ignored))) return false;
+  fs::rename(draft, file, error);
+  if (error) refuseToWrite(file);
+  return true;
+}
+
+}  // namespace
+
+SavedFilters SavedFilters::ofUser() {
+#ifdef _WIN32
+  const fs::path folder = folderFromEnvironment("APPDATA");
+  if (folder.empty())
+    throw UserError("APPDATA names no folder, so there is none for saved filters; set it, or name a file");
+  return SavedFilters(folder / "Quillon" / "filters");
+#else
+  fs::path folder = folderFromEnvironment("XDG_CONFIG_HOME");
+  if (folder.empty()) {
+    const fs::path home = folderFromEnvironment("HOME");
+    if (home.empty())
+      throw UserError(
+          "neither XDG_CONFIG_HOME nor HOME names a folder, so there is none for saved filters; set one, or "
+          "name a file");
+    folder = home / ".config";
+  }
+  return SavedFilters(folder / "quillon" / "filters");
+#endif
+}
+
+std::vector<std::string> SavedFilters::names() const {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder_, error), end; !error && entry != end; entry.increment(error)) {
+    const std::string file = utf8FromPath(entry->path().filename());
+    std::error_code ignored;
+    if (!file.ends_with(extension) || !entry->is_regular_file(ignored)) continue;
+    std::string name = file.substr(0, file.size() - extension.size());
+    if (faultOfFilterName(name).empty()) names.push_back(std::move(name));
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+fs::path SavedFilters::path(std::string_view name) const {
+  requireName(name);
+  return folder_ / pathFromUtf8(std::string(name) + std::string(extension));
+}
+
+bool SavedFilters::has(std::string_view name) const {
+  std::error_code ignored;
+  return faultOfFilterName(name).empty() && fs::is_regular_file(path(name), ignored);
+}
+
+void SavedFilters::requireFree(std::string_view name, bool replace) const {
+  const fs::path file = path(name);
+  std::error_code ignored;
+  if (!replace && fs::exists(fs::symlink_status(file, ignored)))
+    throw UserError("there is a filter \"" + std::string(name) + "\" already; give --replace-filter, or another name");
+}
+
+void SavedFilters::save(std::string_view name, std::string_view text, bool replace) const {
+  requireFree(name, replace);
+  const fs::path file = path(name);
+  std::error_code error;
+  fs::create_directories(folder_, error);
+  const Draft draft(folder_ / ("saving-" + uniqueNamePart()));
+  std::ofstream out(draft.file(), std::ios::binary);
+  out << text;
+  out.close();
+  if (!out) refuseToWrite(file);
+  if (replace) {
+    fs::rename(draft.file(), file, error);
+    if (error) refuseToWrite(file);
+  } else if (!nameIfFree(draft.file(), file)) {
+    requireFree(name, false);
+  }
+}
+
+void SavedFilters::requireThere(std::string_view name) const {
+  std::error_code ignored;
+  if (!fs::exists(fs::symlink_status(path(name), ignored))) refuseUnknown(name, "");
+}
+
+void SavedFilters::remove(std::string_view name) const {
+  requireThere(name);
+  const fs::path file = path(name);
+  std::error_code error;
+  fs::remove(file, error);
+  if (error) throw UserError("cannot remove " + utf8FromPath(file) + ": " + error.message());
+}
+
+std::string SavedFilters::fileOf(const std::string& nameOrFile) const {
+  if (isFilterFile(nameOrFile)) return nameOrFile;
+  if (has(nameOrFile)) return utf8FromPath(path(nameOrFile));
+  std::error_code ignored;
+  if (fs::exists(pathFromUtf8(nameOrFile), ignored)) return nameOrFile;
+  refuseUnknown(nameOrFile, ", and no file");
+}
+
+void SavedFilters::refuseUnknown(std::string_view name, const std::string& otherwise) const {
+  throw UserError("there is no saved filter \"" + std::string(name) + "\"" + otherwise + suggestion(name, names()) +
+                  "; see quillon filters list");
+}
+
+bool isFilterFile(std::string_view nameOrFile) {
+  return nameOrFile.find_first_of("/\\") != std::string_view::npos || endsIgnoringCase(nameOrFile, extension);
+}
+
+std::string faultOfFilterName(std::string_view name) {
+  std::size_t length = 0;
+  for (std::size_t position = 0; position < name.size(); ++length) {
+    if (!isAllowed(tsql::text::next(name, position)))
+      return "it may have letters, digits, blanks and - _ . ( ) + , in it";
+  }
+  if (length == 0) return "it is empty";
+  if (length > longestName) return "it has more than " + std::to_string(longestName) + " characters";
+  if (name.starts_with(' ') || name.starts_with('.') || name.ends_with(' ') || name.ends_with('.'))
+    return "it begins or ends with a blank or a point";
+  if (name.starts_with('-')) return "it begins like an option";
+  if (endsIgnoringCase(name, extension)) return "it ends like a file's";
+  if (isDevice(name)) return "Windows has a device of this name";
+  return {};
+}
+
+std::string filterFileText(const FilterObject& filter, const std::set<const FilterEntry*>& entries, Language language) {
+  using Json = nlohmann::ordered_json;
+  Json items = Json::array();
+  for (const auto& entry : filter.entries()) {
+    if (!entries.contains(entry.get())) continue;
+    const ItemRegistration& item = entry->item;
+    Json written = {{"name", item.key}, {"caption", item.caption(language)}};
+    if (item.range) written["range"] = true;
+    if (item.multiple) written["multi"] = true;
+    written["value"] = entry->value;
+    if (item.range) written["value2"] = entry->value2;
+    if (!entry->sql.empty()) written["sql"] = entry->sql;
+    items.push_back(std::move(written));
+  }
+  constexpr int indent = 2;
+  try {
+    return Json{{"id", filter.identifier()}, {"items", std::move(items)}}.dump(indent) + "\n";
+  } catch (const Json::exception&) {
+    throw UserError("the filter cannot be saved: a value is no Unicode text");
+  }
+}
+
+}  // namespace quillon::workbench
