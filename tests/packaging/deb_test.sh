@@ -46,6 +46,7 @@ deb --install "$package"
 (cd "$target" && find . ! -type d ! -path './usr/share/doc/quillon/docs/*' -printf '%P\n' | LC_ALL=C sort) \
   >"$work/files"
 [ -z "$(find "$target" ! -perm -u=r,g=r,o=r)" ] || fail "not everyone may read $(find "$target" ! -perm -u=r,g=r,o=r)"
+[ -f "$target/usr/share/doc/quillon/docs/filter-file.schema.json" ] || fail "the schema of filter files is missing"
 diff -u - "$work/files" <<'END' || fail "the package does not hold the files that it should"
 usr/bin/another
 usr/bin/quillon

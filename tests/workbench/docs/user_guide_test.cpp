@@ -6,6 +6,7 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -21,6 +22,8 @@
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/filter_file.h"
+#include "workbench/platform/lookup.h"
 #include "workbench/platform/resource_texts.h"
 
 namespace quillon::workbench {
@@ -398,6 +401,38 @@ TEST_F(ResultTables, OfTheDetailLedgerHasOtherColumnsWhenThereIsNothingToReport)
 
 TEST_F(ResultTables, OfTheVoucherReportIsAsWritten) {
   EXPECT_THAT(made("fx-wt", {}), ElementsAreArray(written("Result table of clsFXWt", false)));
+}
+
+// --- Finding things -------------------------------------------------------------------------------------------------
+
+TEST(Lists, AreTheProgramsAndNoOthers) {
+  std::vector<std::string> written, known;
+  for (const std::vector<std::string>& row : sectionTable("Finding things").rows) {
+    for (const std::string& kind : test::namesIn(row.front()))
+      written.push_back(kind);
+  }
+  for (const Lookup* const lookup : lookups())
+    known.emplace_back(lookup->kind);
+  EXPECT_THAT(written, UnorderedElementsAreArray(known));
+}
+
+TEST(FilterFiles, AreReadAsThePageShows) {
+  std::ifstream page(QUILLON_CHECKOUT "/docs/filter-files.md", std::ios::binary);
+  const std::string text((std::istreambuf_iterator<char>(page)), std::istreambuf_iterator<char>());
+  constexpr std::string_view fence = "```json\n";
+  const auto begin = text.find(fence) + fence.size();
+  FilterObject filter(reportNamed("sfc-item").registration, InitialValues::none);
+  applyFilterFile(filter, text.substr(begin, text.find("```", begin) - begin), "the example");
+  EXPECT_EQ(filter.identifier(), "CA3BAD03-9D4C-463A-827E-E971D5A36C81");
+  EXPECT_EQ(filter.find("cWhCode")->value, "线边库\t01");
+  EXPECT_EQ(filter.find("dKeepDate")->value2, "2024-03-31");
+  EXPECT_EQ(filter.find("bIncludeExpire")->value, "0");
+  // Each member of the schema has its row.
+  for (const nlohmann::json& schema = nlohmann::json::parse(filterFileSchema);
+       const auto* const members : {&schema["properties"], &schema["properties"]["items"]["items"]["properties"]}) {
+    for (const auto& [member, ignored] : members->items())
+      EXPECT_NE(text.find("`" + member + "`"), std::string::npos) << member;
+  }
 }
 
 // --- The reader of the guide ----------------------------------------------------------------------------------------
