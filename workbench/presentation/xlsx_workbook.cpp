@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <map>
@@ -18,6 +18,7 @@
 #include "workbench/presentation/output_file.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/presentation/xlsx_formulas.h"
 #include "workbench/tsql/values/text.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -34,11 +35,34 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr int exactDigits = 15;  // of a number in a cell, which is a double
 constexpr int moneyDecimals = 2;
 constexpr double textWidth = 14, dateWidth = 11, numberWidth = 15;  // in characters
 
-enum class Style { plain, title, bold, heading, total };
+enum class Style {
+  plain,
+  title,
+  bold,
+  heading,
+  detail,
+  outerGroup,
+  group,
+  subtotal,
+  opening,
+  monthTotal,
+  yearTotal,
+  closing,
+  difference,
+  total
+};
+
+// How a cell looks.
+struct Look {
+  Style style = Style::plain;
+  std::string numberFormat = {};  // empty shows a number as it is
+  int indent = 0;
+  bool right = false;  // a number that is a text stands where numbers do
+  auto operator<=>(const Look&) const = default;
+};
 
 // `text` as XML 1.0 can hold it: other control characters in Excel's own notation _xHHHH_, and what looks like that
 // notation escaped by it; what is no character becomes U+FFFD.
@@ -65,14 +89,6 @@ std::string cellString(std::string_view text) {
   return result;
 }
 
-// Whether a double tells `number` ("-1234.5600") from its neighbours.
-bool fitsCell(std::string_view number) {
-  std::string digits;
-  std::ranges::copy_if(number, std::back_inserter(digits), [](char c) { return c >= '0' && c <= '9'; });
-  const std::size_t first = digits.find_first_not_of('0');
-  return first == std::string::npos || digits.find_last_not_of('0') - first < exactDigits;
-}
-
 int decimalsOf(const ReportDocument& document, ColumnRole role) {
   if (role == ColumnRole::unitCost) return document.unitCostDecimals;
   return isMoney(role) ? moneyDecimals : document.quantityDecimals;
@@ -82,87 +98,110 @@ std::string numberFormat(int decimals) {
   return decimals == 0 ? "#,##0" : "#,##0." + std::string(static_cast<std::size_t>(decimals), '0');
 }
 
-// The one sheet, written from top to bottom, each row from left to right.
+bool isNumberLook(const Look& look) {
+  return !look.numberFormat.empty();
+}
+
+lxw_datetime cellTime(tsql::DateTime time) {
+  const std::string text = tsql::toText(time).value();  // yyyy-mm-dd hh:mm:ss.fff
+  const auto part = [text = std::string_view(text)](std::size_t at, std::size_t count) {
+    return tsql::text::wholeNumber(text.substr(at, count)).value();
+  };
+  return {part(0, 4), part(5, 2), part(8, 2), part(11, 2), part(14, 2), std::stod(text.substr(17))};
+}
+
+// What is not worth a mark in the corner of a cell: codes are texts, and formulas sum what they are meant to sum.
+void ignoreWarnings(lxw_worksheet& sheet) {
+  constexpr const char* everywhere = "A1:XFD1048576";
+  for (const lxw_ignore_errors warning :
+       {LXW_IGNORE_NUMBER_STORED_AS_TEXT, LXW_IGNORE_FORMULA_DIFFERS, LXW_IGNORE_FORMULA_RANGE})
+    worksheet_ignore_errors(&sheet, static_cast<std::uint8_t>(warning), everywhere);
+}
+
+class Workbook;
+
+// A sheet, written from top to bottom, each row from left to right.
 class Sheet {
  public:
-  Sheet(const std::filesystem::path& file, const std::string& name) : file_(utf8FromPath(file)), output_(file) {
-    lxw_workbook_options options{};
-    options.constant_memory = LXW_TRUE;
-    workbook_.reset(workbook_new_opt(utf8FromPath(output_.path()).c_str(), &options));
-    if (!workbook_) throw UserError("cannot write " + file_ + ": no temporary file can be made for it");
-    sheet_ = workbook_add_worksheet(workbook_.get(), name.c_str());
-    if (sheet_ == nullptr) throw UserError("cannot write " + file_ + ": no temporary file can be made for it");
-    worksheet_set_landscape(sheet_);
-    worksheet_fit_to_pages(sheet_, 1, 0);
+  Sheet(Workbook& book, lxw_worksheet& sheet) : book_(book), sheet_(sheet) {
+    worksheet_set_landscape(&sheet_);
+    worksheet_set_paper(&sheet_, paperA4);
+    worksheet_fit_to_pages(&sheet_, 1, 0);
+    ignoreWarnings(sheet_);
   }
 
   lxw_row_t row() const { return row_; }
+  lxw_col_t column() const { return column_; }
+  lxw_worksheet* worksheet() { return &sheet_; }
   void endRow() {
     ++row_;
     column_ = 0;
   }
-  // Passes over the next cell; it has the style all the same.
-  void blank(Style style) { check(worksheet_write_blank(sheet_, row_, column_++, format(style, ""))); }
-  void text(std::string_view text, Style style) {
-    check(worksheet_write_string(sheet_, row_, column_++, cellString(text).c_str(), format(style, "")));
-  }
-  // `exact` as tsql::toText gives it; an empty `numberFormat` shows the number as it is.
-  void number(std::string_view exact, Style style, const std::string& numberFormat) {
-    if (!fitsCell(exact)) {
-      text(exact, style);
-      return;
-    }
-    double value = 0;
-    std::from_chars(exact.data(), exact.data() + exact.size(), value);
-    check(worksheet_write_number(sheet_, row_, column_++, value, format(style, numberFormat)));
-  }
-  void date(tsql::DateTime time, Style style) {
-    const std::string text = tsql::toText(time).value();  // yyyy-mm-dd hh:mm:ss.fff
-    const auto part = [text = std::string_view(text)](std::size_t at, std::size_t count) {
-      return tsql::text::wholeNumber(text.substr(at, count)).value();
-    };
-    if (time.ticks < 0) {
-      this->text(plainText(time, ""), style);
-      return;
-    }
-    lxw_datetime cell{part(0, 4), part(5, 2), part(8, 2), part(11, 2), part(14, 2), std::stod(text.substr(17))};
-    const bool day = time.ticks % tsql::DateTime::ticksPerDay == 0;
-    check(worksheet_write_datetime(sheet_, row_, column_++, &cell,
-                                   format(style, day ? "yyyy-mm-dd" : "yyyy-mm-dd hh:mm:ss")));
-  }
+  // Passes over the next cell; it has the look all the same.
+  void blank(const Look& look);
+  void text(std::string_view text, const Look& look);
+  // Over the next `columns` cells.
+  void textOver(std::string_view text, std::size_t columns, const Look& look);
+  // An exact number; one that a cell cannot hold is a text.
+  void number(const tsql::Value& exact, const Look& look);
+  // The same as it is known by its text.
+  void numberText(std::string_view exact, const Look& look);
+  void formula(const std::string& formula, double result, const Look& look);
+  void date(tsql::DateTime time, Look look);
   // A value of a column with this role.
-  void value(const ReportDocument& document, ColumnRole role, const tsql::Value& value, Style style) {
-    if (tsql::isNull(value)) {
-      blank(style);
-    } else if (const auto* text = std::get_if<std::string>(&value)) {
-      this->text(*text, style);
-    } else if (const auto* time = std::get_if<tsql::DateTime>(&value)) {
-      date(*time, style);
-    } else if (const auto* real = std::get_if<double>(&value)) {
-      check(worksheet_write_number(sheet_, row_, column_++, *real,
-                                   format(style, isNumber(role) ? numberFormat(decimalsOf(document, role)) : "")));
-    } else {
-      number(tsql::toText(value).value(), style, isNumber(role) ? numberFormat(decimalsOf(document, role)) : "");
-    }
-  }
+  void value(const ReportDocument& document, ColumnRole role, const tsql::Value& value, Look look);
+  // The current row lies so deep in an outline.
+  void outline(int level);
 
   // Column `column` shall be at least so wide.
   void widen(std::size_t column, double width) {
     if (widths_.size() <= column) widths_.resize(column + 1);
     widths_[column] = std::max(widths_[column], width);
   }
+  const std::vector<double>& widths() const { return widths_; }
+  void setWidths();
   // The row of headings can filter the rows below it, down to the one before the current one, and every printed page
   // repeats it.
-  void filter(lxw_row_t headings, std::size_t columns) {
-    check(worksheet_autofilter(sheet_, headings, 0, row_ - 1, static_cast<lxw_col_t>(columns - 1)));
-    check(worksheet_repeat_rows(sheet_, headings, headings));
+  void filter(lxw_row_t headings, std::size_t columns);
+
+ private:
+  static constexpr std::uint8_t paperA4 = 9;
+
+  void real(double number, const Look& look);
+
+  Workbook& book_;
+  lxw_worksheet& sheet_;
+  std::vector<double> widths_;
+  lxw_row_t row_ = 0;
+  lxw_col_t column_ = 0;
+};
+
+class Workbook {
+ public:
+  explicit Workbook(const std::filesystem::path& file) : file_(utf8FromPath(file)), output_(file) {
+    lxw_workbook_options options{};
+    options.constant_memory = LXW_TRUE;
+    workbook_.reset(workbook_new_opt(utf8FromPath(output_.path()).c_str(), &options));
+    if (!workbook_) failToBegin();
+  }
+
+  // It stays as long as the workbook.
+  Sheet& add(const std::string& name) {
+    lxw_worksheet* sheet = workbook_add_worksheet(workbook_.get(), name.c_str());
+    if (sheet == nullptr) failToBegin();
+    return *sheets_.emplace_back(std::make_unique<Sheet>(*this, *sheet));
+  }
+
+  void describe(std::string title, std::string company) {
+    lxw_doc_properties properties{};
+    properties.title = title.data();
+    properties.company = company.data();
+    check(workbook_set_properties(workbook_.get(), &properties));
   }
 
   void save() {
-    for (std::size_t column = 0; column < widths_.size(); ++column) {
-      const auto number = static_cast<lxw_col_t>(column);
-      check(worksheet_set_column(sheet_, number, number, widths_[column], nullptr));
-    }
+    for (const auto& sheet : sheets_)
+      sheet->setWidths();
     // libxlsxwriter would say in its own words, and in the terms of the C library, that a file cannot be begun.
     std::ofstream file(output_.path(), std::ios::binary);
     file.close();
@@ -172,14 +211,30 @@ class Sheet {
     output_.complete();
   }
 
+  void check(lxw_error error) const {
+    if (error == LXW_NO_ERROR) return;
+    throw UserError("cannot write " + file_ + ": " + reasonOf(error) + ", or write --format csv");
+  }
+
+  lxw_format* format(const Look& look) {
+    if (look == Look()) return nullptr;
+    lxw_format*& format = formats_[look];
+    if (format != nullptr) return format;
+    format = workbook_add_format(workbook_.get());
+    if (!look.numberFormat.empty()) format_set_num_format(format, look.numberFormat.c_str());
+    if (look.indent > 0) format_set_indent(format, static_cast<std::uint8_t>(look.indent));
+    if (look.right) format_set_align(format, LXW_ALIGN_RIGHT);
+    dress(*format, look.style);
+    return format;
+  }
+
  private:
   struct Free {
     void operator()(lxw_workbook* workbook) const { lxw_workbook_free(workbook); }
   };
 
-  void check(lxw_error error) const {
-    if (error == LXW_NO_ERROR) return;
-    throw UserError("cannot write " + file_ + ": " + reasonOf(error) + ", or write --format csv");
+  [[noreturn]] void failToBegin() const {
+    throw UserError("cannot write " + file_ + ": no temporary file can be made for it");
   }
 
   // libxlsxwriter's own words speak of its calls.
@@ -197,69 +252,186 @@ class Sheet {
     }
   }
 
-  lxw_format* format(Style style, const std::string& numberFormat) {
-    if (style == Style::plain && numberFormat.empty()) return nullptr;
-    lxw_format*& format = formats_[{style, numberFormat}];
-    if (format != nullptr) return format;
-    format = workbook_add_format(workbook_.get());
-    if (!numberFormat.empty()) format_set_num_format(format, numberFormat.c_str());
-    if (style != Style::plain) format_set_bold(format);
-    if (style == Style::title) format_set_font_size(format, 14);
-    if (style == Style::heading || style == Style::total) format_set_bg_color(format, 0xEEF1F5);
-    if (style == Style::heading) {
-      format_set_align(format, LXW_ALIGN_CENTER);
-      format_set_align(format, LXW_ALIGN_VERTICAL_CENTER);
-      format_set_text_wrap(format);
-      format_set_bottom(format, LXW_BORDER_THIN);
+  static void dress(lxw_format& format, Style style) {
+    constexpr lxw_color_t strong = 0xDCE3EC, shaded = 0xEEF1F5, faint = 0xF7F8FA, grey = 0x555555, red = 0xC00000;
+    const auto fill = [&format](lxw_color_t color) { format_set_bg_color(&format, color); };
+    if (style != Style::plain && style != Style::detail) format_set_bold(&format);
+    switch (style) {
+      case Style::plain:
+      case Style::bold:
+        break;
+      case Style::title:
+        format_set_font_size(&format, 14);
+        break;
+      case Style::heading:
+        fill(shaded);
+        format_set_align(&format, LXW_ALIGN_CENTER);
+        format_set_align(&format, LXW_ALIGN_VERTICAL_CENTER);
+        format_set_text_wrap(&format);
+        format_set_bottom(&format, LXW_BORDER_THIN);
+        break;
+      case Style::detail:
+        format_set_font_color(&format, grey);
+        break;
+      case Style::outerGroup:
+        fill(strong);
+        break;
+      case Style::group:
+      case Style::yearTotal:
+        fill(shaded);
+        break;
+      case Style::opening:
+      case Style::monthTotal:
+        fill(faint);
+        break;
+      case Style::subtotal:
+        fill(faint);
+        format_set_top(&format, LXW_BORDER_HAIR);
+        break;
+      case Style::closing:
+      case Style::total:
+        fill(shaded);
+        format_set_top(&format, LXW_BORDER_THIN);
+        break;
+      case Style::difference:
+        format_set_font_color(&format, red);
+        break;
     }
-    return format;
   }
 
   std::string file_;
   OutputFile output_;
   std::unique_ptr<lxw_workbook, Free> workbook_;
-  lxw_worksheet* sheet_ = nullptr;  // the workbook's
-  std::map<std::pair<Style, std::string>, lxw_format*> formats_;
-  std::vector<double> widths_;
-  lxw_row_t row_ = 0;
-  lxw_col_t column_ = 0;
+  std::vector<std::unique_ptr<Sheet>> sheets_;
+  std::map<Look, lxw_format*> formats_;
 };
 
+void Sheet::blank(const Look& look) {
+  book_.check(worksheet_write_blank(&sheet_, row_, column_++, book_.format(look)));
+}
+
+void Sheet::text(std::string_view text, const Look& look) {
+  book_.check(worksheet_write_string(&sheet_, row_, column_++, cellString(text).c_str(), book_.format(look)));
+}
+
+void Sheet::textOver(std::string_view text, std::size_t columns, const Look& look) {
+  if (columns == 1) {
+    this->text(text, look);
+    return;
+  }
+  const auto last = static_cast<lxw_col_t>(column_ + columns - 1);
+  book_.check(worksheet_merge_range(&sheet_, row_, column_, row_, last, cellString(text).c_str(), book_.format(look)));
+  column_ = static_cast<lxw_col_t>(last + 1);
+}
+
+void Sheet::real(double number, const Look& look) {
+  book_.check(worksheet_write_number(&sheet_, row_, column_++, number, book_.format(look)));
+}
+
+void Sheet::number(const tsql::Value& exact, const Look& look) {
+  if (const auto number = cellNumber(exact)) {
+    real(*number, look);
+  } else {
+    text(tsql::toText(exact).value(), {.style = look.style, .right = isNumberLook(look)});
+  }
+}
+
+void Sheet::numberText(std::string_view exact, const Look& look) {
+  if (const auto number = cellNumber(exact)) {
+    real(*number, look);
+  } else {
+    text(exact, {.style = look.style, .right = isNumberLook(look)});
+  }
+}
+
+void Sheet::formula(const std::string& formula, double result, const Look& look) {
+  const std::string text = "=" + formula;
+  book_.check(worksheet_write_formula_num(&sheet_, row_, column_++, text.c_str(), book_.format(look), result));
+}
+
+void Sheet::date(tsql::DateTime time, Look look) {
+  if (time.ticks < 0) {
+    text(plainText(time, ""), look);
+    return;
+  }
+  lxw_datetime cell = cellTime(time);
+  const bool day = time.ticks % tsql::DateTime::ticksPerDay == 0;
+  look.numberFormat = day ? "yyyy-mm-dd" : "yyyy-mm-dd hh:mm:ss";
+  book_.check(worksheet_write_datetime(&sheet_, row_, column_++, &cell, book_.format(look)));
+}
+
+void Sheet::value(const ReportDocument& document, ColumnRole role, const tsql::Value& value, Look look) {
+  if (tsql::isNull(value)) {
+    blank(look);
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    this->text(*text, look);
+  } else if (const auto* time = std::get_if<tsql::DateTime>(&value)) {
+    date(*time, look);
+  } else {
+    if (isNumber(role)) look.numberFormat = numberFormat(decimalsOf(document, role));
+    if (const auto* real = std::get_if<double>(&value)) {
+      this->real(*real, look);
+    } else {
+      number(value, look);
+    }
+  }
+}
+
+void Sheet::outline(int level) {
+  constexpr int deepest = 7;
+  if (level <= 0) return;
+  lxw_row_col_options options{};
+  options.level = static_cast<std::uint8_t>(std::min(level, deepest));
+  book_.check(worksheet_set_row_opt(&sheet_, row_, LXW_DEF_ROW_HEIGHT, nullptr, &options));
+}
+
+void Sheet::setWidths() {
+  for (std::size_t column = 0; column < widths_.size(); ++column) {
+    const auto number = static_cast<lxw_col_t>(column);
+    if (widths_[column] > 0) book_.check(worksheet_set_column(&sheet_, number, number, widths_[column], nullptr));
+  }
+}
+
+void Sheet::filter(lxw_row_t headings, std::size_t columns) {
+  book_.check(worksheet_autofilter(&sheet_, headings, 0, row_ - 1, static_cast<lxw_col_t>(columns - 1)));
+  book_.check(worksheet_repeat_rows(&sheet_, headings, headings));
+}
+
 void writeConditions(Sheet& sheet, const ReportDocument& document) {
-  sheet.text(document.title, Style::title);
+  sheet.text(document.title, {Style::title});
   sheet.endRow();
   for (const auto& [caption, text] : document.conditions) {
-    sheet.text(caption, Style::bold);
-    sheet.text(text, Style::plain);
+    sheet.text(caption, {Style::bold});
+    sheet.text(text, {Style::plain});
     sheet.endRow();
   }
   sheet.endRow();
 }
 
 void writeCross(Sheet& sheet, const ReportDocument& document) {
-  sheet.text(document.text(crossCaption), Style::bold);
+  sheet.text(document.text(crossCaption), {Style::bold});
   sheet.endRow();
-  sheet.text(document.text(codeCaption), Style::heading);
-  sheet.text(document.text(costItemCaption), Style::heading);
+  sheet.text(document.text(codeCaption), {Style::heading});
+  sheet.text(document.text(costItemCaption), {Style::heading});
   for (const CrossState& state : document.crossStates) {
-    sheet.text(crossHeading(document, state, quantityCaption), Style::heading);
-    sheet.text(crossHeading(document, state, moneyCaption), Style::heading);
+    sheet.text(crossHeading(document, state, quantityCaption), {Style::heading});
+    sheet.text(crossHeading(document, state, moneyCaption), {Style::heading});
   }
   sheet.endRow();
   const auto writeSums = [&](const CrossRow& row, Style style) {
     for (std::size_t state = 0; state < document.crossStates.size(); ++state) {
-      sheet.number(row.quantity[state], style, numberFormat(document.quantityDecimals));
-      sheet.number(row.money[state], style, numberFormat(moneyDecimals));
+      sheet.numberText(row.quantity[state], {style, numberFormat(document.quantityDecimals)});
+      sheet.numberText(row.money[state], {style, numberFormat(moneyDecimals)});
     }
     sheet.endRow();
   };
   for (const CrossRow& row : document.cross.rows) {
-    sheet.text(row.code, Style::plain);
-    sheet.text(costItemName(document, row), Style::plain);
+    sheet.text(row.code, {Style::plain});
+    sheet.text(costItemName(document, row), {Style::plain});
     writeSums(row, Style::plain);
   }
-  sheet.text(document.text(totalCaption), Style::total);
-  sheet.blank(Style::total);
+  sheet.text(document.text(totalCaption), {Style::total});
+  sheet.blank({Style::total});
   writeSums(document.cross.total, Style::total);
   for (std::size_t column = 2; column < 2 + 2 * document.crossStates.size(); ++column)
     sheet.widen(column, numberWidth);
@@ -283,26 +455,26 @@ double widthOf(const ReportColumn& column) {
 
 void writeRows(Sheet& sheet, const ReportDocument& document, const ResultTable& table,
                std::optional<std::int64_t> limit) {
-  sheet.text(document.text(rowsCaption), Style::bold);
+  sheet.text(document.text(rowsCaption), {Style::bold});
   sheet.endRow();
   const lxw_row_t headings = sheet.row();
   for (std::size_t i = 0; i < document.columns.size(); ++i) {
-    sheet.text(document.columns[i].caption(document.language), Style::heading);
+    sheet.text(document.columns[i].caption(document.language), {Style::heading});
     sheet.widen(i, widthOf(document.columns[i]));
   }
   sheet.endRow();
   const auto cursor = table.rows(document.columns);
   for (std::int64_t shown = 0; (!limit || shown < *limit) && cursor->next(); ++shown) {
     for (std::size_t i = 0; i < document.columns.size(); ++i)
-      sheet.value(document, document.columns[i].role, cursor->value(i), Style::plain);
+      sheet.value(document, document.columns[i].role, cursor->value(i), {});
     sheet.endRow();
   }
   sheet.filter(headings, document.columns.size());
   for (std::size_t i = 0; i < document.columns.size(); ++i) {
     if (const auto& total = document.totals[i]) {
-      sheet.number(*total, Style::total, numberFormat(decimalsOf(document, document.columns[i].role)));
+      sheet.numberText(*total, {Style::total, numberFormat(decimalsOf(document, document.columns[i].role))});
     } else {
-      sheet.text(totalText(document, i), Style::total);
+      sheet.text(totalText(document, i), {Style::total});
     }
   }
   sheet.endRow();
@@ -313,7 +485,7 @@ void writeLedger(Sheet& sheet, const ReportDocument& document, const ResultTable
   const lxw_row_t headings = sheet.row();
   const std::vector<ReportColumn> columns = ledgerColumns(document);
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    sheet.text(columns[i].caption(document.language), Style::heading);
+    sheet.text(columns[i].caption(document.language), {Style::heading});
     sheet.widen(i, widthOf(columns[i]));
   }
   sheet.endRow();
@@ -321,21 +493,335 @@ void writeLedger(Sheet& sheet, const ReportDocument& document, const ResultTable
   for (std::int64_t shown = 0; (!limit || shown < *limit) && rows.next(); ++shown) {
     const LedgerRow& row = rows.row();
     for (std::size_t i = 0; i < columns.size(); ++i)
-      sheet.value(document, columns[i].role, row.values[i], isBalance(row.kind) ? Style::total : Style::plain);
+      sheet.value(document, columns[i].role, row.values[i], {isBalance(row.kind) ? Style::total : Style::plain});
     sheet.endRow();
   }
   sheet.filter(headings, columns.size());
 }
 
+// What a heading says beside conditions.
+constexpr Caption companyCaption{"单位", "Company"};
+constexpr Caption periodCaption{"期间", "Period"};
+constexpr Caption printedCaption{"打印日期", "Printed"};
+constexpr Caption pageFooter{"第 &P 页，共 &N 页", "Page &P of &N"};
+
+// In characters, as a column's width is counted.
+constexpr std::size_t leastWidth = 6, greatestWidth = 48, greatestHeadingWidth = 22, frozenWidth = 70;
+constexpr std::size_t headingLineWidth = 110;
+
+// `text` in what is printed above and below pages, where & begins a code.
+std::string pageText(std::string_view text) {
+  constexpr std::size_t longest = 60;
+  std::string result;
+  for (const char c : shortened(oneLine(text), longest))
+    result.append(c == '&' ? 2 : 1, c);
+  return result;
+}
+
+// A name that a sheet may have, shorter by what tells sheets of one name apart.
+std::string legalName(std::string_view text) {
+  constexpr std::size_t longest = 22;
+  std::string name;
+  for (std::size_t length = 0; !text.empty() && length < longest; ++length) {
+    const std::string_view before = text;
+    const char32_t character = takeCharacter(text);
+    const bool legal =
+        character >= ' ' && std::u32string_view(U"[]:*?/\\'").find(character) == std::u32string_view::npos;
+    name += legal ? before.substr(0, before.size() - text.size()) : " ";
+  }
+  return name;
+}
+
+Style styleOf(const ViewRow& row) {
+  switch (row.kind) {
+    case RowKind::line:
+      return Style::plain;
+    case RowKind::detail:
+      return Style::detail;
+    case RowKind::group:
+      return row.level == 0 ? Style::outerGroup : Style::group;
+    case RowKind::subtotal:
+      return Style::subtotal;
+    case RowKind::opening:
+      return Style::opening;
+    case RowKind::monthTotal:
+      return Style::monthTotal;
+    case RowKind::yearTotal:
+      return Style::yearTotal;
+    case RowKind::closing:
+      return Style::closing;
+    case RowKind::difference:
+      return Style::difference;
+    case RowKind::total:
+      break;
+  }
+  return Style::total;
+}
+
+// What stands above the columns of each sheet, a line each: title; company, period and day of printing; conditions, as
+// many beside each other as are read at a glance, because the lines stay in sight.
+std::vector<std::string> headingLines(const ReportDocument& document) {
+  const bool chinese = document.language == Language::chinese;
+  const std::string_view colon = chinese ? "：" : ": ", blank = chinese ? "　" : "   ";
+  std::vector<std::string> lines = {document.title};
+  const auto add = [&](std::string_view caption, const std::string& text, bool first) {
+    if (text.empty()) return;
+    const std::string item = std::string(caption).append(colon).append(oneLine(text));
+    const bool fits = cellWidth(lines.back()) + cellWidth(item) + cellWidth(blank) <= headingLineWidth;
+    if (first || lines.size() == 1 || !fits) {
+      lines.push_back(item);
+    } else {
+      lines.back().append(blank).append(item);
+    }
+  };
+  add(document.text(companyCaption), document.company, false);
+  add(document.text(periodCaption), document.period, false);
+  add(document.text(printedCaption), document.printed, false);
+  bool first = true;
+  for (const auto& [caption, text] : document.conditions) {
+    add(caption, text, first);
+    first = first && text.empty();
+  }
+  return lines;
+}
+
+void writeHeading(Sheet& sheet, const std::vector<std::string>& lines) {
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    sheet.text(lines[i], {i == 0 ? Style::title : Style::plain});
+    sheet.endRow();
+  }
+}
+
+// A section on its sheets.
+class SectionSheets {
+ public:
+  SectionSheets(Workbook& book, const ReportDocument& document, const ReportSection& section, const std::string& name,
+                std::int64_t rowsOfSheet)
+      : book_(book),
+        document_(document),
+        section_(section),
+        view_(section.cut() ? limited(section.view, *section.limit) : section.view),
+        lines_(headingLines(document)),
+        grouped_(
+            std::ranges::any_of(view_.columns, [](const ViewColumn& column) { return !column.groupChinese.empty(); })),
+        capacity_(capacityOf(rowsOfSheet)),
+        places_(name, static_cast<std::int64_t>(headRows()) + 1, capacity_),
+        formulas_(view_, decimalsOfColumns(), places_) {}
+
+  void write() {
+    beginSheet();
+    for (const auto rows = view_.rows(); rows->next(); ++row_) {
+      if (row_ > 0 && row_ % capacity_ == 0) {
+        endSheet();
+        beginSheet();
+      }
+      writeRow(rows->row(), formulas_.ofRow(rows->row()));
+    }
+    endBody();
+    for (const ViewRow& total : view_.totals)
+      writeRow(total, section_.cut() ? XlsxFormulas::Row(total.cells.size()) : formulas_.ofTotal(total));
+    sheet_->endRow();
+    sheet_->text(countText(), {});
+    finishSheet();
+  }
+
+ private:
+  std::size_t headRows() const { return lines_.size() + (grouped_ ? 2 : 1); }
+
+  std::int64_t capacityOf(std::int64_t rowsOfSheet) const {
+    const std::size_t beside = headRows() + view_.totals.size() + 2;  // a blank row and the count of rows
+    return std::max<std::int64_t>(rowsOfSheet - static_cast<std::int64_t>(beside), 1);
+  }
+
+  std::vector<int> decimalsOfColumns() const {
+    std::vector<int> decimals;
+    for (const ViewColumn& column : view_.columns)
+      decimals.push_back(decimalsOf(document_, column.column.role));
+    return decimals;
+  }
+
+  void beginSheet() {
+    sheet_ = &book_.add(places_.sheetName(places_.sheetOf(row_)));
+    onlyLines_ = true;
+    writeHeading(*sheet_, lines_);
+    if (grouped_) writeGroups();
+    for (std::size_t i = 0; i < view_.columns.size(); ++i) {
+      const std::string& caption = view_.columns[i].caption(document_.language);
+      sheet_->text(caption, {Style::heading});
+      widen(i, std::min(cellWidth(caption) + filterArrow, greatestHeadingWidth));
+    }
+    sheet_->endRow();
+  }
+
+  // The headings that neighbours share.
+  void writeGroups() {
+    for (std::size_t i = 0; i < view_.columns.size();) {
+      const std::string& group = view_.columns[i].group(document_.language);
+      std::size_t end = i + 1;
+      while (!group.empty() && end < view_.columns.size() && view_.columns[end].group(document_.language) == group)
+        ++end;
+      if (group.empty()) {
+        sheet_->blank({Style::heading});
+      } else {
+        sheet_->textOver(group, end - i, {Style::heading});
+        for (std::size_t column = i; column < end; ++column)
+          widen(column, std::min(cellWidth(group) / (end - i) + 2, greatestHeadingWidth));
+      }
+      i = end;
+    }
+    sheet_->endRow();
+  }
+
+  void writeRow(const ViewRow& row, const XlsxFormulas::Row& formulas) {
+    onlyLines_ = onlyLines_ && row.kind == RowKind::line;
+    const int level = levelOf(row);
+    sheet_->outline(level);
+    const Look look{styleOf(row)};
+    for (std::size_t i = 0; i < view_.columns.size(); ++i) {
+      const ReportColumn& column = view_.columns[i].column;
+      const tsql::Value& value = row.cells[i];
+      if (row_ < rowsMeasured || isSetOff(row.kind)) measure(i, value, level);
+      if (!formulas[i].empty()) {
+        sheet_->formula(formulas[i], cellNumber(value).value_or(0),
+                        {look.style, numberFormat(decimalsOf(document_, column.role))});
+      } else if (i == 0 && level > 0 && std::holds_alternative<std::string>(value)) {
+        sheet_->value(document_, column.role, value, {.style = look.style, .indent = level});
+      } else {
+        sheet_->value(document_, column.role, value, look);
+      }
+    }
+    sheet_->endRow();
+  }
+
+  // How deep a row lies: what is below the head of a group is one deeper than this, and so are a line's details.
+  int levelOf(const ViewRow& row) {
+    switch (row.kind) {
+      case RowKind::group:
+        below_ = row.level + 1;
+        heads_ = headBefore_ = true;
+        return row.level;
+      case RowKind::subtotal:
+        ends_ = true;
+        return row.level;
+      case RowKind::line:
+        if (headBefore_) nested_ = row.level >= below_;
+        headBefore_ = false;
+        return nested_ ? row.level : std::max(row.level, below_);
+      case RowKind::detail:
+        heads_ = true;
+        return std::max(row.level, below_ + 1);
+      default:
+        return 0;
+    }
+  }
+
+  void measure(std::size_t column, const tsql::Value& value, int indent) {
+    const auto depth = static_cast<std::size_t>(column == 0 ? indent : 0);
+    const std::size_t width = cellWidth(cellText(document_, view_.columns[column].column, value));
+    if (width > 0) widen(column, std::min(width + margin + depth, greatestWidth));
+  }
+  void widen(std::size_t column, std::size_t width) {
+    widths_.resize(view_.columns.size(), leastWidth);
+    widths_[column] = std::max(widths_[column], width);
+  }
+
+  void endBody() {
+    // A filter would tear lines from the rows that head and sum them.
+    lxw_worksheet* sheet = sheet_->worksheet();
+    if (onlyLines_ && sheet_->row() > headRows()) {
+      book_.check(worksheet_autofilter(sheet, static_cast<lxw_row_t>(headRows() - 1), 0, sheet_->row() - 1,
+                                       static_cast<lxw_col_t>(view_.columns.size() - 1)));
+    }
+    if (heads_ || ends_)
+      worksheet_outline_settings(sheet, LXW_TRUE, heads_ ? LXW_FALSE : LXW_TRUE, LXW_TRUE, LXW_FALSE);
+  }
+
+  void endSheet() {
+    endBody();
+    finishSheet();
+  }
+
+  void finishSheet() {
+    lxw_worksheet* sheet = sheet_->worksheet();
+    for (std::size_t i = 0; i < widths_.size(); ++i)
+      sheet_->widen(i, static_cast<double>(widths_[i]));
+    worksheet_freeze_panes(sheet, static_cast<lxw_row_t>(headRows()), keyColumns(frozenWidth));
+    const auto headings = static_cast<lxw_row_t>(headRows() - 1);
+    book_.check(worksheet_repeat_rows(sheet, grouped_ ? headings - 1 : headings, headings));
+    setPages(*sheet);
+  }
+
+  // The keys that the columns begin with and that leave room beside them.
+  lxw_col_t keyColumns(std::size_t room) const {
+    std::size_t width = 0;
+    lxw_col_t keys = 0;
+    while (keys < view_.columns.size() && view_.columns[keys].key) {
+      width += widths_[keys];
+      if (width > room) break;
+      ++keys;
+    }
+    return keys;
+  }
+
+  // One page wide when figures then are at least half their size, else as few pages as keep that, each with the keys.
+  void setPages(lxw_worksheet& sheet) {
+    constexpr double pageWidth = 140;  // the characters that an A4 page has room for at full size
+    constexpr double least = 0.5;
+    constexpr double edge = 0.4, top = 0.6;  // inches
+    double width = 0;
+    for (const std::size_t column : widths_)
+      width += static_cast<double>(column) + 0.7;
+    const auto pages = static_cast<std::uint16_t>(std::max(1.0, std::ceil(width * least / pageWidth)));
+    worksheet_fit_to_pages(&sheet, pages, 0);
+    const lxw_col_t keys = keyColumns(static_cast<std::size_t>(pageWidth / least / 3));
+    if (pages > 1 && keys > 0) book_.check(worksheet_repeat_columns(&sheet, 0, static_cast<lxw_col_t>(keys - 1)));
+    worksheet_set_margins(&sheet, edge, edge, top, top);
+    const std::string head = "&L" + pageText(document_.company) + "&R" + pageText(document_.title);
+    const std::string foot = "&L" + pageText(document_.period) + "&C" + std::string(document_.text(pageFooter)) + "&R" +
+                             pageText(document_.printed);
+    book_.check(worksheet_set_header(&sheet, head.c_str()));
+    book_.check(worksheet_set_footer(&sheet, foot.c_str()));
+  }
+
+  std::string countText() const {
+    ReportDocument counted = document_;
+    counted.rowCount = section_.view.lineCount;
+    counted.columnsLeftOut = section_.view.columnsLeftOut;
+    return rowCountText(counted, section_.limit);
+  }
+
+  static constexpr std::int64_t rowsMeasured = 1000;
+  static constexpr std::size_t margin = 2, filterArrow = 3;
+
+  Workbook& book_;
+  const ReportDocument& document_;
+  const ReportSection& section_;
+  View view_;
+  std::vector<std::string> lines_;
+  bool grouped_;
+  std::int64_t capacity_;
+  XlsxPlaces places_;
+  XlsxFormulas formulas_;
+  Sheet* sheet_ = nullptr;
+  std::int64_t row_ = 0;
+  std::vector<std::size_t> widths_;
+  bool onlyLines_ = true;
+  bool nested_ = false;                // lines below heads say themselves how deep they lie
+  bool headBefore_ = false;            // the row above is a head
+  bool heads_ = false, ends_ = false;  // whether rows head others, or sum those above them
+  int below_ = 0;                      // the level of what the last head is above
+};
+
 }  // namespace
 
 void writeXlsx(const std::filesystem::path& file, const ReportDocument& document, const ResultTable& table,
                std::optional<std::int64_t> limit) {
-  Sheet sheet(file, document.report);
+  Workbook book(file);
+  Sheet& sheet = book.add(document.report);
   sheet.widen(0, textWidth);
   writeConditions(sheet, document);
   if (document.rowCount == 0) {
-    sheet.text(document.text(noRowsCaption), Style::plain);
+    sheet.text(document.text(noRowsCaption), {Style::plain});
   } else {
     if (!document.crossStates.empty()) writeCross(sheet, document);
     requireRoom(sheet, document, limit);
@@ -345,9 +831,28 @@ void writeXlsx(const std::filesystem::path& file, const ReportDocument& document
       writeRows(sheet, document, table, limit);
     }
     sheet.endRow();
-    sheet.text(rowCountText(document, limit), Style::plain);
+    sheet.text(rowCountText(document, limit), {Style::plain});
   }
-  sheet.save();
+  book.save();
+}
+
+void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, const XlsxLimits& limits) {
+  const ReportDocument& document = report.heading;
+  Workbook book(file);
+  book.describe(document.title, document.company);
+  if (report.sections.empty()) {
+    Sheet& sheet = book.add(legalName(document.title));
+    writeHeading(sheet, headingLines(document));
+    sheet.endRow();
+    sheet.text(document.text(noRowsCaption), {});
+  }
+  std::map<std::string, int> names;
+  for (const ReportSection& section : report.sections) {
+    std::string name = legalName(document.text(layoutCaption(section.layout)));
+    if (const int number = ++names[name]; number > 1) name += " " + std::to_string(number);
+    SectionSheets(book, document, section, name, limits.rowsOfSheet).write();
+  }
+  book.save();
 }
 
 }  // namespace quillon::workbench

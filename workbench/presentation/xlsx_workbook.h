@@ -1,10 +1,11 @@
-// A report as an Excel workbook (XLSX) of one sheet.
+// A report as an Excel workbook (XLSX).
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 
+#include "workbench/presentation/laid_out_report.h"
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/result_table.h"
 
@@ -21,5 +22,20 @@ namespace quillon::workbench {
 // more than a sheet has or the file cannot be written.
 void writeXlsx(const std::filesystem::path& file, const ReportDocument& document, const ResultTable& table,
                std::optional<std::int64_t> limit);
+
+struct XlsxLimits {
+  std::int64_t rowsOfSheet = 1'048'576;  // more go on on a further sheet
+};
+
+// Writes each section to a sheet of its own, named after its layout; rows that a sheet has no room for go on on
+// "明细 (2)" with the same heading. On top stand title, company, period and conditions, then the headings, all of which
+// stay in sight with the key columns; sheets that hold lines alone can be filtered, and rows below the head of a group
+// or a line can be folded away. Values are as above. Totals, subtotals and running balances are formulas wherever these
+// come to the same figure (xlsx_formulas.h), which is kept beside them; so a sheet that is cut by its limit has totals
+// of all rows as figures. Pages are A4 landscape with the headings on each.
+//
+// Memory does not grow with rows: a sheet with heads of groups keeps a few numbers for each of these, and one that is
+// cut by a limit holds what it shows. Throws as above, but for the number of rows.
+void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, const XlsxLimits& limits = {});
 
 }  // namespace quillon::workbench
