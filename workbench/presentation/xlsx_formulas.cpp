@@ -128,6 +128,7 @@ void XlsxFormulas::start() {
   group_ = 0;
   sums_ = {std::vector<ExactSum>(summed_.size()), std::vector<ExactSum>(summed_.size()), {}};
   subtotalled_.reset();
+  monthEnded_ = false;
   levels_.resize(outlineLevels);
   for (Range* range : {&all_, &month_, &year_})
     beginRange(*range);
@@ -135,16 +136,29 @@ void XlsxFormulas::start() {
   marks_.assign(view_.columns.size(), true);
   notInLinesAlone_.assign(view_.columns.size(), false);
   subsetsKept_.assign(texts_.size(), true);
+  findBalances();
+}
+
+// Receipts, issues and balance are told by their headings: a column alone under each of three, as 收入, 发出 and 结存
+// above 数量; or these three beside each other.
+void XlsxFormulas::findBalances() {
+  constexpr std::string_view balance = "结存";
   balances_.clear();
+  const auto column = [this](std::size_t number) -> const ViewColumn& { return view_.columns[summed_[number]]; };
   for (std::size_t third = 2; third < summed_.size(); ++third) {
     std::vector<std::size_t> alike;
     for (std::size_t number = 0; number < summed_.size(); ++number) {
-      const ViewColumn& column = view_.columns[summed_[number]];
-      if (!column.groupChinese.empty() && sameMeasure(column, view_.columns[summed_[third]])) alike.push_back(number);
+      if (!column(number).groupChinese.empty() && sameMeasure(column(number), column(third))) alike.push_back(number);
     }
-    const auto group = [&](std::size_t i) { return view_.columns[summed_[alike[i]]].groupChinese; };
-    if (alike.size() == 3 && alike[2] == third && group(0) != group(1) && group(1) != group(2) && group(0) != group(2))
-      balances_.push_back({.in = alike[0], .out = alike[1], .balance = third});
+    const bool alone = alike.size() == 3 && alike[2] == third &&
+                       column(alike[0]).groupChinese != column(alike[1]).groupChinese &&
+                       column(alike[1]).groupChinese != column(third).groupChinese;
+    const bool beside = column(third).column.chinese == balance &&
+                        column(third - 1).groupChinese == column(third).groupChinese &&
+                        column(third - 2).groupChinese == column(third).groupChinese;
+    if (alone || beside) {
+      balances_.push_back({.in = alone ? alike[0] : third - 2, .out = alone ? alike[1] : third - 1, .balance = third});
+    }
   }
 }
 
@@ -212,19 +226,18 @@ bool XlsxFormulas::lineSumAgrees(const Figure& figure, const Range& range, std::
 
 // Function 9 leaves out what a filter hides, but not the rows of an outline that is folded, as 109 would; both pass over
 // other SUBTOTALs.
-std::string XlsxFormulas::subtotal(std::int64_t first, std::int64_t last, std::size_t column, std::int64_t home) const {
+std::string XlsxFormulas::subtotal(std::int64_t first, std::int64_t last, std::size_t column) const {
   std::string formula = "SUBTOTAL(9";
-  for (const std::string& area : places_.areas(first, last, column, home))
+  for (const std::string& area : places_.areas(first, last, column, home_))
     formula += "," + area;
   return formula + ")";
 }
 
 std::string XlsxFormulas::conditionalSum(std::int64_t first, std::int64_t last, std::size_t column,
-                                         const std::vector<std::pair<std::size_t, std::string>>& conditions,
-                                         std::int64_t home) const {
-  std::vector<std::string> sums = places_.areas(first, last, column, home);
+                                         const std::vector<std::pair<std::size_t, std::string>>& conditions) const {
+  std::vector<std::string> sums = places_.areas(first, last, column, home_);
   for (const auto& [conditionColumn, condition] : conditions) {
-    const auto areas = places_.areas(first, last, conditionColumn, home);
+    const auto areas = places_.areas(first, last, conditionColumn, home_);
     for (std::size_t i = 0; i < sums.size(); ++i)
       sums[i] += "," + areas[i] + ",\"" + condition + "\"";
   }
@@ -234,23 +247,22 @@ std::string XlsxFormulas::conditionalSum(std::int64_t first, std::int64_t last, 
   return formula;
 }
 
-void XlsxFormulas::rangeFormulas(Row& formulas, const Figures& figures, const Range& range, std::int64_t home) const {
+void XlsxFormulas::rangeFormulas(Row& formulas, const Figures& figures, const Range& range) const {
   const auto mark = std::ranges::find(marks_, true);
   for (std::size_t number = 0; number < summed_.size(); ++number) {
     const std::size_t column = summed_[number];
     if (!figures[number] || !formulas[column].empty()) continue;
     if (subtotalAgrees(*figures[number], range, number)) {
-      formulas[column] = subtotal(range.first, row_ - 1, column, home);
+      formulas[column] = subtotal(range.first, row_ - 1, column);
     } else if (mark != marks_.end() && lineSumAgrees(*figures[number], range, number)) {
-      formulas[column] = conditionalSum(range.first, row_ - 1, column,
-                                        {{static_cast<std::size_t>(mark - marks_.begin()), "<>"}}, home);
+      formulas[column] =
+          conditionalSum(range.first, row_ - 1, column, {{static_cast<std::size_t>(mark - marks_.begin()), "<>"}});
     }
   }
 }
 
 // A row whose words name what lines have in a column, such as 收入, and that sums these lines.
-bool XlsxFormulas::subsetFormulas(Row& formulas, const ViewRow& row, const Figures& figures, const Range& range,
-                                  std::int64_t home) const {
+bool XlsxFormulas::subsetFormulas(Row& formulas, const ViewRow& row, const Figures& figures, const Range& range) const {
   const auto mark = std::ranges::find(marks_, true);
   const auto isNamed = [&](const std::string& text) {
     return std::ranges::any_of(texts_, [&](std::size_t column) {
@@ -277,7 +289,7 @@ bool XlsxFormulas::subsetFormulas(Row& formulas, const ViewRow& row, const Figur
     if (notInLinesAlone_[subset.column]) conditions.emplace_back(static_cast<std::size_t>(mark - marks_.begin()), "<>");
     for (std::size_t number = 0; number < summed_.size(); ++number) {
       if (figures[number])
-        formulas[summed_[number]] = conditionalSum(range.first, row_ - 1, summed_[number], conditions, home);
+        formulas[summed_[number]] = conditionalSum(range.first, row_ - 1, summed_[number], conditions);
     }
     return true;
   }
@@ -285,17 +297,15 @@ bool XlsxFormulas::subsetFormulas(Row& formulas, const ViewRow& row, const Figur
 }
 
 // All figures of a total are sums of the same rows, if there is a way.
-void XlsxFormulas::sumFormulas(Row& formulas, const ViewRow& row, const Figures& figures, const Range& range,
-                               std::int64_t home) const {
+void XlsxFormulas::sumFormulas(Row& formulas, const ViewRow& row, const Figures& figures, const Range& range) const {
   if (range.first == row_) return;
   bool ofAll = true;
   for (std::size_t number = 0; number < summed_.size(); ++number)
     ofAll = ofAll && (!figures[number] || subtotalAgrees(*figures[number], range, number));
-  if (ofAll || !subsetFormulas(formulas, row, figures, range, home)) rangeFormulas(formulas, figures, range, home);
+  if (ofAll || !subsetFormulas(formulas, row, figures, range)) rangeFormulas(formulas, figures, range);
 }
 
 void XlsxFormulas::balanceFormulas(Row& formulas, const ViewRow& row, const Figures& figures) {
-  const std::int64_t home = places_.sheetOf(row_);
   for (Balance& balance : balances_) {
     const auto& figure = figures[balance.balance];
     const std::size_t column = summed_[balance.balance];
@@ -304,7 +314,7 @@ void XlsxFormulas::balanceFormulas(Row& formulas, const ViewRow& row, const Figu
       continue;
     }
     if (balance.above && row.kind != RowKind::opening) {
-      std::string formula = places_.cell(*balance.above, column, home);
+      std::string formula = places_.cell(*balance.above, column, home_);
       bool known = true;
       const auto move = [&](std::size_t number, bool out) {
         if (row.kind != RowKind::line || tsql::isNull(row.cells[summed_[number]])) return;
@@ -316,7 +326,7 @@ void XlsxFormulas::balanceFormulas(Row& formulas, const ViewRow& row, const Figu
           balance.exact.add(figures[number]->exact);
         }
         balance.real += out ? -figures[number]->real : figures[number]->real;
-        formula += (out ? "-" : "+") + places_.cell(row_, summed_[number], home);
+        formula += (out ? "-" : "+") + places_.cell(row_, summed_[number], home_);
       };
       move(balance.in, false);
       move(balance.out, true);
@@ -338,42 +348,40 @@ void XlsxFormulas::balanceFormulas(Row& formulas, const ViewRow& row, const Figu
 void XlsxFormulas::groupFormulas(Row& formulas, const Figures& figures) {
   const std::size_t group = group_++;
   if (group >= groups_.size()) return;
-  const std::int64_t home = places_.sheetOf(row_);
   const auto mark = std::ranges::find(groupMarks_, true);
   for (std::size_t number = 0; number < std::min(summed_.size(), columnsOfGroup); ++number) {
     if (!figures[number]) continue;
     const std::uint64_t bit = std::uint64_t{1} << number;
     std::string& formula = formulas[summed_[number]];
     if ((groups_[group].subtotals & bit) != 0) {
-      formula = subtotal(row_ + 1, groups_[group].last, summed_[number], home);
+      formula = subtotal(row_ + 1, groups_[group].last, summed_[number]);
     } else if ((groups_[group].lineSums & bit) != 0 && mark != groupMarks_.end()) {
       formula = conditionalSum(row_ + 1, groups_[group].last, summed_[number],
-                               {{static_cast<std::size_t>(mark - groupMarks_.begin()), "<>"}}, home);
+                               {{static_cast<std::size_t>(mark - groupMarks_.begin()), "<>"}});
     }
   }
 }
 
 XlsxFormulas::Row XlsxFormulas::formulasOf(const ViewRow& row, const Figures& figures) {
   Row formulas(row.cells.size());
-  const std::int64_t home = places_.sheetOf(row_);
   switch (row.kind) {
     case RowKind::group:
       if (!reading_) groupFormulas(formulas, figures);
       break;
     case RowKind::subtotal:
-      sumFormulas(formulas, row, figures, levels_.at(levelIndex(row.level)), home);
+      sumFormulas(formulas, row, figures, levels_.at(levelIndex(row.level)));
       break;
     case RowKind::monthTotal:
       balanceFormulas(formulas, row, figures);
-      if (month_.first < row_) rangeFormulas(formulas, figures, month_, home);
+      if (month_.first < row_) rangeFormulas(formulas, figures, month_);
       break;
     case RowKind::yearTotal:
     case RowKind::closing:
       balanceFormulas(formulas, row, figures);
-      if (year_.first < row_) rangeFormulas(formulas, figures, year_, home);
+      if (year_.first < row_) rangeFormulas(formulas, figures, year_);
       break;
     case RowKind::total:
-      sumFormulas(formulas, row, figures, all_, home);
+      sumFormulas(formulas, row, figures, all_);
       break;
     case RowKind::line:
     case RowKind::opening:
@@ -388,6 +396,7 @@ XlsxFormulas::Row XlsxFormulas::formulasOf(const ViewRow& row, const Figures& fi
 
 XlsxFormulas::Row XlsxFormulas::ofRow(const ViewRow& row) {
   const Figures figures = figuresOf(row);
+  home_ = places_.sheetOf(row_);
   const bool heads = row.kind == RowKind::group, ends = row.kind == RowKind::subtotal;
   // Subtotals that stand together, one a state, sum the same rows.
   if (subtotalled_ && !(ends && row.level == *subtotalled_)) {
@@ -403,6 +412,11 @@ XlsxFormulas::Row XlsxFormulas::ofRow(const ViewRow& row) {
     }
     mixed_ = mixed_ || !(heads || ends || row.kind == RowKind::line || row.kind == RowKind::detail);
   }
+  // What stands between the totals of a month and the next line is in no month; a month may have several totals.
+  if (monthEnded_ && row.kind == RowKind::line) {
+    beginRange(month_);
+    monthEnded_ = false;
+  }
   Row formulas = formulasOf(row, figures);
   if (reading_ && ends) closeGroups(row.level);
   noteMarks(row);
@@ -412,14 +426,11 @@ XlsxFormulas::Row XlsxFormulas::ofRow(const ViewRow& row) {
   } else {
     add(row, figures, formulas);
   }
-  // A year total right below a month's is not among what the next month sums.
-  const bool monthEnds =
-      row.kind == RowKind::monthTotal || row.kind == RowKind::opening || (isSetOff(row.kind) && month_.first == row_);
   ++row_;
   if (reading_ && heads) beginRange(open_.back().range);
   if (heads) beginLevels(row.level);
   if (ends) subtotalled_ = row.level;
-  if (monthEnds) beginRange(month_);
+  monthEnded_ = monthEnded_ || row.kind == RowKind::monthTotal || row.kind == RowKind::opening;
   if (row.kind == RowKind::opening) beginRange(year_);
   return formulas;
 }
@@ -509,9 +520,12 @@ void XlsxFormulas::addToSubsets(const ViewRow& row, const Figures& figures) {
   }
 }
 
-XlsxFormulas::Row XlsxFormulas::ofTotal(const ViewRow& total) const {
-  Row formulas(total.cells.size());
-  if (row_ > 0) sumFormulas(formulas, total, figuresOf(total), all_, places_.sheetOf(row_ - 1));
+XlsxFormulas::Row XlsxFormulas::ofTotal(const ViewRow& total) {
+  home_ = places_.sheetOf(std::max<std::int64_t>(row_ - 1, 0));
+  // Each total follows the last row of the view, not the total above it.
+  const std::vector<Balance> balances = balances_;
+  Row formulas = formulasOf(total, figuresOf(total));
+  balances_ = balances;
   return formulas;
 }
 

@@ -57,7 +57,7 @@ class XlsxFormulas {
   // The formulas of the view's next row.
   Row ofRow(const ViewRow& row);
   // Those of a total below the last row.
-  Row ofTotal(const ViewRow& total) const;
+  Row ofTotal(const ViewRow& total);
 
  private:
   // A cell of a column that can be summed.
@@ -106,15 +106,14 @@ class XlsxFormulas {
     double real = 0;
   };
   void start();
+  void findBalances();
   void readGroups();
   Row formulasOf(const ViewRow& row, const Figures& figures);
   void groupFormulas(Row& formulas, const Figures& figures);
   void balanceFormulas(Row& formulas, const ViewRow& row, const Figures& figures);
-  void rangeFormulas(Row& formulas, const Figures& figures, const Range& range, std::int64_t home) const;
-  bool subsetFormulas(Row& formulas, const ViewRow& row, const Figures& figures, const Range& range,
-                      std::int64_t home) const;
-  void sumFormulas(Row& formulas, const ViewRow& row, const Figures& figures, const Range& range,
-                   std::int64_t home) const;
+  void rangeFormulas(Row& formulas, const Figures& figures, const Range& range) const;
+  bool subsetFormulas(Row& formulas, const ViewRow& row, const Figures& figures, const Range& range) const;
+  void sumFormulas(Row& formulas, const ViewRow& row, const Figures& figures, const Range& range) const;
   void closeGroups(int level);
   void closeGroup();
   void addCell(std::size_t number, const Figure& figure);
@@ -128,11 +127,10 @@ class XlsxFormulas {
   bool agrees(const Figure& figure, const ExactSum& exact, double real, std::size_t number) const;
   bool subtotalAgrees(const Figure& figure, const Range& range, std::size_t number) const;
   bool lineSumAgrees(const Figure& figure, const Range& range, std::size_t number) const;
-  std::string subtotal(std::int64_t first, std::int64_t last, std::size_t column, std::int64_t home) const;
+  std::string subtotal(std::int64_t first, std::int64_t last, std::size_t column) const;
   // `conditions`: columns and what they must hold.
   std::string conditionalSum(std::int64_t first, std::int64_t last, std::size_t column,
-                             const std::vector<std::pair<std::size_t, std::string>>& conditions,
-                             std::int64_t home) const;
+                             const std::vector<std::pair<std::size_t, std::string>>& conditions) const;
 
   const View& view_;
   XlsxPlaces places_;
@@ -140,7 +138,9 @@ class XlsxFormulas {
   std::vector<double> tolerance_;    // of these, by which a sum in doubles may differ
   std::vector<std::size_t> texts_;   // the columns of texts
 
-  std::int64_t row_ = 0;  // the next one
+  std::int64_t home_ = 0;    // the sheet that is written
+  bool monthEnded_ = false;  // the totals of a month stand above
+  std::int64_t row_ = 0;     // the next one
   Sums sums_;
   Range all_, month_, year_;
   std::vector<Range> levels_;  // since the last head or subtotal of this level or a higher one

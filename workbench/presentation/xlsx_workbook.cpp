@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -61,7 +62,11 @@ struct Look {
   std::string numberFormat = {};  // empty shows a number as it is
   int indent = 0;
   bool right = false;  // a number that is a text stands where numbers do
-  auto operator<=>(const Look&) const = default;
+  friend bool operator==(const Look&, const Look&) = default;
+  friend bool operator<(const Look& one, const Look& other) {
+    return std::tie(one.style, one.numberFormat, one.indent, one.right) <
+           std::tie(other.style, other.numberFormat, other.indent, other.right);
+  }
 };
 
 // `text` as XML 1.0 can hold it: other control characters in Excel's own notation _xHHHH_, and what looks like that
@@ -606,7 +611,8 @@ class SectionSheets {
             std::ranges::any_of(view_.columns, [](const ViewColumn& column) { return !column.groupChinese.empty(); })),
         capacity_(capacityOf(rowsOfSheet)),
         places_(name, static_cast<std::int64_t>(headRows()) + 1, capacity_),
-        formulas_(view_, decimalsOfColumns(), places_) {}
+        formulas_(view_, decimalsOfColumns(), places_),
+        linesLevel_(levelAboveSubtotals()) {}
 
   void write() {
     beginSheet();
@@ -621,7 +627,7 @@ class SectionSheets {
     for (const ViewRow& total : view_.totals)
       writeRow(total, section_.cut() ? XlsxFormulas::Row(total.cells.size()) : formulas_.ofTotal(total));
     sheet_->endRow();
-    sheet_->text(countText(), {});
+    sheet_->text(lineCountText(document_, section_), {});
     finishSheet();
   }
 
@@ -684,7 +690,7 @@ class SectionSheets {
       if (!formulas[i].empty()) {
         sheet_->formula(formulas[i], cellNumber(value).value_or(0),
                         {look.style, numberFormat(decimalsOf(document_, column.role))});
-      } else if (i == 0 && level > 0 && std::holds_alternative<std::string>(value)) {
+      } else if (i == 0 && heads_ && level > 0 && std::holds_alternative<std::string>(value)) {
         sheet_->value(document_, column.role, value, {.style = look.style, .indent = level});
       } else {
         sheet_->value(document_, column.role, value, look);
@@ -706,13 +712,22 @@ class SectionSheets {
       case RowKind::line:
         if (headBefore_) nested_ = row.level >= below_;
         headBefore_ = false;
-        return nested_ ? row.level : std::max(row.level, below_);
+        return nested_ ? row.level : std::max({row.level, below_, linesLevel_});
       case RowKind::detail:
         heads_ = true;
-        return std::max(row.level, below_ + 1);
+        return std::max({row.level, below_ + 1, linesLevel_ + 1});
       default:
         return 0;
     }
+  }
+
+  // How deep lines lie above the subtotals that sum them, the innermost of which comes first.
+  int levelAboveSubtotals() const {
+    if (!section_.grouped) return 0;
+    for (const auto rows = view_.rows(); rows->next();) {
+      if (rows->row().kind == RowKind::subtotal) return rows->row().level + 1;
+    }
+    return 0;
   }
 
   void measure(std::size_t column, const tsql::Value& value, int indent) {
@@ -783,13 +798,6 @@ class SectionSheets {
     book_.check(worksheet_set_footer(&sheet, foot.c_str()));
   }
 
-  std::string countText() const {
-    ReportDocument counted = document_;
-    counted.rowCount = section_.view.lineCount;
-    counted.columnsLeftOut = section_.view.columnsLeftOut;
-    return rowCountText(counted, section_.limit);
-  }
-
   static constexpr std::int64_t rowsMeasured = 1000;
   static constexpr std::size_t margin = 2, filterArrow = 3;
 
@@ -802,6 +810,7 @@ class SectionSheets {
   std::int64_t capacity_;
   XlsxPlaces places_;
   XlsxFormulas formulas_;
+  int linesLevel_;
   Sheet* sheet_ = nullptr;
   std::int64_t row_ = 0;
   std::vector<std::size_t> widths_;
@@ -853,6 +862,10 @@ void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, c
     SectionSheets(book, document, section, name, limits.rowsOfSheet).write();
   }
   book.save();
+}
+
+void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report) {
+  writeXlsx(file, report, {});
 }
 
 }  // namespace quillon::workbench

@@ -36,6 +36,7 @@ struct XlsxLimits {
 //
 // Memory does not grow with rows: a sheet with heads of groups keeps a few numbers for each of these, and one that is
 // cut by a limit holds what it shows. Throws as above, but for the number of rows.
-void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, const XlsxLimits& limits = {});
+void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, const XlsxLimits& limits);
+void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report);
 
 }  // namespace quillon::workbench

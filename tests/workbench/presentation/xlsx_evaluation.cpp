@@ -44,7 +44,7 @@ class Reader {
     if (!take(text)) throw std::runtime_error("no " + std::string(text) + " at " + std::string(rest_));
   }
   std::string upTo(std::string_view ends) {
-    const std::string taken(rest_.substr(0, rest_.find_first_of(ends)));
+    std::string taken(rest_.substr(0, rest_.find_first_of(ends)));
     rest_.remove_prefix(taken.size());
     return taken;
   }
