@@ -121,7 +121,7 @@ std::unique_ptr<tsql::Cursor> ResultTable::ledgerRows(std::span<const ReportColu
   std::string list;
   for (const ReportColumn& column : columns)
     list += "temp." + column.name + ", ";
-  return account_.query("Select " + list + "temp.datatype, line.bRdFlag From " + name_ +
+  return account_.query("Select " + list + "temp.datatype, line.bRdFlag, line.iMonth From " + name_ +
                         " temp left join ia_subsidiary line on line.AutoID = temp.id and temp.datatype = 1 "
                         "Order By temp.RowNo, temp.cBatchia, temp.cFree1, temp.cFree2, temp.cFree3, temp.cFree4, "
                         "temp.cFree5, temp.cFree6, temp.cFree7, temp.cFree8, temp.cFree9, temp.cFree10, temp.cfxCCode, "

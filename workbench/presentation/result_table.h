@@ -34,6 +34,7 @@ class ResultTable {
       : account_(account), name_(std::move(name)), order_(order) {}
 
   const std::string& name() const { return name_; }
+  tsql::Database& account() const { return account_; }
   bool exists() const { return !account_.describe(name_).empty(); }
   // Its columns as they are declared.
   std::vector<tsql::Column> columns() const { return account_.describe(name_); }
@@ -56,8 +57,8 @@ class ResultTable {
   std::string selectRows(std::span<const ReportColumn> columns = {}) const;
 
   // The rows of a detail ledger in its order: by line number, the rows of a line by batch and free items, then by cost
-  // item. Behind `columns` stand two more: the kind of the row (Datatype) and, of a movement, whether its ledger line is
-  // a receipt.
+  // item. Behind `columns` stand three more: the kind of the row (Datatype) and, of a movement, whether its ledger line is
+  // a receipt and the ledger month of that line.
   std::unique_ptr<tsql::Cursor> ledgerRows(std::span<const ReportColumn> columns) const;
 
   // A statement over the table and the account's others. Destroy the cursor before the next one.
