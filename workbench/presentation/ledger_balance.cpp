@@ -74,8 +74,8 @@ std::vector<BalanceDifference> LedgerBalance::differences(const BalancesByGroup&
     BalanceDifference differs{.group = group, .figures = {}, .byCostItem = {}, .withoutCostItem = {}};
     if (balance.known) differs.figures = difference(balance.figures, byGroup_, group);
     for (const auto& [item, figures] : balance.byCostItem) {
-      Figures of = difference(figures, byGroupAndCostItem_, {group, item});
-      if (!of.isZero()) differs.byCostItem[item] = std::move(of);
+      const Figures of = difference(figures, byGroupAndCostItem_, {group, item});
+      if (!of.isZero()) differs.byCostItem[item] = of;
     }
     if (balance.known && hasAllCostItems(group, balance)) {
       differs.withoutCostItem = differs.figures.amount;

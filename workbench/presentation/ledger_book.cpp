@@ -210,8 +210,8 @@ class Reading {
     const auto place = [&places](BalancesByGroup& balances) {
       for (auto& [group, balance] : balances) {
         std::map<std::size_t, Figures> byCostItem;
-        for (auto& [item, figures] : balance.byCostItem)
-          byCostItem[places[item]] = std::move(figures);
+        for (const auto& [item, figures] : balance.byCostItem)
+          byCostItem[places[item]] = figures;
         balance.byCostItem = std::move(byCostItem);
       }
     };

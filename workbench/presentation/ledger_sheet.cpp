@@ -112,7 +112,7 @@ std::vector<tsql::Value> LedgerSheet::lineCells(const LedgerLine& line) const {
   return cells;
 }
 
-std::vector<tsql::Value> LedgerSheet::namedCells(std::string name, std::optional<int> month,
+std::vector<tsql::Value> LedgerSheet::namedCells(const std::string& name, std::optional<int> month,
                                                  std::optional<std::size_t> group) const {
   std::vector<tsql::Value> cells(sources_.size());
   for (std::size_t i = 0; i < sources_.size(); ++i) {
@@ -120,7 +120,7 @@ std::vector<tsql::Value> LedgerSheet::namedCells(std::string name, std::optional
     if (source.kind == Source::Kind::month) {
       if (month) cells[i] = std::int64_t{*month};
     } else if (source.kind == Source::Kind::digest) {
-      cells[i] = std::move(name);
+      cells[i] = name;
     } else if (group && source.group) {
       cells[i] = book_.groups[*group][*source.group];
     }

@@ -54,7 +54,7 @@ class LedgerSheet {
 
   // The cells of these columns. A line that has no digest yet is called by its receipt/issue type.
   std::vector<tsql::Value> lineCells(const LedgerLine& line) const;
-  std::vector<tsql::Value> namedCells(std::string name, std::optional<int> month = {},
+  std::vector<tsql::Value> namedCells(const std::string& name, std::optional<int> month = {},
                                       std::optional<std::size_t> group = {}) const;
 
   // Sums with the decimals of their column.

@@ -12,67 +12,25 @@ namespace {
 
 using test::lastYear;
 using test::LedgerChoice;
+using test::Lines;
 using test::MadeLayout;
 using test::numbersByKey;
 using test::plainNumber;
 using test::ReadView;
+using test::shown;
 using test::ValuedAccount;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
-
-const char* kindName(RowKind kind) {
-  switch (kind) {
-    case RowKind::line:
-      return "line";
-    case RowKind::detail:
-      return "detail";
-    case RowKind::opening:
-      return "opening";
-    case RowKind::monthTotal:
-      return "month";
-    case RowKind::yearTotal:
-      return "year";
-    case RowKind::closing:
-      return "closing";
-    case RowKind::difference:
-      return "difference";
-    default:
-      return "other";
-  }
-}
-
-// All rows, what they are and some of their columns.
-Lines shown(const ReadView& view, std::initializer_list<std::string_view> columns) {
-  Lines lines;
-  for (const ViewRow& row : view.rows())
-    lines.push_back(std::string(kindName(row.kind)) + ": " + view.line(row, columns));
-  return lines;
-}
-
-class SmallLedger : public testing::Test {
+class LedgerLayout : public test::SmallLedger {
  protected:
-  static void SetUpTestSuite() {
-    file_ = std::make_unique<test::TemporaryFile>(".qacc");
-    test::makeSmallLedger(file_->path());
-  }
-  static void TearDownTestSuite() { file_.reset(); }
-
-  static MadeLayout made(std::vector<std::string> more = {}, Language language = Language::chinese) {
-    std::vector<std::string> settings = {"iYear=2024", "cInvCode=M1"};
-    settings.insert(settings.end(), more.begin(), more.end());
-    return {"fx-detail", file_->path(), std::move(settings), language};
-  }
   static ReadView ledger(const MadeLayout& made, LedgerRequest request = {}) {
     request.beginning = made.beginning(2024);
     return ReadView(ledgerView(made.table(), made.document(), made.known(), request));
   }
-
-  static inline std::unique_ptr<test::TemporaryFile> file_;
 };
 
-TEST_F(SmallLedger, RunsFromTheOpeningToTheClosingBalance) {
+TEST_F(LedgerLayout, RunsFromTheOpeningToTheClosingBalance) {
   const MadeLayout report = made();
   const ReadView view = ledger(report);
   EXPECT_THAT(
@@ -89,7 +47,7 @@ TEST_F(SmallLedger, RunsFromTheOpeningToTheClosingBalance) {
                   "closing: -|-|-|-|-|期末结存|11.00|10.3791|114.17"));
 }
 
-TEST_F(SmallLedger, ReceiptsAndIssuesStandApart) {
+TEST_F(LedgerLayout, ReceiptsAndIssuesStandApart) {
   const MadeLayout report = made();
   const ReadView view = ledger(report);
   EXPECT_THAT(shown(view, {"iInQuantity", "iInCost", "iInPrice", "iOutQuantity", "iOutCost", "iOutPrice"}),
@@ -103,7 +61,7 @@ TEST_F(SmallLedger, ReceiptsAndIssuesStandApart) {
                           "year: 6.00|11.2500|67.50|5.00|10.6660|53.33", "closing: -|-|-|-|-|-"));
 }
 
-TEST_F(SmallLedger, ClosingRowCarriesTheFigureOfTheYearsEnd) {
+TEST_F(LedgerLayout, ClosingRowCarriesTheFigureOfTheYearsEnd) {
   const MadeLayout report = made();
   // In the table February's balance has the figures of the year's end and stands before the line of March.
   EXPECT_THAT(
@@ -116,7 +74,7 @@ TEST_F(SmallLedger, ClosingRowCarriesTheFigureOfTheYearsEnd) {
   EXPECT_THAT(view.rows(RowKind::difference), IsEmpty());
 }
 
-TEST_F(SmallLedger, PartsStandBeneathTheirLine) {
+TEST_F(LedgerLayout, PartsStandBeneathTheirLine) {
   const MadeLayout report = made();
   const ReadView view = ledger(report, {.parts = true});
   Lines details;
@@ -132,7 +90,7 @@ TEST_F(SmallLedger, PartsStandBeneathTheirLine) {
                                    "R-2", "-|（无成本项目）|1.00|7.50|-|-|-"));
 }
 
-TEST_F(SmallLedger, WhatPartsLackOfTheirLineStandsUnderNoCostItem) {
+TEST_F(LedgerLayout, WhatPartsLackOfTheirLineStandsUnderNoCostItem) {
   MadeLayout report = made();
   report.doctor("Update Result Set iItemPrice = 39.99 Where cVouCode = N'R-1' And cfxCode = N'01A1'");
   const ReadView view = ledger(report, {.parts = true});
@@ -140,7 +98,7 @@ TEST_F(SmallLedger, WhatPartsLackOfTheirLineStandsUnderNoCostItem) {
   EXPECT_EQ(view.line(details[2], {"cfxName", "iInQuantity", "iInPrice"}), "（无成本项目）|-|0.01");
 }
 
-TEST_F(SmallLedger, DifferenceFromAMonthBalanceIsShown) {
+TEST_F(LedgerLayout, DifferenceFromAMonthBalanceIsShown) {
   MadeLayout report = made();
   report.doctor("Update Result Set iQuantity = 12.5, iPrice = 127.9 Where datatype = 2 And id = 1");
   const ReadView view = ledger(report);
@@ -156,7 +114,7 @@ TEST_F(SmallLedger, DifferenceFromAMonthBalanceIsShown) {
                                   "-|期末结存|11.00|10.3791|114.17"));
 }
 
-TEST_F(SmallLedger, DifferenceFromTheClosingBalanceStandsBeforeIt) {
+TEST_F(LedgerLayout, DifferenceFromTheClosingBalanceStandsBeforeIt) {
   MadeLayout report = made();
   report.doctor("Delete From Result Where cVouCode = N'L-2'");
   const ReadView view = ledger(report);
@@ -167,7 +125,7 @@ TEST_F(SmallLedger, DifferenceFromTheClosingBalanceStandsBeforeIt) {
   EXPECT_EQ(view.line(rows.back(), {"cPZdigest", "iBalanceQuantity", "iBalancePrice"}), "期末结存|13.00|135.50");
 }
 
-TEST_F(SmallLedger, YearToDateIsNamedByWhatItIs) {
+TEST_F(LedgerLayout, YearToDateIsNamedByWhatItIs) {
   const auto name = [](std::vector<std::string> settings, const std::string& from, Language language) {
     const MadeLayout report = made(std::move(settings), language);
     const ReadView view(
@@ -183,14 +141,14 @@ TEST_F(SmallLedger, YearToDateIsNamedByWhatItIs) {
   EXPECT_EQ(name({"dKeepDate=2024-01-15.."}, "2024-01-15", Language::english), "Since 2024-01-15");
 }
 
-TEST_F(SmallLedger, LineThatTheAccountLostIsAnIssueOfItsDatesMonth) {
+TEST_F(LedgerLayout, LineThatTheAccountLostIsAnIssueOfItsDatesMonth) {
   MadeLayout report = made();
   report.doctor("Update Result Set id = 99 Where cVouCode = N'R-2'");
   const ReadView view = ledger(report);
   EXPECT_EQ(view.line(view.rows(RowKind::line).back(), {"iMonth", "iInPrice", "iOutPrice"}), "3|-|7.50");
 }
 
-TEST_F(SmallLedger, ColumnsThatSayTheSameOfAllLinesAreLeftOut) {
+TEST_F(LedgerLayout, ColumnsThatSayTheSameOfAllLinesAreLeftOut) {
   const MadeLayout report = made();
   const View view = ledgerView(report.table(), report.document(), report.known(), {});
   Lines names;
@@ -208,7 +166,7 @@ TEST_F(SmallLedger, ColumnsThatSayTheSameOfAllLinesAreLeftOut) {
 
 // --- Sample accounts --------------------------------------------------------------------------------------------------
 
-class SampleLedgers : public testing::TestWithParam<ValuedAccount> {
+class LedgerLayoutOfSamples : public testing::TestWithParam<ValuedAccount> {
  protected:
   static constexpr std::size_t ledgersOfAnAccount = 70;
 
@@ -216,10 +174,6 @@ class SampleLedgers : public testing::TestWithParam<ValuedAccount> {
     return tsql::Connection::open(test::sampleOf(GetParam()), tsql::OpenMode::readOnly);
   }
 };
-
-std::string name(const testing::TestParamInfo<ValuedAccount>& info) {
-  return info.param.name;
-}
 
 // Receipts and issues by month, straight from the ledger's lines.
 std::map<std::string, std::vector<std::string>> movements(tsql::Database& account, const std::string& condition) {
@@ -253,7 +207,7 @@ std::map<std::string, std::vector<std::string>> monthEnds(const ResultTable& tab
                       1);
 }
 
-TEST_P(SampleLedgers, AgreeWithTheLedgerAndWithTheMonthBalances) {
+TEST_P(LedgerLayoutOfSamples, AgreeWithTheLedgerAndWithTheMonthBalances) {
   const auto connection = account();
   const std::vector<LedgerChoice> choices = test::someLedgers(GetParam(), lastYear, ledgersOfAnAccount);
   ASSERT_EQ(choices.size(), ledgersOfAnAccount);
@@ -302,7 +256,7 @@ TEST_P(SampleLedgers, AgreeWithTheLedgerAndWithTheMonthBalances) {
 }
 
 // Cost items begin with April; what was before is an opening that was entered.
-TEST_P(SampleLedgers, OfTheYearInWhichCostItemsBegin) {
+TEST_P(LedgerLayoutOfSamples, OfTheYearInWhichCostItemsBegin) {
   constexpr int year = lastYear - 1;
   constexpr std::size_t few = 10;
   const auto connection = account();
@@ -321,7 +275,7 @@ TEST_P(SampleLedgers, OfTheYearInWhichCostItemsBegin) {
 }
 
 // The parts of a line and what none of them has make the line.
-TEST_P(SampleLedgers, PartsMakeTheirLine) {
+TEST_P(LedgerLayoutOfSamples, PartsMakeTheirLine) {
   constexpr std::size_t few = 10;
   for (const LedgerChoice& choice : test::someLedgers(GetParam(), lastYear, few)) {
     SCOPED_TRACE(choice.place + " " + choice.inventory);
@@ -344,7 +298,8 @@ TEST_P(SampleLedgers, PartsMakeTheirLine) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Valuations, SampleLedgers, testing::ValuesIn(test::valuedAccounts), name);
+INSTANTIATE_TEST_SUITE_P(Valuations, LedgerLayoutOfSamples, testing::ValuesIn(test::valuedAccounts),
+                         test::nameOfAccount);
 
 }  // namespace
 }  // namespace quillon::workbench

@@ -28,7 +28,11 @@ inline constexpr std::array valuedAccounts = {ValuedAccount{"inventory", account
                                               ValuedAccount{"warehouse", account::Valuation::warehouse, "cWhCode"},
                                               ValuedAccount{"department", account::Valuation::department, "cDepCode"}};
 
-constexpr int lastYear = account::lastSampleYear;
+inline std::string nameOfAccount(const testing::TestParamInfo<ValuedAccount>& info) {
+  return info.param.name;
+}
+
+inline constexpr int lastYear = account::lastSampleYear;
 
 // Made once for all tests. Of the first year, cost items begin with April.
 inline const std::filesystem::path& sampleOf(const ValuedAccount& account) {

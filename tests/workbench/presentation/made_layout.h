@@ -106,4 +106,40 @@ class ReadView {
   std::vector<ViewRow> rows_;
 };
 
+using Lines = std::vector<std::string>;
+
+inline const char* kindName(RowKind kind) {
+  switch (kind) {
+    case RowKind::line:
+      return "line";
+    case RowKind::detail:
+      return "detail";
+    case RowKind::opening:
+      return "opening";
+    case RowKind::monthTotal:
+      return "month";
+    case RowKind::yearTotal:
+      return "year";
+    case RowKind::closing:
+      return "closing";
+    case RowKind::difference:
+      return "difference";
+    case RowKind::group:
+      return "group";
+    case RowKind::subtotal:
+      return "subtotal";
+    case RowKind::total:
+      break;
+  }
+  return "total";
+}
+
+// All rows, what they are and some of their columns.
+inline Lines shown(const ReadView& view, std::initializer_list<std::string_view> columns) {
+  Lines lines;
+  for (const ViewRow& row : view.rows())
+    lines.push_back(std::string(kindName(row.kind)) + ": " + view.line(row, columns));
+  return lines;
+}
+
 }  // namespace quillon::workbench::test

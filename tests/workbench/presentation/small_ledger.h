@@ -14,7 +14,16 @@
 // figures. L-2 was posted on March 1st and belongs to February's ledger. L-1 alone is posted to the general ledger.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "tests/workbench/platform/temporary_file.h"
+#include "tests/workbench/presentation/made_layout.h"
 #include "workbench/account/schema.h"
 #include "workbench/tsql/engine/engine.h"
 
@@ -70,5 +79,29 @@ inline void makeSmallLedger(const std::filesystem::path& file) {
       "(7, 4, 7, 70, 2024, 2, 0, null, null, null, 2, 6.665, 13.33), (8, 4, 8, 80, 2024, 2, 0, null, null, null, 0, "
       "null, 8)");
 }
+
+// Tests on such an account, which is made once for all of them.
+class SmallLedger : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    file_ = std::make_unique<TemporaryFile>(".qacc");
+    makeSmallLedger(file_->path());
+  }
+  static void TearDownTestSuite() { file_.reset(); }
+
+  static MadeLayout made(std::vector<std::string> more = {}, Language language = Language::chinese) {
+    std::vector<std::string> settings = {"iYear=2024", "cInvCode=M1"};
+    settings.insert(settings.end(), more.begin(), more.end());
+    return {"fx-detail", file_->path(), std::move(settings), language};
+  }
+  // The voucher report on it.
+  static MadeLayout vouchers(std::vector<std::string> settings = {}, Language language = Language::chinese) {
+    return {"fx-wt", file_->path(), std::move(settings), language};
+  }
+  static const std::filesystem::path& file() { return file_->path(); }
+
+ private:
+  static inline std::unique_ptr<TemporaryFile> file_;
+};
 
 }  // namespace quillon::workbench::test
