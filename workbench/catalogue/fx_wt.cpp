@@ -168,10 +168,18 @@ std::vector<ReportColumn> fxWtColumns() {
   return all;
 }
 
-// A row is a part of a receipt or of an issue.
+// What the row of a line that is not broken down has in place of a part's figure.
+std::string partOrLine(std::string_view ofPart, std::string_view ofLine) {
+  return "Case When cfxCode Is Null And iItemInQuantity Is Null And iIteminPrice Is Null And iItemoutQuantity Is Null "
+         "And iItemOutPrice Is Null Then " +
+         orZero(ofLine) + " Else " + orZero(ofPart) + " End";
+}
+
+// A row is a part of a receipt or of an issue. A line that is not broken down has one row, which counts with the line's
+// own figures, so that the total is that of all lines.
 std::vector<CrossState> fxWtStates(std::string_view) {
-  return {{receiptKey, orZero("iItemInQuantity"), orZero("iIteminPrice")},
-          {issueKey, orZero("iItemoutQuantity"), orZero("iItemOutPrice")}};
+  return {{receiptKey, partOrLine("iItemInQuantity", "iAInQuantity"), partOrLine("iIteminPrice", "iAInPrice")},
+          {issueKey, partOrLine("iItemoutQuantity", "iAOutQuantity"), partOrLine("iItemOutPrice", "iAOutPrice")}};
 }
 
 // The keys by which the build joins, in its order.
