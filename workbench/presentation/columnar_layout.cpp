@@ -157,10 +157,9 @@ bool hasAmount(std::span<const ViewRow> rows, std::size_t cell) {
 
 }  // namespace
 
-View columnarView(const ResultTable& table, const ReportDocument& document, std::span<const ReportColumn> known,
-                  const LedgerRequest& request) {
-  const LedgerBook book = readLedger(table, known, request.breakdown);
-  const LedgerSheet sheet(book, document, known, request.allColumns);
+View columnarView(const LayoutRequest& request, const ReportDocument& heading, const LedgerRequest& ledger) {
+  const LedgerBook book = readLedger(request.table, request.report.columns, ledger.breakdown);
+  const LedgerSheet sheet(book, heading, request.report.columns, request.allColumns);
   ColumnarRowsMaker maker(book, sheet);
   maker.make();
   std::vector<ViewRow> rows = maker.takeRows();
@@ -169,10 +168,10 @@ View columnarView(const ResultTable& table, const ReportDocument& document, std:
   view.totals = maker.takeTotals();
   view.columns = sheet.columns();
   using enum ColumnRole;
-  view.columns.push_back(groupedColumn("iInPrice", receiptsCaption, money, amountHeading));
-  view.columns.push_back(groupedColumn("iOutPrice", issuesCaption, money, amountHeading));
-  view.columns.push_back(groupedColumn("iBalancePrice", balanceCaption, amount, amountHeading));
-  const Caption& across = request.breakdown == Breakdown::costItem ? costItemsCaption : classesCaption;
+  view.columns.push_back(groupedColumn("iInPrice", receiptsCaption, money, amountColumn));
+  view.columns.push_back(groupedColumn("iOutPrice", issuesCaption, money, amountColumn));
+  view.columns.push_back(groupedColumn("iBalancePrice", balanceCaption, amount, amountColumn));
+  const Caption& across = ledger.breakdown == Breakdown::costItem ? costItemsCaption : classesCaption;
   for (const CostItem& item : book.costItems)
     view.columns.push_back(
         groupedColumn(item.code.empty() ? item.name : item.code, {item.name, item.name}, money, across));

@@ -6,8 +6,7 @@
 // month received, what it issued and what was left then stand in three rows of their own beneath its lines.
 #pragma once
 
-#include <span>
-
+#include "workbench/presentation/layout_request.h"
 #include "workbench/presentation/ledger_sheet.h"
 
 namespace quillon::workbench {
@@ -17,7 +16,6 @@ namespace quillon::workbench {
 //
 // Where the table has a balance for the end of a month, it is compared with the running one as a whole and by cost item;
 // by how much the table has more stands in a row of its own (`difference`).
-View columnarView(const ResultTable& table, const ReportDocument& document, std::span<const ReportColumn> known,
-                  const LedgerRequest& request);
+View columnarView(const LayoutRequest& request, const ReportDocument& heading, const LedgerRequest& ledger);
 
 }  // namespace quillon::workbench

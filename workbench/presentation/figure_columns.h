@@ -13,9 +13,9 @@ namespace quillon::workbench {
 inline constexpr Caption receiptsCaption{"收入", "Receipts"};
 inline constexpr Caption issuesCaption{"发出", "Issues"};
 inline constexpr Caption balanceCaption{"结存", "Balance"};
-inline constexpr Caption quantityHeading{"数量", "Quantity"};
-inline constexpr Caption unitCostHeading{"单价", "Unit cost"};
-inline constexpr Caption amountHeading{"金额", "Amount"};
+inline constexpr Caption quantityColumn{"数量", "Quantity"};
+inline constexpr Caption unitCostColumn{"单价", "Unit cost"};
+inline constexpr Caption amountColumn{"金额", "Amount"};
 
 // A column of a layout's own.
 inline ReportColumn layoutColumn(std::string_view name, const Caption& caption, ColumnRole role = ColumnRole::text) {

@@ -138,30 +138,29 @@ class LedgerRowsMaker {
 
 }  // namespace
 
-View ledgerView(const ResultTable& table, const ReportDocument& document, std::span<const ReportColumn> known,
-                const LedgerRequest& request) {
-  const LedgerBook book = readLedger(table, known, Breakdown::costItem);
-  const LedgerSheet sheet(book, document, known, request.allColumns);
-  LedgerRowsMaker maker(book, sheet, sinceBeginningName(request.beginning, document.language), request.parts);
+View ledgerView(const LayoutRequest& request, const ReportDocument& heading, const LedgerRequest& ledger) {
+  const LedgerBook book = readLedger(request.table, request.report.columns, Breakdown::costItem);
+  const LedgerSheet sheet(book, heading, request.report.columns, request.allColumns);
+  LedgerRowsMaker maker(book, sheet, sinceBeginningName(ledger.beginning, heading.language), ledger.parts);
   maker.make();
 
   View view;
   view.columns = sheet.columns();
-  if (request.parts) {
+  if (ledger.parts) {
     view.columns.push_back({.column = layoutColumn("cfxCode", costItemCodeCaption)});
     view.columns.push_back({.column = layoutColumn("cfxName", costItemCaption)});
   }
   using enum ColumnRole;
-  view.columns.push_back(groupedColumn("iInQuantity", quantityHeading, quantity, receiptsCaption));
-  view.columns.push_back(groupedColumn("iInCost", unitCostHeading, unitCost, receiptsCaption));
-  view.columns.push_back(groupedColumn("iInPrice", amountHeading, money, receiptsCaption));
-  view.columns.push_back(groupedColumn("iOutQuantity", quantityHeading, quantity, issuesCaption));
-  view.columns.push_back(groupedColumn("iOutCost", unitCostHeading, unitCost, issuesCaption));
-  view.columns.push_back(groupedColumn("iOutPrice", amountHeading, money, issuesCaption));
+  view.columns.push_back(groupedColumn("iInQuantity", quantityColumn, quantity, receiptsCaption));
+  view.columns.push_back(groupedColumn("iInCost", unitCostColumn, unitCost, receiptsCaption));
+  view.columns.push_back(groupedColumn("iInPrice", amountColumn, money, receiptsCaption));
+  view.columns.push_back(groupedColumn("iOutQuantity", quantityColumn, quantity, issuesCaption));
+  view.columns.push_back(groupedColumn("iOutCost", unitCostColumn, unitCost, issuesCaption));
+  view.columns.push_back(groupedColumn("iOutPrice", amountColumn, money, issuesCaption));
   // Balances are not summed.
-  view.columns.push_back(groupedColumn("iBalanceQuantity", quantityHeading, movement, balanceCaption));
-  view.columns.push_back(groupedColumn("iBalanceCost", unitCostHeading, unitCost, balanceCaption));
-  view.columns.push_back(groupedColumn("iBalancePrice", amountHeading, ColumnRole::amount, balanceCaption));
+  view.columns.push_back(groupedColumn("iBalanceQuantity", quantityColumn, movement, balanceCaption));
+  view.columns.push_back(groupedColumn("iBalanceCost", unitCostColumn, unitCost, balanceCaption));
+  view.columns.push_back(groupedColumn("iBalancePrice", amountColumn, ColumnRole::amount, balanceCaption));
   view.rows = heldRows(std::make_shared<const std::vector<ViewRow>>(maker.takeRows()));
   view.totals = maker.takeTotals();
   view.lineCount = static_cast<std::int64_t>(book.lines.size());

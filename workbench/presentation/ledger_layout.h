@@ -2,13 +2,13 @@
 // one, sums after each month, and the closing balance last.
 #pragma once
 
-#include <span>
-
+#include "workbench/presentation/layout_request.h"
 #include "workbench/presentation/ledger_sheet.h"
 
 namespace quillon::workbench {
 
-// `table` has rows and the columns of a ledger; `known` are the columns that a ledger may have.
+// `heading` has the language and the account's decimals. The arrangement is not looked at: what a ledger shows between
+// its opening and its closing balance is arranged afterwards.
 //
 // Rows: the opening balance; the lines of each month, under them the month's receipts and issues and those since the
 // beginning, each with the balance at that point. The closing balance is the view's total.
@@ -17,7 +17,6 @@ namespace quillon::workbench {
 // item by free item. By how much the table has more stands in a row of its own (`difference`) behind the month's sums,
 // that of the closing balance before the closing row.
 // Throws tsql::SqlError.
-View ledgerView(const ResultTable& table, const ReportDocument& document, std::span<const ReportColumn> known,
-                const LedgerRequest& request);
+View ledgerView(const LayoutRequest& request, const ReportDocument& heading, const LedgerRequest& ledger);
 
 }  // namespace quillon::workbench

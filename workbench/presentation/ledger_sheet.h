@@ -32,7 +32,6 @@ LedgerBeginning ledgerBeginning(int year, const std::string& from, Login& login,
 struct LedgerRequest {
   LedgerBeginning beginning = {};
   Breakdown breakdown = Breakdown::costItem;  // columnar: what stands across
-  bool allColumns = false;                    // user-defined fields and what documents carry beside, too
   bool parts = false;                         // ledger: the cost items of each line beneath it, as details
 };
 

@@ -4,12 +4,14 @@
 #include <array>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <utility>
 
 #include "frame/text.h"
+#include "workbench/platform/user_error.h"
+#include "workbench/presentation/arranged_view.h"
 #include "workbench/presentation/exact_sum.h"
 #include "workbench/presentation/figure_columns.h"
+#include "workbench/presentation/row_conditions.h"
 #include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
@@ -17,7 +19,12 @@ namespace quillon::workbench {
 namespace {
 
 constexpr Caption voucherTypeCaption{"单据类型", "Voucher type"};
+constexpr Caption emptyCaption{"为空", " empty"};
+constexpr Caption subtotalCaption{" 小计", " subtotal"};
+constexpr Caption usageCaption{"单位用量", "Usage per unit"};
 constexpr Caption structureCaption{"成本构成", "Cost structure"};
+
+constexpr std::string_view costItemName = "cfxName";
 
 // The figures of a ledger line, and as which column they stand in the view.
 struct LineFigure {
@@ -28,12 +35,12 @@ struct LineFigure {
   ColumnRole role;
 };
 constexpr std::array<LineFigure, 6> lineFigures = {{
-    {"iAInQuantity", "ledgerInQuantity", quantityHeading, receiptsCaption, ColumnRole::quantity},
-    {"iInCost", "ledgerInCost", unitCostHeading, receiptsCaption, ColumnRole::unitCost},
-    {"iAInPrice", "ledgerInPrice", amountHeading, receiptsCaption, ColumnRole::money},
-    {"iAOutQuantity", "ledgerOutQuantity", quantityHeading, issuesCaption, ColumnRole::quantity},
-    {"iOutCost", "ledgerOutCost", unitCostHeading, issuesCaption, ColumnRole::unitCost},
-    {"iAOutPrice", "ledgerOutPrice", amountHeading, issuesCaption, ColumnRole::money},
+    {"iAInQuantity", "ledgerInQuantity", quantityColumn, receiptsCaption, ColumnRole::quantity},
+    {"iInCost", "ledgerInCost", unitCostColumn, receiptsCaption, ColumnRole::unitCost},
+    {"iAInPrice", "ledgerInPrice", amountColumn, receiptsCaption, ColumnRole::money},
+    {"iAOutQuantity", "ledgerOutQuantity", quantityColumn, issuesCaption, ColumnRole::quantity},
+    {"iOutCost", "ledgerOutCost", unitCostColumn, issuesCaption, ColumnRole::unitCost},
+    {"iAOutPrice", "ledgerOutPrice", amountColumn, issuesCaption, ColumnRole::money},
 }};
 enum LineFigurePlace : std::size_t { inQuantity, inCost, inAmount, outQuantity, outCost, outAmount };
 
@@ -94,7 +101,7 @@ std::string voucherLines(const ResultTable& table) {
 }
 
 // Each column once: a server refuses one that comes twice.
-std::string orderText(const VouchersRequest& request) {
+std::string voucherOrder(const Arrangement& request) {
   std::vector<std::string> names;
   std::string text;
   const auto add = [&](const std::string& name, bool descending) {
@@ -127,12 +134,18 @@ struct Sums {
 // How the columns of a view are read and shown.
 struct Plan {
   ReportDocument document;
-  VouchersRequest request;
+  std::vector<std::string> groupBy;
+  bool everyKey = false;
+  bool showsParts = true;
+  std::string where;
   std::string query;
-  std::size_t shared = 0;    // columns that a document may have alike: the first ones
-  std::size_t ofLine = 0;    // behind them: of the line
-  std::size_t ofPart = 0;    // behind the figures: of the part, before usage, unit cost and amount
-  std::size_t costItem = 0;  // where the cost item's name stands among the columns
+  std::size_t shared = 0;           // columns that a document may have alike: the first ones
+  std::size_t ofLine = 0;           // behind them: of the line
+  std::size_t ofPart = 0;           // behind the figures: of the part, before usage, unit cost and amount
+  std::size_t costItem = 0;         // where the cost item's name stands among the columns
+  std::size_t label = 0;            // where the words of the total stand
+  std::vector<std::size_t> groups;  // where the columns of groupBy stand
+  std::vector<std::string> groupCaptions;
 
   std::size_t figures() const { return shared + ofLine; }
   std::size_t parts() const { return figures() + lineFigures.size(); }
@@ -144,7 +157,7 @@ struct Plan {
   std::size_t receiptRead() const { return lineRead() + 1; }
   std::size_t documentRead() const { return receiptRead() + 1; }
   std::size_t groupsRead() const { return documentRead() + documentKey.size(); }
-  std::size_t readWidth() const { return groupsRead() + request.groupBy.size(); }
+  std::size_t readWidth() const { return groupsRead() + groupBy.size(); }
 };
 
 using ReadRow = std::vector<tsql::Value>;
@@ -172,7 +185,7 @@ void putSums(const Plan& plan, const Sums& sums, bool quantities, ViewRow& row) 
 class VoucherRows final : public ViewRows {
  public:
   VoucherRows(std::shared_ptr<const Plan> plan, tsql::Database& account)
-      : plan_(std::move(plan)), cursor_(account.query(plan_->query)), subtotals_(plan_->request.groupBy.size()) {
+      : plan_(std::move(plan)), cursor_(account.query(plan_->query)), subtotals_(plan_->groupBy.size()) {
     read();
   }
 
@@ -207,7 +220,7 @@ class VoucherRows final : public ViewRows {
 
   bool ofOneDocument(const ReadRow& one, const ReadRow& other) const {
     for (std::size_t i = plan_->documentRead(); i < plan_->readWidth(); ++i) {
-      if (one[i] != other[i]) return false;
+      if (compareValues(one[i], other[i]) != 0) return false;
     }
     return true;
   }
@@ -238,7 +251,7 @@ class VoucherRows final : public ViewRows {
 
   ViewRow emptyRow(RowKind kind, int below) const {
     return {.kind = kind,
-            .level = static_cast<int>(plan_->request.groupBy.size()) + below,
+            .level = static_cast<int>(plan_->groupBy.size()) + below,
             .cells = std::vector<tsql::Value>(plan_->width())};
   }
 
@@ -246,7 +259,7 @@ class VoucherRows final : public ViewRows {
     const ReadRow& read = parts.front();
     ViewRow line = emptyRow(RowKind::line, 1);
     for (std::size_t i = 0; i < plan_->parts(); ++i) {
-      if (i >= plan_->shared || !alike[i] || plan_->request.everyKey) line.cells[i] = read[i];
+      if (i >= plan_->shared || !alike[i] || plan_->everyKey) line.cells[i] = read[i];
     }
     const std::size_t figures = plan_->figures();
     sums.inQuantity.add(read[figures + inQuantity]);
@@ -254,13 +267,14 @@ class VoucherRows final : public ViewRows {
     sums.outQuantity.add(read[figures + outQuantity]);
     sums.outAmount.add(read[figures + outAmount]);
     rows_.push_back(std::move(line));
+    if (!plan_->showsParts) return;
     for (const ReadRow& part : parts)
       addPart(part);
   }
 
   void addPart(const ReadRow& read) {
     ViewRow part = emptyRow(RowKind::detail, 2);
-    if (plan_->request.everyKey) std::copy_n(read.begin(), plan_->figures(), part.cells.begin());
+    if (plan_->everyKey) std::copy_n(read.begin(), plan_->figures(), part.cells.begin());
     std::copy_n(read.begin() + static_cast<std::ptrdiff_t>(plan_->parts()), plan_->ofPart + 1,
                 part.cells.begin() + static_cast<std::ptrdiff_t>(plan_->parts()));
     const bool receipt = isReceipt(read[plan_->receiptRead()]);
@@ -288,13 +302,16 @@ class VoucherRows final : public ViewRows {
     std::size_t same = 0;
     const std::size_t count = subtotals_.size();
     while (!pending_.empty() && same < count &&
-           document[plan_->groupsRead() + same] == pending_[plan_->groupsRead() + same])
+           compareValues(document[plan_->groupsRead() + same], pending_[plan_->groupsRead() + same]) == 0)
       ++same;
     for (std::size_t level = count; level-- > same;) {
       ViewRow row = emptyRow(RowKind::subtotal, 0);
       row.level = static_cast<int>(level);
-      const std::string value = plainText(document[plan_->groupsRead() + level], "");
-      row.cells[0] = plan_->document.language == Language::chinese ? value + " 小计" : "Subtotal " + value;
+      for (std::size_t outer = 0; outer < level; ++outer)
+        row.cells[plan_->groups[outer]] = document[plan_->groupsRead() + outer];
+      std::string name = plainText(document[plan_->groupsRead() + level], "");
+      if (name.empty()) name = plan_->groupCaptions[level] + std::string(plan_->document.text(emptyCaption));
+      row.cells[plan_->groups[level]] = name + std::string(plan_->document.text(subtotalCaption));
       putSums(*plan_, subtotals_[level], true, row);
       rows_.push_back(std::move(row));
       subtotals_[level] = {};
@@ -323,7 +340,7 @@ std::int64_t countOf(tsql::Database& account, const std::string& query) {
 
 // Lines, and what they received and issued: each line counts once.
 void addTotals(const ResultTable& table, const Plan& plan, View& view) {
-  const std::string chosen = " From " + voucherLines(table) + " Where " + plan.request.where;
+  const std::string chosen = " From " + voucherLines(table) + " Where " + plan.where;
   const std::int64_t documents = countOf(
       table.account(), "Select Count(*) From (Select Distinct cVouType, dVouDate, cVouCode" + chosen + ") documents");
   const auto sums = table.account().query(
@@ -334,7 +351,7 @@ void addTotals(const ResultTable& table, const Plan& plan, View& view) {
   if (!sums->next()) return;
   view.lineCount = std::get<std::int64_t>(sums->value(0));
   ViewRow total{.kind = RowKind::total, .cells = std::vector<tsql::Value>(plan.width())};
-  total.cells[0] = counted(plan.document, documents, view.lineCount);
+  total.cells[plan.label] = counted(plan.document, documents, view.lineCount);
   total.cells[plan.figures() + inQuantity] = sums->value(1);
   total.cells[plan.figures() + inAmount] = sums->value(2);
   total.cells[plan.figures() + outQuantity] = sums->value(3);
@@ -342,14 +359,59 @@ void addTotals(const ResultTable& table, const Plan& plan, View& view) {
   view.totals.push_back(std::move(total));
 }
 
-// Sets the view's columns, and in the plan where they stand.
-void planColumns(Plan& plan, View& view) {
-  const auto put = [&view](const ReportColumn& column) {
-    const bool key =
-        isOneOf(column.name, std::array<std::string_view, 4>{voucherTypeNameColumn, "cVouCode", "cInvCode", "cfxName"});
-    view.columns.push_back({.column = column, .key = key});
+bool isAmong(std::string_view name, std::span<const std::string> names) {
+  return std::ranges::any_of(names, [name](const auto& other) { return equalIgnoringCase(name, other); });
+}
+
+bool isAsked(std::string_view name, const Arrangement& arrangement) {
+  return isAmong(name, arrangement.columns) || isAmong(name, arrangement.groupBy);
+}
+
+// The columns that hold something or are asked for, in the layout's order. Takes off what is only shown when asked for.
+std::vector<ReportColumn> columnsShown(const LayoutRequest& request, std::size_t& leftOut) {
+  // The condition on the type's name is left out: the table does not have it.
+  std::vector<RowCondition> where = request.arrangement.where;
+  std::erase_if(where, [](const auto& of) { return equalIgnoringCase(of.column, voucherTypeNameColumn); });
+  const std::vector<ReportColumn> holding =
+      request.table.filledColumns(request.report.columns, conditionText(where, request.table.columns()));
+  std::vector<ReportColumn> filled;
+  for (const ReportColumn& column : columnsPresent(request)) {
+    if (column.role == ColumnRole::internal) continue;
+    if (isAsked(column.name, request.arrangement) ||
+        std::ranges::find(holding, column.name, &ReportColumn::name) != holding.end())
+      filled.push_back(column);
+  }
+  std::vector<ReportColumn> columns = {layoutColumn(voucherTypeNameColumn, voucherTypeCaption)};
+  const auto put = [&](const ReportColumn& column) {
+    if (isFigure(column.name) || (isOfPart(column.name) && isNumber(column.role))) return;
+    const bool whenAsked = column.role == ColumnRole::userDefined || column.role == ColumnRole::further;
+    if (whenAsked && !request.allColumns && !isAsked(column.name, request.arrangement)) {
+      ++leftOut;
+    } else {
+      columns.push_back(column);
+    }
   };
-  const std::vector<ReportColumn> all = vouchersColumns(plan.document.columns);
+  for (const std::string_view name : leadingColumns) {
+    const auto found =
+        std::ranges::find_if(filled, [name](const auto& column) { return equalIgnoringCase(column.name, name); });
+    if (found != filled.end()) put(*found);
+  }
+  for (const ReportColumn& column : filled) {
+    if (!isOneOf(column.name, leadingColumns)) put(column);
+  }
+  // It has the words for lines without cost items, and these may be all.
+  const auto isCostItem = [](const auto& column) { return equalIgnoringCase(column.name, costItemName); };
+  if (std::ranges::none_of(columns, isCostItem)) columns.push_back(layoutColumn(costItemName, costItemCaption));
+  return columns;
+}
+
+// Sets the view's columns, and in the plan where they stand.
+void planColumns(const LayoutRequest& request, Plan& plan, View& view) {
+  const auto put = [&view](const ReportColumn& column) {
+    constexpr std::array<std::string_view, 4> keys = {voucherTypeNameColumn, "cVouCode", "cInvCode", costItemName};
+    view.columns.push_back({.column = column, .key = isOneOf(column.name, keys)});
+  };
+  const std::vector<ReportColumn> all = columnsShown(request, view.columnsLeftOut);
   for (const ReportColumn& column : all) {
     if (!isOfLine(column.name) && !isOfPart(column.name)) put(column);
   }
@@ -362,11 +424,76 @@ void planColumns(Plan& plan, View& view) {
     view.columns.push_back(groupedColumn(figure.name, figure.caption, figure.role, figure.group));
   for (const ReportColumn& column : all) {
     if (!isOfPart(column.name)) continue;
+    if (equalIgnoringCase(column.name, costItemName)) plan.costItem = view.columns.size();
     put(column);
     view.columns.back().groupChinese = structureCaption.chinese;
     view.columns.back().groupEnglish = structureCaption.english;
   }
   plan.ofPart = view.columns.size() - plan.parts();
+  view.columns.push_back(groupedColumn("iUnitUsed", usageCaption, ColumnRole::movement, structureCaption));
+  view.columns.push_back(groupedColumn("iUnitCost", unitCostColumn, ColumnRole::unitCost, structureCaption));
+  view.columns.push_back(groupedColumn("iItemPrice", amountColumn, ColumnRole::amount, structureCaption));
+}
+
+// The columns in the order in which they are shown, by name; nothing when that is the view's own.
+std::vector<std::string> columnOrder(const Arrangement& arrangement, const View& view) {
+  std::vector<std::string> names = arrangement.groupBy;
+  if (names.empty() && arrangement.columns.empty()) return names;
+  const auto add = [&names](const std::string& name) {
+    if (!isAmong(name, names)) names.push_back(name);
+  };
+  for (const std::string& name : arrangement.columns)
+    add(name);
+  if (arrangement.columns.empty()) {
+    for (const ViewColumn& column : view.columns)
+      add(column.column.name);
+  }
+  return names;
+}
+
+std::optional<std::size_t> placeOf(const View& view, std::string_view name) {
+  const auto found = std::ranges::find_if(
+      view.columns, [name](const auto& column) { return equalIgnoringCase(column.column.name, name); });
+  if (found == view.columns.end()) return std::nullopt;
+  return static_cast<std::size_t>(found - view.columns.begin());
+}
+
+// Where subtotals and the total have their words, and whether parts are to be seen, when columns are chosen.
+void planChoice(const std::vector<std::string>& names, Plan& plan, const View& view) {
+  for (const std::string& name : plan.groupBy) {
+    plan.groups.push_back(placeOf(view, name).value_or(0));
+    plan.groupCaptions.push_back(view.columns[plan.groups.back()].caption(plan.document.language));
+  }
+  if (names.empty()) return;
+  const auto words = std::ranges::find_if(names, [&view](const std::string& name) {
+    const auto place = placeOf(view, name);
+    return place && !isNumber(view.columns[*place].column.role);
+  });
+  plan.label = words == names.end() ? 0 : placeOf(view, *words).value_or(0);
+  plan.showsParts = std::ranges::any_of(names, [&](const std::string& name) {
+    const auto place = placeOf(view, name);
+    return place && *place >= plan.parts();
+  });
+}
+
+std::string voucherQuery(const LayoutRequest& request, const Plan& plan, const View& view) {
+  std::string list;
+  const auto read = [&list](std::string_view name) { list.append(list.empty() ? "" : ", ").append(name); };
+  for (std::size_t i = 0; i < plan.usage(); ++i) {
+    const bool figure = i >= plan.figures() && i < plan.parts();
+    read(figure ? lineFigures[i - plan.figures()].ledger : std::string_view(view.columns[i].column.name));
+  }
+  read("iUnitUsed");
+  for (const std::string_view name : partFigures)
+    read(name);
+  read("AutoID");
+  read("ledgerReceipt");
+  for (const std::string_view name : documentKey)
+    read(name);
+  for (const std::string& name : plan.groupBy)
+    read(name);
+  return "Select " + list + " From " + voucherLines(request.table) + " Where " + plan.where + " Order By " +
+         voucherOrder(request.arrangement);
 }
 
 }  // namespace
@@ -375,63 +502,37 @@ bool isOfPart(std::string_view column) {
   return isOneOf(column, partColumns);
 }
 
-std::vector<ReportColumn> vouchersColumns(std::span<const ReportColumn> columns) {
-  std::vector<ReportColumn> result = {layoutColumn(voucherTypeNameColumn, voucherTypeCaption)};
-  for (const std::string_view name : leadingColumns) {
-    const auto found =
-        std::ranges::find_if(columns, [name](const auto& column) { return equalIgnoringCase(column.name, name); });
-    if (found != columns.end()) result.push_back(*found);
-  }
-  bool costItem = false;
-  for (const ReportColumn& column : columns) {
-    if (column.role == ColumnRole::internal || isFigure(column.name)) continue;
-    if (isOneOf(column.name, leadingColumns) || (isOfPart(column.name) && isNumber(column.role))) continue;
-    costItem = costItem || equalIgnoringCase(column.name, "cfxName");
-    result.push_back(column);
-  }
-  // It has the words for lines without cost items, and these may be all.
-  if (!costItem) result.push_back(layoutColumn("cfxName", costItemCaption));
-  return result;
+std::vector<ReportColumn> vouchersColumns(const LayoutRequest& request) {
+  std::vector<ReportColumn> columns = columnsPresent(request);
+  columns.push_back(layoutColumn(voucherTypeNameColumn, voucherTypeCaption));
+  return columns;
 }
 
-View vouchersView(const ResultTable& table, const ReportDocument& document, const VouchersRequest& request) {
-  if (std::ranges::any_of(request.groupBy, isOfPart))
-    throw std::invalid_argument("documents are not grouped by what their lines are made of");
-  auto plan = std::make_shared<Plan>(Plan{.document = document, .request = request, .query = {}});
+View vouchersView(const LayoutRequest& request, const ReportDocument& heading, bool everyKey) {
+  const Arrangement& arrangement = request.arrangement;
+  if (const auto part = std::ranges::find_if(arrangement.groupBy, isOfPart); part != arrangement.groupBy.end())
+    throw UserError("documents cannot be grouped by " + *part +
+                    ", which tells the parts of a line apart; group the layout lines by it");
+  std::vector<tsql::Column> columns = request.table.columns();
+  columns.push_back({.name = std::string(voucherTypeNameColumn), .type = {.kind = tsql::Kind::nVarChar}});
+  auto plan = std::make_shared<Plan>(Plan{.document = heading,
+                                          .groupBy = arrangement.groupBy,
+                                          .everyKey = everyKey,
+                                          .where = conditionText(arrangement.where, columns),
+                                          .query = {},
+                                          .groups = {},
+                                          .groupCaptions = {}});
   View view;
-  planColumns(*plan, view);
-  for (std::size_t i = 0; i < view.columns.size(); ++i) {
-    if (equalIgnoringCase(view.columns[i].column.name, "cfxName")) plan->costItem = i;
-  }
-
-  std::string list;
-  const auto read = [&list](std::string_view name) { list.append(list.empty() ? "" : ", ").append(name); };
-  for (std::size_t i = 0; i < view.columns.size(); ++i) {
-    const bool figure = i >= plan->figures() && i < plan->parts();
-    read(figure ? lineFigures[i - plan->figures()].ledger : std::string_view(view.columns[i].column.name));
-  }
-  read("iUnitUsed");
-  for (const std::string_view name : partFigures)
-    read(name);
-  for (const std::string_view name : std::array<std::string_view, 2>{"AutoID", "ledgerReceipt"})
-    read(name);
-  for (const std::string_view name : documentKey)
-    read(name);
-  for (const std::string& name : request.groupBy)
-    read(name);
-  plan->query =
-      "Select " + list + " From " + voucherLines(table) + " Where " + request.where + " Order By " + orderText(request);
-
-  view.columns.push_back(
-      groupedColumn("iUnitUsed", {"单位用量", "Usage per unit"}, ColumnRole::movement, structureCaption));
-  view.columns.push_back(groupedColumn("iUnitCost", unitCostHeading, ColumnRole::unitCost, structureCaption));
-  view.columns.push_back(groupedColumn("iItemPrice", amountHeading, ColumnRole::amount, structureCaption));
-  addTotals(table, *plan, view);
-  view.rows = [plan = std::shared_ptr<const Plan>(plan), &account = table.account()]() -> std::unique_ptr<ViewRows> {
+  planColumns(request, *plan, view);
+  const std::vector<std::string> names = columnOrder(arrangement, view);
+  planChoice(names, *plan, view);
+  plan->query = voucherQuery(request, *plan, view);
+  addTotals(request.table, *plan, view);
+  view.rows = [plan = std::shared_ptr<const Plan>(plan),
+               &account = request.table.account()]() -> std::unique_ptr<ViewRows> {
     return std::make_unique<VoucherRows>(plan, account);
   };
-  view.columnsLeftOut = document.columnsLeftOut;
-  return view;
+  return names.empty() ? view : withColumns(std::move(view), names);
 }
 
 }  // namespace quillon::workbench

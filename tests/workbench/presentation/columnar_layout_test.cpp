@@ -24,7 +24,7 @@ using testing::IsEmpty;
 class ColumnarLayout : public test::SmallLedger {
  protected:
   static ReadView columnar(const MadeLayout& made, const LedgerRequest& request = {}) {
-    return ReadView(columnarView(made.table(), made.document(), made.known(), request));
+    return ReadView(columnarView(made.request(), made.document(), request));
   }
 };
 
@@ -47,8 +47,7 @@ TEST_F(ColumnarLayout, CostItemsStandAcross) {
 
 TEST_F(ColumnarLayout, ClassesStandAcrossWhenTheBreakdownIsByClass) {
   const MadeLayout report = made({}, Language::english);
-  const View view =
-      columnarView(report.table(), report.document(), report.known(), {.breakdown = Breakdown::costItemClass});
+  const View view = columnarView(report.request(), report.document(), {.breakdown = Breakdown::costItemClass});
   std::vector<std::string> names;
   for (const ViewColumn& column : view.columns) {
     if (!column.groupChinese.empty()) names.push_back(column.group(Language::english) + "/" + column.column.english);
@@ -124,7 +123,7 @@ TEST_P(ColumnarLayoutOfSamples, AgreeWithThePartsOfTheLedger) {
     for (const LedgerChoice& choice : test::someLedgers(GetParam(), year, ledgers)) {
       SCOPED_TRACE(std::to_string(year) + " " + choice.place + " " + choice.inventory);
       const MadeLayout report("fx-detail", test::sampleOf(GetParam()), choice.settings(GetParam(), year));
-      const View view = columnarView(report.table(), report.document(), report.known(), {});
+      const View view = columnarView(report.request(), report.document(), {});
       const ReadView read(view);
       EXPECT_THAT(read.rows(RowKind::difference), IsEmpty());
       std::vector<std::string> across;

@@ -24,9 +24,9 @@ using testing::IsEmpty;
 
 class LedgerLayout : public test::SmallLedger {
  protected:
-  static ReadView ledger(const MadeLayout& made, LedgerRequest request = {}) {
-    request.beginning = made.beginning(2024);
-    return ReadView(ledgerView(made.table(), made.document(), made.known(), request));
+  static ReadView ledger(const MadeLayout& made, bool parts = false, bool allColumns = false) {
+    return ReadView(
+        ledgerView(made.request({}, allColumns), made.document(), {.beginning = made.beginning(2024), .parts = parts}));
   }
 };
 
@@ -76,7 +76,7 @@ TEST_F(LedgerLayout, ClosingRowCarriesTheFigureOfTheYearsEnd) {
 
 TEST_F(LedgerLayout, PartsStandBeneathTheirLine) {
   const MadeLayout report = made();
-  const ReadView view = ledger(report, {.parts = true});
+  const ReadView view = ledger(report, true);
   Lines details;
   for (const ViewRow& row : view.rows()) {
     if (row.kind == RowKind::line) details.push_back(view.text(row, "cVouCode"));
@@ -93,7 +93,7 @@ TEST_F(LedgerLayout, PartsStandBeneathTheirLine) {
 TEST_F(LedgerLayout, WhatPartsLackOfTheirLineStandsUnderNoCostItem) {
   MadeLayout report = made();
   report.doctor("Update Result Set iItemPrice = 39.99 Where cVouCode = N'R-1' And cfxCode = N'01A1'");
-  const ReadView view = ledger(report, {.parts = true});
+  const ReadView view = ledger(report, true);
   const std::vector<ViewRow> details = view.rows(RowKind::detail);
   EXPECT_EQ(view.line(details[2], {"cfxName", "iInQuantity", "iInPrice"}), "（无成本项目）|-|0.01");
 }
@@ -128,8 +128,7 @@ TEST_F(LedgerLayout, DifferenceFromTheClosingBalanceStandsBeforeIt) {
 TEST_F(LedgerLayout, YearToDateIsNamedByWhatItIs) {
   const auto name = [](std::vector<std::string> settings, const std::string& from, Language language) {
     const MadeLayout report = made(std::move(settings), language);
-    const ReadView view(
-        ledgerView(report.table(), report.document(), report.known(), {.beginning = report.beginning(2024, from)}));
+    const ReadView view(ledgerView(report.request(), report.document(), {.beginning = report.beginning(2024, from)}));
     return view.text(view.rows(RowKind::yearTotal).front(), "cPZdigest");
   };
   EXPECT_EQ(name({}, "", Language::english), "Year to date");
@@ -150,7 +149,7 @@ TEST_F(LedgerLayout, LineThatTheAccountLostIsAnIssueOfItsDatesMonth) {
 
 TEST_F(LedgerLayout, ColumnsThatSayTheSameOfAllLinesAreLeftOut) {
   const MadeLayout report = made();
-  const View view = ledgerView(report.table(), report.document(), report.known(), {});
+  const View view = ledgerView(report.request(), report.document(), {});
   Lines names;
   for (const ViewColumn& column : view.columns)
     names.push_back(column.column.name);
@@ -160,7 +159,7 @@ TEST_F(LedgerLayout, ColumnsThatSayTheSameOfAllLinesAreLeftOut) {
   EXPECT_EQ(view.lineCount, 4);
   // Document date, receipt/issue type, business type.
   EXPECT_EQ(view.columnsLeftOut, 3U);
-  const ReadView all = ledger(report, {.allColumns = true});
+  const ReadView all = ledger(report, false, true);
   EXPECT_EQ(all.line(all.rows(RowKind::line)[1], {"cVouDate", "cBusType", "iOutPrice"}), "2024-01-20|领料|32.00");
 }
 
@@ -217,7 +216,7 @@ TEST_P(LedgerLayoutOfSamples, AgreeWithTheLedgerAndWithTheMonthBalances) {
     SCOPED_TRACE(choice.place + " " + choice.inventory);
     const MadeLayout report("fx-detail", test::sampleOf(GetParam()), choice.settings(GetParam(), lastYear));
     const std::string condition = choice.condition(GetParam(), lastYear, "line");
-    const View view = ledgerView(report.table(), report.document(), report.known(), {});
+    const View view = ledgerView(report.request(), report.document(), {});
     const ReadView read(view);
     EXPECT_THAT(read.rows(RowKind::difference), IsEmpty());
 
@@ -263,8 +262,7 @@ TEST_P(LedgerLayoutOfSamples, OfTheYearInWhichCostItemsBegin) {
   for (const LedgerChoice& choice : test::someLedgers(GetParam(), year, few)) {
     SCOPED_TRACE(choice.place + " " + choice.inventory);
     const MadeLayout report("fx-detail", test::sampleOf(GetParam()), choice.settings(GetParam(), year));
-    const ReadView read(
-        ledgerView(report.table(), report.document(), report.known(), {.beginning = report.beginning(year)}));
+    const ReadView read(ledgerView(report.request(), report.document(), {.beginning = report.beginning(year)}));
     EXPECT_THAT(read.rows(RowKind::difference), IsEmpty());
     constexpr int lastMonth = 12;
     EXPECT_EQ(balanceOf(read, read.rows().back()),
@@ -280,7 +278,7 @@ TEST_P(LedgerLayoutOfSamples, PartsMakeTheirLine) {
   for (const LedgerChoice& choice : test::someLedgers(GetParam(), lastYear, few)) {
     SCOPED_TRACE(choice.place + " " + choice.inventory);
     const MadeLayout report("fx-detail", test::sampleOf(GetParam()), choice.settings(GetParam(), lastYear));
-    const ReadView read(ledgerView(report.table(), report.document(), report.known(), {.parts = true}));
+    const ReadView read(ledgerView(report.request(), report.document(), {.parts = true}));
     ExactSum rest;
     for (const ViewRow& row : read.rows()) {
       if (row.kind != RowKind::detail) {

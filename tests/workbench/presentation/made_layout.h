@@ -13,6 +13,7 @@
 #include "frame/text.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/report_run.h"
+#include "workbench/presentation/layout_request.h"
 #include "workbench/presentation/ledger_sheet.h"
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/view.h"
@@ -35,16 +36,18 @@ class MadeLayout {
     document_.language = language;
     document_.report = report;
     document_.rowCount = table_.rowCount();
-    if (document_.rowCount == 0) return;
-    document_.columns = table_.filledColumns(report_.columns);
-    document_.columnsLeftOut = static_cast<std::size_t>(std::erase_if(document_.columns, [](const auto& column) {
-      return column.role == ColumnRole::userDefined || column.role == ColumnRole::further;
-    }));
   }
 
   const ResultTable& table() const { return table_; }
   const ReportDocument& document() const { return document_; }
-  std::span<const ReportColumn> known() const { return report_.columns; }
+  LayoutRequest request(Arrangement arrangement = {}, bool allColumns = false) const {
+    return {.report = report_,
+            .table = table_,
+            .mode = "",
+            .language = document_.language,
+            .arrangement = std::move(arrangement),
+            .allColumns = allColumns};
+  }
   LedgerBeginning beginning(int year, const std::string& from = "") const {
     return ledgerBeginning(year, from, *made_->account().login, *made_->account().session);
   }

@@ -4,11 +4,11 @@
 #include <gmock/gmock.h>
 
 #include <set>
-#include <stdexcept>
 
 #include "tests/workbench/presentation/ledger_sources.h"
 #include "tests/workbench/presentation/made_layout.h"
 #include "tests/workbench/presentation/small_ledger.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 namespace {
@@ -28,8 +28,8 @@ using testing::StartsWith;
 
 class VouchersLayout : public test::SmallLedger {
  protected:
-  static ReadView view(const MadeLayout& made, const VouchersRequest& request = {}) {
-    return ReadView(vouchersView(made.table(), made.document(), request));
+  static ReadView view(const MadeLayout& made, Arrangement arrangement = {}, bool everyKey = false) {
+    return ReadView(vouchersView(made.request(std::move(arrangement)), made.document(), everyKey));
   }
   // The small ledger with another account's worth of changes; for one report each.
   static std::unique_ptr<test::TemporaryFile> changed(const std::string& statements) {
@@ -66,7 +66,7 @@ TEST_F(VouchersLayout, DocumentsHaveTheirLinesAndTheseTheirParts) {
 
 TEST_F(VouchersLayout, RowsCanBeReadAgain) {
   const MadeLayout report = vouchers();
-  const View once = vouchersView(report.table(), report.document());
+  const View once = vouchersView(report.request(), report.document());
   EXPECT_EQ(ReadView(once).rows().size(), ReadView(once).rows().size());
   EXPECT_EQ(once.lineCount, 4);
   EXPECT_EQ(limited(once, 1).columns.size() < once.columns.size(), true);
@@ -84,7 +84,7 @@ TEST_F(VouchersLayout, WhatLinesOfADocumentHaveAlikeStandsOnTheDocument) {
                           "line: -|-|二库|7.5000|-", "detail: -|-|-|-|（无成本项目）",
                           "total: 合计（1 张单据，2 行）|-|-|67.5000|-"));
   EXPECT_THAT(
-      shown(view(report, {.everyKey = true}), {"cVouTypeName", "cVouCode", "cWhName", "cInvCode"}),
+      shown(view(report, {}, true), {"cVouTypeName", "cVouCode", "cWhName", "cInvCode"}),
       ElementsAre("group: 产成品入库单|R-1|-|-", "line: 产成品入库单|R-1|一库|M1", "detail: 产成品入库单|R-1|一库|M1",
                   "detail: 产成品入库单|R-1|一库|M1", "line: 产成品入库单|R-1|二库|M1",
                   "detail: 产成品入库单|R-1|二库|M1", "total: 合计（1 张单据，2 行）|-|-|-"));
@@ -110,7 +110,8 @@ TEST_F(VouchersLayout, PartsThatCameTogetherDoNotMultiplyTheirLine) {
 TEST_F(VouchersLayout, ConditionChoosesRows) {
   const MadeLayout report = vouchers({}, Language::english);
   EXPECT_THAT(
-      shown(view(report, {.where = "cVouTypeName = N'材料出库单' And cfxCode = N'B1'"}),
+      shown(view(report, {.where = {{.column = "cVouTypeName", .values = {"材料出库单"}},
+                                    {.column = "cfxCode", .values = {"B1"}}}}),
             {"cVouTypeName", "cVouCode", "iAOutPrice", "cfxName", "iItemPrice"}),
       ElementsAre("group: 材料出库单|L-1|32.0000|-|-", "line: -|-|32.0000|-|-", "detail: -|-|-|直接人工|12.0000",
                   "group: 材料出库单|L-2|21.3300|-|-", "line: -|-|21.3300|-|-", "detail: -|-|-|直接人工|8.0000",
@@ -119,10 +120,10 @@ TEST_F(VouchersLayout, ConditionChoosesRows) {
 
 TEST_F(VouchersLayout, OrderAndSubtotals) {
   const MadeLayout report = vouchers();
-  const VouchersRequest request{.sort = {{.column = "cVouCode", .descending = true}, {.column = "iItemOutPrice"}},
+  const Arrangement arrangement{.sort = {{.column = "cVouCode", .descending = true}, {.column = "iItemOutPrice"}},
                                 .groupBy = {"cVouTypeName"}};
-  EXPECT_THAT(shown(view(report, request), {"cVouTypeName", "cVouCode", "iAInQuantity", "iAInPrice", "iAOutQuantity",
-                                            "iAOutPrice", "cfxName"}),
+  EXPECT_THAT(shown(view(report, arrangement), {"cVouTypeName", "cVouCode", "iAInQuantity", "iAInPrice",
+                                                "iAOutQuantity", "iAOutPrice", "cfxName"}),
               ElementsAre("group: 材料出库单|L-2|-|-|-|21.3300|-", "line: -|-|-|-|2.000000|21.3300|-",
                           "detail: -|-|-|-|-|-|直接人工", "detail: -|-|-|-|-|-|直接材料",  //
                           "group: 材料出库单|L-1|-|-|-|32.0000|-", "line: -|-|-|-|3.000000|32.0000|-",
@@ -134,7 +135,30 @@ TEST_F(VouchersLayout, OrderAndSubtotals) {
                           "detail: -|-|-|-|-|-|直接材料", "detail: -|-|-|-|-|-|直接人工",
                           "subtotal: 产成品入库单 小计|-|6.000000|67.5000|-|-|-",
                           "total: 合计（4 张单据，4 行）|-|6.000000|67.5000|5.000000|53.3300|-"));
-  EXPECT_THROW(view(report, {.groupBy = {"cfxCode"}}), std::invalid_argument);
+  EXPECT_THAT(shown(view(report, {.groupBy = {"cWhCode"}}), {"cWhCode", "iAInPrice"}),
+              Contains("subtotal: 仓库编码为空 小计|67.5000"));
+  EXPECT_THROW(view(report, {.groupBy = {"cfxCode"}}), UserError);
+}
+
+TEST_F(VouchersLayout, ChosenColumns) {
+  const MadeLayout report = vouchers();
+  const View lines = vouchersView(
+      report.request({.columns = {"cVouCode", "iAInPrice", "cInvCCode"}, .groupBy = {"cVouTypeName", "cInvCCode"}}),
+      report.document());
+  std::vector<std::string> names;
+  for (const ViewColumn& column : lines.columns)
+    names.push_back(column.column.name);
+  EXPECT_THAT(names, ElementsAre("cVouTypeName", "cInvCCode", "cVouCode", "iAInPrice"));
+  // No column of the parts, and no parts.
+  EXPECT_THAT(
+      shown(ReadView(lines), {"cVouTypeName", "cInvCCode", "cVouCode", "iAInPrice"}),
+      ElementsAre("group: 材料出库单|-|L-1|-", "line: -|1|-|-", "group: 材料出库单|-|L-2|-", "line: -|1|-|-",
+                  "subtotal: 材料出库单|1 小计|-|-", "subtotal: 材料出库单 小计|-|-|-",
+                  "group: 产成品入库单|-|R-1|60.0000", "line: -|1|-|60.0000",  //
+                  "group: 产成品入库单|-|R-2|7.5000", "line: -|1|-|7.5000", "subtotal: 产成品入库单|1 小计|-|67.5000",
+                  "subtotal: 产成品入库单 小计|-|-|67.5000", "total: 合计（4 张单据，4 行）|-|-|67.5000"));
+  EXPECT_THAT(shown(view(report, {.columns = {"iAInPrice", "cVouCode"}}), {"iAInPrice", "cVouCode"}),
+              Contains("total: 67.5000|合计（4 张单据，4 行）"));
 }
 
 // A line that is not broken down counts with its own figures, so that the cross view's total is that of all lines.
@@ -162,7 +186,7 @@ class VouchersLayoutOfASample : public testing::Test {
 TEST_F(VouchersLayoutOfASample, AgreesWithTheLedger) {
   const auto account = tsql::Connection::open(test::sampleOf(sample), tsql::OpenMode::readOnly);
   const MadeLayout report("fx-wt", test::sampleOf(sample), {}, Language::english);
-  const View view = vouchersView(report.table(), report.document());
+  const View view = vouchersView(report.request(), report.document());
   const auto documents = numbersByKey(
       *account,
       std::string("Select line.cVouType, line.cVouCode, Sum(IsNull(line.iAInPrice, 0)), Sum(IsNull(line.iAOutPrice, "
@@ -218,7 +242,7 @@ TEST_F(VouchersLayoutOfASample, AgreesWithTheLedger) {
 
 TEST_F(VouchersLayoutOfASample, ComeByTypeDayAndNumber) {
   const MadeLayout report("fx-wt", test::sampleOf(sample), {"dVouDate=2024-03-01..2024-04-30"}, Language::english);
-  const ReadView read(vouchersView(report.table(), report.document()));
+  const ReadView read(vouchersView(report.request(), report.document()));
   std::vector<std::string> before;
   std::set<std::string> types;
   for (const ViewRow& row : read.rows(RowKind::group)) {
