@@ -122,22 +122,39 @@ bool TextTable::leaveOneOut() {
   return true;
 }
 
+// The cells that the table is brought to, where its numbers allow it. Numbers that do not fit beside the first column of
+// texts run over the edge whatever else is shown: then texts keep half of the place, so that rows can be told apart.
+std::size_t TextTable::room() const {
+  std::size_t numbers = 0;
+  std::optional<std::size_t> firstText;
+  for (const Column& column : columns_) {
+    if (column.shown.align == Align::right) {
+      numbers += gap.size() + least(column);
+    } else if (!firstText) {
+      firstText = least(column);
+    }
+  }
+  const bool fits = firstText.value_or(0) + numbers <= *style_.width;
+  return fits ? *style_.width : numbers + *style_.width / 2;
+}
+
 void TextTable::fit() {
   if (!style_.width || width() <= *style_.width) return;
+  const std::size_t room = this->room();
   narrowed_ = true;
-  while (lineWidth([this](std::size_t i) { return least(columns_[i]); }) > *style_.width && leaveOneOut()) {
+  while (lineWidth([this](std::size_t i) { return least(columns_[i]); }) > room && leaveOneOut()) {
   }
   std::vector<std::size_t> wanted, leastOf;
   for (const Column& column : columns_) {
     wanted.push_back(column.width);
     leastOf.push_back(least(column));
   }
-  for (std::size_t longest = std::ranges::max(wanted); width() > *style_.width && longest > 0; --longest) {
+  for (std::size_t longest = std::ranges::max(wanted); width() > room && longest > 0; --longest) {
     for (std::size_t i = 0; i < columns_.size(); ++i)
       columns_[i].width = std::max(leastOf[i], std::min(wanted[i], longest));
   }
   // Several columns got narrower in the last step; some of them need not have.
-  for (std::size_t i = 0; i < columns_.size() && width() < *style_.width; ++i) {
+  for (std::size_t i = 0; i < columns_.size() && width() < room; ++i) {
     if (!columns_[i].leftOut && columns_[i].width < wanted[i]) ++columns_[i].width;
   }
 }

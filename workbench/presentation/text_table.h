@@ -33,8 +33,8 @@ struct TableStyle {
 
 // A table that is wider than its place gets narrower, the longest texts and headings first: they end in "…". No column of
 // texts gets narrower than `leastText`, so that a date stays whole. Where that is not enough, columns of texts are left
-// out, the last one first, but never the first one, which says what a row is; a line below the table names them. What
-// numbers need beyond that, runs over the edge.
+// out, the last one first, but never the first one, which says what a row is; a line below the table names them. Numbers
+// that do not fit even so run over the edge; texts then keep half of the place.
 class TextTable {
  public:
   // Columns are as wide as the heading and the first `sampledRows` rows need; a later cell that is wider pushes its own
@@ -73,6 +73,7 @@ class TextTable {
 
   void flush();
   void widenGroups();
+  std::size_t room() const;
   void fit();
   bool leaveOneOut();
   void writeGroups();

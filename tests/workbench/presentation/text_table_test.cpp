@@ -129,13 +129,23 @@ TEST(TextTableInAPlace, LeavesOutTheLastTextsAndSaysSo) {
             "终端太窄，略去 3 列：date、warehouse、remark。用 --wide 显示全部。\n");
 }
 
-TEST(TextTableInAPlace, RunsOverTheEdgeForNumbersAlone) {
-  EXPECT_EQ(written({{"item"}, {"name"}, {"receipts", Align::right}, {"issues", Align::right}},
-                    {{"0101", "Bolt", "12,345,678.90", "12,345,678.90"}}, {.width = 20}),
+TEST(TextTableInAPlace, RunsOverTheEdgeForNumbersThatDoNotFit) {
+  const std::vector<TableColumn> columns = {
+      {"item"}, {"name"}, {"receipts", Align::right}, {"issues", Align::right}, {"remark"}};
+  const std::vector<std::vector<std::string>> rows = {
+      {"0101", "Bolt", "12,345,678.90", "12,345,678.90", "bought in the spring"}};
+  EXPECT_EQ(written(columns, rows, {.width = 30}),
+            "item  name       receipts         issues\n"
+            "----  ----  -------------  -------------\n"
+            "0101  Bolt  12,345,678.90  12,345,678.90\n"
+            "Left out, as the terminal is too narrow: 1 column: remark. --wide shows all.\n")
+      << "what says which row it is stays";
+  EXPECT_EQ(written(columns, rows, {.width = 34}),
             "item       receipts         issues\n"
             "----  -------------  -------------\n"
             "0101  12,345,678.90  12,345,678.90\n"
-            "Left out, as the terminal is too narrow: 1 column: name. --wide shows all.\n");
+            "Left out, as the terminal is too narrow: 2 columns: name, remark. --wide shows all.\n")
+      << "it just fits";
 }
 
 TEST(TextTableInAPlace, CutsALaterRowThatWouldReachOverTheEdge) {
