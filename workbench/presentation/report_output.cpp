@@ -3,36 +3,39 @@
 #include <algorithm>
 
 #include "frame/text.h"
-#include "workbench/account/csv.h"
+#include "workbench/presentation/csv_record.h"
 #include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 
+namespace {
+
+void beginRows(RowProgress& progress, const ResultTable& table) {
+  if (progress.shown()) progress.begin(table.rowCount());
+}
+
+}  // namespace
+
 void writeCsv(std::ostream& out, const ResultTable& table, std::span<const ReportColumn> known, const CsvStyle& style,
-              Language language) {
+              Language language, RowProgress& progress) {
+  beginRows(progress, table);
   const auto cursor = table.rows();
   const auto columns = cursor->columns();
-  // Null and an empty text are both nothing: the file goes to spreadsheets, which do not tell them apart.
-  const auto writeRecord = [&out, &columns](const auto& textOf) {
-    std::string record;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      if (i > 0) record += ',';
-      account::appendCsvText(record, textOf(i), account::EmptyText::bare);
-    }
-    out << record << "\r\n";
-  };
   if (style.bom) out << byteOrderMark;
-  writeRecord([&](std::size_t i) {
+  writeCsvRecord(out, columns.size(), [&](std::size_t i) {
     const auto caption =
         std::ranges::find_if(known, [&](const auto& entry) { return equalIgnoringCase(entry.name, columns[i].name); });
     return style.captions && caption != known.end() ? caption->caption(language) : columns[i].name;
   });
-  while (cursor->next())
-    writeRecord([&cursor](std::size_t i) { return plainText(cursor->value(i), ""); });
+  while (cursor->next()) {
+    progress.row();
+    writeCsvRecord(out, columns.size(), [&cursor](std::size_t i) { return plainText(cursor->value(i), ""); });
+  }
 }
 
 void writeJson(std::ostream& out, const ReportDocument& document, const ResultTable& table,
-               std::span<const ReportColumn> known) {
+               std::span<const ReportColumn> known, RowProgress& progress) {
+  beginRows(progress, table);
   const auto cursor = table.rows();
   const auto columns = cursor->columns();
   out << "{\"report\":";
@@ -56,6 +59,7 @@ void writeJson(std::ostream& out, const ReportDocument& document, const ResultTa
   out << "},\n\"rows\":[";
   separator = "\n";
   while (cursor->next()) {
+    progress.row();
     out << separator << '[';
     for (std::size_t i = 0; i < columns.size(); ++i) {
       if (i > 0) out << ',';
