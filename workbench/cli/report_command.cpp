@@ -3,9 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <utility>
 
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_option.h"
@@ -13,10 +15,13 @@
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/item_help.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/pager.h"
+#include "workbench/cli/progress_line.h"
 #include "workbench/cli/report_comparison.h"
 #include "workbench/cli/report_layouts.h"
 #include "workbench/cli/report_run.h"
 #include "workbench/cli/standard_streams.h"
+#include "workbench/cli/terminal.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/html_page.h"
 #include "workbench/presentation/output_file.h"
@@ -29,7 +34,8 @@
 
 namespace quillon::workbench {
 
-void writeHtml(std::ostream&, const LaidOutReport&);void writeXlsx(const std::filesystem::path&, const LaidOutReport&);
+void writeHtml(std::ostream&, const LaidOutReport&);
+void writeXlsx(const std::filesystem::path&, const LaidOutReport&);
 namespace {
 
 // Whether the format is for programs: the rows of the result table as they are, unless a layout is asked for.
@@ -58,18 +64,27 @@ ReportDocument bareHeading(const ReportOptions& options, const MadeReport& repor
   return document;
 }
 
-void writeForPrograms(const ReportOptions& options, const MadeReport& report, std::ostream& out) {
+// The report as its reader wants it; whoever waits is told how its rows come.
+LaidOutReport watchedLayout(const ReportOptions& options, const MadeReport& report, RowProgress& progress) {
+  LaidOutReport laid = laidOut(report, options.language, layoutOptions(options), options.format == ReportFormat::xlsx);
+  for (ReportSection& section : laid.sections)
+    section.view = watched(std::move(section.view), progress);
+  return laid;
+}
+
+void writeForPrograms(const ReportOptions& options, const MadeReport& report, std::ostream& out,
+                      RowProgress& progress) {
   const CsvStyle style{.captions = options.captions, .bom = options.bom};
   if (options.layout.asStored()) {
     const ResultTable table = report.table();
     if (options.format == ReportFormat::csv) {
-      writeCsv(out, table, report.report().columns, style, options.language);
+      writeCsv(out, table, report.report().columns, style, options.language, progress);
     } else {
-      writeJson(out, bareHeading(options, report), table, report.report().columns);
+      writeJson(out, bareHeading(options, report), table, report.report().columns, progress);
     }
     return;
   }
-  const LaidOutReport laid = laidOut(report, options.language, layoutOptions(options), false);
+  const LaidOutReport laid = watchedLayout(options, report, progress);
   if (laid.sections.empty()) throw UserError("no rows meet the conditions, and so there is nothing to lay out");
   if (options.format == ReportFormat::csv) {
     writeCsv(out, laid.heading, laid.sections.front(), style);
@@ -78,30 +93,42 @@ void writeForPrograms(const ReportOptions& options, const MadeReport& report, st
   }
 }
 
-void write(const ReportOptions& options, const MadeReport& report, std::ostream& out) {
+void write(const ReportOptions& options, const MadeReport& report, std::ostream& out, RowProgress& progress) {
   if (isForPrograms(options.format)) {
-    writeForPrograms(options, report, out);
+    writeForPrograms(options, report, out, progress);
   } else if (options.format == ReportFormat::html) {
-    writeHtml(out, laidOut(report, options.language, layoutOptions(options), false));
+    writeHtml(out, watchedLayout(options, report, progress));
   } else {
-    writeTable(out, laidOut(report, options.language, layoutOptions(options), false), {.language = options.language});
+    writeTable(out, watchedLayout(options, report, progress),
+               tableStyle(options.outputFile.empty() ? options.screen : std::nullopt, options.wide, options.language));
   }
 }
 
-void writeTo(const ReportOptions& options, const MadeReport& report, std::ostream& out) {
+// Progress and a report that goes to the same terminal, or through a pipe to who knows whom, would disturb each other: there
+// the line goes before the report's first.
+void writeToOutput(const ReportOptions& options, const MadeReport& report, std::ostream& out, ProgressLine* progress,
+                   RowProgress& rows) {
+  std::function<void()> beforeOutput;
+  if (progress != nullptr && !options.outputIsFile) beforeOutput = [progress] { progress->finish(); };
+  PagedOutput paged(out, {.screen = options.screen, .pager = options.pager, .beforeOutput = beforeOutput});
+  write(options, report, paged.stream(), rows);
+  if (!paged.finish()) throw UserError("the report could not be written to standard output");
+}
+
+void writeTo(const ReportOptions& options, const MadeReport& report, std::ostream& out, ProgressLine* progress) {
+  RowProgress& rows = progress != nullptr ? *progress : noRowProgress();
+  if (progress != nullptr) progress->readSums();
   if (options.format == ReportFormat::xlsx) {
-    writeXlsx(pathFromUtf8(options.outputFile), laidOut(report, options.language, layoutOptions(options), true));
+    writeXlsx(pathFromUtf8(options.outputFile), watchedLayout(options, report, rows));
     return;
   }
   if (options.outputFile.empty()) {
-    write(options, report, out);
-    out.flush();
-    if (!out) throw UserError("the report could not be written to standard output");
+    writeToOutput(options, report, out, progress, rows);
     return;
   }
   OutputFile output(pathFromUtf8(options.outputFile));
   std::ofstream file(output.path(), std::ios::binary);
-  if (file) write(options, report, file);
+  if (file) write(options, report, file, rows);
   file.close();
   if (!file) output.fail();
   output.complete();
@@ -115,7 +142,14 @@ std::vector<std::filesystem::path> inputsOf(const ReportOptions& options) {
   return inputs;
 }
 
-std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOptions& options, std::ostream& notes) {
+// The line that shows `notes` how far the report is, if that is a terminal.
+std::unique_ptr<ProgressLine> progressOn(std::ostream& notes, const ReportOptions& options) {
+  if (!options.terminal) return nullptr;
+  return std::make_unique<ProgressLine>(notes, errorColumns(), options.language);
+}
+
+std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOptions& options, std::ostream& notes,
+                                     ProgressLine* progress) {
   return makeReport({.report = options.report,
                      .account = source,
                      .filterFile = options.filterFile,
@@ -124,19 +158,18 @@ std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOp
                      .dialog = options.dialog,
                      .language = options.language,
                      .date = options.date},
-                    {.notes = notes,
-                     .progress = options.terminal ? &notes : nullptr,
-                     .explanation = options.explain ? &notes : nullptr});
+                    {.notes = notes, .progress = progress, .explanation = options.explain ? &notes : nullptr});
 }
 
 }  // namespace
 
 bool compareReports(const ReportOptions& options, const AccountSource& second, std::ostream& out, std::ostream& notes) {
   constexpr std::int64_t shown = 10;
-  const auto one = reportOn(options.account, options, notes);
+  const auto progress = progressOn(notes, options);
+  const auto one = reportOn(options.account, options, notes, progress.get());
   ReportOptions again = options;
   again.saving = {};
-  const auto two = reportOn(second, again, notes);
+  const auto two = reportOn(second, again, notes, progress.get());
   const auto firstRows = one->table().rows(), secondRows = two->table().rows();
   return compareResults(*firstRows, *secondRows, options.layout.limit.value_or(shown), out);
 }
@@ -144,13 +177,16 @@ bool compareReports(const ReportOptions& options, const AccountSource& second, s
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
   checkLayout(reportNamed(options.report), options.layout);
   if (!options.outputFile.empty()) refuseToReplace(pathFromUtf8(options.outputFile), inputsOf(options));
-  const auto report = reportOn(options.account, options, notes);
-  writeTo(options, *report, out);
+  const auto progress = progressOn(notes, options);
+  const auto report = reportOn(options.account, options, notes, progress.get());
+  writeTo(options, *report, out, progress.get());
+  if (progress) progress->finish();
   if (options.keep) report->keepTable();
   if (options.keep) notes << "quillon: the result table " << report->table().name() << " is kept\n";
 }
 
-void writeHtml(std::ostream&, const LaidOutReport&);void writeXlsx(const std::filesystem::path&, const LaidOutReport&);
+void writeHtml(std::ostream&, const LaidOutReport&);
+void writeXlsx(const std::filesystem::path&, const LaidOutReport&);
 namespace {
 
 void addList(CLI::App& command, const char* name, std::vector<std::string>& values, const char* help) {
@@ -210,6 +246,8 @@ void addReportCommand(CLI::App& app) {
   addLayoutOptions(command, options->layout);
   command.add_flag("--captions", options->captions, "Head the columns with captions instead of names (csv)");
   command.add_flag("--bom", options->bom, "Begin with a byte order mark, by which spreadsheets know UTF-8 (csv)");
+  command.add_flag("--wide", options->wide, "Show all of a table on a terminal that is too narrow for it");
+  command.add_flag("!--no-pager", options->pager, "Do not show what is longer than the terminal in the pager (PAGER)");
   command.add_flag("--explain", options->explain, "Print each statement with its time and row count");
   CLI::Option& keep = *command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
   const auto second = std::make_shared<AccountSource>();
@@ -220,6 +258,8 @@ void addReportCommand(CLI::App& app) {
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())
       throw CLI::ValidationError("--format", "xlsx needs a file to write to; name one with -o FILE");
     options->terminal = errorsGoToTerminal();
+    options->outputIsFile = outputIsFile();
+    options->screen = outputScreen();
     if (second->text().empty()) {
       runReport(*options, std::cout, std::cerr);
     } else if (!compareReports(*options, *second, std::cout, std::cerr)) {

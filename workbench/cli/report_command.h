@@ -7,6 +7,7 @@
 
 #include "workbench/cli/filters_command.h"
 #include "workbench/cli/report_layouts.h"
+#include "workbench/cli/terminal.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
 
@@ -32,11 +33,15 @@ struct ReportOptions {
   Language language = Language::chinese;
   std::string date = {};  // the login's date, yyyy-mm-dd; empty: the last day of the current year
   LayoutOptions layout = {};
-  bool captions = false;  // csv with captions for headings
-  bool bom = false;       // csv with a byte order mark
-  bool explain = false;   // each statement with its time and row count, to `notes`
-  bool keep = false;      // keep the result table and tell its name
-  bool terminal = false;  // `notes` is a terminal: show progress there
+  bool captions = false;              // csv with captions for headings
+  bool bom = false;                   // csv with a byte order mark
+  bool explain = false;               // each statement with its time and row count, to `notes`
+  bool keep = false;                  // keep the result table and tell its name
+  bool terminal = false;              // `notes` is a terminal: show progress there
+  bool outputIsFile = false;          // `out` is a file: progress can be shown while it is written
+  std::optional<Screen> screen = {};  // of `out`; none: it is no terminal
+  bool wide = false;                  // tables as wide as they need to be, whatever the screen is
+  bool pager = true;                  // long output on a screen goes through the user's pager
 };
 
 // Runs the report and writes it. Throws std::exception with one line for the user when it cannot be made. What the user

@@ -195,11 +195,13 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
   auto made = std::make_unique<MadeReport>(report, std::move(account), std::move(filter));
 
   RunMonitor monitor(notes.progress, notes.explanation);
-  EmbeddedPlatform platform(
-      {.account = made->account().source,
-       .language = request.language,
-       .monitor = &monitor,
-       .messages = [&notes](std::string_view text, int) { notes.notes << oneLine(text) << '\n'; }});
+  EmbeddedPlatform platform({.account = made->account().source,
+                             .language = request.language,
+                             .monitor = &monitor,
+                             .messages = [&notes](std::string_view text, int) {
+                               if (notes.progress != nullptr) notes.progress->clear();
+                               notes.notes << oneLine(text) << '\n';
+                             }});
   WorkTablesOnServer workTables(made->account().source, platform);
   {
     const auto runner = makeReportRunner(platform);

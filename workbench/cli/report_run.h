@@ -10,6 +10,7 @@
 #include "workbench/catalogue/report.h"
 #include "workbench/cli/account_login.h"
 #include "workbench/cli/filters_command.h"
+#include "workbench/cli/progress_line.h"
 #include "workbench/platform/language.h"
 #include "workbench/presentation/result_table.h"
 
@@ -62,7 +63,7 @@ class MadeReport {
 // How a run is watched: progress on a terminal and an explanation of each statement; either may be null.
 struct RunNotes {
   std::ostream& notes;  // what the user must know besides the report
-  std::ostream* progress = nullptr;
+  ProgressLine* progress = nullptr;
   std::ostream* explanation = nullptr;
 };
 

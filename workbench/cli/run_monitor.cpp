@@ -9,9 +9,6 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr std::size_t terminalCells = 79;
-constexpr std::string_view eraseLine = "\r\x1b[K";
-
 std::string milliseconds(double seconds) {
   std::array<char, 32> text{};
   const int length = std::snprintf(text.data(), text.size(), "%.1f ms", seconds * 1000);
@@ -42,10 +39,7 @@ std::string errorText(const std::exception& error) {
 
 void RunMonitor::started(std::string_view sql) {
   ++statements_;
-  if (progress_ == nullptr) return;
-  *progress_ << eraseLine
-             << shortened(std::to_string(statements_) + ": " + oneLine(sql.substr(0, 4 * terminalCells)), terminalCells)
-             << std::flush;
+  if (progress_ != nullptr) progress_->statement(statements_, sql);
 }
 
 void RunMonitor::finished(std::string_view sql, double seconds, std::int64_t rows) {
@@ -74,7 +68,7 @@ void RunMonitor::told(const odbc::Diagnostic& message) {
 }
 
 void RunMonitor::clearProgress() {
-  if (progress_ != nullptr) *progress_ << eraseLine << std::flush;
+  if (progress_ != nullptr) progress_->clear();
 }
 
 }  // namespace quillon::workbench

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "workbench/cli/progress_line.h"
 #include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {
@@ -19,9 +20,9 @@ std::string errorText(const std::exception& error);
 
 class RunMonitor final : public SessionMonitor {
  public:
-  // `progress` gets a line with the running statement, rewritten in place; it should be a terminal. `explanation` gets
-  // each statement with its time and row count. Either may be null.
-  RunMonitor(std::ostream* progress, std::ostream* explanation) : progress_(progress), explanation_(explanation) {}
+  // `progress` shows the running statement. `explanation` gets each statement with its time and row count. Either may be
+  // null.
+  RunMonitor(ProgressLine* progress, std::ostream* explanation) : progress_(progress), explanation_(explanation) {}
 
   void opened() override { open_ = true; }
   void started(std::string_view sql) override;
@@ -39,7 +40,7 @@ class RunMonitor final : public SessionMonitor {
  private:
   void clearProgress();
 
-  std::ostream* progress_;
+  ProgressLine* progress_;
   std::ostream* explanation_;
   std::optional<StatementFailure> failure_;
   bool open_ = false;

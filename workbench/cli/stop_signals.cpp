@@ -110,4 +110,9 @@ std::optional<StopCause> stopCause() {
 
 #endif
 
+void forgetStopCause() {
+  tsql::forgetStop();
+  cause = 0;
+}
+
 }  // namespace quillon::workbench

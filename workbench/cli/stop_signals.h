@@ -16,5 +16,7 @@ struct StopCause {
   const char* name = "";  // for the user: "Ctrl-C"; empty for a closed pipe, which nobody needs to be told of
 };
 std::optional<StopCause> stopCause();
+// Takes the wish back, for a program that ends what it was doing and goes on.
+void forgetStopCause();
 
 }  // namespace quillon::workbench

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "workbench/presentation/view.h"
+
 namespace quillon::workbench {
 
 class RowProgress {
@@ -22,5 +24,8 @@ class RowProgress {
 
 // Shows nothing.
 RowProgress& noRowProgress();
+
+// The view, of which `progress` is told each line that is read. `progress` outlives it.
+View watched(View view, RowProgress& progress);
 
 }  // namespace quillon::workbench

@@ -222,7 +222,7 @@ TEST_F(ReportCommand, ShowsProgressOnATerminalOnly) {
   std::ostringstream notes;
   runReport({.report = "sfc-item", .account = AccountSource(source()), .format = ReportFormat::csv, .terminal = true},
             out, notes);
-  EXPECT_THAT(notes.str(), testing::HasSubstr("\r\x1b[K1: "));
+  EXPECT_THAT(notes.str(), testing::HasSubstr("\r\x1b[K1：Select "));
   EXPECT_TRUE(notes.str().ends_with("\r\x1b[K")) << "the line is taken away at the end";
   notes.str("");
   runReport({.report = "sfc-item", .account = AccountSource(source()), .format = ReportFormat::csv}, out, notes);
