@@ -72,6 +72,17 @@ else()
   target_link_libraries(odbc INTERFACE ODBC::ODBC)
 endif()
 
+# libedit: lines that are typed at a prompt. Windows' console edits them itself.
+if(NOT WIN32)
+  find_library(QUILLON_LIBEDIT edit)
+  find_path(QUILLON_LIBEDIT_HEADERS histedit.h)
+  if(NOT QUILLON_LIBEDIT OR NOT QUILLON_LIBEDIT_HEADERS)
+    message(FATAL_ERROR "libedit is missing: run tools/setup.sh first")
+  endif()
+  add_library(line_editing INTERFACE)
+  target_link_libraries(line_editing INTERFACE ${QUILLON_LIBEDIT})
+endif()
+
 # Header-only libraries, through a folder of links: a cross compiler must not see what lies beside them in /usr/include.
 set(QUILLON_HEADER_LIBRARIES_DIR /usr/include CACHE PATH "Where header-only libraries lie that CMake finds no package of")
 set(QUILLON_HEADERS ${CMAKE_BINARY_DIR}/headers)

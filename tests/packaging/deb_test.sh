@@ -23,13 +23,13 @@ cmp "$package" "$work/again/$(basename "$package")" || fail "packing twice gives
 field() { dpkg-deb --field "$package" "$1"; }
 [ "$(field Version)" = "$version" ] || fail "the package is of version $(field Version)"
 # The libraries that the program asks the system for, by the packages that they are in.
-[ "$(field Depends | sed 's/ ([^)]*)//g')" = "libc6, libgcc-s1, libodbc2, libstdc++6, zlib1g" ] ||
+[ "$(field Depends | sed 's/ ([^)]*)//g')" = "libc6, libedit2, libgcc-s1, libodbc2, libstdc++6, zlib1g" ] ||
   fail "the package depends on: $(field Depends)"
 
 target=$work/target
 mkdir -p "$target/usr/bin" "$target/usr/share/doc" "$work/dpkg/info" "$work/dpkg/updates"
 for other in usr/bin/another usr/share/doc/another; do echo "another package's" >"$target/$other"; done
-dpkg-query --status {libc6,libgcc-s1,libodbc2,libstdc++6,zlib1g}:amd64 >"$work/dpkg/status"
+dpkg-query --status {libc6,libedit2,libgcc-s1,libodbc2,libstdc++6,zlib1g}:amd64 >"$work/dpkg/status"
 contents() { (cd "$target" && find . -printf '%M %p %s\n' | LC_ALL=C sort); }
 # Packages that are recorded only have no lists of files, and dpkg says so.
 deb() {

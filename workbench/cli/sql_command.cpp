@@ -5,129 +5,25 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
-#include <utility>
 
-#include "frame/text.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/exit_status.h"
+#include "workbench/cli/line_editor.h"
 #include "workbench/cli/named_choice.h"
-#include "workbench/cli/run_monitor.h"
+#include "workbench/cli/pager.h"
+#include "workbench/cli/sql_batch.h"
+#include "workbench/cli/sql_prompt.h"
+#include "workbench/cli/standard_streams.h"
+#include "workbench/cli/terminal.h"
 #include "workbench/platform/user_error.h"
-#include "workbench/presentation/text_table.h"
-#include "workbench/presentation/value_output.h"
 #include "workbench/tsql/values/stop.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
 namespace {
-
-class ScriptOutput : public tsql::ResultSink {
- public:
-  // The batch that failed begins in line `firstLine` of the script.
-  virtual void error(const tsql::SqlError& error, int firstLine) = 0;
-};
-
-class JsonOutput final : public ScriptOutput {
- public:
-  explicit JsonOutput(std::ostream& out) : out_(out) {}
-
-  void columns(std::span<const tsql::Column> columns) override {
-    endResultSet();
-    out_ << "{\"columns\":";
-    writeJsonColumns(out_, columns);
-    out_ << ",\"rows\":[";
-    inResultSet_ = true;
-    separator_ = "";
-  }
-
-  void row(std::span<const tsql::Value> values) override {
-    out_ << separator_ << '[';
-    separator_ = ",";
-    const char* comma = "";
-    for (const tsql::Value& value : values) {
-      out_ << comma;
-      writeJsonValue(out_, value);
-      comma = ",";
-    }
-    out_ << ']';
-  }
-
-  void rowsAffected(std::int64_t count) override {
-    if (endResultSet()) return;
-    out_ << "{\"rowsAffected\":" << count << "}\n";
-  }
-
-  void error(const tsql::SqlError& error, int /*firstLine*/) override {
-    endResultSet();
-    out_ << "{\"error\":{\"number\":" << error.number() << ",\"message\":";
-    writeJsonText(out_, error.message());
-    out_ << "}}\n";
-  }
-
- private:
-  bool endResultSet() {
-    const bool ended = inResultSet_;
-    if (ended) out_ << "]}\n";
-    inResultSet_ = false;
-    return ended;
-  }
-
-  std::ostream& out_;
-  bool inResultSet_ = false;
-  const char* separator_ = "";
-};
-
-class TableOutput final : public ScriptOutput {
- public:
-  TableOutput(std::string script, std::ostream& out, std::ostream& errors)
-      : script_(std::move(script)), out_(out), errors_(errors) {}
-
-  void columns(std::span<const tsql::Column> columns) override {
-    std::vector<TableColumn> headings;
-    for (const tsql::Column& column : columns) {
-      const bool text = column.type.kind == tsql::Kind::nVarChar || column.type.kind == tsql::Kind::varChar ||
-                        column.type.kind == tsql::Kind::dateTime;
-      headings.push_back({column.name, text ? Align::left : Align::right});
-    }
-    table_ = std::make_unique<TextTable>(out_, std::move(headings));
-  }
-
-  void row(std::span<const tsql::Value> values) override {
-    std::vector<std::string> cells;
-    for (const tsql::Value& value : values)
-      cells.push_back(plainText(value, "NULL"));
-    table_->row(std::move(cells));
-  }
-
-  void rowsAffected(std::int64_t count) override {
-    endTable();
-    out_ << '(' << count << (count == 1 ? " row)\n\n" : " rows)\n\n");
-  }
-
-  void error(const tsql::SqlError& error, int firstLine) override {
-    endTable();
-    errors_ << "quillon: " << script_;
-    if (error.line() > 0) {
-      errors_ << ", line " << firstLine + error.line() - 1 << ": ";
-    } else {
-      errors_ << ", in the batch that begins in line " << firstLine << ": ";
-    }
-    errors_ << errorText(error.number(), 0, error.message()) << '\n';
-  }
-
- private:
-  void endTable() {
-    if (table_) table_->finish();
-    table_.reset();
-  }
-
-  std::string script_;
-  std::ostream& out_;
-  std::ostream& errors_;
-  std::unique_ptr<TextTable> table_;
-};
 
 class ScriptReader {
  public:
@@ -140,9 +36,7 @@ class ScriptReader {
     std::string line;
     while (std::getline(script_, line)) {
       ++lines_;
-      std::string_view text = line;
-      if (text.ends_with('\r')) text.remove_suffix(1);
-      if (equalIgnoringCase(trimBlanks(text), "go")) return true;
+      if (endsBatch(line)) return true;
       batch_ += line + '\n';
     }
     return !batch_.empty();
@@ -162,20 +56,15 @@ class ScriptReader {
 }  // namespace
 
 int runScript(tsql::Database& account, std::istream& script, const std::string& name, SqlFormat format,
-              std::ostream& out, std::ostream& errors) {
-  std::unique_ptr<ScriptOutput> output;
-  if (format == SqlFormat::json) {
-    output = std::make_unique<JsonOutput>(out);
-  } else {
-    output = std::make_unique<TableOutput>(name, out, errors);
-  }
+              std::ostream& out, std::ostream& errors, const TableStyle& style) {
+  const std::unique_ptr<SqlOutput> output = makeSqlOutput(format, name, out, errors, style);
   int failed = 0, done = 0;
   ScriptReader reader(script);
   for (; reader.next(); ++done) {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     std::string_view text = reader.batch();
     if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
-    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) continue;
+    if (isBlank(text)) continue;
     try {
       account.run(text, *output);
     } catch (const tsql::Stopped&) {
@@ -195,14 +84,20 @@ void addSqlCommand(CLI::App& app) {
     bool empty = false;
     SqlFormat format = SqlFormat::table;
     std::string file;
+    bool wide = false;
+    bool pager = true;
   };
   CLI::App& command = *app.add_subcommand("sql", "Run T-SQL batches, separated by lines that hold only `go`");
   const auto options = std::make_shared<Options>();
-  static const std::map<std::string, SqlFormat> formats = {{"table", SqlFormat::table}, {"json", SqlFormat::json}};
+  static const std::map<std::string, SqlFormat> formats = {
+      {"table", SqlFormat::table}, {"csv", SqlFormat::csv}, {"json", SqlFormat::json}};
   CLI::Option& source = addAccountOption(command, "--account", options->account);
   command.add_flag("--empty", options->empty, "Instead of an account an empty database in memory")->excludes(&source);
-  command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
-  command.add_option("FILE", options->file, "The script; standard input when it is left out");
+  command.add_option("--format", options->format, "table, csv or json")->transform(oneOf(formats));
+  command.add_option("FILE", options->file,
+                     "The script; standard input when it is left out, and a prompt where somebody types there");
+  command.add_flag("--wide", options->wide, "Show all of a table on a terminal that is too narrow for it");
+  command.add_flag("!--no-pager", options->pager, "Do not show what is longer than the terminal in the pager (PAGER)");
   command.callback([options] {
     if (options->account.text().empty() && !options->empty) refuseUsage("give either --account or --empty");
     const std::unique_ptr<tsql::Database> account =
@@ -210,6 +105,13 @@ void addSqlCommand(CLI::App& app) {
             ? tsql::Connection::openInMemory()
             : options->account.open(tsql::OpenMode::existing,
                                     {.messages = [](const odbc::Diagnostic& said) { std::cerr << said.text << '\n'; }});
+    const std::optional<Screen> screen = outputScreen();
+    if (options->file.empty() && inputIsTerminal()) {
+      const auto editor = makeLineEditor();
+      runPrompt(*account, *editor, std::cout, std::cerr,
+                {.format = options->format, .screen = screen, .wide = options->wide, .pager = options->pager});
+      return;
+    }
     std::ifstream file;
     if (!options->file.empty()) {
       file.open(pathFromUtf8(options->file), std::ios::binary);
@@ -217,8 +119,14 @@ void addSqlCommand(CLI::App& app) {
     }
     std::istream& script = options->file.empty() ? std::cin : file;
     const std::string name = options->file.empty() ? "the script" : options->file;
-    const int failed = runScript(*account, script, name, options->format, std::cout, std::cerr);
-    if (failed > 0 && options->format == SqlFormat::table) endWith(1);
+    PagedOutput paged(std::cout, {.screen = screen, .pager = options->pager});
+    // Where the pager has the terminal, errors are read in it, too.
+    const bool errorsInPager = screen && options->pager && errorsGoToTerminal();
+    const int failed =
+        runScript(*account, script, name, options->format, paged.stream(), errorsInPager ? paged.stream() : std::cerr,
+                  tableStyle(screen, options->wide, Language::english));
+    if (!paged.finish()) throw UserError("the results could not be written to standard output");
+    if (failed > 0 && options->format != SqlFormat::json) endWith(1);
   });
 }
 

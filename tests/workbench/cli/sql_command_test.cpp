@@ -44,6 +44,30 @@ TEST(SqlScript, PrintsAResultSetWithoutRows) {
   EXPECT_EQ(run("Select 1 As a Where 1 = 0", SqlFormat::json).out, "{\"columns\":[[\"a\",\"int\"]],\"rows\":[]}\n");
 }
 
+TEST(SqlScript, WritesResultSetsAsCsv) {
+  const Outcome outcome =
+      run("Create Table t (i int, c nvarchar(40), d decimal(9,2))\n"
+          "Insert Into t Values (1, N'螺栓, \"M8\"', 1.5), (2, Null, Null)\n"
+          "Select i, c, d From t Order By i\n"
+          "go\n"
+          "Select i From nowhere\n"
+          "go\n"
+          "Select i From t Where i > 5\n"
+          "Select Count(*) As [n, in all] From t\n",
+          SqlFormat::csv);
+  EXPECT_EQ(outcome.out,
+            "i,c,d\r\n"
+            "1,\"螺栓, \"\"M8\"\"\",1.50\r\n"
+            "2,,\r\n"
+            "\r\n"
+            "i\r\n"
+            "\r\n"
+            "\"n, in all\"\r\n"
+            "2\r\n");
+  EXPECT_EQ(outcome.errors, "quillon: script.sql, line 5: error 208: Invalid object name 'nowhere'.\n");
+  EXPECT_EQ(outcome.failed, 1);
+}
+
 TEST(SqlScript, EndsABatchAtItsErrorAndGoesOn) {
   const Outcome outcome =
       run("Create Table t (i int)\n"
