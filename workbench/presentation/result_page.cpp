@@ -1,14 +1,15 @@
-#include "workbench/presentation/html_page.h"
+#include "workbench/presentation/result_page.h"
 
 #include <string>
 
+#include "workbench/presentation/html_text.h"
 #include "workbench/presentation/ledger_rows.h"
 
 namespace quillon::workbench {
 
 namespace {
 
-constexpr std::string_view styleSheet = R"(
+constexpr std::string_view resultStyleSheet = R"(
 :root { color-scheme: light; }
 body { font: 13px/1.45 "Noto Sans CJK SC", "Source Han Sans SC", "Microsoft YaHei", "PingFang SC", "DengXian",
        "Segoe UI", sans-serif; color: #1c1f23; margin: 2rem; }
@@ -38,27 +39,6 @@ tfoot td { background: #eef1f5; font-weight: 600; border-top: 2px solid #8a93a0;
   h2 { break-after: avoid; }
 }
 )";
-
-// Text between tags. Control characters that a page must not hold become blanks.
-std::string escaped(std::string_view text) {
-  std::string result;
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        result += "&amp;";
-        break;
-      case '<':
-        result += "&lt;";
-        break;
-      case '>':
-        result += "&gt;";
-        break;
-      default:
-        result += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
-    }
-  }
-  return result;
-}
 
 void writeCell(std::ostream& out, std::string_view text, bool number) {
   out << (number ? "<td class=\"n\">" : "<td>") << escaped(text) << "</td>";
@@ -149,7 +129,8 @@ void writeHtml(std::ostream& out, const ReportDocument& document, const ResultTa
   out << "<!DOCTYPE html>\n<html lang=\"" << (document.language == Language::chinese ? "zh-CN" : "en")
       << "\">\n<head>\n<meta charset=\"utf-8\"/>\n"
       << "<meta name=\"viewport\" content=\"width=device-width\"/>\n<title>" << escaped(document.title)
-      << "</title>\n<style>" << styleSheet << "</style>\n</head>\n<body>\n<h1>" << escaped(document.title) << "</h1>\n";
+      << "</title>\n<style>" << resultStyleSheet << "</style>\n</head>\n<body>\n<h1>" << escaped(document.title)
+      << "</h1>\n";
   writeConditions(out, document);
   if (document.rowCount == 0) {
     out << "<p class=\"note\">" << document.text(noRowsCaption) << "</p>\n";
