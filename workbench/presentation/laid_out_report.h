@@ -25,11 +25,11 @@ struct Chart {
     line,  // a figure over time
   };
   Kind kind = Kind::bars;
-  std::string title;
+  std::string title = {};
   std::string labels;                   // the heading of the labels
   std::string measure;                  // the heading of the figures
   ColumnRole role = ColumnRole::money;  // how the figures are shown
-  std::vector<ChartPoint> points;
+  std::vector<ChartPoint> points = {};
 };
 
 struct ReportSection {
