@@ -34,8 +34,6 @@
 
 namespace quillon::workbench {
 
-void writeHtml(std::ostream&, const LaidOutReport&);
-void writeXlsx(const std::filesystem::path&, const LaidOutReport&);
 namespace {
 
 // Whether the format is for programs: the rows of the result table as they are, unless a layout is asked for.
@@ -64,9 +62,14 @@ ReportDocument bareHeading(const ReportOptions& options, const MadeReport& repor
   return document;
 }
 
+LayoutOutput outputOf(ReportFormat format) {
+  if (format == ReportFormat::xlsx) return LayoutOutput::workbook;
+  return format == ReportFormat::html ? LayoutOutput::page : LayoutOutput::rows;
+}
+
 // The report as its reader wants it; whoever waits is told how its rows come.
 LaidOutReport watchedLayout(const ReportOptions& options, const MadeReport& report, RowProgress& progress) {
-  LaidOutReport laid = laidOut(report, options.language, layoutOptions(options), options.format == ReportFormat::xlsx);
+  LaidOutReport laid = laidOut(report, options.language, layoutOptions(options), outputOf(options.format));
   for (ReportSection& section : laid.sections)
     section.view = watched(std::move(section.view), progress);
   return laid;
@@ -185,8 +188,6 @@ void runReport(const ReportOptions& options, std::ostream& out, std::ostream& no
   if (options.keep) notes << "quillon: the result table " << report->table().name() << " is kept\n";
 }
 
-void writeHtml(std::ostream&, const LaidOutReport&);
-void writeXlsx(const std::filesystem::path&, const LaidOutReport&);
 namespace {
 
 void addList(CLI::App& command, const char* name, std::vector<std::string>& values, const char* help) {

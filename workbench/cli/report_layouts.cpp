@@ -4,14 +4,18 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/platform/account_lookup.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
+#include "workbench/platform/lookup.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/arranged_view.h"
+#include "workbench/presentation/columnar_layout.h"
+#include "workbench/presentation/ledger_layout.h"
 #include "workbench/presentation/lines_layout.h"
+#include "workbench/presentation/report_charts.h"
 #include "workbench/presentation/summary_layout.h"
 #include "workbench/presentation/tree_layout.h"
+#include "workbench/presentation/vouchers_layout.h"
 #include "workbench/tsql/values/datetime.h"
 #include "workbench/tsql/values/text.h"
 
@@ -19,7 +23,6 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr Caption inventoryNameCaption{"存货名称", "Inventory name"};
 constexpr Caption accountCaption{"账套", "Account"};
 
 std::string entered(FilterObject& filter, std::string_view key) {
@@ -27,29 +30,28 @@ std::string entered(FilterObject& filter, std::string_view key) {
   return entry == nullptr ? "" : entry->value;
 }
 
-// The name of `code` in the item's master; empty when the account does not have it.
-std::string nameOf(Session& session, const Master& master, const std::string& code) {
-  if (master.name == master.code) return {};
+// "07 线边库"; the code alone when the account does not have it.
+std::string withName(Session& session, const Lookup& lookup, const std::string& code, Language language) {
+  if (!lookup.named) return code;
   try {
-    return lookUp(session, "Select Top 1 " + std::string(master.name) + " From " + std::string(master.table) +
-                               " Where " + std::string(master.code) + " = " + quotedText(code))
-        .value_or("");
+    const LookupPage found = findEntries(lookup, {.search = code, .limit = 1, .language = language}, session);
+    return found.rows.empty() || found.rows.front().code != code ? code : entryText(found.rows.front());
   } catch (const AutomationError&) {
-    return {};  // an account of another make may keep its codes elsewhere
+    return code;  // an account of another make may keep its codes elsewhere
   }
 }
 
-// What was entered, each code with its name behind it: "07 线边库".
+// What was entered, each code with its name behind it.
 std::string describedWithNames(const FilterEntry& entry, Session& session, Language language) {
-  if (!entry.item.master || entry.item.range || !entry.sql.empty()) return describeEntry(entry, language);
+  if (entry.item.lookup == nullptr || !entry.item.choices.empty() || entry.item.range || !entry.sql.empty())
+    return describeEntry(entry, language);
   std::string text;
   std::string_view rest = entry.value;
   for (bool more = !rest.empty(); more;) {
     const std::size_t tab = rest.find('\t');
     more = tab != std::string_view::npos;
-    const std::string code(rest.substr(0, tab));
-    const std::string name = nameOf(session, *entry.item.master, code);
-    text += (text.empty() ? "" : ", ") + code + (name.empty() || name == code ? "" : " " + name);
+    text +=
+        (text.empty() ? "" : ", ") + withName(session, *entry.item.lookup, std::string(rest.substr(0, tab)), language);
     if (more) rest.remove_prefix(tab + 1);
   }
   return text;
@@ -103,6 +105,19 @@ std::vector<ReportColumn> namesIn(const View& view) {
   return names;
 }
 
+bool isLedger(Layout layout) {
+  return layout == Layout::ledger || layout == Layout::columnar;
+}
+
+LedgerRequest ledgerRequest(const MadeReport& report) {
+  FilterObject& filter = report.filter();
+  const FilterEntry* days = filter.find("dKeepDate");
+  const int year = tsql::text::leadingNumber(entered(filter, "iYear")).value_or(0);
+  return {.beginning = ledgerBeginning(year, days == nullptr ? "" : days->value, *report.account().login,
+                                       *report.account().session),
+          .breakdown = breakdownOf(entered(filter, "cCaType"))};
+}
+
 class Layouts {
  public:
   Layouts(const MadeReport& report, Language language, const LayoutOptions& options, const ReportDocument& heading)
@@ -113,7 +128,16 @@ class Layouts {
                  .language = language,
                  .allColumns = options.allColumns},
         options_(options),
-        heading_(heading) {}
+        heading_(heading) {
+    if (report.report().isLedger) ledger_ = ledgerRequest(report);
+  }
+
+  // What a page shows beside the section `asked`.
+  std::vector<Chart> charts(const ReportSection& asked) {
+    if (asked.layout == Layout::summary && !asked.grouped) return structureCharts(asked.view, heading_.language);
+    if (asked.layout == Layout::ledger && !asked.grouped) return ledgerCharts(asked.view, table_, heading_.language);
+    return {};
+  }
 
   // `asked` is the section that the reader arranges; in what stands beside it the same rows count.
   ReportSection section(Layout layout, bool asked) {
@@ -124,8 +148,17 @@ class Layouts {
       const std::vector<ReportColumn> known = columnsPresent(request_);
       if (!asked) {
         request_.arrangement = parseArrangement({.columns = {}, .sort = {}, .groupBy = {}, .where = text.where}, known);
-      } else if (layout == Layout::lines || layout == Layout::vouchers) {
+      } else if (layout == Layout::lines) {
         request_.arrangement = parseArrangement(text, known);
+      } else if (layout == Layout::vouchers) {
+        request_.arrangement = parseArrangement(text, vouchersColumns(request_));
+      } else if (isLedger(layout)) {
+        // The balances run over all lines: what is shown of them is chosen afterwards.
+        section.view = view(layout);
+        const Arrangement arrangement = parseArrangement(text, namesIn(section.view));
+        section.grouped = !arrangement.groupBy.empty();
+        section.view = arranged(std::move(section.view), arrangement, heading_.language);
+        return section;
       } else {
         // Conditions and groups are of the table, columns and order of what the layout makes of it.
         request_.arrangement = parseArrangement({.groupBy = text.groupBy, .where = text.where}, known);
@@ -146,13 +179,21 @@ class Layouts {
         return summaryView(request_);
       case Layout::tree:
         return treeView(request_);
-      default:
-        return linesView(request_);
+      case Layout::ledger:
+        return ledgerView(request_, heading_, ledger_);
+      case Layout::columnar:
+        return columnarView(request_, heading_, ledger_);
+      case Layout::vouchers:
+        return vouchersView(request_, heading_);
+      case Layout::lines:
+        break;
     }
+    return linesView(request_);
   }
 
   ResultTable table_;
   LayoutRequest request_;
+  LedgerRequest ledger_;
   const LayoutOptions& options_;
   const ReportDocument& heading_;
 };
@@ -186,7 +227,7 @@ ReportDocument headingOf(const MadeReport& report, Language language, const std:
   return heading;
 }
 
-LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutOptions& options, bool workbook) {
+LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutOptions& options, LayoutOutput output) {
   LaidOutReport laidOut;
   laidOut.heading = headingOf(report, language, options.company);
   if (laidOut.heading.rowCount == 0) return laidOut;
@@ -194,11 +235,12 @@ LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutO
   const std::vector<Layout>& offered = report.report().layouts;
   const Layout asked = options.layout.value_or(offered.front());
   const auto addBeside = [&](Layout layout) {
-    if (workbook && asked != layout && std::ranges::find(offered, layout) != offered.end())
+    if (output == LayoutOutput::workbook && asked != layout && std::ranges::find(offered, layout) != offered.end())
       laidOut.sections.push_back(layouts.section(layout, false));
   };
   addBeside(Layout::summary);
   laidOut.sections.push_back(layouts.section(asked, true));
+  if (output == LayoutOutput::page) laidOut.charts = layouts.charts(laidOut.sections.back());
   addBeside(Layout::lines);
   return laidOut;
 }

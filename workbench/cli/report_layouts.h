@@ -28,9 +28,15 @@ void checkLayout(const Report& report, const LayoutOptions& options);
 // Its heading: title, conditions with the names of codes, decimals of the account.
 ReportDocument headingOf(const MadeReport& report, Language language, const std::string& company);
 
-// The report with the layout that is asked for as its only section; of a workbook (`workbook`) with the summary and the lines
-// beside it, each where the report has it. Its rows are read from the result table while they are written, so `report` outlives
-// what is given. Throws UserError for an arrangement that does not fit, tsql::SqlError when the account refuses a statement.
-LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutOptions& options, bool workbook);
+enum class LayoutOutput {
+  rows,      // the layout that is asked for, and nothing else
+  page,      // with charts, where the layout has some
+  workbook,  // with the summary and the lines beside it, where the report has these
+};
+
+// The report in the layout that is asked for. Its rows are read from the result table while they are written, so `report`
+// outlives what is given. Throws UserError for an arrangement that does not fit, tsql::SqlError when the account refuses a
+// statement.
+LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutOptions& options, LayoutOutput output);
 
 }  // namespace quillon::workbench
