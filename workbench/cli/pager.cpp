@@ -33,7 +33,7 @@ namespace quillon::workbench {
 namespace {
 
 // The command line of the pager; none for none.
-std::optional<std::string> pagerCommand(const Screen& screen) {
+std::optional<std::string> pagerCommand([[maybe_unused]] const Screen& screen) {
   if (const char* const named = std::getenv("PAGER"); named != nullptr) {
     const std::string_view command = named;
     if (command.empty() || command == "cat") return std::nullopt;
