@@ -61,11 +61,12 @@ struct Look {
   Style style = Style::plain;
   std::string numberFormat = {};  // empty shows a number as it is
   int indent = 0;
-  bool right = false;  // a number that is a text stands where numbers do
+  // Else texts stand on the left and numbers on the right.
+  lxw_format_alignments align = LXW_ALIGN_NONE;
   friend bool operator==(const Look&, const Look&) = default;
   friend bool operator<(const Look& one, const Look& other) {
-    return std::tie(one.style, one.numberFormat, one.indent, one.right) <
-           std::tie(other.style, other.numberFormat, other.indent, other.right);
+    return std::tie(one.style, one.numberFormat, one.indent, one.align) <
+           std::tie(other.style, other.numberFormat, other.indent, other.align);
   }
 };
 
@@ -103,8 +104,9 @@ std::string numberFormat(int decimals) {
   return decimals == 0 ? "#,##0" : "#,##0." + std::string(static_cast<std::size_t>(decimals), '0');
 }
 
-bool isNumberLook(const Look& look) {
-  return !look.numberFormat.empty();
+// A number that is a text stands where numbers do.
+Look asText(const Look& look) {
+  return {.style = look.style, .align = look.numberFormat.empty() ? LXW_ALIGN_NONE : LXW_ALIGN_RIGHT};
 }
 
 lxw_datetime cellTime(tsql::DateTime time) {
@@ -228,7 +230,7 @@ class Workbook {
     format = workbook_add_format(workbook_.get());
     if (!look.numberFormat.empty()) format_set_num_format(format, look.numberFormat.c_str());
     if (look.indent > 0) format_set_indent(format, static_cast<std::uint8_t>(look.indent));
-    if (look.right) format_set_align(format, LXW_ALIGN_RIGHT);
+    if (look.align != LXW_ALIGN_NONE) format_set_align(format, static_cast<std::uint8_t>(look.align));
     dress(*format, look.style);
     return format;
   }
@@ -337,7 +339,7 @@ void Sheet::number(const tsql::Value& exact, const Look& look) {
   if (const auto number = cellNumber(exact)) {
     real(*number, look);
   } else {
-    text(tsql::toText(exact).value(), {.style = look.style, .right = isNumberLook(look)});
+    text(tsql::toText(exact).value(), asText(look));
   }
 }
 
@@ -345,7 +347,7 @@ void Sheet::numberText(std::string_view exact, const Look& look) {
   if (const auto number = cellNumber(exact)) {
     real(*number, look);
   } else {
-    text(exact, {.style = look.style, .right = isNumberLook(look)});
+    text(exact, asText(look));
   }
 }
 
@@ -361,6 +363,7 @@ void Sheet::date(tsql::DateTime time, Look look) {
   }
   lxw_datetime cell = cellTime(time);
   const bool day = time.ticks % tsql::DateTime::ticksPerDay == 0;
+  look.align = LXW_ALIGN_LEFT;
   look.numberFormat = day ? "yyyy-mm-dd" : "yyyy-mm-dd hh:mm:ss";
   book_.check(worksheet_write_datetime(&sheet_, row_, column_++, &cell, book_.format(look)));
 }
@@ -373,7 +376,11 @@ void Sheet::value(const ReportDocument& document, ColumnRole role, const tsql::V
   } else if (const auto* time = std::get_if<tsql::DateTime>(&value)) {
     date(*time, look);
   } else {
-    if (isNumber(role)) look.numberFormat = numberFormat(decimalsOf(document, role));
+    if (isNumber(role)) {
+      look.numberFormat = numberFormat(decimalsOf(document, role));
+    } else {
+      look.align = LXW_ALIGN_LEFT;  // a code or a month
+    }
     if (const auto* real = std::get_if<double>(&value)) {
       this->real(*real, look);
     } else {
