@@ -118,7 +118,6 @@ XlsxFormulas::XlsxFormulas(const View& view, const std::vector<int>& decimals, X
     }
     if (view_.columns[i].column.role == ColumnRole::text) texts_.push_back(i);
   }
-  readGroups();
   start();
 }
 
@@ -163,19 +162,14 @@ void XlsxFormulas::findBalances() {
 }
 
 void XlsxFormulas::readGroups() {
-  start();
   reading_ = true;
-  bool found = false;
-  for (const auto rows = view_.rows(); rows->next();) {
-    const ViewRow& row = rows->row();
-    found = found || row.kind == RowKind::group;
-    if (!found && row.kind == RowKind::line) break;
-    ofRow(row);
-  }
+  for (const auto rows = view_.rows(); rows->next();)
+    ofRow(rows->row());
   closeGroups(0);
   reading_ = false;
   groupMarks_ = marks_;
   if (mixed_) groups_.clear();
+  start();
 }
 
 void XlsxFormulas::beginRange(Range& range) const {

@@ -50,10 +50,12 @@ class XlsxFormulas {
   // One a cell; empty where the value stands.
   using Row = std::vector<std::string>;
 
-  // `decimals`: those shown, one a column. When the view begins with the head of a group its rows are read once here,
-  // because a head stands above what it sums; a few numbers are kept for each head. `view` stays as long as this.
+  // `decimals`: those shown, one a column. `view` stays as long as this.
   XlsxFormulas(const View& view, const std::vector<int>& decimals, XlsxPlaces places);
 
+  // Reads the view's rows once; to be called before the first of them when this is the head of a group, because a head
+  // stands above what it sums. A few numbers are kept for each head.
+  void readGroups();
   // The formulas of the view's next row.
   Row ofRow(const ViewRow& row);
   // Those of a total below the last row.
@@ -107,7 +109,6 @@ class XlsxFormulas {
   };
   void start();
   void findBalances();
-  void readGroups();
   Row formulasOf(const ViewRow& row, const Figures& figures);
   void groupFormulas(Row& formulas, const Figures& figures);
   void balanceFormulas(Row& formulas, const ViewRow& row, const Figures& figures);

@@ -623,7 +623,15 @@ class SectionSheets {
 
   void write() {
     beginSheet();
-    for (const auto rows = view_.rows(); rows->next(); ++row_) {
+    auto rows = view_.rows();
+    bool more = rows->next();
+    if (more && rows->row().kind == RowKind::group) {
+      rows.reset();
+      formulas_.readGroups();
+      rows = view_.rows();
+      more = rows->next();
+    }
+    for (; more; more = rows->next(), ++row_) {
       if (row_ > 0 && row_ % capacity_ == 0) {
         endSheet();
         beginSheet();
