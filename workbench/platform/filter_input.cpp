@@ -228,6 +228,7 @@ FilterEntry* findItem(FilterObject& filter, std::string_view keyOrCaption) {
   }
   if (found.size() > 1) {
     std::vector<std::string> keys;
+    keys.reserve(found.size());
     for (const FilterEntry* const entry : found)
       keys.push_back(entry->item.key);
     throw std::invalid_argument("several filter items are called \"" + std::string(keyOrCaption) +

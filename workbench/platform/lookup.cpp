@@ -182,7 +182,7 @@ LookupPage findEntries(const Lookup& lookup, const LookupQuery& query, Session& 
   page.rows = read(session, "Select entryCode, entryName From " + rows + " Order By entryCode, entryName");
   if (const std::vector<Signs> words = wordsOf(query.search); !words.empty()) {
     keepFound(page.rows, words);
-    std::ranges::stable_partition(page.rows, [&query](const LookupRow& row) {
+    std::stable_partition(page.rows.begin(), page.rows.end(), [&query](const LookupRow& row) {
       return tsql::equalText(row.code, query.search) || tsql::equalText(row.name, query.search);
     });
   }

@@ -54,7 +54,7 @@ std::vector<LookupRow> named(const ItemRegistration& item, const std::string& va
 }
 
 std::string resolved(const ItemRegistration& item, std::string_view text, Session& session, Language language) {
-  const std::string value(trimBlanks(text));
+  std::string value(trimBlanks(text));
   if (value.empty()) return value;
   const std::vector<LookupRow> rows = named(item, value, session, language);
   if (rows.size() > 1) refuseNameOfSeveral(item, value, rows, language);
