@@ -221,6 +221,7 @@ Report fxWt() {
           .order = orderByLine,
           .layouts = {Layout::vouchers, Layout::lines},
           .lineOrder = orderByDocument,
+          .lineKeys = {"cVouCode", "cInvCode", "cInvName"},
           .crossStates = fxWtStates,
           .joinKeys = fxWtKeys(),
           .documentColumns = documentColumns,

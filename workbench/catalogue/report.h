@@ -34,6 +34,8 @@ struct Report {
   std::vector<Layout> layouts;
   // What the rows of the layouts are ordered by where these have no order of their own.
   RowOrder lineOrder = orderByInventory;
+  // The columns that say which row of the lines it is; they stand first and stay in sight.
+  std::vector<std::string_view> lineKeys;
   // The levels of its tree below the classes, for a report mode.
   std::vector<TreeLevel> (*treeLevels)(std::string_view mode) = nullptr;
   // Columns that its lines do not show in a report mode: figures of the whole ledger line, of which a row is a part.

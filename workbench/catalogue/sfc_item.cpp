@@ -216,6 +216,7 @@ Report sfcItem() {
       .dialog = &summaryDialog(),
       .columns = sfcItemColumns(),
       .layouts = {Layout::summary, Layout::tree, Layout::lines},
+      .lineKeys = {"cWhCode", "cInvCode", "cInvName"},
       .treeLevels = summaryTreeLevels,
       .notInLines = wholeLineFigures,
       .crossStates = sfcItemStates,

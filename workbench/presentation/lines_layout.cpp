@@ -81,6 +81,16 @@ void lead(std::vector<ReportColumn>& columns, std::span<const std::string> names
   columns = std::move(all);
 }
 
+// The names of those of the report's keys that are shown, in their order.
+std::vector<std::string> shownKeys(const LayoutRequest& request, std::span<const ReportColumn> shown) {
+  std::vector<std::string> keys;
+  for (const std::string_view key : request.report.lineKeys) {
+    const auto column = std::ranges::find_if(shown, [key](const ReportColumn& each) { return isNamed(each, key); });
+    if (column != shown.end()) keys.push_back(column->name);
+  }
+  return keys;
+}
+
 ShownColumns shownColumns(const LayoutRequest& request, const std::string& where) {
   const Arrangement& arrangement = request.arrangement;
   ShownColumns shown;
@@ -105,6 +115,7 @@ ShownColumns shownColumns(const LayoutRequest& request, const std::string& where
   } else {
     lead(shown.columns, arrangement.columns, request.report.columns);
   }
+  if (arrangement.columns.empty()) lead(shown.columns, shownKeys(request, shown.columns), request.report.columns);
   lead(shown.columns, arrangement.groupBy, request.report.columns);
   return shown;
 }
@@ -215,7 +226,8 @@ View linesView(const LayoutRequest& request) {
   std::optional<std::size_t> stateColumn;
   for (const ReportColumn& column : shown.columns) {
     if (rowsAreStates(request) && isNamed(column, stateColumnName)) stateColumn = view.columns.size();
-    const bool key = view.columns.size() < request.arrangement.groupBy.size();
+    const bool key =
+        view.columns.size() < request.arrangement.groupBy.size() || isAmong(request.report.lineKeys, column);
     view.columns.push_back({.column = column, .key = key});
     append(list, column.name);
   }

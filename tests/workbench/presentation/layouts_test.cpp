@@ -33,17 +33,17 @@ class SmallLayouts : public testing::Test {
 
 TEST_F(SmallLayouts, LinesShowTheStatesOwnFigures) {
   const View view = linesView(request("1"));
-  EXPECT_THAT(test::namesOf(view), ElementsAre("cWhCode", "cWhName", "cInvCode", "cInvName", "cFree1", "cFXCode",
+  EXPECT_THAT(test::namesOf(view), ElementsAre("cWhCode", "cInvCode", "cInvName", "cWhName", "cFree1", "cFXCode",
                                                "cFXName", "dKeepDate", "cState", "iQuantity", "iMoney"));
   EXPECT_EQ(view.lineCount, 6);
   EXPECT_THAT(
       test::textsOf(view),
-      ElementsAre("line|1|原料库|0101|螺栓, \"M8\" <1&2>|红|01|材料||期初结存|10.000000|100.0000",
-                  "line|1|原料库|0101|螺栓||01|材料|2024-03-05|收入|5.125000|50.5000",
-                  "line|1|原料库|0101|螺栓||01|材料|2024-03-06 08:30:00.000|发出|3.000000|30.2500",
-                  "line|1|原料库|0101|螺栓||01|材料||期末结存|12.125000|120.2500",
-                  "line|2|成品库|0201|电机||02|人工|2024-04-01|收入|1.000000|1000000.0000",
-                  "line|2|成品库|0201|电机||02|人工||期末结存|1.000000|1000000.0000",
+      ElementsAre("line|1|0101|螺栓, \"M8\" <1&2>|原料库|红|01|材料||期初结存|10.000000|100.0000",
+                  "line|1|0101|螺栓|原料库||01|材料|2024-03-05|收入|5.125000|50.5000",
+                  "line|1|0101|螺栓|原料库||01|材料|2024-03-06 08:30:00.000|发出|3.000000|30.2500",
+                  "line|1|0101|螺栓|原料库||01|材料||期末结存|12.125000|120.2500",
+                  "line|2|0201|电机|成品库||02|人工|2024-04-01|收入|1.000000|1000000.0000",
+                  "line|2|0201|电机|成品库||02|人工||期末结存|1.000000|1000000.0000",
                   "total|期初结存 Total|||||||||10.000000|100.0000", "total|收入 Total|||||||||6.125000|1000050.5000",
                   "total|发出 Total|||||||||3.000000|30.2500", "total|期末结存 Total|||||||||13.125000|1000120.2500"));
 }
