@@ -13,7 +13,6 @@
 #include "workbench/presentation/page_plan.h"
 #include "workbench/presentation/sha256.h"
 #include "workbench/presentation/svg_chart.h"
-#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
 
@@ -53,21 +52,6 @@ std::string_view rowClass(RowKind kind) {
 // "k0" is the first key, "kl" ends the last one.
 std::string keyClasses(std::size_t position, std::size_t span, std::size_t keys) {
   return "k k" + std::to_string(position) + (position + span == keys ? " kl" : "");
-}
-
-std::string shownLines(const ReportDocument& document, const ReportSection& section) {
-  const std::string all = groupedCount(section.view.lineCount);
-  const std::string shown = section.cut() ? groupedCount(*section.limit) : "";
-  const std::string leftOut = std::to_string(section.view.columnsLeftOut);
-  if (document.language == Language::chinese) {
-    std::string text = "共 " + all + " 行";
-    if (section.cut()) text += "，显示前 " + shown + " 行（全部：--limit 0）";
-    if (section.view.columnsLeftOut > 0) text += "；另有 " + leftOut + " 列未显示（--all-columns）";
-    return text;
-  }
-  std::string text = section.cut() ? "the first " + shown + " of " + all + " lines (all: --limit 0)" : all + " lines";
-  if (section.view.columnsLeftOut > 0) text += "; " + leftOut + " more columns are not shown (--all-columns)";
-  return text;
 }
 
 // A section as it is written: its rows cut, and where they stand.
@@ -177,7 +161,7 @@ class PageWriter {
 
   void writeSection(const PlannedSection& section) {
     out_ << "<section>\n<h2 id=" << section.id << "h>" << escaped(section.caption(document_.language))
-         << "</h2>\n<p class=note>" << escaped(shownLines(document_, section.section))
+         << "</h2>\n<p class=note>" << escaped(lineCountText(document_, section.section))
          << "</p>\n<div class=scroll role=region tabindex=0 aria-labelledby=" << section.id << "h>\n";
     const PagePlan& plan = section.plan;
     if (plan.split()) {
