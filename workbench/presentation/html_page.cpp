@@ -54,6 +54,54 @@ std::string keyClasses(std::size_t position, std::size_t span, std::size_t keys)
   return "k k" + std::to_string(position) + (position + span == keys ? " kl" : "");
 }
 
+std::string classAttribute(const std::string& classes) {
+  if (classes.empty()) return "";
+  return classes.find(' ') == std::string::npos ? " class=" + classes : " class=\"" + classes + '"';
+}
+
+// So many empty cells take more bytes than one cell in their place.
+constexpr std::size_t manyEmptyCells = 4;
+
+// How many cells from `position` on are empty, up to the end of the keys or of the row.
+std::size_t emptyRun(const std::vector<SpannedCell>& cells, std::size_t position, std::size_t keys) {
+  const std::size_t end = position < keys ? std::min(keys, cells.size()) : cells.size();
+  std::size_t last = position;
+  while (last < end && cells[last].text.empty() && cells[last].span == 1)
+    ++last;
+  return last - position;
+}
+
+// Whether a line is shorter with its empty cells joined, though it then says of each number that it is one.
+bool isSparse(const View& view, const std::vector<SpannedCell>& cells, std::size_t keys) {
+  constexpr std::size_t emptyCell = 4, joinedCell = 14, numberClass = 8;
+  std::size_t saved = 0, added = numberClass;
+  for (std::size_t i = 0; i < cells.size();) {
+    const std::size_t run = emptyRun(cells, i, keys);
+    if (run >= manyEmptyCells) saved += run * emptyCell - joinedCell;
+    if (run == 0 && isNumber(view.columns[cells[i].column].column.role)) added += numberClass;
+    i += std::max<std::size_t>(run, 1);
+  }
+  return saved > added;
+}
+
+// Cells of spans stand for as many columns as they span, so the ends of the keys are counted in columns.
+void joinEmptyCells(std::vector<SpannedCell>& cells, std::size_t keys) {
+  std::vector<SpannedCell> joined;
+  std::size_t position = 0, keyCells = 0;
+  for (std::size_t i = 0; i < cells.size() && position < keys; ++i, ++keyCells)
+    position += cells[i].span;
+  for (std::size_t i = 0; i < cells.size();) {
+    const std::size_t run = emptyRun(cells, i, keyCells);
+    if (run >= manyEmptyCells) {
+      joined.push_back({.column = cells[i].column, .span = run, .text = ""});
+      i += run;
+    } else {
+      joined.push_back(std::move(cells[i++]));
+    }
+  }
+  cells = std::move(joined);
+}
+
 // A section as it is written: its rows cut, and where they stand.
 struct PlannedSection {
   const ReportSection& section;
@@ -193,11 +241,11 @@ class PageWriter {
     out_ << "<tbody>\n";
     {
       for (const auto rows = section.view.rows(); rows->next();)
-        writeRow(section.view, rows->row(), columns, keys);
+        writeRow(section.view, section.plan, rows->row(), columns, keys);
     }
     if (!section.view.totals.empty()) out_ << "<tfoot>\n";
     for (const ViewRow& row : section.view.totals)
-      writeRow(section.view, row, columns, keys);
+      writeRow(section.view, section.plan, row, columns, keys);
     out_ << "</table>\n";
   }
 
@@ -217,10 +265,14 @@ class PageWriter {
       }
       std::size_t end = i;
       std::ostringstream captions;
-      for (; end < columns.size() && view.columns[columns[end]].group(document_.language) == group; ++end)
+      // Keys may be hidden, so that a heading does not go on from them to other columns.
+      const std::size_t last = i < keys ? keys : columns.size();
+      for (; end < last && view.columns[columns[end]].group(document_.language) == group; ++end)
         writeColumnHead(captions, view.columns[columns[end]], end, keys, "");
       second += captions.str();
-      out_ << "<th scope=colgroup colspan=" << end - i << '>' << escaped(group);
+      out_ << "<th scope=colgroup colspan=" << end - i;
+      if (i < keys) out_ << " class=\"" << keyClasses(i, end - i, keys) << '"';
+      out_ << '>' << escaped(group);
       i = end;
     }
     out_ << '\n';
@@ -234,49 +286,46 @@ class PageWriter {
     out << attributes << '>' << escaped(column.caption(document_.language));
   }
 
-  // A row that has nothing to say in a block keeps its place on the screen, beside the others, and is left out on paper.
-  void writeRowBegin(const View& view, const ViewRow& row, const std::vector<std::size_t>& columns) {
-    std::string classes(rowClass(row.kind));
-    const bool empty = std::ranges::all_of(columns, [&](std::size_t column) {
-      return cellText(document_, view.columns[column].column, row.cells[column]).empty();
-    });
-    if (empty) classes += classes.empty() ? "e" : " e";
-    out_ << "<tr";
-    if (!classes.empty()) out_ << " class=\"" << classes << '"';
-    out_ << '>';
-  }
-
-  void writeRow(const View& view, const ViewRow& row, const std::vector<std::size_t>& columns, std::size_t keys) {
-    writeRowBegin(view, row, columns);
-    constexpr int deepest = 6;
-    int indent = std::min(indentation(row), deepest);
-    if (!isSetOff(row.kind)) {
-      for (std::size_t i = 0; i < columns.size(); ++i) {
-        const ReportColumn& column = view.columns[columns[i]].column;
-        const std::string text = cellText(document_, column, row.cells[columns[i]]);
-        out_ << (i == 0 ? "<th scope=row" : "<td");
-        if (indent > 0 && !text.empty() && !isNumber(column.role)) {
-          out_ << " class=i" << indent;
-          indent = 0;
-        }
-        out_ << '>' << escaped(text);
-      }
-      out_ << '\n';
+  void writeRow(const View& view, const PagePlan& plan, const ViewRow& row, const std::vector<std::size_t>& columns,
+                std::size_t keys) {
+    std::vector<SpannedCell> cells;
+    if (isSetOff(row.kind)) {
+      cells = spannedCells(document_, view, row, columns, keys);
+    } else {
+      for (const std::size_t column : columns)
+        cells.push_back(
+            {.column = column, .text = cellText(document_, view.columns[column].column, row.cells[column])});
+    }
+    // A detail that has nothing to say in a block keeps its place on the screen, beside the others, and takes none on paper.
+    if (row.kind == RowKind::detail && plan.split() && columns.size() > keys &&
+        emptyRun(cells, keys, keys) == cells.size() - keys) {
+      out_ << "<tr class=e><td colspan=" << columns.size() << ">\n";
       return;
     }
+    std::string classes(rowClass(row.kind));
+    const bool sparse = row.kind != RowKind::line || isSparse(view, cells, keys);
+    if (sparse && row.kind == RowKind::line) classes = "f";
+    if (sparse) joinEmptyCells(cells, keys);
+    out_ << "<tr" << classAttribute(classes) << '>';
+    constexpr int deepest = 6;
+    int indent = std::min(indentation(row), deepest);
     std::size_t position = 0;
-    for (const SpannedCell& cell : spannedCells(document_, view, row, columns, keys)) {
+    for (const SpannedCell& cell : cells) {
       const bool number = isNumber(view.columns[cell.column].column.role);
-      std::string classes = position < keys ? keyClasses(position, cell.span, keys) : "";
-      if (number) classes += classes.empty() ? "n" : " n";
+      classes.clear();
+      if (sparse && position < keys && !plan.split()) classes = keyClasses(position, cell.span, keys);
+      if (sparse && !cell.text.empty()) {
+        if (number) classes += classes.empty() ? "n" : " n";
+        if (plan.breaks[cell.column] && cell.span == 1)
+          classes += (classes.empty() ? "w" : " w") + std::to_string(position);
+      }
       if (indent > 0 && !number && !cell.text.empty()) {
         classes += (classes.empty() ? "i" : " i") + std::to_string(indent);
         indent = 0;
       }
-      out_ << (position == 0 ? "<th scope=row" : "<td");
+      out_ << (position < std::max<std::size_t>(keys, 1) ? "<th" : "<td");
       if (cell.span > 1) out_ << " colspan=" << cell.span;
-      if (!classes.empty()) out_ << " class=\"" << classes << '"';
-      out_ << '>' << escaped(cell.text);
+      out_ << classAttribute(classes) << '>' << escaped(cell.text);
       position += cell.span;
     }
     out_ << '\n';

@@ -1,7 +1,6 @@
 #include "workbench/presentation/html_style.h"
 
 #include <algorithm>
-#include <numeric>
 #include <sstream>
 
 #include "workbench/presentation/html_text.h"
@@ -105,12 +104,12 @@ std::string letters(int width) {
   return tsql::toText(tsql::Exact{.units = width, .scale = 2}) + "em";
 }
 
-// The cells of plain rows, those without cells that span others, in columns at these positions.
+// The cells of plain rows, those without cells that span columns, in columns at these positions.
 std::string plainCells(const std::string& table, const std::vector<std::size_t>& positions) {
   std::string list;
   for (const std::size_t position : positions)
     list += (list.empty() ? ":nth-child(" : ", :nth-child(") + std::to_string(position + 1) + ")";
-  return "#" + table + " tr:not(.o, .h) > :is(" + list + ")";
+  return "#" + table + " tr:not(.o, .h, .d, .f) > :is(" + list + ")";
 }
 
 std::string marginBox(std::string_view place, const std::string& content) {
@@ -133,7 +132,7 @@ std::string stayingKeys(const std::string& table, const PagePlan& plan, const st
   int left = 0;
   for (std::size_t i = 0; i < keys; ++i) {
     const std::string cells = plainCells(table, {i}), width = letters(plan.screenWidths[columns[i]]);
-    rules << "  " << cells << ", #" << table << " thead .k" << i << " { min-width: " << width
+    rules << "  " << cells << ", #" << table << " thead .k" << i << ":not([colspan]) { min-width: " << width
           << "; max-width: " << width << "; }\n  " << cells << ", #" << table << " .k" << i
           << " { position: sticky; left: calc(" << letters(left) << " + " << i << "px); z-index: 1; }\n";
     if (i + 1 == keys) rules << "  " << cells << ", #" << table << " .kl { border-right: 2px solid var(--edge); }\n";
@@ -182,8 +181,9 @@ std::string tableStyle(const std::string& table, const View& view, const PagePla
     if (isNumber(view.columns[columns[i]].column.role)) numbers.push_back(i);
     if (!plan.breaks[columns[i]]) continue;
     const std::string width = letters(plan.paperWidths[columns[i]]);
-    paper << "  " << plainCells(table, {i}) << " { white-space: normal; overflow-wrap: anywhere; min-width: " << width
-          << "; max-width: " << width << "; }\n";
+    paper << "  " << plainCells(table, {i}) << ", #" << table << " .w" << i
+          << " { white-space: normal; overflow-wrap: anywhere; min-width: " << width << "; max-width: " << width
+          << "; }\n";
   }
   if (!numbers.empty()) style << plainCells(table, numbers) << " { text-align: right; }\n";
   style << "@media print {\n" << paper.str() << "}\n";
@@ -191,9 +191,7 @@ std::string tableStyle(const std::string& table, const View& view, const PagePla
     style << stayingKeys(table, plan, columns);
   } else if (columns.size() > plan.keys.size()) {
     // Beside the table of the keys, a block needs them only for those who do not see the screen.
-    std::vector<std::size_t> keys(plan.keys.size());
-    std::iota(keys.begin(), keys.end(), std::size_t{0});
-    style << "@media screen {\n  " << plainCells(table, keys) << ", #" << table
+    style << "@media screen {\n  #" << table << " :is(tbody, tfoot) th, #" << table
           << " .k { font-size: 0; line-height: 0; padding: 0; border-right: 0; max-width: 0; overflow: hidden; }\n}\n";
   } else {
     style << "@media screen and (min-width: " << neededWindow(plan, columns) << ") {\n  #" << table

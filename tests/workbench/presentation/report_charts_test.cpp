@@ -81,10 +81,11 @@ TEST(StructureChartsTest, WithoutAClosingBalanceReceiptsAndIssues) {
   auto account = tsql::Connection::openInMemory();
   account->execute(
       "Create Table Result (cFXCode nvarchar(20), cFXName nvarchar(60), iItemInQuantity decimal(18,6), iIteminPrice money, "
-      "iItemoutQuantity decimal(18,6), iItemOutPrice money)");
+      "iItemoutQuantity decimal(18,6), iItemOutPrice money, iAInQuantity decimal(18,6), iAInPrice money, iAOutQuantity "
+      "decimal(18,6), iAOutPrice money)");
   account->execute(
-      "Insert Into Result Values (N'01', N'材料', 1, 100.25, 0, 0), (N'01', N'材料', 0, 0, 2, 30.10), "
-      "(N'02', N'人工', 0, 0, 1, 40), (N'', N'', 0, 0, 1, 5)");
+      "Insert Into Result Values (N'01', N'材料', 1, 100.25, 0, 0, 1, 100.25, 0, 0), (N'01', N'材料', 0, 0, 2, 30.10, 0, "
+      "0, 2, 30.10), (N'02', N'人工', 0, 0, 1, 40, 0, 0, 1, 40), (Null, Null, Null, Null, Null, Null, 0, 0, 1, 5)");
   const ResultTable table(*account, "Result");
   const auto charts = structureCharts(summaryOf(table, "fx-wt", ""), Language::chinese);
   ASSERT_EQ(charts.size(), 2U);
