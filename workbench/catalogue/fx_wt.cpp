@@ -221,7 +221,7 @@ Report fxWt() {
           .order = orderByLine,
           .layouts = {Layout::vouchers, Layout::lines},
           .lineOrder = orderByDocument,
-          .lineKeys = {"cVouCode", "cInvCode", "cInvName"},
+          .lineKeys = {"cVouCode", "cInvCode"},
           .crossStates = fxWtStates,
           .joinKeys = fxWtKeys(),
           .documentColumns = documentColumns,

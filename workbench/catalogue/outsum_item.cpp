@@ -237,7 +237,7 @@ Report outsumItem() {
       .columns = outsumItemColumns(),
       .layouts = {Layout::summary, Layout::tree, Layout::lines},
       .lineOrder = orderByDocument,
-      .lineKeys = {"cVouCode", "cInvCode", "cInvName"},
+      .lineKeys = {"cVouCode", "cInvCode"},
       .treeLevels = summaryTreeLevels,
       .crossStates = outsumItemStates,
       .joinKeys = outsumItemKeys(),

@@ -132,10 +132,12 @@ class Layouts {
     if (report.report().isLedger) ledger_ = ledgerRequest(report);
   }
 
-  // What a page shows beside the section `asked`.
+  // What a page shows beside the section `asked`, which has all columns and rows that the figures are taken from.
   std::vector<Chart> charts(const ReportSection& asked) {
-    if (asked.layout == Layout::summary && !asked.grouped) return structureCharts(asked.view, heading_.language);
-    if (asked.layout == Layout::ledger && !asked.grouped) return ledgerCharts(asked.view, table_, heading_.language);
+    const ArrangementText& text = options_.arrangement;
+    if (!text.columns.empty() || !text.groupBy.empty()) return {};
+    if (asked.layout == Layout::summary) return structureCharts(asked.view, heading_.language);
+    if (asked.layout == Layout::ledger && text.empty()) return ledgerCharts(asked.view, table_, heading_.language);
     return {};
   }
 
