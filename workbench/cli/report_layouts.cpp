@@ -23,6 +23,7 @@ namespace quillon::workbench {
 
 namespace {
 
+constexpr Caption chosenCaption{"只显示", "Shown only"};
 constexpr Caption accountCaption{"账套", "Account"};
 
 std::string entered(FilterObject& filter, std::string_view key) {
@@ -232,6 +233,8 @@ ReportDocument headingOf(const MadeReport& report, Language language, const std:
 LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutOptions& options, LayoutOutput output) {
   LaidOutReport laidOut;
   laidOut.heading = headingOf(report, language, options.company);
+  for (const std::string& condition : options.arrangement.where)
+    laidOut.heading.conditions.emplace_back(laidOut.heading.text(chosenCaption), condition);
   if (laidOut.heading.rowCount == 0) return laidOut;
   Layouts layouts(report, language, options, laidOut.heading);
   const std::vector<Layout>& offered = report.report().layouts;
