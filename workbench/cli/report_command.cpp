@@ -64,7 +64,8 @@ ReportDocument bareHeading(const ReportOptions& options, const MadeReport& repor
 
 LayoutOutput outputOf(ReportFormat format) {
   if (format == ReportFormat::xlsx) return LayoutOutput::workbook;
-  return format == ReportFormat::html ? LayoutOutput::page : LayoutOutput::rows;
+  if (format == ReportFormat::html) return LayoutOutput::page;
+  return isForPrograms(format) ? LayoutOutput::fields : LayoutOutput::table;
 }
 
 // The report as its reader wants it; whoever waits is told how its rows come.

@@ -121,7 +121,8 @@ LedgerRequest ledgerRequest(const MadeReport& report) {
 
 class Layouts {
  public:
-  Layouts(const MadeReport& report, Language language, const LayoutOptions& options, const ReportDocument& heading)
+  Layouts(const MadeReport& report, Language language, const LayoutOptions& options, const ReportDocument& heading,
+          LayoutOutput output)
       : table_(report.table()),
         request_{.report = report.report(),
                  .table = table_,
@@ -129,7 +130,8 @@ class Layouts {
                  .language = language,
                  .allColumns = options.allColumns},
         options_(options),
-        heading_(heading) {
+        heading_(heading),
+        forPrograms_(output == LayoutOutput::fields) {
     if (report.report().isLedger) ledger_ = ledgerRequest(report);
   }
 
@@ -187,7 +189,7 @@ class Layouts {
       case Layout::columnar:
         return columnarView(request_, heading_, ledger_);
       case Layout::vouchers:
-        return vouchersView(request_, heading_);
+        return vouchersView(request_, heading_, forPrograms_ ? VouchersForm::keyedFields : VouchersForm::list);
       case Layout::lines:
         break;
     }
@@ -199,6 +201,7 @@ class Layouts {
   LedgerRequest ledger_;
   const LayoutOptions& options_;
   const ReportDocument& heading_;
+  bool forPrograms_;
 };
 
 }  // namespace
@@ -236,7 +239,7 @@ LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutO
   for (const std::string& condition : options.arrangement.where)
     laidOut.heading.conditions.emplace_back(laidOut.heading.text(chosenCaption), condition);
   if (laidOut.heading.rowCount == 0) return laidOut;
-  Layouts layouts(report, language, options, laidOut.heading);
+  Layouts layouts(report, language, options, laidOut.heading, output);
   const std::vector<Layout>& offered = report.report().layouts;
   const Layout asked = options.layout.value_or(offered.front());
   const auto addBeside = [&](Layout layout) {

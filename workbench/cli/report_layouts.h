@@ -29,7 +29,8 @@ void checkLayout(const Report& report, const LayoutOptions& options);
 ReportDocument headingOf(const MadeReport& report, Language language, const std::string& company);
 
 enum class LayoutOutput {
-  rows,      // the layout that is asked for, and nothing else
+  fields,    // the layout that is asked for, each field in a column of its own, for programs
+  table,     // the layout that is asked for, for people
   page,      // with charts, where the layout has some
   workbook,  // with the summary and the lines beside it, where the report has these
 };

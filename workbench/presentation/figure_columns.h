@@ -16,6 +16,7 @@ inline constexpr Caption balanceCaption{"结存", "Balance"};
 inline constexpr Caption quantityColumn{"数量", "Quantity"};
 inline constexpr Caption unitCostColumn{"单价", "Unit cost"};
 inline constexpr Caption amountColumn{"金额", "Amount"};
+inline constexpr Caption usagePerUnitColumn{"单位用量", "Usage per unit"};
 
 // A column of a layout's own.
 inline ReportColumn layoutColumn(std::string_view name, const Caption& caption, ColumnRole role = ColumnRole::text) {

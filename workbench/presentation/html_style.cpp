@@ -182,8 +182,10 @@ std::string tableStyle(const std::string& table, const View& view, const PagePla
     if (!plan.breaks[columns[i]]) continue;
     const std::string width = letters(plan.paperWidths[columns[i]]);
     paper << "  " << plainCells(table, {i}) << ", #" << table << " .w" << i
-          << " { white-space: normal; overflow-wrap: anywhere; min-width: " << width << "; max-width: " << width
-          << "; }\n";
+          << " { white-space: normal; overflow-wrap: anywhere; min-width: " << width;
+    // A block is as wide as was planned; one table takes what the sheet has left.
+    if (plan.split()) paper << "; max-width: " << width;
+    paper << "; }\n";
   }
   if (!numbers.empty()) style << plainCells(table, numbers) << " { text-align: right; }\n";
   style << "@media print {\n" << paper.str() << "}\n";

@@ -13,6 +13,7 @@
 #include "workbench/presentation/figure_columns.h"
 #include "workbench/presentation/row_conditions.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/presentation/vouchers_list.h"
 
 namespace quillon::workbench {
 
@@ -21,7 +22,6 @@ namespace {
 constexpr Caption voucherTypeCaption{"单据类型", "Voucher type"};
 constexpr Caption emptyCaption{"为空", " empty"};
 constexpr Caption subtotalCaption{" 小计", " subtotal"};
-constexpr Caption usageCaption{"单位用量", "Usage per unit"};
 constexpr Caption structureCaption{"成本构成", "Cost structure"};
 
 constexpr std::string_view costItemName = "cfxName";
@@ -136,6 +136,7 @@ struct Plan {
   ReportDocument document;
   std::vector<std::string> groupBy;
   bool everyKey = false;
+  bool receiptFlag = false;  // stands in a last column
   bool showsParts = true;
   std::string where;
   std::string query;
@@ -150,7 +151,7 @@ struct Plan {
   std::size_t figures() const { return shared + ofLine; }
   std::size_t parts() const { return figures() + lineFigures.size(); }
   std::size_t usage() const { return parts() + ofPart; }
-  std::size_t width() const { return usage() + 3; }
+  std::size_t width() const { return usage() + 3 + (receiptFlag ? 1 : 0); }
   // In a row of the query: the view's columns up to the parts' and the usage, then these.
   std::size_t partFiguresRead() const { return usage() + 1; }
   std::size_t lineRead() const { return partFiguresRead() + partFigures.size(); }
@@ -282,6 +283,7 @@ class VoucherRows final : public ViewRows {
     const bool none =
         std::all_of(ofPart, ofPart + partFigures.size(), [](const auto& value) { return tsql::isNull(value); });
     const std::size_t usage = plan_->usage();
+    if (plan_->receiptFlag) part.cells.back() = std::int64_t{receipt};
     if (none) {
       part.cells[plan_->costItem] = std::string(plan_->document.text(noCostItemCaption));
       part.cells[usage + 1] = read[plan_->figures() + (receipt ? inCost : outCost)];
@@ -363,17 +365,24 @@ bool isAmong(std::string_view name, std::span<const std::string> names) {
   return std::ranges::any_of(names, [name](const auto& other) { return equalIgnoringCase(name, other); });
 }
 
+bool isOnTypeName(const RowCondition& condition) {
+  return equalIgnoringCase(condition.column, voucherTypeNameColumn);
+}
+
 bool isAsked(std::string_view name, const Arrangement& arrangement) {
   return isAmong(name, arrangement.columns) || isAmong(name, arrangement.groupBy);
 }
 
-// The columns that hold something or are asked for, in the layout's order. Takes off what is only shown when asked for.
-std::vector<ReportColumn> columnsShown(const LayoutRequest& request, std::size_t& leftOut) {
-  // The condition on the type's name is left out: the table does not have it.
+// The condition on the type's name is left out: the table does not have it.
+std::vector<ReportColumn> columnsHolding(const LayoutRequest& request) {
   std::vector<RowCondition> where = request.arrangement.where;
-  std::erase_if(where, [](const auto& of) { return equalIgnoringCase(of.column, voucherTypeNameColumn); });
-  const std::vector<ReportColumn> holding =
-      request.table.filledColumns(request.report.columns, conditionText(where, request.table.columns()));
+  std::erase_if(where, isOnTypeName);
+  return request.table.filledColumns(request.report.columns, conditionText(where, request.table.columns()));
+}
+
+// The columns that hold something or are asked for, in the layout's order. Counts what is only shown when asked for.
+std::vector<ReportColumn> columnsShown(const LayoutRequest& request, std::span<const ReportColumn> holding,
+                                       std::size_t& leftOut) {
   std::vector<ReportColumn> filled;
   for (const ReportColumn& column : columnsPresent(request)) {
     if (column.role == ColumnRole::internal) continue;
@@ -406,12 +415,12 @@ std::vector<ReportColumn> columnsShown(const LayoutRequest& request, std::size_t
 }
 
 // Sets the view's columns, and in the plan where they stand.
-void planColumns(const LayoutRequest& request, Plan& plan, View& view) {
+void planColumns(const LayoutRequest& request, std::span<const ReportColumn> holding, Plan& plan, View& view) {
   const auto put = [&view](const ReportColumn& column) {
     constexpr std::array<std::string_view, 4> keys = {voucherTypeNameColumn, "cVouCode", "cInvCode", costItemName};
     view.columns.push_back({.column = column, .key = isOneOf(column.name, keys)});
   };
-  const std::vector<ReportColumn> all = columnsShown(request, view.columnsLeftOut);
+  const std::vector<ReportColumn> all = columnsShown(request, holding, view.columnsLeftOut);
   for (const ReportColumn& column : all) {
     if (!isOfLine(column.name) && !isOfPart(column.name)) put(column);
   }
@@ -422,17 +431,28 @@ void planColumns(const LayoutRequest& request, Plan& plan, View& view) {
   plan.ofLine = view.columns.size() - plan.shared;
   for (const LineFigure& figure : lineFigures)
     view.columns.push_back(groupedColumn(figure.name, figure.caption, figure.role, figure.group));
+  // The cost item is a key and goes before the heading that the others share, which blocks of a page would split.
+  plan.costItem = view.columns.size();
   for (const ReportColumn& column : all) {
-    if (!isOfPart(column.name)) continue;
-    if (equalIgnoringCase(column.name, costItemName)) plan.costItem = view.columns.size();
+    if (equalIgnoringCase(column.name, costItemName)) put(column);
+  }
+  for (const ReportColumn& column : all) {
+    if (!isOfPart(column.name) || equalIgnoringCase(column.name, costItemName)) continue;
     put(column);
     view.columns.back().groupChinese = structureCaption.chinese;
     view.columns.back().groupEnglish = structureCaption.english;
   }
   plan.ofPart = view.columns.size() - plan.parts();
-  view.columns.push_back(groupedColumn("iUnitUsed", usageCaption, ColumnRole::movement, structureCaption));
+  view.columns.push_back(groupedColumn("iUnitUsed", usagePerUnitColumn, ColumnRole::movement, structureCaption));
   view.columns.push_back(groupedColumn("iUnitCost", unitCostColumn, ColumnRole::unitCost, structureCaption));
   view.columns.push_back(groupedColumn("iItemPrice", amountColumn, ColumnRole::amount, structureCaption));
+  if (plan.receiptFlag)
+    view.columns.push_back({.column = layoutColumn(receiptFlagColumn, receiptsCaption, ColumnRole::internal)});
+}
+
+bool asksForFields(const LayoutRequest& request) {
+  const Arrangement& asked = request.arrangement;
+  return request.allColumns || !asked.columns.empty() || !asked.sort.empty() || !asked.groupBy.empty();
 }
 
 // The columns in the order in which they are shown, by name; nothing when that is the view's own.
@@ -508,22 +528,25 @@ std::vector<ReportColumn> vouchersColumns(const LayoutRequest& request) {
   return columns;
 }
 
-View vouchersView(const LayoutRequest& request, const ReportDocument& heading, bool everyKey) {
+View vouchersView(const LayoutRequest& request, const ReportDocument& heading, VouchersForm form) {
   const Arrangement& arrangement = request.arrangement;
   if (const auto part = std::ranges::find_if(arrangement.groupBy, isOfPart); part != arrangement.groupBy.end())
     throw UserError("documents cannot be grouped by " + *part +
                     ", which tells the parts of a line apart; group the layout lines by it");
   std::vector<tsql::Column> columns = request.table.columns();
   columns.push_back({.name = std::string(voucherTypeNameColumn), .type = {.kind = tsql::Kind::nVarChar}});
+  const bool list = form == VouchersForm::list && !asksForFields(request);
   auto plan = std::make_shared<Plan>(Plan{.document = heading,
                                           .groupBy = arrangement.groupBy,
-                                          .everyKey = everyKey,
+                                          .everyKey = form == VouchersForm::keyedFields,
+                                          .receiptFlag = list,
                                           .where = conditionText(arrangement.where, columns),
                                           .query = {},
                                           .groups = {},
                                           .groupCaptions = {}});
   View view;
-  planColumns(request, *plan, view);
+  const std::vector<ReportColumn> holding = columnsHolding(request);
+  planColumns(request, holding, *plan, view);
   const std::vector<std::string> names = columnOrder(arrangement, view);
   planChoice(names, *plan, view);
   plan->query = voucherQuery(request, *plan, view);
@@ -532,7 +555,10 @@ View vouchersView(const LayoutRequest& request, const ReportDocument& heading, b
                &account = request.table.account()]() -> std::unique_ptr<ViewRows> {
     return std::make_unique<VoucherRows>(plan, account);
   };
-  return names.empty() ? view : withColumns(std::move(view), names);
+  if (!list) return names.empty() ? view : withColumns(std::move(view), names);
+  view = vouchersList(std::move(view), heading, holding);
+  // Which columns the documents of a type fill is not known before they are read.
+  return std::ranges::any_of(arrangement.where, isOnTypeName) ? withoutEmptyColumns(std::move(view)) : view;
 }
 
 }  // namespace quillon::workbench

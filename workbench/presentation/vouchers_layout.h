@@ -21,10 +21,15 @@ bool isOfPart(std::string_view column);
 // cVouTypeName.
 std::vector<ReportColumn> vouchersColumns(const LayoutRequest& request);
 
+enum class VouchersForm {
+  list,         // a nested list whose columns documents, lines and parts share (vouchers_list.h), for people
+  fields,       // one column a field; what the lines of a document have alike stands on the document
+  keyedFields,  // the same, and what stands on a document stands on its lines and parts, too, for programs
+};
+
 // Documents are rows of kind `group` with the amounts that they received and issued, ledger lines rows of kind `line`,
 // their parts rows of kind `detail` with usage per unit, unit cost and amount. A line that has no cost item has one part
-// of that name with the line's own unit cost and amount. What the lines of a document have alike stands on the document,
-// with `everyKey` on the lines and parts, too.
+// of that name with the line's own unit cost and amount.
 //
 // The figures of a line are the ledger's. The report repeats them on each row of the line, as a multiple where it put
 // several parts into one row.
@@ -32,10 +37,11 @@ std::vector<ReportColumn> vouchersColumns(const LayoutRequest& request);
 // The arrangement is carried out in the database. Conditions choose rows of the table: a line with its own figures is
 // shown where one of its parts is chosen. Documents are ordered by columns of theirs and of their lines and shown as
 // often as their lines then come together; columns of the parts order the parts of a line. Groups have subtotals of
-// receipts and issues. Without a column of the parts no parts are shown.
+// receipts and issues. Without a column of the parts no parts are shown. Columns, order, groups and allColumns are of the
+// fields: with any of them the list comes as fields.
 //
 // `heading` has the language and the account's decimals. The view reads the table's account, which must outlive it.
 // Throws UserError for conditions and for groups by a column of the parts, tsql::SqlError.
-View vouchersView(const LayoutRequest& request, const ReportDocument& heading, bool everyKey = false);
+View vouchersView(const LayoutRequest& request, const ReportDocument& heading, VouchersForm form);
 
 }  // namespace quillon::workbench

@@ -28,8 +28,8 @@ using testing::StartsWith;
 
 class VouchersLayout : public test::SmallLedger {
  protected:
-  static ReadView view(const MadeLayout& made, Arrangement arrangement = {}, bool everyKey = false) {
-    return ReadView(vouchersView(made.request(std::move(arrangement)), made.document(), everyKey));
+  static ReadView view(const MadeLayout& made, Arrangement arrangement = {}, VouchersForm form = VouchersForm::fields) {
+    return ReadView(vouchersView(made.request(std::move(arrangement)), made.document(), form));
   }
   // The small ledger with another account's worth of changes; for one report each.
   static std::unique_ptr<test::TemporaryFile> changed(const std::string& statements) {
@@ -66,7 +66,7 @@ TEST_F(VouchersLayout, DocumentsHaveTheirLinesAndTheseTheirParts) {
 
 TEST_F(VouchersLayout, RowsCanBeReadAgain) {
   const MadeLayout report = vouchers();
-  const View once = vouchersView(report.request(), report.document());
+  const View once = vouchersView(report.request(), report.document(), VouchersForm::fields);
   EXPECT_EQ(ReadView(once).rows().size(), ReadView(once).rows().size());
   EXPECT_EQ(once.lineCount, 4);
   EXPECT_EQ(limited(once, 1).columns.size() < once.columns.size(), true);
@@ -84,7 +84,7 @@ TEST_F(VouchersLayout, WhatLinesOfADocumentHaveAlikeStandsOnTheDocument) {
                           "line: -|-|二库|7.5000|-", "detail: -|-|-|-|（无成本项目）",
                           "total: 合计（1 张单据，2 行）|-|-|67.5000|-"));
   EXPECT_THAT(
-      shown(view(report, {}, true), {"cVouTypeName", "cVouCode", "cWhName", "cInvCode"}),
+      shown(view(report, {}, VouchersForm::keyedFields), {"cVouTypeName", "cVouCode", "cWhName", "cInvCode"}),
       ElementsAre("group: 产成品入库单|R-1|-|-", "line: 产成品入库单|R-1|一库|M1", "detail: 产成品入库单|R-1|一库|M1",
                   "detail: 产成品入库单|R-1|一库|M1", "line: 产成品入库单|R-1|二库|M1",
                   "detail: 产成品入库单|R-1|二库|M1", "total: 合计（1 张单据，2 行）|-|-|-"));
@@ -144,7 +144,7 @@ TEST_F(VouchersLayout, ChosenColumns) {
   const MadeLayout report = vouchers();
   const View lines = vouchersView(
       report.request({.columns = {"cVouCode", "iAInPrice", "cInvCCode"}, .groupBy = {"cVouTypeName", "cInvCCode"}}),
-      report.document());
+      report.document(), VouchersForm::fields);
   std::vector<std::string> names;
   for (const ViewColumn& column : lines.columns)
     names.push_back(column.column.name);
@@ -159,6 +159,91 @@ TEST_F(VouchersLayout, ChosenColumns) {
                   "subtotal: 产成品入库单 小计|-|-|67.5000", "total: 合计（4 张单据，4 行）|-|-|67.5000"));
   EXPECT_THAT(shown(view(report, {.columns = {"iAInPrice", "cVouCode"}}), {"iAInPrice", "cVouCode"}),
               Contains("total: 67.5000|合计（4 张单据，4 行）"));
+}
+
+std::vector<std::string> headingsOf(const View& view) {
+  std::vector<std::string> headings;
+  for (const ViewColumn& column : view.columns)
+    headings.push_back(column.groupChinese + column.column.chinese + (column.key ? "*" : ""));
+  return headings;
+}
+
+TEST_F(VouchersLayout, ListHasDocumentsLinesAndPartsInTheSameColumns) {
+  const MadeLayout report = vouchers();
+  const View list = vouchersView(report.request(), report.document(), VouchersForm::list);
+  EXPECT_THAT(headingsOf(list), ElementsAre("编码*", "名称*", "日期", "单位用量", "收入数量", "收入单价", "收入金额",
+                                            "发出数量", "发出单价", "发出金额", "说明"));
+  EXPECT_EQ(list.lineCount, 4);
+  EXPECT_THAT(
+      shown(ReadView(list), {"code", "name", "dVouDate", "iUnitUsed", "iAInQuantity", "iInCost", "iAInPrice",
+                             "iAOutQuantity", "iOutCost", "iAOutPrice", "note"}),
+      // Where the type's name or the digest have the words of business and receipt/issue type, these are not repeated.
+      ElementsAre("group: R-1|产成品入库单|2024-01-10|-|-|-|60.0000|-|-|-|生产入库",
+                  "line: M1|钢板|-|-|5.000000|12.000000|60.0000|-|-|-|-",
+                  "detail: A1|直接材料|-|1.00|-|8.0000|40.0000|-|-|-|-", "detail: B1|直接人工|-|-|-|-|20.0000|-|-|-|-",
+                  "group: R-2|产成品入库单|2024-03-05|-|-|-|7.5000|-|-|-|生产入库 · 盘盈",
+                  "line: M1|钢板|-|-|1.000000|7.500000|7.5000|-|-|-|-",
+                  "detail: -|（无成本项目）|-|-|-|7.500000|7.5000|-|-|-|-",
+                  "group: L-1|材料出库单|2024-01-20|-|-|-|-|-|-|32.0000|凭证 IA12 · 领料",
+                  "line: M1|钢板|-|-|-|-|-|3.000000|10.666700|32.0000|-",
+                  "detail: A1|直接材料|-|1.00|-|-|-|-|6.6667|20.0000|-", "detail: B1|直接人工|-|-|-|-|-|-|-|12.0000|-",
+                  "group: L-2|材料出库单|2024-02-28|-|-|-|-|-|-|21.3300|领料",
+                  // Posted on another day than the document's.
+                  "line: M1|钢板|2024-03-01|-|-|-|-|2.000000|10.665000|21.3300|-",
+                  "detail: A1|直接材料|-|1.00|-|-|-|-|6.6650|13.3300|-", "detail: B1|直接人工|-|-|-|-|-|-|-|8.0000|-",
+                  "total: 合计（4 张单据，4 行）|-|-|-|6.000000|-|67.5000|5.000000|-|53.3300|-"));
+  std::vector<int> levels;
+  const ReadView read(list);
+  for (std::size_t i = 0; i < 3; ++i)
+    levels.push_back(read.rows()[i].level);
+  EXPECT_THAT(levels, ElementsAre(0, 1, 1)) << "a part belongs to the line above it";
+}
+
+TEST_F(VouchersLayout, ListHasEachParticularWhereItBelongs) {
+  const auto file = changed(
+      "Insert Into Warehouse (cWhCode, cWhName) Values (N'1', N'一库'), (N'2', N'二库')\n"
+      "Insert Into Vendor (cVenCode, cVenName) Values (N'V1', N'长河轴承厂')\n"
+      "Insert Into ComputationUnit (cComUnitCode, cComUnitName, cGroupCode, bMainUnit) Values (N'KG', N'千克', N'1', 1)\n"
+      "Update Inventory Set cInvStd = N'Q235B'\n"
+      "Update ia_subsidiary Set cVouCode = N'R-1', dVouDate = '2024-01-10', cBusType = null, cVenCode = N'V1' "
+      "Where AutoID In (2, 5)\n"
+      "Update ia_subsidiary Set cWhCode = Case When AutoID = 2 Then N'1' Else N'2' End, cBatchia = N'B7', "
+      "cFree1 = Case When AutoID = 2 Then N'红' Else null End Where AutoID In (2, 5)");
+  const MadeLayout report("fx-wt", file->path(), {"cVouCode=R-1"}, Language::chinese);
+  const View list = vouchersView(report.request(), report.document(), VouchersForm::list);
+  // Nothing was issued.
+  EXPECT_THAT(headingsOf(list), ElementsAre("编码*", "名称*", "日期", "仓库", "单位", "单位用量", "收入数量",
+                                            "收入单价", "收入金额", "往来单位", "说明"));
+  EXPECT_THAT(shown(ReadView(list), {"code", "dVouDate", "cWhName", "cComUnitName", "partner", "note"}),
+              ElementsAre("group: R-1|2024-01-10|-|-|长河轴承厂|生产入库",  //
+                          "line: M1|-|一库|千克|-|Q235B · 批号 B7 · 红", "detail: A1|-|-|-|-|-",
+                          "detail: B1|-|-|-|-|-",  //
+                          "line: M1|2024-03-05|二库|千克|-|盘盈 · Q235B · 批号 B7", "detail: -|-|-|-|-|-",
+                          "total: 合计（1 张单据，2 行）|-|-|-|-|-"));
+  const MadeLayout english("fx-wt", file->path(), {"cVouCode=R-1"}, Language::english);
+  EXPECT_THAT(
+      shown(ReadView(vouchersView(english.request(), english.document(), VouchersForm::list)), {"code", "note"}),
+      Contains("line: M1|Q235B · batch B7 · 红"));
+}
+
+TEST_F(VouchersLayout, ListLeavesOutWhatTheDocumentsOfATypeDoNotHave) {
+  const MadeLayout report = vouchers();
+  const View list = vouchersView(report.request({.where = {{.column = "cVouTypeName", .values = {"产成品入库单"}}}}),
+                                 report.document(), VouchersForm::list);
+  EXPECT_THAT(headingsOf(list),
+              ElementsAre("编码*", "名称*", "日期", "单位用量", "收入数量", "收入单价", "收入金额", "说明"));
+}
+
+TEST_F(VouchersLayout, WhoAsksForColumnsOrderOrGroupsGetsFields) {
+  const MadeLayout report = vouchers();
+  const auto columns = [&report](Arrangement arrangement, bool all = false) {
+    const View view = vouchersView(report.request(std::move(arrangement), all), report.document(), VouchersForm::list);
+    return headingsOf(view);
+  };
+  EXPECT_THAT(columns({.columns = {"cVouCode", "iAInPrice"}}), ElementsAre("单据号*", "收入金额"));
+  EXPECT_THAT(columns({.sort = {{.column = "cVouCode"}}}), Contains("存货编码*"));
+  EXPECT_THAT(columns({.groupBy = {"cRdName"}}), Contains("存货编码*"));
+  EXPECT_THAT(columns({}, true), Contains("存货分类编码"));
 }
 
 // A line that is not broken down counts with its own figures, so that the cross view's total is that of all lines.
@@ -186,7 +271,7 @@ class VouchersLayoutOfASample : public testing::Test {
 TEST_F(VouchersLayoutOfASample, AgreesWithTheLedger) {
   const auto account = tsql::Connection::open(test::sampleOf(sample), tsql::OpenMode::readOnly);
   const MadeLayout report("fx-wt", test::sampleOf(sample), {}, Language::english);
-  const View view = vouchersView(report.request(), report.document());
+  const View view = vouchersView(report.request(), report.document(), VouchersForm::fields);
   const auto documents = numbersByKey(
       *account,
       std::string("Select line.cVouType, line.cVouCode, Sum(IsNull(line.iAInPrice, 0)), Sum(IsNull(line.iAOutPrice, "
@@ -240,9 +325,39 @@ TEST_F(VouchersLayoutOfASample, AgreesWithTheLedger) {
                                                          tsql::toText(read.value(total, "iAOutPrice")).value()}));
 }
 
+// The list shows what the fields show: each figure of them stands in a column of its own, or of its line's direction.
+TEST_F(VouchersLayoutOfASample, ListHasTheFiguresOfTheFields) {
+  const MadeLayout report("fx-wt", test::sampleOf(sample), {"dVouDate=2024-03-01..2024-04-30"}, Language::english);
+  const ReadView fields(vouchersView(report.request(), report.document(), VouchersForm::fields));
+  const ReadView list(vouchersView(report.request(), report.document(), VouchersForm::list));
+  ASSERT_EQ(list.rows().size(), fields.rows().size());
+  std::size_t parts = 0;
+  bool receipt = false;
+  for (std::size_t i = 0; i < list.rows().size(); ++i) {
+    const ViewRow& row = list.rows()[i];
+    const ViewRow& same = fields.rows()[i];
+    ASSERT_EQ(row.kind, same.kind);
+    ASSERT_EQ(list.text(row, "iUnitUsed"), fields.text(same, "iUnitUsed"));
+    if (row.kind == RowKind::line) receipt = !fields.text(same, "iAInPrice").empty();
+    if (row.kind == RowKind::detail) {
+      ++parts;
+      ASSERT_EQ(list.line(row, {"code", "name"}), fields.line(same, {"cfxCode", "cfxName"}));
+      ASSERT_EQ(list.line(row, {receipt ? "iInCost" : "iOutCost", receipt ? "iAInPrice" : "iAOutPrice"}),
+                fields.line(same, {"iUnitCost", "iItemPrice"}));
+      ASSERT_EQ(list.line(row, {receipt ? "iOutCost" : "iInCost", receipt ? "iAOutPrice" : "iAInPrice"}), "-|-");
+      ASSERT_EQ(list.line(row, {"iAInQuantity", "iAOutQuantity"}), "-|-");
+    } else {
+      const auto figures = {"iAInQuantity", "iInCost", "iAInPrice", "iAOutQuantity", "iOutCost", "iAOutPrice"};
+      for (const std::string_view figure : figures)
+        ASSERT_EQ(list.text(row, figure), fields.text(same, figure));
+    }
+  }
+  EXPECT_GT(parts, 1000U);
+}
+
 TEST_F(VouchersLayoutOfASample, ComeByTypeDayAndNumber) {
   const MadeLayout report("fx-wt", test::sampleOf(sample), {"dVouDate=2024-03-01..2024-04-30"}, Language::english);
-  const ReadView read(vouchersView(report.request(), report.document()));
+  const ReadView read(vouchersView(report.request(), report.document(), VouchersForm::fields));
   std::vector<std::string> before;
   std::set<std::string> types;
   for (const ViewRow& row : read.rows(RowKind::group)) {
