@@ -166,7 +166,7 @@ class ListRows final : public ViewRows {
     if (read.kind == RowKind::line) putPostingDate(read);
   }
 
-  // Lines are posted, one by one, on the document's day or later.
+  // Lines are posted one by one, and not always on the document's day.
   void putPostingDate(const ViewRow& line) {
     const auto date = std::ranges::find(plan_->before, datePlace);
     if (!plan_->posting || date == plan_->before.end()) return;
