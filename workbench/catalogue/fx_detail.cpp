@@ -142,6 +142,7 @@ Report fxDetail() {
           .dialog = &detailDialog(),
           .columns = fxDetailColumns(),
           .layouts = {Layout::ledger, Layout::columnar, Layout::lines},
+          .lineOrder = orderByLedger,
           .lineKeys = {"RowNo"},
           .isLedger = true,
           .joinKeys = fxDetailKeys(),

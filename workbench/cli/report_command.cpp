@@ -41,12 +41,12 @@ bool isForPrograms(ReportFormat format) {
   return format == ReportFormat::csv || format == ReportFormat::json;
 }
 
-// A page is read, not loaded: it shows this many lines unless more are asked for.
-constexpr std::int64_t linesOfAPage = 2000;
+// A page is read, not loaded: it shows this many lines, with what belongs to them, unless more are asked for.
+constexpr std::int64_t rowsOfAPage = 2000;
 
 LayoutOptions layoutOptions(const ReportOptions& options) {
   LayoutOptions layout = options.layout;
-  if (!layout.limit && options.format == ReportFormat::html) layout.limit = linesOfAPage;
+  if (!layout.limit && options.format == ReportFormat::html) layout.rowsOfPage = rowsOfAPage;
   if (layout.limit == 0) layout.limit.reset();  // as many as there are
   // Columns, order and conditions alone are of the rows.
   if (!layout.layout && isForPrograms(options.format)) layout.layout = Layout::lines;
@@ -209,7 +209,7 @@ void addLayoutOptions(CLI::App& command, LayoutOptions& options) {
   addList(command, "--group-by", options.arrangement.groupBy, "Put the lines under subtotals of these columns");
   addList(command, "--where", options.arrangement.where,
           "Show the lines of which column=value; column=a,b  column=lower..upper  column~part");
-  command.add_option("--limit", options.limit, "Show at most this many lines, 0 for all; html shows 2000 unless told")
+  command.add_option("--limit", options.limit, "Show at most this many lines, 0 for all; html shows 2000 rows unless told")
       ->transform(wholeNumber<std::int64_t>(0));
   command.add_flag("--all-columns", options.allColumns,
                    "Show user-defined fields and what documents carry beside, too (always in csv and json)");

@@ -146,6 +146,17 @@ class Layouts {
 
   // `asked` is the section that the reader arranges; in what stands beside it the same rows count.
   ReportSection section(Layout layout, bool asked) {
+    ReportSection section = whole(layout, asked);
+    if (section.limit || !options_.rowsOfPage) return section;
+    // The rows of the table have nothing that belongs to them.
+    const std::int64_t lines =
+        layout == Layout::lines ? *options_.rowsOfPage : linesWithin(section.view, *options_.rowsOfPage);
+    if (lines < section.view.lineCount) section.limit = lines;
+    return section;
+  }
+
+ private:
+  ReportSection whole(Layout layout, bool asked) {
     ReportSection section{.layout = layout, .view = {}, .limit = options_.limit};
     request_.arrangement = {};
     const ArrangementText& text = options_.arrangement;
@@ -177,7 +188,6 @@ class Layouts {
     return section;
   }
 
- private:
   View view(Layout layout) {
     switch (layout) {
       case Layout::summary:

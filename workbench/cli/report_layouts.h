@@ -16,6 +16,8 @@ struct LayoutOptions {
   ArrangementText arrangement = {};
   bool allColumns = false;                 // also those that are shown when asked
   std::optional<std::int64_t> limit = {};  // lines of a section; nothing: all
+  // Rows of a section, what belongs to lines and heads them counted as well; for want of a limit. Nothing: all.
+  std::optional<std::int64_t> rowsOfPage = {};
   std::string company = {};                // whose account it is; empty: the account's code
 
   // Whether the rows of the result table are to be shown as they are.

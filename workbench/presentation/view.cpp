@@ -99,6 +99,21 @@ View limited(const View& view, std::int64_t limit) {
   return keeping(std::move(shown), filled);
 }
 
+std::int64_t linesWithin(const View& view, std::int64_t rows) {
+  std::int64_t lines = 0, complete = 0, read = 0;
+  const auto source = view.rows();
+  while (read <= rows || lines == 0) {
+    if (!source->next()) return lines;
+    const RowKind kind = source->row().kind;
+    if (isSetOff(kind) && kind != RowKind::group) continue;
+    ++read;
+    if (kind == RowKind::detail) continue;
+    complete = lines;  // the line before has all that belongs to it
+    if (kind == RowKind::line) ++lines;
+  }
+  return std::max(complete, std::min<std::int64_t>(lines, 1));
+}
+
 View withoutEmptyColumns(View view) {
   std::vector<bool> filled(view.columns.size());
   for (const auto source = view.rows(); source->next();)

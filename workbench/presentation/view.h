@@ -73,6 +73,10 @@ std::function<std::unique_ptr<ViewRows>()> heldRows(std::shared_ptr<const std::v
 // lines behind it is dropped from the end. Totals and counts stay those of the whole.
 View limited(const View& view, std::int64_t limit);
 
+// How many lines of `view` come within its first `rows` rows that are lines, details or heads of groups; a line has all of
+// its details with it. At least one, if there is a line. Sums do not count: they are few beside what they sum.
+std::int64_t linesWithin(const View& view, std::int64_t rows);
+
 // `view` without the columns that hold nothing in any row, keys among them: reads the rows once.
 View withoutEmptyColumns(View view);
 

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <regex>
 #include <sstream>
@@ -100,14 +102,88 @@ TEST_F(ReportCommand, WritesEachFormatToAFile) {
 }
 
 TEST_F(ReportCommand, ShowsUserDefinedFieldsWhenAsked) {
-  const std::string usual = outputOf({"--lang", "en"});
+  const std::string usual = outputOf({"--layout", "lines", "--lang", "en"});
   EXPECT_EQ(usual.find("Inventory field 1"), std::string::npos);
-  EXPECT_THAT(usual, ContainsPattern("rows; [0-9]+ more columns are not shown \\(--all-columns\\)\n"));
-  EXPECT_THAT(outputOf({}), ContainsPattern("行；另有 [0-9]+ 列未显示（--all-columns）\n"));
-  const std::string all = outputOf({"--lang", "en", "--all-columns"});
+  EXPECT_THAT(usual, ContainsPattern("lines; [0-9]+ more columns are not shown \\(--all-columns\\)\n"));
+  EXPECT_THAT(outputOf({"--layout", "lines"}), ContainsPattern("行；另有 [0-9]+ 列未显示（--all-columns）\n"));
+  const std::string all = outputOf({"--layout", "lines", "--lang", "en", "--all-columns"});
   EXPECT_THAT(all, testing::HasSubstr("Inventory field 1"));
   EXPECT_EQ(all.find("not shown"), std::string::npos);
   EXPECT_THAT(outputOf({"--format", "csv"}), testing::HasSubstr(",cInvDefine1,")) << "for programs: everything";
+}
+
+TEST_F(ReportCommand, ShowsTheLayoutThatIsAskedFor) {
+  EXPECT_THAT(outputOf({}), testing::HasSubstr("\n按成本项目汇总\n")) << "the first one unless told";
+  EXPECT_THAT(outputOf({"--layout", "TREE"}), testing::HasSubstr("\n分级汇总\n"));
+  EXPECT_THAT(outputOf({"--layout", "lines"}), testing::HasSubstr("\n明细\n"));
+  EXPECT_EQ(report({"--layout", "ledger"}).message, "sfc-item has no layout ledger; it has summary, tree, lines");
+  EXPECT_EQ(report({"--layout", "ledger"}).ends, Ends::failed);
+  EXPECT_EQ(report({"--layout", "list"}).ends, Ends::wrongUsage);
+}
+
+// The receipts of warehouse 07, largest first, as a statement on the rows gives them.
+TEST_F(ReportCommand, ArrangesLinesAsAsked) {
+  const std::vector<std::string> asked = {"--set", "cModal=1", "--layout", "lines", "--format", "csv", "--columns",
+                                          "存货编码,Amount", "--sort", "-金额", "--where", "cState=收入", "--where",
+                                          "仓库编码=07"};
+  std::ostringstream out, notes;
+  runReport({.report = "sfc-item",
+             .account = AccountSource(source()),
+             .settings = {"cModal=1"},
+             .format = ReportFormat::csv,
+             .keep = true},
+            out, notes);
+  const std::string name = std::regex_replace(notes.str(), std::regex("[^]*(QuillonReport\\w+) is kept[^]*"), "$1");
+  const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::existing);
+  std::vector<std::string> expected;
+  {
+    const auto rows = account->query("Select cInvCode, iMoney From " + name +
+                                     " Where iState = 2 And cWhCode = N'07' Order By iMoney Desc");
+    while (rows->next())
+      expected.push_back(tsql::toText(rows->value(0)).value() + "," + tsql::toText(rows->value(1)).value());
+  }
+  account->execute("Drop Table " + name);
+  ASSERT_GT(expected.size(), 5U);
+  std::istringstream written(outputOf(asked));
+  std::vector<std::string> shown;
+  for (std::string line; std::getline(written, line);)
+    shown.push_back(line.substr(0, line.find('\r')));
+  ASSERT_EQ(shown.front(), "cInvCode,iMoney");
+  shown.erase(shown.begin());
+  EXPECT_THAT(shown, testing::UnorderedElementsAreArray(expected));
+  const auto amount = [](const std::string& line) { return std::stod(line.substr(line.find(',') + 1)); };
+  EXPECT_TRUE(std::ranges::is_sorted(shown, std::greater<>(), amount));
+
+  std::vector<std::string> three = asked;
+  three.insert(three.end(), {"--limit", "3"});
+  const std::string cut = outputOf(three);
+  EXPECT_EQ(std::ranges::count(cut, '\n'), 4);
+  EXPECT_EQ(report({"--layout", "lines", "--columns", "存货编号"}).message,
+            "there is no column \"存货编号\"; did you mean 存货编码?");
+}
+
+TEST_F(ReportCommand, PutsLinesUnderSubtotals) {
+  const std::string csv = outputOf({"--set", "cModal=1", "--layout", "lines", "--group-by", "仓库", "--columns",
+                                    "cState,iMoney", "--format", "csv"});
+  EXPECT_THAT(csv, testing::StartsWith("rowKind,level,cWhName,cState,iMoney\r\nline,"));
+  EXPECT_THAT(csv, testing::HasSubstr("\r\nsubtotal,0,线边库 小计,收入,"));
+  EXPECT_THAT(csv, testing::HasSubstr("\r\ntotal,0,期末结存合计,,"));
+}
+
+TEST_F(ReportCommand, WritesCsvForSpreadsheets) {
+  const std::string csv = outputOf({"--format", "csv"});
+  EXPECT_THAT(outputOf({"--format", "csv", "--captions"}),
+              testing::StartsWith("流水号,仓库编码,仓库,存货编码,存货,"));
+  EXPECT_THAT(outputOf({"--format", "csv", "--captions", "--lang", "en"}),
+              testing::StartsWith("Ledger line,Warehouse code,Warehouse,Inventory code,Inventory,"));
+  EXPECT_EQ(outputOf({"--format", "csv", "--bom"}), "\xEF\xBB\xBF" + csv) << "the same but for the mark";
+  EXPECT_THAT(outputOf({"--format", "csv", "--layout", "summary", "--captions"}),
+              testing::StartsWith("rowKind,level,编码,成本项目,期初结存数量,期初结存金额,收入数量,收入金额,"));
+}
+
+TEST_F(ReportCommand, NamesTheCompanyOnPages) {
+  EXPECT_THAT(outputOf({"--format", "html", "--company", "东山机械厂"}), testing::HasSubstr("<dd>东山机械厂</dd>"));
+  EXPECT_THAT(outputOf({"--format", "html"}), testing::HasSubstr("<dd>账套 001</dd>")) << "else its account";
 }
 
 TEST_F(ReportCommand, TakesAFilterFileAndSettingsOverIt) {
@@ -122,7 +198,7 @@ TEST_F(ReportCommand, TakesAFilterFileAndSettingsOverIt) {
 
 TEST_F(ReportCommand, TakesCaptionsForKeysAndNamesForCodes) {
   const std::string byCode = outputOf({"--set", "cModal=1", "--set", "cWhCode=07,01"});
-  EXPECT_THAT(byCode, testing::HasSubstr("报表方式：按成本项目\n仓库：07, 01\n"));
+  EXPECT_THAT(byCode, testing::HasSubstr("报表方式：按成本项目\n仓库：07 线边库, 01 原材料库\n"));
   EXPECT_EQ(outputOf({"--set", "报表方式=按成本项目", "--set", "仓库=线边库,原材料库"}), byCode);
   EXPECT_EQ(outputOf({"--set", "Report mode=by cost item", "--set", "Warehouse=07", "--set", "warehouse=原材料库",
                       "--no-dialog"}),

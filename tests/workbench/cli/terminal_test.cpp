@@ -149,8 +149,7 @@ TEST_F(OnATerminal, LessIsThePagerOfWhoNamesNone) {
   program.waitFor("  5");
   program.waitFor(":\x1b[K");
   EXPECT_THAT(program.shown(), Not(HasSubstr("  6")));
-  program.type("\x03");  // Ctrl-C is the pager's, which asks again
-  program.waitFor("\x1b[K");
+  program.type("\x03");  // Ctrl-C is the pager's, which goes on
   program.type("G");
   program.waitFor("200");
   program.waitFor("(200 rows)");
@@ -187,7 +186,8 @@ TEST_F(ReportOnATerminal, EndsThePagerWhenTheSystemWantsItsEnd) {
 }
 
 TEST_F(ReportOnATerminal, SaysWhichColumnsDoNotFit) {
-  const std::vector<std::string> options = report({"--limit", "3", "--no-pager", "--lang", "en"});
+  const std::vector<std::string> options =
+      report({"--layout", "lines", "--limit", "3", "--no-pager", "--lang", "en"});
   const Shown narrow = shownOn({.columns = 60}, options);
   EXPECT_THAT(narrow.text, HasSubstr("\nLeft out, as the terminal is too narrow: "));
   EXPECT_EQ(narrow.status, 0);

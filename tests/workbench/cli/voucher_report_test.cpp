@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <regex>
 #include <sstream>
 
@@ -39,7 +40,7 @@ class VoucherReport : public testing::Test {
   static AccountSource source() { return AccountSource::inFile(file_->path()); }
 
   static std::string report(std::vector<std::string> settings, ReportFormat format = ReportFormat::table,
-                            bool dialog = true) {
+                            bool dialog = true, std::optional<Layout> layout = {}) {
     std::ostringstream out;
     std::ostringstream notes;
     runReport({.report = "fx-wt",
@@ -47,7 +48,8 @@ class VoucherReport : public testing::Test {
                .settings = std::move(settings),
                .dialog = dialog,
                .format = format,
-               .language = Language::english},
+               .language = Language::english,
+               .layout = {.layout = layout}},
               out, notes);
     EXPECT_EQ(notes.str(), "");
     return out.str();
@@ -146,20 +148,38 @@ TEST_F(VoucherReport, RestrictsTheLookupOfCodesToTheirClass) {
 
 // --- The report -----------------------------------------------------------------------------------------------------
 
-TEST_F(VoucherReport, TotalsOfTheCostItemsAreTheLedgers) {
+// The ledger lines of two voucher types: estimated purchase receipts and sales issues of both kinds.
+constexpr const char* receiptsAndSales =
+    "((base.cVouType = N'01' And base.bFlag = 1) Or base.cVouType In (N'32', N'3201'))";
+
+TEST_F(VoucherReport, TotalsOfDocumentsAreTheLedgers) {
   const std::string text = squeezed(report({"cVouType=011,32"}));
   EXPECT_THAT(text, StartsWith("Cost-item voucher report\n"
                                "Voucher type: Purchase receipt (estimated), Sales issue\n"
                                "\n"
-                               "By cost item\n"
-                               "Code|Cost item|Receipt quantity|Receipt amount|Issue quantity|Issue amount\n"));
-  const std::string chosen =
-      " From ia_subsidiary_Item item Inner Join ia_subsidiary base On item.iSubID = base.AutoID Where "
-      "(base.cVouType = N'01' And base.bFlag = 1) Or base.cVouType In (N'32', N'3201')";
+                               "Documents\n"));
+  const std::string chosen = std::string(" From ia_subsidiary base Where ") + receiptsAndSales;
+  const std::string documents = ledger("Select Count(*) From (Select Distinct base.cVouType, base.cVouCode" + chosen +
+                                       ") documents");
+  const std::string lines = ledger("Select Count(*)" + chosen);
+  std::string totals = "\nTotal (" + groupedNumber(documents, 0) + " documents, " + groupedNumber(lines, 0) + " lines)";
+  for (const char* figure : {"iAInQuantity", "iAInPrice", "iAOutQuantity", "iAOutPrice"})
+    totals += "|" + groupedNumber(ledger("Select Sum(" + std::string(figure) + ")" + chosen), 2);
+  EXPECT_THAT(text, HasSubstr(totals + "\n"));
+  EXPECT_THAT(text, HasSubstr("\n" + groupedNumber(lines, 0) + " lines; "));
+}
+
+TEST_F(VoucherReport, TotalsOfLinesAreThoseOfTheCostItems) {
+  const std::string chosen = std::string(
+                                 " From ia_subsidiary_Item item Inner Join ia_subsidiary base On item.iSubID = "
+                                 "base.AutoID Where ") +
+                             receiptsAndSales;
   std::string totals = "\nTotal";
   for (const char* figure : {"iItemInQuantity", "iItemInPrice", "iItemOutQuantity", "iItemOutPrice"})
     totals += "|" + groupedNumber(ledger("Select Sum(item." + std::string(figure) + ")" + chosen), 2);
-  EXPECT_THAT(text, HasSubstr(totals + "\n"));
+  EXPECT_THAT(squeezed(report({"cVouType=011,32"}, ReportFormat::table, true, Layout::lines)),
+              HasSubstr(totals + "\n"))
+      << "a line's own figures stand on each of its parts, so these are not summed";
 }
 
 TEST_F(VoucherReport, JsonHasEveryColumnWithItsCaption) {
