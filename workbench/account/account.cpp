@@ -5,6 +5,8 @@
 
 #include "workbench/account/partial_file.h"
 #include "workbench/account/schema.h"
+#include "workbench/messages/account.h"
+#include "workbench/messages/common.h"
 #include "workbench/tsql/values/text.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -51,7 +53,7 @@ void createSample(const std::filesystem::path& file, const SampleOptions& option
     createIndexes(*connection);
     connection->commit();
   } catch (const tsql::SqlError& error) {
-    throw AccountError("cannot write " + utf8FromPath(file) + ": " + error.message());
+    throw AccountError(messages::cannotWriteBecause(utf8FromPath(file), error.message()));
   }
   removeOrphanedJournals(file);
   partial.complete();
@@ -60,8 +62,7 @@ void createSample(const std::filesystem::path& file, const SampleOptions& option
 void requireAccount(tsql::Database& connection) {
   for (const TableDefinition& table : tables()) {
     if (connection.describe(table.name).empty()) {
-      throw AccountError("this is no account: the table " + std::string(table.name) +
-                         " is missing; make one with: quillon account new FILE");
+      throw AccountError(messages::missingTable(table.name));
     }
   }
 }

@@ -3,12 +3,17 @@
 
 #include <stdexcept>
 
+#include "workbench/messages/told_error.h"
+
 namespace quillon::account {
 
+using workbench::Message;
+namespace messages = workbench::messages;
+
 // What is wrong and what to do about it, in one line for the user.
-class AccountError : public std::runtime_error {
+class AccountError : public workbench::Told<std::runtime_error> {
  public:
-  using std::runtime_error::runtime_error;
+  using Told::Told;
 };
 
 }  // namespace quillon::account

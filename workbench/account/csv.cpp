@@ -1,8 +1,12 @@
 #include "workbench/account/csv.h"
 
+#include "workbench/messages/account.h"
+
 namespace quillon::account {
 
 namespace {
+
+namespace messages = workbench::messages;
 
 constexpr std::size_t blockSize = 65'536;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
@@ -42,7 +46,7 @@ CsvField& CsvReader::beginField() {
   return field;
 }
 
-void CsvReader::refuse(std::int64_t line, const std::string& message) const {
+void CsvReader::refuse(std::int64_t line, const workbench::Message& message) const {
   throw CsvError(line, count_ - 1, message);
 }
 
@@ -63,8 +67,7 @@ bool CsvReader::plainField() {
   for (;;) {
     const std::optional<char> character = take();
     if (!character || *character == ',' || *character == '\n' || *character == '\r') return endOfField(character);
-    if (*character == '"')
-      refuse(field.line, "a quote within a value; put the value in quotes and double the quotes within it");
+    if (*character == '"') refuse(field.line, messages::csvQuoteWithin());
     field.text += *character;
   }
 }
@@ -75,7 +78,7 @@ bool CsvReader::quotedField() {
   take();
   for (;;) {
     const std::optional<char> character = take();
-    if (!character) refuse(field.line, "the quote that opens this value is not closed; close it");
+    if (!character) refuse(field.line, messages::csvQuoteOpen());
     if (*character != '"') {
       field.text += *character;
     } else if (peek() == '"') {
@@ -96,10 +99,9 @@ bool CsvReader::endOfField(std::optional<char> mark) {
       take();
       return false;
     }
-    refuse(field.line,
-           "a carriage return without a line feed; end lines with both, and put a value that holds one in quotes");
+    refuse(field.line, messages::csvCarriageReturn());
   }
-  refuse(field.line, "text behind the closing quote; double the quotes within a value");
+  refuse(field.line, messages::csvTextBehindQuote());
 }
 
 void appendCsvText(std::string& line, std::string_view text, EmptyText empty) {

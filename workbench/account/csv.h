@@ -13,13 +13,15 @@
 #include <string_view>
 #include <vector>
 
+#include "workbench/messages/told_error.h"
+
 namespace quillon::account {
 
 // What is wrong in a CSV file, and where: `line` counts from 1, `field` counts the values of the record from 0.
-class CsvError : public std::runtime_error {
+class CsvError : public workbench::Told<std::runtime_error> {
  public:
-  CsvError(std::int64_t line, std::size_t field, const std::string& message)
-      : std::runtime_error(message), line_(line), field_(field) {}
+  CsvError(std::int64_t line, std::size_t field, const workbench::Message& message)
+      : Told(message), line_(line), field_(field) {}
   std::int64_t line() const noexcept { return line_; }
   std::size_t field() const noexcept { return field_; }
 
@@ -56,7 +58,7 @@ class CsvReader {
   bool plainField();
   bool quotedField();
   bool endOfField(std::optional<char> mark);
-  [[noreturn]] void refuse(std::int64_t line, const std::string& message) const;
+  [[noreturn]] void refuse(std::int64_t line, const workbench::Message& message) const;
 
   std::istream& in_;
   std::string buffer_;

@@ -7,11 +7,14 @@
 
 #include "frame/text.h"
 #include "workbench/account/schema.h"
+#include "workbench/messages/account.h"
 #include "workbench/tsql/engine/stored_schema.h"
 
 namespace quillon::account {
 
 namespace {
+
+namespace messages = workbench::messages;
 
 using Row = std::vector<tsql::Value>;
 using Kind = RowDifference::Kind;
@@ -198,22 +201,21 @@ class TableReader {
 
 // The columns that both have; what differs goes to `structure`.
 std::vector<std::string> sharedColumns(const std::vector<tsql::Column>& first, const std::vector<tsql::Column>& second,
-                                       std::vector<std::string>& structure) {
+                                       std::vector<workbench::Message>& structure) {
   std::vector<std::string> shared;
   for (const tsql::Column& column : first) {
     const tsql::Column* const other = find(second, column.name);
     if (other == nullptr) {
-      structure.push_back("the second account has no column " + column.name);
+      structure.push_back(messages::secondLacksColumn(column.name));
       continue;
     }
     shared.push_back(column.name);
     if (column.type != other->type) {
-      structure.push_back("column " + column.name + " is " + column.type.name() + " in the first account and " +
-                          other->type.name() + " in the second");
+      structure.push_back(messages::otherType(column.name, column.type.name(), other->type.name()));
     }
   }
   for (const tsql::Column& column : second) {
-    if (find(first, column.name) == nullptr) structure.push_back("the first account has no column " + column.name);
+    if (find(first, column.name) == nullptr) structure.push_back(messages::firstLacksColumn(column.name));
   }
   return shared;
 }
@@ -235,8 +237,7 @@ std::vector<TableComparison> compareAccounts(tsql::Database& first, tsql::Databa
     TableComparison& comparison = comparisons.emplace_back();
     comparison.table = name;
     if (firstColumns.empty() || secondColumns.empty()) {
-      comparison.structure.push_back(firstColumns.empty() ? "the first account has no such table"
-                                                          : "the second account has no such table");
+      comparison.structure.push_back(firstColumns.empty() ? messages::firstLacksTable() : messages::secondLacksTable());
       continue;
     }
     const std::vector<std::string> columns = sharedColumns(firstColumns, secondColumns, comparison.structure);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/messages/message.h"
 #include "workbench/tsql/values/database.h"
 
 namespace quillon::account {
@@ -28,9 +29,9 @@ struct RowDifference {
 };
 
 struct TableComparison {
-  std::string table;                   // "Inventory", "orvsystem..UA_Period"
-  std::vector<std::string> structure;  // what differs in the declarations, a sentence each
-  std::int64_t rows = 0;               // of the first account
+  std::string table;                          // "Inventory", "orvsystem..UA_Period"
+  std::vector<workbench::Message> structure;  // what differs in the declarations, a sentence each
+  std::int64_t rows = 0;                      // of the first account
   std::int64_t onlyInFirst = 0;
   std::int64_t onlyInSecond = 0;
   std::int64_t changed = 0;

@@ -9,6 +9,8 @@
 #include "workbench/account/table_csv.h"
 #include "workbench/account/transfer.h"
 #include "workbench/account/transfer_files.h"
+#include "workbench/messages/account.h"
+#include "workbench/messages/common.h"
 #include "workbench/tsql/engine/stored_schema.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -26,9 +28,9 @@ class NewFolder {
     made_ = std::filesystem::create_directories(folder_, error);
     if (!error) clearUnfinished();
     if (!error && !std::filesystem::is_empty(folder_, error) && !error) {
-      throw AccountError(utf8FromPath(folder_) + " holds files already; choose another folder or empty it first");
+      throw AccountError(messages::folderHoldsFiles(utf8FromPath(folder_)));
     }
-    if (error) throw AccountError("cannot write to the folder " + utf8FromPath(folder_) + ": " + error.message());
+    if (error) throw AccountError(messages::cannotWriteFolder(utf8FromPath(folder_), error.message()));
   }
   NewFolder(const NewFolder&) = delete;
   NewFolder& operator=(const NewFolder&) = delete;
@@ -49,7 +51,7 @@ class NewFolder {
   void complete(std::string_view name) {
     std::error_code error;
     std::filesystem::rename(files_.front(), inFolder(name), error);
-    if (error) throw AccountError("cannot write " + utf8FromPath(inFolder(name)) + ": " + error.message());
+    if (error) throw AccountError(messages::cannotWriteBecause(utf8FromPath(inFolder(name)), error.message()));
     complete_ = true;
   }
 
@@ -76,7 +78,7 @@ void writeFile(const std::filesystem::path& path, Writing writing) {
   if (file) writing(file);
   file.close();
   if (!file) {
-    throw AccountError("cannot write " + utf8FromPath(path) + "; check the folder, its permissions and its free space");
+    throw AccountError(messages::cannotWrite(utf8FromPath(path)));
   }
 }
 

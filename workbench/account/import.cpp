@@ -11,6 +11,8 @@
 #include "workbench/account/table_csv.h"
 #include "workbench/account/transfer.h"
 #include "workbench/account/transfer_files.h"
+#include "workbench/messages/account.h"
+#include "workbench/messages/common.h"
 #include "workbench/tsql/engine/stored_schema.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -25,15 +27,13 @@ std::filesystem::path inFolder(const std::filesystem::path& folder, std::string_
 void requireFolder(const std::filesystem::path& folder) {
   std::error_code error;
   if (!std::filesystem::is_directory(folder, error)) {
-    throw AccountError("cannot read " + utf8FromPath(folder) +
-                       ": there is no such folder; name one that quillon account export wrote");
+    throw AccountError(messages::noExportFolder(utf8FromPath(folder)));
   }
 }
 
 std::ifstream openToRead(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file)
-    throw AccountError("cannot read " + utf8FromPath(path) + "; the folder must have it, and it must be readable");
+  if (!file) throw AccountError(messages::cannotReadOfFolder(utf8FromPath(path)));
   return file;
 }
 
@@ -67,8 +67,7 @@ class SchemaScript {
 
   void run(const tsql::ScriptStatement& statement) {
     if (statement.kind == Kind::other) {
-      refuse(statement.line, statement.token,
-             "only Create Table, Index, View and Function stand here; take this statement out");
+      refuse(statement.line, statement.token, messages::otherStatement());
     }
     located(statement.line, [&] { connection_.execute(statement.text); });
   }
@@ -79,19 +78,18 @@ class SchemaScript {
     try {
       action();
     } catch (const tsql::SqlError& error) {
-      refuse(firstLine + std::max(error.line(), 1) - 1, error.token(), error.message() + " Correct the statement");
+      refuse(firstLine + std::max(error.line(), 1) - 1, error.token(), messages::correctStatement(error.message()));
     }
   }
 
   // `token` tells the column when the line has it.
-  [[noreturn]] void refuse(int line, std::string_view token, const std::string& message) const {
+  [[noreturn]] void refuse(int line, std::string_view token, const Message& message) const {
     std::string_view rest = text_;
     for (int i = 1; i < line; ++i)
       rest.remove_prefix(std::min(rest.find('\n') + 1, rest.size()));
     const std::size_t column = placeOf(token, rest.substr(0, rest.find('\n')));
-    std::string place = ", line " + std::to_string(line);
-    if (column != std::string_view::npos) place += ", column " + std::to_string(column + 1);
-    throw AccountError(utf8FromPath(path_) + place + ": " + message);
+    if (column == std::string_view::npos) throw AccountError(messages::atLine(utf8FromPath(path_), line, message));
+    throw AccountError(messages::atColumn(utf8FromPath(path_), line, column + 1, message));
   }
 
   // Where `token` stands in the line and is not a part of a word.
@@ -122,8 +120,7 @@ class SchemaScript {
 void requireAccountTables(tsql::Connection& connection, const std::filesystem::path& schemaFile) {
   for (const TableDefinition& table : tables()) {
     if (connection.describe(table.name).empty()) {
-      throw AccountError(utf8FromPath(schemaFile) + " makes no account: the table " + std::string(table.name) +
-                         " is missing; add its Create Table");
+      throw AccountError(messages::schemaLacksTable(utf8FromPath(schemaFile), table.name));
     }
   }
 }
@@ -135,8 +132,7 @@ void requireTableForEachFile(const tsql::StoredSchema& schema, const std::filesy
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
     const std::string name = utf8FromPath(entry.path().filename());
     if (name.ends_with(".csv") && !known.contains(name)) {
-      throw AccountError(utf8FromPath(entry.path()) +
-                         " belongs to no table of schema.sql; add the table there or take the file away");
+      throw AccountError(messages::fileOfNoTable(utf8FromPath(entry.path())));
     }
   }
 }
@@ -166,7 +162,7 @@ TransferCounts importAccount(const std::filesystem::path& file, const std::files
     script.afterRows();
     connection->commit();
   } catch (const tsql::SqlError& error) {
-    throw AccountError("cannot write " + utf8FromPath(file) + ": " + error.message());
+    throw AccountError(messages::cannotWriteBecause(utf8FromPath(file), error.message()));
   }
   removeOrphanedJournals(file);
   partial.complete();

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "workbench/account/account.h"
+#include "workbench/messages/account.h"
 
 namespace quillon::account {
 namespace {
@@ -85,7 +86,7 @@ JoinKey oneCostCentreAnIssue() {
           .columns = "work centre or department",
           .statement = doublyMapped,
           .describe = [](const tsql::Cursor& row) {
-            return "work centre " + textOf(row, 0) + " and department " + textOf(row, 1) + " of the same issues";
+            return workbench::messages::workCentreAndDepartment(textOf(row, 0), textOf(row, 1));
           }};
 }
 
@@ -94,7 +95,7 @@ JoinKey oneClassAGrade() {
           .columns = "class above",
           .statement = ambiguousClasses,
           .describe = [](const tsql::Cursor& row) {
-            return "classes of grade " + textOf(row, 1) + " at the beginning of cFxCCode = " + textOf(row, 0);
+            return workbench::messages::classesOfGrade(textOf(row, 1), textOf(row, 0));
           }};
 }
 
@@ -105,7 +106,8 @@ std::vector<BrokenKey> brokenKeys(tsql::Database& connection, std::span<const Re
     const auto rows = connection.query(key.statement.empty() ? duplicatesOf(key) : std::string(key.statement));
     const std::size_t count = rows->columns().size() - 1;
     while (rows->next()) {
-      std::string text = key.describe == nullptr ? keyText(*rows) : key.describe(*rows);
+      workbench::Message text =
+          key.describe == nullptr ? workbench::Message::verbatim(keyText(*rows)) : key.describe(*rows);
       if (text.empty()) continue;
       broken.push_back({std::string(key.table), std::move(text), std::get<std::int64_t>(rows->value(count)), names});
     }

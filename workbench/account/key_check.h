@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "workbench/messages/message.h"
 #include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
@@ -21,7 +22,7 @@ struct JoinKey {
   // For a key that columns of one table cannot tell: a statement that gives what is ambiguous, a row each, with the
   // number of rows found as its last column, and the words for such a row. Then `columns` only names the key.
   std::string_view statement = {};
-  std::string (*describe)(const tsql::Cursor& row) = nullptr;
+  workbench::Message (*describe)(const tsql::Cursor& row) = nullptr;
 
   bool operator==(const JoinKey&) const = default;
 };
@@ -41,9 +42,9 @@ struct ReportKeys {
 // Rows that share a key which should be one row's.
 struct BrokenKey {
   std::string table;
-  std::string key;        // which key, and its value: "cWhCode = 01", "iYear = 2024, cCode = 6602"
-  std::int64_t rows = 0;  // how many rows a ledger line finds instead of one
-  std::string reports;    // the reports that so show lines more than once: "outsum-item, fx-wt"
+  workbench::Message key;  // which key, and its value: "cWhCode = 01", "iYear = 2024, cCode = 6602"
+  std::int64_t rows = 0;   // how many rows a ledger line finds instead of one
+  std::string reports;     // the reports that so show lines more than once: "outsum-item, fx-wt"
 };
 
 // What `reports` find broken, by key in the order in which they join, then by the key's value. Throws AccountError when

@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "workbench/account/account_error.h"
+#include "workbench/messages/account.h"
+#include "workbench/messages/common.h"
 #include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -21,11 +23,11 @@ void removeJournals(const std::filesystem::path& file) noexcept {
 }
 
 [[noreturn]] void refuse(const std::filesystem::path& file) {
-  throw AccountError(utf8FromPath(file) + " exists already; choose another name or delete the file first");
+  throw AccountError(messages::existsAlready(utf8FromPath(file)));
 }
 
 [[noreturn]] void fail(const std::filesystem::path& file, const std::error_code& error) {
-  throw AccountError("cannot write " + utf8FromPath(file) + ": " + error.message());
+  throw AccountError(messages::cannotWriteBecause(utf8FromPath(file), error.message()));
 }
 
 HeldFile partOfNew(const std::filesystem::path& file) {

@@ -12,6 +12,7 @@
 #include "workbench/account/sample_random.h"
 #include "workbench/account/sample_stock.h"
 #include "workbench/account/table_writer.h"
+#include "workbench/messages/account.h"
 
 namespace quillon::account {
 namespace {
@@ -653,26 +654,23 @@ class Generator {
   std::int64_t nextReport_ = 0;
 };
 
-void check(bool condition, const std::string& message) {
+void check(bool condition, const Message& message) {
   if (!condition) throw AccountError(message);
 }
 
 }  // namespace
 
 void checkOptions(const SampleOptions& options) {
-  check(options.years >= 1 && options.years <= maximumSampleYears, "a sample account has 1 to " +
-                                                                       std::to_string(maximumSampleYears) +
-                                                                       " years, not " + std::to_string(options.years));
+  check(options.years >= 1 && options.years <= maximumSampleYears,
+        messages::sampleYears(maximumSampleYears, options.years));
   const std::int64_t fewest = minimumSampleRowsAYear * options.years;
   constexpr std::int64_t most = 1'000'000'000;
   check(options.rows >= fewest && options.rows <= most,
-        "a sample account of " + std::to_string(options.years) + " years has " + std::to_string(fewest) + " to " +
-            std::to_string(most) + " ledger lines, not " + std::to_string(options.rows));
+        messages::sampleRows(options.years, fewest, most, options.rows));
   check(options.costItemStartMonth >= 1 && options.costItemStartMonth <= monthsInYear,
-        "cost items start in month 1 to 12, not " + std::to_string(options.costItemStartMonth));
+        messages::sampleCostItemMonth(options.costItemStartMonth));
   check(options.startMonth >= 1 && options.startMonth <= options.costItemStartMonth,
-        "inventory accounting starts in month 1 to " + std::to_string(options.costItemStartMonth) +
-            ", the month in which the cost items start, not " + std::to_string(options.startMonth));
+        messages::sampleStartMonth(options.costItemStartMonth, options.startMonth));
 }
 
 void writeSample(tsql::Connection& connection, const SampleOptions& options, const Progress& progress) {

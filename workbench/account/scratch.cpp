@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "workbench/account/account_error.h"
+#include "workbench/messages/account.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::account {
@@ -85,15 +86,14 @@ HeldFile lockIn(const fs::path& temporary) {
   return {stem, lockSuffix};
 }
 
-[[noreturn]] void fail(const std::string& folder) {
-  throw AccountError("cannot make a folder for this run's tables in " + folder +
-                     "; check that folder, or name another one in " + folderVariable);
+[[noreturn]] void fail(const workbench::Filling& folder) {
+  throw AccountError(messages::noScratchFolder(folder, folderVariable));
 }
 
 HeldFile makeLock() {
   std::error_code error;
   const fs::path temporary = fs::temp_directory_path(error);
-  if (error) fail("the folder for temporary files");
+  if (error) fail(messages::temporaryFolder());
   try {
     return lockIn(temporary);
   } catch (const std::system_error&) {

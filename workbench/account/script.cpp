@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "workbench/account/table_rows.h"
+#include "workbench/messages/account.h"
 #include "workbench/tsql/values/datetime.h"
 #include "workbench/tsql/values/text.h"
 
@@ -186,8 +187,7 @@ TransferCounts writeScript(tsql::Connection& connection, std::ostream& out) {
   const tsql::StoredSchema schema = storedSchema(connection);
   for (const tsql::StoredCode& code : schema.code) {
     if (!code.database.empty()) {
-      throw AccountError("a script cannot make " + tsql::writtenName(code.database, code.name) +
-                         ": a server makes a view or function from within its database only; drop it first");
+      throw AccountError(messages::scriptCannotMake(tsql::writtenName(code.database, code.name)));
     }
   }
   TransferCounts counts;

@@ -10,6 +10,8 @@
 #include "workbench/account/csv.h"
 #include "workbench/account/table_rows.h"
 #include "workbench/account/text_values.h"
+#include "workbench/messages/account.h"
+#include "workbench/messages/common.h"
 
 namespace quillon::account {
 
@@ -26,40 +28,37 @@ class TableReader {
       readHeader();
       return readRows(connection);
     } catch (const CsvError& error) {
-      refuse(error.line(), error.field(), error.what());
+      refuse(error.line(), error.field(), error.message());
     }
   }
 
  private:
-  [[noreturn]] void refuse(std::int64_t line, std::size_t field, const std::string& message) const {
-    std::string place = ", line " + std::to_string(line) + ", column " + std::to_string(field + 1);
-    if (field < columns_.size()) place += " (" + columns_[field]->name + ")";
-    throw AccountError(fileName_ + place + ": " + message);
+  [[noreturn]] void refuse(std::int64_t line, std::size_t field, const Message& message) const {
+    if (field >= columns_.size()) throw AccountError(messages::atColumn(fileName_, line, field + 1, message));
+    throw AccountError(messages::atNamedColumn(fileName_, line, field + 1, columns_[field]->name, message));
   }
 
   void readHeader() {
-    if (!reader_.next()) refuse(1, 0, "the file is empty; begin it with the names of the table's columns");
+    if (!reader_.next()) refuse(1, 0, messages::emptyCsvFile());
     std::vector<const tsql::TableColumn*> columns;
     for (const CsvField& field : reader_.fields()) {
       try {
         requireUtf8(field.text);
       } catch (const ValueError& error) {
-        refuse(field.line, columns.size(), error.what());
+        refuse(field.line, columns.size(), error.message());
       }
       const int place = table_.find(field.text);
       if (place < 0) {
-        refuse(
-            field.line, columns.size(),
-            "the table has no column " + quotedForMessage(field.text) + "; correct the name, or add it in schema.sql");
+        refuse(field.line, columns.size(), messages::csvUnknownColumn(quotedForMessage(field.text)));
       }
       const tsql::TableColumn* const column = &table_.columns[static_cast<std::size_t>(place)];
       if (std::ranges::find(columns, column) != columns.end())
-        refuse(field.line, columns.size(), "the column " + column->name + " stands here twice; leave one");
+        refuse(field.line, columns.size(), messages::csvColumnTwice(column->name));
       columns.push_back(column);
     }
     for (const tsql::TableColumn& column : table_.columns) {
       if (std::ranges::find(columns, &column) == columns.end())
-        refuse(1, columns.size(), "the column " + column.name + " is missing; add it, empty where it has no value");
+        refuse(1, columns.size(), messages::csvColumnMissing(column.name));
     }
     columns_ = std::move(columns);
   }
@@ -84,12 +83,10 @@ class TableReader {
     const std::span<const CsvField> fields = reader_.fields();
     const std::string wanted = std::to_string(columns_.size());
     if (fields.size() < columns_.size()) {
-      refuse(fields.back().line, fields.size(),
-             "the line ends before this column; give it " + wanted + " values, empty ones for NULL");
+      refuse(fields.back().line, fields.size(), messages::csvLineTooShort(wanted));
     }
     if (fields.size() > columns_.size()) {
-      refuse(fields[columns_.size()].line, columns_.size(),
-             "the line goes on behind its " + wanted + " values; put a value that holds a comma in quotes");
+      refuse(fields[columns_.size()].line, columns_.size(), messages::csvLineTooLong(wanted));
     }
   }
 
@@ -97,14 +94,13 @@ class TableReader {
     const CsvField& field = reader_.fields()[place];
     const tsql::TableColumn& column = *columns_[place];
     if (field.text.empty() && !field.quoted) {
-      if (column.notNull)
-        refuse(field.line, place, "the column must have a value; write one, or \"\" for an empty text");
+      if (column.notNull) refuse(field.line, place, messages::csvValueNeeded());
       return {};
     }
     try {
       return valueFromText(field.text, column);
     } catch (const ValueError& error) {
-      refuse(field.line, place, error.what());
+      refuse(field.line, place, error.message());
     }
   }
 
@@ -140,7 +136,7 @@ class TableReader {
       if (!first) first = place;
       shown += (shown.empty() ? "" : ", ") + name + " = " + quotedForMessage(reader_.fields()[place].text);
     }
-    refuse(reader_.fields()[*first].line, *first, "another row has the key " + shown + " already; leave one of them");
+    refuse(reader_.fields()[*first].line, *first, messages::csvKeyTwice(shown));
   }
 
   const std::string& fileName_;

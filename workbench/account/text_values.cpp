@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "frame/text.h"
+#include "workbench/messages/account.h"
 #include "workbench/tsql/values/datetime.h"
 #include "workbench/tsql/values/exact.h"
 #include "workbench/tsql/values/text.h"
@@ -14,16 +15,18 @@ namespace quillon::account {
 
 namespace {
 
+using workbench::Message;
+namespace messages = workbench::messages;
+
 using tsql::Kind;
 
-[[noreturn]] void refuse(std::string_view text, const tsql::TableColumn& column, const std::string& form) {
-  throw ValueError(quotedForMessage(text) + " is no " + tsql::declaration(column.type) + "; " +
-                   (text.empty() ? "leave the quotes out when there is no value" : form));
+[[noreturn]] void refuse(std::string_view text, const tsql::TableColumn& column, const Message& form) {
+  throw ValueError(messages::valueOfOtherType(quotedForMessage(text), tsql::declaration(column.type),
+                                              text.empty() ? messages::leaveQuotesOut() : form));
 }
 
 [[noreturn]] void refuseRange(std::string_view text, const tsql::TableColumn& column) {
-  throw ValueError(quotedForMessage(text) + " is out of the range of " + tsql::declaration(column.type) +
-                   "; correct the number");
+  throw ValueError(messages::valueOutOfRange(quotedForMessage(text), tsql::declaration(column.type)));
 }
 
 tsql::Value wholeNumber(std::string_view text, const tsql::TableColumn& column) {
@@ -32,7 +35,7 @@ tsql::Value wholeNumber(std::string_view text, const tsql::TableColumn& column) 
   if (outOfRange) refuseRange(text, column);
   const bool bit = column.type.kind == Kind::bit;
   if (!number || (bit && *number != 0 && *number != 1)) {
-    refuse(text, column, bit ? "write 0 or 1" : "write digits only, with a minus in front of a negative number");
+    refuse(text, column, bit ? messages::writeBit() : messages::writeWholeNumber());
   }
   if (column.type.kind == Kind::integer && !tsql::fits(tsql::Int128(*number), column.type)) refuseRange(text, column);
   return *number;
@@ -42,14 +45,13 @@ tsql::Value exactNumber(std::string_view text, const tsql::TableColumn& column) 
   bool tooLarge = false;
   const std::optional<tsql::Exact> number = tsql::parseExact(text, &tooLarge);
   if (tooLarge) refuseRange(text, column);
-  if (!number) refuse(text, column, "write digits with a point before the decimals and nothing between the thousands");
+  if (!number) refuse(text, column, messages::writeDecimal());
   const int scale = tsql::scaleOf(column.type);
   const auto units = tsql::rescale(number->units, number->scale, scale, tsql::Rounding::cut);
   if (!units || !tsql::fits(*units, column.type)) refuseRange(text, column);
   const tsql::Exact value{*units, scale};
   if (tsql::compare(value, *number) != 0) {
-    throw ValueError(quotedForMessage(text) + " has more decimals than " + tsql::declaration(column.type) +
-                     "; round it to " + std::to_string(scale));
+    throw ValueError(messages::tooManyDecimals(quotedForMessage(text), tsql::declaration(column.type), scale));
   }
   return value;
 }
@@ -59,8 +61,7 @@ tsql::Value realNumber(std::string_view text, const tsql::TableColumn& column) {
   const char* const end = text.data() + text.size();
   const auto [stopped, error] = std::from_chars(text.data(), end, number);
   if (error == std::errc::result_out_of_range && stopped == end) refuseRange(text, column);
-  if (error != std::errc() || stopped != end || !std::isfinite(number))
-    refuse(text, column, "write digits with a point before the decimals, or 1.5e-10");
+  if (error != std::errc() || stopped != end || !std::isfinite(number)) refuse(text, column, messages::writeFloat());
   return number;
 }
 
@@ -70,16 +71,13 @@ tsql::Value dateTime(std::string_view text, const tsql::TableColumn& column) {
   const bool yearFirst = text.size() >= shortestDate && std::all_of(text.begin(), text.begin() + yearDigits, isDigit);
   const tsql::DateTextResult read = yearFirst ? tsql::parseDateTime(text) : tsql::DateTextResult();
   if (read.value) return *read.value;
-  if (read.error == tsql::DateTextError::outOfRange)
-    throw ValueError(quotedForMessage(text) + " is no day between 1753-01-01 and 9999-12-31; correct the date");
-  refuse(text, column, "write it as 2024-03-05 or 2024-03-05 13:14:15.457");
+  if (read.error == tsql::DateTextError::outOfRange) throw ValueError(messages::dayOutOfRange(quotedForMessage(text)));
+  refuse(text, column, messages::writeDate());
 }
 
 tsql::Value plainText(std::string_view text, const tsql::TableColumn& column) {
   if (tsql::text::widerThan(text, column.type.width)) {
-    throw ValueError("the text has " + std::to_string(tsql::text::width(text)) + " characters and " +
-                     tsql::declaration(column.type) + " takes " + std::to_string(column.type.width) +
-                     "; shorten it or widen the column in schema.sql");
+    throw ValueError(messages::textTooLong(tsql::text::width(text), tsql::declaration(column.type), column.type.width));
   }
   return std::string(text);
 }
@@ -99,8 +97,7 @@ std::string quotedForMessage(std::string_view text) {
 
 void requireUtf8(std::string_view text) {
   for (std::size_t position = 0; position < text.size();) {
-    if (tsql::text::next(text, position) > tsql::text::lastCharacter)
-      throw ValueError("the text is not UTF-8; save the file in that encoding");
+    if (tsql::text::next(text, position) > tsql::text::lastCharacter) throw ValueError(messages::textNotUtf8());
   }
 }
 

@@ -5,14 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "workbench/messages/told_error.h"
 #include "workbench/tsql/values/declared_table.h"
 
 namespace quillon::account {
 
 // What is wrong with a value and what to do, without the place.
-class ValueError : public std::runtime_error {
+class ValueError : public workbench::Told<std::runtime_error> {
  public:
-  using std::runtime_error::runtime_error;
+  using Told::Told;
 };
 
 // `text` as one line for a message: control characters are blanks, a long text is cut.

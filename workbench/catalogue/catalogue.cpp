@@ -8,7 +8,9 @@
 #include "workbench/catalogue/fx_wt.h"
 #include "workbench/catalogue/outsum_item.h"
 #include "workbench/catalogue/sfc_item.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/nearest_name.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 
@@ -25,8 +27,8 @@ const Report& reportNamed(std::string_view name) {
   for (const Report& report : reports())
     names.push_back(report.registration.name);
   const auto nearest = nearestName(name, names);
-  throw std::invalid_argument("there is no report \"" + std::string(name) + "\"; " +
-                              (nearest ? "did you mean " + *nearest + "? " : "") + "the reports are: " + reportNames());
+  throw InputError(nearest ? messages::noSuchReportNear(name, *nearest, listOf(names))
+                           : messages::noSuchReport(name, listOf(names)));
 }
 
 std::string reportNames() {

@@ -16,8 +16,12 @@
 #include "workbench/cli/account_transfer_command.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/screen_options.h"
 #include "workbench/cli/standard_streams.h"
+#include "workbench/messages/account.h"
+#include "workbench/messages/program.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_table.h"
 #include "workbench/presentation/value_output.h"
@@ -32,105 +36,126 @@ std::string month(int number) {
   return number == 0 ? "-" : std::to_string(number);
 }
 
-void makeSample(const std::string& file, const account::SampleOptions& options) {
+void makeSample(const std::string& file, const account::SampleOptions& options, Language language) {
   const bool terminal = errorsGoToTerminal();
-  account::createSample(pathFromUtf8(file), options, [terminal](std::int64_t done, std::int64_t total) {
+  account::createSample(pathFromUtf8(file), options, [terminal, language](std::int64_t done, std::int64_t total) {
     if (terminal)
-      std::cerr << "\r\x1b[K" << groupedCount(done) << " of " << groupedCount(total) << " ledger lines" << std::flush;
+      std::cerr << "\r\x1b[K" << messages::sampleProgress(groupedCount(done), groupedCount(total)).in(language)
+                << std::flush;
   });
   if (terminal) std::cerr << "\r\x1b[K";
-  std::cout << "made " << file << " with " << groupedCount(options.rows) << " ledger lines\n";
+  std::cout << messages::sampleMade(file, groupedCount(options.rows)).in(language) << '\n';
 }
 
-// ", made 3 hours ago"; empty when nobody knows.
-std::string ageText(const account::LeftoverTable& table) {
-  if (!table.minutes) return {};
+Message ageText(std::int64_t minutes) {
   constexpr std::int64_t hour = 60, day = 24 * hour;
-  const auto counted = [](std::int64_t count, const char* unit) {
-    return ", made " + std::to_string(count) + ' ' + unit + (count == 1 ? "" : "s") + " ago";
-  };
-  if (*table.minutes >= day) return counted(*table.minutes / day, "day");
-  if (*table.minutes >= hour) return counted(*table.minutes / hour, "hour");
-  return counted(*table.minutes, "minute");
+  if (minutes >= day) return minutes / day == 1 ? messages::oneDay() : messages::days(minutes / day);
+  if (minutes >= hour) return minutes / hour == 1 ? messages::oneHour() : messages::hours(minutes / hour);
+  return minutes == 1 ? messages::oneMinute() : messages::minutes(minutes);
 }
 
-void showInfo(const AccountSource& source) {
-  const auto connection = source.open(tsql::OpenMode::readOnly);
-  const account::AccountInfo info = account::info(*connection);
-  std::cout << "account " << info.accountCode << ", inventory accounting since " << info.startDate
-            << ", valuation method " << info.valuationMethod << ", current year " << info.currentYear << "\n\n";
-  TextTable years(std::cout, {{"year", Align::right},
-                              {"cost items from month", Align::right},
-                              {"settled months", Align::right},
-                              {"ledger lines", Align::right}});
+// "QuillonX, made 3 hours ago"; the name alone when nobody knows.
+Message described(const account::LeftoverTable& table) {
+  return table.minutes ? messages::tableOfAge(table.name, ageText(*table.minutes)) : Message::verbatim(table.name);
+}
+
+std::string heading(const Text<0>& text, Language language) {
+  return std::string(text.in(language));
+}
+
+void writeInfo(tsql::Database& connection, std::ostream& out, const TableStyle& style) {
+  const Language language = style.language;
+  const account::AccountInfo info = account::info(connection);
+  out << messages::accountLine(info.accountCode, info.startDate, info.valuationMethod, info.currentYear).in(language)
+      << "\n\n";
+  TextTable years(out,
+                  {{heading(messages::yearHeading, language), Align::right},
+                   {heading(messages::costItemsHeading, language), Align::right},
+                   {heading(messages::settledHeading, language), Align::right},
+                   {heading(messages::ledgerLinesHeading, language), Align::right}},
+                  style);
   for (const account::YearInfo& year : info.years) {
     years.row({std::to_string(year.year), month(year.costItemStartMonth), std::to_string(year.settledMonths),
                groupedCount(year.ledgerLines)});
   }
   years.finish();
-  std::cout << '\n';
-  TextTable tables(std::cout, {{"table"}, {"rows", Align::right}});
+  out << '\n';
+  TextTable tables(
+      out, {{heading(messages::tableHeading, language)}, {heading(messages::rowsHeading, language), Align::right}},
+      style);
   for (const auto& table : info.tables)
     tables.row({table.name, groupedCount(table.rows)});
   tables.finish();
-  const auto left = account::leftoverTables(*connection);
+  const auto left = account::leftoverTables(connection);
   if (left.empty()) return;
-  std::cout << "\ntables of reports (quillon account clean drops them):\n";
+  out << '\n' << messages::leftoverTables.in(language) << '\n';
   for (const account::LeftoverTable& table : left)
-    std::cout << table.name << ageText(table) << '\n';
+    out << described(table).in(language) << '\n';
 }
 
 }  // namespace
 
-void cleanAccount(const AccountSource& source, const std::function<bool(const std::string&)>& agrees,
-                  std::ostream& out) {
+void showInfo(const AccountSource& source, std::ostream& out, Language language, const ScreenOptions& screen) {
+  const auto connection = source.open(tsql::OpenMode::readOnly);
+  if (!writePaged(out, screen, [&](std::ostream& pages) { writeInfo(*connection, pages, screen.style(language)); }))
+    throw UserError(messages::outputNotWritten());
+}
+
+void cleanAccount(const AccountSource& source, const std::function<bool(const std::string&)>& agrees, std::ostream& out,
+                  Language language) {
   const auto connection = source.open(tsql::OpenMode::existing);
   const auto left = account::leftoverTables(*connection);
   int dropped = 0;
   for (const account::LeftoverTable& table : left) {
-    const std::string shown = table.name + ageText(table);
+    const std::string shown = described(table).in(language);
     const bool drops = !table.mayBeWanted() || agrees(shown);
     try {
       tsql::endIfStopped();
       if (drops) account::dropTable(*connection, table.name);
     } catch (const tsql::Stopped&) {
       if (dropped == 0) throw;
-      throw UserError(std::to_string(dropped) + " of " + std::to_string(left.size()) + " tables are dropped");
+      throw UserError(messages::someDropped(dropped, left.size()));
     }
     if (!drops) {
-      out << "kept " << shown << "; it may be in use or wanted: --yes drops it, too\n";
+      out << messages::kept(shown).in(language) << '\n';
       continue;
     }
     ++dropped;
-    out << "dropped " << shown << '\n';
+    out << messages::dropped(shown).in(language) << '\n';
   }
-  if (left.empty()) out << "no tables of reports were left\n";
+  if (left.empty()) out << messages::nothingLeft.in(language) << '\n';
 }
 
-bool checkAccount(const AccountSource& source, std::ostream& out) {
+bool checkAccount(const AccountSource& source, std::ostream& out, Language language, const ScreenOptions& screen) {
   const auto connection = source.open(tsql::OpenMode::readOnly);
   const std::vector<account::BrokenKey> broken = account::brokenKeys(*connection, joinKeysOfReports());
   if (broken.empty()) {
-    out << "every key by which the reports join has one row\n";
+    out << messages::keysUnique.in(language) << '\n';
     return true;
   }
-  TextTable table(out, {{"table"}, {"key"}, {"rows", Align::right}, {"reports"}});
-  for (const account::BrokenKey& key : broken)
-    table.row({key.table, key.key, groupedCount(key.rows), key.reports});
-  table.finish();
-  out << "\nThese reports count a ledger line that names such a key once for each of its rows; leave one row a key.\n";
+  const auto write = [&](std::ostream& pages) {
+    TextTable table(pages,
+                    {{heading(messages::tableHeading, language)},
+                     {heading(messages::keyHeading, language)},
+                     {heading(messages::rowsHeading, language), Align::right},
+                     {heading(messages::reportsHeading, language)}},
+                    screen.style(language));
+    for (const account::BrokenKey& key : broken)
+      table.row({key.table, key.key.in(language), groupedCount(key.rows), key.reports});
+    table.finish();
+    pages << '\n' << messages::keysBroken.in(language) << '\n';
+  };
+  if (!writePaged(out, screen, write)) throw UserError(messages::outputNotWritten());
   return false;
 }
 
-bool checkIntegrity(const AccountSource& source, std::ostream& out) {
-  if (source.onServer()) throw UserError("--integrity is for account files; a server checks its own with DBCC CHECKDB");
+bool checkIntegrity(const AccountSource& source, std::ostream& out, Language language) {
+  if (source.onServer()) throw UserError(messages::integrityOfFiles());
   const std::vector<std::string> damage = tsql::Connection::damage(source.file());
   for (const std::string& line : damage)
     out << line << '\n';
-  out << (damage.empty()
-              ? "the account file is sound\n"
-              : "\nThe account file is damaged: go back to a copy, or save with `quillon account export` what "
-                "can still be read.\n");
+  if (!damage.empty()) out << '\n';
+  out << (damage.empty() ? messages::fileSound : messages::fileDamaged).in(language) << '\n';
   return damage.empty();
 }
 
@@ -139,6 +164,8 @@ void addAccountCommand(CLI::App& app) {
       *app.add_subcommand("account", "Make, inspect and clean embedded accounts, take them elsewhere and back");
   command.require_subcommand(1);
 
+  const auto language = std::make_shared<Language>(Language::english);
+  const auto screen = std::make_shared<ScreenOptions>();
   const auto file = std::make_shared<std::string>();
   const auto options = std::make_shared<account::SampleOptions>();
   static const std::map<std::string, account::Valuation> valuations = {{"inventory", account::Valuation::inventory},
@@ -160,19 +187,30 @@ void addAccountCommand(CLI::App& app) {
   create.add_option("--fx-start-month", options->costItemStartMonth, "The first year's first month with cost items")
       ->transform(wholeNumber(1, 12))
       ->capture_default_str();
-  create.callback([file, options] { makeSample(*file, *options); });
+  addLanguageOption(create, *language);
+  create.callback([file, options, language] { makeSample(*file, *options, *language); });
 
   const auto source = std::make_shared<AccountSource>();
   CLI::App& information = *command.add_subcommand("info", "Years, start months, valuation method, row counts");
   addAccountOption(information, "SOURCE", *source).required();
-  information.callback([source] { showInfo(*source); });
+  addLanguageOption(information, *language);
+  addScreenOptions(information, *screen);
+  information.callback([source, language, screen] {
+    screen->screen = outputScreen();
+    showInfo(*source, std::cout, *language, *screen);
+  });
 
   CLI::App& checking = *command.add_subcommand("check", "Name the rows that would make reports show lines twice");
   addAccountOption(checking, "SOURCE", *source).required();
   const auto integrity = std::make_shared<bool>(false);
   checking.add_flag("--integrity", *integrity, "Look for damage of the account file instead");
-  checking.callback([source, integrity] {
-    if (!(*integrity ? checkIntegrity(*source, std::cout) : checkAccount(*source, std::cout))) endWith(1);
+  addLanguageOption(checking, *language);
+  addScreenOptions(checking, *screen);
+  checking.callback([source, integrity, language, screen] {
+    screen->screen = outputScreen();
+    const bool sound = *integrity ? checkIntegrity(*source, std::cout, *language)
+                                  : checkAccount(*source, std::cout, *language, *screen);
+    if (!sound) endWith(1);
   });
 
   CLI::App& cleaning =
@@ -180,10 +218,12 @@ void addAccountCommand(CLI::App& app) {
   addAccountOption(cleaning, "SOURCE", *source).required();
   const auto everything = std::make_shared<bool>(false);
   cleaning.add_flag("--yes", *everything, "Do not ask before dropping what may be in use or wanted");
-  cleaning.callback([source, everything] {
-    cleanAccount(
-        *source, [everything](const std::string& table) { return *everything || userAgrees("drop " + table + "?"); },
-        std::cout);
+  addLanguageOption(cleaning, *language);
+  cleaning.callback([source, everything, language] {
+    const auto agrees = [everything, language](const std::string& table) {
+      return *everything || userAgrees(messages::dropQuestion(table).in(*language));
+    };
+    cleanAccount(*source, agrees, std::cout, *language);
   });
 
   addDiffCommand(command);

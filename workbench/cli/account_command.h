@@ -6,7 +6,9 @@
 #include <ostream>
 #include <string>
 
+#include "workbench/cli/screen_options.h"
 #include "workbench/platform/account_source.h"
+#include "workbench/platform/language.h"
 
 namespace CLI {
 class App;
@@ -16,16 +18,22 @@ namespace quillon::workbench {
 
 // `quillon account check`: lists the keys of the account by which reports join and which several rows share.
 // True when there is none. Throws std::exception with one line for the user.
-bool checkAccount(const AccountSource& source, std::ostream& out);
+bool checkAccount(const AccountSource& source, std::ostream& out, Language language = Language::english,
+                  const ScreenOptions& screen = {});
 
 // `quillon account check --integrity`: lists what is damaged in an account file, having read all of it. True when nothing
 // is. Throws std::exception with one line for the user.
-bool checkIntegrity(const AccountSource& source, std::ostream& out);
+bool checkIntegrity(const AccountSource& source, std::ostream& out, Language language = Language::english);
 
 // `quillon account clean`: drops the tables that interrupted reports left. `agrees` is asked about those that may be in
 // use or wanted. Throws std::exception with one line for the user.
-void cleanAccount(const AccountSource& source, const std::function<bool(const std::string&)>& agrees,
-                  std::ostream& out);
+void cleanAccount(const AccountSource& source, const std::function<bool(const std::string&)>& agrees, std::ostream& out,
+                  Language language = Language::english);
+
+// `quillon account info`: years and tables, and what interrupted reports left. Throws std::exception with one line for the
+// user.
+void showInfo(const AccountSource& source, std::ostream& out, Language language = Language::english,
+              const ScreenOptions& screen = {});
 
 void addAccountCommand(CLI::App& app);
 

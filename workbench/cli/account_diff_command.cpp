@@ -9,6 +9,8 @@
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
+#include "workbench/cli/language_option.h"
+#include "workbench/messages/account.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/value_output.h"
 
@@ -18,9 +20,9 @@ namespace {
 
 using account::RowDifference;
 
-void writeRow(std::ostream& out, const RowDifference& row) {
-  if (row.kind == RowDifference::Kind::onlyInFirst) out << "only in the first: ";
-  if (row.kind == RowDifference::Kind::onlyInSecond) out << "only in the second: ";
+void writeRow(std::ostream& out, const RowDifference& row, Language language) {
+  if (row.kind == RowDifference::Kind::onlyInFirst) out << messages::onlyInFirst.in(language);
+  if (row.kind == RowDifference::Kind::onlyInSecond) out << messages::onlyInSecond.in(language);
   const char* separator = "";
   for (const account::NamedValue& part : row.key) {
     out << separator << part.column << " = ";
@@ -37,24 +39,27 @@ void writeRow(std::ostream& out, const RowDifference& row) {
   }
 }
 
-void writeTable(std::ostream& out, const account::TableComparison& table) {
-  out << table.table << ": " << groupedCount(table.onlyInFirst) << " only in the first, "
-      << groupedCount(table.onlyInSecond) << " only in the second, " << groupedCount(table.changed) << " changed\n";
-  for (const std::string& difference : table.structure)
-    out << "  " << difference << '\n';
+void writeTable(std::ostream& out, const account::TableComparison& table, Language language) {
+  out << messages::tableDifference(table.table, groupedCount(table.onlyInFirst), groupedCount(table.onlyInSecond),
+                                   groupedCount(table.changed))
+             .in(language)
+      << '\n';
+  for (const Message& difference : table.structure)
+    out << "  " << difference.in(language) << '\n';
   for (const RowDifference& row : table.shown) {
     out << "  ";
-    writeRow(out, row);
+    writeRow(out, row, language);
     out << '\n';
   }
   const std::int64_t more =
       table.onlyInFirst + table.onlyInSecond + table.changed - static_cast<std::int64_t>(table.shown.size());
-  if (more > 0) out << "  and " << groupedCount(more) << " more\n";
+  if (more > 0) out << "  " << messages::moreDifferences(groupedCount(more)).in(language) << '\n';
 }
 
 }  // namespace
 
-bool diffAccounts(const AccountSource& first, const AccountSource& second, std::size_t shown, std::ostream& out) {
+bool diffAccounts(const AccountSource& first, const AccountSource& second, std::size_t shown, std::ostream& out,
+                  Language language) {
   const auto one = first.open(tsql::OpenMode::readOnly);
   const auto two = second.open(tsql::OpenMode::readOnly);
   const bool server = first.onServer() || second.onServer();
@@ -65,15 +70,13 @@ bool diffAccounts(const AccountSource& first, const AccountSource& second, std::
     rows += table.rows;
     if (table.equal()) continue;
     ++different;
-    writeTable(out, table);
+    writeTable(out, table, language);
   }
   const std::string all = groupedCount(static_cast<std::int64_t>(tables.size()));
-  if (tables.empty()) throw UserError("neither source has a table of an account; name two accounts");
-  if (different == 0) {
-    out << "equal: " << all << " tables, " << groupedCount(rows) << " rows\n";
-  } else {
-    out << "different: " << groupedCount(different) << " of " << all << " tables\n";
-  }
+  if (tables.empty()) throw UserError(messages::noAccounts());
+  const Message result = different == 0 ? messages::equalAccounts(all, groupedCount(rows))
+                                        : messages::differentAccounts(groupedCount(different), all);
+  out << result.in(language) << '\n';
   return different == 0;
 }
 
@@ -82,6 +85,7 @@ void addDiffCommand(CLI::App& account) {
     AccountSource first;
     AccountSource second;
     std::size_t shown = 10;
+    Language language = Language::english;
   };
   const auto options = std::make_shared<Options>();
   CLI::App& command = *account.add_subcommand("diff", "Compare two accounts, table by table and row by row");
@@ -90,8 +94,9 @@ void addDiffCommand(CLI::App& account) {
   command.add_option("--limit", options->shown, "Show at most this many differing rows of a table")
       ->transform(wholeNumber<std::size_t>(0))
       ->capture_default_str();
+  addLanguageOption(command, options->language);
   command.callback([options] {
-    if (!diffAccounts(options->first, options->second, options->shown, std::cout)) endWith(1);
+    if (!diffAccounts(options->first, options->second, options->shown, std::cout, options->language)) endWith(1);
   });
 }
 

@@ -10,6 +10,9 @@
 #include "workbench/account/script.h"
 #include "workbench/account/transfer.h"
 #include "workbench/cli/account_option.h"
+#include "workbench/cli/language_option.h"
+#include "workbench/messages/account.h"
+#include "workbench/messages/common.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/value_output.h"
 #include "workbench/tsql/values/utf8_path.h"
@@ -18,27 +21,27 @@ namespace quillon::workbench {
 
 namespace {
 
-std::string described(const account::TransferCounts& counts) {
-  return groupedCount(counts.tables) + " tables with " + groupedCount(counts.rows) + " rows";
+Message described(const account::TransferCounts& counts) {
+  return messages::transferCounts(groupedCount(counts.tables), groupedCount(counts.rows));
 }
 
-void exportTo(const AccountSource& source, const std::string& folder) {
+void exportTo(const AccountSource& source, const std::string& folder, Language language) {
   const auto connection = tsql::Connection::open(source.file(), tsql::OpenMode::readOnly);
   const account::TransferCounts counts = account::exportAccount(*connection, pathFromUtf8(folder));
-  std::cout << "wrote " << described(counts) << " to " << folder << '\n';
+  std::cout << messages::wroteTo(described(counts), folder).in(language) << '\n';
 }
 
-void importFrom(const std::string& file, const std::string& folder) {
+void importFrom(const std::string& file, const std::string& folder, Language language) {
   const account::TransferCounts counts = account::importAccount(pathFromUtf8(file), pathFromUtf8(folder));
-  std::cout << "made " << file << ": " << described(counts) << '\n';
+  std::cout << messages::madeWith(file, described(counts)).in(language) << '\n';
 }
 
-void writeScriptTo(const AccountSource& source, const std::string& target) {
+void writeScriptTo(const AccountSource& source, const std::string& target, Language language) {
   const auto connection = tsql::Connection::open(source.file(), tsql::OpenMode::readOnly);
   if (target.empty()) {
     account::writeScript(*connection, std::cout);
     std::cout.flush();
-    if (!std::cout) throw UserError("the script could not be written to standard output");
+    if (!std::cout) throw UserError(messages::scriptNotWritten());
     return;
   }
   account::PartialFile partial(pathFromUtf8(target));
@@ -46,9 +49,9 @@ void writeScriptTo(const AccountSource& source, const std::string& target) {
   account::TransferCounts counts;
   if (file) counts = account::writeScript(*connection, file);
   file.close();
-  if (!file) throw UserError("cannot write " + target + "; check the folder, its permissions and its free space");
+  if (!file) throw UserError(messages::cannotWrite(target));
   partial.complete();
-  std::cout << "wrote " << described(counts) << " to " << target << '\n';
+  std::cout << messages::wroteTo(described(counts), target).in(language) << '\n';
 }
 
 }  // namespace
@@ -57,21 +60,25 @@ void addTransferCommands(CLI::App& account) {
   const auto source = std::make_shared<AccountSource>();
   const auto folder = std::make_shared<std::string>();
   const auto target = std::make_shared<std::string>();
+  const auto language = std::make_shared<Language>(Language::english);
 
   CLI::App& exporting = *account.add_subcommand("export", "Write every table to a folder of CSV files");
   addAccountOption(exporting, "SOURCE", *source, "The account file").required();
   exporting.add_option("DIR", *target, "The folder to write; it must not exist, or be empty")->required();
-  exporting.callback([source, target] { exportTo(*source, *target); });
+  addLanguageOption(exporting, *language);
+  exporting.callback([source, target, language] { exportTo(*source, *target, *language); });
 
   CLI::App& importing = *account.add_subcommand("import", "Make an account of a folder of CSV files");
   importing.add_option("FILE", *target, "The account file to make; it must not exist")->required();
   importing.add_option("DIR", *folder, "The folder: schema.sql and a CSV file for each table")->required();
-  importing.callback([target, folder] { importFrom(*target, *folder); });
+  addLanguageOption(importing, *language);
+  importing.callback([target, folder, language] { importFrom(*target, *folder, *language); });
 
   CLI::App& scripting = *account.add_subcommand("script", "Write the account as T-SQL for a new server");
   addAccountOption(scripting, "SOURCE", *source, "The account file").required();
   scripting.add_option("FILE", *target, "The script to write; it must not exist. Standard output when it is left out");
-  scripting.callback([source, target] { writeScriptTo(*source, *target); });
+  addLanguageOption(scripting, *language);
+  scripting.callback([source, target, language] { writeScriptTo(*source, *target, *language); });
 }
 
 }  // namespace quillon::workbench

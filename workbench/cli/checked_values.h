@@ -7,6 +7,9 @@
 #include <limits>
 #include <string>
 
+#include "workbench/cli/usage_message.h"
+#include "workbench/messages/filter.h"
+#include "workbench/messages/program.h"
 #include "workbench/platform/filter_input.h"
 
 namespace quillon::workbench {
@@ -25,10 +28,8 @@ CLI::Validator wholeNumber(Number least, Number most = std::numeric_limits<Numbe
         }
         const bool open = most == std::numeric_limits<Number>::max();
         if (open && stopped == end && error == std::errc::result_out_of_range && !text.starts_with('-'))
-          return text + " is too large; the most is " + std::to_string(most);
-        return "\"" + text + "\" is no whole number " +
-               (open ? "of " + std::to_string(least) + " or more"
-                     : "from " + std::to_string(least) + " to " + std::to_string(most));
+          return usageText(messages::numberTooLarge(text, most));
+        return usageText(open ? messages::noWholeNumberFrom(text, least) : messages::noWholeNumber(text, least, most));
       },
       "");
 }
@@ -39,7 +40,7 @@ inline void addDateOption(CLI::App& command, std::string& date) {
       ->transform(CLI::Validator(
           [](std::string& text) -> std::string {
             const auto entered = enteredDate(text);
-            if (!entered) return "\"" + text + "\" is no date; write it as yyyy-mm-dd";
+            if (!entered) return usageText(messages::noDate(text));
             text = *entered;
             return {};
           },

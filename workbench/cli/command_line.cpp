@@ -15,12 +15,16 @@
 #include "workbench/cli/drill_command.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/filters_command.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/cli/list_command.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/cli/run_monitor.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/stop_signals.h"
 #include "workbench/cli/trace_command.h"
+#include "workbench/cli/usage_message.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/program.h"
 #include "workbench/odbc/connection_string.h"
 #include "workbench/platform/nearest_name.h"
 #include "workbench/tsql/values/stop.h"
@@ -57,18 +61,11 @@ std::vector<std::string> optionNames(const CLI::App& command) {
   return names;
 }
 
-std::string commaList(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names)
-    text += (text.empty() ? "" : ", ") + name;
-  return text;
-}
-
-std::string noSuchCommand(const CLI::App& command, const std::string& word) {
+Message noSuchCommand(const CLI::App& command, const std::string& word) {
   const std::vector<std::string> names = commandNames(command);
-  const std::string of = command.get_parent() == nullptr ? "" : " of " + fullName(command);
-  return "there is no command \"" + word + "\"" + of + suggestion(word, names) +
-         (nearestName(word, names) ? "" : "; the commands are " + commaList(names));
+  const Message behind = nearestName(word, names) ? suggestion(word, names) : messages::commandsAre(listOf(names));
+  if (command.get_parent() == nullptr) return messages::noSuchCommand(word, behind);
+  return messages::noSuchCommandOf(word, fullName(command), behind);
 }
 
 bool isOption(const std::string& argument) {
@@ -83,17 +80,17 @@ const CLI::App& innermost(const CLI::App& app) {
   return named.empty() ? app : innermost(*named.back());
 }
 
-std::string noSuchOption(const CLI::App& command, const std::string& argument, const CLI::App& inner) {
+Message noSuchOption(const CLI::App& command, const std::string& argument, const CLI::App& inner) {
   const std::string option = argument.substr(0, argument.find('='));
   const std::vector<std::string> its = optionNames(inner);
   if (&command != &inner && std::ranges::find(its, option) != its.end())
-    return "the option " + option + " stands behind its command: " + fullName(inner) + " " + option + " ...";
-  return fullName(command) + " has no option " + option + suggestion(option, optionNames(command));
+    return messages::optionBehindCommand(option, fullName(inner));
+  return messages::noSuchOption(fullName(command), option, suggestion(option, optionNames(command)));
 }
 
 // What stands where nothing can be made of it: an option that does not exist or, before the commands, a command. Such a slip is
 // what is said even where its consequences, a missing argument or one too many, were found first.
-std::optional<std::string> unknownArgument(const CLI::App& command, const CLI::App& inner) {
+std::optional<Message> unknownArgument(const CLI::App& command, const CLI::App& inner) {
   const std::vector<std::string> unknown = command.remaining();
   if (&command == &inner && !command.get_subcommands({}).empty()) {
     if (!unknown.empty() && !isOption(unknown.front())) return noSuchCommand(command, unknown.front());
@@ -109,40 +106,47 @@ std::string argumentIn(std::string_view message) {
 }
 
 // The message of `error` in this program's words.
-std::string inOwnWords(const CLI::App& inner, const CLI::ParseError& error) {
+Message inOwnWords(const CLI::App& inner, const CLI::ParseError& error) {
   std::string message = error.what();
   const std::string argument = argumentIn(message);
   if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
     std::vector<std::string> extra = inner.remaining();
-    return extra.empty() ? message : fullName(inner) + " takes no further argument \"" + extra.front() + "\"";
+    return extra.empty() ? usageMessage(message) : messages::noFurtherArgument(fullName(inner), extra.front());
   }
   if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
     const std::vector<std::string> commands = commandNames(inner);
-    if (!commands.empty()) return "name a command: " + commaList(commands);
-    return argument + " must be given";
+    if (!commands.empty()) return messages::nameACommand(listOf(commands));
+    return messages::optionNeeded(argument);
   }
   if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
     constexpr std::string_view between = " excludes ";
-    return argument + " cannot be given together with " + message.substr(argument.size() + between.size());
+    return messages::optionExcludes(argument, message.substr(argument.size() + between.size()));
+  }
+  if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
+    constexpr std::string_view between = " requires ";
+    return messages::optionRequires(argument, message.substr(argument.size() + between.size()));
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
-    if (message.ends_with("missing")) return argument + " needs a value";
-    return argument + (message.find("flag") == std::string::npos ? " can be given once only" : " takes no value");
+    if (message.ends_with("missing")) return messages::optionNeedsValue(argument);
+    return message.find("flag") == std::string::npos ? messages::optionOnce(argument)
+                                                     : messages::optionTakesNoValue(argument);
   }
   if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
     constexpr std::string_view before = "Could not convert: ";  // a flag's value; all others have checks of their own
-    return argumentIn(message.starts_with(before) ? message.substr(before.size()) : message) + " takes no value";
+    return messages::optionTakesNoValue(
+        argumentIn(message.starts_with(before) ? message.substr(before.size()) : message));
   }
-  return message;
+  return usageMessage(message);
 }
 
-std::string usageLine(const CLI::App& app, const CLI::ParseError& error) {
+Message usageLine(const CLI::App& app, const CLI::ParseError& error) {
   const CLI::App& inner = innermost(app);
-  const std::optional<std::string> unknown = unknownArgument(app, inner);
-  const std::string line = unknown ? *unknown : inOwnWords(inner, error);
+  const std::optional<Message> unknown = unknownArgument(app, inner);
+  const Message line = unknown ? *unknown : inOwnWords(inner, error);
   // Who asks for the help of a command that does not exist is not helped by the help of `help`.
   const CLI::App& known = inner.get_name() == helpCommand ? app : inner;
-  return line + (line.ends_with('?') ? " See " : "; see ") + fullName(known) + " --help";
+  return line.english().ends_with('?') ? messages::seeHelpAfterQuestion(line, fullName(known))
+                                       : messages::seeHelp(line, fullName(known));
 }
 
 // --- quillon help -----------------------------------------------------------------------------------------------------
@@ -163,24 +167,24 @@ void addHelpCommand(CLI::App& app) {
 }
 
 // What a library threw by itself, in this program's words; empty for this program's own errors.
-std::string libraryError(const std::exception& error) {
-  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
-    return "there is not enough memory; close other programs, or narrow the filter";
+Message libraryError(const std::exception& error) {
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return messages::notEnoughMemory();
   if (const auto* file = dynamic_cast<const std::filesystem::filesystem_error*>(&error); file != nullptr)
-    return "cannot use " + utf8FromPath(file->path1()) + ": " + file->code().message();
-  if (dynamic_cast<const nlohmann::json::exception*>(&error) != nullptr)
-    return "a JSON file holds another kind of value than is expected there";
+    return messages::cannotUse(utf8FromPath(file->path1()), file->code().message());
+  if (dynamic_cast<const nlohmann::json::exception*>(&error) != nullptr) return messages::otherJsonKind();
   return {};
 }
 
 }  // namespace
 
-std::string errorLine(const std::exception& error) {
-  const std::string ofLibrary = libraryError(error);
-  return odbc::ConnectionString(ofLibrary.empty() ? errorText(error) : ofLibrary).withoutPassword();
+std::string errorLine(const std::exception& error, Language language) {
+  const Message ofLibrary = libraryError(error);
+  const Message message = ofLibrary.empty() ? errorText(error) : ofLibrary;
+  return odbc::ConnectionString(message.in(language)).withoutPassword();
 }
 
 int runCommandLine(std::vector<std::string> arguments, const std::string& version, std::ostream& errors) {
+  const Language language = languageOf(arguments);
   CLI::App app("Inventory-accounting reports by cost item, and the workbench that runs them");
   app.name("quillon");
   // Under Wine a path may begin with a slash; it is not an option.
@@ -205,7 +209,7 @@ int runCommandLine(std::vector<std::string> arguments, const std::string& versio
     if (stopCause()) throw tsql::Stopped();
     return end.get_exit_code();
   } catch (const CLI::ParseError& error) {
-    errors << "quillon: " << odbc::ConnectionString(usageLine(app, error)).withoutPassword() << '\n';
+    errors << "quillon: " << odbc::ConnectionString(usageLine(app, error).in(language)).withoutPassword() << '\n';
     return wrongUsage;
   }
 }

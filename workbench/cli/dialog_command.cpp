@@ -12,8 +12,10 @@
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/item_help.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/report_run.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
@@ -51,28 +53,28 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
   const auto dialog = std::make_shared<FilterDialogObject>(filter, account.login, account.session);
   const auto runner = makeDialogRunner(platform, report, dialog);
   DialogPlay play(dialog, *runner, messages);
-  for (const DialogStep& step : steps) {
-    play.take(step);
-    if (const FilterEntry* const changed = play.changed(); changed != nullptr) given.insert(changed);
-    if (step.kind == DialogStep::Kind::init) resolveOffered(*filter, *account.session, options.language);
-    if (options.format == DialogFormat::json) {
-      writeDialogJson(out, step, play, options.language);
-    } else {
-      if (&step != &steps.front()) out << '\n';
-      writeDialogTable(out, step, play, options.language);
+  const bool written = writePaged(out, options.screen, [&](std::ostream& pages) {
+    for (const DialogStep& step : steps) {
+      play.take(step);
+      if (const FilterEntry* const changed = play.changed(); changed != nullptr) given.insert(changed);
+      if (step.kind == DialogStep::Kind::init) resolveOffered(*filter, *account.session, options.language);
+      if (options.format == DialogFormat::json) {
+        writeDialogJson(pages, step, play, options.language);
+      } else {
+        if (&step != &steps.front()) pages << '\n';
+        writeDialogTable(pages, step, play, options.screen.style(options.language));
+      }
     }
-  }
+  });
   if (play.accepted() == false && !play.messages().empty())
     noteValuesToGive(*filter, play.messages().back(), account, options.language, notes);
-  out.flush();
-  for (const std::string& line : unknownCodes(*filter, *account.session))
-    notes << "quillon: " << oneLine(line) << '\n';
+  for (const Message& line : unknownCodes(*filter, *account.session))
+    notes << "quillon: " << oneLine(line.in(options.language)) << '\n';
   if (!options.saving.name.empty()) {
-    if (!play.accepted().value_or(false))
-      throw UserError("the filter is not saved: the last step does not confirm it (--step click)");
+    if (!play.accepted().value_or(false)) throw UserError(messages::filterNotConfirmed());
     saveFilter(options.saving, *filter, given, options.language, notes);
   }
-  if (!out) throw UserError("the dialog could not be written to standard output");
+  if (!written) throw UserError(messages::dialogNotWritten());
 }
 
 void addDialogCommand(CLI::App& app) {
@@ -80,7 +82,6 @@ void addDialogCommand(CLI::App& app) {
   const auto options = std::make_shared<DialogOptions>();
   static const std::map<std::string, DialogFormat> formats = {{"table", DialogFormat::table},
                                                               {"json", DialogFormat::json}};
-  static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
   addItemHelp(command, options->report);
   addAccountOption(command, "--account", options->account).required();
@@ -93,9 +94,13 @@ void addDialogCommand(CLI::App& app) {
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   command.add_option("--format", options->format, "table or json (one object a step)")->transform(oneOf(formats));
-  command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
+  addLanguageOption(command, options->language);
+  addScreenOptions(command, options->screen);
   addDateOption(command, options->date);
-  command.callback([options] { runDialog(*options, std::cout, std::cerr); });
+  command.callback([options] {
+    options->screen.screen = outputScreen();
+    runDialog(*options, std::cout, std::cerr);
+  });
 }
 
 }  // namespace quillon::workbench

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "workbench/cli/filters_command.h"
+#include "workbench/cli/screen_options.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
 
@@ -25,6 +26,7 @@ struct DialogOptions {
   std::vector<std::string> steps = {};  // see dialog_steps.h; none: init, view, click
   DialogFormat format = DialogFormat::table;
   Language language = Language::chinese;
+  ScreenOptions screen = {};
   std::string date = {};  // the login's date, yyyy-mm-dd; empty: the last day of the current year
 };
 

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "workbench/messages/common.h"
+#include "workbench/messages/filter.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/text_table.h"
 
@@ -10,21 +12,6 @@ namespace quillon::workbench {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr Caption stepCaption{"步骤", "Step"};
-constexpr Caption keyCaption{"关键字", "Key"};
-constexpr Caption itemCaption{"条件项", "Item"};
-constexpr Caption valueCaption{"值", "Value"};
-constexpr Caption choicesCaption{"选项", "Choices"};
-constexpr Caption availableCaption{"可用", "Available"};
-constexpr Caption lookupCaption{"参照条件", "Lookup condition"};
-constexpr Caption viewCaption{"视图", "View"};
-constexpr Caption messageCaption{"提示", "Message"};
-constexpr Caption confirmationCaption{"确认", "Confirmation"};
-constexpr Caption acceptedText{"接受", "accepted"};
-constexpr Caption refusedText{"未接受，对话框不关闭", "refused, the dialog stays open"};
-constexpr Caption yesText{"是", "yes"};
-constexpr Caption noText{"否", "no"};
 
 std::vector<std::string> valuesOf(const FilterEntry& entry) {
   std::vector<std::string> values;
@@ -110,27 +97,29 @@ Json orNull(const std::optional<Value>& value) {
 
 }  // namespace
 
-void writeDialogTable(std::ostream& out, const DialogStep& step, const DialogPlay& play, Language language) {
-  const std::string_view colon = language == Language::chinese ? "：" : ": ";
-  const auto line = [&](const Caption& caption, std::string_view text) {
-    out << caption.in(language) << colon << text << '\n';
+void writeDialogTable(std::ostream& out, const DialogStep& step, const DialogPlay& play, const TableStyle& style) {
+  const Language language = style.language;
+  const auto line = [&](const Text<0>& caption, std::string_view text) {
+    out << messages::headed(caption.caption(), text).in(language) << '\n';
   };
-  line(stepCaption, step.text);
+  line(messages::stepCaption, step.text);
   std::vector<TableColumn> columns;
-  for (const Caption& caption :
-       {keyCaption, itemCaption, valueCaption, choicesCaption, availableCaption, lookupCaption}) {
+  for (const Text<0>& caption : {messages::keyCaption, messages::itemCaption, messages::valueCaption,
+                                 messages::choicesCaption, messages::availableCaption, messages::lookupCaption}) {
     columns.push_back({std::string(caption.in(language))});
   }
-  TextTable table(out, std::move(columns));
+  TextTable table(out, std::move(columns), style);
   for (const auto& entry : play.filter().entries()) {
     table.row({entry->item.key, entry->item.caption(language), valueText(*entry), choicesText(entry->item, language),
-               std::string((entry->available ? yesText : noText).in(language)), entry->lookupCondition});
+               std::string((entry->available ? messages::yes : messages::no).in(language)), entry->lookupCondition});
   }
   table.finish();
-  if (play.view()) line(viewCaption, *play.view());
+  if (play.view()) line(messages::viewCaption, *play.view());
   for (const std::string& message : play.messages())
-    line(messageCaption, oneLine(message));
-  if (play.accepted()) line(confirmationCaption, (*play.accepted() ? acceptedText : refusedText).in(language));
+    line(messages::messageCaption, oneLine(message));
+  if (play.accepted())
+    line(messages::confirmationCaption,
+         (*play.accepted() ? messages::acceptedText : messages::refusedText).in(language));
 }
 
 void writeDialogJson(std::ostream& out, const DialogStep& step, const DialogPlay& play, Language language) {

@@ -5,13 +5,14 @@
 
 #include "workbench/cli/dialog_steps.h"
 #include "workbench/platform/language.h"
+#include "workbench/presentation/text_table.h"
 
 namespace quillon::workbench {
 
 // The dialog after `step`: an aligned table of its items with key, caption, value, choices, whether the user can enter
 // it and what its lookup is restricted to; then the view class, what was shown to the user, and the answer to a click.
 // Several values stand with commas between them, a range as "lower .. upper"; long lists of choices are cut.
-void writeDialogTable(std::ostream& out, const DialogStep& step, const DialogPlay& play, Language language);
+void writeDialogTable(std::ostream& out, const DialogStep& step, const DialogPlay& play, const TableStyle& style);
 
 // The same as one object on one line, nothing cut:
 // {"step":"init","items":[{"key":"cVouType","caption":"...","kind":"choice","range":false,"multiple":true,

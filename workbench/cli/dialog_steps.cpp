@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "workbench/cli/run_monitor.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/user_error.h"
 
@@ -27,7 +28,7 @@ DialogStep dialogStep(const std::string& text) {
   const bool change = text.starts_with(changeMark);
   const auto equals = text.find('=');
   if (!change || equals == std::string::npos || equals == changeMark.size()) {
-    throw UserError("there is no step \"" + text + "\"; the steps are: init, view, click, change:KEY=VALUE");
+    throw UserError(messages::noSuchStep(text));
   }
   return {DialogStep::Kind::change, text, text.substr(changeMark.size())};
 }
@@ -52,7 +53,7 @@ void DialogPlay::take(const DialogStep& step) {
         break;
     }
   } catch (const std::exception& error) {
-    throw UserError("step " + step.text + ": " + errorText(error));
+    throw UserError(messages::inStep(step.text, errorText(error)));
   }
 }
 

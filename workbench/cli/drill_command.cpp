@@ -14,7 +14,10 @@
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/filters_command.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/text_table.h"
@@ -25,10 +28,6 @@ namespace quillon::workbench {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr Caption nothingOpened{"没有打开单据：期初结存和月末结存行没有单据",
-                                "Nothing was opened: opening balances and month-end balances have no document"};
-constexpr Caption openedCaption{"打开方式", "Opened by"};
 
 constexpr std::string_view sourceDocumentAction = "Vouch";
 
@@ -42,8 +41,7 @@ RowValues readRow(const std::vector<std::string>& settings) {
   RowValues row;
   for (const std::string& setting : settings) {
     const auto equals = setting.find('=');
-    if (equals == std::string::npos || equals == 0)
-      throw UserError("\"" + setting + "\" names no column of a row; write column=value");
+    if (equals == std::string::npos || equals == 0) throw UserError(messages::noColumnOfRow(setting));
     row.emplace_back(trimBlanks(std::string_view(setting).substr(0, equals)), setting.substr(equals + 1));
   }
   return row;
@@ -66,8 +64,7 @@ void requireColumns(const RowValues& wanted, std::span<const tsql::Column> colum
   for (const auto& entry : wanted) {
     const auto has = [&entry](const tsql::Column& column) { return equalIgnoringCase(column.name, entry.first); };
     if (std::ranges::any_of(columns, has)) continue;
-    throw UserError("the rows of the report have no column \"" + entry.first +
-                    "\"; quillon report ... --format csv shows their columns");
+    throw UserError(messages::rowsLackColumn(entry.first));
   }
 }
 
@@ -83,17 +80,16 @@ RowValues findRow(const MadeReport& report, const RowValues& wanted) {
     const auto has = [&row](const auto& entry) { return *valueOf(row, entry.first) == entry.second; };
     if (std::ranges::all_of(wanted, has)) return row;
   }
-  throw UserError("no row of the report has " + described(wanted));
+  throw UserError(messages::noSuchRow(described(wanted)));
 }
 
 void requireDocuments(const Report& report) {
   if (report.opensDocuments()) return;
-  std::string others;
+  std::vector<std::string> others;
   for (const Report& other : reports()) {
-    if (other.opensDocuments()) others += (others.empty() ? "" : ", ") + other.registration.name;
+    if (other.opensDocuments()) others.push_back(other.registration.name);
   }
-  throw UserError("the rows of " + report.registration.name +
-                  " open no documents; those of these reports do: " + others);
+  throw UserError(messages::noDocuments(report.registration.name, listOf(others)));
 }
 
 // A row that is given by itself has what the action's document cannot be opened without.
@@ -107,7 +103,7 @@ void requireDocumentColumns(const Report& report, const RowValues& row, const st
         number ? valueOf(row, "ID") != nullptr || valueOf(row, "AutoID") != nullptr : valueOf(row, column) != nullptr;
     if (!has) missing.append(" --row ").append(column).append("=...");
   }
-  if (!missing.empty()) throw UserError("the row lacks what opens its document: add" + missing);
+  if (!missing.empty()) throw UserError(messages::rowLacksColumns(missing));
 }
 
 // The row that is acted on, and who is signed in. A report that was run for it is gone again.
@@ -119,8 +115,7 @@ std::pair<RowValues, SignedInAccount> chooseRow(const DrillOptions& options, std
     return {findRow(*report, wanted), report->account()};
   }
   if (valueOf(wanted, "RowNo") != nullptr) {
-    throw UserError(
-        "RowNo counts the rows of a report that is run with a filter: give its filter too (--set, --filter)");
+    throw UserError(messages::rowNumberNeedsFilter());
   }
   requireDocumentColumns(reportNamed(request.report), wanted, options.action);
   return {wanted, logIn(request.account, request.language, request.date)};
@@ -149,11 +144,12 @@ std::string shownValue(const VoucherField& field, const std::string& value) {
   return groupedNumber(value, std::max(static_cast<int>(decimals), moneyDecimals));
 }
 
-void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, Language language) {
-  const std::string_view colon = language == Language::chinese ? "：" : ": ";
-  out << voucher.title.in(language) << '\n' << openedCaption.in(language) << colon << voucher.member << '\n';
+void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, const TableStyle& style) {
+  const Language language = style.language;
+  out << voucher.title.in(language) << '\n'
+      << messages::headed(messages::openedBy.caption(), voucher.member).in(language) << '\n';
   for (const auto& [field, value] : voucher.heading) {
-    if (!value.empty()) out << field.caption.in(language) << colon << oneLine(shownValue(field, value)) << '\n';
+    if (!value.empty()) out << messages::headed(field.caption, oneLine(shownValue(field, value))).in(language) << '\n';
   }
   out << '\n';
   std::vector<TableColumn> columns;
@@ -161,7 +157,7 @@ void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, Language lang
     columns.push_back(
         {std::string(field.caption.in(language)), field.kind == VoucherField::Kind::text ? Align::left : Align::right});
   }
-  TextTable table(out, std::move(columns));
+  TextTable table(out, std::move(columns), style);
   for (const auto& line : voucher.lines) {
     std::vector<std::string> cells;
     for (std::size_t i = 0; i < line.size(); ++i)
@@ -171,12 +167,12 @@ void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, Language lang
   table.finish();
 }
 
-void writeTable(std::ostream& out, const Outcome& outcome, Language language) {
+void writeTable(std::ostream& out, const Outcome& outcome, const TableStyle& style) {
   for (const std::string& message : outcome.messages)
     out << oneLine(message) << '\n';
   for (const OpenedVoucher& voucher : outcome.opened)
-    writeVoucher(out, voucher, language);
-  if (outcome.messages.empty() && outcome.opened.empty()) out << nothingOpened.in(language) << '\n';
+    writeVoucher(out, voucher, style);
+  if (outcome.messages.empty() && outcome.opened.empty()) out << messages::nothingOpened.in(style.language) << '\n';
 }
 
 Json jsonOf(const OpenedVoucher& voucher, Language language) {
@@ -218,13 +214,14 @@ void runDrill(const DrillOptions& options, std::ostream& out, std::ostream& note
   requireDocuments(reportNamed(options.report.report));
   const auto [row, account] = chooseRow(options, notes);
   const Outcome outcome = act(options, row, account);
-  if (options.format == DrillFormat::json) {
-    writeJson(out, options, row, outcome);
-  } else {
-    writeTable(out, outcome, options.report.language);
-  }
-  out.flush();
-  if (!out) throw UserError("the document could not be written to standard output");
+  const bool written = writePaged(out, options.screen, [&, &shown = row](std::ostream& pages) {
+    if (options.format == DrillFormat::json) {
+      writeJson(pages, options, shown, outcome);
+    } else {
+      writeTable(pages, outcome, options.screen.style(options.report.language));
+    }
+  });
+  if (!written) throw UserError(messages::documentNotWritten());
 }
 
 void addDrillCommand(CLI::App& app) {
@@ -232,7 +229,6 @@ void addDrillCommand(CLI::App& app) {
   const auto options = std::make_shared<DrillOptions>();
   static const std::map<std::string, DrillFormat> formats = {{"table", DrillFormat::table},
                                                              {"json", DrillFormat::json}};
-  static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   const auto several = [](CLI::Option* option) {
     return option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   };
@@ -248,9 +244,13 @@ void addDrillCommand(CLI::App& app) {
   several(command.add_option("--set", options->report.settings, "Set a filter item of the report: key=value"));
   command.add_flag("!--no-dialog", options->report.dialog, "Do not run the report's filter dialog");
   command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
-  command.add_option("--lang", options->report.language, "zh or en")->transform(oneOf(languages));
+  addLanguageOption(command, options->report.language);
+  addScreenOptions(command, options->screen);
   addDateOption(command, options->report.date);
-  command.callback([options] { runDrill(*options, std::cout, std::cerr); });
+  command.callback([options] {
+    options->screen.screen = outputScreen();
+    runDrill(*options, std::cout, std::cerr);
+  });
 }
 
 }  // namespace quillon::workbench

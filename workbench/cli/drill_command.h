@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "workbench/cli/report_run.h"
+#include "workbench/cli/screen_options.h"
 
 namespace CLI {
 class App;
@@ -23,6 +24,7 @@ struct DrillOptions {
   std::vector<std::string> row = {};  // column=value, at least one
   std::string action = "Vouch";       // "Vouch": the source document; anything else: the general-ledger voucher
   DrillFormat format = DrillFormat::table;
+  ScreenOptions screen = {};
 };
 
 // Opens the document and writes it, or the message that the user gets instead. As JSON one object on one line:

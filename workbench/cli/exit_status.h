@@ -2,7 +2,8 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <string>
+
+#include "workbench/cli/usage_message.h"
 
 namespace quillon::workbench {
 
@@ -14,8 +15,8 @@ namespace quillon::workbench {
 }
 
 // Ends a command that was called wrongly: `reason` says how.
-[[noreturn]] inline void refuseUsage(const std::string& reason) {
-  throw CLI::ParseError(reason, CLI::ExitCodes::ValidationError);
+[[noreturn]] inline void refuseUsage(const Message& reason) {
+  throw CLI::ParseError(usageText(reason), CLI::ExitCodes::ValidationError);
 }
 
 }  // namespace quillon::workbench

@@ -8,7 +8,9 @@
 #include <nlohmann/json.hpp>
 
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/json_file.h"
@@ -20,12 +22,6 @@
 namespace quillon::workbench {
 
 namespace {
-
-constexpr Caption filterHeading{"名称", "Name"};
-constexpr Caption reportHeading{"报表", "Report"};
-constexpr Caption itemsHeading{"条件", "Items"};
-constexpr Caption noFilters{"没有保存的过滤条件：", "no filters are saved in "};
-constexpr Caption unreadable{"（无法读取）", "(cannot be read)"};
 
 const Report* reportOf(const nlohmann::ordered_json& file) {
   const auto id = file.find("id");
@@ -52,12 +48,12 @@ std::string itemsOf(FilterObject& filter, Language language) {
 void listFilters(const SavedFilters& filters, Language language, std::ostream& out) {
   const std::vector<std::string> names = filters.names();
   if (names.empty()) {
-    out << noFilters.in(language) << utf8FromPath(filters.folder()) << '\n';
+    out << messages::noFilters(utf8FromPath(filters.folder())).in(language) << '\n';
     return;
   }
-  TextTable table(out, {{std::string(filterHeading.in(language)), Align::left},
-                        {std::string(reportHeading.in(language)), Align::left},
-                        {std::string(itemsHeading.in(language)), Align::left}});
+  TextTable table(out, {{std::string(messages::filterHeading.in(language)), Align::left},
+                        {std::string(messages::reportHeading.in(language)), Align::left},
+                        {std::string(messages::itemsHeading.in(language)), Align::left}});
   for (const std::string& name : names) {
     const std::string file = utf8FromPath(filters.path(name));
     try {
@@ -67,7 +63,7 @@ void listFilters(const SavedFilters& filters, Language language, std::ostream& o
       applyFilterFile(filter, text, file);
       table.row({name, report == nullptr ? "" : report->registration.name, oneLine(itemsOf(filter, language))});
     } catch (const std::exception&) {
-      table.row({name, "", std::string(unreadable.in(language))});  // `show` says why
+      table.row({name, "", std::string(messages::unreadable.in(language))});  // `show` says why
     }
   }
   table.finish();
@@ -78,13 +74,13 @@ void addFiltersCommand(CLI::App& app) {
   command.require_subcommand(1);
   CLI::App& list = *command.add_subcommand("list", "List the saved filters with what they hold");
   const auto language = std::make_shared<Language>(Language::chinese);
-  static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
-  list.add_option("--lang", *language, "zh or en")->transform(oneOf(languages));
+  addLanguageOption(list, *language);
   list.callback([language] { listFilters(SavedFilters::ofUser(), *language, std::cout); });
 
   const auto name = std::make_shared<std::string>();
   CLI::App& show = *command.add_subcommand("show", "Print a saved filter's file, for --filter FILE elsewhere");
   show.add_option("NAME", *name, "The filter")->required();
+  addLanguageOption(show, *language);
   show.callback([name] {
     const SavedFilters filters = SavedFilters::ofUser();
     filters.requireThere(*name);
@@ -92,6 +88,7 @@ void addFiltersCommand(CLI::App& app) {
   });
   CLI::App& remove = *command.add_subcommand("remove", "Remove a saved filter");
   remove.add_option("NAME", *name, "The filter")->required();
+  addLanguageOption(remove, *language);
   remove.callback([name] { SavedFilters::ofUser().remove(*name); });
 }
 

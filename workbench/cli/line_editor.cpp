@@ -16,6 +16,8 @@
 #include <stdexcept>
 
 #include "workbench/cli/statement_history.h"
+#include "workbench/messages/program.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #endif
 
@@ -90,7 +92,7 @@ class EditedLines final : public LineEditor {
     // What is typed is shown where somebody sees it, if standard output is not there for it.
     FILE* const screen = isatty(STDOUT_FILENO) != 0 ? stdout : stderr;
     editor_ = el_init("quillon", stdin, screen, stderr);
-    if (editor_ == nullptr || history_ == nullptr) throw std::runtime_error("the terminal cannot be read line by line");
+    if (editor_ == nullptr || history_ == nullptr) throw UserError(messages::terminalNotReadable());
     el_set(editor_, EL_CLIENTDATA, this);
     el_set(editor_, EL_EDITOR, "emacs");
     el_set(editor_, EL_PROMPT, &EditedLines::promptOf);

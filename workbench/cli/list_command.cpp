@@ -9,7 +9,10 @@
 #include "workbench/account/csv.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/usage_message.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/account_session.h"
 #include "workbench/platform/lookup.h"
 #include "workbench/platform/nearest_name.h"
@@ -26,13 +29,6 @@ namespace {
 // What a table shows when nothing is said: more is looked for with --search, not read.
 constexpr std::size_t page = 200;
 
-constexpr Caption codeHeading{"编码", "Code"};
-constexpr Caption nameHeading{"名称", "Name"};
-constexpr Caption allEntries{"共 {count} 项", "{count} entries"};
-constexpr Caption oneEntry{"共 1 项", "1 entry"};
-constexpr Caption someEntries{"共 {count} 项，显示 {shown} 项；用 --search 查找，--limit 0 显示全部",
-                              "{shown} of {count} entries; look for one with --search, or see all with --limit 0"};
-
 std::vector<std::string> kindNames() {
   std::vector<std::string> names;
   for (const Lookup* const lookup : lookups())
@@ -47,25 +43,21 @@ std::string kindList() {
   return text;
 }
 
-std::string filled(std::string_view pattern, std::size_t shown, std::size_t count) {
-  std::string text(pattern);
-  for (const auto& [place, number] : {std::pair("{shown}", shown), std::pair("{count}", count)}) {
-    const auto at = text.find(place);
-    if (at != std::string::npos)
-      text.replace(at, std::string_view(place).size(), groupedCount(static_cast<std::int64_t>(number)));
-  }
-  return text;
-}
-
 void writeTable(const ListOptions& options, const LookupPage& entries, std::ostream& out) {
-  TextTable table(out, {{std::string(codeHeading.in(options.language)), Align::left},
-                        {std::string(nameHeading.in(options.language)), Align::left}});
+  TextTable table(out,
+                  {{std::string(messages::codeHeading.in(options.language)), Align::left},
+                   {std::string(messages::nameHeading.in(options.language)), Align::left}},
+                  options.screen.style(options.language));
   for (const LookupRow& row : entries.rows)
     table.row({oneLine(row.code), oneLine(row.name)});
   table.finish();
   const bool all = entries.rows.size() == entries.count;
-  const Caption& line = !all ? someEntries : entries.count == 1 ? oneEntry : allEntries;
-  out << filled(line.in(options.language), entries.rows.size(), entries.count) << '\n';
+  const std::string shown = groupedCount(static_cast<std::int64_t>(entries.rows.size()));
+  const std::string count = groupedCount(static_cast<std::int64_t>(entries.count));
+  const Message line = !all                 ? messages::someEntries(shown, count)
+                       : entries.count == 1 ? messages::oneEntry()
+                                            : messages::allEntries(count);
+  out << line.in(options.language) << '\n';
 }
 
 void writeCsv(const LookupPage& entries, std::ostream& out) {
@@ -101,8 +93,7 @@ void runList(const ListOptions& options, std::ostream& out) {
   const Lookup* const lookup = lookupOf(options.kind);
   if (lookup == nullptr) {
     const std::vector<std::string> names = kindNames();
-    throw UserError("there is no list of \"" + options.kind + "\"" + suggestion(options.kind, names) +
-                    "; there are: " + kindList());
+    throw UserError(messages::noSuchListOf(options.kind, suggestion(options.kind, names), listOf(names)));
   }
   AccountSession session;
   session.setAccount(options.account.readOnly());
@@ -115,15 +106,16 @@ void runList(const ListOptions& options, std::ostream& out) {
   }
   const LookupPage entries = findEntries(*lookup, query, session);
   tsql::endIfStopped();
-  if (options.format == ListFormat::csv) {
-    writeCsv(entries, out);
-  } else if (options.format == ListFormat::json) {
-    writeJson(options, entries, out);
-  } else {
-    writeTable(options, entries, out);
-  }
-  out.flush();
-  if (!out) throw UserError("the list could not be written to standard output");
+  const bool written = writePaged(out, options.screen, [&](std::ostream& pages) {
+    if (options.format == ListFormat::csv) {
+      writeCsv(entries, pages);
+    } else if (options.format == ListFormat::json) {
+      writeJson(options, entries, pages);
+    } else {
+      writeTable(options, entries, pages);
+    }
+  });
+  if (!written) throw UserError(messages::listNotWritten());
 }
 
 void addListCommand(CLI::App& app) {
@@ -131,12 +123,11 @@ void addListCommand(CLI::App& app) {
   const auto options = std::make_shared<ListOptions>();
   static const std::map<std::string, ListFormat> formats = {
       {"table", ListFormat::table}, {"csv", ListFormat::csv}, {"json", ListFormat::json}};
-  static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("KIND", options->kind, "What is listed: " + kindList())
       ->required()
       ->check([](const std::string& kind) {
         return lookupOf(kind) != nullptr ? std::string()
-                                         : "there is no list of \"" + kind + "\"" + suggestion(kind, kindNames());
+                                         : usageText(messages::noSuchList(kind, suggestion(kind, kindNames())));
       });
   addAccountOption(command, "--account", options->account).required();
   command.add_option("--search", options->search,
@@ -146,8 +137,12 @@ void addListCommand(CLI::App& app) {
   command.add_option("--offset", options->offset, "Leave this many out at the beginning")
       ->transform(wholeNumber<std::size_t>(0));
   command.add_option("--format", options->format, "table, csv or json")->transform(oneOf(formats));
-  command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
-  command.callback([options] { runList(*options, std::cout); });
+  addLanguageOption(command, options->language);
+  addScreenOptions(command, options->screen);
+  command.callback([options] {
+    options->screen.screen = outputScreen();
+    runList(*options, std::cout);
+  });
 }
 
 }  // namespace quillon::workbench

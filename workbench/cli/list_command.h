@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "workbench/cli/screen_options.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
 
@@ -25,6 +26,7 @@ struct ListOptions {
   std::optional<std::size_t> limit = {};  // 0: all; without it: all, in a table a page of them
   ListFormat format = ListFormat::table;
   Language language = Language::chinese;
+  ScreenOptions screen = {};
 };
 
 // Writes the entries that are found. Throws std::exception with one line for the user.

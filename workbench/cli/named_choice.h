@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "workbench/cli/usage_message.h"
+#include "workbench/messages/program.h"
 #include "workbench/platform/nearest_name.h"
 
 namespace quillon::workbench {
@@ -21,13 +23,10 @@ CLI::Validator oneOf(const std::map<std::string, Enumeration>& choices) {
           word = std::to_string(static_cast<int>(found->second));
           return {};
         }
-        std::string all;
         std::vector<std::string> names;
-        for (const auto& [name, value] : choices) {
-          all += (all.empty() ? "" : ", ") + name;
+        for (const auto& [name, value] : choices)
           names.push_back(name);
-        }
-        return "\"" + word + "\" is none of " + all + suggestion(word, names);
+        return usageText(messages::noneOf(word, listOf(names), suggestion(word, names)));
       },
       "");
 }

@@ -25,6 +25,7 @@
 #include <utility>
 
 #include "workbench/cli/stop_signals.h"
+#include "workbench/messages/program.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 
@@ -185,8 +186,7 @@ class PagedOutput::Buffer final : public std::streambuf {
     bool complete = send() && !failed_;
     if (pager_ || paged_) {
       leavePager();
-      if (std::exchange(noPager_, false))
-        throw UserError("there is no pager \"" + *command_ + "\"; correct PAGER, or give --no-pager");
+      if (std::exchange(noPager_, false)) throw UserError(messages::noPager(*command_));
     } else {
       complete = static_cast<bool>(out_.flush()) && complete;
     }

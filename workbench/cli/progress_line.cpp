@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdio>
 
+#include "workbench/messages/common.h"
+#include "workbench/messages/report.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/value_output.h"
 
@@ -11,15 +13,6 @@ namespace quillon::workbench {
 namespace {
 
 constexpr std::string_view eraseLine = "\r\x1b[K";
-
-constexpr Caption sums{"正在汇总结果", "Summing the result up"};
-constexpr Caption sorting{"正在读取结果并排序", "Reading and sorting the result"};
-constexpr Caption writing{"已写 ", "Rows written: "};
-constexpr Caption of{" / ", " of "};
-constexpr Caption rowsUnit{" 行", ""};
-constexpr Caption comma{"，", ", "};
-constexpr Caption colon{"：", ": "};
-constexpr Caption secondsUnit{" 秒", " s"};
 
 }  // namespace
 
@@ -34,11 +27,11 @@ ProgressLine::~ProgressLine() {
 void ProgressLine::statement(int number, std::string_view sql) {
   constexpr std::size_t bytesOfACell = 4;
   start(Work::other, std::to_string(number),
-        std::string(colon.in(language_)) + oneLine(sql.substr(0, bytesOfACell * cells_)), std::nullopt);
+        std::string(messages::colon.in(language_)) + oneLine(sql.substr(0, bytesOfACell * cells_)), std::nullopt);
 }
 
 void ProgressLine::readSums() {
-  start(Work::other, std::string(sums.in(language_)), "", std::nullopt);
+  start(Work::other, std::string(messages::summingUp.in(language_)), "", std::nullopt);
 }
 
 void ProgressLine::begin(std::optional<std::int64_t> rows) {
@@ -80,19 +73,22 @@ void ProgressLine::finish() {
 
 std::string ProgressLine::line() const {
   const std::chrono::duration<double> time = Clock::now() - begun_;
-  std::string seconds;
-  if (time.count() >= 1) {
-    std::array<char, 32> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%.1f", time.count());
-    seconds = std::string(comma.in(language_)).append(text.data(), static_cast<std::size_t>(length));
-    seconds += secondsUnit.in(language_);
-  }
-  if (work_ == Work::other) return before_ + seconds + behind_;
   const std::int64_t rows = rows_;
-  if (rows == 0) return std::string(sorting.in(language_)) + seconds;
-  std::string text = std::string(writing.in(language_)) + groupedCount(rows);
-  if (total_) text += std::string(of.in(language_)) + groupedCount(*total_);
-  return text + std::string(rowsUnit.in(language_)) + seconds;
+  Message text;
+  if (work_ == Work::other) {
+    text = messages::said(before_);
+  } else if (rows == 0) {
+    text = messages::readingAndSorting();
+  } else {
+    text = total_ ? messages::rowsWrittenOf(groupedCount(rows), groupedCount(*total_))
+                  : messages::rowsWritten(groupedCount(rows));
+  }
+  if (time.count() >= 1) {
+    std::array<char, 32> seconds{};
+    const int length = std::snprintf(seconds.data(), seconds.size(), "%.1f", time.count());
+    text = messages::timed(text, std::string_view(seconds.data(), static_cast<std::size_t>(length)));
+  }
+  return work_ == Work::other ? text.in(language_) + behind_ : text.in(language_);
 }
 
 void ProgressLine::draw() {

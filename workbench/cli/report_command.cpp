@@ -14,6 +14,7 @@
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/item_help.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/pager.h"
 #include "workbench/cli/progress_line.h"
@@ -22,6 +23,8 @@
 #include "workbench/cli/report_run.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/terminal.h"
+#include "workbench/cli/usage_message.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/html_page.h"
 #include "workbench/presentation/output_file.h"
@@ -89,7 +92,7 @@ void writeForPrograms(const ReportOptions& options, const MadeReport& report, st
     return;
   }
   const LaidOutReport laid = watchedLayout(options, report, progress);
-  if (laid.sections.empty()) throw UserError("no rows meet the conditions, and so there is nothing to lay out");
+  if (laid.sections.empty()) throw UserError(messages::nothingToLayOut());
   if (options.format == ReportFormat::csv) {
     writeCsv(out, laid.heading, laid.sections.front(), style);
   } else {
@@ -116,7 +119,7 @@ void writeToOutput(const ReportOptions& options, const MadeReport& report, std::
   if (progress != nullptr && !options.outputIsFile) beforeOutput = [progress] { progress->finish(); };
   PagedOutput paged(out, {.screen = options.screen, .pager = options.pager, .beforeOutput = beforeOutput});
   write(options, report, paged.stream(), rows);
-  if (!paged.finish()) throw UserError("the report could not be written to standard output");
+  if (!paged.finish()) throw UserError(messages::reportNotWritten());
 }
 
 void writeTo(const ReportOptions& options, const MadeReport& report, std::ostream& out, ProgressLine* progress) {
@@ -175,7 +178,7 @@ bool compareReports(const ReportOptions& options, const AccountSource& second, s
   again.saving = {};
   const auto two = reportOn(second, again, notes, progress.get());
   const auto firstRows = one->table().rows(), secondRows = two->table().rows();
-  return compareResults(*firstRows, *secondRows, options.layout.limit.value_or(shown), out);
+  return compareResults(*firstRows, *secondRows, options.layout.limit.value_or(shown), out, options.language);
 }
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
@@ -186,7 +189,7 @@ void runReport(const ReportOptions& options, std::ostream& out, std::ostream& no
   writeTo(options, *report, out, progress.get());
   if (progress) progress->finish();
   if (options.keep) report->keepTable();
-  if (options.keep) notes << "quillon: the result table " << report->table().name() << " is kept\n";
+  if (options.keep) notes << "quillon: " << messages::tableKept(report->table().name()).in(options.language) << '\n';
 }
 
 namespace {
@@ -226,7 +229,6 @@ void addReportCommand(CLI::App& app) {
                                                               {"json", ReportFormat::json},
                                                               {"html", ReportFormat::html},
                                                               {"xlsx", ReportFormat::xlsx}};
-  static const std::map<std::string, Language> languages = {{"zh", Language::chinese}, {"en", Language::english}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
   addItemHelp(command, options->report);
   addAccountOption(command, "--account", options->account).required();
@@ -243,7 +245,7 @@ void addReportCommand(CLI::App& app) {
       *command.add_option("--format", options->format, "table, csv, json, html or xlsx")->transform(oneOf(formats));
   CLI::Option& output =
       *command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
-  command.add_option("--lang", options->language, "zh or en")->transform(oneOf(languages));
+  addLanguageOption(command, options->language);
   addDateOption(command, options->date);
   addLayoutOptions(command, options->layout);
   command.add_flag("--captions", options->captions, "Head the columns with captions instead of names (csv)");
@@ -258,7 +260,7 @@ void addReportCommand(CLI::App& app) {
       .excludes(&format, &output, &keep);
   command.callback([options, second] {
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())
-      throw CLI::ValidationError("--format", "xlsx needs a file to write to; name one with -o FILE");
+      throw CLI::ValidationError("--format", usageText(messages::workbookNeedsFile()));
     options->terminal = errorsGoToTerminal();
     options->outputIsFile = outputIsFile();
     options->screen = outputScreen();

@@ -1,8 +1,10 @@
 #include "workbench/cli/report_comparison.h"
 
 #include <algorithm>
+#include <sstream>
 #include <string>
 
+#include "workbench/messages/report.h"
 #include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
@@ -15,10 +17,10 @@ bool sameColumns(std::span<const tsql::Column> first, std::span<const tsql::Colu
   });
 }
 
-void writeColumns(std::ostream& out, const char* source, std::span<const tsql::Column> columns) {
-  out << "the " << source << " source has the columns ";
+std::string columnsText(std::span<const tsql::Column> columns) {
+  std::ostringstream out;
   writeJsonColumns(out, columns);
-  out << '\n';
+  return out.str();
 }
 
 // The columns in which the rows differ, with both values.
@@ -53,11 +55,13 @@ bool sameRow(const tsql::Cursor& first, const tsql::Cursor& second) {
 
 }  // namespace
 
-bool compareResults(tsql::Cursor& first, tsql::Cursor& second, std::int64_t shown, std::ostream& out) {
+bool compareResults(tsql::Cursor& first, tsql::Cursor& second, std::int64_t shown, std::ostream& out,
+                    Language language) {
+  const auto say = [&out, language](const Message& line) { out << line.in(language) << '\n'; };
   if (!sameColumns(first.columns(), second.columns())) {
-    writeColumns(out, "first", first.columns());
-    writeColumns(out, "second", second.columns());
-    out << "different: the columns\n";
+    say(messages::firstHasColumns(columnsText(first.columns())));
+    say(messages::secondHasColumns(columnsText(second.columns())));
+    say(messages::differentColumns());
     return false;
   }
   std::int64_t firstRows = 0, secondRows = 0, different = 0;
@@ -68,23 +72,21 @@ bool compareResults(tsql::Cursor& first, tsql::Cursor& second, std::int64_t show
     secondRows += two ? 1 : 0;
     if (one && two && sameRow(first, second)) continue;
     if (++different > shown) continue;
-    out << "row " << groupedCount(std::max(firstRows, secondRows))
-        << (one && two ? ": "
-            : one      ? ", only in the first: "
-                       : ", only in the second: ");
+    const std::string number = groupedCount(std::max(firstRows, secondRows));
+    std::ostringstream values;
     if (one && two) {
-      writeChanges(out, first, second);
+      writeChanges(values, first, second);
+      say(messages::rowOfBoth(number, values.str()));
     } else {
-      writeRow(out, one ? first : second);
+      writeRow(values, one ? first : second);
+      say(one ? messages::rowOfFirst(number, values.str()) : messages::rowOfSecond(number, values.str()));
     }
-    out << '\n';
   }
-  if (different > shown) out << "and " << groupedCount(different - shown) << " more\n";
+  if (different > shown) say(messages::moreRows(groupedCount(different - shown)));
   if (different == 0) {
-    out << "equal: " << groupedCount(firstRows) << " rows of " << first.columns().size() << " columns\n";
+    say(messages::equalRows(groupedCount(firstRows), first.columns().size()));
   } else {
-    out << "different: " << groupedCount(different) << " rows; the first source has " << groupedCount(firstRows)
-        << " rows, the second " << groupedCount(secondRows) << '\n';
+    say(messages::differentRows(groupedCount(different), groupedCount(firstRows), groupedCount(secondRows)));
   }
   return different == 0;
 }

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/messages/report.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/lookup.h"
@@ -218,11 +219,10 @@ class Layouts {
 
 void checkLayout(const Report& report, const LayoutOptions& options) {
   if (!options.layout || std::ranges::find(report.layouts, *options.layout) != report.layouts.end()) return;
-  std::string names;
+  std::vector<std::string> names;
   for (const Layout layout : report.layouts)
-    names.append(names.empty() ? "" : ", ").append(layoutName(layout));
-  throw UserError(report.registration.name + " has no layout " + std::string(layoutName(*options.layout)) +
-                  "; it has " + names);
+    names.emplace_back(layoutName(layout));
+  throw UserError(messages::noSuchLayout(report.registration.name, layoutName(*options.layout), listOf(names)));
 }
 
 ReportDocument headingOf(const MadeReport& report, Language language, const std::string& company) {

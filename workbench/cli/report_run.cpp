@@ -8,6 +8,8 @@
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
 #include "workbench/cli/run_monitor.h"
+#include "workbench/messages/filter.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/missing_value.h"
@@ -18,8 +20,6 @@
 #include "workbench/tsql/values/stop.h"
 
 namespace quillon::workbench {
-
-namespace {}  // namespace
 
 void noteValuesToGive(const FilterObject& filter, std::string_view message, const SignedInAccount& account,
                       Language language, std::ostream& notes) {
@@ -42,8 +42,7 @@ std::set<const FilterEntry*> givenTo(const FilterObject& filter) {
 void saveFilter(const FilterToSave& saving, const FilterObject& filter, const std::set<const FilterEntry*>& entries,
                 Language language, std::ostream& notes) {
   SavedFilters::ofUser().save(saving.name, filterFileText(filter, entries, language), saving.replace);
-  constexpr Caption saved{"过滤条件已保存：", "the filter is saved as "};
-  notes << "quillon: " << saved.in(language) << saving.name << '\n';
+  notes << "quillon: " << messages::filterSaved(saving.name).in(language) << '\n';
 }
 
 namespace {
@@ -71,12 +70,12 @@ void passDialog(const Report& report, const SignedInAccount& account, const std:
   checkComplete(*filter);
   if (!runner->click()) {
     noteValuesToGive(*filter, message, account, language, notes);
-    throw UserError("the report's dialog does not accept the filter; change it, or give --no-dialog");
+    throw UserError(messages::dialogRefuses());
   }
   for (const FilterEntry* entry : given) {
     if (entry->available || entry->value == entry->item.defaultValue) continue;
-    notes << "quillon: the report's dialog would not let " << entry->item.key << " (" << entry->item.english
-          << ") be entered in this account; it is applied as it was given\n";
+    const Caption caption{entry->item.chinese, entry->item.english};
+    notes << "quillon: " << messages::dialogWouldNotLet(entry->item.key, caption).in(language) << '\n';
   }
 }
 
@@ -94,8 +93,8 @@ std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const R
   } else {
     checkFilter(*filter);
   }
-  for (const std::string& line : unknownCodes(*filter, *account.session))
-    notes << "quillon: " << oneLine(line) << '\n';
+  for (const Message& line : unknownCodes(*filter, *account.session))
+    notes << "quillon: " << oneLine(line.in(request.language)) << '\n';
   if (!request.saving.name.empty()) saveFilter(request.saving, *filter, given, request.language, notes);
   return filter;
 }
@@ -109,18 +108,17 @@ bool onlyGroupIndexStays(const StatementFailure& failure) {
 }
 
 // Says what stopped the build. Throws unless all rows were written by then.
-void reportStop(const RunMonitor& monitor, std::ostream& notes) {
+void reportStop(const RunMonitor& monitor, Language language, std::ostream& notes) {
   if (!monitor.failure()) {
-    throw UserError("the build stopped before a statement failed: a filter value could not be translated");
+    throw UserError(messages::filterNotTranslated());
   }
   const StatementFailure& failure = *monitor.failure();
   if (onlyGroupIndexStays(failure)) {
-    notes << "quillon: all rows are written, but the report could not drop its group index: the statement names it "
-             "without brackets and the name begins with a digit ("
-          << errorText(failure.number, failure.line, failure.message) << ")\n";
+    const Message error = errorText(failure.number, failure.line, failure.message);
+    notes << "quillon: " << messages::groupIndexStays(error).in(language) << '\n';
     return;
   }
-  throw UserError("the build stopped: " + errorText(failure));
+  throw UserError(messages::buildStopped(errorText(failure)));
 }
 
 // Work tables of a run on a server go on every way out.
@@ -150,13 +148,16 @@ class WorkTablesOnServer {
   bool reportDroppedThem_ = false;
 };
 
-std::string totalTime(const RunMonitor& monitor, double seconds) {
-  std::array<char, 160> text{};
-  const int length = std::snprintf(
-      text.data(), text.size(), "%d statements, %.1f ms in the account, %.1f ms in all (the report itself %.2f ms)\n",
-      monitor.statements(), monitor.secondsInStatements() * 1000, seconds * 1000,
-      (seconds - monitor.secondsInStatements()) * 1000);
+std::string decimals(const char* format, double number) {
+  std::array<char, 64> text{};
+  const int length = std::snprintf(text.data(), text.size(), format, number);
   return {text.data(), static_cast<std::size_t>(length)};
+}
+
+Message totalTime(const RunMonitor& monitor, double seconds) {
+  return messages::explainedTotal(monitor.statements(), decimals("%.1f", monitor.secondsInStatements() * 1000),
+                                  decimals("%.1f", seconds * 1000),
+                                  decimals("%.2f", (seconds - monitor.secondsInStatements()) * 1000));
 }
 
 }  // namespace
@@ -194,7 +195,7 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
   std::shared_ptr<FilterObject> filter = filledFilter(request, report, account, notes.notes);
   auto made = std::make_unique<MadeReport>(report, std::move(account), std::move(filter));
 
-  RunMonitor monitor(notes.progress, notes.explanation);
+  RunMonitor monitor(notes.progress, notes.explanation, request.language);
   EmbeddedPlatform platform({.account = made->account().source,
                              .language = request.language,
                              .monitor = &monitor,
@@ -216,11 +217,12 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
       throw;
     }
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    if (notes.explanation != nullptr) *notes.explanation << totalTime(monitor, time.count());
+    if (notes.explanation != nullptr)
+      *notes.explanation << totalTime(monitor, time.count()).in(request.language) << '\n';
   }
   tsql::endIfStopped();
   if (monitor.leftOpen()) {
-    reportStop(monitor, notes.notes);
+    reportStop(monitor, request.language, notes.notes);
   } else {
     workTables.reportDroppedThem();
   }

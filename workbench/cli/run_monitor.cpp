@@ -3,6 +3,9 @@
 #include <array>
 #include <cstdio>
 
+#include "workbench/messages/common.h"
+#include "workbench/messages/report.h"
+#include "workbench/messages/told_error.h"
 #include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
@@ -11,30 +14,31 @@ namespace {
 
 std::string milliseconds(double seconds) {
   std::array<char, 32> text{};
-  const int length = std::snprintf(text.data(), text.size(), "%.1f ms", seconds * 1000);
+  const int length = std::snprintf(text.data(), text.size(), "%.1f", seconds * 1000);
   return {text.data(), static_cast<std::size_t>(length)};
 }
 
 }  // namespace
 
-std::string errorText(int number, int line, std::string_view message) {
-  std::string text;
-  if (number != 0) text = "error " + std::to_string(number);
-  if (line > 0) text += (text.empty() ? "line " : " in line ") + std::to_string(line) + " of the batch";
-  return (text.empty() ? text : text + ": ").append(message);
+Message errorText(int number, int line, std::string_view message) {
+  if (number != 0 && line > 0) return messages::sqlErrorInLine(number, line, message);
+  if (number != 0) return messages::sqlError(number, message);
+  if (line > 0) return messages::sqlErrorAtLine(line, message);
+  return messages::said(message);
 }
 
-std::string errorText(const StatementFailure& failure) {
+Message errorText(const StatementFailure& failure) {
   constexpr std::size_t statementCells = 160;
-  return errorText(failure.number, failure.line, failure.message) +
-         ", at: " + shortened(oneLine(failure.sql), statementCells);
+  return messages::atStatement(errorText(failure.number, failure.line, failure.message),
+                               shortened(oneLine(failure.sql), statementCells));
 }
 
-std::string errorText(const std::exception& error) {
+Message errorText(const std::exception& error) {
+  if (const auto* told = dynamic_cast<const InBothLanguages*>(&error)) return told->message();
   if (const auto* refused = dynamic_cast<const StatementError*>(&error)) return errorText(refused->failure());
   if (const auto* sql = dynamic_cast<const tsql::SqlError*>(&error); sql != nullptr && sql->line() > 0)
     return errorText(sql->number(), sql->line(), sql->message());
-  return error.what();
+  return messages::said(error.what());
 }
 
 void RunMonitor::started(std::string_view sql) {
@@ -46,25 +50,23 @@ void RunMonitor::finished(std::string_view sql, double seconds, std::int64_t row
   seconds_ += seconds;
   clearProgress();
   if (explanation_ == nullptr) return;
-  *explanation_ << '[' << statements_ << "] " << milliseconds(seconds);
-  if (rows >= 0) *explanation_ << ", " << rows << (rows == 1 ? " row" : " rows");
-  *explanation_ << '\n' << sql << "\n\n";
+  Message line = messages::explainedStatement(statements_, milliseconds(seconds));
+  if (rows >= 0) line = rows == 1 ? messages::withRow(line, rows) : messages::withRows(line, rows);
+  *explanation_ << line.in(language_) << '\n' << sql << "\n\n";
 }
 
 void RunMonitor::failed(const StatementFailure& failure) {
   failure_ = failure;
   clearProgress();
   if (explanation_ == nullptr) return;
-  *explanation_ << '[' << statements_ << "] failed: " << errorText(failure.number, failure.line, failure.message)
-                << '\n'
-                << failure.sql << "\n\n";
+  const Message error = errorText(failure.number, failure.line, failure.message);
+  *explanation_ << messages::explainedFailure(statements_, error).in(language_) << '\n' << failure.sql << "\n\n";
 }
 
 void RunMonitor::told(const odbc::Diagnostic& message) {
   if (explanation_ == nullptr) return;
   clearProgress();
-  *explanation_ << '[' << statements_ << "] the server says: " << message.text << " (number " << message.number
-                << ", line " << message.line << ")\n";
+  *explanation_ << messages::serverSays(statements_, message.text, message.number, message.line).in(language_) << '\n';
 }
 
 void RunMonitor::clearProgress() {

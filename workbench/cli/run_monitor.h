@@ -7,22 +7,24 @@
 #include <string>
 
 #include "workbench/cli/progress_line.h"
+#include "workbench/messages/message.h"
 #include "workbench/platform/account_session.h"
 
 namespace quillon::workbench {
 
-// "error 207 in line 1 of the batch: Invalid column name 'x'."; without number and line what has none.
-std::string errorText(int number, int line, std::string_view message);
+// Errors of SQL in the catalogue's sentences around their own words: "error 207 in line 1 of the batch: Invalid column name 'x'."; without number and line what has none.
+Message errorText(int number, int line, std::string_view message);
 // The same with the statement behind it, cut to a line.
-std::string errorText(const StatementFailure& failure);
+Message errorText(const StatementFailure& failure);
 // What went wrong, for a person: of a statement as above, of anything else its own text.
-std::string errorText(const std::exception& error);
+Message errorText(const std::exception& error);
 
 class RunMonitor final : public SessionMonitor {
  public:
   // `progress` shows the running statement. `explanation` gets each statement with its time and row count. Either may be
   // null.
-  RunMonitor(ProgressLine* progress, std::ostream* explanation) : progress_(progress), explanation_(explanation) {}
+  RunMonitor(ProgressLine* progress, std::ostream* explanation, Language language = Language::english)
+      : progress_(progress), explanation_(explanation), language_(language) {}
 
   void opened() override { open_ = true; }
   void started(std::string_view sql) override;
@@ -42,6 +44,7 @@ class RunMonitor final : public SessionMonitor {
 
   ProgressLine* progress_;
   std::ostream* explanation_;
+  Language language_;
   std::optional<StatementFailure> failure_;
   bool open_ = false;
   double seconds_ = 0;

@@ -10,6 +10,7 @@
 
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/exit_status.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/cli/line_editor.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/pager.h"
@@ -17,6 +18,8 @@
 #include "workbench/cli/sql_prompt.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/terminal.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/program.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/stop.h"
 #include "workbench/tsql/values/utf8_path.h"
@@ -68,7 +71,7 @@ int runScript(tsql::Database& account, std::istream& script, const std::string& 
     try {
       account.run(text, *output);
     } catch (const tsql::Stopped&) {
-      throw UserError("in batch " + std::to_string(done + 1) + "; the batches before it are done");
+      throw UserError(messages::stoppedInBatch(done + 1));
     } catch (const tsql::SqlError& error) {
       output->error(error, reader.firstLine());
       ++failed;
@@ -86,6 +89,7 @@ void addSqlCommand(CLI::App& app) {
     std::string file;
     bool wide = false;
     bool pager = true;
+    Language language = Language::english;
   };
   CLI::App& command = *app.add_subcommand("sql", "Run T-SQL batches, separated by lines that hold only `go`");
   const auto options = std::make_shared<Options>();
@@ -96,10 +100,11 @@ void addSqlCommand(CLI::App& app) {
   command.add_option("--format", options->format, "table, csv or json")->transform(oneOf(formats));
   command.add_option("FILE", options->file,
                      "The script; standard input when it is left out, and a prompt where somebody types there");
+  addLanguageOption(command, options->language);
   command.add_flag("--wide", options->wide, "Show all of a table on a terminal that is too narrow for it");
   command.add_flag("!--no-pager", options->pager, "Do not show what is longer than the terminal in the pager (PAGER)");
   command.callback([options] {
-    if (options->account.text().empty() && !options->empty) refuseUsage("give either --account or --empty");
+    if (options->account.text().empty() && !options->empty) refuseUsage(messages::accountOrEmpty());
     const std::unique_ptr<tsql::Database> account =
         options->empty
             ? tsql::Connection::openInMemory()
@@ -109,23 +114,28 @@ void addSqlCommand(CLI::App& app) {
     if (options->file.empty() && inputIsTerminal()) {
       const auto editor = makeLineEditor();
       runPrompt(*account, *editor, std::cout, std::cerr,
-                {.format = options->format, .screen = screen, .wide = options->wide, .pager = options->pager});
+                {.format = options->format,
+                 .screen = screen,
+                 .wide = options->wide,
+                 .pager = options->pager,
+                 .language = options->language});
       return;
     }
     std::ifstream file;
     if (!options->file.empty()) {
       file.open(pathFromUtf8(options->file), std::ios::binary);
-      if (!file) throw UserError("cannot read " + options->file + "; check the name and its permissions");
+      if (!file) throw UserError(messages::cannotRead(options->file));
     }
     std::istream& script = options->file.empty() ? std::cin : file;
-    const std::string name = options->file.empty() ? "the script" : options->file;
+    const std::string name =
+        options->file.empty() ? std::string(messages::theScript.in(options->language)) : options->file;
     PagedOutput paged(std::cout, {.screen = screen, .pager = options->pager});
     // Where the pager has the terminal, errors are read in it, too.
     const bool errorsInPager = screen && options->pager && errorsGoToTerminal();
     const int failed =
         runScript(*account, script, name, options->format, paged.stream(), errorsInPager ? paged.stream() : std::cerr,
-                  tableStyle(screen, options->wide, Language::english));
-    if (!paged.finish()) throw UserError("the results could not be written to standard output");
+                  tableStyle(screen, options->wide, options->language));
+    if (!paged.finish()) throw UserError(messages::resultsNotWritten());
     if (failed > 0 && options->format != SqlFormat::json) endWith(1);
   });
 }

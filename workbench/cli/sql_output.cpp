@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "workbench/cli/run_monitor.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/program.h"
 #include "workbench/presentation/csv_record.h"
 #include "workbench/presentation/value_output.h"
 
@@ -12,14 +14,12 @@ namespace quillon::workbench {
 namespace {
 
 // The error of the batch that begins in line `firstLine` of `script`, as a line for people.
-void tell(std::ostream& errors, const std::string& script, const tsql::SqlError& error, int firstLine) {
-  errors << "quillon: " << script;
-  if (error.line() > 0) {
-    errors << ", line " << firstLine + error.line() - 1 << ": ";
-  } else {
-    errors << ", in the batch that begins in line " << firstLine << ": ";
-  }
-  errors << errorText(error.number(), 0, error.message()) << '\n';
+void tell(std::ostream& errors, const std::string& script, const tsql::SqlError& error, int firstLine,
+          Language language) {
+  const Message words = errorText(error.number(), 0, error.message());
+  const Message line = error.line() > 0 ? messages::atLine(script, firstLine + error.line() - 1, words)
+                                        : messages::errorInBatch(script, firstLine, words);
+  errors << "quillon: " << line.in(language) << '\n';
 }
 
 class JsonOutput final : public SqlOutput {
@@ -96,12 +96,13 @@ class TableOutput final : public SqlOutput {
 
   void rowsAffected(std::int64_t count) override {
     endTable();
-    out_ << '(' << count << (count == 1 ? " row)\n\n" : " rows)\n\n");
+    const Message line = count == 1 ? messages::oneRow() : messages::rowCount(count);
+    out_ << line.in(style_.language) << "\n\n";
   }
 
   void error(const tsql::SqlError& error, int firstLine) override {
     endTable();
-    tell(errors_, script_, error, firstLine);
+    tell(errors_, script_, error, firstLine, style_.language);
   }
 
  private:
@@ -119,8 +120,8 @@ class TableOutput final : public SqlOutput {
 
 class CsvOutput final : public SqlOutput {
  public:
-  CsvOutput(std::string script, std::ostream& out, std::ostream& errors)
-      : script_(std::move(script)), out_(out), errors_(errors) {}
+  CsvOutput(std::string script, std::ostream& out, std::ostream& errors, Language language)
+      : script_(std::move(script)), out_(out), errors_(errors), language_(language) {}
 
   void columns(std::span<const tsql::Column> columns) override {
     if (!first_) out_ << "\r\n";
@@ -134,12 +135,15 @@ class CsvOutput final : public SqlOutput {
 
   void rowsAffected(std::int64_t /*count*/) override {}
 
-  void error(const tsql::SqlError& error, int firstLine) override { tell(errors_, script_, error, firstLine); }
+  void error(const tsql::SqlError& error, int firstLine) override {
+    tell(errors_, script_, error, firstLine, language_);
+  }
 
  private:
   std::string script_;
   std::ostream& out_;
   std::ostream& errors_;
+  Language language_;
   bool first_ = true;
 };
 
@@ -151,7 +155,7 @@ std::unique_ptr<SqlOutput> makeSqlOutput(SqlFormat format, const std::string& sc
     case SqlFormat::json:
       return std::make_unique<JsonOutput>(out);
     case SqlFormat::csv:
-      return std::make_unique<CsvOutput>(script, out, errors);
+      return std::make_unique<CsvOutput>(script, out, errors, style.language);
     case SqlFormat::table:
       break;
   }

@@ -9,23 +9,15 @@
 
 #include "frame/text.h"
 #include "workbench/cli/pager.h"
+#include "workbench/cli/run_monitor.h"
 #include "workbench/cli/sql_batch.h"
 #include "workbench/cli/stop_signals.h"
+#include "workbench/messages/program.h"
 #include "workbench/tsql/values/stop.h"
 
 namespace quillon::workbench {
 
 namespace {
-
-constexpr std::string_view welcome = "A line `go` runs what was typed before it. .help tells more, .quit ends.\n";
-constexpr std::string_view help =
-    "go              runs what was typed since the last go; it stands on a line of its own\n"
-    ".tables         the account's tables\n"
-    ".columns TABLE  the columns of a table, with their types\n"
-    ".help           this list\n"
-    ".quit           ends, as Ctrl-D does\n"
-    "Ctrl-C          takes back the line that is typed; on an empty line all lines since the last go; stops what runs\n"
-    "Arrow keys      edit the line and fetch earlier ones\n";
 
 class Prompt {
  public:
@@ -34,7 +26,7 @@ class Prompt {
       : account_(account), editor_(editor), out_(out), errors_(errors), options_(options) {}
 
   void run() {
-    talk() << welcome << std::flush;
+    talk() << messages::promptWelcome.in(options_.language) << '\n' << std::flush;
     while (true) {
       const TypedLine line = editor_.read(batch_.empty() ? "sql> " : "  -> ");
       switch (line.end) {
@@ -62,7 +54,7 @@ class Prompt {
   static void goOnAfterStop() {
     const auto stop = stopCause();
     constexpr int interrupted = 128 + SIGINT;
-    if (stop && stop->exitStatus != interrupted && *stop->name != '\0') throw tsql::Stopped();
+    if (stop && stop->exitStatus != interrupted && !stop->name.english.empty()) throw tsql::Stopped();
     forgetStopCause();
   }
 
@@ -86,15 +78,15 @@ class Prompt {
     const std::string_view name = text.substr(0, end), argument = trimBlanks(text.substr(end));
     if (name == ".quit") return false;
     if (name == ".help") {
-      talk() << help;
+      talk() << messages::promptHelp.in(options_.language) << '\n';
     } else if (name == ".tables") {
       show([this](std::ostream& out) { listTables(out); });
     } else if (name == ".columns" && !argument.empty()) {
       show([this, argument](std::ostream& out) { listColumns(out, std::string(argument)); });
     } else if (name == ".columns") {
-      errors_ << "name a table: .columns TABLE\n";
+      errors_ << messages::promptNameTable.in(options_.language) << '\n';
     } else {
-      errors_ << "there is no command " << name << "; .help lists them\n";
+      errors_ << messages::promptNoCommand(name).in(options_.language) << '\n';
     }
     return true;
   }
@@ -109,10 +101,13 @@ class Prompt {
   void listColumns(std::ostream& out, const std::string& name) {
     const std::vector<tsql::Column> columns = account_.describe(name);
     if (columns.empty()) {
-      errors_ << "there is no table " << name << "; .tables lists them\n";
+      errors_ << messages::promptNoTable(name).in(options_.language) << '\n';
       return;
     }
-    TextTable table(out, {{"column"}, {"type"}}, tableStyle(options_.screen, options_.wide, Language::english));
+    TextTable table(out,
+                    {{std::string(messages::columnHeading.in(options_.language))},
+                     {std::string(messages::typeHeading.in(options_.language))}},
+                    tableStyle(options_.screen, options_.wide, options_.language));
     for (const tsql::Column& column : columns)
       table.row({column.name, column.type.name()});
     table.finish();
@@ -123,8 +118,8 @@ class Prompt {
     if (isBlank(batch)) return;
     show([&](std::ostream& out) {
       std::ostringstream errors;
-      const auto output = makeSqlOutput(options_.format, "the batch", out, errors,
-                                        tableStyle(options_.screen, options_.wide, Language::english));
+      const auto output = makeSqlOutput(options_.format, std::string(messages::theBatch.in(options_.language)), out,
+                                        errors, tableStyle(options_.screen, options_.wide, options_.language));
       try {
         account_.run(batch, *output);
       } catch (const tsql::Stopped&) {
@@ -150,12 +145,12 @@ class Prompt {
       }
       paged.finish();
     } catch (const std::exception& error) {
-      failure_ += std::string("quillon: ") + error.what() + '\n';
+      failure_ += "quillon: " + errorText(error).in(options_.language) + '\n';
     }
     const auto stop = stopCause();
-    const bool byUser = stopped && stop && *stop->name != '\0';
+    const bool byUser = stopped && stop && !stop->name.english.empty();
     goOnAfterStop();
-    if (byUser) failure_ += "stopped\n";
+    if (byUser) failure_.append(messages::promptStopped.in(options_.language)).append("\n");
     errors_ << failure_ << std::flush;
   }
 

@@ -16,6 +16,7 @@ struct PromptOptions {
   std::optional<Screen> screen = std::nullopt;  // of `out`; none: what belongs to the conversation goes to `errors`
   bool wide = false;
   bool pager = true;
+  Language language = Language::english;
 };
 
 // Runs batches, each when a line `go` ends it, and the prompt's own commands (.help lists them) until the user leaves with

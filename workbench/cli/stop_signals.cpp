@@ -1,5 +1,6 @@
 #include "workbench/cli/stop_signals.h"
 
+#include "workbench/messages/program.h"
 #include "workbench/tsql/values/stop.h"
 
 #ifdef _WIN32
@@ -68,9 +69,9 @@ std::optional<StopCause> stopCause() {
     case 0:
       break;
     case interrupted:
-      return StopCause{.exitStatus = statusOfSignals + interrupted, .name = "Ctrl-C"};
+      return StopCause{.exitStatus = statusOfSignals + interrupted, .name = messages::interruptKey.caption()};
     default:
-      return StopCause{.exitStatus = statusOfSignals + terminated, .name = "the closing of its window or session"};
+      return StopCause{.exitStatus = statusOfSignals + terminated, .name = messages::windowClosed.caption()};
   }
   // Nothing tells of a closed pipe but the write that fails.
   const auto output = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stdout)));
@@ -100,11 +101,11 @@ std::optional<StopCause> stopCause() {
     case SIGPIPE:
       return StopCause{};
     case SIGINT:
-      return StopCause{.exitStatus = statusOfSignals + signal, .name = "Ctrl-C"};
+      return StopCause{.exitStatus = statusOfSignals + signal, .name = messages::interruptKey.caption()};
     case SIGHUP:
-      return StopCause{.exitStatus = statusOfSignals + signal, .name = "the closing of its terminal"};
+      return StopCause{.exitStatus = statusOfSignals + signal, .name = messages::terminalClosed.caption()};
     default:
-      return StopCause{.exitStatus = statusOfSignals + signal, .name = "a request to end"};
+      return StopCause{.exitStatus = statusOfSignals + signal, .name = messages::askedToEnd.caption()};
   }
 }
 

@@ -3,6 +3,8 @@
 
 #include <optional>
 
+#include "workbench/platform/language.h"
+
 namespace quillon::workbench {
 
 // From now on these ask what runs to end (tsql::requestStop), so that everything is put away that a run has made: SIGINT,
@@ -12,8 +14,8 @@ void watchStopSignals();
 
 // Why the run was asked to end.
 struct StopCause {
-  int exitStatus = 0;     // 128 and the signal's number; 0 for a closed pipe: whoever read has what he wanted
-  const char* name = "";  // for the user: "Ctrl-C"; empty for a closed pipe, which nobody needs to be told of
+  int exitStatus = 0;  // 128 and the signal's number; 0 for a closed pipe: whoever read has what he wanted
+  Caption name = {};   // for the user: "Ctrl-C"; empty for a closed pipe, which nobody needs to be told of
 };
 std::optional<StopCause> stopCause();
 // Takes the wish back, for a program that ends what it was doing and goes on.

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "workbench/cli/exit_status.h"
+#include "workbench/cli/usage_message.h"
+#include "workbench/messages/trace.h"
 #include "workbench/platform/json_file.h"
 #include "workbench/platform/nearest_name.h"
 #include "workbench/platform/user_error.h"
@@ -33,7 +35,7 @@ std::vector<std::string> eventsOf(const Json& description, const std::string& fi
   try {
     return events.get<std::vector<std::string>>();
   } catch (const Json::exception&) {
-    throw UserError(file + ": events must be an array of texts, such as [\"init\", \"change:iYear=2024\"]");
+    throw UserError(messages::eventsMustBeTexts(file));
   }
 }
 
@@ -44,7 +46,7 @@ int runTrace(const TraceOptions& options) {
   }
   const Json description = readJsonFile(options.caseFile);
   if (!description.is_object() || !description.contains("report") || !description["report"].is_string()) {
-    throw UserError(options.caseFile + " names no report: give it the keys report, filter and platform");
+    throw UserError(messages::caseNamesNoReport(options.caseFile));
   }
   return trace(description["report"], description.value("filter", Json::object()),
                description.value("platform", Json::object()), std::cout, std::cerr,
@@ -63,7 +65,7 @@ void addTraceCommand(CLI::App& app) {
       ->check([](const std::string& name) {
         const std::vector<std::string> names = traceNames();
         if (std::ranges::find(names, name) != names.end()) return std::string();
-        return "there is no \"" + name + "\" to trace" + suggestion(name, names);
+        return usageText(messages::nothingToTrace(name, suggestion(name, names)));
       });
   command.add_option("--filter", options->filterFile, "The filter's description, for execute the row's; a JSON file");
   command.add_option("--platform", options->platformFile, "The platform's description, a JSON file");
@@ -78,7 +80,7 @@ void addTraceCommand(CLI::App& app) {
     const bool undescribed = options->report.empty() && options->filterFile.empty() && options->platformFile.empty() &&
                              options->events.empty();
     if (options->caseFile.empty() ? !described : !undescribed) {
-      refuseUsage("give either REPORT with --filter and --platform, or --case");
+      refuseUsage(messages::reportOrCase());
     }
     if (const int status = runTrace(*options); status != 0) endWith(status);
   });

@@ -4,11 +4,14 @@
 #include <array>
 #include <string_view>
 
+#include "workbench/messages/account.h"
 #include "workbench/odbc/wide_text.h"
 
 namespace quillon::odbc {
 
 namespace {
+
+namespace messages = workbench::messages;
 
 // SQL Server's own field of a diagnostic record: the line of the batch.
 constexpr SQLSMALLINT lineField = -1154;
@@ -90,7 +93,7 @@ bool tellLostConnection(std::span<const Diagnostic> diagnostics) {
 }
 
 std::string describe(std::span<const Diagnostic> diagnostics) {
-  if (diagnostics.empty()) return "the ODBC driver failed and did not say why";
+  if (diagnostics.empty()) return std::string(messages::driverSilent.in(workbench::Language::english));
   std::string text;
   for (std::size_t i = 0; i < diagnostics.size(); ++i) {
     const Diagnostic& record = diagnostics[i];
@@ -109,28 +112,26 @@ tsql::SqlError errorOf(std::span<const Diagnostic> diagnostics) {
   return {diagnostics.front().number, describe(diagnostics), diagnostics.front().line};
 }
 
-std::string describeLoss(std::span<const Diagnostic> diagnostics) {
-  return "the connection to the database server is lost: " + describe(diagnostics) +
-         "; run it again when the server can be reached";
+workbench::Message describeLoss(std::span<const Diagnostic> diagnostics) {
+  return messages::connectionLost(describe(diagnostics));
 }
 
-std::string describeRefusal(std::span<const Diagnostic> diagnostics) {
-  std::string advice;
+workbench::Message describeRefusal(std::span<const Diagnostic> diagnostics) {
+  workbench::Message advice;
   if (hasState(diagnostics, "IM") || hasText(diagnostics, "Can't open lib")) {
-    advice = "check the driver's name (Driver=) or the data source's (DSN=), and that the driver is installed";
 #ifdef _WIN32
-    advice += " (the ODBC administrator of 32-bit Windows lists both)";
+    advice = messages::checkDriver(messages::driversOnWindows());
 #else
-    advice += " (\"odbcinst -q -d\" and \"odbcinst -q -s\" list both)";
+    advice = messages::checkDriver(messages::driversElsewhere());
 #endif
   } else if (hasState(diagnostics, "28")) {
-    advice = "check the user and the password (UID=, PWD=)";
+    advice = messages::checkPassword();
   } else if (tellLostConnection(diagnostics) || hasState(diagnostics, "08") || hasState(diagnostics, "HYT")) {
-    advice = "check Server= and its port, and that the server runs and can be reached";
+    advice = messages::checkServer();
   } else {
-    advice = "check the connection string";
+    advice = messages::checkConnectionString();
   }
-  return "cannot connect to the database server: " + describe(diagnostics) + "; " + advice;
+  return messages::cannotConnect(describe(diagnostics), advice);
 }
 
 }  // namespace quillon::odbc

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/messages/told_error.h"
 #include "workbench/odbc/api.h"
 #include "workbench/odbc/odbc_database.h"
 
@@ -24,9 +25,23 @@ std::string describe(std::span<const Diagnostic> diagnostics);
 tsql::SqlError errorOf(std::span<const Diagnostic> diagnostics);
 
 // What became of the connection and what to do, when it is lost.
-std::string describeLoss(std::span<const Diagnostic> diagnostics);
+workbench::Message describeLoss(std::span<const Diagnostic> diagnostics);
 
 // What is wrong and what to do when a connection cannot be opened.
-std::string describeRefusal(std::span<const Diagnostic> diagnostics);
+workbench::Message describeRefusal(std::span<const Diagnostic> diagnostics);
+
+// A connection that cannot be opened, with what to do about it.
+class ConnectionRefused final : public tsql::SqlError, public workbench::InBothLanguages {
+ public:
+  ConnectionRefused(int number, const workbench::Message& message)
+      : SqlError(number, message.english()), InBothLanguages(message) {}
+};
+
+// A connection that is lost, with what to do about it.
+class LostConnection final : public tsql::ConnectionLost, public workbench::InBothLanguages {
+ public:
+  explicit LostConnection(const workbench::Message& message)
+      : ConnectionLost(message.english()), InBothLanguages(message) {}
+};
 
 }  // namespace quillon::odbc

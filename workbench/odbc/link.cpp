@@ -1,5 +1,7 @@
 #include "workbench/odbc/link.h"
 
+#include "workbench/messages/account.h"
+#include "workbench/odbc/diagnostics.h"
 #include "workbench/odbc/wide_text.h"
 #include "workbench/tsql/values/stop.h"
 
@@ -17,14 +19,15 @@ SQLPOINTER number(int value) {
 
 Link::Link(const ConnectionString& connectionString, ConnectOptions options) : options_(std::move(options)) {
   if (!environment_.allocate(SQL_NULL_HANDLE)) {
-    throw tsql::SqlError(0,
-                         "cannot connect to the database server: ODBC's driver manager does not work on this machine");
+    throw ConnectionRefused(0, workbench::messages::noDriverManager());
   }
   SQLSetEnvAttr(environment_.get(), SQL_ATTR_ODBC_VERSION, number(SQL_OV_ODBC3), SQL_IS_UINTEGER);
   const auto refuse = [&](SQLSMALLINT type, SQLHANDLE handle) {
     const auto diagnostics = diagnosticsOf(type, handle);
-    throw tsql::SqlError(diagnostics.empty() ? 0 : diagnostics.front().number,
-                         connectionString.withoutPasswordIn(describeRefusal(diagnostics)));
+    throw ConnectionRefused(diagnostics.empty() ? 0 : diagnostics.front().number,
+                            describeRefusal(diagnostics).changed([&](const std::string& text) {
+                              return connectionString.withoutPasswordIn(text);
+                            }));
   };
   if (!connection_.allocate(environment_.get())) refuse(SQL_HANDLE_ENV, environment_.get());
   SQLSetConnectAttrW(connection_.get(), SQL_ATTR_LOGIN_TIMEOUT, number(options_.connectionTimeout), SQL_IS_UINTEGER);
@@ -43,7 +46,7 @@ Link::~Link() {
 }
 
 void Link::requireConnection() const {
-  if (lost_) throw tsql::ConnectionLost(*lost_);
+  if (lost_) throw LostConnection(*lost_);
 }
 
 void Link::fail(SQLSMALLINT handleType, SQLHANDLE handle) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "workbench/messages/message.h"
 #include "workbench/odbc/api.h"
 #include "workbench/odbc/cancellation.h"
 #include "workbench/odbc/diagnostics.h"
@@ -52,7 +53,7 @@ class Link {
   ConnectOptions options_;
   Handle<SQL_HANDLE_ENV> environment_;
   Handle<SQL_HANDLE_DBC> connection_;
-  std::optional<std::string> lost_;  // how it was
+  std::optional<workbench::Message> lost_;  // how it was
 };
 
 // A batch that runs: its results, one after the other.

@@ -172,6 +172,8 @@ void AccountSession::open(std::string_view, std::string_view, int) {
     if (monitor_ != nullptr) options.messages = [this](const odbc::Diagnostic& message) { monitor_->told(message); };
     connection_ = account_.open(tsql::OpenMode::existing, std::move(options));
   } catch (const std::exception& error) {
+    if (const auto* told = dynamic_cast<const InBothLanguages*>(&error); told != nullptr)
+      throw SessionRefused(told->message());
     throw sessionError(hresult::fail, error.what());
   }
   if (monitor_ != nullptr) monitor_->opened();

@@ -12,6 +12,7 @@
 
 #include "frame/automation_error.h"
 #include "frame/session.h"
+#include "workbench/messages/told_error.h"
 #include "workbench/odbc/odbc_database.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/tsql/values/database.h"
@@ -50,6 +51,13 @@ class StatementError final : public AutomationError {
 
  private:
   StatementFailure failure_;
+};
+
+// A session that could not be opened.
+class SessionRefused final : public AutomationError, public InBothLanguages {
+ public:
+  explicit SessionRefused(const Message& message)
+      : AutomationError(hresult::fail, std::string(sessionSource), message.english()), InBothLanguages(message) {}
 };
 
 // Watches a session; every member is called on the session's thread.

@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "frame/text.h"
+#include "workbench/messages/account.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
@@ -88,11 +90,9 @@ AccountSource AccountSource::readOnly() const {
 
 std::filesystem::path AccountSource::file() const {
   if (onServer()) {
-    throw std::invalid_argument(
-        "a connection string to a database server cannot be used here; name an account file (made with \"quillon "
-        "account new FILE\")");
+    throw InputError(messages::fileWanted());
   }
-  if (file_.empty()) throw std::invalid_argument("no account is named; name an account file");
+  if (file_.empty()) throw InputError(messages::noAccountNamed());
   return pathFromUtf8(file_);
 }
 
@@ -107,9 +107,7 @@ std::unique_ptr<tsql::Database> AccountSource::open(tsql::OpenMode mode, odbc::C
   if (!onServer() && !scratch_.empty()) return tsql::Connection::openWithScratch(file(), scratch_);
   if (!onServer()) return tsql::Connection::open(file(), readOnly_ ? tsql::OpenMode::readOnly : mode);
   if (!server_->namesDriver()) {
-    throw std::invalid_argument(
-        "the connection string names no ODBC driver; write Driver={ODBC Driver 17 for SQL "
-        "Server};Server=...;Database=...;UID=...;PWD=..., or DSN=...");
+    throw InputError(messages::noDriverNamed());
   }
   return odbc::connect(*server_, std::move(options));
 }

@@ -4,7 +4,9 @@
 #include <stdexcept>
 
 #include "frame/text.h"
+#include "workbench/messages/account.h"
 #include "workbench/platform/embedded_platform.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
 
@@ -76,8 +78,7 @@ LoginDetails accountLogin(Session& session, const AccountSource& account, Langua
   const std::string wanted = year.empty() ? std::to_string(current) : year;
   const auto found = std::ranges::find(years, wanted, &AccountYear::year);
   if (found == years.end()) {
-    throw std::invalid_argument("the account has no year \"" + wanted + "\"; its years are " + years.front().year +
-                                " to " + years.back().year);
+    throw InputError(messages::noSuchYear(wanted, years.front().year, years.back().year));
   }
   const bool chinese = language == Language::chinese;
   return {.accountConnection = account.connectionString(),

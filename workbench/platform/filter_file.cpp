@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "frame/text.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/json_file.h"
 #include "workbench/platform/json_schema.h"
@@ -22,10 +23,10 @@ struct FilterText {
   std::string_view text;
   const std::string& name;
 
-  [[noreturn]] void refuse(const Json::json_pointer& place, const std::string& reason) const {
-    const std::string what = describePlace(place);
-    throw UserError(name + ", line " + std::to_string(lineOf(text, place)) + ": " + (what.empty() ? "the file" : what) +
-                    " " + reason);
+  [[noreturn]] void refuse(const Json::json_pointer& place, const Message& reason) const {
+    const Message what = describePlace(place);
+    throw UserError(
+        messages::faultInFile(name, lineOf(text, place), what.empty() ? messages::theFile() : what, reason));
   }
 };
 
@@ -51,8 +52,7 @@ bool isIdentifier(std::string_view name) {
 FilterEntry& entryFor(FilterObject& filter, const Json& item, const Json::json_pointer& place, const FilterText& file) {
   const std::string name = textOf(item, "name");
   if (FilterEntry* known = findItem(filter, name); known != nullptr) return *known;
-  if (!isIdentifier(name))
-    file.refuse(place / "name", "is \"" + name + "\", neither an item of the report nor a column's name");
+  if (!isIdentifier(name)) file.refuse(place / "name", messages::neitherItemNorColumn(name));
   const std::string caption = textOf(item, "caption");
   return filter.add({.key = name,
                      .chinese = caption.empty() ? name : caption,

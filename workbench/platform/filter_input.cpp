@@ -9,9 +9,12 @@
 
 #include "frame/text.h"
 #include "workbench/account/schema.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/account_session.h"
 #include "workbench/platform/named_values.h"
 #include "workbench/platform/nearest_name.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/collation.h"
 #include "workbench/tsql/values/text.h"
 
@@ -21,8 +24,12 @@ namespace {
 
 constexpr std::string_view boundMark = "..";
 
-[[noreturn]] void refuse(const ItemRegistration& item, const std::string& reason) {
-  throw std::invalid_argument("filter item " + item.key + " (" + item.english + "): " + reason);
+Caption captionOf(const ItemRegistration& item) {
+  return {item.chinese, item.english};
+}
+
+[[noreturn]] void refuse(const ItemRegistration& item, const Message& reason) {
+  throw InputError(messages::filterItem(item.key, captionOf(item), reason));
 }
 
 std::vector<std::string> split(std::string_view text, char separator) {
@@ -55,13 +62,14 @@ bool isNumber(std::string_view text) {
   return digits(text.substr(0, point)) && (point == std::string_view::npos || digits(text.substr(point + 1)));
 }
 
-std::string choiceList(const ItemRegistration& item) {
-  std::vector<std::string> texts;
+Message choiceList(const ItemRegistration& item) {
+  std::vector<Message> texts;
   for (const Choice& choice : item.choices) {
     const bool named = !choice.english.empty() && choice.english != choice.code;
-    texts.push_back(named ? choice.code + " (" + choice.english + ")" : choice.code);
+    texts.push_back(named ? messages::named(choice.code, Caption{choice.chinese, choice.english})
+                          : Message::verbatim(choice.code));
   }
-  return join(texts, ", ");
+  return joined(texts, messages::listSeparator.caption());
 }
 
 const Choice* findChoice(const ItemRegistration& item, std::string_view code) {
@@ -151,14 +159,13 @@ std::vector<std::string> chosenCodes(const FilterEntry& entry) {
 void checkValue(const ItemRegistration& item, const std::string& value) {
   if (value.empty()) return;
   if (item.kind == InputKind::date && !isDate(value)) {
-    refuse(item, "\"" + value + "\" is no date; write it as yyyy-mm-dd");
+    refuse(item, messages::noDate(value));
   }
   if (item.kind == InputKind::number && !isNumber(value)) {
-    refuse(item, "\"" + value + "\" is no number; write digits with a point");
+    refuse(item, messages::noNumber(value));
   }
   if (comparesWholeNumbers(item) && !tsql::text::wholeNumber<std::int32_t>(value)) {
-    refuse(item, "\"" + value + "\" is no whole number from " + std::to_string(INT32_MIN) + " to " +
-                     std::to_string(INT32_MAX));
+    refuse(item, messages::noWholeNumber(value, INT32_MIN, INT32_MAX));
   }
 }
 
@@ -171,7 +178,7 @@ struct Setting {
 Setting readSetting(FilterObject& filter, const std::string& setting) {
   const auto equals = setting.find('=');
   if (equals == std::string::npos) {
-    throw std::invalid_argument("\"" + setting + "\" sets no filter item; write key=value");
+    throw InputError(messages::noSetting(setting));
   }
   const std::string_view key = trimBlanks(std::string_view(setting).substr(0, equals));
   FilterEntry* entry = findItem(filter, key);
@@ -180,8 +187,8 @@ Setting readSetting(FilterObject& filter, const std::string& setting) {
     for (const auto& known : filter.entries())
       keys.push_back(known->item.key);
     const auto nearest = nearestName(key, keys);
-    throw std::invalid_argument("the report has no filter item \"" + std::string(key) + "\"; " +
-                                (nearest ? "did you mean " + *nearest + "? " : "") + "it has " + join(keys, ", "));
+    throw InputError(nearest ? messages::noSuchItemNear(key, *nearest, listOf(keys))
+                             : messages::noSuchItem(key, listOf(keys)));
   }
   return {*entry, setting.substr(equals + 1)};
 }
@@ -189,11 +196,9 @@ Setting readSetting(FilterObject& filter, const std::string& setting) {
 // `again`: the item has been set before, and the value is added to those that it has.
 void apply(const Setting& setting, bool again) {
   auto& [entry, value] = setting;
-  if (again && !entry.item.multiple) refuse(entry.item, "is set twice");
+  if (again && !entry.item.multiple) refuse(entry.item, messages::setTwice());
   if (!entry.item.range && value.find(boundMark) != std::string::npos) {
-    refuse(entry.item, std::string("takes no range; write ") +
-                           (entry.item.multiple ? "its values with commas between them" : "one value") +
-                           " (a text that holds \"..\" goes into a filter file)");
+    refuse(entry.item, entry.item.multiple ? messages::noRangeButList() : messages::noRangeButOne());
   }
   if (entry.item.range) {
     const auto bounds = value.find(boundMark);
@@ -231,8 +236,7 @@ FilterEntry* findItem(FilterObject& filter, std::string_view keyOrCaption) {
     keys.reserve(found.size());
     for (const FilterEntry* const entry : found)
       keys.push_back(entry->item.key);
-    throw std::invalid_argument("several filter items are called \"" + std::string(keyOrCaption) +
-                                "\"; write the key of one: " + join(keys, ", "));
+    throw InputError(messages::severalItems(keyOrCaption, listOf(keys)));
   }
   return found.empty() ? nullptr : found.front();
 }
@@ -280,7 +284,7 @@ void setFilterItems(FilterObject& filter, std::span<const std::string> settings)
 
 const FilterEntry& changeItem(FilterObject& filter, const std::string& setting, Session& session, Language language) {
   const Setting change = readSetting(filter, setting);
-  if (!change.entry.available) refuse(change.entry.item, "the dialog does not let it be entered now");
+  if (!change.entry.available) refuse(change.entry.item, messages::notToBeEntered());
   apply(change, false);
   resolveNames(change.entry, session, language);
   checkItem(change.entry);
@@ -290,28 +294,26 @@ const FilterEntry& changeItem(FilterObject& filter, const std::string& setting, 
 void checkItem(const FilterEntry& entry) {
   const ItemRegistration& item = entry.item;
   const std::vector<std::string> values = split(entry.value, '\t');
-  if (values.size() > 1 && !item.multiple) refuse(item, "takes one value only");
-  if (!entry.value2.empty() && entry.value2 != entry.value && !item.range)
-    refuse(item, "takes a single value, not a range");
+  if (values.size() > 1 && !item.multiple) refuse(item, messages::oneValueOnly());
+  if (!entry.value2.empty() && entry.value2 != entry.value && !item.range) refuse(item, messages::noRange());
   for (const std::string& value : values)
     checkValue(item, value);
   checkValue(item, entry.value2);
   const bool bothBounds = item.range && !entry.value.empty() && !entry.value2.empty();
   if (bothBounds && isAbove(item.kind, entry.value, entry.value2)) {
-    refuse(item, "the range begins at " + entry.value + " and ends before it, at " + entry.value2 +
-                     "; write the lower bound first");
+    refuse(item, messages::rangeBackwards(entry.value, entry.value2));
   }
   if (item.choices.empty() || entry.value.empty()) return;
   for (const std::string& code : chosenCodes(entry)) {
     if (findChoice(item, code) == nullptr) {
-      refuse(item, "there is no choice \"" + code + "\"; choose of " + choiceList(item));
+      refuse(item, messages::noSuchChoice(code, choiceList(item)));
     }
   }
 }
 
 void checkComplete(const FilterObject& filter) {
   for (const auto& entry : filter.entries()) {
-    if (entry->value.empty() && entry->item.required) refuse(entry->item, "must be given");
+    if (entry->value.empty() && entry->item.required) refuse(entry->item, messages::mustBeGiven());
   }
 }
 

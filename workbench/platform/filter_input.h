@@ -1,5 +1,5 @@
 // Filling a filter object from what a person writes: a filter file or key=value texts. Every refusal is a
-// std::invalid_argument whose text names the item and says what is accepted.
+// std::invalid_argument (InputError) whose text names the item and says what is accepted.
 #pragma once
 
 #include <optional>

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "workbench/messages/common.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/nearest_name.h"
 #include "workbench/tsql/values/text.h"
 
@@ -21,17 +23,17 @@ using Fault = JsonSchema::Fault;
 // A type as a schema names it, and for a reader.
 struct TypeName {
   std::string_view name;
-  std::string_view shown;
+  Caption shown;
   bool (*fits)(const Json& value);
 };
 
 constexpr std::array typeNames = {
-    TypeName{"object", "an object", [](const Json& value) { return value.is_object(); }},
-    TypeName{"array", "a list", [](const Json& value) { return value.is_array(); }},
-    TypeName{"string", "a text", [](const Json& value) { return value.is_string(); }},
-    TypeName{"number", "a number", [](const Json& value) { return value.is_number(); }},
-    TypeName{"boolean", "true or false", [](const Json& value) { return value.is_boolean(); }},
-    TypeName{"null", "null", [](const Json& value) { return value.is_null(); }},
+    TypeName{"object", messages::jsonObject.caption(), [](const Json& value) { return value.is_object(); }},
+    TypeName{"array", messages::jsonList.caption(), [](const Json& value) { return value.is_array(); }},
+    TypeName{"string", messages::jsonText.caption(), [](const Json& value) { return value.is_string(); }},
+    TypeName{"number", messages::jsonNumber.caption(), [](const Json& value) { return value.is_number(); }},
+    TypeName{"boolean", messages::jsonFlag.caption(), [](const Json& value) { return value.is_boolean(); }},
+    TypeName{"null", messages::jsonNull.caption(), [](const Json& value) { return value.is_null(); }},
 };
 
 const TypeName& typeNamed(const Json& name) {
@@ -93,11 +95,11 @@ std::optional<Fault> faultInMembers(const Json& schema, const Json& object, cons
       std::vector<std::string> names;
       for (const auto& [knownName, ignored] : known.items())
         names.push_back(knownName);
-      return Fault{place / name, "is not known" + suggestion(name, names)};
+      return Fault{place / name, messages::notKnown(suggestion(name, names))};
     }
   }
   for (const Json& name : schema.value("required", Json::array())) {
-    if (!object.contains(name.get<std::string>())) return Fault{place, "lacks \"" + name.get<std::string>() + "\""};
+    if (!object.contains(name.get<std::string>())) return Fault{place, messages::lacksMember(name.get<std::string>())};
   }
   return std::nullopt;
 }
@@ -107,12 +109,10 @@ std::optional<Fault> faultOfType(const Json& type, const Json& value, const Poin
   if (std::ranges::any_of(types, [&value](const TypeName* known) { return known->fits(value); })) return std::nullopt;
   // Nobody writes null on purpose.
   if (types.size() > 1) std::erase_if(types, [](const TypeName* known) { return known->name == "null"; });
-  std::string all;
-  for (std::size_t i = 0; i < types.size(); ++i) {
-    if (i > 0) all += i + 1 < types.size() ? ", " : " or ";
-    all += types[i]->shown;
-  }
-  return Fault{place, "must be " + all};
+  std::vector<Message> shown;
+  for (const TypeName* known : types)
+    shown.push_back(messages::said(known->shown));
+  return Fault{place, messages::mustBe(alternativesOf(shown))};
 }
 
 std::optional<Fault> faultIn(const Json& schema, const Json& value, const Pointer& place) {
@@ -126,8 +126,7 @@ std::optional<Fault> faultIn(const Json& schema, const Json& value, const Pointe
     for (std::size_t position = 0; position < text.size(); ++length)
       tsql::text::next(text, position);
     if (length < least)
-      return Fault{place,
-                   least == 1 ? "must not be empty" : "must have " + std::to_string(least) + " characters or more"};
+      return Fault{place, least == 1 ? messages::mustNotBeEmpty() : messages::mustHaveCharacters(least)};
   }
   if (value.is_object()) return faultInMembers(schema, value, place);
   if (value.is_array() && schema.contains("items")) {
@@ -239,16 +238,15 @@ std::optional<JsonSchema::Fault> JsonSchema::faultOf(const Json& document) const
   return faultIn(schema_, document, Pointer());
 }
 
-std::string describePlace(const Pointer& place) {
+Message describePlace(const Pointer& place) {
   const std::vector<std::string> parts = partsOf(place);
-  std::string text;
+  std::vector<Message> described;
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const auto index = tsql::text::wholeNumber(parts[i]);
     if (parts[i] == "items" && i + 1 < parts.size()) continue;
-    if (!text.empty()) text += ", ";
-    text += index ? "item " + std::to_string(*index + 1) : "\"" + parts[i] + "\"";
+    described.push_back(index ? messages::itemNumber(*index + 1) : messages::quotedName(parts[i]));
   }
-  return text;
+  return joined(described, messages::listSeparator.caption());
 }
 
 std::size_t lineOf(std::string_view text, const Pointer& place) {

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "workbench/messages/message.h"
+
 namespace quillon::workbench {
 
 class JsonSchema {
@@ -20,7 +22,7 @@ class JsonSchema {
 
   struct Fault {
     Json::json_pointer place;  // what is wrong, or for something that is missing what lacks it
-    std::string reason;        // "must be a text"
+    Message reason;            // "must be a text"
   };
 
   // The first fault of `document`, in the order of its members; nothing when it is as the schema says.
@@ -31,7 +33,7 @@ class JsonSchema {
 };
 
 // A place for a reader: `item 2, "value"`, where `items` is the one list of the document; empty for the whole document.
-std::string describePlace(const nlohmann::ordered_json::json_pointer& place);
+Message describePlace(const nlohmann::ordered_json::json_pointer& place);
 
 // The line, from 1, where the value at `place` begins in `text`, which is valid JSON; for a member, where its name does.
 std::size_t lineOf(std::string_view text, const nlohmann::ordered_json::json_pointer& place);

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "frame/text.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/account_lookup.h"
 #include "workbench/platform/account_session.h"
 #include "workbench/platform/lookup.h"
@@ -76,11 +78,10 @@ std::optional<std::string> valuesToGive(const FilterObject& filter, std::string_
   std::vector<LookupRow> values = valuesOf(item, filter, session);
   addNames(values, item, session, language);
   const std::string list = choiceOf(values, values.size(), language);
-  if (language == Language::chinese)
-    return values.empty() ? "账套中没有可选的" + item.chinese
-                          : "可选的" + item.chinese + "（" + item.key + "）：" + list;
-  return values.empty() ? "the account has nothing to give for " + item.key + " (" + item.english + ")"
-                        : "to be given for " + item.key + " (" + item.english + "): " + list;
+  const std::string keyFirst = messages::named(item.key, item.english).english();
+  return (values.empty() ? messages::nothingToGive(Caption{item.chinese, keyFirst})
+                         : messages::codesToGive(item.key, Caption{item.chinese, item.english}, list))
+      .in(language);
 }
 
 }  // namespace quillon::workbench

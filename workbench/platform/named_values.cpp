@@ -7,6 +7,8 @@
 
 #include "frame/automation_error.h"
 #include "frame/text.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/collation.h"
 
@@ -17,13 +19,11 @@ namespace {
 constexpr std::size_t mostShown = 20;
 
 [[noreturn]] void refuseNameOfSeveral(const ItemRegistration& item, const std::string& name,
-                                      const std::vector<LookupRow>& rows, Language language) {
-  const std::string number = std::to_string(rows.size()), all = choiceOf(rows, rows.size(), language);
-  const std::string head =
-      item.key + (language == Language::chinese ? "（" + item.chinese + "）：" : " (" + item.english + "): ");
-  throw UserError(language == Language::chinese
-                      ? "过滤项 " + head + "名称为“" + name + "”的有 " + number + " 个，请改写编码：" + all
-                      : "filter item " + head + number + " are named \"" + name + "\"; give the code of one: " + all);
+                                      const std::vector<LookupRow>& rows) {
+  const std::string chinese = choiceOf(rows, rows.size(), Language::chinese);
+  const std::string english = choiceOf(rows, rows.size(), Language::english);
+  throw UserError(messages::nameOfSeveral(item.key, Caption{item.chinese, item.english}, rows.size(), name,
+                                          Caption{chinese, english}));
 }
 
 std::vector<LookupRow> choicesNamed(const ItemRegistration& item, std::string_view name, Language language) {
@@ -57,7 +57,7 @@ std::string resolved(const ItemRegistration& item, std::string_view text, Sessio
   std::string value(trimBlanks(text));
   if (value.empty()) return value;
   const std::vector<LookupRow> rows = named(item, value, session, language);
-  if (rows.size() > 1) refuseNameOfSeveral(item, value, rows, language);
+  if (rows.size() > 1) refuseNameOfSeveral(item, value, rows);
   return rows.empty() ? std::string(text) : rows.front().code;
 }
 
@@ -94,11 +94,12 @@ void resolveOffered(FilterObject& filter, Session& session, Language language) {
 std::string choiceOf(std::span<const LookupRow> rows, std::size_t count, Language language) {
   std::string text;
   const std::size_t shown = std::min(rows.size(), mostShown);
-  for (const LookupRow& row : rows.first(shown))
-    text += (text.empty() ? "" : language == Language::chinese ? "、" : ", ") + entryText(row);
+  for (const LookupRow& row : rows.first(shown)) {
+    text += text.empty() ? "" : messages::listSeparator.in(language);
+    text += entryText(row);
+  };
   if (count <= shown) return text;
-  const std::string more = std::to_string(count - shown);
-  return text + (language == Language::chinese ? "，另有 " + more + " 个" : ", and " + more + " more");
+  return messages::andMore(text, count - shown).in(language);
 }
 
 }  // namespace quillon::workbench

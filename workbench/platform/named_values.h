@@ -18,7 +18,7 @@ namespace quillon::workbench {
 // neither stays, for whoever checks the item; so does a value whose lookup the account cannot be asked for, and all of an
 // item with a ready-made condition.
 //
-// Throws UserError, in `language`, for the name of several, with those that it may be.
+// Throws UserError for the name of several, with those that it may be.
 void resolveNames(FilterEntry& entry, Session& session, Language language);
 
 // The same for all items; with `dialogToCome` without those whose choices the dialog is still to make. When it has,

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "workbench/messages/common.h"
 #include "workbench/tsql/values/collation.h"
 #include "workbench/tsql/values/text.h"
 
@@ -76,9 +77,9 @@ std::optional<std::string> nearestName(std::string_view written, std::span<const
   return nearest;
 }
 
-std::string suggestion(std::string_view written, std::span<const std::string> names) {
+Message suggestion(std::string_view written, std::span<const std::string> names) {
   const auto nearest = nearestName(written, names);
-  return nearest ? "; did you mean " + *nearest + "?" : "";
+  return nearest ? messages::suggested(*nearest) : Message();
 }
 
 }  // namespace quillon::workbench

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "workbench/messages/message.h"
+
 namespace quillon::workbench {
 
 // How many letters are to be written, left out, replaced or swapped with their neighbour to make one text of the other,
@@ -17,6 +19,6 @@ std::optional<std::size_t> nearness(std::string_view written, std::string_view n
 std::optional<std::string> nearestName(std::string_view written, std::span<const std::string> names);
 
 // "; did you mean NAME?" for the nearest of `names`; empty when none is near.
-std::string suggestion(std::string_view written, std::span<const std::string> names);
+Message suggestion(std::string_view written, std::span<const std::string> names);
 
 }  // namespace quillon::workbench

@@ -8,6 +8,8 @@
 #include <system_error>
 
 #include "frame/text.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/nearest_name.h"
 #include "workbench/platform/user_error.h"
@@ -68,12 +70,12 @@ bool isDevice(std::string_view name) {
 }
 
 void requireName(std::string_view name) {
-  if (const std::string fault = faultOfFilterName(name); !fault.empty())
-    throw UserError("\"" + std::string(name) + "\" is no name for a filter: " + fault);
+  if (const Message fault = faultOfFilterName(name); !fault.empty())
+    throw UserError(messages::noFilterName(name, fault));
 }
 
 [[noreturn]] void refuseToWrite(const fs::path& file) {
-  throw UserError("cannot write " + utf8FromPath(file) + "; check the folder, its permissions and its free space");
+  throw UserError(messages::cannotWrite(utf8FromPath(file)));
 }
 
 // A file that goes unless it gets another name.
@@ -110,17 +112,13 @@ bool nameIfFree(const fs::path& draft, const fs::path& file) {
 SavedFilters SavedFilters::ofUser() {
 #ifdef _WIN32
   const fs::path folder = folderFromEnvironment("APPDATA");
-  if (folder.empty())
-    throw UserError("APPDATA names no folder, so there is none for saved filters; set it, or name a file");
+  if (folder.empty()) throw UserError(messages::noFilterFolderWindows());
   return SavedFilters(folder / "Quillon" / "filters");
 #else
   fs::path folder = folderFromEnvironment("XDG_CONFIG_HOME");
   if (folder.empty()) {
     const fs::path home = folderFromEnvironment("HOME");
-    if (home.empty())
-      throw UserError(
-          "neither XDG_CONFIG_HOME nor HOME names a folder, so there is none for saved filters; set one, or "
-          "name a file");
+    if (home.empty()) throw UserError(messages::noFilterFolder());
     folder = home / ".config";
   }
   return SavedFilters(folder / "quillon" / "filters");
@@ -154,8 +152,7 @@ bool SavedFilters::has(std::string_view name) const {
 void SavedFilters::requireFree(std::string_view name, bool replace) const {
   const fs::path file = path(name);
   std::error_code ignored;
-  if (!replace && fs::exists(fs::symlink_status(file, ignored)))
-    throw UserError("there is a filter \"" + std::string(name) + "\" already; give --replace-filter, or another name");
+  if (!replace && fs::exists(fs::symlink_status(file, ignored))) throw UserError(messages::filterNameTaken(name));
 }
 
 void SavedFilters::save(std::string_view name, std::string_view text, bool replace) const {
@@ -178,7 +175,7 @@ void SavedFilters::save(std::string_view name, std::string_view text, bool repla
 
 void SavedFilters::requireThere(std::string_view name) const {
   std::error_code ignored;
-  if (!fs::exists(fs::symlink_status(path(name), ignored))) refuseUnknown(name, "");
+  if (!fs::exists(fs::symlink_status(path(name), ignored))) refuseUnknown(name, false);
 }
 
 void SavedFilters::remove(std::string_view name) const {
@@ -186,7 +183,7 @@ void SavedFilters::remove(std::string_view name) const {
   const fs::path file = path(name);
   std::error_code error;
   fs::remove(file, error);
-  if (error) throw UserError("cannot remove " + utf8FromPath(file) + ": " + error.message());
+  if (error) throw UserError(messages::cannotRemove(utf8FromPath(file), error.message()));
 }
 
 std::string SavedFilters::fileOf(const std::string& nameOrFile) const {
@@ -194,31 +191,30 @@ std::string SavedFilters::fileOf(const std::string& nameOrFile) const {
   if (has(nameOrFile)) return utf8FromPath(path(nameOrFile));
   std::error_code ignored;
   if (fs::exists(pathFromUtf8(nameOrFile), ignored)) return nameOrFile;
-  refuseUnknown(nameOrFile, ", and no file");
+  refuseUnknown(nameOrFile, true);
 }
 
-void SavedFilters::refuseUnknown(std::string_view name, const std::string& otherwise) const {
-  throw UserError("there is no saved filter \"" + std::string(name) + "\"" + otherwise + suggestion(name, names()) +
-                  "; see quillon filters list");
+void SavedFilters::refuseUnknown(std::string_view name, bool orFile) const {
+  const Message meant = suggestion(name, names());
+  throw UserError(orFile ? messages::noSavedFilterNorFile(name, meant) : messages::noSavedFilter(name, meant));
 }
 
 bool isFilterFile(std::string_view nameOrFile) {
   return nameOrFile.find_first_of("/\\") != std::string_view::npos || endsIgnoringCase(nameOrFile, extension);
 }
 
-std::string faultOfFilterName(std::string_view name) {
+Message faultOfFilterName(std::string_view name) {
   std::size_t length = 0;
   for (std::size_t position = 0; position < name.size(); ++length) {
-    if (!isAllowed(tsql::text::next(name, position)))
-      return "it may have letters, digits, blanks and - _ . ( ) + , in it";
+    if (!isAllowed(tsql::text::next(name, position))) return messages::nameOfOtherCharacters();
   }
-  if (length == 0) return "it is empty";
-  if (length > longestName) return "it has more than " + std::to_string(longestName) + " characters";
+  if (length == 0) return messages::nameEmpty();
+  if (length > longestName) return messages::nameTooLong(longestName);
   if (name.starts_with(' ') || name.starts_with('.') || name.ends_with(' ') || name.ends_with('.'))
-    return "it begins or ends with a blank or a point";
-  if (name.starts_with('-')) return "it begins like an option";
-  if (endsIgnoringCase(name, extension)) return "it ends like a file's";
-  if (isDevice(name)) return "Windows has a device of this name";
+    return messages::nameOfBlankEnds();
+  if (name.starts_with('-')) return messages::nameLikeOption();
+  if (endsIgnoringCase(name, extension)) return messages::nameLikeFile();
+  if (isDevice(name)) return messages::nameOfDevice();
   return {};
 }
 
@@ -240,7 +236,7 @@ std::string filterFileText(const FilterObject& filter, const std::set<const Filt
   try {
     return Json{{"id", filter.identifier()}, {"items", std::move(items)}}.dump(indent) + "\n";
   } catch (const Json::exception&) {
-    throw UserError("the filter cannot be saved: a value is no Unicode text");
+    throw UserError(messages::valueNotUnicode());
   }
 }
 

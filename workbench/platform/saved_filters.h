@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "workbench/messages/message.h"
 #include "workbench/platform/filter_object.h"
 #include "workbench/platform/language.h"
 
@@ -43,7 +44,7 @@ class SavedFilters {
   std::string fileOf(const std::string& nameOrFile) const;
 
  private:
-  [[noreturn]] void refuseUnknown(std::string_view name, const std::string& otherwise) const;
+  [[noreturn]] void refuseUnknown(std::string_view name, bool orFile) const;
 
   std::filesystem::path folder_;
 };
@@ -53,7 +54,7 @@ bool isFilterFile(std::string_view nameOrFile);
 
 // What is wrong with `name` as a filter's; empty when nothing is. A name has 1 to 60 characters: letters and digits of any
 // script, blanks and - _ . ( ) + , between them. It is none that Windows gives to a device, and does not end in .json.
-std::string faultOfFilterName(std::string_view name);
+Message faultOfFilterName(std::string_view name);
 
 // The filter file of those entries of `filter`, in its order, with captions in `language`. Throws UserError for a value that
 // is no Unicode text.

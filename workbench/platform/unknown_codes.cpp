@@ -4,6 +4,8 @@
 
 #include "frame/automation_error.h"
 #include "frame/text.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/lookup.h"
 #include "workbench/platform/nearest_name.h"
 
@@ -26,13 +28,12 @@ std::optional<std::string> nearestEntry(const Lookup& lookup, std::string_view w
   return nearest;
 }
 
-void addUnknown(const ItemRegistration& item, std::string_view code, Session& session,
-                std::vector<std::string>& lines) {
+void addUnknown(const ItemRegistration& item, std::string_view code, Session& session, std::vector<Message>& lines) {
   try {
     if (hasCode(*item.lookup, code, false, session)) return;
     const auto nearest = nearestEntry(*item.lookup, code, session);
-    lines.push_back("filter item " + item.key + ": the account has no " + std::string(item.lookup->noun.english) + " " +
-                    std::string(code) + (nearest ? "; did you mean " + *nearest + "?" : ""));
+    lines.push_back(
+        messages::unknownCode(item.key, item.lookup->noun, code, nearest ? messages::suggested(*nearest) : Message()));
   } catch (const AutomationError&) {
     // An account of another make may keep its codes elsewhere: a note is not worth the report.
   }
@@ -40,8 +41,8 @@ void addUnknown(const ItemRegistration& item, std::string_view code, Session& se
 
 }  // namespace
 
-std::vector<std::string> unknownCodes(const FilterObject& filter, Session& session) {
-  std::vector<std::string> lines;
+std::vector<Message> unknownCodes(const FilterObject& filter, Session& session) {
+  std::vector<Message> lines;
   for (const auto& entry : filter.entries()) {
     const ItemRegistration& item = entry->item;
     const bool whole = item.kind == InputKind::reference && item.lookup != nullptr && !item.beginning && !item.range;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frame/session.h"
+#include "workbench/messages/message.h"
 #include "workbench/platform/filter_object.h"
 
 namespace quillon::workbench {
@@ -15,6 +16,6 @@ namespace quillon::workbench {
 // and the beginnings of codes need not exist, and what goes in as a ready-made condition is not looked at. Asks the
 // account once for each code, and once more for one that it does not have. A master that the account cannot be asked for
 // gives no line.
-std::vector<std::string> unknownCodes(const FilterObject& filter, Session& session);
+std::vector<Message> unknownCodes(const FilterObject& filter, Session& session);
 
 }  // namespace quillon::workbench

@@ -3,13 +3,21 @@
 
 #include <stdexcept>
 
+#include "workbench/messages/told_error.h"
+
 namespace quillon::workbench {
 
-// Bad input or work that cannot be done. Its text is one line for the user: what is wrong and what to do about it. The
-// program `quillon` prints it and ends with exit status 1.
-class UserError : public std::runtime_error {
+// Bad input or work that cannot be done. Its message is one line for the user: what is wrong and what to do about it. The
+// program `quillon` prints it in the command's language and ends with exit status 1.
+class UserError : public Told<std::runtime_error> {
  public:
-  using std::runtime_error::runtime_error;
+  using Told::Told;
+};
+
+// The same for an argument that cannot be meant, such as a filter item that does not exist.
+class InputError : public Told<std::invalid_argument> {
+ public:
+  using Told::Told;
 };
 
 }  // namespace quillon::workbench

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "frame/text.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/nearest_name.h"
 #include "workbench/platform/user_error.h"
 
@@ -35,16 +36,14 @@ std::string columnNamed(std::string_view written, std::span<const ReportColumn> 
   const ReportColumn* captioned = nullptr;
   for (const ReportColumn& column : known) {
     if (!equalIgnoringCase(column.chinese, written) && !equalIgnoringCase(column.english, written)) continue;
-    if (captioned != nullptr)
-      throw UserError("\"" + std::string(written) + "\" is the caption of two columns, " + captioned->name + " and " +
-                      column.name + "; name one of these");
+    if (captioned != nullptr) throw UserError(messages::captionOfTwo(written, captioned->name, column.name));
     captioned = &column;
   }
   if (captioned != nullptr) return captioned->name;
   std::vector<std::string> names;
   for (const ReportColumn& column : known)
     names.insert(names.end(), {column.name, column.chinese, column.english});
-  throw UserError("there is no column \"" + std::string(written) + "\"" + suggestion(written, names));
+  throw UserError(messages::noSuchColumn(written, suggestion(written, names)));
 }
 
 std::vector<std::string> columnsNamed(const std::vector<std::string>& written, std::span<const ReportColumn> known) {
@@ -58,9 +57,7 @@ std::vector<std::string> columnsNamed(const std::vector<std::string>& written, s
 
 RowCondition conditionOf(std::string_view written, std::span<const ReportColumn> known) {
   const std::size_t sign = written.find_first_of("=~");
-  if (sign == std::string_view::npos || sign == 0)
-    throw UserError("\"" + std::string(written) +
-                    "\" is no condition; write column=value, column=value,value, column=lower..upper or column~part");
+  if (sign == std::string_view::npos || sign == 0) throw UserError(messages::noCondition(written));
   RowCondition condition{.column = columnNamed(trimmed(written.substr(0, sign)), known)};
   const std::string_view value = written.substr(sign + 1);
   if (written[sign] == '~') {

@@ -8,6 +8,8 @@
 
 #include "frame/text.h"
 #include "workbench/account/partial_file.h"
+#include "workbench/messages/common.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/values/utf8_path.h"
@@ -34,20 +36,17 @@ bool belongsToAccount(const fs::path& file) {
   });
 }
 
-[[noreturn]] void refuse(const fs::path& file, const char* reason) {
-  throw UserError("will not write over " + utf8FromPath(file) + ": it " + reason + "; name another file");
-}
-
 }  // namespace
 
 void refuseToReplace(const fs::path& file, std::span<const fs::path> inputs) {
-  if (tsql::isAccountFile(file)) refuse(file, "is an account");
-  if (belongsToAccount(file)) refuse(file, "belongs to an account");
+  if (tsql::isAccountFile(file)) throw UserError(messages::isAnAccount(utf8FromPath(file)));
+  if (belongsToAccount(file)) throw UserError(messages::isOfAnAccount(utf8FromPath(file)));
   for (const fs::path& input : inputs) {
     std::error_code error;
     const fs::file_status status = fs::status(input, error);
     // One terminal may well be read from and written to.
-    if (fs::is_regular_file(status) && isSameFile(file, input)) refuse(file, "is read by this command");
+    if (fs::is_regular_file(status) && isSameFile(file, input))
+      throw UserError(messages::isReadByCommand(utf8FromPath(file)));
   }
 }
 
@@ -85,7 +84,7 @@ void OutputFile::complete() {
 }
 
 void OutputFile::fail() const {
-  throw UserError("cannot write " + utf8FromPath(file_) + "; check the folder, its permissions and its free space");
+  throw UserError(messages::cannotWrite(utf8FromPath(file_)));
 }
 
 }  // namespace quillon::workbench

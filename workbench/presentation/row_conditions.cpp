@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "frame/text.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/account_lookup.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
@@ -27,13 +28,12 @@ tsql::Value valueOf(std::string_view text, const tsql::Type& type, std::string_v
   if (type.kind == tsql::Kind::dateTime) {
     const tsql::DateTextResult result = tsql::parseDateTime(text);
     if (!text.empty() && result.value) return *result.value;
-    throw UserError("\"" + std::string(text) + "\" is no date, which column " + std::string(column) +
-                    " holds; write it as 2024-03-31");
+    throw UserError(messages::noDateOfColumn(text, column));
   }
   std::string digits(text);
   std::erase(digits, ',');
   if (const auto number = tsql::parseExact(digits); number && !digits.empty()) return *number;
-  throw UserError("\"" + std::string(text) + "\" is no number, which column " + std::string(column) + " holds");
+  throw UserError(messages::noNumberOfColumn(text, column));
 }
 
 bool isWholeDay(const tsql::Value& value) {
@@ -62,8 +62,7 @@ std::string upperBound(const std::string& column, const tsql::Value& value) {
 
 void checkRange(const RowCondition& condition, const tsql::Value& lower, const tsql::Value& upper) {
   if (compareValues(lower, upper) <= 0) return;
-  throw UserError("the range of " + condition.column + " ends before it begins: " + condition.values[0] + ".." +
-                  condition.values[1]);
+  throw UserError(messages::rangeOfColumnBackwards(condition.column, condition.values[0], condition.values[1]));
 }
 
 std::string sqlOf(const RowCondition& condition, const tsql::Type& type) {
@@ -143,7 +142,7 @@ std::string conditionText(std::span<const RowCondition> where, std::span<const t
   for (const RowCondition& condition : where) {
     const auto column = std::ranges::find_if(
         columns, [&](const tsql::Column& each) { return equalIgnoringCase(each.name, condition.column); });
-    if (column == columns.end()) throw UserError("this report has no column " + condition.column + " in this mode");
+    if (column == columns.end()) throw UserError(messages::noColumnInMode(condition.column));
     text += (text.empty() ? "(" : " And (") + sqlOf(condition, column->type) + ")";
   }
   return text.empty() ? "1 = 1" : text;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "workbench/messages/common.h"
+#include "workbench/messages/report.h"
 #include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
@@ -14,12 +16,6 @@ constexpr std::string_view cutMark = "…";
 constexpr std::size_t leastHeading = 6;  // above numbers that need less
 
 constexpr std::string_view bold = "\x1b[1m", dim = "\x1b[2m", plain = "\x1b[0m";
-
-constexpr Caption leftOut{"终端太窄，略去 ", "Left out, as the terminal is too narrow: "};
-constexpr Caption leftOutColumns{" 列：", " columns: "};
-constexpr Caption leftOutColumn{" 列：", " column: "};
-constexpr Caption showThem{"。用 --wide 显示全部。", ". --wide shows all."};
-constexpr Caption comma{"、", ", "};
 
 }  // namespace
 
@@ -62,14 +58,13 @@ void TextTable::finish() {
   std::size_t count = 0;
   for (const Column& column : columns_) {
     if (!column.leftOut) continue;
-    if (count++ > 0) names += comma.in(style_.language);
+    if (count++ > 0) names += messages::listSeparator.in(style_.language);
     if (!column.shown.group.empty()) names += column.shown.group + ' ';
     names += column.shown.heading;
   }
   if (count == 0) return;
-  const Caption& columns = count == 1 ? leftOutColumn : leftOutColumns;
-  out_ << leftOut.in(style_.language) << count << columns.in(style_.language) << names << showThem.in(style_.language)
-       << '\n';
+  const Message line = count == 1 ? messages::columnLeftOut(names) : messages::columnsLeftOut(count, names);
+  out_ << line.in(style_.language) << '\n';
 }
 
 // --- Widths -----------------------------------------------------------------------------------------------------------

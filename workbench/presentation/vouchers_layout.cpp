@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/text.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/arranged_view.h"
 #include "workbench/presentation/exact_sum.h"
@@ -531,8 +532,7 @@ std::vector<ReportColumn> vouchersColumns(const LayoutRequest& request) {
 View vouchersView(const LayoutRequest& request, const ReportDocument& heading, VouchersForm form) {
   const Arrangement& arrangement = request.arrangement;
   if (const auto part = std::ranges::find_if(arrangement.groupBy, isOfPart); part != arrangement.groupBy.end())
-    throw UserError("documents cannot be grouped by " + *part +
-                    ", which tells the parts of a line apart; group the layout lines by it");
+    throw UserError(messages::groupedByPart(*part));
   std::vector<tsql::Column> columns = request.table.columns();
   columns.push_back({.name = std::string(voucherTypeNameColumn), .type = {.kind = tsql::Kind::nVarChar}});
   const bool list = form == VouchersForm::list && !asksForFields(request);

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/ledger_rows.h"
 #include "workbench/presentation/output_file.h"
@@ -220,7 +221,7 @@ class Workbook {
 
   void check(lxw_error error) const {
     if (error == LXW_NO_ERROR) return;
-    throw UserError("cannot write " + file_ + ": " + reasonOf(error) + ", or write --format csv");
+    throw UserError(messages::workbookNotWritten(file_, reasonOf(error)));
   }
 
   lxw_format* format(const Look& look) {
@@ -240,22 +241,20 @@ class Workbook {
     void operator()(lxw_workbook* workbook) const { lxw_workbook_free(workbook); }
   };
 
-  [[noreturn]] void failToBegin() const {
-    throw UserError("cannot write " + file_ + ": no temporary file can be made for it");
-  }
+  [[noreturn]] void failToBegin() const { throw UserError(messages::noTemporaryFile(file_)); }
 
   // libxlsxwriter's own words speak of its calls.
-  static std::string reasonOf(lxw_error error) {
+  static Message reasonOf(lxw_error error) {
     switch (error) {
       case LXW_ERROR_MEMORY_MALLOC_FAILED:
-        return "there is not enough memory; show fewer rows with --limit";
+        return messages::workbookMemory();
       case LXW_ERROR_CREATING_TMPFILE:
       case LXW_ERROR_READING_TMPFILE:
-        return "its temporary file cannot be used; check the temporary folder and its free space";
+        return messages::workbookTemporary();
       case LXW_ERROR_MAX_STRING_LENGTH_EXCEEDED:
-        return "a text is longer than the 32,767 characters of a cell; leave its row out with the filter";
+        return messages::workbookLongText();
       default:
-        return "the workbook could not be put together; check the folder and its free space";
+        return messages::workbookFailed();
     }
   }
 
@@ -456,8 +455,7 @@ void requireRoom(const Sheet& sheet, const ReportDocument& document, std::option
   const std::int64_t room = std::int64_t{LXW_ROW_MAX} - std::int64_t{sheet.row()} - besideRows;
   const std::int64_t rows = std::min(limit.value_or(document.rowCount), document.rowCount);
   if (rows <= room) return;
-  throw UserError("the report has " + std::to_string(rows) + " rows and a sheet has room for " + std::to_string(room) +
-                  "; write --format csv, or fewer rows with --limit or a narrower filter");
+  throw UserError(messages::sheetTooSmall(rows, room));
 }
 
 double widthOf(const ReportColumn& column) {

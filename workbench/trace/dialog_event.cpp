@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "workbench/messages/trace.h"
 #include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
@@ -20,9 +21,7 @@ DialogEvent dialogEvent(const std::string& text) {
     const bool complete = event.kind == "change" || (event.kind == "set" && event.value);
     if (complete && !event.key.empty()) return event;
   }
-  throw UserError("there is no event \"" + text +
-                  "\"; the events are: init, view, click, year, grade, change:KEY, change:KEY=VALUE, "
-                  "set:KEY=VALUE");
+  throw UserError(messages::noSuchEvent(text));
 }
 
 }  // namespace quillon::workbench

@@ -11,6 +11,7 @@
 #include "frame/automation_error.h"
 #include "frame/module.h"
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/messages/trace.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/trace/dialog_event.h"
 #include "workbench/trace/trace_platform.h"
@@ -24,11 +25,11 @@ using Json = nlohmann::ordered_json;
 
 // A part of a description, with errors that name it.
 template <typename Description>
-Description described(const char* what, const Json& description) {
+Description described(const Caption& what, const Json& description) {
   try {
     return Description(description);
   } catch (const DescriptionError& error) {
-    throw UserError(std::string("the ") + what + " description cannot be used: " + error.what());
+    throw UserError(messages::descriptionRefused(what, error.message()));
   }
 }
 
@@ -47,7 +48,7 @@ struct TraceInput {
 };
 
 std::shared_ptr<TraceFilter> filterOf(const TraceInput& input) {
-  return std::make_shared<TraceFilter>(described<TraceFilter>("filter's", input.filter));
+  return std::make_shared<TraceFilter>(described<TraceFilter>(messages::ofFilter.caption(), input.filter));
 }
 
 void traceDialog(const DialogClass& dialogClass, const TraceInput& input) {
@@ -68,8 +69,8 @@ void traceReport(const Report& report, const TraceInput& input) {
   // A summary report closes its session only after a complete build.
   if (!module.session) return;
   const std::string& failure = input.platform.lastFailure();
-  input.notes << "quillon: the build stopped and left its session open: "
-              << (failure.empty() ? "the filter could not be translated" : "a statement was " + failure) << '\n';
+  const Message reason = failure.empty() ? messages::traceNotTranslated() : messages::traceRefused(failure);
+  input.notes << "quillon: " << messages::sessionLeftOpen(reason).english() << '\n';
 }
 
 // The report whose row opens a document: the one that the row names, else the first that opens documents.
@@ -77,13 +78,12 @@ const Report& reportOf(const TraceRow& row) {
   if (row.report.empty()) return *std::ranges::find_if(reports(), &Report::opensDocuments);
   const auto named = [&row](const Report& report) { return report.registration.name == row.report; };
   const auto found = std::ranges::find_if(reports(), named);
-  if (found == reports().end() || !found->opensDocuments())
-    throw UserError("the rows of \"" + row.report + "\" open no documents");
+  if (found == reports().end() || !found->opensDocuments()) throw UserError(messages::rowsWithoutDocuments(row.report));
   return *found;
 }
 
 void traceDrillThrough(const TraceInput& input) {
-  const auto row = described<TraceRow>("row's", input.filter);
+  const auto row = described<TraceRow>(messages::ofRow.caption(), input.filter);
   const Report& report = reportOf(row);
   Module module(input.platform);
   if (report.make(module)->execute(*input.platform.argument(row)) == DrillThrough::nothing)
@@ -117,13 +117,6 @@ std::vector<std::string> dialogNames() {
 }
 
 // "a, b or c"
-std::string alternatives(const std::vector<std::string>& names) {
-  std::string text;
-  for (std::size_t i = 0; i < names.size(); ++i)
-    text += (i == 0 ? "" : i + 1 == names.size() ? " or " : ", ") + names[i];
-  return text;
-}
-
 }  // namespace
 
 std::string listed(const std::vector<std::string>& names) {
@@ -145,12 +138,15 @@ int trace(const std::string& name, const Json& filter, const Json& platform, std
   const std::vector<Tracer> known = tracers();
   const auto tracer = std::ranges::find(known, name, &Tracer::name);
   if (tracer == known.end()) {
-    throw UserError("there is nothing called \"" + name + "\" to trace; there are: " + listed(traceNames()));
+    throw UserError(messages::nothingCalled(name, listOf(traceNames())));
   }
   if (!tracer->takesEvents && !events.empty()) {
-    throw UserError("only a dialog has events; leave them out, or trace " + alternatives(dialogNames()));
+    std::vector<Message> names;
+    for (const std::string& dialog : dialogNames())
+      names.push_back(Message::verbatim(dialog));
+    throw UserError(messages::eventsOfDialogs(alternativesOf(names)));
   }
-  const auto description = described<TraceDescription>("platform's", platform);
+  const auto description = described<TraceDescription>(messages::ofPlatform.caption(), platform);
   TracePlatform tracePlatform(description, out);
   try {
     tracer->run({.platform = tracePlatform, .filter = filter, .events = events, .notes = notes});

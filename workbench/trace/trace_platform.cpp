@@ -7,6 +7,8 @@
 
 #include "frame/automation_error.h"
 #include "frame/text.h"
+#include "workbench/messages/filter.h"
+#include "workbench/messages/trace.h"
 #include "workbench/odbc/connection_string.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/text.h"
@@ -19,8 +21,8 @@ using Json = nlohmann::ordered_json;
 
 // --- Reading a description ------------------------------------------------------------------------------------------
 
-[[noreturn]] void refuse(const std::string& path, const std::string& wanted) {
-  throw DescriptionError((path.empty() ? "the file" : path) + " must be " + wanted);
+[[noreturn]] void refuse(const std::string& path, const Message& wanted) {
+  throw DescriptionError(messages::memberMustBe(path.empty() ? messages::theFile() : Message::verbatim(path), wanted));
 }
 
 std::string pathOf(const std::string& path, std::string_view key) {
@@ -33,14 +35,14 @@ std::optional<std::string> fieldText(const Json& value, const std::string& path)
   if (value.is_string()) return value.get<std::string>();
   if (value.is_number()) return value.dump();
   if (value.is_boolean()) return value.get<bool>() ? "True" : "False";
-  refuse(path, "a text, a number, true, false or null");
+  refuse(path, messages::wantedValue());
 }
 
 // A member of an object; null when the object does not have it.
 const Json& member(const Json& object, std::string_view key, const std::string& path) {
   static const Json missing;
   if (object.is_null()) return missing;
-  if (!object.is_object()) refuse(path, "an object");
+  if (!object.is_object()) refuse(path, messages::jsonObject());
   const auto found = object.find(std::string(key));
   return found == object.end() ? missing : *found;
 }
@@ -51,13 +53,13 @@ std::string text(const Json& object, std::string_view key, const std::string& pa
 
 int number(const Json& value, const std::string& path) {
   if (value.is_null()) return 0;
-  if (!value.is_number_integer()) refuse(path, "a whole number");
+  if (!value.is_number_integer()) refuse(path, messages::wantedWholeNumber());
   return value.get<int>();
 }
 
 bool flag(const Json& value, const std::string& path) {
   if (value.is_null()) return false;
-  if (!value.is_boolean()) refuse(path, "true or false");
+  if (!value.is_boolean()) refuse(path, messages::jsonFlag());
   return value.get<bool>();
 }
 
@@ -67,13 +69,13 @@ bool flag(const Json& object, std::string_view key, const std::string& path) {
 
 const Json& object(const Json& outer, std::string_view key, const std::string& path) {
   const Json& value = member(outer, key, path);
-  if (!value.is_null() && !value.is_object()) refuse(pathOf(path, key), "an object");
+  if (!value.is_null() && !value.is_object()) refuse(pathOf(path, key), messages::jsonObject());
   return value;
 }
 
 const Json& array(const Json& outer, std::string_view key, const std::string& path) {
   const Json& value = member(outer, key, path);
-  if (!value.is_null() && !value.is_array()) refuse(pathOf(path, key), "an array");
+  if (!value.is_null() && !value.is_array()) refuse(pathOf(path, key), messages::wantedArray());
   return value;
 }
 
@@ -105,8 +107,7 @@ std::vector<std::string> textList(const Json& outer, std::string_view key, const
 
 // Two whole numbers.
 std::pair<int, int> numberPair(const Json& value, const std::string& path) {
-  constexpr const char* wanted = "an array of two whole numbers";
-  if (!value.is_array() || value.size() != 2) refuse(path, wanted);
+  if (!value.is_array() || value.size() != 2) refuse(path, messages::wantedNumberPair());
   return {number(value[0], path), number(value[1], path)};
 }
 
@@ -116,7 +117,7 @@ AccountingPeriod yearAndMonth(const Json& value, const std::string& path) {
 }
 
 PeriodDates dates(const Json& value, const std::string& path) {
-  if (!value.is_array() || value.size() != 2) refuse(path, "an array of two dates");
+  if (!value.is_array() || value.size() != 2) refuse(path, messages::wantedDatePair());
   return {.begin = fieldText(value[0], path).value_or(""), .end = fieldText(value[1], path).value_or("")};
 }
 
@@ -124,15 +125,15 @@ std::regex pattern(const std::string& expression, const std::string& path) {
   try {
     return std::regex(expression);
   } catch (const std::regex_error& error) {
-    throw DescriptionError(path + ": \"" + expression + "\" is not a regular expression: " + error.what());
+    throw DescriptionError(messages::noRegularExpression(path, expression, error.what()));
   }
 }
 
 std::vector<std::vector<std::optional<std::string>>> recordRows(const Json& rows, const std::string& path) {
   std::vector<std::vector<std::optional<std::string>>> result;
-  if (!rows.is_array()) refuse(path, "an array of rows, each an array of fields");
+  if (!rows.is_array()) refuse(path, messages::wantedRows());
   for (const Json& row : rows) {
-    if (!row.is_array()) refuse(path, "an array of rows, each an array of fields");
+    if (!row.is_array()) refuse(path, messages::wantedRows());
     auto& fields = result.emplace_back();
     for (const Json& field : row)
       fields.push_back(fieldText(field, path));
@@ -436,9 +437,7 @@ class TracePublicComponent final : public PublicComponent {
     };
     const AccountingPeriod period{.year = number(0, yearDigits), .month = number(yearDigits + 1, 2)};
     if (period.year < 1 || period.month < 1 || period.month > 12) {
-      throw UserError("\"" + std::string(date) +
-                      "\" is in no month of the calendar; write a date as yyyy-mm-dd, or give its " +
-                      "period in \"GetPeriodFromDate\" of the platform description");
+      throw UserError(messages::dateWithoutPeriod(date));
     }
     return period;
   }
@@ -599,7 +598,7 @@ TraceFilter::TraceFilter(const Json& description) : identifier_(text(description
   std::size_t position = 0;
   for (const Json& item : array(description, "items", "")) {
     const std::string path = "items[" + std::to_string(position++) + "]";
-    if (text(item, "name", path).empty()) refuse(path + ".name", "the item's key");
+    if (text(item, "name", path).empty()) refuse(path + ".name", messages::wantedItemKey());
     items_.push_back(std::make_shared<Item>(Item{.name = text(item, "name", path),
                                                  .value = text(item, "value", path),
                                                  .value2 = text(item, "value2", path),
@@ -688,7 +687,7 @@ TraceDescription::TraceDescription(const Json& description) {
     queries.push_back({.pattern = pattern(expression, "queries"), .rows = recordRows(rows, "queries." + expression)});
   }
   for (const Json& expression : array(description, "fail", "")) {
-    if (!expression.is_string()) refuse("fail", "an array of regular expressions");
+    if (!expression.is_string()) refuse("fail", messages::wantedExpressions());
     failures.push_back({.text = expression, .pattern = pattern(expression, "fail")});
   }
 }

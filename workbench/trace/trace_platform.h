@@ -17,13 +17,14 @@
 
 #include "frame/filter_dialog.h"
 #include "frame/platform.h"
+#include "workbench/messages/told_error.h"
 
 namespace quillon::workbench {
 
 // What is wrong with a described filter or platform, and where: the path of the value that cannot be used.
-class DescriptionError : public std::runtime_error {
+class DescriptionError : public Told<std::runtime_error> {
  public:
-  using std::runtime_error::runtime_error;
+  using Told::Told;
 };
 
 // A filter: {"id":"...","items":[{"name":"cModal","value":"1","value2":"","range":false,"multi":false,"caption":"...",

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/messages/trace.h"
 #include "workbench/platform/user_error.h"
 
 namespace quillon::workbench {
@@ -13,12 +14,12 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // The dialogs that have lists, by their names on the command line.
-std::string dialogsWithLists() {
-  std::string names;
+Message dialogsWithLists() {
+  std::vector<std::string> names;
   for (const DialogClass* dialog : dialogClasses()) {
-    if (dialog->hasLists) names.append(names.empty() ? "" : ", ").append(dialog->traceName);
+    if (dialog->hasLists) names.emplace_back(dialog->traceName);
   }
-  return names;
+  return listOf(names);
 }
 
 }  // namespace
@@ -76,8 +77,7 @@ void TracedDialog::grades() {
 
 void TracedDialog::requireLists(const DialogEvent& event) const {
   if (class_.hasLists) return;
-  throw UserError(std::string(class_.traceName) + " has no event \"" + event.kind + "\"; trace " + dialogsWithLists() +
-                  " for it");
+  throw UserError(messages::dialogLacksEvent(class_.traceName, event.kind, dialogsWithLists()));
 }
 
 // A trace may begin in the middle of a dialog: then a class that works in the module's session finds it open, from

@@ -22,7 +22,8 @@ std::vector<std::string> told(const std::vector<TableComparison>& comparisons) {
   for (const TableComparison& table : comparisons) {
     lines.push_back(table.table + ": " + std::to_string(table.onlyInFirst) + '/' + std::to_string(table.onlyInSecond) +
                     '/' + std::to_string(table.changed) + " of " + std::to_string(table.rows));
-    lines.insert(lines.end(), table.structure.begin(), table.structure.end());
+    for (const workbench::Message& sentence : table.structure)
+      lines.push_back(sentence.english());
     for (const RowDifference& row : table.shown) {
       std::string line = row.kind == Kind::onlyInFirst ? "<" : row.kind == Kind::onlyInSecond ? ">" : "=";
       for (const NamedValue& part : row.key)

@@ -22,7 +22,7 @@ std::vector<std::string> brokenIn(std::span<const ReportKeys> reports) {
   }
   std::vector<std::string> lines;
   for (const BrokenKey& key : brokenKeys(*account, reports))
-    lines.push_back(key.table + ": " + key.key + " (" + std::to_string(key.rows) + ") " + key.reports);
+    lines.push_back(key.table + ": " + key.key.english() + " (" + std::to_string(key.rows) + ") " + key.reports);
   return lines;
 }
 

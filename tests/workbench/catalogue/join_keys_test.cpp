@@ -34,7 +34,7 @@ class JoinKeys : public testing::Test {
   std::vector<std::string> broken() {
     std::vector<std::string> lines;
     for (const BrokenKey& key : brokenKeys(*account_, joinKeysOfReports()))
-      lines.push_back(key.table + ": " + key.key + " (" + std::to_string(key.rows) + ") " + key.reports);
+      lines.push_back(key.table + ": " + key.key.english() + " (" + std::to_string(key.rows) + ") " + key.reports);
     return lines;
   }
 

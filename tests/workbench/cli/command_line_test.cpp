@@ -203,8 +203,8 @@ TEST(Help, IsGivenByCommandAndByOption) {
 }
 
 TEST(ErrorLine, SaysInItsOwnWordsWhatALibraryThrew) {
-  EXPECT_EQ(errorLine(UserError("plainly said")), "plainly said");
-  EXPECT_EQ(errorLine(UserError("cannot open Driver=d;PWD=secret")), "cannot open Driver=d;PWD=***");
+  EXPECT_EQ(errorLine(UserError(Message::verbatim("plainly said"))), "plainly said");
+  EXPECT_EQ(errorLine(UserError(Message::verbatim("cannot open Driver=d;PWD=secret"))), "cannot open Driver=d;PWD=***");
   EXPECT_EQ(errorLine(std::bad_alloc()), "there is not enough memory; close other programs, or narrow the filter");
   EXPECT_THAT(errorLine(std::filesystem::filesystem_error("internal", "a-file",
                                                           std::make_error_code(std::errc::permission_denied))),

@@ -10,7 +10,7 @@ using Json = nlohmann::ordered_json;
 // "place: reason", or nothing.
 std::string fault(std::string_view schema, std::string_view document) {
   const auto found = JsonSchema(schema).faultOf(Json::parse(document));
-  return found ? found->place.to_string() + ": " + found->reason : "";
+  return found ? found->place.to_string() + ": " + found->reason.english() : "";
 }
 
 TEST(JsonSchema, HoldsValuesToTheirTypes) {
@@ -54,7 +54,7 @@ TEST(JsonSchema, RefusesASchemaThatItCannotHoldDocumentsTo) {
 }
 
 std::string placeOf(const char* pointer) {
-  return describePlace(Json::json_pointer(pointer));
+  return describePlace(Json::json_pointer(pointer)).english();
 }
 
 TEST(JsonPlace, IsToldToAReader) {

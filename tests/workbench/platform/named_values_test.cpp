@@ -50,7 +50,7 @@ class NamedValues : public testing::Test {
     try {
       resolveNames(filter, session_, language, false);
     } catch (const UserError& error) {
-      return error.what();
+      return error.text(language);
     }
     return {};
   }

@@ -40,8 +40,8 @@ TEST(NearestName, IsTheFirstOfTheNearest) {
   EXPECT_EQ(nearestName("dril", names), "drill");
   EXPECT_EQ(nearestName("serve", names), std::nullopt);
   EXPECT_EQ(nearestName("06", std::vector<std::string>{"01", "07"}), "01");
-  EXPECT_EQ(suggestion("acount", names), "; did you mean account?");
-  EXPECT_EQ(suggestion("serve", names), "");
+  EXPECT_EQ(suggestion("acount", names).english(), "; did you mean account?");
+  EXPECT_EQ(suggestion("serve", names).english(), "");
 }
 
 }  // namespace

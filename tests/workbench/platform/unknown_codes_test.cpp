@@ -31,7 +31,10 @@ class UnknownCodes : public testing::Test {
   std::vector<std::string> lines(const std::string& report, const std::string& key, const std::string& value) {
     FilterObject filter(reportNamed(report).registration);
     filter.find(key)->value = value;
-    return unknownCodes(filter, session_);
+    std::vector<std::string> english;
+    for (const Message& line : unknownCodes(filter, session_))
+      english.push_back(line.english());
+    return english;
   }
 
   test::TemporaryFile file_{".qacc"};
