@@ -107,6 +107,25 @@ quillon_header_library(CLI CLI11 CLI11::CLI11)
 add_library(header_libraries INTERFACE)
 target_include_directories(header_libraries SYSTEM INTERFACE ${QUILLON_HEADERS})
 
+# Boost.Asio and Boost.Beast, headers as well, for the one room that speaks HTTP.
+quillon_header_library(boost Boost Boost::headers)
+add_library(boost_headers INTERFACE)
+target_link_libraries(boost_headers INTERFACE header_libraries)
+if(WIN32)
+  target_link_libraries(boost_headers INTERFACE ws2_32 mswsock)
+else()
+  find_package(Threads REQUIRED)
+  target_link_libraries(boost_headers INTERFACE Threads::Threads)
+endif()
+
+# regular-table, the grid of the desk's pages, from the package that tools/setup.sh fetches.
+set(QUILLON_REGULAR_TABLE_DIR ${CMAKE_SOURCE_DIR}/.deps/regular-table)
+if(NOT EXISTS ${QUILLON_REGULAR_TABLE_DIR}/regular-table.js)
+  message(FATAL_ERROR "regular-table is missing: run tools/setup.sh first")
+endif()
+file(READ ${QUILLON_REGULAR_TABLE_DIR}/.version QUILLON_REGULAR_TABLE_VERSION)
+string(REPLACE "@" " " QUILLON_REGULAR_TABLE_VERSION ${QUILLON_REGULAR_TABLE_VERSION})
+
 # GoogleTest: the installed one, and from its source where there is none (for Win32) or where it has to be compiled with
 # what all code is compiled with (the sanitizers).
 set(QUILLON_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's source, for builds that need their own")

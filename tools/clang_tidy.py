@@ -30,8 +30,8 @@ BUILD = ROOT / "build" / "tidy"
 CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache") / "quillon-clang-tidy"
 KEPT_DAYS = 60
 # Where the headers come from that are not the project's own.
-LIBRARIES = ("libstdc++-12-dev", "libc6-dev", "nlohmann-json3-dev", "libcli11-dev", "googletest", "libgmock-dev",
-             "libgtest-dev", "libedit-dev", "unixodbc-dev")
+LIBRARIES = ("libstdc++-12-dev", "libc6-dev", "nlohmann-json3-dev", "libcli11-dev", "libboost1.81-dev", "googletest",
+             "libgmock-dev", "libgtest-dev", "libedit-dev", "unixodbc-dev")
 
 
 def output_of(*command):

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what a bare Debian 12 lacks to build Quillon. Safe to run again: it only does what is missing, and says so.
-# Runs as root or through sudo. The sources of SQLite, libxlsxwriter and utf8proc go to .deps/
+# Runs as root or through sudo. The sources of SQLite, libxlsxwriter, utf8proc and regular-table go to .deps/
 # in the checkout.
 #
 #   tools/setup.sh demo   what ./demo.sh takes: the compiler for Win32, Wine, the libraries of the program
@@ -12,6 +12,8 @@ cd "$(dirname "$0")/.."
 
 sqlite_package=better-sqlite3@11.10.0 # carries SQLite's amalgamation in deps/sqlite3
 sqlite_sha256=e80215754ac6cfaefe272342efd581b6dbefdbdc21f96bd83fcb698bee9d36a5
+regular_table_package=regular-table@0.9.2 # the grid of the desk's pages: one module and its licence
+regular_table_sha256=fd0a4112947c59e3ed3f7ebbe4ee932e4d36bdc9dd2b1b442ad45b4602ef83dc
 xlsxwriter_source=libxlsxwriter=1.1.4-2 # Debian's source packages
 xlsxwriter_sha256=b379eb35fdd9c653ebe72485b9c992f612c7ea66f732784457997d6e782f619b
 utf8proc_source=utf8proc=2.8.0-1
@@ -36,7 +38,7 @@ as_root() {
 demo_packages=(
   cmake ninja-build ccache git ca-certificates
   g++-mingw-w64-i686-posix mingw-w64-tools faketime
-  googletest nlohmann-json3-dev libcli11-dev libz-mingw-w64-dev
+  googletest nlohmann-json3-dev libcli11-dev libboost1.81-dev libz-mingw-w64-dev
 )
 test_packages=(
   g++ zlib1g-dev libedit-dev unixodbc-dev tdsodbc
@@ -69,7 +71,7 @@ missing_of() {
 install_packages() { # PACKAGE...
   local missing
   mapfile -t missing < <(missing_of "$@")
-  if ! command -v npm >/dev/null 2>&1 && [ ! -f "$deps/sqlite3/sqlite3.c" ]; then
+  if ! command -v npm >/dev/null 2>&1 && ! { [ -f "$deps/sqlite3/sqlite3.c" ] && [ -f "$deps/regular-table/LICENSE" ]; }; then
     missing+=(npm)
   fi
   [ "${#missing[@]}" -gt 0 ] || return 0
@@ -108,6 +110,23 @@ fetch_sqlite() {
   mkdir -p "$deps"
   mv "$work/package/deps/sqlite3" "$deps/sqlite3"
   printf '%s' "$sqlite_package" >"$deps/sqlite3/.version"
+  rm -rf "$work"
+}
+
+fetch_regular_table() {
+  [ "$(cat "$deps/regular-table/.version" 2>/dev/null)" = "$regular_table_package" ] && return 0
+  say "fetching regular-table ($regular_table_package)"
+  local work archive
+  work=$(mktemp -d)
+  archive=$(cd "$work" && npm pack --loglevel=error "$regular_table_package" | tail -n 1) ||
+    fail "npm could not fetch $regular_table_package"
+  printf '%s  %s\n' "$regular_table_sha256" "$work/$archive" | sha256sum --check --quiet ||
+    fail "what npm fetched is not what $regular_table_package is known for"
+  tar -xzf "$work/$archive" -C "$work" package/dist/esm/regular-table.js package/LICENSE
+  rm -rf "$deps/regular-table"
+  mkdir -p "$deps/regular-table"
+  mv "$work/package/dist/esm/regular-table.js" "$work/package/LICENSE" "$deps/regular-table/"
+  printf '%s' "$regular_table_package" >"$deps/regular-table/.version"
   rm -rf "$work"
 }
 
@@ -160,5 +179,6 @@ esac
 install_packages "${packages[@]}"
 install_wine_packages
 fetch_sqlite
+fetch_regular_table
 fetch_debian_source xlsxwriter "$xlsxwriter_source" "$xlsxwriter_sha256" include src third_party License.txt
 fetch_debian_source utf8proc "$utf8proc_source" "$utf8proc_sha256" utf8proc.c utf8proc.h utf8proc_data.c LICENSE.md
