@@ -19,6 +19,7 @@
 #include "workbench/cli/list_command.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/cli/run_monitor.h"
+#include "workbench/cli/serve_command.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/stop_signals.h"
 #include "workbench/cli/trace_command.h"
@@ -198,6 +199,7 @@ int runCommandLine(std::vector<std::string> arguments, const std::string& versio
   addHelpCommand(app);
   addListCommand(app);
   addReportCommand(app);
+  addServeCommand(app);
   addSqlCommand(app);
   addTraceCommand(app);
   try {
