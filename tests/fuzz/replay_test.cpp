@@ -24,8 +24,8 @@ std::vector<Input> inputs() {
     const char* folder;
     void (*check)(std::string_view input);
   } targets[] = {
-      {"arguments", checkArguments}, {"tsql", checkTsql}, {"filter", checkFilter}, {"csv", checkCsv},
-      {"lists", checkLists},
+      {"arguments", checkArguments}, {"tsql", checkTsql},       {"filter", checkFilter}, {"csv", checkCsv},
+      {"lists", checkLists},         {"request", checkRequest},
   };
   std::vector<Input> found;
   for (const auto& target : targets) {

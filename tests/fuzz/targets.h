@@ -29,6 +29,9 @@ void checkCsv(std::string_view input);
 // The value of a filter item that becomes a quoted list, and the list a condition on voucher types.
 void checkLists(std::string_view input);
 
+// A request to the desk, in pieces: it is read to its end or refused, and who is let in is the desk's own page.
+void checkRequest(std::string_view input);
+
 // A call's arguments as automation clients pass them, in every form and in none that makes sense: the member gets them
 // in its own types, or the call ends with automation's code; what it changes goes back, and nothing else.
 void checkArguments(std::string_view input);
