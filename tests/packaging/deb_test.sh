@@ -55,10 +55,12 @@ usr/share/doc/quillon/CHANGELOG.md
 usr/share/doc/quillon/README.md
 usr/share/doc/quillon/SECURITY.md
 usr/share/doc/quillon/copyright
+usr/share/doc/quillon/licenses/boost.txt
 usr/share/doc/quillon/licenses/cli11.txt
 usr/share/doc/quillon/licenses/libxlsxwriter.txt
 usr/share/doc/quillon/licenses/mpl-2.0.txt
 usr/share/doc/quillon/licenses/nlohmann-json.txt
+usr/share/doc/quillon/licenses/regular-table.txt
 usr/share/doc/quillon/licenses/sqlite.txt
 usr/share/doc/quillon/licenses/utf8proc.txt
 usr/share/man/man1/quillon.1.gz

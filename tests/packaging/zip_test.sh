@@ -19,6 +19,7 @@ QuillonWorkbench.dll
 README.md
 SECURITY.md
 licenses/README.txt
+licenses/boost.txt
 licenses/cli11.txt
 licenses/gcc-runtime.txt
 licenses/gpl-3.txt
@@ -26,6 +27,7 @@ licenses/libxlsxwriter.txt
 licenses/mingw-w64.txt
 licenses/mpl-2.0.txt
 licenses/nlohmann-json.txt
+licenses/regular-table.txt
 licenses/sqlite.txt
 licenses/utf8proc.txt
 licenses/zlib.txt
