@@ -61,6 +61,8 @@ def jobs():
         command.append("-Wno-unknown-warning-option")
         sources = [file]
         if file.is_relative_to(BUILD):
+            if not file.is_file():
+                continue  # nothing has been built, and what the build makes is not looked at
             sources = [pathlib.Path(name) for name in re.findall(r'^#include "(.*)"', file.read_text(), re.M)]
         sources = [source for source in sources if source.suffix == ".cpp" and source.is_relative_to(ROOT)
                    and not source.is_relative_to(ROOT / "build") and not source.is_relative_to(ROOT / ".deps")]

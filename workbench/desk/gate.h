@@ -47,7 +47,7 @@ using Decision = std::variant<Refusal, Entry, PageAsked, ApiAsked>;
 // Not for several threads at once: a token is used up by one of them.
 class Gate {
  public:
-  static constexpr std::uint64_t bodyLimit = 1024 * 1024;
+  static constexpr std::uint64_t bodyLimit = std::uint64_t{1024} * 1024;
 
   // For the desk at `port`. The two secrets are newSecret()'s: `token` stands in the link and opens once, `session` in the
   // cookie.

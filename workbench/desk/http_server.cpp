@@ -151,7 +151,7 @@ class StreamPipe : public Sink {
   }
 
  private:
-  static constexpr std::size_t pieceSize = 64 * 1024, enough = 256 * 1024;
+  static constexpr std::size_t pieceSize = std::size_t{64} * 1024, enough = 4 * pieceSize;
 
   const std::function<void()> written_;
   mutable std::mutex mutex_;
@@ -164,6 +164,8 @@ template <typename... Functions>
 struct Overloaded : Functions... {
   using Functions::operator()...;
 };
+template <typename... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
 
 }  // namespace
 
@@ -234,7 +236,7 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
   }
 
  private:
-  static constexpr std::size_t readSize = 16 * 1024;
+  static constexpr std::size_t readSize = std::size_t{16} * 1024;
 
   enum class Step {
     idle,     // between two requests
@@ -361,8 +363,8 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
         response = errorAnswer(500, "internal", "the desk could not answer this");
       }
       // The connection belongs to the other thread, and so does its end.
-      const auto executor = self->socket_.get_executor();
-      asio::post(executor, [self = std::move(self), response = std::move(response)]() mutable {
+      asio::io_context& io = self->serving_.io_;
+      asio::post(io, [self = std::move(self), response = std::move(response)]() mutable {
         if (!self->closed_) self->answered(std::move(response));
       });
     });
@@ -411,8 +413,8 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
   // --- Streams ------------------------------------------------------------------------------------------------------
 
   void startStream(DeskResponse response) {
-    pipe_ = std::make_shared<StreamPipe>([executor = socket_.get_executor(), connection = weak_from_this()] {
-      asio::post(executor, [connection] {
+    pipe_ = std::make_shared<StreamPipe>([&io = serving_.io_, connection = weak_from_this()] {
+      asio::post(io, [connection] {
         if (const auto self = connection.lock()) self->send();
       });
     });

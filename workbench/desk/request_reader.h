@@ -12,7 +12,7 @@ namespace quillon::workbench::desk {
 // Reads one request. It allocates no more than the two limits and what came in.
 class RequestReader {
  public:
-  static constexpr std::size_t headLimit = 16 * 1024;
+  static constexpr std::size_t headLimit = std::size_t{16} * 1024;
 
   enum class State {
     needsMore,  // of the bytes that follow

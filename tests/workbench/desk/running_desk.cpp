@@ -134,7 +134,7 @@ DeskResponse TestHandler::handle(const DeskRequest& request) {
     response.contentType = "text/csv";
     response.headers.emplace_back("Content-Disposition", "attachment; filename=\"rows.csv\"");
     response.stream = [](Sink& sink) {
-      const std::string megabyte(1024 * 1024, 'x');
+      const std::string megabyte(std::size_t{1024} * 1024, 'x');
       for (int i = 0; i < 10; ++i) {
         if (!sink.write(megabyte)) return;
       }
