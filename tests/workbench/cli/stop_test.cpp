@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <fstream>
 #include <map>
 #include <random>
+#include <regex>
 
 #include "tests/workbench/account/test_folder.h"
 #include "tests/workbench/cli/interrupted_program.h"
@@ -144,6 +146,41 @@ TEST_F(Stop, ReportsAndDialogs) {
   stopEverywhere({"dialog", "fx-detail", "--account", path("a")});
   stopEverywhere({"drill", "fx-wt", "--account", path("a"), "--row", "cVouType=10", "--action", "Voucher"});
   EXPECT_GT(stopped_, moments);
+}
+
+// The desk serves until it is asked to end. The browser gets the link in a file that nobody else can read, which goes with
+// the program.
+TEST_F(Stop, TheDesk) {
+#ifdef __SANITIZE_ADDRESS__
+  constexpr std::chrono::seconds served{10};
+#else
+  constexpr std::chrono::seconds served{3};
+#endif
+  const std::filesystem::path programs = folder_ / "bin";
+  std::filesystem::create_directory(programs);
+  std::ofstream(programs / "xdg-open") << "#!/bin/sh\ncp -p \"$1\" \"" << utf8FromPath(programs / "shown") << "\"\n";
+  std::filesystem::permissions(programs / "xdg-open", std::filesystem::perms::owner_all);
+  const char* const given = std::getenv("PATH");
+  const std::string before = given == nullptr ? "/usr/bin:/bin" : given;
+  setenv("PATH", (utf8FromPath(programs) + ":" + before).c_str(), 1);
+  for (const SignalEnd& way : signals) {
+    SCOPED_TRACE(way.said);
+    const ProgramEnd end =
+        runProgram({"serve", "--account", path("a"), "--open"}, {.after = served, .signal = way.signal},
+                   {.output = utf8FromPath(programs / "link")});
+    EXPECT_FALSE(end.killed);
+    EXPECT_EQ(end.status, way.status);
+    EXPECT_EQ(end.errors, way.said + std::string("the desk is closed, and what it had made is gone\n"));
+    std::string link = contentOf(programs / "link");
+    EXPECT_TRUE(std::regex_match(link, std::regex("http://127\\.0\\.0\\.1:[0-9]+/open/[0-9a-f]{64}\n"))) << link;
+    link.pop_back();
+    EXPECT_THAT(contentOf(programs / "shown"), ::testing::HasSubstr("url=" + link + "\""));
+    EXPECT_EQ(std::filesystem::status(programs / "shown").permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    EXPECT_THAT(temporary_.names(), IsEmpty());
+    EXPECT_TRUE(contentOf(folder_ / "a") == content_);
+  }
+  setenv("PATH", before.c_str(), 1);
 }
 
 TEST_F(Stop, AccountsComingAndGoing) {
