@@ -1,11 +1,77 @@
-// The JSON interface of the desk.
+// The server's interface. Every answer that is an error becomes an ApiError with the server's own words.
+import {t} from './texts.js';
 
-// Gives what the interface answers under /api/; throws an Error with the interface's own words.
-export async function getJson(path) {
-  const response = await fetch(`/api/${path}`);
-  const answer = await response.json();
-  if (!response.ok) {
-    throw new Error(answer.error.message);
+export class ApiError extends Error {
+  constructor(status, message, {code = '', item = null, body = null} = {}) {
+    super(message);
+    this.status = status;
+    this.code = code;
+    this.item = item;  // the filter item that it is about
+    this.body = body;  // a refusal carries the dialog's state as it then is
   }
-  return answer;
 }
+
+async function call(method, path, body, signal) {
+  const options = {method, signal, headers: {Accept: 'application/json'}, credentials: 'same-origin', cache: 'no-store'};
+  if (method !== 'GET') {
+    options.headers['Content-Type'] = 'application/json';
+    options.body = JSON.stringify(body ?? {});
+  }
+  let response;
+  try {
+    response = await fetch(`/api/${path}`, options);
+  } catch (error) {
+    if (error.name === 'AbortError') throw error;
+    throw new ApiError(0, t('noAnswer'));
+  }
+  const text = await response.text();
+  let answer = null;
+  try {
+    answer = text ? JSON.parse(text) : null;
+  } catch {
+    if (response.ok) throw new ApiError(response.status, t('badAnswer', {status: response.status}));
+  }
+  if (response.ok) return answer;
+  if (response.status === 401) throw new ApiError(401, t('notSignedIn'));
+  const error = answer?.error ?? {};
+  throw new ApiError(response.status, error.message ?? t('badAnswer', {status: response.status}),
+    {code: error.code, item: error.item, body: answer});
+}
+
+const part = encodeURIComponent;
+const get = (path, signal) => call('GET', path, undefined, signal);
+const post = (path, body) => call('POST', path, body);
+const remove = (path) => call('DELETE', path);
+
+export const api = {
+  account: () => get('account'),
+  reports: () => get('reports'),
+  about: () => get('about'),
+
+  openDialog: (report, lang, values) => post('dialogs', {report, lang, values}),
+  setItem: (id, key, value, value2) => post(`dialogs/${part(id)}/set`, {key, value, ...(value2 === null ? {} : {value2})}),
+  confirmDialog: (id) => post(`dialogs/${part(id)}/click`),
+  lookup: (id, item, search, offset, limit, signal) =>
+    get(`dialogs/${part(id)}/lookup?${new URLSearchParams({item, search, offset, limit})}`, signal),
+  closeDialog: (id) => remove(`dialogs/${part(id)}`),
+
+  filters: (report) => get(report ? `filters?report=${part(report)}` : 'filters'),
+  filter: (name) => get(`filters/${part(name)}`),
+  saveFilter: (name, report, values) => call('PUT', `filters/${part(name)}`, {report, values}),
+  deleteFilter: (name) => remove(`filters/${part(name)}`),
+
+  startRun: (report, lang, values, dialog) => post('runs', {report, lang, values, ...(dialog ? {dialog} : {})}),
+  runs: () => get('runs'),
+  runInfo: (id) => get(`runs/${part(id)}`),
+  runEvents: (id) => new EventSource(`/api/runs/${part(id)}/events`),
+  stopRun: (id) => post(`runs/${part(id)}/stop`),
+  closeRun: (id) => remove(`runs/${part(id)}`),
+
+  makeView: (run, view) => post(`runs/${part(run)}/views`, view),
+  rows: (run, view, offset, limit) => get(`runs/${part(run)}/views/${part(view)}/rows?offset=${offset}&limit=${limit}`),
+  details: (run, view, n) => get(`runs/${part(run)}/views/${part(view)}/details?n=${n}`),
+  documents: (run, view, n) => post(`runs/${part(run)}/views/${part(view)}/document`, {n}),
+  exportAddress: (run, view, format, captions) =>
+    `/api/runs/${part(run)}/views/${part(view)}/export?${new URLSearchParams({format, ...(captions ? {captions: 1} : {})})}`,
+  closeView: (run, view) => remove(`runs/${part(run)}/views/${part(view)}`),
+};

@@ -1,0 +1,491 @@
+// A run: its progress, and then its result in the layout and arrangement that the address names.
+import {cameFromHere, filterIn, go, placeIn, putFilter, putPlace, putView, viewIn, write} from './address.js';
+import {api} from './api.js';
+import {openColumnMenu, moved} from './column_menu.js';
+import {openColumns} from './columns.js';
+import {showDocuments} from './document.js';
+import {button, fill, h, notice, say} from './dom.js';
+import {openExport} from './export.js';
+import {Grid} from './grid.js';
+import {Folds} from './ledger.js';
+import {Rows} from './rows.js';
+import {conditionsText} from './start.js';
+import {StatementsUnderWay, statementsPanel} from './statements.js';
+import {caption, count, language, seconds, t} from './texts.js';
+
+export class RunPage {
+  constructor(id, reportName, desk) {
+    this.id = id;
+    this.desk = desk;
+    this.reportName = reportName;
+    this.element = h('div', {class: 'page run'});
+    this.query = new URLSearchParams();
+    this.asked = 0;
+  }
+
+  get report() {
+    return this.desk.report(this.reportName);
+  }
+  get title() {
+    return caption(this.report?.title) || this.desk.runs.find((run) => String(run.id) === this.id)?.title || t('report');
+  }
+  address() {
+    return this.query.size > 0 ? write(['run', this.id], this.query) : undefined;
+  }
+
+  async show(address) {
+    this.keepTop();
+    this.shown = true;
+    this.query = address.query;
+    [, , this.part, this.documentRow] = address.path;
+    if (!this.info) await this.load();
+    if (!this.shown) return;
+    if (!this.info) this.drawGone();
+    else if (this.info.state === 'running') this.drawProgress();
+    else await this.drawResult();
+    await this.drawDocument();
+  }
+
+  hide() {
+    this.keepTop();
+    this.shown = false;
+    this.document?.close();
+    clearTimeout(this.placeTimer);
+  }
+
+  // An element that goes out of sight forgets how far it was scrolled.
+  keepTop() {
+    if (this.grid?.element.isConnected && this.grid.element.offsetParent) this.topRow = this.grid.firstRow;
+  }
+
+  dispose() {
+    this.events?.close();
+    clearInterval(this.clock);
+    this.hide();
+    this.grid?.dispose();
+  }
+
+  async load() {
+    try {
+      this.info = await api.runInfo(this.id);
+      this.reportName = this.info.report;
+    } catch (error) {
+      if (error.status !== 404) throw error;
+      this.info = null;
+    }
+  }
+
+  filterAddress() {
+    return write(['report', this.reportName], putFilter(new URLSearchParams(), filterIn(this.query)));
+  }
+
+  // The run was closed, or belongs to an earlier session: its filter is still in the address.
+  drawGone() {
+    fill(this.element, h('div', {class: 'page-head'}, h('h1', {}, this.title)),
+      h('p', {}, t('runGone')),
+      this.report && h('p', {}, h('a', {class: 'primary-link', href: this.filterAddress()}, t('changeFilter'))));
+  }
+
+  head(...actions) {
+    const edit = this.report && h('a', {class: 'button', href: this.filterAddress()}, t('changeFilter'));
+    const conditions = conditionsText(this.info.conditions);
+    return h('div', {class: 'page-head'},
+      h('div', {class: 'titles'}, h('h1', {}, this.title), h('span', {class: 'muted ellipsis', title: conditions}, conditions)),
+      h('div', {class: 'actions'}, edit, actions));
+  }
+
+  // --- while it runs
+
+  drawProgress() {
+    if (this.events) return;
+    const began = performance.now() - this.info.elapsedMs;
+    const elapsed = h('span', {class: 'elapsed number'});
+    const now = h('span', {class: 'muted'});
+    const tick = () => {
+      elapsed.textContent = seconds(performance.now() - began);
+    };
+    const list = new StatementsUnderWay();
+    const stop = button(t('stop'), async () => {
+      stop.disabled = true;
+      stop.textContent = t('stopping');
+      try {
+        await api.stopRun(this.id);
+      } catch (error) {
+        notice(error.message, {error: true});
+        stop.disabled = false;
+        stop.textContent = t('stop');
+      }
+    }, {class: 'danger'});
+    tick();
+    clearInterval(this.clock);
+    this.clock = setInterval(tick, 100);
+    fill(this.element, this.head(), h('section', {class: 'card progress'},
+      h('div', {class: 'card-head'}, h('h2', {}, t('running')), elapsed, now, h('span', {class: 'space'}), stop),
+      h('div', {class: 'bar', role: 'progressbar', 'aria-label': t('running')}), list.element));
+    stop.focus();
+
+    this.events = api.runEvents(this.id);
+    this.events.addEventListener('statement', (event) => {
+      const statement = JSON.parse(event.data);
+      list.add(statement);
+      now.textContent = t('statementNow', {n: statement.n});
+    });
+    this.events.addEventListener('done', () => this.ended());
+    // The connection may be cut; the browser tries again by itself, and meanwhile the run may have ended.
+    this.events.addEventListener('error', async () => {
+      const info = await api.runInfo(this.id).catch((error) => (error.status === 404 ? {state: 'gone'} : null));
+      if (info && info.state !== 'running') this.ended();
+    });
+  }
+
+  async ended() {
+    if (!this.events) return;
+    this.events.close();
+    this.events = null;
+    clearInterval(this.clock);
+    await this.load();
+    say(this.info ? t(`state_${this.info.state}`) : t('runGone'));
+    await this.desk.runsChanged().catch(() => {});
+    if (!this.shown) return;
+    if (!this.info) this.drawGone();
+    else await this.drawResult();
+  }
+
+  // --- its result
+
+  async drawResult() {
+    if (this.info.state !== 'done') {
+      this.drawUnfinished();
+      return;
+    }
+    if (!this.frame) this.drawFrame();
+    const isStatements = this.part === 'statements';
+    this.drawBar(isStatements);
+    this.gridArea.hidden = isStatements;
+    this.tools.hidden = isStatements;
+    this.statementsArea.hidden = !isStatements;
+    if (isStatements) {
+      fill(this.statementsArea, statementsPanel(this.info));
+      return;
+    }
+    await this.drawView();
+  }
+
+  drawUnfinished() {
+    const failed = this.info.state === 'failed';
+    fill(this.element, this.head(),
+      h('section', {class: failed ? 'card failed' : 'card'},
+        h('p', {class: 'message', role: 'alert'}, failed ? `${t('runFailed')} ${this.info.error ?? ''}` : t('runStopped')),
+        (this.info.messages ?? []).map((message) => h('p', {class: 'message'}, messageText(message)))),
+      this.info.statements.length > 0 && statementsPanel(this.info));
+  }
+
+  drawFrame() {
+    this.bar = h('nav', {class: 'layout-bar', 'aria-label': t('layouts')});
+    this.tools = h('div', {class: 'tools'});
+    this.gridArea = h('div', {class: 'grid-area'});
+    this.statementsArea = h('div', {class: 'statements-area'});
+    this.headArea = h('div', {});
+    this.frame = [this.headArea, this.bar, this.tools, this.gridArea, this.statementsArea];
+    fill(this.element, this.frame);
+  }
+
+  drawBar(isStatements) {
+    fill(this.headArea, this.head(),
+      (this.info.messages ?? []).map((message) => h('p', {class: 'message'}, messageText(message))));
+    this.bar.setAttribute('aria-label', t('layouts'));
+    const wanted = this.wantedView();
+    // A layout has its own columns; what the last one was arranged by does not follow into it.
+    const filterOnly = putFilter(new URLSearchParams({report: this.reportName}), filterIn(this.query));
+    const link = (path, query, text, here) => h('a', {href: write(path, query), 'aria-current': here ? 'page' : null}, text);
+    fill(this.bar,
+      this.report.layouts.map((layout) => {
+        const here = layout.name === wanted.layout;
+        const query = here ? this.query : new URLSearchParams(filterOnly);
+        if (!here) query.set('layout', layout.name);
+        return link(['run', this.id], query, caption(layout.caption), here && !isStatements);
+      }),
+      link(['run', this.id, 'statements'], this.query, `${t('statements')} (${count(this.info.statements.length)})`, isStatements),
+      h('span', {class: 'muted elapsed-all'}, `${t('elapsed')} ${seconds(this.info.elapsedMs)}`));
+  }
+
+  wantedView() {
+    const wanted = viewIn(this.query);
+    wanted.layout ||= this.report.layouts[0]?.name ?? '';
+    return wanted;
+  }
+
+  // Shows what the address asks for. Nothing is done when that is what is shown.
+  async drawView() {
+    const wanted = this.wantedView();
+    const {frozen, ...asked} = {...wanted, lang: language()};
+    const key = JSON.stringify(asked);
+    const number = this.asked += 1;
+    const place = placeIn(this.query);
+    if (key === this.viewKey && frozen === this.wanted.frozen && this.grid) {
+      this.wanted = wanted;
+      if (!this.grid.element.isConnected) this.gridArea.append(this.grid.element);
+      await this.grid.redraw();
+      if (this.topRow !== undefined) this.grid.scroller.scrollTop = this.grid.scrollOf(this.topRow).top;
+      this.grid.moveTo(this.heading ? -1 : place.row, Math.max(0, this.grid.indexOf(place.column)));
+      return;
+    }
+    const hadFocus = this.grid?.element.contains(document.activeElement) || document.activeElement === document.getElementById('main') ||
+      document.activeElement === document.body;
+    this.gridArea.setAttribute('aria-busy', 'true');
+    this.gridArea.classList.add('busy');
+    let view = this.view;
+    try {
+      if (key !== this.viewKey || !view) {
+        view = await api.makeView(this.id, asked);
+      }
+    } catch (error) {
+      if (number !== this.asked) return;
+      this.unbusy();
+      this.drop();
+      this.viewKey = undefined;
+      fill(this.tools);
+      fill(this.gridArea, h('div', {class: 'card'}, h('p', {class: 'message', role: 'alert'}, t('viewRefused', {message: error.message})),
+        button(t('showLayout'), () => this.go((next) => Object.assign(next, {columns: [], sort: [], groupBy: [], where: [],
+          allColumns: false, details: false, frozen: null})))));
+      return;
+    }
+    if (number !== this.asked) {
+      if (view !== this.view) api.closeView(this.id, view.id).catch(() => {});
+      return;
+    }
+    const heading = this.heading;
+    this.drop(view);
+    this.view = view;
+    this.viewKey = key;
+    this.wanted = wanted;
+    await this.drawGrid(view, wanted, {...place, heading});
+    this.unbusy();
+    if (hadFocus && this.shown && this.part !== 'document') this.grid.focus();
+  }
+
+  unbusy() {
+    this.gridArea.removeAttribute('aria-busy');
+    this.gridArea.classList.remove('busy');
+  }
+
+  // Gives back the grid and, unless it is `kept`, its view on the server.
+  drop(kept) {
+    this.grid?.dispose();
+    this.grid = null;
+    if (this.view && this.view !== kept) api.closeView(this.id, this.view.id).catch(() => {});
+    this.view = null;
+  }
+
+  async drawGrid(view, wanted, place) {
+    const pages = new Rows((offset, limit) => api.rows(this.id, view.id, offset, limit), view.rowCount, view.columns.length);
+    const rows = new Folds(pages, (n) => api.details(this.id, view.id, n));
+    if (view.rowCount < 0) await rows.ensure(0, 1);
+    const sorted = new Map(wanted.sort.map((key, index) => [key.column, {...key, place: index + 1, of: wanted.sort.length}]));
+    const filtered = new Set(wanted.where.map((one) => one.column));
+    this.widths = new Map(Object.entries(JSON.parse(localStorage.getItem(this.widthsKey()) ?? '{}')));
+    const layout = this.report.layouts.find((one) => one.name === view.layout);
+    const grid = this.grid = new Grid({name: t('gridName', {title: this.title, layout: caption(layout?.caption)}), view, rows,
+      widths: this.widths, frozen: wanted.frozen, sorted, filtered, tell: this.teller()});
+    rows.onchange = () => {
+      grid.redraw();
+      this.drawCount();
+    };
+    fill(this.gridArea, grid.element, view.rowCount === 0 && h('p', {class: 'no-rows muted'}, t('noRows')));
+    this.drawTools();
+    await grid.begin(place);
+    rows.count().catch((error) => notice(error.message, {error: true}));
+  }
+
+  widthsKey() {
+    return `desk.widths.${this.reportName}.${this.wanted.layout}`;
+  }
+
+  // What the grid tells.
+  teller() {
+    const names = () => this.view.columns.map((column) => column.name);
+    return {
+      open: (n) => this.openDocument(n),
+      place: (row, column) => this.keepPlace(row, column),
+      selection: (rows, columns) => {
+        this.selection.textContent = rows * columns > 1 ? t('selected', {rows: count(rows), columns: count(columns)}) : '';
+      },
+      goTo: () => this.goToInput.focus(),
+      width: (name, pixels) => {
+        this.widths.set(name, pixels);
+        localStorage.setItem(this.widthsKey(), JSON.stringify(Object.fromEntries(this.widths)));
+      },
+      move: (from, to) => this.arrange((next) => {
+        next.columns = moved(names(), from, to);
+      }, to),
+      // Ascending, then descending, then not at all; with `add` behind the columns that it is ordered by already.
+      sort: (index, add) => this.arrange((next) => {
+        const column = this.view.columns[index].name;
+        const mine = next.sort.find((key) => key.column === column);
+        const rest = add ? next.sort.filter((key) => key.column !== column) : [];
+        if (!mine) next.sort = [...rest, {column, descending: false}];
+        else if (mine.descending) next.sort = rest;
+        else next.sort = add ? next.sort.map((key) => (key === mine ? {column, descending: true} : key)) : [{column, descending: true}];
+      }, index),
+      menu: (anchor, index) => openColumnMenu(anchor, {column: this.grid.columns[index], names: names(), view: this.wanted,
+        frozen: this.grid.frozen, widen: (by) => this.grid.widen(index, by),
+        arrange: (change) => this.arrange(change, index)}),
+    };
+  }
+
+  // Shows the rows otherwise: `change` gets a copy of what is shown now. Each is a step that Back takes back.
+  arrange(change, heading) {
+    this.heading = heading !== undefined;
+    this.go(change, heading === undefined ? '' : this.view.columns[heading]?.name);
+  }
+  go(change, column) {
+    const next = structuredClone(this.wantedView());
+    change(next);
+    // Columns that are chosen stay as they are when the reader hides or moves one; a filter on a hidden one stays, too.
+    const query = putView(new URLSearchParams(this.query), next);
+    query.delete('row');
+    if (column) query.set('at', column);
+    go(['run', this.id], query);
+  }
+
+  keepPlace(row, column) {
+    this.heading = this.grid.active.row < 0;
+    clearTimeout(this.placeTimer);
+    this.placeTimer = setTimeout(() => {
+      if (!this.shown || this.part) return;
+      putPlace(this.query, row, column);
+      go(['run', this.id], this.query, {replace: true, quiet: true});
+    }, 150);
+  }
+
+  // --- above the grid
+
+  drawTools() {
+    const {wanted, view} = this;
+    const nameOf = new Map([...view.columns, ...(view.hidden ?? [])].map((column) =>
+      [column.name, column.group ? `${column.group} · ${column.caption}` : column.caption]));
+    const words = (name) => nameOf.get(name) ?? name;
+    const chip = (text, change) => h('span', {class: 'chip'}, h('span', {class: 'ellipsis'}, text),
+      h('button', {type: 'button', class: 'remove', 'aria-label': t('remove', {what: text}), onclick: () => this.go(change)}, '✕'));
+    const chips = [
+      ...wanted.where.map((one) => chip(`${words(one.column)} ${conditionText(one)}`, (next) => {
+        next.where = next.where.filter((other) => other.column !== one.column);
+      })),
+      ...wanted.sort.map((key) => chip(`${t('sortedBy')}: ${words(key.column)} ${t(key.descending ? 'descending' : 'ascending')}`, (next) => {
+        next.sort = next.sort.filter((other) => other.column !== key.column);
+      })),
+      ...wanted.groupBy.map((name) => chip(`${t('groupedBy')}: ${words(name)}`, (next) => {
+        next.groupBy = next.groupBy.filter((other) => other !== name);
+      })),
+    ];
+    if (chips.length > 1) {
+      chips.push(button(t('clearAll'), () => this.go((next) => Object.assign(next, {where: [], sort: [], groupBy: []})), {class: 'quiet'}));
+    }
+    this.counts = h('span', {class: 'counts', role: 'status'});
+    this.selection = h('span', {class: 'muted'});
+    this.goToInput = h('input', {type: 'text', inputmode: 'numeric', class: 'go-to', 'aria-label': t('goToRow'), placeholder: t('goToRow'),
+      autocomplete: 'off', onkeydown: (event) => {
+        if (event.key === 'Enter') {
+          event.preventDefault();
+          this.goToRow();
+        } else if (event.key === 'Escape') this.grid.focus();
+      }});
+    const columns = button(t('columnsMenu'), () => openColumns({shown: view.columns, hidden: view.hidden ?? [], view: this.wanted,
+      arrange: (change) => this.arrange(change)}), {'aria-haspopup': 'dialog',
+      title: view.columnsLeftOut > 0 ? t('leftOut', {n: view.columnsLeftOut}) : null});
+    const out = button(`${t('export')} ▾`, () => openExport(out, this.id, view.id), {'aria-haspopup': 'dialog'});
+    const details = this.report.layouts.some((layout) => layout.name === 'ledger') && view.layout === 'ledger' &&
+      h('label', {class: 'check'}, h('input', {type: 'checkbox', checked: wanted.details, onchange: (event) => this.go((next) => {
+        next.details = event.target.checked;
+      })}), h('span', {}, t('foldOut')));
+    fill(this.tools, h('div', {class: 'tools-row'}, this.counts, this.selection, h('span', {class: 'space'}), details,
+      this.goToInput, columns, out), chips.length > 0 && h('div', {class: 'chips'}, chips));
+    this.drawCount();
+  }
+
+  drawCount() {
+    const {rows} = this.grid;
+    const lines = this.view.lineCount;
+    const all = rows.complete ? t('rowCount', {n: count(rows.rowCount)}) : t('counting');
+    const text = rows.complete && lines !== rows.rowCount && lines >= 0 ? `${all}（${t('lineCount', {n: count(lines)})}）` : all;
+    this.counts.textContent = language() === 'zh' ? text : text.replace('（', ' (').replace('）', ')');
+    this.goToInput.title = rows.rowCount > 0 ? `1–${count(rows.rowCount)}` : '';
+  }
+
+  goToRow() {
+    const text = this.goToInput.value.replace(/[,\s]/g, '');
+    const row = /^\d{1,12}$/.test(text) ? Number(text) : 0;
+    if (row < 1 || row > this.grid.rowCount) {
+      notice(t('noSuchRow', {n: count(this.grid.rowCount)}), {error: true});
+      return;
+    }
+    this.goToInput.value = '';
+    this.grid.focus();
+    this.grid.moveTo(row - 1, this.grid.active.column, {top: true});
+  }
+
+  // --- the document behind a row
+
+  openDocument(n) {
+    clearTimeout(this.placeTimer);
+    putPlace(this.query, Math.max(0, this.grid.active.row), this.grid.columns[this.grid.active.column].name);
+    go(['run', this.id], this.query, {replace: true, quiet: true});
+    go(['run', this.id, 'document', String(n)], this.query);
+  }
+
+  async drawDocument() {
+    const wanted = this.part === 'document' && this.view ? this.documentRow : null;
+    if (wanted === this.documentShown) return;
+    this.documentShown = wanted;
+    const open = this.document;
+    this.document = null;
+    open?.close();
+    if (wanted === null) {
+      if (open) this.grid?.focus();
+      return;
+    }
+    try {
+      const answer = await api.documents(this.id, this.view.id, Number(wanted));
+      if (!this.shown || this.documentShown !== wanted) return;
+      const shown = this.document = showDocuments(answer, () => {
+        if (this.document !== shown) return;  // Back has closed it
+        this.leaveDocument();
+      });
+    } catch (error) {
+      notice(error.message, {error: true});
+      this.leaveDocument();
+    }
+  }
+
+  leaveDocument() {
+    this.document = null;
+    this.documentShown = null;
+    if (cameFromHere()) history.back();
+    else go(['run', this.id], this.query, {replace: true});
+    this.grid?.focus();
+  }
+
+  async languageChanged() {
+    this.frame = null;
+    this.drop();
+    this.viewKey = undefined;
+    if (!this.info) this.drawGone();
+    else if (this.info.state === 'running') {
+      this.events?.close();
+      this.events = null;
+      this.drawProgress();
+    } else await this.drawResult();
+  }
+}
+
+function messageText(message) {
+  return typeof message === 'string' ? message : message.text ?? '';
+}
+
+function conditionText({kind, values}) {
+  if (kind === 'contains') return `${t('contains')} ${values.join(', ')}`;
+  if (kind === 'equals') return `= ${values.join(', ')}`;
+  const [from, to] = values;
+  if (!from) return t('upTo', {to});
+  return to ? `${from} – ${to}` : t('atLeast', {from});
+}
