@@ -12,7 +12,7 @@ export const address = process.env.DESK_ADDRESS;
 export const isDouble = process.env.DESK_DOUBLE === '1';
 
 export async function startBrowser() {
-  return chromium.launch({executablePath: process.env.DESK_BROWSER ?? '/usr/bin/chromium',
+  return chromium.launch({executablePath: process.env.DESK_BROWSER ?? '/usr/bin/chromium', ignoreDefaultArgs: ['--hide-scrollbars'],
     args: [...(process.getuid() === 0 ? ['--no-sandbox'] : []), '--js-flags=--expose-gc', '--enable-precise-memory-info']});
 }
 
@@ -24,6 +24,7 @@ export async function openDesk(browser, {lang = 'zh', scheme = 'light', size = {
   const [name, value] = process.env.DESK_COOKIE.split('=');
   await context.addCookies([{name, value, url: address, httpOnly: true, sameSite: 'Strict'}]);
   const page = await context.newPage();
+  page.setDefaultTimeout(Number(process.env.DESK_TIMEOUT ?? 15000));
   page.problems = [];
   page.on('pageerror', (error) => page.problems.push(`error: ${error.stack ?? error}`));
   page.on('console', (message) => {
@@ -45,17 +46,92 @@ export async function obstacles(page) {
     .map(({id, impact, nodes}) => `${id} (${impact}): ${nodes.map((node) => node.target.join(' ')).slice(0, 4).join('; ')}`);
 }
 
-// Opens the filter of a report, fills in what it cannot do without, and runs it until its result is there.
-export async function runReport(page, report, filter = {}) {
-  const query = new URLSearchParams(Object.entries(filter).map(([key, value]) => [`f.${key}`, value]));
+
+// The reports that the desk has, as its interface describes them.
+export async function reportsOf(page) {
+  return page.evaluate(async () => (await fetch('/api/reports')).json());
+}
+
+export async function openFilter(page, report, filter = {}) {
+  const query = new URLSearchParams();
+  for (const [key, values] of Object.entries(filter)) for (const value of [values].flat()) query.append(`f.${key}`, value);
   await page.goto(`${address}/#/report/${report}?${query}`);
-  await page.waitForSelector(`form button[type=submit]:has-text("${'运行'}"), form button[type=submit]:has-text("Run")`);
   await page.waitForSelector('.field');
-  await page.click('form .page-head button[type=submit]');
+  await settled(page);
+}
+
+// Until nothing is asked of the server any more.
+export async function settled(page) {
+  await page.waitForLoadState('networkidle');
+}
+
+// Runs a report from its filter. What is refused for want of a code gets the first that its lookup offers.
+export async function runReport(page, report, filter = {}) {
+  await openFilter(page, report, filter);
+  for (let attempt = 0; attempt < 4; attempt += 1) {
+    await page.click('form .page-head button[type=submit]');
+    const what = await Promise.race([
+      page.waitForURL(/#\/run\//).then(() => 'run'),
+      page.waitForSelector('.field.refused').then(() => 'refused'),
+    ]);
+    if (what === 'run') break;
+    for (const opener of await page.$$('.field.refused .joined > button.sign:not([disabled])')) {
+      await opener.click();
+      await page.click('.lookup-list [role=option]');
+      const ok = await page.$('.modal-foot button.primary');
+      if (ok) await ok.click();
+      await settled(page);
+    }
+  }
   await waitForGrid(page);
 }
 
 export async function waitForGrid(page, timeout = 60000) {
-  await page.waitForSelector('regular-table tbody td, regular-table tbody th', {timeout});
+  await page.waitForSelector('regular-table thead th', {timeout});
   await page.waitForFunction(() => !document.querySelector('.grid-area[aria-busy]'), null, {timeout});
+  await page.waitForSelector('regular-table tbody tr', {timeout});
+  await page.waitForTimeout(60);
+}
+
+// Does what changes the arrangement of the rows, and waits for the grid that shows it.
+export async function rearrange(page, act) {
+  await page.evaluate(() => {
+    document.querySelector('regular-table').dataset.old = '1';
+  });
+  await act();
+  await page.waitForFunction(() => document.querySelector('regular-table') && !document.querySelector('regular-table').dataset.old, null, {timeout: 60000});
+  await waitForGrid(page);
+}
+
+// What is to be seen of the grid: columns in sight {index, name, sort}, rows {index, kind, cells: {column index: text}}, totals.
+export async function gridOf(page) {
+  return page.evaluate(() => {
+    const table = document.querySelector('regular-table table');
+    const head = [...table.tHead.rows].at(-1);
+    const caption = (th) => th.querySelector('span').textContent;
+    const rows = [...table.tBodies[0].rows].filter((tr) => tr.getAttribute('aria-hidden') !== 'true');
+    const active = document.getElementById(table.getAttribute('aria-activedescendant'));
+    return {
+      rowCount: Number(table.getAttribute('aria-rowcount')) - table.tHead.rows.length,
+      columnCount: Number(table.getAttribute('aria-colcount')),
+      columns: [...head.cells].map((th) => ({index: Number(th.getAttribute('aria-colindex')), caption: caption(th), sort: th.getAttribute('aria-sort'),
+        number: th.classList.contains('number'), left: th.getBoundingClientRect().left, width: th.getBoundingClientRect().width})),
+      rows: rows.map((tr) => ({index: Number(tr.getAttribute('aria-rowindex')) - table.tHead.rows.length, kind: /kind-(\w+)/.exec(tr.className)?.[1],
+        cells: Object.fromEntries([...tr.cells].map((cell) => [cell.getAttribute('aria-colindex'), cell.textContent]))})),
+      totals: [...document.querySelectorAll('.totals tr')].map((tr) => [...tr.cells].map((cell) => cell.textContent)),
+      active: active && {text: active.textContent, column: Number(active.getAttribute('aria-colindex')), id: active.id},
+      hash: location.hash,
+    };
+  });
+}
+
+// Goes to the heading of the first column in sight that `wanted` takes, and gives it.
+export async function focusHeading(page, wanted) {
+  await page.focus('regular-table table');
+  await page.keyboard.press('Control+Home');
+  await page.keyboard.press('ArrowUp');
+  const {columns} = await gridOf(page);
+  const column = columns.find(wanted);
+  for (let step = 1; step < column.index; step += 1) await page.keyboard.press('ArrowRight');
+  return column;
 }

@@ -3,7 +3,7 @@ import {go, read, write} from './address.js';
 import {api} from './api.js';
 import {DialogPage} from './dialog.js';
 import {button, fill, h, notice, signButton} from './dom.js';
-import {menu, modal} from './popup.js';
+import {closeWindows, menu, modal} from './popup.js';
 import {RunPage} from './run.js';
 import {StartPage} from './start.js';
 import {caption, language, setLanguage, t} from './texts.js';
@@ -63,6 +63,7 @@ function pageFor({path, query}) {
 async function route() {
   const address = read();
   const number = asked += 1;
+  closeWindows();
   try {
     if (!desk.account) [desk.account, desk.reports] = await Promise.all([api.account(), api.reports()]);
     const next = pageFor(address);

@@ -44,13 +44,15 @@ export function openCalendar(anchor, caption, text, fallback, take) {
     at = textOf(date);
   };
 
+  const nameOf = (date) => t('monthOf', {year: date.getUTCFullYear(), month: date.getUTCMonth() + 1, monthName: monthName(date.getUTCMonth() + 1)});
+
   function draw(focus) {
     const [year, month] = at.split('-').map(Number);
     const step = (months) => () => {
       moved(0, months);
       draw(false);
     };
-    const name = t('monthOf', {year, month, monthName: monthName(month)});
+    const name = nameOf(dateOf(at));
     fill(head, signButton('«', t('previousYear'), step(-12)), signButton('‹', t('previousMonth'), step(-1)),
       h('span', {class: 'month', 'aria-live': 'polite'}, name),
       signButton('›', t('nextMonth'), step(1)), signButton('»', t('nextYear'), step(12)));
@@ -66,7 +68,7 @@ export function openCalendar(anchor, caption, text, fallback, take) {
         date.setUTCDate(monday.getUTCDate() + week * 7 + weekday);
         const day = textOf(date);
         const other = date.getUTCMonth() !== month - 1;
-        cells.push(h('td', {}, h('button', {type: 'button', class: other ? 'other' : null, 'aria-label': day,
+        cells.push(h('td', {}, h('button', {type: 'button', class: other ? 'other' : null, 'aria-label': `${date.getUTCDate()} · ${name}`,
           'aria-current': day === today ? 'date' : null, 'aria-pressed': day === chosen ? 'true' : 'false',
           tabindex: day === at ? '0' : '-1', 'data-day': day, onclick: () => choose(day)}, String(date.getUTCDate()))));
       }

@@ -63,7 +63,10 @@ export class DialogPage {
 
   draw(state) {
     this.fields.clear();
-    const around = {id: this.id, set: (key, value, value2) => this.set(key, value, value2)};
+    const around = {id: this.id, set: (key, value, value2) => this.set(key, value, value2), firstDay: () => {
+      const year = this.state.items.find((item) => item.key === 'iYear')?.value ?? String(this.desk.account.currentYear);
+      return /^\d{4}$/.test(year) ? `${year}-01-01` : '';
+    }};
     const field = (item) => {
       const made = makeField(item, around);
       this.fields.set(item.key, made);
@@ -90,7 +93,7 @@ export class DialogPage {
       this.run();
     }},
       h('div', {class: 'page-head'},
-        h('div', {class: 'titles'}, h('h1', {}, caption(this.report.title)), this.view),
+        h('div', {class: 'titles'}, h('h1', {}, caption(this.report.title)), h('span', {class: 'muted'}, t('filterOf')), this.view),
         h('div', {class: 'actions'}, load, save,
           button(t('filterLink'), () => this.copyLink()),
           button(t('reset'), () => this.open({})),

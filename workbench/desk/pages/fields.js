@@ -60,7 +60,7 @@ function widget(item, around, ids) {
   if (item.kind === 'choice' || item.kind === 'flag') {
     return item.multiple ? manyChoices(item, set, ids) : oneChoice(item, set, ids);
   }
-  if (item.kind === 'date') return dateInput(item, ids, (value) => set(value), (it) => it.value, '');
+  if (item.kind === 'date') return dateInput(item, around, ids, (value) => set(value), (it) => it.value, '');
   if (item.multiple) return manyValues(item, around, set, ids);
   return oneValue(item, around, ids, (value) => set(value), (it) => it.value);
 }
@@ -71,7 +71,7 @@ function rangeOf(item, around, ids) {
     const lower = part === 'value';
     const set = (value) => around.set(item.key, lower ? value : current.value ?? '', lower ? current.value2 ?? '' : value);
     const label = t(lower ? 'fromOf' : 'toOf', {caption: caption(item.caption)});
-    if (item.kind === 'date') return dateInput(item, {label: null, name: label}, set, (it) => it[part], lower ? '' : 'value');
+    if (item.kind === 'date') return dateInput(item, around, {label: null, name: label}, set, (it) => it[part], lower ? 'value2' : 'value');
     return oneValue(item, around, {label: null, name: label}, set, (it) => it[part]);
   };
   const from = one('value');
@@ -179,7 +179,8 @@ function manyChoices(item, set, ids) {
   };
 }
 
-function dateInput(item, ids, set, value, fallback) {
+// The calendar opens on the day given, else on `fallback`, the other end of a range, else in the filter's year.
+function dateInput(item, around, ids, set, value, fallback) {
   let current = item;
   const control = {};
   const take = (text) => {
@@ -194,7 +195,7 @@ function dateInput(item, ids, set, value, fallback) {
   };
   const input = textInput({...nameOf(ids), class: 'date', placeholder: 'yyyy-mm-dd', inputmode: 'numeric',
     onkeydown: (event) => event.altKey && event.key === 'ArrowDown' && (event.preventDefault(), open())}, take);
-  const open = () => openCalendar(opener, caption(item.caption), input.value, fallback ? current[fallback] : '', (day) => {
+  const open = () => openCalendar(opener, caption(item.caption), input.value, current[fallback] || around.firstDay(), (day) => {
     take(day);
     input.focus();
   });

@@ -128,6 +128,10 @@ export class Grid {
 
   setWidths() {
     this.scroller.restoreColumnSizes(Object.fromEntries(this.widths.map((width, index) => [index, width])));
+    // Of columns that it has not drawn yet, regular-table takes a width of its own, and so would reckon the scroll bar and
+    // the column at a scroll position wrongly. It has no call to tell them, so they go where it keeps them.
+    const kept = Object.values(this.scroller).find((one) => one?.override && one?.indices);
+    if (kept) this.widths.forEach((width, index) => (kept.indices[index] = width));
   }
 
   widen(index, by) {
@@ -253,8 +257,12 @@ export class Grid {
     const kind = `kind_${row?.kind}`;
     if (hasText(kind)) tr.setAttribute('aria-description', t(kind));
     else tr.removeAttribute('aria-description');
-    if (folded === undefined) tr.removeAttribute('aria-expanded');
-    else tr.setAttribute('aria-expanded', String(folded));
+    if (folded === undefined) {
+      tr.removeAttribute('aria-expanded');
+      return;
+    }
+    this.table.setAttribute('role', 'treegrid');
+    tr.setAttribute('aria-expanded', String(folded));
   }
 
   styleHead(head, focused) {
@@ -448,6 +456,7 @@ export class Grid {
     if (to) {
       event.preventDefault();
       const [nextRow, nextColumn] = to();
+      if (event.key === 'Home') this.scroller.scrollLeft = 0;
       // A block goes over rows only.
       this.moveTo(extend && nextRow < 0 ? 0 : nextRow, nextColumn, {extend: extend && row >= 0});
       return;

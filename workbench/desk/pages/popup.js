@@ -26,10 +26,13 @@ export function popup(anchor, content, {name, onclose} = {}) {
   return {element: box, close: () => box.isConnected && box.hidePopover()};
 }
 
-// A window that holds the rest of the page back until it is closed. `onclose` is called however it was closed.
-export function modal(title, content, {wide = false, onclose, actions = []} = {}) {
+// A window that holds the rest of the page back until it is closed. `onclose` is called however it was closed. One that is not
+// `ofAddress` goes when another address is shown.
+export function modal(title, content, {wide = false, ofAddress = false, onclose, actions = []} = {}) {
   const id = newId('modal');
-  const element = h('dialog', {class: wide ? 'modal wide' : 'modal', 'aria-labelledby': id},
+  const element = h('dialog', {class: wide ? 'modal wide' : 'modal', 'aria-labelledby': id, 'data-of-address': ofAddress,
+    // In a search field, the browser would take the first Escape for itself.
+    onkeydown: (event) => event.key === 'Escape' && !document.querySelector(':popover-open') && (event.preventDefault(), element.close())},
     h('div', {class: 'modal-head'}, h('h2', {id}, title), signButton('✕', t('close'), () => element.close())),
     h('div', {class: 'modal-body'}, content),
     actions.length > 0 && h('div', {class: 'modal-foot'}, actions));
@@ -40,6 +43,14 @@ export function modal(title, content, {wide = false, onclose, actions = []} = {}
   document.body.append(element);
   element.showModal();
   return {element, close: () => element.open && element.close()};
+}
+
+// Closes what was opened over a page that is left.
+export function closeWindows() {
+  for (const element of document.querySelectorAll('dialog:not([data-of-address]), .popup')) {
+    if (element.matches('dialog')) element.close();
+    else element.hidePopover();
+  }
 }
 
 // A menu of entries {text, act, checked?, disabled?}, or null for a line between them. Arrows go through it.

@@ -49,7 +49,10 @@ export class RunPage {
   hide() {
     this.keepTop();
     this.shown = false;
-    this.document?.close();
+    const open = this.document;
+    this.document = null;
+    this.documentShown = null;
+    open?.close();
     clearTimeout(this.placeTimer);
   }
 
@@ -304,6 +307,7 @@ export class RunPage {
   // What the grid tells.
   teller() {
     const names = () => this.view.columns.map((column) => column.name);
+    const nameAt = (index) => this.view.columns[index].name;
     return {
       open: (n) => this.openDocument(n),
       place: (row, column) => this.keepPlace(row, column),
@@ -317,26 +321,27 @@ export class RunPage {
       },
       move: (from, to) => this.arrange((next) => {
         next.columns = moved(names(), from, to);
-      }, to),
+      }, names()[from]),
       // Ascending, then descending, then not at all; with `add` behind the columns that it is ordered by already.
       sort: (index, add) => this.arrange((next) => {
-        const column = this.view.columns[index].name;
+        const column = nameAt(index);
         const mine = next.sort.find((key) => key.column === column);
         const rest = add ? next.sort.filter((key) => key.column !== column) : [];
         if (!mine) next.sort = [...rest, {column, descending: false}];
         else if (mine.descending) next.sort = rest;
         else next.sort = add ? next.sort.map((key) => (key === mine ? {column, descending: true} : key)) : [{column, descending: true}];
-      }, index),
+      }, nameAt(index)),
       menu: (anchor, index) => openColumnMenu(anchor, {column: this.grid.columns[index], names: names(), view: this.wanted,
         frozen: this.grid.frozen, widen: (by) => this.grid.widen(index, by),
-        arrange: (change) => this.arrange(change, index)}),
+        arrange: (change) => this.arrange(change, nameAt(index))}),
     };
   }
 
-  // Shows the rows otherwise: `change` gets a copy of what is shown now. Each is a step that Back takes back.
-  arrange(change, heading) {
-    this.heading = heading !== undefined;
-    this.go(change, heading === undefined ? '' : this.view.columns[heading]?.name);
+  // Shows the rows otherwise: `change` gets a copy of what is shown now. Each is a step that Back takes back. Where it comes
+  // from a column's heading, the keyboard stays there.
+  arrange(change, column) {
+    this.heading = column !== undefined;
+    this.go(change, column);
   }
   go(change, column) {
     const next = structuredClone(this.wantedView());

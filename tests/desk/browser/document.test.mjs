@@ -1,0 +1,120 @@
+// The ledger and the documents behind its rows.
+import assert from 'node:assert/strict';
+import {after, before, test} from 'node:test';
+import {gridOf, isDouble, openDesk, rearrange, reportsOf, runReport, startBrowser, waitForGrid} from './desk_browser.mjs';
+
+let browser;
+let page;
+before(async () => {
+  browser = await startBrowser();
+  page = await openDesk(browser);
+  const report = (await reportsOf(page)).find(({layouts}) => layouts.some(({name}) => name === 'ledger'));
+  await runReport(page, report.name);
+});
+after(() => browser.close());
+
+test('a ledger begins and ends with a balance and has month sums', async () => {
+  await page.focus('regular-table table');
+  await page.keyboard.press('Control+Home');
+  assert.equal((await gridOf(page)).rows[0].kind, 'opening');
+  const kinds = new Set();
+  for (let step = 0; step < 40; step += 1) {
+    for (const {kind} of (await gridOf(page)).rows) kinds.add(kind);
+    await page.keyboard.press('PageDown');
+    await page.waitForTimeout(30);
+  }
+  assert.ok(kinds.has('line') && kinds.has('monthTotal'), [...kinds].join());
+  await page.keyboard.press('Control+Home');
+});
+
+test('cost items fold out for all lines at once', async () => {
+  const before = (await gridOf(page)).rowCount;
+  await rearrange(page, () => page.click('.tools .check input'));
+  assert.ok(page.url().includes('details=1'));
+  const grid = await gridOf(page);
+  assert.ok(grid.rowCount > before);
+  assert.ok(grid.rows.some(({kind}) => kind === 'detail'));
+  await rearrange(page, () => page.click('.tools .check input'));
+  assert.equal((await gridOf(page)).rowCount, before);
+});
+
+if (isDouble) {
+  test('and for one line, by key and by mouse', async () => {
+    await page.focus('regular-table table');
+    await page.keyboard.press('Control+Home');
+    await page.keyboard.press('ArrowDown');
+    const before = await gridOf(page);
+    await page.keyboard.press('Space');
+    await page.waitForSelector('tr.folded-out');
+    let grid = await gridOf(page);
+    const below = grid.rowCount - before.rowCount;
+    assert.ok(below > 0);
+    assert.ok(grid.rows.slice(2, 2 + below).every(({kind}) => kind === 'detail'));
+    assert.deepEqual(grid.rows[2 + below].cells, before.rows[2].cells);
+    assert.equal(await page.getAttribute('tr.folded-out', 'aria-expanded'), 'true');
+    await page.locator('tr.folded-in > .first').nth(2).click({position: {x: 12, y: 14}});
+    await page.waitForFunction(() => document.querySelectorAll('tr.folded-out').length === 2);
+    await page.focus('regular-table table');
+    await page.keyboard.press('Space');
+    await page.waitForFunction(() => document.querySelectorAll('tr.folded-out').length < 2);
+    await page.keyboard.press('Control+End');
+    await page.waitForTimeout(200);
+    grid = await gridOf(page);
+    assert.equal(grid.rows.at(-1).kind, 'closing');
+    await page.keyboard.press('Control+Home');
+  });
+}
+
+test('Enter opens the document of a row, and Back returns to the same place', async () => {
+  await page.focus('regular-table table');
+  await page.keyboard.press('PageDown');
+  await page.waitForTimeout(200);
+  for (let step = 0; step < 30; step += 1) {
+    if (await page.locator('tr.opens > .at').count()) break;
+    await page.keyboard.press('ArrowDown');
+    await page.waitForTimeout(30);
+  }
+  const before = await gridOf(page);
+  await page.keyboard.press('Enter');
+  await page.waitForSelector('dialog.modal');
+  assert.match(page.url(), /\/document\/\d+\?/);
+  assert.ok((await page.locator('dialog .document, dialog .message').count()) > 0);
+  await page.goBack();
+  await page.waitForSelector('dialog.modal', {state: 'detached'});
+  const after = await gridOf(page);
+  assert.equal(after.active.id, before.active.id);
+  assert.deepEqual(after.rows.map(({index}) => index), before.rows.map(({index}) => index));
+  assert.equal(await page.evaluate(() => document.activeElement.matches('regular-table table')), true);
+  // The same by the window's own way out, by double click, and opened anew from its address.
+  await page.keyboard.press('Enter');
+  await page.waitForSelector('dialog.modal');
+  await page.keyboard.press('Escape');
+  await page.waitForSelector('dialog.modal', {state: 'detached'});
+  await page.waitForFunction(() => !location.hash.includes('/document/'));
+  assert.equal((await gridOf(page)).active.id, before.active.id);
+  await page.dblclick('tr.opens > .at');
+  await page.waitForSelector('dialog.modal');
+  const link = page.url();
+  await page.goto('about:blank');
+  await page.goto(link);
+  await page.waitForSelector('dialog.modal');
+  await page.keyboard.press('Escape');
+  await waitForGrid(page);
+  await page.waitForFunction(() => !location.hash.includes('/document/'));
+});
+
+if (isDouble) {
+  test('what the component says instead of a document is shown', async () => {
+    await page.focus('regular-table table');
+    await page.keyboard.press('Control+g');
+    await page.keyboard.type('10');
+    await page.keyboard.press('Enter');
+    await page.waitForSelector('tr.opens > .at');
+    await page.keyboard.press('Enter');
+    await page.waitForSelector('dialog .message');
+    assert.equal(await page.innerText('dialog .message'), '该记录没有生成凭证');
+    await page.keyboard.press('Escape');
+  });
+}
+
+test('nothing was said against the pages', () => assert.deepEqual(page.problems, []));

@@ -1,0 +1,94 @@
+// A run: its progress, stopping it, its statements, several at once, and what is left of a bookmark when it is gone.
+import assert from 'node:assert/strict';
+import {after, before, test} from 'node:test';
+import {address, gridOf, isDouble, openDesk, openFilter, reportsOf, runReport, settled, startBrowser, waitForGrid} from './desk_browser.mjs';
+
+let browser;
+let page;
+before(async () => {
+  browser = await startBrowser();
+  page = await openDesk(browser);
+});
+after(() => browser.close());
+
+test('every report runs to its rows, in every layout', async () => {
+  for (const report of await reportsOf(page)) {
+    await runReport(page, report.name);
+    const links = page.locator('.layout-bar a:not(:last-of-type)');
+    assert.equal(await links.count(), report.layouts.length, report.name);
+    for (let index = 0; index < report.layouts.length; index += 1) {
+      await links.nth(index).click();
+      await settled(page);
+      await waitForGrid(page);
+      const grid = await gridOf(page);
+      assert.ok(grid.columnCount > 1, `${report.name} ${report.layouts[index].name}`);
+      assert.equal(await page.locator('.layout-bar a[aria-current]').innerText(), report.layouts[index].caption.zh);
+      assert.equal(grid.rows.length > 0, grid.rowCount > 0);
+    }
+  }
+});
+
+test('runs stand side by side, and one is closed without the others', async () => {
+  const before = await page.locator('.run-tab button').count();
+  assert.ok(before >= 4);
+  await page.locator('.run-tab button').first().click();
+  await page.waitForFunction((count) => document.querySelectorAll('.run-tab button').length === count - 1, before);
+  await page.locator('.run-tab > a').last().click();
+  await waitForGrid(page);
+});
+
+test('the statements come with time and rows, and are copied', async () => {
+  await page.locator('.layout-bar a').last().click();
+  await page.waitForSelector('.statements tbody tr');
+  const count = await page.locator('.statements tbody tr').count();
+  assert.ok(count > 0);
+  await page.click('.statements .card-head button');
+  await page.waitForSelector('.notice');
+  const copied = await page.evaluate(() => navigator.clipboard.readText());
+  assert.equal(copied.split('\nGO\n').length, count);
+  await page.goBack();
+  await waitForGrid(page);
+});
+
+test('a run shows its statements while it goes, and the button stops it', async () => {
+  const report = isDouble ? 'outsum-item' : (await reportsOf(page))[0].name;
+  await openFilter(page, report, isDouble ? {cVouCode: 'slow'} : {});
+  await page.click('form button[type=submit]');
+  await page.waitForURL(/#\/run\//);
+  if (isDouble) {
+    await page.waitForSelector('.under-way li:nth-child(3)');
+    assert.match(await page.innerText('.elapsed'), /[\d.]+ 秒/);
+  }
+  const stop = page.locator('.progress button.danger');
+  if (await stop.count()) {
+    await stop.click().catch(() => {});  // it may just have ended
+    await page.waitForFunction(() => !document.querySelector('.progress'), null, {timeout: 30000});
+  }
+  const id = /run\/(\w+)/.exec(page.url())[1];
+  const {state} = await page.evaluate(async (run) => (await fetch(`/api/runs/${run}`)).json(), id);
+  if (isDouble) {
+    assert.equal(state, 'stopped');
+    assert.ok((await page.innerText('main')).includes('报表已停止'));
+  } else assert.ok(['stopped', 'done'].includes(state));
+});
+
+if (isDouble) {
+  test('a run that fails says why, with the statements so far', async () => {
+    await openFilter(page, 'outsum-item', {cVouCode: 'broken'});
+    await page.click('form button[type=submit]');
+    await page.waitForSelector('.card.failed');
+    assert.ok((await page.innerText('.card.failed')).includes("Invalid object name 'Ca_FxDef'."));
+    assert.equal(await page.locator('.statements tbody tr').count(), 5);
+  });
+}
+
+test('the bookmark of a run that is gone leads to its filter', async () => {
+  await page.goto(`${address}/#/run/987654?report=${(await reportsOf(page))[0].name}&f.cModal=1`);
+  await page.waitForSelector('.primary-link');
+  await page.click('.primary-link');
+  await page.waitForSelector('.field');
+  await settled(page);
+  assert.ok(page.url().includes('f.cModal=1'));
+});
+
+test('nothing was said against the pages', () => assert.deepEqual(page.problems, []));
