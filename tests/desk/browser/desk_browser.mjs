@@ -56,7 +56,7 @@ export async function openFilter(page, report, filter = {}) {
   const query = new URLSearchParams();
   for (const [key, values] of Object.entries(filter)) for (const value of [values].flat()) query.append(`f.${key}`, value);
   await page.goto(`${address}/#/report/${report}?${query}`);
-  await page.waitForSelector('.field');
+  await page.waitForSelector('main:not([aria-busy]) .field');
   await settled(page);
 }
 

@@ -21,9 +21,12 @@ const desk = {
 
   // Asks for the runs again and shows them; what is running is asked for until it has ended.
   async runsChanged() {
+    const before = JSON.stringify(desk.runs);
     desk.runs = await api.runs();
-    drawRuns();
-    page?.runsChanged?.();
+    if (JSON.stringify(desk.runs) !== before) {
+      drawRuns();
+      page?.runsChanged?.();
+    }
     clearTimeout(desk.timer);
     if (desk.runs.some((run) => run.state === 'running')) desk.timer = setTimeout(() => desk.runsChanged().catch(() => {}), 1000);
   },
@@ -64,6 +67,7 @@ async function route() {
   const address = read();
   const number = asked += 1;
   closeWindows();
+  main.setAttribute('aria-busy', 'true');
   try {
     if (!desk.account) [desk.account, desk.reports] = await Promise.all([api.account(), api.reports()]);
     const next = pageFor(address);
@@ -81,6 +85,7 @@ async function route() {
     if (number === asked) fill(main, h('div', {class: 'page'}, h('p', {class: 'message', role: 'alert'}, error.message)));
     page = null;
   }
+  if (number === asked) main.removeAttribute('aria-busy');
   if (page) document.title = `${page.title} – ${desk.account?.name ?? 'Quillon'}`;
 }
 
@@ -133,7 +138,7 @@ function drawRuns() {
     desk.runs.map((run) => {
       const id = String(run.id);
       const title = caption(desk.report(run.report)?.title) || run.title;
-      const words = `${title} #${id}`;
+      const words = `#${id} ${title}`;
       return h('span', {class: 'run-tab', 'aria-current': null},
         h('a', {href: runPages.get(id)?.address() ?? write(['run', id], new URLSearchParams({report: run.report})),
           'aria-current': id === here ? 'page' : null, title: `${words} (${t(`state_${run.state}`)})`},

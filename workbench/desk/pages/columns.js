@@ -4,7 +4,7 @@ import {moved} from './column_menu.js';
 import {modal} from './popup.js';
 import {t} from './texts.js';
 
-export function openColumns({shown, hidden, view, arrange}) {
+export function openColumns({shown, hidden, leftOut, view, arrange}) {
   const captions = new Map([...shown, ...hidden].map((column) => [column.name, column.group ? `${column.group} · ${column.caption}` : column.caption]));
   const names = shown.map((column) => column.name);
   const off = hidden.map((column) => column.name);
@@ -49,7 +49,8 @@ export function openColumns({shown, hidden, view, arrange}) {
 
   draw();
   const window = modal(t('columns'), [
-    h('div', {class: 'column-search'}, search, h('label', {class: 'check'}, all, h('span', {}, t('allColumns')))),
+    h('div', {class: 'column-search'}, search, h('label', {class: 'check'}, all, h('span', {}, t('allColumns'))),
+      leftOut > 0 && h('span', {class: 'muted'}, t('leftOut', {n: leftOut}))),
     h('div', {class: 'column-lists'},
       h('section', {}, h('h3', {}, t('columnsShown')), on), h('section', {}, h('h3', {}, t('columnsHidden')), rest)),
   ], {actions: [

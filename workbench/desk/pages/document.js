@@ -24,8 +24,7 @@ export function showDocuments({messages, documents}, onclose) {
             h('td', {class: figures[index] ? 'number' : null}, text ?? ''))))))));
     }),
   ];
-  const title = documents.length > 0 ? documents[0].title : t('document');
-  const shown = modal(title, content, {wide: true, ofAddress: true, onclose,
+  const shown = modal(t('document'), content, {wide: true, ofAddress: true, onclose,
     actions: [h('button', {type: 'button', class: 'primary', onclick: () => shown.close()}, `← ${t('back')}`)]});
   shown.element.querySelector('.modal-foot button').focus();
   return shown;

@@ -20,7 +20,7 @@ export class Grid {
   // `view` is the server's answer, `rows` has at(), has(), ensure(), rowCount, state()? and toggle()?; `widths` maps names to
   // widths that the reader has chosen; `frozen` is how many columns stay, null for the keys; `sorted` maps names to marks.
   // What happens is told to `tell`: open(row), place(row, name), sort(column, add), menu(anchor, column), move(from, to),
-  // width(name, pixels), selection(rows, columns), goTo().
+  // width(name, pixels), selection(rows, columns), goTo(), lost(error).
   constructor({name, view, rows, widths, frozen, sorted, filtered, tell}) {
     this.view = view;
     this.rows = rows;
@@ -163,9 +163,12 @@ export class Grid {
       num_row_headers: frozen, num_column_headers: this.headRows, merge_headers: 'column'};
     const to = Math.min(y1, rowCount);
     if (y0 < to && !this.rows.has(y0, to)) {
-      const fetched = this.rows.ensure(y0, to);
-      const inTime = await Promise.race([fetched.then(() => true), new Promise((go) => setTimeout(go, 250, false))]);
-      if (!inTime) fetched.then(() => this.redraw(), (error) => notice(error.message, {error: true}));
+      const fetched = this.rows.ensure(y0, to).then(() => true, (error) => {
+        if (!this.disposed) this.tell.lost(error);
+        return false;
+      });
+      const inTime = await Promise.race([fetched, new Promise((go) => setTimeout(go, 250, null))]);
+      if (inTime === null) fetched.then((there) => there && this.redraw());
     }
     const window = [];
     for (let y = y0; y < Math.min(y1, answer.num_rows); y += 1) window.push(y < rowCount ? this.rows.at(y) : null);

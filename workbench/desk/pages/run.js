@@ -54,6 +54,11 @@ export class RunPage {
     this.documentShown = null;
     open?.close();
     clearTimeout(this.placeTimer);
+    // A browser keeps few connections to one server open: only the page in sight listens.
+    if (this.events) {
+      this.quiet();
+      this.info = null;
+    }
   }
 
   // An element that goes out of sight forgets how far it was scrolled.
@@ -61,9 +66,13 @@ export class RunPage {
     if (this.grid?.element.isConnected && this.grid.element.offsetParent) this.topRow = this.grid.firstRow;
   }
 
-  dispose() {
+  quiet() {
     this.events?.close();
+    this.events = null;
     clearInterval(this.clock);
+  }
+
+  dispose() {
     this.hide();
     this.grid?.dispose();
   }
@@ -143,9 +152,7 @@ export class RunPage {
 
   async ended() {
     if (!this.events) return;
-    this.events.close();
-    this.events = null;
-    clearInterval(this.clock);
+    this.quiet();
     await this.load();
     say(this.info ? t(`state_${this.info.state}`) : t('runGone'));
     await this.desk.runsChanged().catch(() => {});
@@ -297,11 +304,24 @@ export class RunPage {
     fill(this.gridArea, grid.element, view.rowCount === 0 && h('p', {class: 'no-rows muted'}, t('noRows')));
     this.drawTools();
     await grid.begin(place);
-    rows.count().catch((error) => notice(error.message, {error: true}));
+    rows.count().catch((error) => this.lost(error));
   }
 
   widthsKey() {
     return `desk.widths.${this.reportName}.${this.wanted.layout}`;
+  }
+
+  // Rows could not be fetched. The server may have let an old view go: then it is made once more.
+  lost(error) {
+    const now = performance.now();
+    if (error.status !== 404 || now - (this.lostAt ?? -Infinity) < 5000) {
+      notice(error.message, {error: true});
+      return;
+    }
+    this.lostAt = now;
+    this.view = null;
+    this.viewKey = undefined;
+    this.drawView().catch((problem) => notice(problem.message, {error: true}));
   }
 
   // What the grid tells.
@@ -315,6 +335,7 @@ export class RunPage {
         this.selection.textContent = rows * columns > 1 ? t('selected', {rows: count(rows), columns: count(columns)}) : '';
       },
       goTo: () => this.goToInput.focus(),
+      lost: (error) => this.lost(error),
       width: (name, pixels) => {
         this.widths.set(name, pixels);
         localStorage.setItem(this.widthsKey(), JSON.stringify(Object.fromEntries(this.widths)));
@@ -395,7 +416,8 @@ export class RunPage {
           this.goToRow();
         } else if (event.key === 'Escape') this.grid.focus();
       }});
-    const columns = button(t('columnsMenu'), () => openColumns({shown: view.columns, hidden: view.hidden ?? [], view: this.wanted,
+    const columns = button(t('columnsMenu'), () => openColumns({shown: view.columns, hidden: view.hidden ?? [],
+      leftOut: view.columnsLeftOut, view: this.wanted,
       arrange: (change) => this.arrange(change)}), {'aria-haspopup': 'dialog',
       title: view.columnsLeftOut > 0 ? t('leftOut', {n: view.columnsLeftOut}) : null});
     const out = button(`${t('export')} ▾`, () => openExport(out, this.id, view.id), {'aria-haspopup': 'dialog'});
@@ -476,8 +498,7 @@ export class RunPage {
     this.viewKey = undefined;
     if (!this.info) this.drawGone();
     else if (this.info.state === 'running') {
-      this.events?.close();
-      this.events = null;
+      this.quiet();
       this.drawProgress();
     } else await this.drawResult();
   }

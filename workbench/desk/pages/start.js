@@ -64,10 +64,11 @@ export class StartPage {
           h('thead', {}, h('tr', {}, ['report', 'conditions', 'state', 'started'].map((key) => h('th', {scope: 'col'}, t(key))),
             h('th', {scope: 'col'}, h('span', {class: 'unseen'}, t('closeRun', {title: ''}))))),
           h('tbody', {}, runs.map((run) => h('tr', {},
-            h('th', {scope: 'row'}, h('a', {href: write(['run', String(run.id)], new URLSearchParams({report: run.report}))}, run.title)),
+            h('th', {scope: 'row'}, h('a', {href: write(['run', String(run.id)], new URLSearchParams({report: run.report}))},
+              caption(this.desk.report(run.report)?.title) || run.title)),
             h('td', {}, h('span', {class: 'conditions'}, conditionsText(run.conditions))),
             h('td', {class: `state ${run.state}`}, t(`state_${run.state}`)),
-            h('td', {}, moment(run.started)),
+            h('td', {class: 'moment'}, moment(run.started)),
             h('td', {}, button(t('close'), () => this.desk.closeRun(run.id),
               {'aria-label': t('closeRun', {title: run.title})})))))));
   }
@@ -82,7 +83,7 @@ export class StartPage {
           h('tbody', {}, this.filters.map((filter) => h('tr', {},
             h('th', {scope: 'row'}, h('button', {type: 'button', class: 'link', onclick: () => this.openFilter(filter)}, filter.name)),
             h('td', {}, titles.get(filter.report) ?? filter.report),
-            h('td', {}, moment(filter.changed)),
+            h('td', {class: 'moment'}, moment(filter.changed)),
             h('td', {}, deleteButton(filter.name, () => {
               this.filters = this.filters.filter((other) => other !== filter);
               this.drawFilters();

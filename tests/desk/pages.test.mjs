@@ -1,0 +1,112 @@
+// Of the pages what needs no browser: addresses, rows in bounded memory, folding, and the catalogue of texts.
+import assert from 'node:assert/strict';
+import {test} from 'node:test';
+import {readFileSync, readdirSync} from 'node:fs';
+import {fileURLToPath} from 'node:url';
+import {filterIn, placeIn, putFilter, putPlace, putView, viewIn} from '../../workbench/desk/pages/address.js';
+import {Folds} from '../../workbench/desk/pages/ledger.js';
+import {Rows} from '../../workbench/desk/pages/rows.js';
+
+const again = (query) => new URLSearchParams(query.toString());
+
+test('a filter goes into the address and comes out of it', () => {
+  const values = {iYear: {value: '2024'}, cInvCode: {value: 'a&b\t0101 00002\t,'}, dKeepDate: {value: '', value2: '2024-03-31'},
+    'Inventory.cInvCCode': {value: '01', value2: '02'}};
+  const query = again(putFilter(new URLSearchParams({report: 'fx-wt', 'f.old': '1'}), values));
+  assert.deepEqual(filterIn(query), values);
+  assert.equal(query.get('report'), 'fx-wt');
+});
+
+test('so does what is shown, and the place', () => {
+  const view = {layout: 'lines', columns: ['cInvCode', 'iMoney'], sort: [{column: 'iMoney', descending: true}, {column: 'cInvCode', descending: false}],
+    groupBy: ['cWhCode'], where: [{column: 'cInvName', kind: 'contains', values: ['a:b']}, {column: 'iMoney', kind: 'range', values: ['', '12.50']},
+      {column: 'cWhCode', kind: 'equals', values: ['01', '02']}], allColumns: true, details: true, frozen: 0};
+  assert.deepEqual(viewIn(again(putView(new URLSearchParams(), view))), view);
+  const plain = {layout: '', columns: [], sort: [], groupBy: [], where: [], allColumns: false, details: false, frozen: null};
+  assert.equal(putView(again(putView(new URLSearchParams(), view)), plain).toString(), '');
+  assert.deepEqual(placeIn(again(putPlace(new URLSearchParams(), 699999, 'cMemo'))), {row: 699999, column: 'cMemo'});
+  assert.deepEqual(placeIn(new URLSearchParams('row=x')), {row: 0, column: ''});
+});
+
+const answering = (count, more = {}) => async (offset, limit) => ({rowCount: count, complete: true, ...more,
+  rows: Array.from({length: Math.max(0, Math.min(limit, count - offset))}, (_, at) => ({n: offset + at, kind: 'line', cells: [String(offset + at)], details: 3}))});
+
+test('rows come page by page, each once, and old ones go', async () => {
+  let asked = 0;
+  const fetchPage = answering(100000);
+  const rows = new Rows((offset, limit) => {
+    asked += 1;
+    return fetchPage(offset, limit);
+  }, 100000, 100);
+  await Promise.all([rows.ensure(190, 230), rows.ensure(190, 230)]);
+  assert.equal(asked, 2);
+  assert.equal(rows.at(199).n, 199);
+  assert.equal(rows.at(200).n, 200);
+  assert.equal(rows.at(5000), undefined);
+  for (let row = 0; row < 100000; row += 200) await rows.ensure(row, row + 1);
+  assert.ok(rows.pages.size <= 20);
+  assert.equal(rows.at(0), undefined);
+  assert.equal(rows.at(99999).n, 99999);
+});
+
+test('a number of rows that is not known yet is asked for until it is', async () => {
+  let known = 0;
+  let changes = 0;
+  const rows = new Rows(async () => {
+    known = Math.min(600, known + 300);
+    return {rowCount: known, complete: known === 600, rows: []};
+  }, -1, 10);
+  rows.onchange = () => {
+    changes += 1;
+  };
+  assert.equal(rows.complete, false);
+  await rows.count();
+  assert.deepEqual([rows.rowCount, rows.complete, changes], [600, true, 2]);
+});
+
+test('rows that are refused are said to be', async () => {
+  const rows = new Rows(async () => {
+    throw new Error('gone');
+  }, 10, 1);
+  await assert.rejects(rows.ensure(0, 1), /gone/);
+});
+
+test('lines fold out and in again, in any order', async () => {
+  const rows = new Rows(answering(1000), 1000, 2);
+  await rows.ensure(0, 1000);
+  const folds = new Folds(rows, async (n) => ({rows: [0, 1, 2].map((at) => ({n, kind: 'detail', cells: [`${n}.${at}`]}))}));
+  const texts = (from, to) => Array.from({length: to - from}, (_, at) => folds.at(from + at).cells[0]);
+  await folds.toggle(5);
+  await folds.toggle(2);
+  assert.equal(folds.rowCount, 1006);
+  assert.deepEqual(texts(0, 14), ['0', '1', '2', '2.0', '2.1', '2.2', '3', '4', '5', '5.0', '5.1', '5.2', '6', '7']);
+  assert.deepEqual([folds.state(2), folds.state(3), folds.state(6), folds.state(8)], [true, undefined, false, true]);
+  assert.equal(folds.at(1005).n, 999);
+  await folds.toggle(4);  // a row of the second line's: folds that line in
+  assert.deepEqual(texts(1, 9), ['1', '2', '3', '4', '5', '5.0', '5.1', '5.2']);
+  await folds.toggle(5);
+  assert.equal(folds.rowCount, 1000);
+  assert.deepEqual(texts(4, 8), ['4', '5', '6', '7']);
+});
+
+test('every text is there in both languages, and used', () => {
+  const folder = fileURLToPath(new URL('../../workbench/desk/pages/', import.meta.url));
+  const source = (name) => readFileSync(folder + name, 'utf8');
+  const catalogue = source('texts.js');
+  const keys = [...catalogue.matchAll(/^ {2}(\w+): \[/gm)].map(([, key]) => key);
+  const entries = [...catalogue.matchAll(/^ {2}(\w+): \['[^']+',\s+'(?:[^'\\]|\\.)+'\],/gm)].map(([, key]) => key);
+  assert.deepEqual(entries, keys);
+  assert.equal(new Set(keys).size, keys.length);
+  const code = readdirSync(folder).filter((name) => name.endsWith('.js')).map(source).join('\n');
+  for (const [, key] of code.matchAll(/\bt\('(\w+)'/g)) assert.ok(keys.includes(key), key);
+  const madeUp = /^(state_|valuation_|kind_|key[A-Z]|theme)/;
+  for (const key of keys) if (!madeUp.test(key)) assert.ok(new RegExp(`'${key}'`).test(code), `${key} is not used`);
+});
+
+test('the pages bring no inline style or script, which their policy forbids', () => {
+  const folder = fileURLToPath(new URL('../../workbench/desk/pages/', import.meta.url));
+  for (const name of readdirSync(folder).filter((one) => /\.(js|html)$/.test(one))) {
+    const text = readFileSync(folder + name, 'utf8');
+    assert.doesNotMatch(text, /innerHTML|insertAdjacentHTML|setAttribute\('style'|style: '|\beval\(|new Function|https?:\/\/(?!www\.w3\.org)/, name);
+  }
+});
