@@ -64,6 +64,32 @@ test('a number of rows that is not known yet is asked for until it is', async ()
   assert.deepEqual([rows.rowCount, rows.complete, changes], [600, true, 2]);
 });
 
+test('rows that are not there yet are waited for', async () => {
+  let asked = 0;
+  const rows = new Rows(async () => {
+    asked += 1;
+    return asked < 3 ? {rowCount: 0, complete: false, rows: []} : {rowCount: 1, complete: true, rows: [{n: 0, cells: ['a']}]};
+  }, -1, 1);
+  await rows.begin();
+  assert.deepEqual([asked, rows.rowCount, rows.at(0).cells], [3, 1, ['a']]);
+  const none = new Rows(async () => ({rowCount: 0, complete: true, rows: []}), -1, 1);
+  await none.begin();
+  assert.deepEqual([none.rowCount, none.complete], [0, true]);
+});
+
+test('a page that was cut short by what was known is fetched again once more is known', async () => {
+  let known = 150;
+  const rows = new Rows(async (offset, limit) => ({...await answering(known)(offset, limit), rowCount: known, complete: known === 500}), -1, 10);
+  await rows.ensure(0, 1);
+  assert.deepEqual([rows.rowCount, rows.at(149).n, rows.at(150)], [150, 149, undefined]);
+  known = 500;
+  await rows.count();
+  assert.equal(rows.rowCount, 500);
+  assert.equal(rows.has(0, 1), false);
+  await rows.ensure(0, 500);
+  assert.deepEqual([rows.at(150).n, rows.at(499).n], [150, 499]);
+});
+
 test('rows that are refused are said to be', async () => {
   const rows = new Rows(async () => {
     throw new Error('gone');

@@ -90,6 +90,8 @@ export async function waitForGrid(page, timeout = 60000) {
   await page.waitForSelector('regular-table thead th', {timeout});
   await page.waitForFunction(() => !document.querySelector('.grid-area[aria-busy]'), null, {timeout});
   await page.waitForSelector('regular-table tbody tr', {timeout});
+  // Rows may still be on their way when the first are there.
+  await page.waitForFunction(() => /\d/.test(document.querySelector('.counts').textContent), null, {timeout});
   await page.waitForTimeout(60);
 }
 

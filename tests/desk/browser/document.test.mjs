@@ -27,6 +27,12 @@ test('a ledger begins and ends with a balance and has month sums', async () => {
   await page.keyboard.press('Control+Home');
 });
 
+test('figures, dates and numbers of documents are shown in full, though the rows come bit by bit', async () => {
+  const cut = await page.evaluate(() => [...document.querySelectorAll('regular-table tbody .number, .totals .number, regular-table tbody .first')]
+    .filter((cell) => cell.scrollWidth > cell.clientWidth + 1).map((cell) => cell.textContent));
+  assert.deepEqual(cut, []);
+});
+
 test('cost items fold out for all lines at once', async () => {
   const before = (await gridOf(page)).rowCount;
   await rearrange(page, () => page.click('.tools .check input'));

@@ -47,7 +47,7 @@ export class Grid {
 
   // Once it stands in the document.
   async begin(place) {
-    const first = Math.min(this.rowCount, Math.max(40, 1));
+    const first = 100;  // rows that the widths are taken from
     await this.rows.ensure(Math.min(place.row, Math.max(0, this.rowCount - 1)), Math.min(this.rowCount, place.row + first));
     this.measure(place.row, place.row + first);
     this.freeze();

@@ -49,17 +49,27 @@ export class Rows {
     const answer = await this.fetchPage(number * pageSize, pageSize);
     this.pages.set(number, answer.rows);
     while (this.pages.size > this.pagesKept) this.pages.delete(this.pages.keys().next().value);
-    this.counted(answer);
+    this.counted(answer, number);
   }
 
-  counted({rowCount, complete}) {
+  // `number`: the page that the answer brought.
+  counted({rowCount, complete}, number = -1) {
     const changed = rowCount >= 0 && (rowCount !== this.rowCount || complete !== this.complete);
     if (!changed) return;
-    // A page that ended where the rows then ended may go on now.
-    if (rowCount > this.rowCount) this.pages.delete(Math.floor(this.rowCount / pageSize));
+    // A page that ended where the rows then ended goes on now.
+    const last = Math.floor(this.rowCount / pageSize);
+    if (rowCount > this.rowCount && last !== number) this.pages.delete(last);
     this.rowCount = rowCount;
     this.complete = complete;
     this.onchange();
+  }
+
+  // Until the first rows are there, or it is known that there are none.
+  async begin() {
+    while (this.rowCount === 0 && !this.complete && !this.closed) {
+      await this.load(0);
+      if (this.rowCount === 0 && !this.complete) await new Promise((go) => setTimeout(go, 50));
+    }
   }
 
   // Asks for the number of rows again until the server knows it.

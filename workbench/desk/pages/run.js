@@ -290,7 +290,7 @@ export class RunPage {
   async drawGrid(view, wanted, place) {
     const pages = new Rows((offset, limit) => api.rows(this.id, view.id, offset, limit), view.rowCount, view.columns.length);
     const rows = new Folds(pages, (n) => api.details(this.id, view.id, n));
-    if (view.rowCount < 0) await rows.ensure(0, 1);
+    await pages.begin();
     const sorted = new Map(wanted.sort.map((key, index) => [key.column, {...key, place: index + 1, of: wanted.sort.length}]));
     const filtered = new Set(wanted.where.map((one) => one.column));
     this.widths = new Map(Object.entries(JSON.parse(localStorage.getItem(this.widthsKey()) ?? '{}')));
