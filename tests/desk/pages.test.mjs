@@ -10,34 +10,76 @@ import {Rows} from '../../workbench/desk/pages/rows.js';
 const again = (query) => new URLSearchParams(query.toString());
 
 test('a filter goes into the address and comes out of it', () => {
-  const values = {iYear: {value: '2024'}, cInvCode: {value: 'a&b\t0101 00002\t,'}, dKeepDate: {value: '', value2: '2024-03-31'},
-    'Inventory.cInvCCode': {value: '01', value2: '02'}};
+  const values = {
+    iYear: {value: '2024'},
+    cInvCode: {value: 'a&b\t0101 00002\t,'},
+    dKeepDate: {value: '', value2: '2024-03-31'},
+    'Inventory.cInvCCode': {value: '01', value2: '02'},
+  };
   const query = again(putFilter(new URLSearchParams({report: 'fx-wt', 'f.old': '1'}), values));
   assert.deepEqual(filterIn(query), values);
   assert.equal(query.get('report'), 'fx-wt');
 });
 
 test('so does what is shown, and the place', () => {
-  const view = {layout: 'lines', columns: ['cInvCode', 'iMoney'], sort: [{column: 'iMoney', descending: true}, {column: 'cInvCode', descending: false}],
-    groupBy: ['cWhCode'], where: [{column: 'cInvName', kind: 'contains', values: ['a:b']}, {column: 'iMoney', kind: 'range', values: ['', '12.50']},
-      {column: 'cWhCode', kind: 'equals', values: ['01', '02']}], allColumns: true, details: true, frozen: 0};
+  const view = {
+    layout: 'lines',
+    columns: ['cInvCode', 'iMoney'],
+    sort: [
+      {column: 'iMoney', descending: true},
+      {column: 'cInvCode', descending: false},
+    ],
+    groupBy: ['cWhCode'],
+    where: [
+      {column: 'cInvName', kind: 'contains', values: ['a:b']},
+      {column: 'iMoney', kind: 'range', values: ['', '12.50']},
+      {column: 'cWhCode', kind: 'equals', values: ['01', '02']},
+    ],
+    allColumns: true,
+    details: true,
+    frozen: 0,
+  };
   assert.deepEqual(viewIn(again(putView(new URLSearchParams(), view))), view);
-  const plain = {layout: '', columns: [], sort: [], groupBy: [], where: [], allColumns: false, details: false, frozen: null};
+  const plain = {
+    layout: '',
+    columns: [],
+    sort: [],
+    groupBy: [],
+    where: [],
+    allColumns: false,
+    details: false,
+    frozen: null,
+  };
   assert.equal(putView(again(putView(new URLSearchParams(), view)), plain).toString(), '');
   assert.deepEqual(placeIn(again(putPlace(new URLSearchParams(), 699999, 'cMemo'))), {row: 699999, column: 'cMemo'});
   assert.deepEqual(placeIn(new URLSearchParams('row=x')), {row: 0, column: ''});
 });
 
-const answering = (count, more = {}) => async (offset, limit) => ({rowCount: count, complete: true, ...more,
-  rows: Array.from({length: Math.max(0, Math.min(limit, count - offset))}, (_, at) => ({n: offset + at, kind: 'line', cells: [String(offset + at)], details: 3}))});
+const answering =
+  (count, more = {}) =>
+  async (offset, limit) => ({
+    rowCount: count,
+    complete: true,
+    ...more,
+    rows: Array.from({length: Math.max(0, Math.min(limit, count - offset))}, (_, at) => ({
+      n: offset + at,
+      kind: 'line',
+      cells: [String(offset + at)],
+      details: 3,
+    })),
+  });
 
 test('rows come page by page, each once, and old ones go', async () => {
   let asked = 0;
   const fetchPage = answering(100000);
-  const rows = new Rows((offset, limit) => {
-    asked += 1;
-    return fetchPage(offset, limit);
-  }, 100000, 100);
+  const rows = new Rows(
+    (offset, limit) => {
+      asked += 1;
+      return fetchPage(offset, limit);
+    },
+    100000,
+    100,
+  );
   await Promise.all([rows.ensure(190, 230), rows.ensure(190, 230)]);
   assert.equal(asked, 2);
   assert.equal(rows.at(199).n, 199);
@@ -52,10 +94,14 @@ test('rows come page by page, each once, and old ones go', async () => {
 test('a number of rows that is not known yet is asked for until it is', async () => {
   let known = 0;
   let changes = 0;
-  const rows = new Rows(async () => {
-    known = Math.min(600, known + 300);
-    return {rowCount: known, complete: known === 600, rows: []};
-  }, -1, 10);
+  const rows = new Rows(
+    async () => {
+      known = Math.min(600, known + 300);
+      return {rowCount: known, complete: known === 600, rows: []};
+    },
+    -1,
+    10,
+  );
   rows.onchange = () => {
     changes += 1;
   };
@@ -66,10 +112,16 @@ test('a number of rows that is not known yet is asked for until it is', async ()
 
 test('rows that are not there yet are waited for', async () => {
   let asked = 0;
-  const rows = new Rows(async () => {
-    asked += 1;
-    return asked < 3 ? {rowCount: 0, complete: false, rows: []} : {rowCount: 1, complete: true, rows: [{n: 0, cells: ['a']}]};
-  }, -1, 1);
+  const rows = new Rows(
+    async () => {
+      asked += 1;
+      return asked < 3
+        ? {rowCount: 0, complete: false, rows: []}
+        : {rowCount: 1, complete: true, rows: [{n: 0, cells: ['a']}]};
+    },
+    -1,
+    1,
+  );
   await rows.begin();
   assert.deepEqual([asked, rows.rowCount, rows.at(0).cells], [3, 1, ['a']]);
   const none = new Rows(async () => ({rowCount: 0, complete: true, rows: []}), -1, 1);
@@ -79,7 +131,11 @@ test('rows that are not there yet are waited for', async () => {
 
 test('a page that was cut short by what was known is fetched again once more is known', async () => {
   let known = 150;
-  const rows = new Rows(async (offset, limit) => ({...await answering(known)(offset, limit), rowCount: known, complete: known === 500}), -1, 10);
+  const rows = new Rows(
+    async (offset, limit) => ({...(await answering(known)(offset, limit)), rowCount: known, complete: known === 500}),
+    -1,
+    10,
+  );
   await rows.ensure(0, 1);
   assert.deepEqual([rows.rowCount, rows.at(149).n, rows.at(150)], [150, 149, undefined]);
   known = 500;
@@ -91,16 +147,22 @@ test('a page that was cut short by what was known is fetched again once more is 
 });
 
 test('rows that are refused are said to be', async () => {
-  const rows = new Rows(async () => {
-    throw new Error('gone');
-  }, 10, 1);
+  const rows = new Rows(
+    async () => {
+      throw new Error('gone');
+    },
+    10,
+    1,
+  );
   await assert.rejects(rows.ensure(0, 1), /gone/);
 });
 
 test('lines fold out and in again, in any order', async () => {
   const rows = new Rows(answering(1000), 1000, 2);
   await rows.ensure(0, 1000);
-  const folds = new Folds(rows, async (n) => ({rows: [0, 1, 2].map((at) => ({n, kind: 'detail', cells: [`${n}.${at}`]}))}));
+  const folds = new Folds(rows, async (n) => ({
+    rows: [0, 1, 2].map((at) => ({n, kind: 'detail', cells: [`${n}.${at}`]})),
+  }));
   const texts = (from, to) => Array.from({length: to - from}, (_, at) => folds.at(from + at).cells[0]);
   await folds.toggle(5);
   await folds.toggle(2);
@@ -108,7 +170,7 @@ test('lines fold out and in again, in any order', async () => {
   assert.deepEqual(texts(0, 14), ['0', '1', '2', '2.0', '2.1', '2.2', '3', '4', '5', '5.0', '5.1', '5.2', '6', '7']);
   assert.deepEqual([folds.state(2), folds.state(3), folds.state(6), folds.state(8)], [true, undefined, false, true]);
   assert.equal(folds.at(1005).n, 999);
-  await folds.toggle(4);  // a row of the second line's: folds that line in
+  await folds.toggle(4); // a row of the second line's: folds that line in
   assert.deepEqual(texts(1, 9), ['1', '2', '3', '4', '5', '5.0', '5.1', '5.2']);
   await folds.toggle(5);
   assert.equal(folds.rowCount, 1000);
@@ -120,10 +182,15 @@ test('every text is there in both languages, and used', () => {
   const source = (name) => readFileSync(folder + name, 'utf8');
   const catalogue = source('texts.js');
   const keys = [...catalogue.matchAll(/^ {2}(\w+): \[/gm)].map(([, key]) => key);
-  const entries = [...catalogue.matchAll(/^ {2}(\w+): \['[^']+',\s+'(?:[^'\\]|\\.)+'\],/gm)].map(([, key]) => key);
+  const entries = [...catalogue.matchAll(/^ {2}(\w+): \[\s*'[^']+',\s+(?:'(?:[^'\\]|\\.)+'|"[^"]+"),?\s*\],/gm)].map(
+    ([, key]) => key,
+  );
   assert.deepEqual(entries, keys);
   assert.equal(new Set(keys).size, keys.length);
-  const code = readdirSync(folder).filter((name) => name.endsWith('.js')).map(source).join('\n');
+  const code = readdirSync(folder)
+    .filter((name) => name.endsWith('.js'))
+    .map(source)
+    .join('\n');
   for (const [, key] of code.matchAll(/\bt\('(\w+)'/g)) assert.ok(keys.includes(key), key);
   const madeUp = /^(state_|valuation_|kind_|key[A-Z]|theme)/;
   for (const key of keys) if (!madeUp.test(key)) assert.ok(new RegExp(`'${key}'`).test(code), `${key} is not used`);
@@ -133,6 +200,10 @@ test('the pages bring no inline style or script, which their policy forbids', ()
   const folder = fileURLToPath(new URL('../../workbench/desk/pages/', import.meta.url));
   for (const name of readdirSync(folder).filter((one) => /\.(js|html)$/.test(one))) {
     const text = readFileSync(folder + name, 'utf8');
-    assert.doesNotMatch(text, /innerHTML|insertAdjacentHTML|setAttribute\('style'|style: '|\beval\(|new Function|https?:\/\/(?!www\.w3\.org)/, name);
+    assert.doesNotMatch(
+      text,
+      /innerHTML|insertAdjacentHTML|setAttribute\('style'|style: '|\beval\(|new Function|https?:\/\/(?!www\.w3\.org)/,
+      name,
+    );
   }
 });

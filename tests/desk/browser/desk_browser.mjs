@@ -1,5 +1,5 @@
-// A browser at the desk, for the tests of this folder. DESK_ADDRESS and DESK_COOKIE ("name=value") say which desk; run.mjs sets
-// them, for a link that it is given or for the test double.
+// A browser at the desk, for the tests of this folder. DESK_ADDRESS and DESK_COOKIE ("name=value") say which desk;
+// run.mjs sets them, for a link that it is given or for the test double.
 import {readFileSync} from 'node:fs';
 import {createRequire} from 'node:module';
 import {fileURLToPath} from 'node:url';
@@ -12,15 +12,30 @@ export const address = process.env.DESK_ADDRESS;
 export const isDouble = process.env.DESK_DOUBLE === '1';
 
 export async function startBrowser() {
-  return chromium.launch({executablePath: process.env.DESK_BROWSER ?? '/usr/bin/chromium', ignoreDefaultArgs: ['--hide-scrollbars'],
-    args: [...(process.getuid() === 0 ? ['--no-sandbox'] : []), '--js-flags=--expose-gc', '--enable-precise-memory-info']});
+  return chromium.launch({
+    executablePath: process.env.DESK_BROWSER ?? '/usr/bin/chromium',
+    ignoreDefaultArgs: ['--hide-scrollbars'],
+    args: [
+      ...(process.getuid() === 0 ? ['--no-sandbox'] : []),
+      '--js-flags=--expose-gc',
+      '--enable-precise-memory-info',
+    ],
+  });
 }
 
-// A page of its own context, signed in. What the console says that is an error or of the Content-Security-Policy is collected
-// in `page.problems`; a test looks at them at its end.
-export async function openDesk(browser, {lang = 'zh', scheme = 'light', size = {width: 1400, height: 900}, hash = '#/'} = {}) {
-  const context = await browser.newContext({viewport: size, colorScheme: scheme, locale: lang === 'zh' ? 'zh-CN' : 'en-GB', acceptDownloads: true,
-    permissions: ['clipboard-read', 'clipboard-write']});
+// A page of its own context, signed in. What the console says that is an error or of the Content-Security-Policy is
+// collected in `page.problems`; a test looks at them at its end.
+export async function openDesk(
+  browser,
+  {lang = 'zh', scheme = 'light', size = {width: 1400, height: 900}, hash = '#/'} = {},
+) {
+  const context = await browser.newContext({
+    viewport: size,
+    colorScheme: scheme,
+    locale: lang === 'zh' ? 'zh-CN' : 'en-GB',
+    acceptDownloads: true,
+    permissions: ['clipboard-read', 'clipboard-write'],
+  });
   const [name, value] = process.env.DESK_COOKIE.split('=');
   await context.addCookies([{name, value, url: address, httpOnly: true, sameSite: 'Strict'}]);
   const page = await context.newPage();
@@ -29,10 +44,14 @@ export async function openDesk(browser, {lang = 'zh', scheme = 'light', size = {
   page.on('pageerror', (error) => page.problems.push(`error: ${error.stack ?? error}`));
   page.on('console', (message) => {
     // A refusal of a filter value is an answer of status 422, which the browser reports by itself.
-    if (message.type() === 'error' && !/status of 4(04|22)/.test(message.text())) page.problems.push(`console: ${message.text()}`);
+    if (message.type() === 'error' && !/status of 4(04|22)/.test(message.text()))
+      page.problems.push(`console: ${message.text()}`);
   });
-  await page.addInitScript(() => document.addEventListener('securitypolicyviolation', (event) =>
-    console.error(`policy: ${event.violatedDirective} ${event.blockedURI} ${event.sourceFile}:${event.lineNumber}`)));
+  await page.addInitScript(() =>
+    document.addEventListener('securitypolicyviolation', (event) =>
+      console.error(`policy: ${event.violatedDirective} ${event.blockedURI} ${event.sourceFile}:${event.lineNumber}`),
+    ),
+  );
   await page.goto(`${address}/${hash}`);
   await page.waitForSelector('#main > *');
   return page;
@@ -42,10 +61,16 @@ export async function openDesk(browser, {lang = 'zh', scheme = 'light', size = {
 export async function obstacles(page) {
   await page.evaluate(readFileSync(`${libraries}axe-core/axe.min.js`, 'utf8'));
   const found = await page.evaluate(() => window.axe.run(document, {resultTypes: ['violations']}));
-  return found.violations.filter(({impact}) => impact !== 'minor')
-    .map(({id, impact, nodes}) => `${id} (${impact}): ${nodes.map((node) => node.target.join(' ')).slice(0, 4).join('; ')}`);
+  return found.violations
+    .filter(({impact}) => impact !== 'minor')
+    .map(
+      ({id, impact, nodes}) =>
+        `${id} (${impact}): ${nodes
+          .map((node) => node.target.join(' '))
+          .slice(0, 4)
+          .join('; ')}`,
+    );
 }
-
 
 // The reports that the desk has, as its interface describes them.
 export async function reportsOf(page) {
@@ -54,7 +79,8 @@ export async function reportsOf(page) {
 
 export async function openFilter(page, report, filter = {}) {
   const query = new URLSearchParams();
-  for (const [key, values] of Object.entries(filter)) for (const value of [values].flat()) query.append(`f.${key}`, value);
+  for (const [key, values] of Object.entries(filter))
+    for (const value of [values].flat()) query.append(`f.${key}`, value);
   await page.goto(`${address}/#/report/${report}?${query}`);
   await page.waitForSelector('main:not([aria-busy]) .field');
   await settled(page);
@@ -101,11 +127,16 @@ export async function rearrange(page, act) {
     document.querySelector('regular-table').dataset.old = '1';
   });
   await act();
-  await page.waitForFunction(() => document.querySelector('regular-table') && !document.querySelector('regular-table').dataset.old, null, {timeout: 60000});
+  await page.waitForFunction(
+    () => document.querySelector('regular-table') && !document.querySelector('regular-table').dataset.old,
+    null,
+    {timeout: 60000},
+  );
   await waitForGrid(page);
 }
 
-// What is to be seen of the grid: columns in sight {index, name, sort}, rows {index, kind, cells: {column index: text}}, totals.
+// What is to be seen of the grid: columns in sight {index, name, sort}, rows {index, kind, cells: {column index:
+// text}}, totals.
 export async function gridOf(page) {
   return page.evaluate(() => {
     const table = document.querySelector('regular-table table');
@@ -116,10 +147,19 @@ export async function gridOf(page) {
     return {
       rowCount: Number(table.getAttribute('aria-rowcount')) - table.tHead.rows.length,
       columnCount: Number(table.getAttribute('aria-colcount')),
-      columns: [...head.cells].map((th) => ({index: Number(th.getAttribute('aria-colindex')), caption: caption(th), sort: th.getAttribute('aria-sort'),
-        number: th.classList.contains('number'), left: th.getBoundingClientRect().left, width: th.getBoundingClientRect().width})),
-      rows: rows.map((tr) => ({index: Number(tr.getAttribute('aria-rowindex')) - table.tHead.rows.length, kind: /kind-(\w+)/.exec(tr.className)?.[1],
-        cells: Object.fromEntries([...tr.cells].map((cell) => [cell.getAttribute('aria-colindex'), cell.textContent]))})),
+      columns: [...head.cells].map((th) => ({
+        index: Number(th.getAttribute('aria-colindex')),
+        caption: caption(th),
+        sort: th.getAttribute('aria-sort'),
+        number: th.classList.contains('number'),
+        left: th.getBoundingClientRect().left,
+        width: th.getBoundingClientRect().width,
+      })),
+      rows: rows.map((tr) => ({
+        index: Number(tr.getAttribute('aria-rowindex')) - table.tHead.rows.length,
+        kind: /kind-(\w+)/.exec(tr.className)?.[1],
+        cells: Object.fromEntries([...tr.cells].map((cell) => [cell.getAttribute('aria-colindex'), cell.textContent])),
+      })),
       totals: [...document.querySelectorAll('.totals tr')].map((tr) => [...tr.cells].map((cell) => cell.textContent)),
       active: active && {text: active.textContent, column: Number(active.getAttribute('aria-colindex')), id: active.id},
       hash: location.hash,

@@ -1,7 +1,16 @@
 // The ledger and the documents behind its rows.
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
-import {gridOf, isDouble, openDesk, rearrange, reportsOf, runReport, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {
+  gridOf,
+  isDouble,
+  openDesk,
+  rearrange,
+  reportsOf,
+  runReport,
+  startBrowser,
+  waitForGrid,
+} from './desk_browser.mjs';
 
 let browser;
 let page;
@@ -28,8 +37,11 @@ test('a ledger begins and ends with a balance and has month sums', async () => {
 });
 
 test('figures, dates and numbers of documents are shown in full, though the rows come bit by bit', async () => {
-  const cut = await page.evaluate(() => [...document.querySelectorAll('regular-table tbody .number, .totals .number, regular-table tbody .first')]
-    .filter((cell) => cell.scrollWidth > cell.clientWidth + 1).map((cell) => cell.textContent));
+  const cut = await page.evaluate(() =>
+    [...document.querySelectorAll('regular-table tbody .number, .totals .number, regular-table tbody .first')]
+      .filter((cell) => cell.scrollWidth > cell.clientWidth + 1)
+      .map((cell) => cell.textContent),
+  );
   assert.deepEqual(cut, []);
 });
 
@@ -58,7 +70,10 @@ if (isDouble) {
     assert.ok(grid.rows.slice(2, 2 + below).every(({kind}) => kind === 'detail'));
     assert.deepEqual(grid.rows[2 + below].cells, before.rows[2].cells);
     assert.equal(await page.getAttribute('tr.folded-out', 'aria-expanded'), 'true');
-    await page.locator('tr.folded-in > .first').nth(2).click({position: {x: 12, y: 14}});
+    await page
+      .locator('tr.folded-in > .first')
+      .nth(2)
+      .click({position: {x: 12, y: 14}});
     await page.waitForFunction(() => document.querySelectorAll('tr.folded-out').length === 2);
     await page.focus('regular-table table');
     await page.keyboard.press('Space');
@@ -89,7 +104,10 @@ test('Enter opens the document of a row, and Back returns to the same place', as
   await page.waitForSelector('dialog.modal', {state: 'detached'});
   const after = await gridOf(page);
   assert.equal(after.active.id, before.active.id);
-  assert.deepEqual(after.rows.map(({index}) => index), before.rows.map(({index}) => index));
+  assert.deepEqual(
+    after.rows.map(({index}) => index),
+    before.rows.map(({index}) => index),
+  );
   assert.equal(await page.evaluate(() => document.activeElement.matches('regular-table table')), true);
   // The same by the window's own way out, by double click, and opened anew from its address.
   await page.keyboard.press('Enter');

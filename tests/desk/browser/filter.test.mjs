@@ -1,4 +1,5 @@
-// The start page and the filter dialog: what the report's own dialog decides, lookups, dates, the address, filters by name.
+// The start page and the filter dialog: what the report's own dialog decides, lookups, dates, the address, filters by
+// name.
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
 import {address, isDouble, openDesk, openFilter, reportsOf, settled, startBrowser} from './desk_browser.mjs';
@@ -13,12 +14,18 @@ after(() => browser.close());
 
 // The fields of the dialog as they stand there.
 const fieldOf = (key) => `.field[data-key="${key}"]`;
-const stateOf = (key) => page.evaluate((selector) => {
-  const field = document.querySelector(selector);
-  const input = field.querySelector('select, input');
-  return {value: input.value, disabled: input.disabled, chips: [...field.querySelectorAll('.chip')].length,
-    message: field.querySelector('.field-message').textContent, refused: field.classList.contains('refused')};
-}, fieldOf(key));
+const stateOf = (key) =>
+  page.evaluate((selector) => {
+    const field = document.querySelector(selector);
+    const input = field.querySelector('select, input');
+    return {
+      value: input.value,
+      disabled: input.disabled,
+      chips: [...field.querySelectorAll('.chip')].length,
+      message: field.querySelector('.field-message').textContent,
+      refused: field.classList.contains('refused'),
+    };
+  }, fieldOf(key));
 
 test('the start page shows the account and leads to every report', async () => {
   await page.goto(`${address}/#/`);
@@ -38,7 +45,7 @@ test('the start page shows the account and leads to every report', async () => {
   }
 });
 
-test('a change runs the report\'s callbacks: availability follows', async () => {
+test("a change runs the report's callbacks: availability follows", async () => {
   const report = (await reportsOf(page)).find(({items}) => items.some(({key}) => key === 'iGrade'));
   await openFilter(page, report.name, {cModal: '0'});
   assert.equal((await stateOf('iGrade')).disabled, false);
@@ -49,7 +56,9 @@ test('a change runs the report\'s callbacks: availability follows', async () => 
 });
 
 test('the whole filter stands in the address, and an address is a filter', async () => {
-  const report = (await reportsOf(page)).find(({items}) => items.some(({key, range}) => key === 'dKeepDate' && range) && items.some(({key}) => key === 'cModal'));
+  const report = (await reportsOf(page)).find(
+    ({items}) => items.some(({key, range}) => key === 'dKeepDate' && range) && items.some(({key}) => key === 'cModal'),
+  );
   await openFilter(page, report.name);
   await page.fill(`${fieldOf('dKeepDate')} input >> nth=0`, '2024/3/1');
   await page.keyboard.press('Tab');
@@ -80,10 +89,13 @@ test('what is no date, and what is refused, is said at its item', async () => {
   assert.ok(!page.url().includes('2024-02-30'));
   await page.fill(`${fieldOf('dKeepDate')} input >> nth=0`, '2024-02-29');
   await page.keyboard.press('Tab');
-  await page.waitForFunction((selector) => !document.querySelector(selector).classList.contains('refused'), fieldOf('dKeepDate'));
+  await page.waitForFunction(
+    (selector) => !document.querySelector(selector).classList.contains('refused'),
+    fieldOf('dKeepDate'),
+  );
 });
 
-test('confirming without what is required shows the callback\'s words there and runs nothing', async () => {
+test("confirming without what is required shows the callback's words there and runs nothing", async () => {
   const reports = await reportsOf(page);
   const report = reports.find(({items}) => items.some(({key, required}) => key === 'cInvCode' && required));
   await openFilter(page, report.name);
@@ -95,11 +107,16 @@ test('confirming without what is required shows the callback\'s words there and 
   assert.equal(await page.getAttribute('.field.refused input', 'aria-invalid'), 'true');
   assert.ok(page.url().includes('#/report/'));
   assert.equal(await page.evaluate(async () => (await (await fetch('/api/runs')).json()).length), runs);
-  assert.equal(await page.evaluate(() => document.querySelector('.field.refused').contains(document.activeElement)), true);
+  assert.equal(
+    await page.evaluate(() => document.querySelector('.field.refused').contains(document.activeElement)),
+    true,
+  );
 });
 
 test('a lookup is searched, paged and chosen from by keyboard alone', async () => {
-  const report = (await reportsOf(page)).find(({items}) => items.some(({key, multiple, lookup}) => key === 'cInvCode' && multiple && lookup));
+  const report = (await reportsOf(page)).find(({items}) =>
+    items.some(({key, multiple, lookup}) => key === 'cInvCode' && multiple && lookup),
+  );
   await openFilter(page, report.name);
   await page.focus(`${fieldOf('cInvCode')} input`);
   await page.keyboard.press('Alt+ArrowDown');
@@ -108,7 +125,10 @@ test('a lookup is searched, paged and chosen from by keyboard alone', async () =
   await page.click('.lookup-foot button >> nth=1');
   await page.waitForFunction((code) => !document.querySelector('.lookup-list').textContent.includes(code), first);
   await page.fill('.modal input[type=search]', first.trim());
-  await page.waitForFunction((code) => document.querySelector('.lookup-list .code')?.textContent.includes(code), first.trim());
+  await page.waitForFunction(
+    (code) => document.querySelector('.lookup-list .code')?.textContent.includes(code),
+    first.trim(),
+  );
   await page.focus('.modal input[type=search]');
   await page.keyboard.press('Enter');
   await page.waitForSelector('.modal .chips .chip');
@@ -134,13 +154,18 @@ if (isDouble) {
 }
 
 test('several values can be pasted as lines', async () => {
-  const report = (await reportsOf(page)).find(({items}) => items.some(({key, multiple}) => /batch/i.test(key) && multiple));
+  const report = (await reportsOf(page)).find(({items}) =>
+    items.some(({key, multiple}) => /batch/i.test(key) && multiple),
+  );
   const {key} = report.items.find((item) => /batch/i.test(item.key));
   await openFilter(page, report.name);
   await page.evaluate(() => navigator.clipboard.writeText('B1\r\nB2\r\nB3'));
   await page.focus(`${fieldOf(key)} input`);
   await page.keyboard.press('Control+V');
-  await page.waitForFunction((name) => new URLSearchParams(location.hash.split('?')[1]).getAll(`f.${name}`).length === 3, key);
+  await page.waitForFunction(
+    (name) => new URLSearchParams(location.hash.split('?')[1]).getAll(`f.${name}`).length === 3,
+    key,
+  );
   assert.equal((await stateOf(key)).chips, 3);
 });
 
@@ -152,7 +177,7 @@ test('the calendar gives a date by keyboard', async () => {
   await page.focus(`${fieldOf('dKeepDate')} input >> nth=0`);
   await page.keyboard.press('Alt+ArrowDown');
   await page.waitForSelector('.calendar');
-  for (const key of ['ArrowRight', 'ArrowRight', 'ArrowDown', 'PageDown']) await page.keyboard.press(key);  // 29 Feb, 7 Mar, 7 Apr
+  for (const key of ['ArrowRight', 'ArrowRight', 'ArrowDown', 'PageDown']) await page.keyboard.press(key); // 29 Feb, 7 Mar, 7 Apr
   await page.keyboard.press('Enter');
   await page.waitForFunction(() => location.hash.includes('f.dKeepDate=2024-04-07'));
   assert.equal(await page.locator('.calendar').count(), 0);

@@ -2,7 +2,17 @@
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
 import {readFileSync} from 'node:fs';
-import {address, focusHeading, gridOf, isDouble, openDesk, rearrange, runReport, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {
+  address,
+  focusHeading,
+  gridOf,
+  isDouble,
+  openDesk,
+  rearrange,
+  runReport,
+  startBrowser,
+  waitForGrid,
+} from './desk_browser.mjs';
 
 let browser;
 let page;
@@ -24,9 +34,15 @@ const units = (text) => {
 
 test('headings, rows and totals stand in the same columns', async () => {
   const places = await page.evaluate(() => ({
-    heads: [...document.querySelectorAll('thead tr:last-child th')].map((th) => Math.round(th.getBoundingClientRect().right)),
-    first: [...document.querySelector('regular-table tbody tr').cells].map((cell) => Math.round(cell.getBoundingClientRect().right)),
-    totals: [...document.querySelectorAll('.totals tr:first-child td')].map((cell) => Math.round(cell.getBoundingClientRect().right)),
+    heads: [...document.querySelectorAll('thead tr:last-child th')].map((th) =>
+      Math.round(th.getBoundingClientRect().right),
+    ),
+    first: [...document.querySelector('regular-table tbody tr').cells].map((cell) =>
+      Math.round(cell.getBoundingClientRect().right),
+    ),
+    totals: [...document.querySelectorAll('.totals tr:first-child td')].map((cell) =>
+      Math.round(cell.getBoundingClientRect().right),
+    ),
   }));
   assert.deepEqual(places.first, places.heads);
   assert.deepEqual(places.totals, places.heads);
@@ -59,7 +75,10 @@ test('arrows, pages, Home and End go through all rows; the address keeps the pla
 test('key columns stay while the others scroll', async () => {
   const before = await gridOf(page);
   await page.keyboard.press('End');
-  await page.waitForFunction((index) => document.querySelector(`thead th[aria-colindex="${index}"]`), before.columnCount);
+  await page.waitForFunction(
+    (index) => document.querySelector(`thead th[aria-colindex="${index}"]`),
+    before.columnCount,
+  );
   const scrolled = await gridOf(page);
   assert.equal(scrolled.columns[0].index, 1);
   assert.equal(scrolled.columns[0].left, before.columns[0].left);
@@ -106,7 +125,10 @@ test('figures are sorted as numbers', async () => {
   await rearrange(page, () => page.keyboard.press('Enter'));
   await rearrange(page, () => page.keyboard.press('Enter'));
   const grid = await gridOf(page);
-  const figures = grid.rows.map((row) => row.cells[column.index]).filter(Boolean).map(units);
+  const figures = grid.rows
+    .map((row) => row.cells[column.index])
+    .filter(Boolean)
+    .map(units);
   assert.ok(figures.length > 1);
   for (let at = 1; at < figures.length; at += 1) assert.ok(figures[at] <= figures[at - 1]);
   await rearrange(page, () => page.click('.chips .remove'));
@@ -155,7 +177,10 @@ test('columns are hidden, moved and widened; the layout gives them back', async 
   await focusHeading(page, ({index}) => index === 1);
   await page.keyboard.press('Alt+ArrowDown');
   await page.click('.menu button:has-text("加宽")');
-  await page.waitForFunction((old) => document.querySelector('thead tr:last-child th').getBoundingClientRect().width > old, width);
+  await page.waitForFunction(
+    (old) => document.querySelector('thead tr:last-child th').getBoundingClientRect().width > old,
+    width,
+  );
   await page.click('.tools button:has-text("列")');
   await page.waitForSelector('.column-lists');
   await page.fill('.column-search input[type=search]', column.caption);
@@ -165,7 +190,10 @@ test('columns are hidden, moved and widened; the layout gives them back', async 
   await page.click('.tools button:has-text("列")');
   await rearrange(page, () => page.click('.modal-foot button >> nth=0'));
   grid = await gridOf(page);
-  assert.deepEqual(grid.columns.slice(0, 3).map(({caption}) => caption), before.columns.slice(0, 3).map(({caption}) => caption));
+  assert.deepEqual(
+    grid.columns.slice(0, 3).map(({caption}) => caption),
+    before.columns.slice(0, 3).map(({caption}) => caption),
+  );
 });
 
 test('a heading is dragged by the mouse, and its border makes it wider', async () => {
@@ -187,8 +215,14 @@ test('a heading is dragged by the mouse, and its border makes it wider', async (
   await page.mouse.up();
   await page.waitForTimeout(200);
   assert.ok((await box(4)).width > edge.width + 40);
-  const aligned = await page.evaluate(() => [...document.querySelectorAll('.totals tr:first-child td')].map((cell, at) =>
-    Math.abs(cell.getBoundingClientRect().right - document.querySelectorAll('thead tr:last-child th')[at].getBoundingClientRect().right)));
+  const aligned = await page.evaluate(() =>
+    [...document.querySelectorAll('.totals tr:first-child td')].map((cell, at) =>
+      Math.abs(
+        cell.getBoundingClientRect().right -
+          document.querySelectorAll('thead tr:last-child th')[at].getBoundingClientRect().right,
+      ),
+    ),
+  );
   assert.ok(aligned.every((gap) => gap <= 1));
   await rearrange(page, () => page.goBack());
 });
@@ -201,7 +235,10 @@ test('rows are grouped, with subtotals', async () => {
   await page.keyboard.press('Control+End');
   await page.waitForTimeout(300);
   const grid = await gridOf(page);
-  assert.ok(grid.rows.some(({kind}) => kind === 'subtotal'), JSON.stringify(grid.rows.at(-1)));
+  assert.ok(
+    grid.rows.some(({kind}) => kind === 'subtotal'),
+    JSON.stringify(grid.rows.at(-1)),
+  );
   await rearrange(page, () => page.click('.chips .remove'));
 });
 
@@ -212,7 +249,10 @@ test('go to row puts that row in sight and the keyboard on it', async () => {
   await page.keyboard.press('Control+g');
   await page.keyboard.type(String(row));
   await page.keyboard.press('Enter');
-  await page.waitForFunction((number) => document.querySelector(`tr[aria-rowindex="${number}"] .at`), row + (await page.locator('thead tr').count()));
+  await page.waitForFunction(
+    (number) => document.querySelector(`tr[aria-rowindex="${number}"] .at`),
+    row + (await page.locator('thead tr').count()),
+  );
   await page.keyboard.press('Control+g');
   await page.keyboard.type(String(rowCount + 1));
   await page.keyboard.press('Enter');
@@ -229,7 +269,13 @@ test('a block is copied as text for a spreadsheet', async () => {
   await page.keyboard.press('Control+c');
   await page.waitForSelector('.notice');
   const text = await page.evaluate(() => navigator.clipboard.readText());
-  assert.equal(text, grid.rows.slice(0, 3).map((row) => `${row.cells[1]}\t${row.cells[2]}`).join('\n'));
+  assert.equal(
+    text,
+    grid.rows
+      .slice(0, 3)
+      .map((row) => `${row.cells[1]}\t${row.cells[2]}`)
+      .join('\n'),
+  );
   assert.equal(await page.locator('[aria-selected=true]').count(), 6);
 });
 
@@ -243,11 +289,17 @@ test('exports are of exactly what is shown', async () => {
   const grid = await gridOf(page);
   for (const format of ['csv', 'xlsx', 'html']) {
     await page.click('.tools button:has-text("导出")');
-    const [download] = await Promise.all([page.waitForEvent('download'), page.click(`.exports a[href*="format=${format}"]`)]);
+    const [download] = await Promise.all([
+      page.waitForEvent('download'),
+      page.click(`.exports a[href*="format=${format}"]`),
+    ]);
     const content = readFileSync(await download.path());
     assert.ok(content.length > 0, format);
     if (format === 'csv') {
-      const heading = content.toString('utf8').replace(/^\uFEFF/, '').split(/\r?\n/)[0];
+      const heading = content
+        .toString('utf8')
+        .replace(/^\uFEFF/, '')
+        .split(/\r?\n/)[0];
       assert.ok(heading.includes(grid.columns[0].caption), heading);
       assert.ok(heading.split(',').length >= grid.columnCount);
     }
@@ -269,7 +321,10 @@ test('Back from elsewhere finds the grid as it was left', async () => {
   await page.waitForTimeout(200);
   const after = await gridOf(page);
   assert.equal(after.active.id, before.active.id);
-  assert.deepEqual(after.rows.map(({index}) => index), before.rows.map(({index}) => index));
+  assert.deepEqual(
+    after.rows.map(({index}) => index),
+    before.rows.map(({index}) => index),
+  );
   // And so does the address, opened anew.
   await page.goto('about:blank');
   await page.goto(`${address}/${before.hash}`);

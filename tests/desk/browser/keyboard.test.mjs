@@ -48,7 +48,8 @@ test('from the start page to a document and back', async () => {
   await page.keyboard.press('Enter');
   await waitForGrid(page);
   // The grid is one stop of Tab; within it go the arrows.
-  if (!(await page.evaluate(() => document.activeElement.matches('regular-table table')))) await tabTo('regular-table table');
+  if (!(await page.evaluate(() => document.activeElement.matches('regular-table table'))))
+    await tabTo('regular-table table');
   for (let step = 0; step < 60 && !(await page.locator('tr.opens > .at').count()); step += 1) {
     await page.keyboard.press('ArrowDown');
     await page.waitForTimeout(30);
@@ -69,12 +70,20 @@ test('from the start page to a document and back', async () => {
 test('the cell at hand is named to a screen reader', async () => {
   await page.focus('regular-table table');
   await page.keyboard.press('Control+Home');
-  const named = () => page.evaluate(() => {
-    const table = document.querySelector('regular-table table');
-    const cell = document.getElementById(table.getAttribute('aria-activedescendant'));
-    return {role: table.getAttribute('role'), name: table.getAttribute('aria-label'), rows: table.getAttribute('aria-rowcount'),
-      columns: table.getAttribute('aria-colcount'), row: cell?.parentElement.getAttribute('aria-rowindex'), column: cell?.getAttribute('aria-colindex'), id: cell?.id};
-  });
+  const named = () =>
+    page.evaluate(() => {
+      const table = document.querySelector('regular-table table');
+      const cell = document.getElementById(table.getAttribute('aria-activedescendant'));
+      return {
+        role: table.getAttribute('role'),
+        name: table.getAttribute('aria-label'),
+        rows: table.getAttribute('aria-rowcount'),
+        columns: table.getAttribute('aria-colcount'),
+        row: cell?.parentElement.getAttribute('aria-rowindex'),
+        column: cell?.getAttribute('aria-colindex'),
+        id: cell?.id,
+      };
+    });
   const first = await named();
   assert.match(first.role, /grid/);
   assert.ok(first.name.length > 0 && Number(first.rows) > 0 && Number(first.columns) > 0);

@@ -1,11 +1,21 @@
-// Every page in both languages, light and dark, wide and narrow: nothing that axe finds worse than minor, nothing that leaves
-// the window, no word of the other language among the pages' own.
+// Every page in both languages, light and dark, wide and narrow: nothing that axe finds worse than minor, nothing that
+// leaves the window, no word of the other language among the pages' own.
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
 import {mkdirSync} from 'node:fs';
-import {address, obstacles, openDesk, openFilter, reportsOf, runReport, settled, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {
+  address,
+  obstacles,
+  openDesk,
+  openFilter,
+  reportsOf,
+  runReport,
+  settled,
+  startBrowser,
+  waitForGrid,
+} from './desk_browser.mjs';
 
-const pictures = process.env.DESK_PICTURES;  // a folder: there the pages are put as pictures, to be looked at
+const pictures = process.env.DESK_PICTURES; // a folder: there the pages are put as pictures, to be looked at
 if (pictures) mkdirSync(pictures, {recursive: true});
 
 let browser;
@@ -15,19 +25,32 @@ before(async () => {
 after(() => browser.close());
 
 for (const {lang, scheme, size} of [
-  {lang: 'zh', scheme: 'light', size: {width: 1400, height: 900}}, {lang: 'en', scheme: 'dark', size: {width: 1400, height: 900}},
-  {lang: 'zh', scheme: 'dark', size: {width: 900, height: 700}}, {lang: 'en', scheme: 'light', size: {width: 900, height: 700}}]) {
+  {lang: 'zh', scheme: 'light', size: {width: 1400, height: 900}},
+  {lang: 'en', scheme: 'dark', size: {width: 1400, height: 900}},
+  {lang: 'zh', scheme: 'dark', size: {width: 900, height: 700}},
+  {lang: 'en', scheme: 'light', size: {width: 900, height: 700}},
+]) {
   test(`every page: ${lang}, ${scheme}, ${size.width}x${size.height}`, async () => {
     const page = await openDesk(browser, {lang, scheme, size});
     const look = async (name) => {
       await page.waitForTimeout(250);
       if (pictures) await page.screenshot({path: `${pictures}/${name}-${lang}-${scheme}-${size.width}.png`});
       assert.deepEqual(await obstacles(page), [], name);
-      const wide = await page.evaluate(() => document.documentElement.scrollWidth > innerWidth || document.querySelector('main').scrollWidth > document.querySelector('main').clientWidth + 1);
+      const wide = await page.evaluate(
+        () =>
+          document.documentElement.scrollWidth > innerWidth ||
+          document.querySelector('main').scrollWidth > document.querySelector('main').clientWidth + 1,
+      );
       assert.ok(!wide, `${name} is wider than the window`);
     };
     assert.equal(await page.getAttribute('html', 'lang'), lang === 'zh' ? 'zh-CN' : 'en');
-    const dark = await page.evaluate(() => getComputedStyle(document.body).backgroundColor.match(/\d+/g).map(Number).reduce((sum, part) => sum + part) < 382);
+    const dark = await page.evaluate(
+      () =>
+        getComputedStyle(document.body)
+          .backgroundColor.match(/\d+/g)
+          .map(Number)
+          .reduce((sum, part) => sum + part) < 382,
+    );
     assert.equal(dark, scheme === 'dark');
     const reports = await reportsOf(page);
     for (const report of reports) {
@@ -91,7 +114,11 @@ for (const {lang, scheme, size} of [
     await look('keys');
     await page.keyboard.press('Escape');
     if (lang === 'en') {
-      const own = await page.evaluate(() => [...document.querySelectorAll('button:not(#language), h2, label, .tools')].map((one) => one.textContent).join(' '));
+      const own = await page.evaluate(() =>
+        [...document.querySelectorAll('button:not(#language), h2, label, .tools')]
+          .map((one) => one.textContent)
+          .join(' '),
+      );
       assert.doesNotMatch(own, /[\u4e00-\u9fff]/);
     }
     for (const button of await page.$$('.run-tab button')) {

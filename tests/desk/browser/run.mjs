@@ -19,9 +19,17 @@ if (!cookie) {
   process.exit(1);
 }
 const given = process.argv.slice(2);
-const files = readdirSync(folder).filter((name) => name.endsWith('.test.mjs') && (given.length === 0 || given.includes(name)));
-const tests = spawn(process.execPath, ['--test', '--test-concurrency=1', '--test-reporter=spec', ...files.map((name) => folder + name)],
-  {stdio: 'inherit', env: {...process.env, DESK_ADDRESS: link.origin, DESK_COOKIE: cookie, DESK_DOUBLE: double ? '1' : '0'}});
+const files = readdirSync(folder).filter(
+  (name) => name.endsWith('.test.mjs') && (given.length === 0 || given.includes(name)),
+);
+const tests = spawn(
+  process.execPath,
+  ['--test', '--test-concurrency=1', '--test-reporter=spec', ...files.map((name) => folder + name)],
+  {
+    stdio: 'inherit',
+    env: {...process.env, DESK_ADDRESS: link.origin, DESK_COOKIE: cookie, DESK_DOUBLE: double ? '1' : '0'},
+  },
+);
 tests.on('exit', (code) => {
   double?.close();
   process.exitCode = code ?? 1;

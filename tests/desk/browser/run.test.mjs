@@ -1,7 +1,18 @@
 // A run: its progress, stopping it, its statements, several at once, and what is left of a bookmark when it is gone.
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
-import {address, gridOf, isDouble, openDesk, openFilter, reportsOf, runReport, settled, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {
+  address,
+  gridOf,
+  isDouble,
+  openDesk,
+  openFilter,
+  reportsOf,
+  runReport,
+  settled,
+  startBrowser,
+  waitForGrid,
+} from './desk_browser.mjs';
 
 let browser;
 let page;
@@ -61,7 +72,7 @@ test('a run shows its statements while it goes, and the button stops it', async 
   }
   const stop = page.locator('.progress button.danger');
   if (await stop.count()) {
-    await stop.click().catch(() => {});  // it may just have ended
+    await stop.click().catch(() => {}); // it may just have ended
     await page.waitForFunction(() => !document.querySelector('.progress'), null, {timeout: 30000});
   }
   const id = /run\/(\w+)/.exec(page.url())[1];

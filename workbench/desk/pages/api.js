@@ -6,13 +6,19 @@ export class ApiError extends Error {
     super(message);
     this.status = status;
     this.code = code;
-    this.item = item;  // the filter item that it is about
-    this.body = body;  // a refusal carries the dialog's state as it then is
+    this.item = item; // the filter item that it is about
+    this.body = body; // a refusal carries the dialog's state as it then is
   }
 }
 
 async function call(method, path, body, signal) {
-  const options = {method, signal, headers: {Accept: 'application/json'}, credentials: 'same-origin', cache: 'no-store'};
+  const options = {
+    method,
+    signal,
+    headers: {Accept: 'application/json'},
+    credentials: 'same-origin',
+    cache: 'no-store',
+  };
   if (method !== 'GET') {
     options.headers['Content-Type'] = 'application/json';
     options.body = JSON.stringify(body ?? {});
@@ -34,8 +40,11 @@ async function call(method, path, body, signal) {
   if (response.ok) return answer;
   if (response.status === 401) throw new ApiError(401, t('notSignedIn'));
   const error = answer?.error ?? {};
-  throw new ApiError(response.status, error.message ?? t('badAnswer', {status: response.status}),
-    {code: error.code, item: error.item, body: answer});
+  throw new ApiError(response.status, error.message ?? t('badAnswer', {status: response.status}), {
+    code: error.code,
+    item: error.item,
+    body: answer,
+  });
 }
 
 const part = encodeURIComponent;
@@ -49,7 +58,8 @@ export const api = {
   about: () => get('about'),
 
   openDialog: (report, lang, values) => post('dialogs', {report, lang, values}),
-  setItem: (id, key, value, value2) => post(`dialogs/${part(id)}/set`, {key, value, ...(value2 === null ? {} : {value2})}),
+  setItem: (id, key, value, value2) =>
+    post(`dialogs/${part(id)}/set`, {key, value, ...(value2 === null ? {} : {value2})}),
   confirmDialog: (id) => post(`dialogs/${part(id)}/click`),
   lookup: (id, item, search, offset, limit, signal) =>
     get(`dialogs/${part(id)}/lookup?${new URLSearchParams({item, search, offset, limit})}`, signal),

@@ -28,7 +28,8 @@ const desk = {
       page?.runsChanged?.();
     }
     clearTimeout(desk.timer);
-    if (desk.runs.some((run) => run.state === 'running')) desk.timer = setTimeout(() => desk.runsChanged().catch(() => {}), 1000);
+    if (desk.runs.some((run) => run.state === 'running'))
+      desk.timer = setTimeout(() => desk.runsChanged().catch(() => {}), 1000);
   },
 
   async closeRun(id) {
@@ -52,20 +53,27 @@ let startPage = null;
 let asked = 0;
 
 function pageFor({path, query}) {
-  if (path.length === 0) return startPage ??= new StartPage(desk);
+  if (path.length === 0) return (startPage ??= new StartPage(desk));
   if (path[0] === 'report' && desk.report(path[1])) {
-    return page instanceof DialogPage && page.report.name === path[1] ? page : new DialogPage(desk.report(path[1]), desk);
+    return page instanceof DialogPage && page.report.name === path[1]
+      ? page
+      : new DialogPage(desk.report(path[1]), desk);
   }
   if (path[0] === 'run' && path[1]) {
     if (!runPages.has(path[1])) runPages.set(path[1], new RunPage(path[1], query.get('report'), desk));
     return runPages.get(path[1]);
   }
-  return {element: h('div', {class: 'page'}, h('p', {}, t('noSuchPage'))), title: t('noSuchPage'), show() {}, hide() {}};
+  return {
+    element: h('div', {class: 'page'}, h('p', {}, t('noSuchPage'))),
+    title: t('noSuchPage'),
+    show() {},
+    hide() {},
+  };
 }
 
 async function route() {
   const address = read();
-  const number = asked += 1;
+  const number = (asked += 1);
   closeWindows();
   main.setAttribute('aria-busy', 'true');
   try {
@@ -82,7 +90,8 @@ async function route() {
     drawRuns();
     await next.show(address);
   } catch (error) {
-    if (number === asked) fill(main, h('div', {class: 'page'}, h('p', {class: 'message', role: 'alert'}, error.message)));
+    if (number === asked)
+      fill(main, h('div', {class: 'page'}, h('p', {class: 'message', role: 'alert'}, error.message)));
     page = null;
   }
   if (number === asked) main.removeAttribute('aria-busy');
@@ -103,19 +112,40 @@ function drawHeader() {
   document.documentElement.lang = language() === 'zh' ? 'zh-CN' : 'en';
   document.getElementById('skip').textContent = t('skip');
   runsBar.setAttribute('aria-label', t('openRuns'));
-  const themeButton = h('button', {type: 'button', class: 'quiet', 'aria-haspopup': 'menu', onclick: () =>
-    menu(themeButton, t('theme'), themes.map((name) =>
-      ({text: `${name === theme() ? '✓ ' : '  '}${t(themeTexts[name])}`, act: () => setTheme(name)})))}, t(themeTexts[theme()]));
+  const themeButton = h(
+    'button',
+    {
+      type: 'button',
+      class: 'quiet',
+      'aria-haspopup': 'menu',
+      onclick: () =>
+        menu(
+          themeButton,
+          t('theme'),
+          themes.map((name) => ({
+            text: `${name === theme() ? '✓ ' : '  '}${t(themeTexts[name])}`,
+            act: () => setTheme(name),
+          })),
+        ),
+    },
+    t(themeTexts[theme()]),
+  );
   themeButton.setAttribute('aria-label', `${t('theme')}: ${t(themeTexts[theme()])}`);
-  fill(header,
+  fill(
+    header,
     h('a', {class: 'brand', href: '#/'}, 'Quillon'),
     desk.account && h('span', {class: 'account'}, `${desk.account.code} ${desk.account.name}`),
     h('span', {class: 'space'}),
     button(t('keys'), showKeys, {class: 'quiet'}),
     button(t('about'), showAbout, {class: 'quiet'}),
     themeButton,
-    button(t('otherLanguage'), switchLanguage,
-      {class: 'quiet', 'aria-label': t('languageName'), lang: language() === 'zh' ? 'en' : 'zh-CN', id: 'language'}));
+    button(t('otherLanguage'), switchLanguage, {
+      class: 'quiet',
+      'aria-label': t('languageName'),
+      lang: language() === 'zh' ? 'en' : 'zh-CN',
+      id: 'language',
+    }),
+  );
 }
 
 async function switchLanguage() {
@@ -134,31 +164,64 @@ async function switchLanguage() {
 function drawRuns() {
   const here = page instanceof RunPage ? page.id : null;
   runsBar.hidden = desk.runs.length === 0;
-  fill(runsBar, h('a', {class: 'run-tab', href: '#/', 'aria-current': page === startPage && page ? 'page' : null}, t('start')),
+  fill(
+    runsBar,
+    h('a', {class: 'run-tab', href: '#/', 'aria-current': page === startPage && page ? 'page' : null}, t('start')),
     desk.runs.map((run) => {
       const id = String(run.id);
       const title = caption(desk.report(run.report)?.title) || run.title;
       const words = `#${id} ${title}`;
-      return h('span', {class: 'run-tab', 'aria-current': null},
-        h('a', {href: runPages.get(id)?.address() ?? write(['run', id], new URLSearchParams({report: run.report})),
-          'aria-current': id === here ? 'page' : null, title: `${words} (${t(`state_${run.state}`)})`},
-          h('span', {class: `dot ${run.state}`, 'aria-hidden': 'true'}), h('span', {class: 'ellipsis'}, words),
-          h('span', {class: 'unseen'}, ` ${t(`state_${run.state}`)}`)),
-        signButton('✕', t('closeRun', {title: words}), () => desk.closeRun(run.id)));
-    }));
+      return h(
+        'span',
+        {class: 'run-tab', 'aria-current': null},
+        h(
+          'a',
+          {
+            href: runPages.get(id)?.address() ?? write(['run', id], new URLSearchParams({report: run.report})),
+            'aria-current': id === here ? 'page' : null,
+            title: `${words} (${t(`state_${run.state}`)})`,
+          },
+          h('span', {class: `dot ${run.state}`, 'aria-hidden': 'true'}),
+          h('span', {class: 'ellipsis'}, words),
+          h('span', {class: 'unseen'}, ` ${t(`state_${run.state}`)}`),
+        ),
+        signButton('✕', t('closeRun', {title: words}), () => desk.closeRun(run.id)),
+      );
+    }),
+  );
 }
 
 function showKeys() {
   const keys = ['Arrows', 'Pages', 'Home', 'Enter', 'Space', 'Menu', 'Width', 'Copy', 'All', 'Go'];
-  modal(t('keys'), h('dl', {class: 'keys'}, keys.map((key) => [h('dt', {}, t(`key${key}`)), h('dd', {}, t(`key${key}Do`))])));
+  modal(
+    t('keys'),
+    h(
+      'dl',
+      {class: 'keys'},
+      keys.map((key) => [h('dt', {}, t(`key${key}`)), h('dd', {}, t(`key${key}Do`))]),
+    ),
+  );
 }
 
 async function showAbout() {
   try {
     const about = await api.about();
-    modal('Quillon', [h('p', {}, t('version', {version: about.version})), h('h3', {}, t('licences')),
-      about.licences.map((one) => h('details', {}, h('summary', {}, `${one.name} – ${one.licence}`),
-        h('pre', {class: 'licence', tabindex: '0'}, one.text)))], {wide: true});
+    modal(
+      'Quillon',
+      [
+        h('p', {}, t('version', {version: about.version})),
+        h('h3', {}, t('licences')),
+        about.licences.map((one) =>
+          h(
+            'details',
+            {},
+            h('summary', {}, `${one.name} – ${one.licence}`),
+            h('pre', {class: 'licence', tabindex: '0'}, one.text),
+          ),
+        ),
+      ],
+      {wide: true},
+    );
   } catch (error) {
     notice(error.message, {error: true});
   }

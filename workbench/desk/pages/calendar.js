@@ -44,7 +44,12 @@ export function openCalendar(anchor, caption, text, fallback, take) {
     at = textOf(date);
   };
 
-  const nameOf = (date) => t('monthOf', {year: date.getUTCFullYear(), month: date.getUTCMonth() + 1, monthName: monthName(date.getUTCMonth() + 1)});
+  const nameOf = (date) =>
+    t('monthOf', {
+      year: date.getUTCFullYear(),
+      month: date.getUTCMonth() + 1,
+      monthName: monthName(date.getUTCMonth() + 1),
+    });
 
   function draw(focus) {
     const [year, month] = at.split('-').map(Number);
@@ -53,13 +58,19 @@ export function openCalendar(anchor, caption, text, fallback, take) {
       draw(false);
     };
     const name = nameOf(dateOf(at));
-    fill(head, signButton('«', t('previousYear'), step(-12)), signButton('‹', t('previousMonth'), step(-1)),
+    fill(
+      head,
+      signButton('«', t('previousYear'), step(-12)),
+      signButton('‹', t('previousMonth'), step(-1)),
       h('span', {class: 'month', 'aria-live': 'polite'}, name),
-      signButton('›', t('nextMonth'), step(1)), signButton('»', t('nextYear'), step(12)));
+      signButton('›', t('nextMonth'), step(1)),
+      signButton('»', t('nextYear'), step(12)),
+    );
     const first = new Date(Date.UTC(year, month - 1, 1));
     const monday = new Date(first);
     monday.setUTCDate(1 - ((first.getUTCDay() + 6) % 7));
-    const days = language() === 'zh' ? ['一', '二', '三', '四', '五', '六', '日'] : ['Mo', 'Tu', 'We', 'Th', 'Fr', 'Sa', 'Su'];
+    const days =
+      language() === 'zh' ? ['一', '二', '三', '四', '五', '六', '日'] : ['Mo', 'Tu', 'We', 'Th', 'Fr', 'Sa', 'Su'];
     const weeks = [];
     for (let week = 0; week < 6; week += 1) {
       const cells = [];
@@ -68,20 +79,55 @@ export function openCalendar(anchor, caption, text, fallback, take) {
         date.setUTCDate(monday.getUTCDate() + week * 7 + weekday);
         const day = textOf(date);
         const other = date.getUTCMonth() !== month - 1;
-        cells.push(h('td', {}, h('button', {type: 'button', class: other ? 'other' : null, 'aria-label': `${date.getUTCDate()} · ${name}`,
-          'aria-current': day === today ? 'date' : null, 'aria-pressed': day === chosen ? 'true' : 'false',
-          tabindex: day === at ? '0' : '-1', 'data-day': day, onclick: () => choose(day)}, String(date.getUTCDate()))));
+        cells.push(
+          h(
+            'td',
+            {},
+            h(
+              'button',
+              {
+                type: 'button',
+                class: other ? 'other' : null,
+                'aria-label': `${date.getUTCDate()} · ${name}`,
+                'aria-current': day === today ? 'date' : null,
+                'aria-pressed': day === chosen ? 'true' : 'false',
+                tabindex: day === at ? '0' : '-1',
+                'data-day': day,
+                onclick: () => choose(day),
+              },
+              String(date.getUTCDate()),
+            ),
+          ),
+        );
       }
       weeks.push(h('tr', {}, cells));
     }
     grid.setAttribute('aria-label', name);
-    fill(grid, h('thead', {}, h('tr', {}, days.map((day) => h('th', {scope: 'col'}, day)))), h('tbody', {}, weeks));
+    fill(
+      grid,
+      h(
+        'thead',
+        {},
+        h(
+          'tr',
+          {},
+          days.map((day) => h('th', {scope: 'col'}, day)),
+        ),
+      ),
+      h('tbody', {}, weeks),
+    );
     if (focus) grid.querySelector(`[data-day="${at}"]`).focus();
   }
 
   grid.addEventListener('keydown', (event) => {
-    const moves = {ArrowLeft: [-1], ArrowRight: [1], ArrowUp: [-7], ArrowDown: [7], PageUp: [0, event.shiftKey ? -12 : -1],
-      PageDown: [0, event.shiftKey ? 12 : 1]};
+    const moves = {
+      ArrowLeft: [-1],
+      ArrowRight: [1],
+      ArrowUp: [-7],
+      ArrowDown: [7],
+      PageUp: [0, event.shiftKey ? -12 : -1],
+      PageDown: [0, event.shiftKey ? 12 : 1],
+    };
     const weekday = (dateOf(at).getUTCDay() + 6) % 7;
     const move = moves[event.key] ?? {Home: [-weekday], End: [6 - weekday]}[event.key];
     if (!move) return;
@@ -90,7 +136,19 @@ export function openCalendar(anchor, caption, text, fallback, take) {
     draw(true);
   });
   draw(false);
-  const shown = popup(anchor, [head, grid, h('div', {class: 'calendar-foot'},
-    button(t('today'), () => choose(today)), button(t('clear'), () => choose('')))], {name: t('chooseDate', {caption})});
+  const shown = popup(
+    anchor,
+    [
+      head,
+      grid,
+      h(
+        'div',
+        {class: 'calendar-foot'},
+        button(t('today'), () => choose(today)),
+        button(t('clear'), () => choose('')),
+      ),
+    ],
+    {name: t('chooseDate', {caption})},
+  );
   grid.querySelector(`[data-day="${at}"]`).focus();
 }

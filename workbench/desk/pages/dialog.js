@@ -1,5 +1,5 @@
-// The filter dialog of a report. What can be chosen, and what happens on each change, is decided by the report's own dialog on
-// the server; the page shows the state that it answers with.
+// The filter dialog of a report. What can be chosen, and what happens on each change, is decided by the report's own
+// dialog on the server; the page shows the state that it answers with.
 import {filterIn, go, putFilter} from './address.js';
 import {api} from './api.js';
 import {button, copyText, fill, h, notice, say} from './dom.js';
@@ -48,7 +48,7 @@ export class DialogPage {
       answer = await api.openDialog(this.report.name, language(), values);
     } catch (error) {
       if (error.status === 0 || error.status === 401 || Object.keys(values).length === 0) throw error;
-      refused = error;  // a bookmark may hold what the account no longer has
+      refused = error; // a bookmark may hold what the account no longer has
       answer = await api.openDialog(this.report.name, language(), {});
     }
     if (!this.shown) {
@@ -63,10 +63,15 @@ export class DialogPage {
 
   draw(state) {
     this.fields.clear();
-    const around = {id: this.id, set: (key, value, value2) => this.set(key, value, value2), firstDay: () => {
-      const year = this.state.items.find((item) => item.key === 'iYear')?.value ?? String(this.desk.account.currentYear);
-      return /^\d{4}$/.test(year) ? `${year}-01-01` : '';
-    }};
+    const around = {
+      id: this.id,
+      set: (key, value, value2) => this.set(key, value, value2),
+      firstDay: () => {
+        const year =
+          this.state.items.find((item) => item.key === 'iYear')?.value ?? String(this.desk.account.currentYear);
+        return /^\d{4}$/.test(year) ? `${year}-01-01` : '';
+      },
+    };
     const field = (item) => {
       const made = makeField(item, around);
       this.fields.set(item.key, made);
@@ -79,28 +84,57 @@ export class DialogPage {
       if (items.length === 0) return null;
       const filled = h('span', {class: 'muted'});
       this.counters.push({keys: items.map((item) => item.key), filled});
-      return h('details', {class: 'card fields-more', open: items.some((item) => item.value || item.value2)},
-        h('summary', {}, h('h2', {}, t(section.text)), filled), h('div', {class: 'fields'}, items.map(field)));
+      return h(
+        'details',
+        {class: 'card fields-more', open: items.some((item) => item.value || item.value2)},
+        h('summary', {}, h('h2', {}, t(section.text)), filled),
+        h('div', {class: 'fields'}, items.map(field)),
+      );
     });
     this.messages = h('div', {class: 'messages', role: 'alert'});
     this.view = h('span', {class: 'tag'});
     this.runButton = h('button', {type: 'submit', class: 'primary'}, t('run'));
-    const load = button(t('loadFilter'), () => openFilters(load, this.report, (saved) => this.open(saved.values)),
-      {'aria-haspopup': 'dialog'});
-    const save = button(t('saveAs'), () => saveFilter(save, this.report, () => this.settled()), {'aria-haspopup': 'dialog'});
-    fill(this.element, h('form', {onsubmit: (event) => {
-      event.preventDefault();
-      this.run();
-    }},
-      h('div', {class: 'page-head'},
-        h('div', {class: 'titles'}, h('h1', {}, caption(this.report.title)), h('span', {class: 'muted'}, t('filterOf')), this.view),
-        h('div', {class: 'actions'}, load, save,
-          button(t('filterLink'), () => this.copyLink()),
-          button(t('reset'), () => this.open({})),
-          this.runButton)),
-      this.messages,
-      h('section', {class: 'card'}, h('h2', {}, t('mainItems')), h('div', {class: 'fields'}, rest.map(field))),
-      folded));
+    const load = button(t('loadFilter'), () => openFilters(load, this.report, (saved) => this.open(saved.values)), {
+      'aria-haspopup': 'dialog',
+    });
+    const save = button(t('saveAs'), () => saveFilter(save, this.report, () => this.settled()), {
+      'aria-haspopup': 'dialog',
+    });
+    fill(
+      this.element,
+      h(
+        'form',
+        {
+          onsubmit: (event) => {
+            event.preventDefault();
+            this.run();
+          },
+        },
+        h(
+          'div',
+          {class: 'page-head'},
+          h(
+            'div',
+            {class: 'titles'},
+            h('h1', {}, caption(this.report.title)),
+            h('span', {class: 'muted'}, t('filterOf')),
+            this.view,
+          ),
+          h(
+            'div',
+            {class: 'actions'},
+            load,
+            save,
+            button(t('filterLink'), () => this.copyLink()),
+            button(t('reset'), () => this.open({})),
+            this.runButton,
+          ),
+        ),
+        this.messages,
+        h('section', {class: 'card'}, h('h2', {}, t('mainItems')), h('div', {class: 'fields'}, rest.map(field))),
+        folded,
+      ),
+    );
   }
 
   // Shows a state that the server answered with.
@@ -120,8 +154,10 @@ export class DialogPage {
   showMessages(messages) {
     for (const field of this.fields.values()) field.refuse('');
     for (const {item, text} of messages) if (item) this.fields.get(item)?.refuse(text);
-    fill(this.messages, messages.filter(({item}) => !item || !this.fields.has(item))
-      .map(({text}) => h('p', {class: 'message'}, text)));
+    fill(
+      this.messages,
+      messages.filter(({item}) => !item || !this.fields.has(item)).map(({text}) => h('p', {class: 'message'}, text)),
+    );
   }
 
   refuse(error) {

@@ -32,8 +32,11 @@ export function button(text, onclick, attributes = {}) {
   return h('button', {type: 'button', onclick, ...attributes}, text);
 }
 export function signButton(sign, name, onclick, attributes = {}) {
-  return h('button', {type: 'button', class: 'sign', 'aria-label': name, title: name, onclick, ...attributes},
-    h('span', {'aria-hidden': 'true'}, sign));
+  return h(
+    'button',
+    {type: 'button', class: 'sign', 'aria-label': name, title: name, onclick, ...attributes},
+    h('span', {'aria-hidden': 'true'}, sign),
+  );
 }
 
 let ids = 0;
@@ -51,8 +54,12 @@ export function say(text) {
 export function notice(text, {error = false} = {}) {
   const place = document.getElementById('notices');
   for (const old of place.querySelectorAll('.notice:not(.error)')) old.remove();
-  const note = h('div', {class: error ? 'notice error' : 'notice'}, h('span', {}, text),
-    signButton('✕', '✕', () => note.remove()));
+  const note = h(
+    'div',
+    {class: error ? 'notice error' : 'notice'},
+    h('span', {}, text),
+    signButton('✕', '✕', () => note.remove()),
+  );
   place.append(note);
   if (!error) setTimeout(() => note.remove(), 5000);
 }

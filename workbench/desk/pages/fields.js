@@ -1,5 +1,5 @@
-// The widgets of filter items. A field has an element, shows an item's state with update(), and tells set(value, value2) of
-// each change. It never decides what may be given: the server does.
+// The widgets of filter items. A field has an element, shows an item's state with update(), and tells set(value,
+// value2) of each change. It never decides what may be given: the server does.
 import {api} from './api.js';
 import {openCalendar, readDate} from './calendar.js';
 import {fill, h, newId, signButton} from './dom.js';
@@ -7,7 +7,7 @@ import {openLookup} from './lookup.js';
 import {popup} from './popup.js';
 import {caption, count, t} from './texts.js';
 
-const names = new Map();  // what codes are called, for this page's life: "item TAB code" -> name
+const names = new Map(); // what codes are called, for this page's life: "item TAB code" -> name
 
 const valuesOf = (text) => (text ?? '').split('\t').filter((value) => value !== '');
 
@@ -18,12 +18,19 @@ export function makeField(item, around) {
   const name = h('span', {class: 'caption', id: label});
   const error = h('div', {class: 'field-message', id: message, role: 'alert'});
   const control = widget(item, around, {label, message});
-  const element = h('div', {class: 'field', role: 'group', 'aria-labelledby': label, 'data-key': item.key}, name, control.element, error);
+  const element = h(
+    'div',
+    {class: 'field', role: 'group', 'aria-labelledby': label, 'data-key': item.key},
+    name,
+    control.element,
+    error,
+  );
   let current = item;
 
   const field = {
     element,
-    focus: () => element.querySelector('input:not([disabled]), select:not([disabled]), button:not([disabled])')?.focus(),
+    focus: () =>
+      element.querySelector('input:not([disabled]), select:not([disabled]), button:not([disabled])')?.focus(),
     get item() {
       return current;
     },
@@ -42,8 +49,12 @@ export function makeField(item, around) {
     },
     update(next) {
       current = next;
-      fill(name, caption(next.caption), next.required && h('span', {class: 'required', title: t('required')}, ' *'),
-        next.required && h('span', {class: 'unseen'}, ` ${t('required')}`));
+      fill(
+        name,
+        caption(next.caption),
+        next.required && h('span', {class: 'required', title: t('required')}, ' *'),
+        next.required && h('span', {class: 'unseen'}, ` ${t('required')}`),
+      );
       element.classList.toggle('unavailable', !next.available);
       element.title = next.available ? '' : t('notAvailable');
       control.update(next);
@@ -60,24 +71,46 @@ function widget(item, around, ids) {
   if (item.kind === 'choice' || item.kind === 'flag') {
     return item.multiple ? manyChoices(item, set, ids) : oneChoice(item, set, ids);
   }
-  if (item.kind === 'date') return dateInput(item, around, ids, (value) => set(value), (it) => it.value, '');
+  if (item.kind === 'date')
+    return dateInput(
+      item,
+      around,
+      ids,
+      (value) => set(value),
+      (it) => it.value,
+      '',
+    );
   if (item.multiple) return manyValues(item, around, set, ids);
-  return oneValue(item, around, ids, (value) => set(value), (it) => it.value);
+  return oneValue(
+    item,
+    around,
+    ids,
+    (value) => set(value),
+    (it) => it.value,
+  );
 }
 
 function rangeOf(item, around, ids) {
   let current = item;
   const one = (part) => {
     const lower = part === 'value';
-    const set = (value) => around.set(item.key, lower ? value : current.value ?? '', lower ? current.value2 ?? '' : value);
+    const set = (value) =>
+      around.set(item.key, lower ? value : (current.value ?? ''), lower ? (current.value2 ?? '') : value);
     const label = t(lower ? 'fromOf' : 'toOf', {caption: caption(item.caption)});
-    if (item.kind === 'date') return dateInput(item, around, {label: null, name: label}, set, (it) => it[part], lower ? 'value2' : 'value');
+    if (item.kind === 'date')
+      return dateInput(item, around, {label: null, name: label}, set, (it) => it[part], lower ? 'value2' : 'value');
     return oneValue(item, around, {label: null, name: label}, set, (it) => it[part]);
   };
   const from = one('value');
   const to = one('value2');
   const result = {
-    element: h('div', {class: 'range'}, from.element, h('span', {class: 'muted', 'aria-hidden': 'true'}, '–'), to.element),
+    element: h(
+      'div',
+      {class: 'range'},
+      from.element,
+      h('span', {class: 'muted', 'aria-hidden': 'true'}, '–'),
+      to.element,
+    ),
     update(next) {
       current = next;
       from.update(next);
@@ -102,7 +135,11 @@ function show(input, text) {
 }
 
 function textInput(attributes, take) {
-  const input = h('input', {type: 'text', autocomplete: 'off', spellcheck: 'false', ...attributes,
+  const input = h('input', {
+    type: 'text',
+    autocomplete: 'off',
+    spellcheck: 'false',
+    ...attributes,
     oninput: () => {
       input.dataset.dirty = '1';
     },
@@ -110,7 +147,8 @@ function textInput(attributes, take) {
       delete input.dataset.dirty;
       take(input.value);
     },
-    onblur: () => delete input.dataset.dirty});
+    onblur: () => delete input.dataset.dirty,
+  });
   return input;
 }
 
@@ -125,10 +163,12 @@ function oneChoice(item, set, ids) {
         drawn = words;
         const value = next.value ?? '';
         const known = next.choices.some((choice) => choice.code === value);
-        fill(select,
+        fill(
+          select,
           (!next.required || value === '') && h('option', {value: ''}, t('notGiven')),
           !known && value !== '' && h('option', {value}, value),
-          next.choices.map((choice) => h('option', {value: choice.code}, caption(choice.caption))));
+          next.choices.map((choice) => h('option', {value: choice.code}, caption(choice.caption))),
+        );
         select.value = value;
       }
       select.disabled = !next.available;
@@ -145,18 +185,42 @@ function manyChoices(item, set, ids) {
     const chosen = new Set(valuesOf(current.value));
     if (on) chosen.add(code);
     else chosen.delete(code);
-    set(current.choices.map((choice) => choice.code).filter((known) => chosen.has(known)).join('\t'));
+    set(
+      current.choices
+        .map((choice) => choice.code)
+        .filter((known) => chosen.has(known))
+        .join('\t'),
+    );
   };
   const boxes = () => {
     const chosen = new Set(valuesOf(current.value));
-    return current.choices.map((choice) => h('label', {class: 'check'},
-      h('input', {type: 'checkbox', checked: chosen.has(choice.code), disabled: !current.available, 'data-code': choice.code,
-        onchange: (event) => change(choice.code, event.target.checked)}), h('span', {}, caption(choice.caption))));
+    return current.choices.map((choice) =>
+      h(
+        'label',
+        {class: 'check'},
+        h('input', {
+          type: 'checkbox',
+          checked: chosen.has(choice.code),
+          disabled: !current.available,
+          'data-code': choice.code,
+          onchange: (event) => change(choice.code, event.target.checked),
+        }),
+        h('span', {}, caption(choice.caption)),
+      ),
+    );
   };
   const summary = h('span', {class: 'ellipsis'});
-  const opener = h('button', {type: 'button', class: 'opener', 'aria-haspopup': 'dialog',
-    onclick: () => popup(opener, h('div', {class: 'check-list'}, boxes()), {name: caption(current.caption)})},
-    summary, h('span', {'aria-hidden': 'true'}, '▾'));
+  const opener = h(
+    'button',
+    {
+      type: 'button',
+      class: 'opener',
+      'aria-haspopup': 'dialog',
+      onclick: () => popup(opener, h('div', {class: 'check-list'}, boxes()), {name: caption(current.caption)}),
+    },
+    summary,
+    h('span', {'aria-hidden': 'true'}, '▾'),
+  );
   let drawn = '';
   return {
     element,
@@ -171,7 +235,9 @@ function manyChoices(item, set, ids) {
         if (had && code) element.querySelector(`[data-code="${CSS.escape(code)}"]`)?.focus();
       }
       const chosen = new Set(valuesOf(next.value));
-      const captions = next.choices.filter((choice) => chosen.has(choice.code)).map((choice) => caption(choice.caption));
+      const captions = next.choices
+        .filter((choice) => chosen.has(choice.code))
+        .map((choice) => caption(choice.caption));
       summary.textContent = captions.length > 0 ? captions.join('、') : t('notGiven');
       opener.disabled = !next.available;
       opener.setAttribute('aria-label', `${caption(next.caption)}: ${summary.textContent}`);
@@ -193,13 +259,24 @@ function dateInput(item, around, ids, set, value, fallback) {
     control.refuse?.('');
     set(day);
   };
-  const input = textInput({...nameOf(ids), class: 'date', placeholder: 'yyyy-mm-dd', inputmode: 'numeric',
-    onkeydown: (event) => event.altKey && event.key === 'ArrowDown' && (event.preventDefault(), open())}, take);
-  const open = () => openCalendar(opener, caption(item.caption), input.value, current[fallback] || around.firstDay(), (day) => {
-    take(day);
-    input.focus();
+  const input = textInput(
+    {
+      ...nameOf(ids),
+      class: 'date',
+      placeholder: 'yyyy-mm-dd',
+      inputmode: 'numeric',
+      onkeydown: (event) => event.altKey && event.key === 'ArrowDown' && (event.preventDefault(), open()),
+    },
+    take,
+  );
+  const open = () =>
+    openCalendar(opener, caption(item.caption), input.value, current[fallback] || around.firstDay(), (day) => {
+      take(day);
+      input.focus();
+    });
+  const opener = signButton('▦', `${t('calendar')}: ${ids.name ?? caption(item.caption)}`, open, {
+    'aria-haspopup': 'dialog',
   });
-  const opener = signButton('▦', `${t('calendar')}: ${ids.name ?? caption(item.caption)}`, open, {'aria-haspopup': 'dialog'});
   return Object.assign(control, {
     element: h('div', {class: 'joined'}, input, opener),
     update(next) {
@@ -220,7 +297,7 @@ async function lookName(around, item, code) {
       const answer = await api.lookup(around.id, item.key, code, 0, 20);
       names.set(known, answer.rows.find((row) => row.code === code)?.name ?? '');
     } catch {
-      names.delete(known);  // the next time it is shown it is asked again
+      names.delete(known); // the next time it is shown it is asked again
       return '';
     }
   }
@@ -233,17 +310,33 @@ function remember(item, found) {
 
 function oneValue(item, around, ids, set, value) {
   const name = h('span', {class: 'value-name muted ellipsis'});
-  const open = () => openLookup({dialog: around.id, item: item.key, caption: caption(item.caption), multiple: false,
-    chosen: input.value ? [input.value] : [], take: (codes, found) => {
-      remember(item, found);
-      input.value = codes[0] ?? '';
-      set(input.value);
-      input.focus();
-    }});
-  const input = textInput({...nameOf(ids), inputmode: item.kind === 'number' ? 'decimal' : null,
-    onkeydown: (event) => item.lookup && ((event.altKey && event.key === 'ArrowDown') || event.key === 'F4') &&
-      (event.preventDefault(), open())}, (text) => set(text.trim()));
-  const opener = item.lookup &&
+  const open = () =>
+    openLookup({
+      dialog: around.id,
+      item: item.key,
+      caption: caption(item.caption),
+      multiple: false,
+      chosen: input.value ? [input.value] : [],
+      take: (codes, found) => {
+        remember(item, found);
+        input.value = codes[0] ?? '';
+        set(input.value);
+        input.focus();
+      },
+    });
+  const input = textInput(
+    {
+      ...nameOf(ids),
+      inputmode: item.kind === 'number' ? 'decimal' : null,
+      onkeydown: (event) =>
+        item.lookup &&
+        ((event.altKey && event.key === 'ArrowDown') || event.key === 'F4') &&
+        (event.preventDefault(), open()),
+    },
+    (text) => set(text.trim()),
+  );
+  const opener =
+    item.lookup &&
     signButton('…', t('lookupOf', {caption: ids.name ?? caption(item.caption)}), open, {'aria-haspopup': 'dialog'});
   return {
     element: h('div', {class: 'joined'}, input, opener, item.lookup && name),
@@ -264,13 +357,21 @@ function manyValues(item, around, set, ids) {
   let current = item;
   const chips = h('span', {class: 'chips'});
   const add = (text) => {
-    const more = text.split(/[\t\r\n]+/).map((value) => value.trim()).filter(Boolean);
+    const more = text
+      .split(/[\t\r\n]+/)
+      .map((value) => value.trim())
+      .filter(Boolean);
     if (more.length === 0) return;
     input.value = '';
     delete input.dataset.dirty;
     set([...new Set([...valuesOf(current.value), ...more])].join('\t'));
   };
-  const input = h('input', {type: 'text', autocomplete: 'off', spellcheck: 'false', ...nameOf(ids), placeholder: t('addValue'),
+  const input = h('input', {
+    type: 'text',
+    autocomplete: 'off',
+    spellcheck: 'false',
+    ...nameOf(ids),
+    placeholder: t('addValue'),
     onblur: () => add(input.value),
     onpaste: (event) => {
       const text = event.clipboardData.getData('text');
@@ -289,25 +390,56 @@ function manyValues(item, around, set, ids) {
         event.preventDefault();
         open();
       }
-    }});
-  const open = () => openLookup({dialog: around.id, item: item.key, caption: caption(item.caption), multiple: true,
-    chosen: valuesOf(current.value), take: (codes, found) => {
-      remember(item, found);
-      set(codes.join('\t'));
-      input.focus();
-    }});
-  const opener = item.lookup && signButton('…', t('lookupOf', {caption: caption(item.caption)}), open, {'aria-haspopup': 'dialog'});
+    },
+  });
+  const open = () =>
+    openLookup({
+      dialog: around.id,
+      item: item.key,
+      caption: caption(item.caption),
+      multiple: true,
+      chosen: valuesOf(current.value),
+      take: (codes, found) => {
+        remember(item, found);
+        set(codes.join('\t'));
+        input.focus();
+      },
+    });
+  const opener =
+    item.lookup && signButton('…', t('lookupOf', {caption: caption(item.caption)}), open, {'aria-haspopup': 'dialog'});
   const drawChips = () => {
     const values = valuesOf(current.value);
-    fill(chips, values.slice(0, 12).map((value) => {
-      const words = h('span', {class: 'ellipsis'}, value);
-      if (item.lookup) lookName(around, item, value).then((name) => name && (words.textContent = `${value} ${name}`));
-      return h('span', {class: 'chip'}, words, h('button', {type: 'button', class: 'remove', disabled: !current.available,
-        'aria-label': t('removeValue', {value}), onclick: () => {
-          set(valuesOf(current.value).filter((other) => other !== value).join('\t'));
-          input.focus();
-        }}, '✕'));
-    }), values.length > 12 && h('span', {class: 'muted'}, t('chosenCount', {n: count(values.length)})));
+    fill(
+      chips,
+      values.slice(0, 12).map((value) => {
+        const words = h('span', {class: 'ellipsis'}, value);
+        if (item.lookup) lookName(around, item, value).then((name) => name && (words.textContent = `${value} ${name}`));
+        return h(
+          'span',
+          {class: 'chip'},
+          words,
+          h(
+            'button',
+            {
+              type: 'button',
+              class: 'remove',
+              disabled: !current.available,
+              'aria-label': t('removeValue', {value}),
+              onclick: () => {
+                set(
+                  valuesOf(current.value)
+                    .filter((other) => other !== value)
+                    .join('\t'),
+                );
+                input.focus();
+              },
+            },
+            '✕',
+          ),
+        );
+      }),
+      values.length > 12 && h('span', {class: 'muted'}, t('chosenCount', {n: count(values.length)})),
+    );
   };
   let drawn = null;
   return {

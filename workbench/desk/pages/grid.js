@@ -1,14 +1,14 @@
-// The rows of a view as a table that draws only what is in sight, in both directions. regular-table draws; what it does not
-// have is here: frozen columns with headings, the totals below the rows, the keyboard, the block that is selected.
+// The rows of a view as a table that draws only what is in sight, in both directions. regular-table draws; what it does
+// not have is here: frozen columns with headings, the totals below the rows, the keyboard, the block that is selected.
 //
-// The keyboard's place is told by aria-activedescendant: the cells are used again for other rows while scrolling, so that a
-// focus on one of them would stand still while its text changes, and a screen reader would say nothing.
+// The keyboard's place is told by aria-activedescendant: the cells are used again for other rows while scrolling, so
+// that a focus on one of them would stand still while its text changes, and a screen reader would say nothing.
 import 'regular-table';
 import {copyText, h, notice, say} from './dom.js';
 import {count, hasText, t} from './texts.js';
 
-const rowHeight = 28;           // as desk.css has it
-const scrollAreaLimit = 1e7;    // pixels; regular-table's own
+const rowHeight = 28; // as desk.css has it
+const scrollAreaLimit = 1e7; // pixels; regular-table's own
 const copyCellLimit = 2000000;
 const widest = 360;
 const narrowest = 48;
@@ -17,10 +17,10 @@ const numbers = new Set(['quantity', 'money', 'movement', 'amount', 'unitCost'])
 export const isNumber = (column) => numbers.has(column.role);
 
 export class Grid {
-  // `view` is the server's answer, `rows` has at(), has(), ensure(), rowCount, state()? and toggle()?; `widths` maps names to
-  // widths that the reader has chosen; `frozen` is how many columns stay, null for the keys; `sorted` maps names to marks.
-  // What happens is told to `tell`: open(row), place(row, name), sort(column, add), menu(anchor, column), move(from, to),
-  // width(name, pixels), selection(rows, columns), goTo(), lost(error).
+  // `view` is the server's answer, `rows` has at(), has(), ensure(), rowCount, state()? and toggle()?; `widths` maps
+  // names to widths that the reader has chosen; `frozen` is how many columns stay, null for the keys; `sorted` maps
+  // names to marks. What happens is told to `tell`: open(row), place(row, name), sort(column, add), menu(anchor,
+  // column), move(from, to), width(name, pixels), selection(rows, columns), goTo(), lost(error).
   constructor({name, view, rows, widths, frozen, sorted, filtered, tell}) {
     this.view = view;
     this.rows = rows;
@@ -32,7 +32,7 @@ export class Grid {
     this.filtered = filtered;
     this.tell = tell;
     this.active = {row: 0, column: 0};
-    this.anchor = null;  // where a selected block began
+    this.anchor = null; // where a selected block began
     this.headRows = this.columns.some((column) => column.group) ? 2 : 1;
 
     this.scroller = document.createElement('regular-table');
@@ -47,15 +47,18 @@ export class Grid {
 
   // Once it stands in the document.
   async begin(place) {
-    const first = 100;  // rows that the widths are taken from
-    await this.rows.ensure(Math.min(place.row, Math.max(0, this.rowCount - 1)), Math.min(this.rowCount, place.row + first));
+    const first = 100; // rows that the widths are taken from
+    await this.rows.ensure(
+      Math.min(place.row, Math.max(0, this.rowCount - 1)),
+      Math.min(this.rowCount, place.row + first),
+    );
     this.measure(place.row, place.row + first);
     this.freeze();
     this.scroller.setAttribute('tabindex', '-1');
     this.scroller.setDataListener((x0, y0, x1, y1) => this.data(x0, y0, x1, y1), {virtual_mode: 'both'});
     this.scroller.addStyleListener(() => this.style());
     this.setWidths();
-    const table = this.table = this.scroller.querySelector('table');
+    const table = (this.table = this.scroller.querySelector('table'));
     table.setAttribute('role', 'grid');
     table.setAttribute('tabindex', '0');
     table.setAttribute('aria-label', this.name);
@@ -74,7 +77,10 @@ export class Grid {
     this.scroller.addEventListener('wheel', (event) => this.wheel(event), {passive: false});
     this.resized = new ResizeObserver(() => this.redraw());
     this.resized.observe(this.element);
-    this.active = {row: Math.min(place.row, Math.max(0, this.rowCount - 1)), column: Math.max(0, this.indexOf(place.column))};
+    this.active = {
+      row: Math.min(place.row, Math.max(0, this.rowCount - 1)),
+      column: Math.max(0, this.indexOf(place.column)),
+    };
     if (place.heading) this.active.row = -1;
     await this.redraw();
     if (place.row > 0 || this.active.column > 0) {
@@ -128,8 +134,8 @@ export class Grid {
 
   setWidths() {
     this.scroller.restoreColumnSizes(Object.fromEntries(this.widths.map((width, index) => [index, width])));
-    // Of columns that it has not drawn yet, regular-table takes a width of its own, and so would reckon the scroll bar and
-    // the column at a scroll position wrongly. It has no call to tell them, so they go where it keeps them.
+    // Of columns that it has not drawn yet, regular-table takes a width of its own, and so would reckon the scroll bar
+    // and the column at a scroll position wrongly. It has no call to tell them, so they go where it keeps them.
     const kept = Object.values(this.scroller).find((one) => one?.override && one?.indices);
     if (kept) this.widths.forEach((width, index) => (kept.indices[index] = width));
   }
@@ -159,20 +165,28 @@ export class Grid {
   async data(x0, y0, x1, y1) {
     const {rowCount, frozen} = this;
     // Rows of nothing at the end: the totals lie over them, so that they never hide the last row.
-    const answer = {num_rows: rowCount + this.totals.length, num_columns: this.columns.length - frozen,
-      num_row_headers: frozen, num_column_headers: this.headRows, merge_headers: 'column'};
+    const answer = {
+      num_rows: rowCount + this.totals.length,
+      num_columns: this.columns.length - frozen,
+      num_row_headers: frozen,
+      num_column_headers: this.headRows,
+      merge_headers: 'column',
+    };
     const to = Math.min(y1, rowCount);
     if (y0 < to && !this.rows.has(y0, to)) {
-      const fetched = this.rows.ensure(y0, to).then(() => true, (error) => {
-        if (!this.disposed) this.tell.lost(error);
-        return false;
-      });
+      const fetched = this.rows.ensure(y0, to).then(
+        () => true,
+        (error) => {
+          if (!this.disposed) this.tell.lost(error);
+          return false;
+        },
+      );
       const inTime = await Promise.race([fetched, new Promise((go) => setTimeout(go, 250, null))]);
       if (inTime === null) fetched.then((there) => there && this.redraw());
     }
     const window = [];
     for (let y = y0; y < Math.min(y1, answer.num_rows); y += 1) window.push(y < rowCount ? this.rows.at(y) : null);
-    const column = (index) => window.map((row) => (row === undefined ? '…' : row?.cells[index] ?? ''));
+    const column = (index) => window.map((row) => (row === undefined ? '…' : (row?.cells[index] ?? '')));
     answer.data = [];
     answer.column_headers = [];
     for (let x = x0; x < Math.min(x1, answer.num_columns); x += 1) {
@@ -182,7 +196,7 @@ export class Grid {
     }
     answer.row_headers = window.map((row) => {
       const cells = [];
-      for (let index = 0; index < frozen; index += 1) cells.push(row === undefined ? '…' : row?.cells[index] ?? '');
+      for (let index = 0; index < frozen; index += 1) cells.push(row === undefined ? '…' : (row?.cells[index] ?? ''));
       return cells;
     });
     return answer;
@@ -221,7 +235,7 @@ export class Grid {
         if (index === this.frozen - 1) look += ' edge';
         if (inBlock) look += ' chosen';
         if (isActive) look += focused ? ' at focused' : ' at';
-        look += ` rt-col-${meta.size_key}`;  // regular-table's own, for the width
+        look += ` rt-col-${meta.size_key}`; // regular-table's own, for the width
         if (cell.deskLook !== look || cell.className !== `${look} rt-cell-clip`) {
           cell.className = `${look} rt-cell-clip`;
           cell.deskLook = look;
@@ -328,23 +342,38 @@ export class Grid {
     const lines = this.totals.length;
     this.totalsTable.hidden = lines === 0;
     if (lines === 0) return;
-    const indexes = [...(head.rows[this.headRows - 1]?.cells ?? [])].map((th) => th.querySelector('.column-menu')?.deskColumn)
+    const indexes = [...(head.rows[this.headRows - 1]?.cells ?? [])]
+      .map((th) => th.querySelector('.column-menu')?.deskColumn)
       .filter((index) => index !== undefined);
     const saved = this.scroller.saveColumnSizes();
     const widths = indexes.map((index) => saved[index] ?? this.widths[index]);
     const key = `${indexes.join()}|${widths.join()}`;
     if (key !== this.totalsKey) {
       this.totalsKey = key;
-      const rows = this.totals.map((total) => h('tr', {}, indexes.map((index) => {
-        const column = this.columns[index];
-        const text = total.cells[index] ?? '';
-        const cell = h('td', {class: `${column.number ? 'number' : 'text'}${text.startsWith('-') ? ' negative' : ''}` +
-          `${index === this.frozen - 1 ? ' edge' : ''}`, title: text || null}, text);
-        const width = saved[index] ?? this.widths[index];
-        cell.style.minWidth = `${width}px`;
-        cell.style.maxWidth = `${width}px`;
-        return cell;
-      })));
+      const rows = this.totals.map((total) =>
+        h(
+          'tr',
+          {},
+          indexes.map((index) => {
+            const column = this.columns[index];
+            const text = total.cells[index] ?? '';
+            const cell = h(
+              'td',
+              {
+                class:
+                  `${column.number ? 'number' : 'text'}${text.startsWith('-') ? ' negative' : ''}` +
+                  `${index === this.frozen - 1 ? ' edge' : ''}`,
+                title: text || null,
+              },
+              text,
+            );
+            const width = saved[index] ?? this.widths[index];
+            cell.style.minWidth = `${width}px`;
+            cell.style.maxWidth = `${width}px`;
+            return cell;
+          }),
+        ),
+      );
       this.totalsTable.replaceChildren(h('tbody', {}, rows));
     }
     // Right below the last row when all are in sight, else at the lower edge, above the scroll bar.
@@ -359,8 +388,12 @@ export class Grid {
   block() {
     if (!this.anchor || this.active.row < 0) return null;
     const {anchor, active} = this;
-    return {top: Math.min(anchor.row, active.row), bottom: Math.max(anchor.row, active.row),
-      left: Math.min(anchor.column, active.column), right: Math.max(anchor.column, active.column)};
+    return {
+      top: Math.min(anchor.row, active.row),
+      bottom: Math.max(anchor.row, active.row),
+      left: Math.min(anchor.column, active.column),
+      right: Math.max(anchor.column, active.column),
+    };
   }
 
   // How many rows are in sight below the headings and above the totals.
@@ -372,7 +405,10 @@ export class Grid {
   scrollOf(row) {
     const all = this.rowCount + this.totals.length;
     const height = this.scroller.clientHeight;
-    const room = Math.max(1, Math.round(Math.min(scrollAreaLimit, (all + this.headRows) * rowHeight)) - this.scroller.clientHeight);
+    const room = Math.max(
+      1,
+      Math.round(Math.min(scrollAreaLimit, (all + this.headRows) * rowHeight)) - this.scroller.clientHeight,
+    );
     const scrolled = Math.max(1e-9, all - (height / rowHeight - this.headRows));
     return {room, scrolled, top: (row / scrolled) * room};
   }
@@ -397,7 +433,8 @@ export class Grid {
       const before = (to) => this.widths.slice(this.frozen, this.frozen + to).reduce((sum, width) => sum + width, 0);
       const room = this.scroller.clientWidth - this.widths.slice(0, this.frozen).reduce((sum, width) => sum + width, 0);
       const left = this.scroller.scrollLeft;
-      // Columns are never drawn in part on their left side, so the first in sight begins at or before the scroll position.
+      // Columns are never drawn in part on their left side, so the first in sight begins at or before the scroll
+      // position.
       let first = 0;
       while (first < index && before(first + 1) <= left) first += 1;
       if (before(index) < left) {
@@ -416,7 +453,10 @@ export class Grid {
   // The reader goes to a cell; -1 is the headings. `extend` keeps where the block began.
   moveTo(row, column, {extend = false, top = false} = {}) {
     const from = {...this.active};
-    this.active = {row: Math.max(-1, Math.min(this.rowCount - 1, row)), column: Math.max(0, Math.min(this.columns.length - 1, column))};
+    this.active = {
+      row: Math.max(-1, Math.min(this.rowCount - 1, row)),
+      column: Math.max(0, Math.min(this.columns.length - 1, column)),
+    };
     if (!extend) this.anchor = null;
     else this.anchor ??= from.row < 0 ? {...this.active} : from;
     this.reveal(this.active.row, this.active.column, {top});
@@ -464,21 +504,24 @@ export class Grid {
       this.moveTo(extend && nextRow < 0 ? 0 : nextRow, nextColumn, {extend: extend && row >= 0});
       return;
     }
-    const act = {
-      Enter: () => (row < 0 ? this.tell.sort(column, extend) : this.open(row)),
-      ' ': () => (row < 0 ? this.tell.sort(column, extend) : this.toggle(row)),
-      ContextMenu: () => this.openMenu(column),
-      Escape: () => this.anchor && this.moveTo(row, column),
-    }[event.key] ?? (control && {
-      c: () => this.copy(),
-      a: () => {
-        this.anchor = {row: 0, column: 0};
-        this.active = {row: last, column: end};
-        this.style();
-        this.tell.selection(this.rowCount, this.columns.length);
-      },
-      g: () => this.tell.goTo(),
-    }[event.key.toLowerCase()]);
+    const act =
+      {
+        Enter: () => (row < 0 ? this.tell.sort(column, extend) : this.open(row)),
+        ' ': () => (row < 0 ? this.tell.sort(column, extend) : this.toggle(row)),
+        ContextMenu: () => this.openMenu(column),
+        Escape: () => this.anchor && this.moveTo(row, column),
+      }[event.key] ??
+      (control &&
+        {
+          c: () => this.copy(),
+          a: () => {
+            this.anchor = {row: 0, column: 0};
+            this.active = {row: last, column: end};
+            this.style();
+            this.tell.selection(this.rowCount, this.columns.length);
+          },
+          g: () => this.tell.goTo(),
+        }[event.key.toLowerCase()]);
     if (!act) return;
     event.preventDefault();
     await act();
@@ -550,7 +593,12 @@ export class Grid {
     this.moveTo(place.row, place.column, {extend: event.shiftKey});
     const drag = (move) => {
       const over = this.cellAt(document.elementFromPoint(move.clientX, move.clientY) ?? document.body);
-      if (over && over.row >= 0 && over.row < this.rowCount && (over.row !== this.active.row || over.column !== this.active.column)) {
+      if (
+        over &&
+        over.row >= 0 &&
+        over.row < this.rowCount &&
+        (over.row !== this.active.row || over.column !== this.active.column)
+      ) {
         this.moveTo(over.row, over.column, {extend: true});
       }
     };
@@ -573,30 +621,40 @@ export class Grid {
       if (dropAt !== column) marked?.classList.add(dropAt < column ? 'drop-before' : 'drop-after');
     };
     document.addEventListener('mousemove', drag);
-    document.addEventListener('mouseup', () => {
-      document.removeEventListener('mousemove', drag);
-      unmark();
-      cell.classList.remove('dragged');
-      this.active = {row: -1, column};
-      if (dropAt === null) this.tell.sort(column, event.shiftKey);
-      else if (dropAt !== column) this.tell.move(column, dropAt);
-    }, {once: true});
+    document.addEventListener(
+      'mouseup',
+      () => {
+        document.removeEventListener('mousemove', drag);
+        unmark();
+        cell.classList.remove('dragged');
+        this.active = {row: -1, column};
+        if (dropAt === null) this.tell.sort(column, event.shiftKey);
+        else if (dropAt !== column) this.tell.move(column, dropAt);
+      },
+      {once: true},
+    );
   }
 
-  // regular-table changes the width while the mouse is down; afterwards it is kept. A double click gives back the measured one.
+  // regular-table changes the width while the mouse is down; afterwards it is kept. A double click gives back the
+  // measured one.
   resizeDown(column) {
-    document.addEventListener('mouseup', () => setTimeout(() => {
-      const width = this.scroller.saveColumnSizes()[column];
-      if (width === undefined) {
-        this.setWidth(column, this.measured[column]);
-        this.setWidths();
-        this.redraw();
-      } else if (width !== this.widths[column]) {
-        this.setWidth(column, Math.max(narrowest, width));
-        this.setWidths();
-        this.redraw();
-      }
-    }, 50), {once: true});
+    document.addEventListener(
+      'mouseup',
+      () =>
+        setTimeout(() => {
+          const width = this.scroller.saveColumnSizes()[column];
+          if (width === undefined) {
+            this.setWidth(column, this.measured[column]);
+            this.setWidths();
+            this.redraw();
+          } else if (width !== this.widths[column]) {
+            this.setWidth(column, Math.max(narrowest, width));
+            this.setWidths();
+            this.redraw();
+          }
+        }, 50),
+      {once: true},
+    );
   }
 
   doubleClick(event) {
@@ -616,7 +674,12 @@ export class Grid {
     const all = (this.rowCount + this.totals.length + this.headRows) * rowHeight;
     if (all <= scrollAreaLimit || event.shiftKey || event.ctrlKey || event.deltaY === 0) return;
     event.preventDefault();
-    const pixels = event.deltaMode === 1 ? event.deltaY * rowHeight : event.deltaMode === 2 ? event.deltaY * this.scroller.clientHeight : event.deltaY;
+    const pixels =
+      event.deltaMode === 1
+        ? event.deltaY * rowHeight
+        : event.deltaMode === 2
+          ? event.deltaY * this.scroller.clientHeight
+          : event.deltaY;
     this.scroller.scrollTop += pixels * (scrollAreaLimit / all);
   }
 
@@ -624,8 +687,12 @@ export class Grid {
 
   async copy() {
     if (this.rowCount === 0) return;
-    const block = this.block() ?? {top: Math.max(0, this.active.row), bottom: Math.max(0, this.active.row),
-      left: this.active.column, right: this.active.column};
+    const block = this.block() ?? {
+      top: Math.max(0, this.active.row),
+      bottom: Math.max(0, this.active.row),
+      left: this.active.column,
+      right: this.active.column,
+    };
     const rows = block.bottom - block.top + 1;
     const columns = block.right - block.left + 1;
     if (rows * columns > copyCellLimit) {
@@ -639,8 +706,12 @@ export class Grid {
         await this.rows.ensure(from, to);
         for (let index = from; index < to; index += 1) {
           const {cells} = this.rows.at(index);
-          lines.push(this.columns.slice(block.left, block.right + 1)
-            .map((column, at) => spreadsheetText(cells[block.left + at] ?? '', column.number)).join('\t'));
+          lines.push(
+            this.columns
+              .slice(block.left, block.right + 1)
+              .map((column, at) => spreadsheetText(cells[block.left + at] ?? '', column.number))
+              .join('\t'),
+          );
         }
       }
       await copyText(lines.join('\n'));

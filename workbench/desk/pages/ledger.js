@@ -1,5 +1,5 @@
-// A ledger's lines fold out to their cost items: one by one, as rows put between the rows of the view. (All at once is the
-// server's view with `details`.)
+// A ledger's lines fold out to their cost items: one by one, as rows put between the rows of the view. (All at once is
+// the server's view with `details`.)
 
 const foldedOutAtMost = 500;
 
@@ -9,7 +9,7 @@ export class Folds {
   constructor(rows, fetchDetails) {
     this.rows = rows;
     this.fetchDetails = fetchDetails;
-    this.open = [];  // {base, details, before}: the row folded out, what is below it, how many such rows come earlier
+    this.open = []; // {base, details, before}: the row folded out, what is below it, how many such rows come earlier
     this.extra = 0;
     this.onchange = () => {};
     rows.onchange = () => this.onchange();
@@ -26,7 +26,8 @@ export class Folds {
   find(index) {
     let low = 0;
     let high = this.open.length;
-    while (low < high) {  // the first that begins behind `index`
+    while (low < high) {
+      // the first that begins behind `index`
       const middle = (low + high) >> 1;
       if (this.open[middle].base + this.open[middle].before < index) low = middle + 1;
       else high = middle;
@@ -46,7 +47,10 @@ export class Folds {
     return this.rows.has(this.find(from).base, this.find(Math.max(from, to - 1)).base + 1);
   }
   ensure(from, to) {
-    return this.rows.ensure(this.find(from).base, Math.min(this.rows.rowCount, this.find(Math.max(from, to - 1)).base + 1));
+    return this.rows.ensure(
+      this.find(from).base,
+      Math.min(this.rows.rowCount, this.find(Math.max(from, to - 1)).base + 1),
+    );
   }
 
   // Whether the row can be folded out, and is: undefined, false, true.

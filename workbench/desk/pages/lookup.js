@@ -17,11 +17,24 @@ export function openLookup({dialog, item, caption, multiple, chosen, take}) {
   let asked = null;
 
   const listId = newId('lookup');
-  const search = h('input', {type: 'search', placeholder: t('searchHint'), 'aria-label': `${t('search')}: ${t('searchHint')}`,
-    autocomplete: 'off', spellcheck: 'false', role: 'combobox', 'aria-expanded': 'true', 'aria-controls': listId,
-    'aria-autocomplete': 'list'});
-  const list = h('div', {id: listId, class: 'lookup-list', role: 'listbox', 'aria-label': caption,
-    'aria-multiselectable': multiple ? 'true' : null});
+  const search = h('input', {
+    type: 'search',
+    placeholder: t('searchHint'),
+    'aria-label': `${t('search')}: ${t('searchHint')}`,
+    autocomplete: 'off',
+    spellcheck: 'false',
+    role: 'combobox',
+    'aria-expanded': 'true',
+    'aria-controls': listId,
+    'aria-autocomplete': 'list',
+  });
+  const list = h('div', {
+    id: listId,
+    class: 'lookup-list',
+    role: 'listbox',
+    'aria-label': caption,
+    'aria-multiselectable': multiple ? 'true' : null,
+  });
   const shownRows = h('span', {class: 'muted'});
   const previous = button(t('previous'), () => load(offset - pageSize), {disabled: true});
   const next = button(t('next'), () => load(offset + pageSize), {disabled: true});
@@ -31,22 +44,45 @@ export function openLookup({dialog, item, caption, multiple, chosen, take}) {
     take([...picked.keys()], picked);
   };
   const ok = multiple && button(t('ok'), finish, {class: 'primary'});
-  const shown = modal(t('lookupOf', {caption}), [
-    h('div', {class: 'lookup-search'}, search),
-    h('div', {class: 'lookup-head', 'aria-hidden': 'true'}, h('span', {}, t('code')), h('span', {}, t('name'))),
-    list,
-    h('div', {class: 'lookup-foot'}, previous, next, shownRows),
-    multiple && chosenRow,
-  ], {actions: [ok, button(t('cancel'), () => shown.close())], onclose: () => asked?.abort()});
+  const shown = modal(
+    t('lookupOf', {caption}),
+    [
+      h('div', {class: 'lookup-search'}, search),
+      h('div', {class: 'lookup-head', 'aria-hidden': 'true'}, h('span', {}, t('code')), h('span', {}, t('name'))),
+      list,
+      h('div', {class: 'lookup-foot'}, previous, next, shownRows),
+      multiple && chosenRow,
+    ],
+    {actions: [ok, button(t('cancel'), () => shown.close())], onclose: () => asked?.abort()},
+  );
 
   function drawChosen() {
     if (!multiple) return;
-    fill(chosenRow, [...picked].slice(0, 40).map(([code, name]) => h('span', {class: 'chip'}, name ? `${code} ${name}` : code,
-      h('button', {type: 'button', class: 'remove', 'aria-label': t('removeValue', {value: code}), onclick: () => {
-        picked.delete(code);
-        drawChosen();
-        drawRows();
-      }}, '✕'))), picked.size > 40 && h('span', {class: 'muted'}, t('chosenCount', {n: count(picked.size)})));
+    fill(
+      chosenRow,
+      [...picked].slice(0, 40).map(([code, name]) =>
+        h(
+          'span',
+          {class: 'chip'},
+          name ? `${code} ${name}` : code,
+          h(
+            'button',
+            {
+              type: 'button',
+              class: 'remove',
+              'aria-label': t('removeValue', {value: code}),
+              onclick: () => {
+                picked.delete(code);
+                drawChosen();
+                drawRows();
+              },
+            },
+            '✕',
+          ),
+        ),
+      ),
+      picked.size > 40 && h('span', {class: 'muted'}, t('chosenCount', {n: count(picked.size)})),
+    );
   }
 
   function pick(row) {
@@ -63,14 +99,32 @@ export function openLookup({dialog, item, caption, multiple, chosen, take}) {
   }
 
   function drawRows() {
-    fill(list, rows.map((row, index) => h('div', {id: `${listId}-${index}`, role: 'option', class: index === at ? 'option at' : 'option',
-      'aria-selected': picked.has(row.code) ? 'true' : 'false', onclick: () => {
-        at = index;
-        pick(row);
-        search.focus();
-      }},
-      h('span', {class: 'code'}, multiple && h('span', {class: 'tick', 'aria-hidden': 'true'}, picked.has(row.code) ? '✓' : ''), row.code),
-      h('span', {}, row.name))));
+    fill(
+      list,
+      rows.map((row, index) =>
+        h(
+          'div',
+          {
+            id: `${listId}-${index}`,
+            role: 'option',
+            class: index === at ? 'option at' : 'option',
+            'aria-selected': picked.has(row.code) ? 'true' : 'false',
+            onclick: () => {
+              at = index;
+              pick(row);
+              search.focus();
+            },
+          },
+          h(
+            'span',
+            {class: 'code'},
+            multiple && h('span', {class: 'tick', 'aria-hidden': 'true'}, picked.has(row.code) ? '✓' : ''),
+            row.code,
+          ),
+          h('span', {}, row.name),
+        ),
+      ),
+    );
     if (rows.length > 0) search.setAttribute('aria-activedescendant', `${listId}-${at}`);
     else search.removeAttribute('aria-activedescendant');
     list.children[at]?.scrollIntoView({block: 'nearest'});
@@ -85,8 +139,10 @@ export function openLookup({dialog, item, caption, multiple, chosen, take}) {
       total = answer.count;
       rows = answer.rows;
       at = last ? Math.max(0, rows.length - 1) : 0;
-      const words = total === 0 ? t('nothingFound')
-        : t('rowsShown', {from: count(offset + 1), to: count(offset + rows.length), count: count(total)});
+      const words =
+        total === 0
+          ? t('nothingFound')
+          : t('rowsShown', {from: count(offset + 1), to: count(offset + rows.length), count: count(total)});
       shownRows.textContent = words;
       say(words);
       previous.disabled = offset === 0;

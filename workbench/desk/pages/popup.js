@@ -1,4 +1,5 @@
-// Small windows over the page: one beside what opened it, which goes when the reader goes on, and one that has to be answered.
+// Small windows over the page: one beside what opened it, which goes when the reader goes on, and one that has to be
+// answered.
 import {h, newId, signButton} from './dom.js';
 import {t} from './texts.js';
 
@@ -26,16 +27,29 @@ export function popup(anchor, content, {name, onclose} = {}) {
   return {element: box, close: () => box.isConnected && box.hidePopover()};
 }
 
-// A window that holds the rest of the page back until it is closed. `onclose` is called however it was closed. One that is not
-// `ofAddress` goes when another address is shown.
+// A window that holds the rest of the page back until it is closed. `onclose` is called however it was closed. One that
+// is not `ofAddress` goes when another address is shown.
 export function modal(title, content, {wide = false, ofAddress = false, onclose, actions = []} = {}) {
   const id = newId('modal');
-  const element = h('dialog', {class: wide ? 'modal wide' : 'modal', 'aria-labelledby': id, 'data-of-address': ofAddress,
-    // In a search field, the browser would take the first Escape for itself.
-    onkeydown: (event) => event.key === 'Escape' && !document.querySelector(':popover-open') && (event.preventDefault(), element.close())},
-    h('div', {class: 'modal-head'}, h('h2', {id}, title), signButton('✕', t('close'), () => element.close())),
+  const element = h(
+    'dialog',
+    {
+      class: wide ? 'modal wide' : 'modal',
+      'aria-labelledby': id,
+      'data-of-address': ofAddress,
+      // In a search field, the browser would take the first Escape for itself.
+      onkeydown: (event) =>
+        event.key === 'Escape' && !document.querySelector(':popover-open') && (event.preventDefault(), element.close()),
+    },
+    h(
+      'div',
+      {class: 'modal-head'},
+      h('h2', {id}, title),
+      signButton('✕', t('close'), () => element.close()),
+    ),
     h('div', {class: 'modal-body'}, content),
-    actions.length > 0 && h('div', {class: 'modal-foot'}, actions));
+    actions.length > 0 && h('div', {class: 'modal-foot'}, actions),
+  );
   element.addEventListener('close', () => {
     element.remove();
     onclose?.();
@@ -57,19 +71,33 @@ export function closeWindows() {
 export function menu(anchor, name, entries, more = []) {
   const items = entries.map((entry) => {
     if (entry === null) return h('div', {class: 'line', role: 'separator'});
-    return h('button', {type: 'button', role: 'menuitem', disabled: entry.disabled, tabindex: '-1',
-      onclick: () => {
-        shown.close();
-        entry.act();
-      }}, entry.text);
+    return h(
+      'button',
+      {
+        type: 'button',
+        role: 'menuitem',
+        disabled: entry.disabled,
+        tabindex: '-1',
+        onclick: () => {
+          shown.close();
+          entry.act();
+        },
+      },
+      entry.text,
+    );
   });
   const list = h('div', {class: 'menu', role: 'menu', 'aria-label': name}, items);
   const usable = items.filter((item) => item.tagName === 'BUTTON' && !item.disabled);
   list.addEventListener('keydown', (event) => {
     const step = {ArrowDown: 1, ArrowUp: -1}[event.key];
     const at = usable.indexOf(document.activeElement);
-    const next = step ? usable[(at + step + usable.length) % usable.length]
-      : event.key === 'Home' ? usable[0] : event.key === 'End' ? usable.at(-1) : null;
+    const next = step
+      ? usable[(at + step + usable.length) % usable.length]
+      : event.key === 'Home'
+        ? usable[0]
+        : event.key === 'End'
+          ? usable.at(-1)
+          : null;
     if (!next) return;
     event.preventDefault();
     next.focus();

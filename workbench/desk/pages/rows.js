@@ -10,9 +10,9 @@ export class Rows {
     this.rowCount = Math.max(0, rowCount);
     this.complete = rowCount >= 0;
     this.pagesKept = Math.max(8, Math.min(100, Math.floor(cellsKept / (pageSize * Math.max(1, columnCount)))));
-    this.pages = new Map();    // in the order of their last use
-    this.waiting = new Map();  // those that are under way
-    this.onchange = () => {};  // called when the number of rows has changed
+    this.pages = new Map(); // in the order of their last use
+    this.waiting = new Map(); // those that are under way
+    this.onchange = () => {}; // called when the number of rows has changed
   }
 
   // Row `index`, or nothing when it is not there yet.
@@ -21,7 +21,8 @@ export class Rows {
   }
 
   has(from, to) {
-    for (let page = Math.floor(from / pageSize); page * pageSize < to; page += 1) if (!this.pages.has(page)) return false;
+    for (let page = Math.floor(from / pageSize); page * pageSize < to; page += 1)
+      if (!this.pages.has(page)) return false;
     return true;
   }
 
@@ -40,7 +41,10 @@ export class Rows {
       return;
     }
     if (!this.waiting.has(number)) {
-      this.waiting.set(number, this.load(number).finally(() => this.waiting.delete(number)));
+      this.waiting.set(
+        number,
+        this.load(number).finally(() => this.waiting.delete(number)),
+      );
     }
     await this.waiting.get(number);
   }

@@ -27,7 +27,9 @@ export class RunPage {
     return this.desk.report(this.reportName);
   }
   get title() {
-    return caption(this.report?.title) || this.desk.runs.find((run) => String(run.id) === this.id)?.title || t('report');
+    return (
+      caption(this.report?.title) || this.desk.runs.find((run) => String(run.id) === this.id)?.title || t('report')
+    );
   }
   address() {
     return this.query.size > 0 ? write(['run', this.id], this.query) : undefined;
@@ -93,17 +95,28 @@ export class RunPage {
 
   // The run was closed, or belongs to an earlier session: its filter is still in the address.
   drawGone() {
-    fill(this.element, h('div', {class: 'page-head'}, h('h1', {}, this.title)),
+    fill(
+      this.element,
+      h('div', {class: 'page-head'}, h('h1', {}, this.title)),
       h('p', {}, t('runGone')),
-      this.report && h('p', {}, h('a', {class: 'primary-link', href: this.filterAddress()}, t('changeFilter'))));
+      this.report && h('p', {}, h('a', {class: 'primary-link', href: this.filterAddress()}, t('changeFilter'))),
+    );
   }
 
   head(...actions) {
     const edit = this.report && h('a', {class: 'button', href: this.filterAddress()}, t('changeFilter'));
     const conditions = conditionsText(this.info.conditions);
-    return h('div', {class: 'page-head'},
-      h('div', {class: 'titles'}, h('h1', {}, this.title), h('span', {class: 'muted ellipsis', title: conditions}, conditions)),
-      h('div', {class: 'actions'}, edit, actions));
+    return h(
+      'div',
+      {class: 'page-head'},
+      h(
+        'div',
+        {class: 'titles'},
+        h('h1', {}, this.title),
+        h('span', {class: 'muted ellipsis', title: conditions}, conditions),
+      ),
+      h('div', {class: 'actions'}, edit, actions),
+    );
   }
 
   // --- while it runs
@@ -117,23 +130,35 @@ export class RunPage {
       elapsed.textContent = seconds(performance.now() - began);
     };
     const list = new StatementsUnderWay();
-    const stop = button(t('stop'), async () => {
-      stop.disabled = true;
-      stop.textContent = t('stopping');
-      try {
-        await api.stopRun(this.id);
-      } catch (error) {
-        notice(error.message, {error: true});
-        stop.disabled = false;
-        stop.textContent = t('stop');
-      }
-    }, {class: 'danger'});
+    const stop = button(
+      t('stop'),
+      async () => {
+        stop.disabled = true;
+        stop.textContent = t('stopping');
+        try {
+          await api.stopRun(this.id);
+        } catch (error) {
+          notice(error.message, {error: true});
+          stop.disabled = false;
+          stop.textContent = t('stop');
+        }
+      },
+      {class: 'danger'},
+    );
     tick();
     clearInterval(this.clock);
     this.clock = setInterval(tick, 100);
-    fill(this.element, this.head(), h('section', {class: 'card progress'},
-      h('div', {class: 'card-head'}, h('h2', {}, t('running')), elapsed, now, h('span', {class: 'space'}), stop),
-      h('div', {class: 'bar', role: 'progressbar', 'aria-label': t('running')}), list.element));
+    fill(
+      this.element,
+      this.head(),
+      h(
+        'section',
+        {class: 'card progress'},
+        h('div', {class: 'card-head'}, h('h2', {}, t('running')), elapsed, now, h('span', {class: 'space'}), stop),
+        h('div', {class: 'bar', role: 'progressbar', 'aria-label': t('running')}),
+        list.element,
+      ),
+    );
     stop.focus();
 
     this.events = api.runEvents(this.id);
@@ -183,11 +208,21 @@ export class RunPage {
 
   drawUnfinished() {
     const failed = this.info.state === 'failed';
-    fill(this.element, this.head(),
-      h('section', {class: failed ? 'card failed' : 'card'},
-        h('p', {class: 'message', role: 'alert'}, failed ? `${t('runFailed')} ${this.info.error ?? ''}` : t('runStopped')),
-        (this.info.messages ?? []).map((message) => h('p', {class: 'message'}, messageText(message)))),
-      this.info.statements.length > 0 && statementsPanel(this.info));
+    fill(
+      this.element,
+      this.head(),
+      h(
+        'section',
+        {class: failed ? 'card failed' : 'card'},
+        h(
+          'p',
+          {class: 'message', role: 'alert'},
+          failed ? `${t('runFailed')} ${this.info.error ?? ''}` : t('runStopped'),
+        ),
+        (this.info.messages ?? []).map((message) => h('p', {class: 'message'}, messageText(message))),
+      ),
+      this.info.statements.length > 0 && statementsPanel(this.info),
+    );
   }
 
   drawFrame() {
@@ -201,22 +236,33 @@ export class RunPage {
   }
 
   drawBar(isStatements) {
-    fill(this.headArea, this.head(),
-      (this.info.messages ?? []).map((message) => h('p', {class: 'message'}, messageText(message))));
+    fill(
+      this.headArea,
+      this.head(),
+      (this.info.messages ?? []).map((message) => h('p', {class: 'message'}, messageText(message))),
+    );
     this.bar.setAttribute('aria-label', t('layouts'));
     const wanted = this.wantedView();
     // A layout has its own columns; what the last one was arranged by does not follow into it.
     const filterOnly = putFilter(new URLSearchParams({report: this.reportName}), filterIn(this.query));
-    const link = (path, query, text, here) => h('a', {href: write(path, query), 'aria-current': here ? 'page' : null}, text);
-    fill(this.bar,
+    const link = (path, query, text, here) =>
+      h('a', {href: write(path, query), 'aria-current': here ? 'page' : null}, text);
+    fill(
+      this.bar,
       this.report.layouts.map((layout) => {
         const here = layout.name === wanted.layout;
         const query = here ? this.query : new URLSearchParams(filterOnly);
         if (!here) query.set('layout', layout.name);
         return link(['run', this.id], query, caption(layout.caption), here && !isStatements);
       }),
-      link(['run', this.id, 'statements'], this.query, `${t('statements')} (${count(this.info.statements.length)})`, isStatements),
-      h('span', {class: 'muted elapsed-all'}, `${t('elapsed')} ${seconds(this.info.elapsedMs)}`));
+      link(
+        ['run', this.id, 'statements'],
+        this.query,
+        `${t('statements')} (${count(this.info.statements.length)})`,
+        isStatements,
+      ),
+      h('span', {class: 'muted elapsed-all'}, `${t('elapsed')} ${seconds(this.info.elapsedMs)}`),
+    );
   }
 
   wantedView() {
@@ -230,7 +276,7 @@ export class RunPage {
     const wanted = this.wantedView();
     const {frozen, ...asked} = {...wanted, lang: language()};
     const key = JSON.stringify(asked);
-    const number = this.asked += 1;
+    const number = (this.asked += 1);
     const place = placeIn(this.query);
     if (key === this.viewKey && frozen === this.wanted.frozen && this.grid) {
       this.wanted = wanted;
@@ -240,7 +286,9 @@ export class RunPage {
       this.grid.moveTo(this.heading ? -1 : place.row, Math.max(0, this.grid.indexOf(place.column)));
       return;
     }
-    const hadFocus = this.grid?.element.contains(document.activeElement) || document.activeElement === document.getElementById('main') ||
+    const hadFocus =
+      this.grid?.element.contains(document.activeElement) ||
+      document.activeElement === document.getElementById('main') ||
       document.activeElement === document.body;
     this.gridArea.setAttribute('aria-busy', 'true');
     this.gridArea.classList.add('busy');
@@ -255,9 +303,27 @@ export class RunPage {
       this.drop();
       this.viewKey = undefined;
       fill(this.tools);
-      fill(this.gridArea, h('div', {class: 'card'}, h('p', {class: 'message', role: 'alert'}, t('viewRefused', {message: error.message})),
-        button(t('showLayout'), () => this.go((next) => Object.assign(next, {columns: [], sort: [], groupBy: [], where: [],
-          allColumns: false, details: false, frozen: null})))));
+      fill(
+        this.gridArea,
+        h(
+          'div',
+          {class: 'card'},
+          h('p', {class: 'message', role: 'alert'}, t('viewRefused', {message: error.message})),
+          button(t('showLayout'), () =>
+            this.go((next) =>
+              Object.assign(next, {
+                columns: [],
+                sort: [],
+                groupBy: [],
+                where: [],
+                allColumns: false,
+                details: false,
+                frozen: null,
+              }),
+            ),
+          ),
+        ),
+      );
       return;
     }
     if (number !== this.asked) {
@@ -288,15 +354,29 @@ export class RunPage {
   }
 
   async drawGrid(view, wanted, place) {
-    const pages = new Rows((offset, limit) => api.rows(this.id, view.id, offset, limit), view.rowCount, view.columns.length);
+    const pages = new Rows(
+      (offset, limit) => api.rows(this.id, view.id, offset, limit),
+      view.rowCount,
+      view.columns.length,
+    );
     const rows = new Folds(pages, (n) => api.details(this.id, view.id, n));
     await pages.begin();
-    const sorted = new Map(wanted.sort.map((key, index) => [key.column, {...key, place: index + 1, of: wanted.sort.length}]));
+    const sorted = new Map(
+      wanted.sort.map((key, index) => [key.column, {...key, place: index + 1, of: wanted.sort.length}]),
+    );
     const filtered = new Set(wanted.where.map((one) => one.column));
     this.widths = new Map(Object.entries(JSON.parse(localStorage.getItem(this.widthsKey()) ?? '{}')));
     const layout = this.report.layouts.find((one) => one.name === view.layout);
-    const grid = this.grid = new Grid({name: t('gridName', {title: this.title, layout: caption(layout?.caption)}), view, rows,
-      widths: this.widths, frozen: wanted.frozen, sorted, filtered, tell: this.teller()});
+    const grid = (this.grid = new Grid({
+      name: t('gridName', {title: this.title, layout: caption(layout?.caption)}),
+      view,
+      rows,
+      widths: this.widths,
+      frozen: wanted.frozen,
+      sorted,
+      filtered,
+      tell: this.teller(),
+    }));
     rows.onchange = () => {
       grid.redraw();
       this.drawCount();
@@ -332,7 +412,8 @@ export class RunPage {
       open: (n) => this.openDocument(n),
       place: (row, column) => this.keepPlace(row, column),
       selection: (rows, columns) => {
-        this.selection.textContent = rows * columns > 1 ? t('selected', {rows: count(rows), columns: count(columns)}) : '';
+        this.selection.textContent =
+          rows * columns > 1 ? t('selected', {rows: count(rows), columns: count(columns)}) : '';
       },
       goTo: () => this.goToInput.focus(),
       lost: (error) => this.lost(error),
@@ -340,26 +421,37 @@ export class RunPage {
         this.widths.set(name, pixels);
         localStorage.setItem(this.widthsKey(), JSON.stringify(Object.fromEntries(this.widths)));
       },
-      move: (from, to) => this.arrange((next) => {
-        next.columns = moved(names(), from, to);
-      }, names()[from]),
+      move: (from, to) =>
+        this.arrange((next) => {
+          next.columns = moved(names(), from, to);
+        }, names()[from]),
       // Ascending, then descending, then not at all; with `add` behind the columns that it is ordered by already.
-      sort: (index, add) => this.arrange((next) => {
-        const column = nameAt(index);
-        const mine = next.sort.find((key) => key.column === column);
-        const rest = add ? next.sort.filter((key) => key.column !== column) : [];
-        if (!mine) next.sort = [...rest, {column, descending: false}];
-        else if (mine.descending) next.sort = rest;
-        else next.sort = add ? next.sort.map((key) => (key === mine ? {column, descending: true} : key)) : [{column, descending: true}];
-      }, nameAt(index)),
-      menu: (anchor, index) => openColumnMenu(anchor, {column: this.grid.columns[index], names: names(), view: this.wanted,
-        frozen: this.grid.frozen, widen: (by) => this.grid.widen(index, by),
-        arrange: (change) => this.arrange(change, nameAt(index))}),
+      sort: (index, add) =>
+        this.arrange((next) => {
+          const column = nameAt(index);
+          const mine = next.sort.find((key) => key.column === column);
+          const rest = add ? next.sort.filter((key) => key.column !== column) : [];
+          if (!mine) next.sort = [...rest, {column, descending: false}];
+          else if (mine.descending) next.sort = rest;
+          else
+            next.sort = add
+              ? next.sort.map((key) => (key === mine ? {column, descending: true} : key))
+              : [{column, descending: true}];
+        }, nameAt(index)),
+      menu: (anchor, index) =>
+        openColumnMenu(anchor, {
+          column: this.grid.columns[index],
+          names: names(),
+          view: this.wanted,
+          frozen: this.grid.frozen,
+          widen: (by) => this.grid.widen(index, by),
+          arrange: (change) => this.arrange(change, nameAt(index)),
+        }),
     };
   }
 
-  // Shows the rows otherwise: `change` gets a copy of what is shown now. Each is a step that Back takes back. Where it comes
-  // from a column's heading, the keyboard stays there.
+  // Shows the rows otherwise: `change` gets a copy of what is shown now. Each is a step that Back takes back. Where it
+  // comes from a column's heading, the keyboard stays there.
   arrange(change, column) {
     this.heading = column !== undefined;
     this.go(change, column);
@@ -388,45 +480,108 @@ export class RunPage {
 
   drawTools() {
     const {wanted, view} = this;
-    const nameOf = new Map([...view.columns, ...(view.hidden ?? [])].map((column) =>
-      [column.name, column.group ? `${column.group} · ${column.caption}` : column.caption]));
+    const nameOf = new Map(
+      [...view.columns, ...(view.hidden ?? [])].map((column) => [
+        column.name,
+        column.group ? `${column.group} · ${column.caption}` : column.caption,
+      ]),
+    );
     const words = (name) => nameOf.get(name) ?? name;
-    const chip = (text, change) => h('span', {class: 'chip'}, h('span', {class: 'ellipsis'}, text),
-      h('button', {type: 'button', class: 'remove', 'aria-label': t('remove', {what: text}), onclick: () => this.go(change)}, '✕'));
+    const chip = (text, change) =>
+      h(
+        'span',
+        {class: 'chip'},
+        h('span', {class: 'ellipsis'}, text),
+        h(
+          'button',
+          {type: 'button', class: 'remove', 'aria-label': t('remove', {what: text}), onclick: () => this.go(change)},
+          '✕',
+        ),
+      );
     const chips = [
-      ...wanted.where.map((one) => chip(`${words(one.column)} ${conditionText(one)}`, (next) => {
-        next.where = next.where.filter((other) => other.column !== one.column);
-      })),
-      ...wanted.sort.map((key) => chip(`${t('sortedBy')}: ${words(key.column)} ${t(key.descending ? 'descending' : 'ascending')}`, (next) => {
-        next.sort = next.sort.filter((other) => other.column !== key.column);
-      })),
-      ...wanted.groupBy.map((name) => chip(`${t('groupedBy')}: ${words(name)}`, (next) => {
-        next.groupBy = next.groupBy.filter((other) => other !== name);
-      })),
+      ...wanted.where.map((one) =>
+        chip(`${words(one.column)} ${conditionText(one)}`, (next) => {
+          next.where = next.where.filter((other) => other.column !== one.column);
+        }),
+      ),
+      ...wanted.sort.map((key) =>
+        chip(`${t('sortedBy')}: ${words(key.column)} ${t(key.descending ? 'descending' : 'ascending')}`, (next) => {
+          next.sort = next.sort.filter((other) => other.column !== key.column);
+        }),
+      ),
+      ...wanted.groupBy.map((name) =>
+        chip(`${t('groupedBy')}: ${words(name)}`, (next) => {
+          next.groupBy = next.groupBy.filter((other) => other !== name);
+        }),
+      ),
     ];
     if (chips.length > 1) {
-      chips.push(button(t('clearAll'), () => this.go((next) => Object.assign(next, {where: [], sort: [], groupBy: []})), {class: 'quiet'}));
+      chips.push(
+        button(t('clearAll'), () => this.go((next) => Object.assign(next, {where: [], sort: [], groupBy: []})), {
+          class: 'quiet',
+        }),
+      );
     }
     this.counts = h('span', {class: 'counts', role: 'status'});
     this.selection = h('span', {class: 'muted'});
-    this.goToInput = h('input', {type: 'text', inputmode: 'numeric', class: 'go-to', 'aria-label': t('goToRow'), placeholder: t('goToRow'),
-      autocomplete: 'off', onkeydown: (event) => {
+    this.goToInput = h('input', {
+      type: 'text',
+      inputmode: 'numeric',
+      class: 'go-to',
+      'aria-label': t('goToRow'),
+      placeholder: t('goToRow'),
+      autocomplete: 'off',
+      onkeydown: (event) => {
         if (event.key === 'Enter') {
           event.preventDefault();
           this.goToRow();
         } else if (event.key === 'Escape') this.grid.focus();
-      }});
-    const columns = button(t('columnsMenu'), () => openColumns({shown: view.columns, hidden: view.hidden ?? [],
-      leftOut: view.columnsLeftOut, view: this.wanted,
-      arrange: (change) => this.arrange(change)}), {'aria-haspopup': 'dialog',
-      title: view.columnsLeftOut > 0 ? t('leftOut', {n: view.columnsLeftOut}) : null});
+      },
+    });
+    const columns = button(
+      t('columnsMenu'),
+      () =>
+        openColumns({
+          shown: view.columns,
+          hidden: view.hidden ?? [],
+          leftOut: view.columnsLeftOut,
+          view: this.wanted,
+          arrange: (change) => this.arrange(change),
+        }),
+      {'aria-haspopup': 'dialog', title: view.columnsLeftOut > 0 ? t('leftOut', {n: view.columnsLeftOut}) : null},
+    );
     const out = button(`${t('export')} ▾`, () => openExport(out, this.id, view.id), {'aria-haspopup': 'dialog'});
-    const details = this.report.layouts.some((layout) => layout.name === 'ledger') && view.layout === 'ledger' &&
-      h('label', {class: 'check'}, h('input', {type: 'checkbox', checked: wanted.details, onchange: (event) => this.go((next) => {
-        next.details = event.target.checked;
-      })}), h('span', {}, t('foldOut')));
-    fill(this.tools, h('div', {class: 'tools-row'}, this.counts, this.selection, h('span', {class: 'space'}), details,
-      this.goToInput, columns, out), chips.length > 0 && h('div', {class: 'chips'}, chips));
+    const details =
+      this.report.layouts.some((layout) => layout.name === 'ledger') &&
+      view.layout === 'ledger' &&
+      h(
+        'label',
+        {class: 'check'},
+        h('input', {
+          type: 'checkbox',
+          checked: wanted.details,
+          onchange: (event) =>
+            this.go((next) => {
+              next.details = event.target.checked;
+            }),
+        }),
+        h('span', {}, t('foldOut')),
+      );
+    fill(
+      this.tools,
+      h(
+        'div',
+        {class: 'tools-row'},
+        this.counts,
+        this.selection,
+        h('span', {class: 'space'}),
+        details,
+        this.goToInput,
+        columns,
+        out,
+      ),
+      chips.length > 0 && h('div', {class: 'chips'}, chips),
+    );
     this.drawCount();
   }
 
@@ -434,7 +589,8 @@ export class RunPage {
     const {rows} = this.grid;
     const lines = this.view.lineCount;
     const all = rows.complete ? t('rowCount', {n: count(rows.rowCount)}) : t('counting');
-    const text = rows.complete && lines !== rows.rowCount && lines >= 0 ? `${all}（${t('lineCount', {n: count(lines)})}）` : all;
+    const text =
+      rows.complete && lines !== rows.rowCount && lines >= 0 ? `${all}（${t('lineCount', {n: count(lines)})}）` : all;
     this.counts.textContent = language() === 'zh' ? text : text.replace('（', ' (').replace('）', ')');
     this.goToInput.title = rows.rowCount > 0 ? `1–${count(rows.rowCount)}` : '';
   }
@@ -474,10 +630,10 @@ export class RunPage {
     try {
       const answer = await api.documents(this.id, this.view.id, Number(wanted));
       if (!this.shown || this.documentShown !== wanted) return;
-      const shown = this.document = showDocuments(answer, () => {
-        if (this.document !== shown) return;  // Back has closed it
+      const shown = (this.document = showDocuments(answer, () => {
+        if (this.document !== shown) return; // Back has closed it
         this.leaveDocument();
-      });
+      }));
     } catch (error) {
       notice(error.message, {error: true});
       this.leaveDocument();
@@ -505,7 +661,7 @@ export class RunPage {
 }
 
 function messageText(message) {
-  return typeof message === 'string' ? message : message.text ?? '';
+  return typeof message === 'string' ? message : (message.text ?? '');
 }
 
 function conditionText({kind, values}) {

@@ -19,8 +19,10 @@ const catalogue = {
   copy: ['复制', 'Copy'],
   copied: ['已复制', 'Copied'],
   noSuchPage: ['没有这个页面。', 'There is no such page.'],
-  notSignedIn: ['此页面的会话已结束。请重新打开 quillon serve 给出的链接。',
-    'The session of this page has ended. Open the link that quillon serve prints again.'],
+  notSignedIn: [
+    '此页面的会话已结束。请重新打开 quillon serve 给出的链接。',
+    'The session of this page has ended. Open the link that quillon serve prints again.',
+  ],
   noAnswer: ['quillon serve 没有应答。它还在运行吗？', 'quillon serve does not answer. Is it still running?'],
   badAnswer: ['应答无法读取（{status}）。', 'The answer cannot be read ({status}).'],
   version: ['版本 {version}', 'Version {version}'],
@@ -210,7 +212,10 @@ const catalogue = {
   exportXlsx: ['Excel 工作簿（XLSX）', 'Excel workbook (XLSX)'],
   exportHtml: ['打印页（HTML）', 'Print view (HTML)'],
   exportCaptions: ['CSV 用列名作标题', 'CSV with captions as heading'],
-  exportNote: ['导出的内容与屏幕一致：列、排序、筛选、分组。', 'Exactly what is shown: columns, order, filters, groups.'],
+  exportNote: [
+    '导出的内容与屏幕一致：列、排序、筛选、分组。',
+    'Exactly what is shown: columns, order, filters, groups.',
+  ],
 
   // document
   document: ['单据', 'Document'],
@@ -225,7 +230,10 @@ const catalogue = {
   keyHome: ['Home / End', 'Home / End'],
   keyHomeDo: ['行首、行尾；加 Ctrl 到第一行、最后一行', 'First or last column; with Ctrl first or last row'],
   keyEnter: ['Enter', 'Enter'],
-  keyEnterDo: ['打开单据；在列标题上排序（Shift 追加排序）', 'Open the document; on a heading sort (Shift adds a column)'],
+  keyEnterDo: [
+    '打开单据；在列标题上排序（Shift 追加排序）',
+    'Open the document; on a heading sort (Shift adds a column)',
+  ],
   keySpace: ['空格', 'Space'],
   keySpaceDo: ['展开或收起此行的成本项目', 'Show or hide the cost items of a line'],
   keyMenu: ['Alt+↓', 'Alt+↓'],
@@ -276,10 +284,13 @@ export function seconds(milliseconds) {
   return t('seconds', {s: (milliseconds / 1000).toFixed(1)});
 }
 export function monthName(month) {
-  return new Intl.DateTimeFormat('en-GB', {month: 'long', timeZone: 'UTC'}).format(new Date(Date.UTC(2000, month - 1, 1)));
+  return new Intl.DateTimeFormat('en-GB', {month: 'long', timeZone: 'UTC'}).format(
+    new Date(Date.UTC(2000, month - 1, 1)),
+  );
 }
 export function moment(text) {
   const date = new Date(text);
-  return Number.isNaN(date.getTime()) ? String(text ?? '')
+  return Number.isNaN(date.getTime())
+    ? String(text ?? '')
     : date.toLocaleString(index === 0 ? 'zh-CN' : 'en-GB', {dateStyle: 'short', timeStyle: 'medium'});
 }
