@@ -615,7 +615,7 @@ export async function startMock(port = 0) {
           code: '001',
           name: 'sample.account',
           startDate: '2023-01-01',
-          valuation: 'inventory',
+          valuation: '按存货核算',
           currentYear: 2024,
           years: [
             {year: 2023, firstMonth: 1, settledMonths: 12, lines: 512044},

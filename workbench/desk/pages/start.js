@@ -3,7 +3,14 @@ import {go, putFilter, write} from './address.js';
 import {api} from './api.js';
 import {deleteButton} from './filters.js';
 import {button, fill, h, notice} from './dom.js';
-import {caption, count, hasText, moment, t} from './texts.js';
+import {caption, count, moment, t} from './texts.js';
+
+// As an account names them, whatever the language.
+const valuations = {
+  按存货核算: 'valuationInventory',
+  按仓库核算: 'valuationWarehouse',
+  按部门核算: 'valuationDepartment',
+};
 
 export class StartPage {
   constructor(desk) {
@@ -26,9 +33,7 @@ export class StartPage {
 
   draw() {
     const {account} = this;
-    const valuation = hasText(`valuation_${account.valuation}`)
-      ? t(`valuation_${account.valuation}`)
-      : account.valuation;
+    const valuation = valuations[account.valuation] ? t(valuations[account.valuation]) : account.valuation;
     const fact = (name, text) => [h('dt', {}, name), h('dd', {}, text)];
     fill(
       this.element,
@@ -222,7 +227,12 @@ export class StartPage {
   async openFilter({name, report}) {
     try {
       const filter = await api.filter(name);
-      go(['report', filter.report ?? report], putFilter(new URLSearchParams(), filter.values));
+      const of = filter.report ?? report;
+      if (!this.desk.report(of)) {
+        notice(t('filterOfNoReport', {name}), {error: true});
+        return;
+      }
+      go(['report', of], putFilter(new URLSearchParams(), filter.values));
     } catch (error) {
       notice(error.message, {error: true});
     }

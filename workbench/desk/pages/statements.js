@@ -14,7 +14,7 @@ async function copy(text) {
 // All statements of a run that has ended. As a script they are apart by GO, as tools for the database read them.
 export function statementsPanel(info) {
   const all = info.statements.map(({sql}) => sql).join('\nGO\n');
-  const spent = info.statements.reduce((sum, {ms}) => sum + ms, 0);
+  const spent = info.statements.reduce((sum, {ms}) => sum + (ms ?? 0), 0);
   return h(
     'section',
     {class: 'card statements', 'aria-labelledby': 'statements-title'},
@@ -49,7 +49,7 @@ export function statementsPanel(info) {
             'tr',
             {},
             h('th', {scope: 'row', class: 'number'}, String(n)),
-            h('td', {class: 'number'}, count(ms)),
+            h('td', {class: 'number'}, ms === null ? '' : count(ms)),
             h('td', {class: 'number'}, rows === null || rows === undefined || rows < 0 ? '' : count(rows)),
             h('td', {class: 'sql-cell'}, sqlText(sql)),
             h(
