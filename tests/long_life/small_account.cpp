@@ -5,9 +5,9 @@
 
 #include "workbench/account/account.h"
 #include "workbench/cli/drill_command.h"
-#include "workbench/cli/report_run.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/presentation/report_output.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::long_life {
 

@@ -17,12 +17,12 @@
 #include "workbench/cli/filters_command.h"
 #include "workbench/cli/list_command.h"
 #include "workbench/cli/report_command.h"
-#include "workbench/cli/run_monitor.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/stop_signals.h"
 #include "workbench/cli/trace_command.h"
 #include "workbench/odbc/connection_string.h"
 #include "workbench/platform/nearest_name.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/tsql/values/stop.h"
 #include "workbench/tsql/values/utf8_path.h"
 

@@ -7,18 +7,18 @@
 #include <set>
 
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/cli/account_login.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/item_help.h"
 #include "workbench/cli/named_choice.h"
-#include "workbench/cli/report_run.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
+#include "workbench/runs/account_login.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {
 

@@ -3,8 +3,8 @@
 
 #include <ostream>
 
-#include "workbench/cli/dialog_steps.h"
 #include "workbench/platform/language.h"
+#include "workbench/runs/dialog_steps.h"
 
 namespace quillon::workbench {
 

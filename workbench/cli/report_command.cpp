@@ -18,8 +18,6 @@
 #include "workbench/cli/pager.h"
 #include "workbench/cli/progress_line.h"
 #include "workbench/cli/report_comparison.h"
-#include "workbench/cli/report_layouts.h"
-#include "workbench/cli/report_run.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/terminal.h"
 #include "workbench/platform/user_error.h"
@@ -30,6 +28,8 @@
 #include "workbench/presentation/report_table.h"
 #include "workbench/presentation/view_files.h"
 #include "workbench/presentation/xlsx_workbook.h"
+#include "workbench/runs/report_layouts.h"
+#include "workbench/runs/report_run.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {

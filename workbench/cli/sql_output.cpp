@@ -3,9 +3,9 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/cli/run_monitor.h"
 #include "workbench/presentation/csv_record.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/runs/run_monitor.h"
 
 namespace quillon::workbench {
 

@@ -20,11 +20,11 @@
 #include "workbench/account/account.h"
 #include "workbench/account/schema.h"
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/cli/report_run.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/lookup.h"
 #include "workbench/platform/resource_texts.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {
 namespace {

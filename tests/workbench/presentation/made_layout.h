@@ -12,11 +12,11 @@
 
 #include "frame/text.h"
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/cli/report_run.h"
 #include "workbench/presentation/layout_request.h"
 #include "workbench/presentation/ledger_sheet.h"
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/view.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::workbench::test {
 

@@ -1,4 +1,4 @@
-#include "workbench/cli/report_run.h"
+#include "workbench/runs/report_run.h"
 
 #include <array>
 #include <chrono>
@@ -7,7 +7,6 @@
 #include "workbench/account/leftover_tables.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
-#include "workbench/cli/run_monitor.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/missing_value.h"
@@ -15,6 +14,7 @@
 #include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/tsql/values/stop.h"
 
 namespace quillon::workbench {

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "workbench/cli/report_run.h"
 #include "workbench/presentation/arrangement.h"
 #include "workbench/presentation/laid_out_report.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {
 

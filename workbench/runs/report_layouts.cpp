@@ -1,4 +1,4 @@
-#include "workbench/cli/report_layouts.h"
+#include "workbench/runs/report_layouts.h"
 
 #include <algorithm>
 #include <utility>

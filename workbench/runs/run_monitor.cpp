@@ -1,4 +1,4 @@
-#include "workbench/cli/run_monitor.h"
+#include "workbench/runs/run_monitor.h"
 
 #include <array>
 #include <cstdio>

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "workbench/catalogue/report.h"
-#include "workbench/cli/account_login.h"
 #include "workbench/cli/filters_command.h"
 #include "workbench/cli/progress_line.h"
 #include "workbench/platform/language.h"
 #include "workbench/presentation/result_table.h"
+#include "workbench/runs/account_login.h"
 
 namespace quillon::workbench {
 

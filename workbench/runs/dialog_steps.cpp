@@ -1,11 +1,11 @@
-#include "workbench/cli/dialog_steps.h"
+#include "workbench/runs/dialog_steps.h"
 
 #include <array>
 #include <utility>
 
-#include "workbench/cli/run_monitor.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/runs/run_monitor.h"
 
 namespace quillon::workbench {
 
