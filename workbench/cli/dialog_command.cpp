@@ -12,6 +12,7 @@
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/item_help.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
@@ -44,6 +45,7 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
   resolveNames(*filter, *account.session, options.language, true);
   std::set<const FilterEntry*> given = givenTo(*filter);
 
+  RunNotes observer(notes);
   std::vector<std::string> messages;
   EmbeddedPlatform platform({.account = account.source,
                              .language = options.language,
@@ -63,14 +65,14 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
     }
   }
   if (play.accepted() == false && !play.messages().empty())
-    noteValuesToGive(*filter, play.messages().back(), account, options.language, notes);
+    noteValuesToGive(*filter, play.messages().back(), account, options.language, observer);
   out.flush();
   for (const std::string& line : unknownCodes(*filter, *account.session))
-    notes << "quillon: " << oneLine(line) << '\n';
+    observer.noted(oneLine(line));
   if (!options.saving.name.empty()) {
     if (!play.accepted().value_or(false))
       throw UserError("the filter is not saved: the last step does not confirm it (--step click)");
-    saveFilter(options.saving, *filter, given, options.language, notes);
+    saveFilter(options.saving, *filter, given, options.language, observer);
   }
   if (!out) throw UserError("the dialog could not be written to standard output");
 }

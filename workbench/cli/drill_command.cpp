@@ -10,15 +10,15 @@
 
 #include "frame/text.h"
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/catalogue/library_runner.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/filters_command.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/text_table.h"
-#include "workbench/presentation/value_output.h"
+#include "workbench/runs/row_document.h"
 
 namespace quillon::workbench {
 
@@ -30,14 +30,6 @@ constexpr Caption nothingOpened{"没有打开单据：期初结存和月末结�
                                 "Nothing was opened: opening balances and month-end balances have no document"};
 constexpr Caption openedCaption{"打开方式", "Opened by"};
 
-constexpr std::string_view sourceDocumentAction = "Vouch";
-
-// What came of the action.
-struct Outcome {
-  std::vector<std::string> messages;
-  std::vector<OpenedVoucher> opened;
-};
-
 RowValues readRow(const std::vector<std::string>& settings) {
   RowValues row;
   for (const std::string& setting : settings) {
@@ -47,43 +39,6 @@ RowValues readRow(const std::vector<std::string>& settings) {
     row.emplace_back(trimBlanks(std::string_view(setting).substr(0, equals)), setting.substr(equals + 1));
   }
   return row;
-}
-
-const std::string* valueOf(const RowValues& row, std::string_view column) {
-  const auto found =
-      std::ranges::find_if(row, [column](const auto& entry) { return equalIgnoringCase(entry.first, column); });
-  return found == row.end() ? nullptr : &found->second;
-}
-
-std::string described(const RowValues& row) {
-  std::string text;
-  for (const auto& [column, value] : row)
-    text.append(text.empty() ? "" : ", ").append(column).append("=").append(value);
-  return text;
-}
-
-void requireColumns(const RowValues& wanted, std::span<const tsql::Column> columns) {
-  for (const auto& entry : wanted) {
-    const auto has = [&entry](const tsql::Column& column) { return equalIgnoringCase(column.name, entry.first); };
-    if (std::ranges::any_of(columns, has)) continue;
-    throw UserError("the rows of the report have no column \"" + entry.first +
-                    "\"; quillon report ... --format csv shows their columns");
-  }
-}
-
-// The first row of the report, in its order, that has all the values wanted.
-RowValues findRow(const MadeReport& report, const RowValues& wanted) {
-  const ResultTable table = report.table();
-  const auto rows = report.account().session->openRecordset(table.selectRows());
-  requireColumns(wanted, rows->columns());
-  for (; !rows->eof(); rows->moveNext()) {
-    RowValues row;
-    for (std::size_t i = 0; i < rows->columns().size(); ++i)
-      row.emplace_back(rows->columns()[i].name, rows->text(static_cast<int>(i)).value_or(""));
-    const auto has = [&row](const auto& entry) { return *valueOf(row, entry.first) == entry.second; };
-    if (std::ranges::all_of(wanted, has)) return row;
-  }
-  throw UserError("no row of the report has " + described(wanted));
 }
 
 void requireDocuments(const Report& report) {
@@ -104,7 +59,7 @@ void requireDocumentColumns(const Report& report, const RowValues& row, const st
     // Either name of the ledger line's number will do, as for the drill-through.
     const bool number = equalIgnoringCase(column, "ID") || equalIgnoringCase(column, "AutoID");
     const bool has =
-        number ? valueOf(row, "ID") != nullptr || valueOf(row, "AutoID") != nullptr : valueOf(row, column) != nullptr;
+        number ? valueIn(row, "ID") != nullptr || valueIn(row, "AutoID") != nullptr : valueIn(row, column) != nullptr;
     if (!has) missing.append(" --row ").append(column).append("=...");
   }
   if (!missing.empty()) throw UserError("the row lacks what opens its document: add" + missing);
@@ -115,38 +70,16 @@ std::pair<RowValues, SignedInAccount> chooseRow(const DrillOptions& options, std
   const RowValues wanted = readRow(options.row);
   const ReportRequest& request = options.report;
   if (!request.filterFile.empty() || !request.settings.empty()) {
-    const auto report = makeReport(request, {.notes = notes});
+    RunNotes observer(notes);
+    const auto report = makeReport(request, observer);
     return {findRow(*report, wanted), report->account()};
   }
-  if (valueOf(wanted, "RowNo") != nullptr) {
+  if (valueIn(wanted, "RowNo") != nullptr) {
     throw UserError(
         "RowNo counts the rows of a report that is run with a filter: give its filter too (--set, --filter)");
   }
   requireDocumentColumns(reportNamed(request.report), wanted, options.action);
   return {wanted, logIn(request.account, request.language, request.date)};
-}
-
-Outcome act(const DrillOptions& options, const RowValues& row, const SignedInAccount& account) {
-  Outcome outcome;
-  EmbeddedPlatform platform(
-      {.account = account.source,
-       .language = options.report.language,
-       .messages = [&outcome](std::string_view text, int) { outcome.messages.emplace_back(text); },
-       .vouchers = [&outcome](const OpenedVoucher& voucher) { outcome.opened.push_back(voucher); }});
-  const auto runner = makeReportRunner(platform);
-  runner->execute(reportNamed(options.report.report),
-                  std::make_shared<WorkbenchArgument>(account.login, row, options.action));
-  return outcome;
-}
-
-// A value as a reader has it: quantities with the decimals that they have, but two at least.
-std::string shownValue(const VoucherField& field, const std::string& value) {
-  constexpr int moneyDecimals = 2;
-  if (value.empty() || field.kind == VoucherField::Kind::text) return value;
-  if (field.kind == VoucherField::Kind::money) return groupedNumber(value, moneyDecimals);
-  const auto point = value.find('.');
-  const std::size_t decimals = point == std::string::npos ? 0 : value.size() - point - 1;
-  return groupedNumber(value, std::max(static_cast<int>(decimals), moneyDecimals));
 }
 
 void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, Language language) {
@@ -171,7 +104,7 @@ void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, Language lang
   table.finish();
 }
 
-void writeTable(std::ostream& out, const Outcome& outcome, Language language) {
+void writeTable(std::ostream& out, const OpenedDocuments& outcome, Language language) {
   for (const std::string& message : outcome.messages)
     out << oneLine(message) << '\n';
   for (const OpenedVoucher& voucher : outcome.opened)
@@ -196,7 +129,7 @@ Json jsonOf(const OpenedVoucher& voucher, Language language) {
           {"lines", std::move(lines)}};
 }
 
-void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& row, const Outcome& outcome) {
+void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& row, const OpenedDocuments& outcome) {
   Json columns = Json::object();
   for (const auto& [column, value] : row) {
     if (!value.empty()) columns[column] = value;
@@ -217,7 +150,8 @@ void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& 
 void runDrill(const DrillOptions& options, std::ostream& out, std::ostream& notes) {
   requireDocuments(reportNamed(options.report.report));
   const auto [row, account] = chooseRow(options, notes);
-  const Outcome outcome = act(options, row, account);
+  const OpenedDocuments outcome =
+      openDocuments(reportNamed(options.report.report), account, options.report.language, row, options.action);
   if (options.format == DrillFormat::json) {
     writeJson(out, options, row, outcome);
   } else {

@@ -18,6 +18,7 @@
 #include "workbench/cli/pager.h"
 #include "workbench/cli/progress_line.h"
 #include "workbench/cli/report_comparison.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/terminal.h"
 #include "workbench/platform/user_error.h"
@@ -153,6 +154,7 @@ std::unique_ptr<ProgressLine> progressOn(std::ostream& notes, const ReportOption
 
 std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOptions& options, std::ostream& notes,
                                      ProgressLine* progress) {
+  RunNotes observer(notes, progress, options.explain ? &notes : nullptr);
   return makeReport({.report = options.report,
                      .account = source,
                      .filterFile = options.filterFile,
@@ -161,7 +163,7 @@ std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOp
                      .dialog = options.dialog,
                      .language = options.language,
                      .date = options.date},
-                    {.notes = notes, .progress = progress, .explanation = options.explain ? &notes : nullptr});
+                    observer);
 }
 
 }  // namespace

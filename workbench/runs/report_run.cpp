@@ -1,6 +1,5 @@
 #include "workbench/runs/report_run.h"
 
-#include <array>
 #include <chrono>
 
 #include "workbench/account/kept_table.h"
@@ -19,13 +18,11 @@
 
 namespace quillon::workbench {
 
-namespace {}  // namespace
-
 void noteValuesToGive(const FilterObject& filter, std::string_view message, const SignedInAccount& account,
-                      Language language, std::ostream& notes) {
+                      Language language, RunObserver& observer) {
   try {
     const auto line = valuesToGive(filter, message, *account.session, language);
-    if (line) notes << "quillon: " << oneLine(*line) << '\n';
+    if (line) observer.noted(oneLine(*line));
   } catch (const AutomationError&) {
     // An account of another make may keep its ledger elsewhere: what is missing was said.
   }
@@ -40,10 +37,10 @@ std::set<const FilterEntry*> givenTo(const FilterObject& filter) {
 }
 
 void saveFilter(const FilterToSave& saving, const FilterObject& filter, const std::set<const FilterEntry*>& entries,
-                Language language, std::ostream& notes) {
+                Language language, RunObserver& observer) {
   SavedFilters::ofUser().save(saving.name, filterFileText(filter, entries, language), saving.replace);
   constexpr Caption saved{"过滤条件已保存：", "the filter is saved as "};
-  notes << "quillon: " << saved.in(language) << saving.name << '\n';
+  observer.noted(std::string(saved.in(language)) + saving.name);
 }
 
 namespace {
@@ -51,12 +48,12 @@ namespace {
 // Puts the filter through the report's dialog, as if it had been opened with these values and confirmed. Only the given
 // values are checked: the default year of the dialog may be one that its own list does not have.
 void passDialog(const Report& report, const SignedInAccount& account, const std::shared_ptr<FilterObject>& filter,
-                Language language, std::ostream& notes) {
+                Language language, RunObserver& observer) {
   std::string message;
   EmbeddedPlatform platform(
-      {.account = account.source, .language = language, .messages = [&notes, &message](std::string_view text, int) {
+      {.account = account.source, .language = language, .messages = [&observer, &message](std::string_view text, int) {
          message = oneLine(text);
-         notes << message << '\n';
+         observer.shown(message);
        }});
   std::vector<const FilterEntry*> given;
   for (const auto& entry : filter->entries()) {
@@ -70,18 +67,18 @@ void passDialog(const Report& report, const SignedInAccount& account, const std:
     checkItem(*entry);
   checkComplete(*filter);
   if (!runner->click()) {
-    noteValuesToGive(*filter, message, account, language, notes);
+    noteValuesToGive(*filter, message, account, language, observer);
     throw UserError("the report's dialog does not accept the filter; change it, or give --no-dialog");
   }
   for (const FilterEntry* entry : given) {
     if (entry->available || entry->value == entry->item.defaultValue) continue;
-    notes << "quillon: the report's dialog would not let " << entry->item.key << " (" << entry->item.english
-          << ") be entered in this account; it is applied as it was given\n";
+    observer.noted("the report's dialog would not let " + entry->item.key + " (" + entry->item.english +
+                   ") be entered in this account; it is applied as it was given");
   }
 }
 
 std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const Report& report,
-                                           const SignedInAccount& account, std::ostream& notes) {
+                                           const SignedInAccount& account, RunObserver& observer) {
   auto filter = std::make_shared<FilterObject>(report.registration,
                                                request.dialog ? InitialValues::none : InitialValues::defaults);
   if (!request.dialog) prepareFilter(*filter, *account.login, *account.session);
@@ -90,13 +87,13 @@ std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const R
   resolveNames(*filter, *account.session, request.language, request.dialog);
   const std::set<const FilterEntry*> given = givenTo(*filter);
   if (request.dialog) {
-    passDialog(report, account, filter, request.language, notes);
+    passDialog(report, account, filter, request.language, observer);
   } else {
     checkFilter(*filter);
   }
   for (const std::string& line : unknownCodes(*filter, *account.session))
-    notes << "quillon: " << oneLine(line) << '\n';
-  if (!request.saving.name.empty()) saveFilter(request.saving, *filter, given, request.language, notes);
+    observer.noted(oneLine(line));
+  if (!request.saving.name.empty()) saveFilter(request.saving, *filter, given, request.language, observer);
   return filter;
 }
 
@@ -109,15 +106,16 @@ bool onlyGroupIndexStays(const StatementFailure& failure) {
 }
 
 // Says what stopped the build. Throws unless all rows were written by then.
-void reportStop(const RunMonitor& monitor, std::ostream& notes) {
+void reportStop(const RunMonitor& monitor, RunObserver& observer) {
   if (!monitor.failure()) {
     throw UserError("the build stopped before a statement failed: a filter value could not be translated");
   }
   const StatementFailure& failure = *monitor.failure();
   if (onlyGroupIndexStays(failure)) {
-    notes << "quillon: all rows are written, but the report could not drop its group index: the statement names it "
-             "without brackets and the name begins with a digit ("
-          << errorText(failure.number, failure.line, failure.message) << ")\n";
+    observer.noted(
+        "all rows are written, but the report could not drop its group index: the statement names it without brackets "
+        "and the name begins with a digit (" +
+        errorText(failure.number, failure.line, failure.message) + ")");
     return;
   }
   throw UserError("the build stopped: " + errorText(failure));
@@ -150,15 +148,6 @@ class WorkTablesOnServer {
   bool reportDroppedThem_ = false;
 };
 
-std::string totalTime(const RunMonitor& monitor, double seconds) {
-  std::array<char, 160> text{};
-  const int length = std::snprintf(
-      text.data(), text.size(), "%d statements, %.1f ms in the account, %.1f ms in all (the report itself %.2f ms)\n",
-      monitor.statements(), monitor.secondsInStatements() * 1000, seconds * 1000,
-      (seconds - monitor.secondsInStatements()) * 1000);
-  return {text.data(), static_cast<std::size_t>(length)};
-}
-
 }  // namespace
 
 MadeReport::MadeReport(const Report& report, SignedInAccount account, std::shared_ptr<FilterObject> filter)
@@ -187,21 +176,18 @@ void MadeReport::keepTable() {
   }
 }
 
-std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNotes& notes) {
+std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, RunObserver& observer) {
   const Report& report = reportNamed(request.report);
   if (!request.saving.name.empty()) SavedFilters::ofUser().requireFree(request.saving.name, request.saving.replace);
   SignedInAccount account = logIn(request.account, request.language, request.date);
-  std::shared_ptr<FilterObject> filter = filledFilter(request, report, account, notes.notes);
+  std::shared_ptr<FilterObject> filter = filledFilter(request, report, account, observer);
   auto made = std::make_unique<MadeReport>(report, std::move(account), std::move(filter));
 
-  RunMonitor monitor(notes.progress, notes.explanation);
+  RunMonitor monitor(observer);
   EmbeddedPlatform platform({.account = made->account().source,
                              .language = request.language,
                              .monitor = &monitor,
-                             .messages = [&notes](std::string_view text, int) {
-                               if (notes.progress != nullptr) notes.progress->clear();
-                               notes.notes << oneLine(text) << '\n';
-                             }});
+                             .messages = [&observer](std::string_view text, int) { observer.shown(oneLine(text)); }});
   WorkTablesOnServer workTables(made->account().source, platform);
   {
     const auto runner = makeReportRunner(platform);
@@ -216,11 +202,11 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
       throw;
     }
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    if (notes.explanation != nullptr) *notes.explanation << totalTime(monitor, time.count());
+    observer.ended(monitor.statements(), monitor.secondsInStatements(), time.count());
   }
   tsql::endIfStopped();
   if (monitor.leftOpen()) {
-    reportStop(monitor, notes.notes);
+    reportStop(monitor, observer);
   } else {
     workTables.reportDroppedThem();
   }

@@ -2,17 +2,16 @@
 #pragma once
 
 #include <memory>
-#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "workbench/catalogue/report.h"
-#include "workbench/cli/filters_command.h"
-#include "workbench/cli/progress_line.h"
 #include "workbench/platform/language.h"
+#include "workbench/platform/saved_filters.h"
 #include "workbench/presentation/result_table.h"
 #include "workbench/runs/account_login.h"
+#include "workbench/runs/run_observer.h"
 
 namespace quillon::workbench {
 
@@ -60,25 +59,18 @@ class MadeReport {
   bool keep_ = false;
 };
 
-// How a run is watched: progress on a terminal and an explanation of each statement; either may be null.
-struct RunNotes {
-  std::ostream& notes;  // what the user must know besides the report
-  ProgressLine* progress = nullptr;
-  std::ostream* explanation = nullptr;
-};
-
 // Tells, after a dialog's message that an item must not be empty, what there is for it (missing_value.h).
 void noteValuesToGive(const FilterObject& filter, std::string_view message, const SignedInAccount& account,
-                      Language language, std::ostream& notes);
+                      Language language, RunObserver& observer);
 
 // What has been entered in `filter`.
 std::set<const FilterEntry*> givenTo(const FilterObject& filter);
 // Saves these entries of `filter` and says so. Throws UserError when they cannot be saved.
 void saveFilter(const FilterToSave& saving, const FilterObject& filter, const std::set<const FilterEntry*>& entries,
-                Language language, std::ostream& notes);
+                Language language, RunObserver& observer);
 
 // Signs in, fills the filter, saves it when it was accepted, and runs the report. Throws std::exception with one line for the user when it cannot be
 // made.
-std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNotes& notes);
+std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, RunObserver& observer);
 
 }  // namespace quillon::workbench

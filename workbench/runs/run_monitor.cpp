@@ -1,21 +1,8 @@
 #include "workbench/runs/run_monitor.h"
 
-#include <array>
-#include <cstdio>
-
 #include "workbench/presentation/text_cells.h"
 
 namespace quillon::workbench {
-
-namespace {
-
-std::string milliseconds(double seconds) {
-  std::array<char, 32> text{};
-  const int length = std::snprintf(text.data(), text.size(), "%.1f ms", seconds * 1000);
-  return {text.data(), static_cast<std::size_t>(length)};
-}
-
-}  // namespace
 
 std::string errorText(int number, int line, std::string_view message) {
   std::string text;
@@ -38,37 +25,21 @@ std::string errorText(const std::exception& error) {
 }
 
 void RunMonitor::started(std::string_view sql) {
-  ++statements_;
-  if (progress_ != nullptr) progress_->statement(statements_, sql);
+  observer_.started(++statements_, sql);
 }
 
 void RunMonitor::finished(std::string_view sql, double seconds, std::int64_t rows) {
   seconds_ += seconds;
-  clearProgress();
-  if (explanation_ == nullptr) return;
-  *explanation_ << '[' << statements_ << "] " << milliseconds(seconds);
-  if (rows >= 0) *explanation_ << ", " << rows << (rows == 1 ? " row" : " rows");
-  *explanation_ << '\n' << sql << "\n\n";
+  observer_.finished(statements_, sql, seconds, rows);
 }
 
 void RunMonitor::failed(const StatementFailure& failure) {
   failure_ = failure;
-  clearProgress();
-  if (explanation_ == nullptr) return;
-  *explanation_ << '[' << statements_ << "] failed: " << errorText(failure.number, failure.line, failure.message)
-                << '\n'
-                << failure.sql << "\n\n";
+  observer_.failed(statements_, failure);
 }
 
 void RunMonitor::told(const odbc::Diagnostic& message) {
-  if (explanation_ == nullptr) return;
-  clearProgress();
-  *explanation_ << '[' << statements_ << "] the server says: " << message.text << " (number " << message.number
-                << ", line " << message.line << ")\n";
-}
-
-void RunMonitor::clearProgress() {
-  if (progress_ != nullptr) progress_->clear();
+  observer_.told(statements_, message);
 }
 
 }  // namespace quillon::workbench

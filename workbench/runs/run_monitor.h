@@ -1,13 +1,12 @@
-// Watches the sessions of a report run for the person who waits: progress, explanation, and what went wrong.
+// Watches the sessions of a report run: counts its statements, passes them on to an observer, and keeps what went wrong.
 #pragma once
 
 #include <exception>
 #include <optional>
-#include <ostream>
 #include <string>
 
-#include "workbench/cli/progress_line.h"
 #include "workbench/platform/account_session.h"
+#include "workbench/runs/run_observer.h"
 
 namespace quillon::workbench {
 
@@ -20,9 +19,8 @@ std::string errorText(const std::exception& error);
 
 class RunMonitor final : public SessionMonitor {
  public:
-  // `progress` shows the running statement. `explanation` gets each statement with its time and row count. Either may be
-  // null.
-  RunMonitor(ProgressLine* progress, std::ostream* explanation) : progress_(progress), explanation_(explanation) {}
+  // `observer` outlives this.
+  explicit RunMonitor(RunObserver& observer) : observer_(observer) {}
 
   void opened() override { open_ = true; }
   void started(std::string_view sql) override;
@@ -38,10 +36,7 @@ class RunMonitor final : public SessionMonitor {
   int statements() const { return statements_; }
 
  private:
-  void clearProgress();
-
-  ProgressLine* progress_;
-  std::ostream* explanation_;
+  RunObserver& observer_;
   std::optional<StatementFailure> failure_;
   bool open_ = false;
   double seconds_ = 0;

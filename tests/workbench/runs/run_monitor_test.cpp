@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "workbench/cli/run_notes.h"
+
 namespace quillon::workbench {
 namespace {
 
@@ -32,7 +34,8 @@ TEST(ErrorText, IsThatOfTheStatementWhateverThrewIt) {
 
 TEST(RunMonitor, ExplainsWhatTheServerSaysBeside) {
   std::ostringstream explanation;
-  RunMonitor monitor(nullptr, &explanation);
+  RunNotes notes(explanation, nullptr, &explanation);
+  RunMonitor monitor(notes);
   monitor.started("Select Sum(i) From t");
   monitor.told({.state = "01003", .number = 8153, .line = 1, .text = "Warning: Null value is eliminated."});
   EXPECT_EQ(explanation.str(), "[1] the server says: Warning: Null value is eliminated. (number 8153, line 1)\n");
