@@ -144,6 +144,7 @@ Report fxDetail() {
           .layouts = {Layout::ledger, Layout::columnar, Layout::lines},
           .isLedger = true,
           .joinKeys = fxDetailKeys(),
+          .ledgerLine = "Case When datatype = 1 Then id End",
           .documentColumns = documentColumns,
           .sourceDocumentColumns = sourceDocumentColumns,
           .ledgerVoucherColumns = ledgerVoucherColumns};

@@ -223,6 +223,7 @@ Report fxWt() {
           .lineOrder = orderByDocument,
           .crossStates = fxWtStates,
           .joinKeys = fxWtKeys(),
+          .ledgerLine = "AutoID",
           .documentColumns = documentColumns,
           .sourceDocumentColumns = sourceDocumentColumns,
           .ledgerVoucherColumns = ledgerVoucherColumns};

@@ -98,7 +98,7 @@ std::unique_ptr<tsql::Cursor> ResultTable::rows(std::span<const ReportColumn> co
   return account_.query(selectRows(columns));
 }
 
-std::string ResultTable::selectRows(std::span<const ReportColumn> columns) const {
+std::string ResultTable::selectRows(std::span<const ReportColumn> columns, const std::string& where) const {
   const std::vector<tsql::Column> present = account_.describe(name_);
   std::string list;
   for (const ReportColumn& column : columns)
@@ -114,7 +114,8 @@ std::string ResultTable::selectRows(std::span<const ReportColumn> columns) const
   for (const tsql::Column& column : present) {
     if (!leads(column)) orderBy(column.name);
   }
-  return "Select " + (list.empty() ? "*" : list) + " From " + name_ + " Order By " + order;
+  return "Select " + (list.empty() ? "*" : list) + " From " + name_ + (where.empty() ? "" : " Where " + where) +
+         " Order By " + order;
 }
 
 std::unique_ptr<tsql::Cursor> ResultTable::ledgerRows(std::span<const ReportColumn> columns) const {

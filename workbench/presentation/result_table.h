@@ -53,8 +53,8 @@ class ResultTable {
   // All rows in the table's order, then by every other column, so that the same report always comes in the same order.
   // `columns` are the table's names; empty means all of them.
   std::unique_ptr<tsql::Cursor> rows(std::span<const ReportColumn> columns = {}) const;
-  // The statement that gives them.
-  std::string selectRows(std::span<const ReportColumn> columns = {}) const;
+  // The statement that gives them, or those of them that meet a condition.
+  std::string selectRows(std::span<const ReportColumn> columns = {}, const std::string& where = {}) const;
 
   // The rows of a detail ledger in its order: by line number, the rows of a line by batch and free items, then by cost
   // item. Behind `columns` stand three more: the kind of the row (Datatype) and, of a movement, whether its ledger line is

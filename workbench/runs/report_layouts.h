@@ -14,12 +14,15 @@ namespace quillon::workbench {
 struct LayoutOptions {
   std::optional<Layout> layout = {};  // nothing: the report's first
   ArrangementText arrangement = {};
-  bool allColumns = false;                 // also those that are shown when asked
-  std::optional<std::int64_t> limit = {};  // lines of a section; nothing: all
-  std::string company = {};                // whose account it is; empty: the account's code
+  std::optional<Arrangement> arranged = {};  // the same from who does not write it as texts; then those do not count
+  bool allColumns = false;                   // also those that are shown when asked
+  std::optional<std::int64_t> limit = {};    // lines of a section; nothing: all
+  std::string company = {};                  // whose account it is; empty: the account's code
+  bool details = false;                      // of a ledger: the cost items of each line beneath it
+  bool ledgerLines = false;                  // rows say which ledger line they are of
 
   // Whether the rows of the result table are to be shown as they are.
-  bool asStored() const { return !layout && !limit && arrangement.empty(); }
+  bool asStored() const { return !layout && !limit && arrangement.empty() && !arranged; }
 };
 
 // Throws UserError when the report does not have the layout.

@@ -29,6 +29,13 @@ void requireColumns(const RowValues& wanted, std::span<const tsql::Column> colum
   }
 }
 
+RowValues presentRow(AccountRecordset& rows) {
+  RowValues row;
+  for (std::size_t i = 0; i < rows.columns().size(); ++i)
+    row.emplace_back(rows.columns()[i].name, rows.text(static_cast<int>(i)).value_or(""));
+  return row;
+}
+
 }  // namespace
 
 const std::string* valueIn(const RowValues& row, std::string_view column) {
@@ -42,13 +49,20 @@ RowValues findRow(const MadeReport& report, const RowValues& wanted) {
   const auto rows = report.account().session->openRecordset(table.selectRows());
   requireColumns(wanted, rows->columns());
   for (; !rows->eof(); rows->moveNext()) {
-    RowValues row;
-    for (std::size_t i = 0; i < rows->columns().size(); ++i)
-      row.emplace_back(rows->columns()[i].name, rows->text(static_cast<int>(i)).value_or(""));
+    const RowValues row = presentRow(*rows);
     const auto has = [&row](const auto& entry) { return *valueIn(row, entry.first) == entry.second; };
     if (std::ranges::all_of(wanted, has)) return row;
   }
   throw UserError("no row of the report has " + described(wanted));
+}
+
+RowValues rowOfLedgerLine(const MadeReport& report, std::int64_t line) {
+  const std::string number = std::to_string(line);
+  std::string where(report.report().ledgerLine);
+  where.append(" = ").append(number);
+  const auto rows = report.account().session->openRecordset(report.table().selectRows({}, where));
+  if (rows->eof()) throw UserError("no row of the report is of the ledger line " + number);
+  return presentRow(*rows);
 }
 
 OpenedDocuments openDocuments(const Report& report, const SignedInAccount& account, Language language,

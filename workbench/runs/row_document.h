@@ -1,6 +1,7 @@
 // The document behind a row of a report, opened as the user of the host platform opens it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,9 @@ const std::string* valueIn(const RowValues& row, std::string_view column);
 // The first row of the report, in its order, that has all the values wanted. Throws UserError when no row has them or there
 // is no such column.
 RowValues findRow(const MadeReport& report, const RowValues& wanted);
+
+// The first row, likewise, of the ledger line `line` (ViewRow::ledgerLine).
+RowValues rowOfLedgerLine(const MadeReport& report, std::int64_t line);
 
 struct OpenedDocuments {
   std::vector<std::string> messages;  // what the user was told
