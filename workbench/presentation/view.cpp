@@ -75,6 +75,32 @@ View keeping(View view, const std::vector<bool>& kept) {
 
 }  // namespace
 
+std::string_view rowKindName(RowKind kind) {
+  switch (kind) {
+    case RowKind::line:
+      return "line";
+    case RowKind::detail:
+      return "detail";
+    case RowKind::group:
+      return "group";
+    case RowKind::subtotal:
+      return "subtotal";
+    case RowKind::opening:
+      return "opening";
+    case RowKind::monthTotal:
+      return "monthTotal";
+    case RowKind::yearTotal:
+      return "yearTotal";
+    case RowKind::closing:
+      return "closing";
+    case RowKind::difference:
+      return "difference";
+    case RowKind::total:
+      break;
+  }
+  return "total";
+}
+
 std::optional<std::int64_t> ledgerLineOf(const tsql::Value& value) {
   const auto* number = std::get_if<std::int64_t>(&value);
   return number == nullptr ? std::nullopt : std::optional(*number);

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "workbench/catalogue/report_columns.h"
@@ -26,6 +27,9 @@ enum class RowKind {
   difference,  // by how much two figures differ that should agree
   total,       // sums of all rows, shown or not
 };
+
+// "line", "monthTotal".
+std::string_view rowKindName(RowKind kind);
 
 // Whether a row of this kind is set off from the lines.
 constexpr bool isSetOff(RowKind kind) {

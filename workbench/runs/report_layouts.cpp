@@ -147,6 +147,7 @@ class Layouts {
     request_.arrangement = {};
     if (!options_.arranged && options_.arrangement.empty()) {
       section.view = view(layout);
+      addOffered(section);
       return section;
     }
     const std::vector<ReportColumn> known = columnsPresent(request_);
@@ -174,11 +175,22 @@ class Layouts {
     }
     section.grouped = !request_.arrangement.groupBy.empty();
     section.view = view(layout);
+    addOffered(section);
     return section;
   }
 
  private:
   static constexpr ArrangementParts all{.columns = true, .sort = true, .groupBy = true, .where = true};
+
+  void addOffered(ReportSection& section) {
+    if (!options_.offers || !section.offered.empty()) return;
+    if (section.layout != Layout::lines && section.layout != Layout::vouchers) {
+      section.offered = namesIn(section.view);
+      return;
+    }
+    section.offered = table_.filledColumns(request_.report.columns);
+    if (section.layout == Layout::vouchers) section.offered.push_back(vouchersColumns(request_).back());
+  }
 
   // What was asked for, as names of `known`.
   Arrangement arrangement(ArrangementParts parts, std::span<const ReportColumn> known) const {

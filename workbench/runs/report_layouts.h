@@ -20,6 +20,7 @@ struct LayoutOptions {
   std::string company = {};                  // whose account it is; empty: the account's code
   bool details = false;                      // of a ledger: the cost items of each line beneath it
   bool ledgerLines = false;                  // rows say which ledger line they are of
+  bool offers = false;                       // sections say which columns may be named (ReportSection::offered)
 
   // Whether the rows of the result table are to be shown as they are.
   bool asStored() const { return !layout && !limit && arrangement.empty() && !arranged; }

@@ -79,11 +79,17 @@ void passDialog(const Report& report, const SignedInAccount& account, const std:
 
 std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const Report& report,
                                            const SignedInAccount& account, RunObserver& observer) {
+  if (request.accepted) {
+    for (const std::string& line : unknownCodes(*request.accepted, *account.session))
+      observer.noted(oneLine(line));
+    return request.accepted;
+  }
   auto filter = std::make_shared<FilterObject>(report.registration,
                                                request.dialog ? InitialValues::none : InitialValues::defaults);
   if (!request.dialog) prepareFilter(*filter, *account.login, *account.session);
   if (!request.filterFile.empty()) readFilterFile(*filter, request.filterFile);
   setFilterItems(*filter, request.settings);
+  setItems(*filter, request.values);
   resolveNames(*filter, *account.session, request.language, request.dialog);
   const std::set<const FilterEntry*> given = givenTo(*filter);
   if (request.dialog) {
@@ -156,6 +162,25 @@ MadeReport::MadeReport(const Report& report, SignedInAccount account, std::share
       filter_(std::move(filter)),
       argument_(std::make_shared<WorkbenchArgument>(filter_, account_.login, freshResultTable())),
       connection_(account_.source.open(tsql::OpenMode::existing)) {}
+
+MadeReport::MadeReport(const Report& report, SignedInAccount account, std::shared_ptr<FilterObject> filter,
+                       std::shared_ptr<WorkbenchArgument> argument)
+    : report_(report),
+      account_(std::move(account)),
+      filter_(std::move(filter)),
+      argument_(std::move(argument)),
+      connection_(account_.source.open(tsql::OpenMode::existing)),
+      keep_(true) {}
+
+std::unique_ptr<MadeReport> MadeReport::reader() const {
+  SignedInAccount account = account_;
+  account.session = std::make_shared<AccountSession>();
+  account.session->setAccount(account.source);
+  account.session->open("", "", optionsUnspecified);
+  std::unique_ptr<MadeReport> made(new MadeReport(report_, std::move(account), filter_, argument_));
+  made->facts_ = facts_;
+  return made;
+}
 
 MadeReport::~MadeReport() {
   // A scratch file takes its tables along.

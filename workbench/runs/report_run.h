@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "workbench/catalogue/report.h"
+#include "workbench/platform/filter_input.h"
 #include "workbench/platform/language.h"
 #include "workbench/platform/saved_filters.h"
 #include "workbench/presentation/result_table.h"
@@ -21,7 +22,10 @@ struct ReportRequest {
   AccountSource account = {};
   std::string filterFile = {};             // a filter file; empty for none
   std::vector<std::string> settings = {};  // key=value, over the filter file
-  FilterToSave saving = {};                // keep what filter file and settings give
+  std::vector<ItemValue> values = {};      // over both
+  // In the place of all these: a filter that a dialog has accepted, which is run as it is.
+  std::shared_ptr<FilterObject> accepted = {};
+  FilterToSave saving = {};  // keep what filter file and settings give
   // The report's dialog fills what filter file and settings leave empty and says which choices there are; without it
   // the registered defaults do.
   bool dialog = true;
@@ -37,6 +41,10 @@ class MadeReport {
   MadeReport& operator=(const MadeReport&) = delete;
   ~MadeReport();
 
+  // The same report with a session and a connection of its own, for another thread. The result table is not its to drop;
+  // in an account file it lasts as long as the last reader.
+  std::unique_ptr<MadeReport> reader() const;
+
   // Leaves the result table in the account, under its name. Throws tsql::SqlError when the account cannot be written.
   void keepTable();
 
@@ -48,14 +56,21 @@ class MadeReport {
   // The result table's account, on a connection of its own.
   tsql::Database& connection() const { return *connection_; }
   // The result table, by the name that the argument's data source has for it.
-  ResultTable table() const { return {*connection_, argument_->dataSourceState().resultTable, report_.order}; }
+  ResultTable table() const { return {*connection_, argument_->dataSourceState().resultTable, report_.order, facts_}; }
+  // From now on, what is found out about the whole result table is kept, for readers made afterwards, too: it does not
+  // change any more.
+  void keepFacts() { facts_ = std::make_shared<ResultFacts>(); }
 
  private:
+  MadeReport(const Report& report, SignedInAccount account, std::shared_ptr<FilterObject> filter,
+             std::shared_ptr<WorkbenchArgument> argument);
+
   const Report& report_;
   SignedInAccount account_;
   std::shared_ptr<FilterObject> filter_;
   std::shared_ptr<WorkbenchArgument> argument_;
   std::unique_ptr<tsql::Database> connection_;
+  std::shared_ptr<ResultFacts> facts_;
   bool keep_ = false;
 };
 
