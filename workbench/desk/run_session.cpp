@@ -93,6 +93,8 @@ void RunSession::run(const ReportRequest& request) {
       if (!thread_.stopped()) made_ = std::move(made);
     }
     end(thread_.stopped() ? State::stopped : State::done, "");
+  } catch (const FilterRefused&) {
+    end(State::failed, "the report's dialog does not accept the filter");
   } catch (const std::exception& error) {
     end(thread_.stopped() ? State::stopped : State::failed, errorText(error));
   }

@@ -86,6 +86,8 @@ ShownColumns shownColumns(const LayoutRequest& request, const std::string& where
   ShownColumns shown;
   if (arrangement.columns.empty()) {
     shown.columns = request.table.filledColumns(request.report.columns, where);
+    // Where no row is chosen, the columns are those of all rows.
+    if (shown.columns.empty()) shown.columns = request.table.filledColumns(request.report.columns);
     if (request.report.notInLines != nullptr) {
       const auto figures = request.report.notInLines(request.mode);
       std::erase_if(shown.columns, [figures](const ReportColumn& column) { return isAmong(figures, column); });

@@ -68,7 +68,7 @@ void passDialog(const Report& report, const SignedInAccount& account, const std:
   checkComplete(*filter);
   if (!runner->click()) {
     noteValuesToGive(*filter, message, account, language, observer);
-    throw UserError("the report's dialog does not accept the filter; change it, or give --no-dialog");
+    throw FilterRefused("the report's dialog does not accept the filter; change it, or give --no-dialog");
   }
   for (const FilterEntry* entry : given) {
     if (entry->available || entry->value == entry->item.defaultValue) continue;

@@ -10,6 +10,7 @@
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/language.h"
 #include "workbench/platform/saved_filters.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/presentation/result_table.h"
 #include "workbench/runs/account_login.h"
 #include "workbench/runs/run_observer.h"
@@ -31,6 +32,12 @@ struct ReportRequest {
   bool dialog = true;
   Language language = Language::chinese;
   std::string date = {};  // the login's date, yyyy-mm-dd; empty: the last day of the current year
+};
+
+// The report's dialog refuses the filter of a request; the observer has been told why.
+class FilterRefused : public UserError {
+ public:
+  using UserError::UserError;
 };
 
 // A report that has been made. Its result table goes with it, unless it is kept.
