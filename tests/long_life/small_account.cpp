@@ -5,9 +5,10 @@
 
 #include "workbench/account/account.h"
 #include "workbench/cli/drill_command.h"
-#include "workbench/cli/report_run.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/presentation/report_output.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::long_life {
 
@@ -78,7 +79,8 @@ std::string SmallAccount::resultOf(const Use& use) const {
     workbench::runDrill(
         {.report = request, .row = {"cVouType=" + voucherType_}, .format = workbench::DrillFormat::json}, out, notes);
   } else {
-    workbench::writeCsv(out, workbench::makeReport(request, {.notes = notes})->table());
+    workbench::RunNotes observer(notes, workbench::Language::english);
+    workbench::writeCsv(out, workbench::makeReport(request, observer)->table());
   }
   return out.str() + notes.str();
 }

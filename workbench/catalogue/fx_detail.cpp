@@ -146,6 +146,7 @@ Report fxDetail() {
           .lineKeys = {"RowNo"},
           .isLedger = true,
           .joinKeys = fxDetailKeys(),
+          .ledgerLine = "Case When datatype = 1 Then id End",
           .documentColumns = documentColumns,
           .sourceDocumentColumns = sourceDocumentColumns,
           .ledgerVoucherColumns = ledgerVoucherColumns};

@@ -224,6 +224,7 @@ Report fxWt() {
           .lineKeys = {"cVouCode", "cInvCode"},
           .crossStates = fxWtStates,
           .joinKeys = fxWtKeys(),
+          .ledgerLine = "AutoID",
           .documentColumns = documentColumns,
           .sourceDocumentColumns = sourceDocumentColumns,
           .ledgerVoucherColumns = ledgerVoucherColumns};

@@ -49,6 +49,10 @@ struct Report {
   // The keys by which it joins masters to ledger lines, in its order.
   std::vector<account::JoinKey> joinKeys;
 
+  // The ledger line that a row is of, as a T-SQL expression over the result table; null for a row that is of none, such
+  // as a balance. Empty where rows open nothing.
+  std::string_view ledgerLine = {};
+
   // The columns of a row that lead to the document behind it. Empty: its rows open nothing.
   std::span<const std::string_view> documentColumns = {};
 

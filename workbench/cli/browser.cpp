@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <fstream>
 
+#include "workbench/messages/desk.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -85,7 +86,7 @@ LinkFile::LinkFile(const std::string& link) : file_(folder_.file().parent_path()
   std::ofstream out(file_, std::ios::binary);
   out << pageOf(link);
   out.close();
-  if (!made || !out) throw UserError("cannot write " + utf8FromPath(file_) + "; open the link by hand, without --open");
+  if (!made || !out) throw UserError(messages::linkNotKept(utf8FromPath(file_)));
 }
 
 }  // namespace quillon::workbench

@@ -18,7 +18,7 @@
 #include "workbench/cli/language_option.h"
 #include "workbench/cli/list_command.h"
 #include "workbench/cli/report_command.h"
-#include "workbench/cli/run_monitor.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/cli/serve_command.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/stop_signals.h"

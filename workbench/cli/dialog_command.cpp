@@ -7,20 +7,21 @@
 #include <set>
 
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/cli/account_login.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/dialog_output.h"
 #include "workbench/cli/item_help.h"
 #include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
-#include "workbench/cli/report_run.h"
+#include "workbench/runs/report_run.h"
 #include "workbench/messages/filter.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
+#include "workbench/runs/account_login.h"
 
 namespace quillon::workbench {
 
@@ -46,6 +47,7 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
   resolveNames(*filter, *account.session, options.language, true);
   std::set<const FilterEntry*> given = givenTo(*filter);
 
+  RunNotes observer(notes, options.language);
   std::vector<std::string> messages;
   EmbeddedPlatform platform({.account = account.source,
                              .language = options.language,
@@ -67,12 +69,12 @@ void runDialog(const DialogOptions& options, std::ostream& out, std::ostream& no
     }
   });
   if (play.accepted() == false && !play.messages().empty())
-    noteValuesToGive(*filter, play.messages().back(), account, options.language, notes);
+    noteValuesToGive(*filter, play.messages().back(), account, options.language, observer);
   for (const Message& line : unknownCodes(*filter, *account.session))
-    notes << "quillon: " << oneLine(line.in(options.language)) << '\n';
+    observer.noted(oneLine(line.in(options.language)));
   if (!options.saving.name.empty()) {
     if (!play.accepted().value_or(false)) throw UserError(messages::filterNotConfirmed());
-    saveFilter(options.saving, *filter, given, options.language, notes);
+    saveFilter(options.saving, *filter, given, options.language, observer);
   }
   if (!written) throw UserError(messages::dialogNotWritten());
 }

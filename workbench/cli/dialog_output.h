@@ -3,9 +3,9 @@
 
 #include <ostream>
 
-#include "workbench/cli/dialog_steps.h"
 #include "workbench/platform/language.h"
 #include "workbench/presentation/text_table.h"
+#include "workbench/runs/dialog_steps.h"
 
 namespace quillon::workbench {
 

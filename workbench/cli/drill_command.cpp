@@ -10,7 +10,6 @@
 
 #include "frame/text.h"
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/catalogue/library_runner.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/filters_command.h"
@@ -18,10 +17,11 @@
 #include "workbench/cli/named_choice.h"
 #include "workbench/messages/common.h"
 #include "workbench/messages/report.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/text_table.h"
-#include "workbench/presentation/value_output.h"
+#include "workbench/runs/row_document.h"
 
 namespace quillon::workbench {
 
@@ -29,13 +29,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::string_view sourceDocumentAction = "Vouch";
-
-// What came of the action.
-struct Outcome {
-  std::vector<std::string> messages;
-  std::vector<OpenedVoucher> opened;
-};
 
 RowValues readRow(const std::vector<std::string>& settings) {
   RowValues row;
@@ -45,42 +38,6 @@ RowValues readRow(const std::vector<std::string>& settings) {
     row.emplace_back(trimBlanks(std::string_view(setting).substr(0, equals)), setting.substr(equals + 1));
   }
   return row;
-}
-
-const std::string* valueOf(const RowValues& row, std::string_view column) {
-  const auto found =
-      std::ranges::find_if(row, [column](const auto& entry) { return equalIgnoringCase(entry.first, column); });
-  return found == row.end() ? nullptr : &found->second;
-}
-
-std::string described(const RowValues& row) {
-  std::string text;
-  for (const auto& [column, value] : row)
-    text.append(text.empty() ? "" : ", ").append(column).append("=").append(value);
-  return text;
-}
-
-void requireColumns(const RowValues& wanted, std::span<const tsql::Column> columns) {
-  for (const auto& entry : wanted) {
-    const auto has = [&entry](const tsql::Column& column) { return equalIgnoringCase(column.name, entry.first); };
-    if (std::ranges::any_of(columns, has)) continue;
-    throw UserError(messages::rowsLackColumn(entry.first));
-  }
-}
-
-// The first row of the report, in its order, that has all the values wanted.
-RowValues findRow(const MadeReport& report, const RowValues& wanted) {
-  const ResultTable table = report.table();
-  const auto rows = report.account().session->openRecordset(table.selectRows());
-  requireColumns(wanted, rows->columns());
-  for (; !rows->eof(); rows->moveNext()) {
-    RowValues row;
-    for (std::size_t i = 0; i < rows->columns().size(); ++i)
-      row.emplace_back(rows->columns()[i].name, rows->text(static_cast<int>(i)).value_or(""));
-    const auto has = [&row](const auto& entry) { return *valueOf(row, entry.first) == entry.second; };
-    if (std::ranges::all_of(wanted, has)) return row;
-  }
-  throw UserError(messages::noSuchRow(described(wanted)));
 }
 
 void requireDocuments(const Report& report) {
@@ -100,7 +57,7 @@ void requireDocumentColumns(const Report& report, const RowValues& row, const st
     // Either name of the ledger line's number will do, as for the drill-through.
     const bool number = equalIgnoringCase(column, "ID") || equalIgnoringCase(column, "AutoID");
     const bool has =
-        number ? valueOf(row, "ID") != nullptr || valueOf(row, "AutoID") != nullptr : valueOf(row, column) != nullptr;
+        number ? valueIn(row, "ID") != nullptr || valueIn(row, "AutoID") != nullptr : valueIn(row, column) != nullptr;
     if (!has) missing.append(" --row ").append(column).append("=...");
   }
   if (!missing.empty()) throw UserError(messages::rowLacksColumns(missing));
@@ -111,37 +68,15 @@ std::pair<RowValues, SignedInAccount> chooseRow(const DrillOptions& options, std
   const RowValues wanted = readRow(options.row);
   const ReportRequest& request = options.report;
   if (!request.filterFile.empty() || !request.settings.empty()) {
-    const auto report = makeReport(request, {.notes = notes});
+    RunNotes observer(notes, request.language);
+    const auto report = makeReport(request, observer);
     return {findRow(*report, wanted), report->account()};
   }
-  if (valueOf(wanted, "RowNo") != nullptr) {
+  if (valueIn(wanted, "RowNo") != nullptr) {
     throw UserError(messages::rowNumberNeedsFilter());
   }
   requireDocumentColumns(reportNamed(request.report), wanted, options.action);
   return {wanted, logIn(request.account, request.language, request.date)};
-}
-
-Outcome act(const DrillOptions& options, const RowValues& row, const SignedInAccount& account) {
-  Outcome outcome;
-  EmbeddedPlatform platform(
-      {.account = account.source,
-       .language = options.report.language,
-       .messages = [&outcome](std::string_view text, int) { outcome.messages.emplace_back(text); },
-       .vouchers = [&outcome](const OpenedVoucher& voucher) { outcome.opened.push_back(voucher); }});
-  const auto runner = makeReportRunner(platform);
-  runner->execute(reportNamed(options.report.report),
-                  std::make_shared<WorkbenchArgument>(account.login, row, options.action));
-  return outcome;
-}
-
-// A value as a reader has it: quantities with the decimals that they have, but two at least.
-std::string shownValue(const VoucherField& field, const std::string& value) {
-  constexpr int moneyDecimals = 2;
-  if (value.empty() || field.kind == VoucherField::Kind::text) return value;
-  if (field.kind == VoucherField::Kind::money) return groupedNumber(value, moneyDecimals);
-  const auto point = value.find('.');
-  const std::size_t decimals = point == std::string::npos ? 0 : value.size() - point - 1;
-  return groupedNumber(value, std::max(static_cast<int>(decimals), moneyDecimals));
 }
 
 void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, const TableStyle& style) {
@@ -167,7 +102,7 @@ void writeVoucher(std::ostream& out, const OpenedVoucher& voucher, const TableSt
   table.finish();
 }
 
-void writeTable(std::ostream& out, const Outcome& outcome, const TableStyle& style) {
+void writeTable(std::ostream& out, const OpenedDocuments& outcome, const TableStyle& style) {
   for (const std::string& message : outcome.messages)
     out << oneLine(message) << '\n';
   for (const OpenedVoucher& voucher : outcome.opened)
@@ -192,7 +127,7 @@ Json jsonOf(const OpenedVoucher& voucher, Language language) {
           {"lines", std::move(lines)}};
 }
 
-void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& row, const Outcome& outcome) {
+void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& row, const OpenedDocuments& outcome) {
   Json columns = Json::object();
   for (const auto& [column, value] : row) {
     if (!value.empty()) columns[column] = value;
@@ -213,7 +148,8 @@ void writeJson(std::ostream& out, const DrillOptions& options, const RowValues& 
 void runDrill(const DrillOptions& options, std::ostream& out, std::ostream& notes) {
   requireDocuments(reportNamed(options.report.report));
   const auto [row, account] = chooseRow(options, notes);
-  const Outcome outcome = act(options, row, account);
+  const OpenedDocuments outcome =
+      openDocuments(reportNamed(options.report.report), account, options.report.language, row, options.action);
   const bool written = writePaged(out, options.screen, [&, &shown = row](std::ostream& pages) {
     if (options.format == DrillFormat::json) {
       writeJson(pages, options, shown, outcome);

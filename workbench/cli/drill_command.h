@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "workbench/cli/report_run.h"
+#include "workbench/runs/report_run.h"
 #include "workbench/cli/screen_options.h"
 
 namespace CLI {

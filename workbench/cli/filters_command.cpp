@@ -17,20 +17,13 @@
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/text_table.h"
+#include "workbench/runs/filter_report.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
 namespace {
 
-const Report* reportOf(const nlohmann::ordered_json& file) {
-  const auto id = file.find("id");
-  if (id == file.end() || !id->is_string()) return nullptr;
-  const auto all = reports();
-  const auto found =
-      std::ranges::find_if(all, [&id](const Report& report) { return *id == report.registration.identifier; });
-  return found == all.end() ? nullptr : &*found;
-}
 
 // "仓库=07, 部门=05"; an item that no report is known for has its key.
 std::string itemsOf(FilterObject& filter, Language language) {
@@ -58,7 +51,7 @@ void listFilters(const SavedFilters& filters, Language language, std::ostream& o
     const std::string file = utf8FromPath(filters.path(name));
     try {
       const std::string text = readTextFile(file);
-      const Report* const report = reportOf(parseJson(text, file));
+      const Report* const report = reportOfFilter(text, file);
       FilterObject filter(report != nullptr ? report->registration : ReportRegistration{}, InitialValues::none);
       applyFilterFile(filter, text, file);
       table.row({name, report == nullptr ? "" : report->registration.name, oneLine(itemsOf(filter, language))});

@@ -21,12 +21,6 @@ void addFiltersCommand(CLI::App& app);
 // Adds --filter, which takes a saved filter's name or a file; `file` gets the file, and outlives the parsing.
 void addFilterOption(CLI::App& command, std::string& file, const std::string& description);
 
-// How a command saves the filter that it was given.
-struct FilterToSave {
-  std::string name = {};  // empty: it is not saved
-  bool replace = false;   // a filter of that name may go
-};
-
 // Adds --save-filter and --replace-filter.
 void addSaveFilterOptions(CLI::App& command, FilterToSave& saving);
 

@@ -19,8 +19,7 @@
 #include "workbench/cli/pager.h"
 #include "workbench/cli/progress_line.h"
 #include "workbench/cli/report_comparison.h"
-#include "workbench/cli/report_layouts.h"
-#include "workbench/cli/report_run.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/terminal.h"
 #include "workbench/cli/usage_message.h"
@@ -33,6 +32,8 @@
 #include "workbench/presentation/report_table.h"
 #include "workbench/presentation/view_files.h"
 #include "workbench/presentation/xlsx_workbook.h"
+#include "workbench/runs/report_layouts.h"
+#include "workbench/runs/report_run.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
@@ -157,6 +158,7 @@ std::unique_ptr<ProgressLine> progressOn(std::ostream& notes, const ReportOption
 
 std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOptions& options, std::ostream& notes,
                                      ProgressLine* progress) {
+  RunNotes observer(notes, options.language, progress, options.explain ? &notes : nullptr);
   return makeReport({.report = options.report,
                      .account = source,
                      .filterFile = options.filterFile,
@@ -165,7 +167,7 @@ std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOp
                      .dialog = options.dialog,
                      .language = options.language,
                      .date = options.date},
-                    {.notes = notes, .progress = progress, .explanation = options.explain ? &notes : nullptr});
+                    observer);
 }
 
 }  // namespace

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "workbench/cli/filters_command.h"
-#include "workbench/cli/report_layouts.h"
 #include "workbench/cli/terminal.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
+#include "workbench/runs/report_layouts.h"
 
 namespace CLI {
 class App;

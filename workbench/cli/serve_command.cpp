@@ -4,67 +4,59 @@
 #include <chrono>
 #include <iostream>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/browser.h"
 #include "workbench/cli/checked_values.h"
+#include "workbench/cli/language_option.h"
+#include "workbench/desk/desk_api.h"
 #include "workbench/desk/gate.h"
 #include "workbench/desk/http_server.h"
+#include "workbench/desk/pages.h"
 #include "workbench/desk/secret.h"
+#include "workbench/messages/desk.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/stop.h"
-#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
 
 namespace {
 
-// Which account the desk has open.
-class AccountName : public desk::DeskHandler {
- public:
-  explicit AccountName(const AccountSource& account)
-      : name_(account.onServer() ? std::string() : utf8FromPath(account.file().filename())) {}
-
-  desk::DeskResponse handle(const desk::DeskRequest& request) override {
-    desk::DeskResponse response;
-    if (request.method == "GET" && request.path == "account") {
-      response.body = nlohmann::json{{"name", name_}}.dump();
-    } else {
-      response.status = 404;
-      response.body = R"({"error":{"code":"path","message":"there is no such thing","item":null}})";
-    }
-    return response;
-  }
-
- private:
-  std::string name_;
-};
+std::vector<desk::Licence> licences() {
+  std::vector<desk::Licence> all;
+  for (const desk::PageLicence& page : desk::pageLicences())
+    all.push_back({.name = std::string(page.name), .licence = std::string(page.licence), .text = std::string(page.text)});
+  return all;
+}
 
 }  // namespace
 
 void runServe(const ServeOptions& options, std::ostream& out, std::ostream& notes) {
   // An account that cannot be opened is said here, and not in the browser.
   options.account.readOnly().open(tsql::OpenMode::readOnly);
-  AccountName handler(options.account);
+  desk::DeskApi handler({.account = options.account,
+                         .filters = SavedFilters::ofUser(),
+                         .version = QUILLON_VERSION,
+                         .licences = licences()});
   desk::ServerLimits limits;
   limits.unused = std::chrono::minutes(options.idleMinutes);
   desk::HttpServer server(options.port, limits);
   desk::Gate gate(server.port(), desk::newSecret(), desk::newSecret());
   out << gate.link() << std::endl;
-  if (!out) throw UserError("the link could not be written to standard output");
+  if (!out) throw UserError(messages::linkNotWritten());
   std::optional<LinkFile> file;
   if (options.open) {
     file.emplace(gate.link());
-    if (!showInBrowser(file->path())) notes << "quillon: no browser was found; open the link by hand\n";
+    if (!showInBrowser(file->path())) notes << "quillon: " << messages::noBrowser().in(options.language) << '\n';
   }
   if (server.run(gate, handler, tsql::stopRequested) == desk::HttpServer::End::unused) {
-    notes << "quillon: nobody used the desk for " << options.idleMinutes << " minutes; it has ended\n";
+    notes << "quillon: " << messages::deskUnused(options.idleMinutes).in(options.language) << '\n';
     return;
   }
-  throw UserError("the desk is closed, and what it had made is gone");
+  throw UserError(messages::deskClosed());
 }
 
 void addServeCommand(CLI::App& app) {
@@ -79,6 +71,7 @@ void addServeCommand(CLI::App& app) {
   constexpr int mostMinutes = 7 * 24 * 60;
   command.add_option("--idle", options->idleMinutes, "End after so many minutes in which nobody used the desk")
       ->transform(wholeNumber<int>(1, mostMinutes));
+  addLanguageOption(command, options->language);
   command.callback([options] { runServe(*options, std::cout, std::cerr); });
 }
 

@@ -3,6 +3,7 @@
 
 #include <ostream>
 
+#include "workbench/messages/language.h"
 #include "workbench/platform/account_source.h"
 
 namespace CLI {
@@ -16,6 +17,7 @@ struct ServeOptions {
   unsigned short port = 0;  // 0: the system chooses
   bool open = false;        // the link in the user's browser
   int idleMinutes = 0;      // without use, the desk ends after so many; 0: never
+  Language language = Language::chinese;
 };
 
 // Serves until the program is asked to end or the desk has been idle for too long. `out` gets one line, the link that opens

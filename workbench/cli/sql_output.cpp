@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/cli/run_monitor.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/messages/common.h"
 #include "workbench/messages/program.h"
 #include "workbench/presentation/csv_record.h"

@@ -9,7 +9,7 @@
 
 #include "frame/text.h"
 #include "workbench/cli/pager.h"
-#include "workbench/cli/run_monitor.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/cli/sql_batch.h"
 #include "workbench/cli/stop_signals.h"
 #include "workbench/messages/program.h"

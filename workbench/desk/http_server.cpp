@@ -26,6 +26,7 @@
 #include "workbench/desk/answer.h"
 #include "workbench/desk/pages.h"
 #include "workbench/desk/request_reader.h"
+#include "workbench/messages/desk.h"
 #include "workbench/platform/user_error.h"
 
 namespace quillon::workbench::desk {
@@ -509,8 +510,7 @@ HttpServer::Serving::Serving(unsigned short port, ServerLimits limits) : limits_
   error_code error;
   listen({asio::ip::address_v4::loopback(), port}, error);
   if (error) {
-    throw UserError("the desk cannot listen on port " + std::to_string(port) +
-                    " of this machine, which another program may have; choose another with --port, or leave it out");
+    throw UserError(messages::portTaken(port));
   }
   // The link has the other address; a machine without this one lacks nothing.
   listen({asio::ip::address_v6::loopback(), this->port()}, error);

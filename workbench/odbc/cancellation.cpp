@@ -11,7 +11,8 @@ namespace quillon::odbc {
 
 // A signal handler may do no more than raise a flag, so somebody has to look at it while the driver waits.
 CancelOnStop::CancelOnStop(SQLHANDLE statement)
-    : watch_([statement](const std::stop_token& over) {
+    : watch_([statement, request = tsql::StopScope::current()](const std::stop_token& over) {
+        const tsql::StopScope scope(request);
         constexpr std::chrono::milliseconds pause(50);
         std::mutex mutex;
         std::condition_variable_any woken;

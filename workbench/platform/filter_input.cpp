@@ -175,22 +175,23 @@ struct Setting {
   std::string value;
 };
 
+FilterEntry& itemNamed(FilterObject& filter, std::string_view key) {
+  FilterEntry* entry = findItem(filter, key);
+  if (entry != nullptr) return *entry;
+  std::vector<std::string> keys;
+  for (const auto& known : filter.entries())
+    keys.push_back(known->item.key);
+  const auto nearest = nearestName(key, keys);
+  throw InputError(nearest ? messages::noSuchItemNear(key, *nearest, listOf(keys))
+                           : messages::noSuchItem(key, listOf(keys)));
+}
+
 Setting readSetting(FilterObject& filter, const std::string& setting) {
   const auto equals = setting.find('=');
   if (equals == std::string::npos) {
     throw InputError(messages::noSetting(setting));
   }
-  const std::string_view key = trimBlanks(std::string_view(setting).substr(0, equals));
-  FilterEntry* entry = findItem(filter, key);
-  if (entry == nullptr) {
-    std::vector<std::string> keys;
-    for (const auto& known : filter.entries())
-      keys.push_back(known->item.key);
-    const auto nearest = nearestName(key, keys);
-    throw InputError(nearest ? messages::noSuchItemNear(key, *nearest, listOf(keys))
-                             : messages::noSuchItem(key, listOf(keys)));
-  }
-  return {*entry, setting.substr(equals + 1)};
+  return {itemNamed(filter, trimBlanks(std::string_view(setting).substr(0, equals))), setting.substr(equals + 1)};
 }
 
 // `again`: the item has been set before, and the value is added to those that it has.
@@ -289,6 +290,31 @@ const FilterEntry& changeItem(FilterObject& filter, const std::string& setting, 
   resolveNames(change.entry, session, language);
   checkItem(change.entry);
   return change.entry;
+}
+
+const FilterEntry& changeItem(FilterObject& filter, const ItemValue& change, Session& session, Language language) {
+  FilterEntry& entry = itemNamed(filter, change.key);
+  if (!entry.available) refuse(entry.item, messages::notToBeEntered());
+  const std::string value = entry.value, value2 = entry.value2;
+  entry.value = change.value;
+  entry.value2 = change.value2;
+  try {
+    resolveNames(entry, session, language);
+    checkItem(entry);
+  } catch (...) {
+    entry.value = value;
+    entry.value2 = value2;
+    throw;
+  }
+  return entry;
+}
+
+void setItems(FilterObject& filter, std::span<const ItemValue> values) {
+  for (const ItemValue& value : values) {
+    FilterEntry& entry = itemNamed(filter, value.key);
+    entry.value = value.value;
+    entry.value2 = value.value2;
+  }
 }
 
 void checkItem(const FilterEntry& entry) {

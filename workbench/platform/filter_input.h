@@ -35,6 +35,19 @@ void setFilterItems(FilterObject& filter, std::span<const std::string> settings)
 // to the name of one (resolveNames() in named_values.h). Gives the item.
 const FilterEntry& changeItem(FilterObject& filter, const std::string& setting, Session& session, Language language);
 
+// What is entered in an item, as the filter object keeps it: several values with TABs between them, the bounds of a range
+// as value and value2.
+struct ItemValue {
+  std::string key;  // or the caption
+  std::string value;
+  std::string value2 = {};
+};
+// Puts the values in as they are. Throws std::invalid_argument for an item that the filter does not have.
+void setItems(FilterObject& filter, std::span<const ItemValue> values);
+// The same as changeItem() above with a value that was not written on a command line. What was refused leaves the item as
+// it was.
+const FilterEntry& changeItem(FilterObject& filter, const ItemValue& change, Session& session, Language language);
+
 // Checks what was entered in one item: choices against their codes, numbers, dates, that a single value is single, that
 // a range does not end before it begins, and that what is compared with a column of whole numbers is one of 32 bits.
 //

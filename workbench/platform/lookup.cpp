@@ -35,6 +35,18 @@ std::string rowsOf(const Lookup& lookup, Language language, Session& session) {
   return sql.empty() ? sql : "(" + sql + ") entry";
 }
 
+// The same, as far as a dialog lets the entries be chosen.
+std::string restrictedRows(const Lookup& lookup, const LookupQuery& query, Session& session) {
+  const bool oneTable = !lookup.rows.empty() && lookup.rows.find(" Where ") == std::string_view::npos &&
+                        lookup.rows.find(" Join ") == std::string_view::npos;
+  if (query.restriction.empty() || !oneTable) return rowsOf(lookup, query.language, session);
+  std::string condition = query.restriction;
+  constexpr std::string_view mark = "#FN[";
+  for (auto at = condition.find(mark); at != std::string::npos; at = condition.find(mark, at))
+    condition.replace(at, mark.size(), "[");
+  return "(" + std::string(lookup.rows) + " Where " + condition + ") entry";
+}
+
 std::vector<LookupRow> read(Session& session, const std::string& sql) {
   const std::unique_ptr<Recordset> rows = session.query(sql, readOnlyQuery);
   std::vector<LookupRow> read;
@@ -177,7 +189,7 @@ const Lookup* lookupOfLedgerColumn(std::string_view column) {
 
 LookupPage findEntries(const Lookup& lookup, const LookupQuery& query, Session& session) {
   LookupPage page;
-  const std::string rows = rowsOf(lookup, query.language, session);
+  const std::string rows = restrictedRows(lookup, query, session);
   if (rows.empty()) return page;
   page.rows = read(session, "Select entryCode, entryName From " + rows + " Order By entryCode, entryName");
   if (const std::vector<Signs> words = wordsOf(query.search); !words.empty()) {

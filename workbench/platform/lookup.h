@@ -48,6 +48,9 @@ struct LookupQuery {
   std::size_t offset = 0;
   std::optional<std::size_t> limit = {};
   Language language = Language::chinese;
+  // What a dialog restricts the entries to: a condition with #FN[column] for columns of the looked-up table. It counts
+  // where the lookup reads one table and nothing else.
+  std::string restriction = {};
 };
 
 struct LookupPage {

@@ -49,6 +49,12 @@ class SavedFilters {
   std::filesystem::path folder_;
 };
 
+// How the filter of a run is to be saved.
+struct FilterToSave {
+  std::string name = {};  // empty: it is not saved
+  bool replace = false;   // a filter of that name may go
+};
+
 // Whether a text for NAME|FILE can only be a file: it has a slash or a backslash in it, or .json at its end.
 bool isFilterFile(std::string_view nameOrFile);
 

@@ -64,6 +64,7 @@ View filtered(View view, std::span<const RowCondition> where) {
     if (isSetOff(row.kind) || chosen) rows->push_back(row);
   }
   view.rows = heldRows(std::move(rows));
+  view.tableRows.reset();
   return view;
 }
 
@@ -86,6 +87,7 @@ View sorted(View view, std::span<const SortKey> keys) {
     std::ranges::move(line.details, std::back_inserter(*rows));
   }
   view.rows = heldRows(std::move(rows));
+  view.tableRows.reset();
   return view;
 }
 
@@ -106,7 +108,7 @@ class CellsAt final : public ViewRows {
   bool next() override {
     if (!rows_->next()) return false;
     const ViewRow& whole = rows_->row();
-    row_ = {.kind = whole.kind, .level = whole.level, .cells = {}};
+    row_ = {.kind = whole.kind, .level = whole.level, .cells = {}, .ledgerLine = whole.ledgerLine};
     for (const std::size_t position : positions_)
       row_.cells.push_back(whole.cells[position]);
     return true;
@@ -244,6 +246,7 @@ View withColumns(View view, std::span<const std::string> names) {
     return result;
   };
   view.columns = chosen(view.columns);
+  view.tableRows.reset();
   for (ViewRow& row : view.totals)
     row.cells = chosen(row.cells);
   view.rows = [rows = std::move(view.rows), positions]() -> std::unique_ptr<ViewRows> {
@@ -256,6 +259,7 @@ View grouped(View view, std::size_t levels, std::optional<std::size_t> stateColu
   view.rows = [whole = view, levels, stateColumn, language]() -> std::unique_ptr<ViewRows> {
     return std::make_unique<GroupedRows>(whole, whole.rows(), levels, stateColumn, language);
   };
+  view.tableRows.reset();
   return view;
 }
 

@@ -76,6 +76,27 @@ RowCondition conditionOf(std::string_view written, std::span<const ReportColumn>
 
 }  // namespace
 
+Arrangement resolved(const Arrangement& asked, ArrangementParts parts, std::span<const ReportColumn> known) {
+  Arrangement arrangement;
+  if (parts.columns) {
+    for (const std::string& column : asked.columns)
+      arrangement.columns.push_back(columnNamed(column, known));
+  }
+  if (parts.sort) {
+    for (const SortKey& key : asked.sort)
+      arrangement.sort.push_back({columnNamed(key.column, known), key.descending});
+  }
+  if (parts.groupBy) {
+    for (const std::string& column : asked.groupBy)
+      arrangement.groupBy.push_back(columnNamed(column, known));
+  }
+  if (parts.where) {
+    for (const RowCondition& condition : asked.where)
+      arrangement.where.push_back({columnNamed(condition.column, known), condition.kind, condition.values});
+  }
+  return arrangement;
+}
+
 Arrangement parseArrangement(const ArrangementText& text, std::span<const ReportColumn> known) {
   Arrangement arrangement{.columns = columnsNamed(text.columns, known), .groupBy = columnsNamed(text.groupBy, known)};
   for (const std::string& list : text.sort) {

@@ -43,6 +43,16 @@ struct Arrangement {
   std::vector<RowCondition> where = {};
 };
 
+// What of an arrangement is asked for.
+struct ArrangementParts {
+  bool columns = false;
+  bool sort = false;
+  bool groupBy = false;
+  bool where = false;
+};
+// Those parts of `asked`, whose columns are given by name or caption. Throws as parseArrangement().
+Arrangement resolved(const Arrangement& asked, ArrangementParts parts, std::span<const ReportColumn> known);
+
 // The texts as names of `known`, which are found by name and by either caption. Throws UserError that says what is unknown
 // and what is nearest to it.
 Arrangement parseArrangement(const ArrangementText& text, std::span<const ReportColumn> known);

@@ -126,6 +126,7 @@ class ColumnarRowsMaker {
       rows_.push_back(row(RowKind::line, sheet_.lineCells(line), line.receipt ? line.amount : tsql::Value(),
                           line.receipt ? tsql::Value() : line.amount, sheet_.amount(balance_.total().amount),
                           acrossOf(line)));
+      rows_.back().ledgerLine = line.id;
     }
     const auto named = [&](const Caption& caption) {
       return sheet_.namedCells(std::string(sheet_.text(caption)), month);

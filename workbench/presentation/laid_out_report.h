@@ -38,6 +38,9 @@ struct ReportSection {
   bool grouped = false;                    // lines stand under subtotals
   std::optional<std::int64_t> limit = {};  // lines shown; nothing: all
 
+  // What an arrangement of the section may name: the columns that hold something, or that the layout makes.
+  std::vector<ReportColumn> offered = {};
+
   bool cut() const { return limit && *limit < view.lineCount; }
 };
 

@@ -15,7 +15,8 @@ struct LayoutRequest {
   std::string mode;          // the report's mode, the value of cModal; empty for a report without
   Language language = Language::chinese;
   Arrangement arrangement = {};
-  bool allColumns = false;  // also user-defined fields and what documents carry beside
+  bool allColumns = false;   // also user-defined fields and what documents carry beside
+  bool ledgerLines = false;  // rows say which ledger line they are of
 };
 
 // The columns that the report's table has, as the catalogue knows them and in its order.

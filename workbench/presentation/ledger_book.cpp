@@ -120,7 +120,8 @@ class Reading {
   void takeMovement(const tsql::Cursor& row) {
     const std::optional<std::int64_t> id = whole(at(row, lineId));
     if (!lineId_ || lineId_ != id) {
-      LedgerLine line{.month = monthOf(row),
+      LedgerLine line{.id = id,
+                      .month = monthOf(row),
                       .receipt = whole(at(row, receiptFlag)) == 1,
                       .group = group(row),
                       .cells = {},

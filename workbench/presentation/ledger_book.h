@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <span>
@@ -43,7 +44,8 @@ struct LedgerPart {
 };
 
 struct LedgerLine {
-  int month = 0;  // the ledger's, whatever the line's date is
+  std::optional<std::int64_t> id;  // AutoID
+  int month = 0;                   // the ledger's, whatever the line's date is
   bool receipt = false;
   std::size_t group = 0;           // its place in LedgerBook::groups
   std::vector<tsql::Value> cells;  // one for each of LedgerBook::columns

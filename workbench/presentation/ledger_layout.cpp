@@ -77,6 +77,7 @@ class LedgerRowsMaker {
     balance_.add(line);
     ViewRow shown = row(RowKind::line, sheet_.lineCells(line), {.balance = &balance_.total()});
     putMovement(shown, line.receipt, line.quantity, line.unitCost, line.amount);
+    shown.ledgerLine = line.id;
     rows_.push_back(std::move(shown));
     if (!parts_) return;
     bool brokenDown = false;
@@ -101,6 +102,7 @@ class LedgerRowsMaker {
     if (!code.empty()) part.cells[at] = code;
     part.cells[at + 1] = name;
     putMovement(part, line.receipt, std::move(quantity), std::move(unitCost), std::move(amount));
+    part.ledgerLine = line.id;
     rows_.push_back(std::move(part));
   }
 

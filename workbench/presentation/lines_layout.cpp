@@ -96,6 +96,8 @@ ShownColumns shownColumns(const LayoutRequest& request, const std::string& where
   ShownColumns shown;
   if (arrangement.columns.empty()) {
     shown.columns = request.table.filledColumns(request.report.columns, where);
+    // Where no row is chosen, the columns are those of all rows.
+    if (shown.columns.empty()) shown.columns = request.table.filledColumns(request.report.columns);
     if (request.report.notInLines != nullptr) {
       const auto figures = request.report.notInLines(request.mode);
       std::erase_if(shown.columns, [figures](const ReportColumn& column) { return isAmong(figures, column); });
@@ -150,7 +152,9 @@ std::string orderOf(const LayoutRequest& request, std::span<const ReportColumn> 
 // Rows as a cursor gives them, all of them lines.
 class CursorRows final : public ViewRows {
  public:
-  CursorRows(std::unique_ptr<tsql::Cursor> cursor, std::size_t columns) : cursor_(std::move(cursor)) {
+  // With `ledgerLines`, a further column behind the cells says which ledger line a row is of.
+  CursorRows(std::unique_ptr<tsql::Cursor> cursor, std::size_t columns, bool ledgerLines)
+      : cursor_(std::move(cursor)), ledgerLines_(ledgerLines) {
     row_.cells.resize(columns);
   }
 
@@ -158,12 +162,14 @@ class CursorRows final : public ViewRows {
     if (!cursor_->next()) return false;
     for (std::size_t i = 0; i < row_.cells.size(); ++i)
       row_.cells[i] = cursor_->value(i);
+    if (ledgerLines_) row_.ledgerLine = ledgerLineOf(cursor_->value(row_.cells.size()));
     return true;
   }
   const ViewRow& row() const override { return row_; }
 
  private:
   std::unique_ptr<tsql::Cursor> cursor_;
+  bool ledgerLines_;
   ViewRow row_;
 };
 
@@ -233,10 +239,18 @@ View linesView(const LayoutRequest& request) {
   }
   view.lineCount = request.table.rowCount(where);
   view.totals = totalsOf(request, view, where);
-  const std::string statement = "Select " + list + " From " + request.table.name() + " Where " + where + " Order By " +
-                                orderOf(request, shown.columns, present);
-  view.rows = [table = request.table, statement, columns = view.columns.size()]() -> std::unique_ptr<ViewRows> {
-    return std::make_unique<CursorRows>(table.query(statement), columns);
+  const bool ledgerLines = request.ledgerLines && !request.report.ledgerLine.empty();
+  if (ledgerLines) list.append(", ").append(request.report.ledgerLine).append(" As ledgerLine");
+  view.tableRows = TableRows{.table = request.table.name(),
+                             .list = list,
+                             .where = where,
+                             .order = orderOf(request, shown.columns, present),
+                             .ledgerLines = ledgerLines};
+  const std::string statement =
+      "Select " + list + " From " + request.table.name() + " Where " + where + " Order By " + view.tableRows->order;
+  view.rows = [table = request.table, statement, columns = view.columns.size(),
+               ledgerLines]() -> std::unique_ptr<ViewRows> {
+    return std::make_unique<CursorRows>(table.query(statement), columns, ledgerLines);
   };
   const std::size_t levels = request.arrangement.groupBy.size();
   return levels == 0 ? view : grouped(std::move(view), levels, stateColumn, request.language);

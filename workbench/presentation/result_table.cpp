@@ -41,13 +41,35 @@ bool hasColumn(std::span<const tsql::Column> columns, std::string_view name) {
 
 }  // namespace
 
+std::int64_t ResultFacts::rowCount(const std::function<std::int64_t()>& count) {
+  const std::scoped_lock lock(mutex_);
+  if (!rowCount_) rowCount_ = count();
+  return *rowCount_;
+}
+
+std::vector<ReportColumn> ResultFacts::filledColumns(const std::function<std::vector<ReportColumn>()>& find) {
+  const std::scoped_lock lock(mutex_);
+  if (!filledColumns_) filledColumns_ = find();
+  return *filledColumns_;
+}
+
 std::int64_t ResultTable::rowCount(const std::string& where) const {
-  const auto cursor = account_.query("Select Count(*) From " + name_ + " Where " + where);
-  return cursor->next() ? std::get<std::int64_t>(cursor->value(0)) : 0;
+  if (facts_ && where == everyRow) return facts_->rowCount([&] { return countRows(where); });
+  return countRows(where);
 }
 
 std::vector<ReportColumn> ResultTable::filledColumns(std::span<const ReportColumn> known,
                                                      const std::string& where) const {
+  if (facts_ && where == everyRow) return facts_->filledColumns([&] { return findFilled(known, where); });
+  return findFilled(known, where);
+}
+
+std::int64_t ResultTable::countRows(const std::string& where) const {
+  const auto cursor = account_.query("Select Count(*) From " + name_ + " Where " + where);
+  return cursor->next() ? std::get<std::int64_t>(cursor->value(0)) : 0;
+}
+
+std::vector<ReportColumn> ResultTable::findFilled(std::span<const ReportColumn> known, const std::string& where) const {
   const std::vector<tsql::Column> present = account_.describe(name_);
   std::vector<ReportColumn> candidates;
   std::string list;
@@ -98,7 +120,7 @@ std::unique_ptr<tsql::Cursor> ResultTable::rows(std::span<const ReportColumn> co
   return account_.query(selectRows(columns));
 }
 
-std::string ResultTable::selectRows(std::span<const ReportColumn> columns) const {
+std::string ResultTable::selectRows(std::span<const ReportColumn> columns, const std::string& where) const {
   const std::vector<tsql::Column> present = account_.describe(name_);
   std::string list;
   for (const ReportColumn& column : columns)
@@ -114,7 +136,8 @@ std::string ResultTable::selectRows(std::span<const ReportColumn> columns) const
   for (const tsql::Column& column : present) {
     if (!leads(column)) orderBy(column.name);
   }
-  return "Select " + (list.empty() ? "*" : list) + " From " + name_ + " Order By " + order;
+  return "Select " + (list.empty() ? "*" : list) + " From " + name_ + (where.empty() ? "" : " Where " + where) +
+         " Order By " + order;
 }
 
 std::unique_ptr<tsql::Cursor> ResultTable::ledgerRows(std::span<const ReportColumn> columns) const {

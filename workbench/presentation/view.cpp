@@ -64,6 +64,7 @@ class KeptCells final : public ViewRows {
 View keeping(View view, const std::vector<bool>& kept) {
   if (std::ranges::find(kept, false) == kept.end()) return view;
   view.columns = keptOf(view.columns, kept);
+  view.tableRows.reset();
   for (ViewRow& row : view.totals)
     row.cells = keptOf(row.cells, kept);
   view.rows = [rows = std::move(view.rows), kept]() -> std::unique_ptr<ViewRows> {
@@ -73,6 +74,37 @@ View keeping(View view, const std::vector<bool>& kept) {
 }
 
 }  // namespace
+
+std::string_view rowKindName(RowKind kind) {
+  switch (kind) {
+    case RowKind::line:
+      return "line";
+    case RowKind::detail:
+      return "detail";
+    case RowKind::group:
+      return "group";
+    case RowKind::subtotal:
+      return "subtotal";
+    case RowKind::opening:
+      return "opening";
+    case RowKind::monthTotal:
+      return "monthTotal";
+    case RowKind::yearTotal:
+      return "yearTotal";
+    case RowKind::closing:
+      return "closing";
+    case RowKind::difference:
+      return "difference";
+    case RowKind::total:
+      break;
+  }
+  return "total";
+}
+
+std::optional<std::int64_t> ledgerLineOf(const tsql::Value& value) {
+  const auto* number = std::get_if<std::int64_t>(&value);
+  return number == nullptr ? std::nullopt : std::optional(*number);
+}
 
 std::function<std::unique_ptr<ViewRows>()> heldRows(std::shared_ptr<const std::vector<ViewRow>> rows) {
   return [rows = std::move(rows)]() -> std::unique_ptr<ViewRows> { return std::make_unique<HeldRows>(rows); };
@@ -96,6 +128,7 @@ View limited(const View& view, std::int64_t limit) {
   }
   View shown = view;
   shown.rows = heldRows(std::move(rows));
+  shown.tableRows.reset();
   return keeping(std::move(shown), filled);
 }
 

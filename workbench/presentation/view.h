@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "workbench/catalogue/report_columns.h"
@@ -25,6 +27,9 @@ enum class RowKind {
   difference,  // by how much two figures differ that should agree
   total,       // sums of all rows, shown or not
 };
+
+// "line", "monthTotal".
+std::string_view rowKindName(RowKind kind);
 
 // Whether a row of this kind is set off from the lines.
 constexpr bool isSetOff(RowKind kind) {
@@ -48,6 +53,9 @@ struct ViewRow {
   RowKind kind = RowKind::line;
   int level = 0;                   // how deep a group, subtotal or line lies; 0 outermost
   std::vector<tsql::Value> cells;  // one a column; null is nothing. Words of a total stand in a text column's cell
+  // The ledger line (AutoID) whose document the row opens; nothing where it opens none, or nobody asked
+  // (LayoutRequest::ledgerLines).
+  std::optional<std::int64_t> ledgerLine = {};
 };
 
 // The rows of a view, read once from first to last.
@@ -58,13 +66,27 @@ class ViewRows {
   virtual const ViewRow& row() const = 0;  // stays until the next call
 };
 
+// Rows of a view that are rows of a table as they stand there: a reader of single pages takes them from the table. All
+// texts are T-SQL.
+struct TableRows {
+  std::string table;
+  std::string list;  // one expression a column of the view, then the ledger line where that was asked for
+  std::string where;
+  std::string order;
+  bool ledgerLines = false;
+};
+
 struct View {
   std::vector<ViewColumn> columns;
   std::function<std::unique_ptr<ViewRows>()> rows;  // begins anew with each call; destroy one before the next is made
   std::vector<ViewRow> totals;                      // stand last, whatever limit cuts the rows
   std::int64_t lineCount = 0;                       // rows of kind `line`
   std::size_t columnsLeftOut = 0;                   // that hold something and are shown when asked for
+  std::optional<TableRows> tableRows = {};          // what `rows` reads, where it is that and no more
 };
+
+// The ledger line that a value of such a column names.
+std::optional<std::int64_t> ledgerLineOf(const tsql::Value& value);
 
 // A view's rows that are held in memory; `rows` is shared by all that read them.
 std::function<std::unique_ptr<ViewRows>()> heldRows(std::shared_ptr<const std::vector<ViewRow>> rows);

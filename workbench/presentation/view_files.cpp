@@ -10,32 +10,6 @@ namespace quillon::workbench {
 
 namespace {
 
-std::string_view nameOf(RowKind kind) {
-  switch (kind) {
-    case RowKind::line:
-      return "line";
-    case RowKind::detail:
-      return "detail";
-    case RowKind::group:
-      return "group";
-    case RowKind::subtotal:
-      return "subtotal";
-    case RowKind::opening:
-      return "opening";
-    case RowKind::monthTotal:
-      return "monthTotal";
-    case RowKind::yearTotal:
-      return "yearTotal";
-    case RowKind::closing:
-      return "closing";
-    case RowKind::difference:
-      return "difference";
-    case RowKind::total:
-      break;
-  }
-  return "total";
-}
-
 // A group's heading and the column's own: "收入数量", "Receipts: quantity" has its group in front, too.
 std::string fullCaption(const ViewColumn& column, Language language) {
   const std::string& group = column.group(language);
@@ -47,21 +21,30 @@ View shownView(const ReportSection& section) {
   return section.limit ? limited(section.view, *section.limit) : section.view;
 }
 
+bool beginsFormula(std::string_view text) {
+  constexpr std::string_view signs = "=+-@\t\r";
+  return !text.empty() && signs.find(text.front()) != std::string_view::npos;
+}
+
 class CsvRecords {
  public:
-  CsvRecords(std::ostream& out, bool rowKinds) : out_(out), rowKinds_(rowKinds) {}
+  CsvRecords(std::ostream& out, bool rowKinds, bool guarded) : out_(out), rowKinds_(rowKinds), guarded_(guarded) {}
 
   void heading(const View& view, const CsvStyle& style, Language language) {
     if (rowKinds_) record_ = "rowKind,level";
-    for (const ViewColumn& column : view.columns)
-      append(style.captions ? fullCaption(column, language) : column.column.name);
+    for (const ViewColumn& column : view.columns) {
+      const std::string name = style.captions ? fullCaption(column, language) : column.column.name;
+      append(guarded_ && beginsFormula(name) ? "'" + name : name);  // of a cost item, say
+    }
     end();
   }
   void row(const ViewRow& row) {
-    if (rowKinds_) record_ = std::string(nameOf(row.kind)).append(",").append(std::to_string(row.level));
+    if (rowKinds_) record_ = std::string(rowKindName(row.kind)).append(",").append(std::to_string(row.level));
     first_ = !rowKinds_;
-    for (const tsql::Value& cell : row.cells)
-      append(plainText(cell, ""));
+    for (const tsql::Value& cell : row.cells) {
+      const std::string text = plainText(cell, "");
+      append(guarded_ && std::holds_alternative<std::string>(cell) && beginsFormula(text) ? "'" + text : text);
+    }
     end();
   }
 
@@ -78,12 +61,13 @@ class CsvRecords {
 
   std::ostream& out_;
   bool rowKinds_;
+  bool guarded_;
   bool first_ = !rowKinds_;
   std::string record_;
 };
 
 void writeJsonRow(std::ostream& out, const ViewRow& row) {
-  out << "{\"kind\":\"" << nameOf(row.kind) << "\",\"level\":" << row.level << ",\"cells\":[";
+  out << "{\"kind\":\"" << rowKindName(row.kind) << "\",\"level\":" << row.level << ",\"cells\":[";
   const char* separator = "";
   for (const tsql::Value& cell : row.cells) {
     out << separator;
@@ -104,7 +88,7 @@ void writeCsv(std::ostream& out, const ReportDocument& heading, const ReportSect
   const View view = shownView(section);
   if (style.bom) out << byteOrderMark;
   const bool onlyLines = section.layout == Layout::lines && !section.grouped;
-  CsvRecords records(out, !onlyLines);
+  CsvRecords records(out, !onlyLines, style.guarded);
   records.heading(view, style, heading.language);
   for (const auto rows = view.rows(); rows->next();)
     records.row(rows->row());

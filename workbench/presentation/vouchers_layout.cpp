@@ -234,6 +234,7 @@ class VoucherRows final : public ViewRows {
       alike[i] = allAlike(rows, i);
       if (alike[i]) head.cells[i] = rows.front()[i];
     }
+    head.ledgerLine = ledgerLineOf(rows.front()[plan_->lineRead()]);  // of its first line
     rows_.push_back(std::move(head));
     Sums sums;
     for (auto row = rows.begin(); row != rows.end();) {
@@ -263,6 +264,7 @@ class VoucherRows final : public ViewRows {
     for (std::size_t i = 0; i < plan_->parts(); ++i) {
       if (i >= plan_->shared || !alike[i] || plan_->everyKey) line.cells[i] = read[i];
     }
+    line.ledgerLine = ledgerLineOf(read[plan_->lineRead()]);
     const std::size_t figures = plan_->figures();
     sums.inQuantity.add(read[figures + inQuantity]);
     sums.inAmount.add(read[figures + inAmount]);
@@ -276,6 +278,7 @@ class VoucherRows final : public ViewRows {
 
   void addPart(const ReadRow& read) {
     ViewRow part = emptyRow(RowKind::detail, 2);
+    part.ledgerLine = ledgerLineOf(read[plan_->lineRead()]);
     if (plan_->everyKey) std::copy_n(read.begin(), plan_->figures(), part.cells.begin());
     std::copy_n(read.begin() + static_cast<std::ptrdiff_t>(plan_->parts()), plan_->ofPart + 1,
                 part.cells.begin() + static_cast<std::ptrdiff_t>(plan_->parts()));

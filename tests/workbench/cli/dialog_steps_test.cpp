@@ -1,4 +1,4 @@
-#include "workbench/cli/dialog_steps.h"
+#include "workbench/runs/dialog_steps.h"
 
 #include <gmock/gmock.h>
 

@@ -20,11 +20,12 @@
 #include "workbench/account/account.h"
 #include "workbench/account/schema.h"
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/cli/report_run.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/lookup.h"
 #include "workbench/platform/resource_texts.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {
 namespace {
@@ -346,9 +347,10 @@ class ResultTables : public testing::Test {
   // Names and types of the result table's columns in order.
   static Rows made(const std::string& report, const std::vector<std::string>& settings) {
     std::ostringstream notes;
+    RunNotes observer(notes, Language::english);
     const auto run = makeReport(
         {.report = report, .account = AccountSource::inFile(file_->path()), .settings = settings, .dialog = false},
-        {notes});
+        observer);
     Rows columns;
     for (const tsql::Column& column : run->connection().describe(run->table().name()))
       columns.push_back({lower(column.name), column.type.name()});

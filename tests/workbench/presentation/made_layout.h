@@ -12,11 +12,12 @@
 
 #include "frame/text.h"
 #include "workbench/catalogue/catalogue.h"
-#include "workbench/cli/report_run.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/presentation/layout_request.h"
 #include "workbench/presentation/ledger_sheet.h"
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/view.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::workbench::test {
 
@@ -31,7 +32,7 @@ class MadeLayout {
                           .settings = std::move(settings),
                           .dialog = false,
                           .language = language},
-                         {.notes = notes_})),
+                         observer_)),
         table_(made_->table()) {
     document_.language = language;
     document_.report = report;
@@ -59,6 +60,7 @@ class MadeLayout {
 
  private:
   std::ostringstream notes_;
+  RunNotes observer_{notes_};
   const Report& report_;
   std::unique_ptr<MadeReport> made_;
   ResultTable table_;

@@ -71,6 +71,14 @@ class Connection : public Database {
   virtual void rollback() = 0;
   virtual std::unique_ptr<BulkWriter> bulkWriter(std::string_view table, std::span<const std::string> columns) = 0;
 
+  // The rows of a table that meet `where`, a T-SQL condition, in the order of `order`, a T-SQL list of its columns: numbers
+  // by which rowsAt() finds them, until the table changes. So a long result is ordered once and then read page by page.
+  virtual std::vector<std::int64_t> orderedRows(std::string_view table, std::string_view where,
+                                                std::string_view order) = 0;
+  // Of these rows, in the order given, the values of `list`, a T-SQL select list. One that is gone is left out.
+  virtual std::unique_ptr<Cursor> rowsAt(std::string_view table, std::string_view list,
+                                         std::vector<std::int64_t> rows) = 0;
+
   // Called after each statement; an empty function switches it off.
   virtual void observe(std::function<void(const StatementReport&)> observer) = 0;
   // The SQLite statement that a T-SQL statement becomes, for tests and benchmarks.

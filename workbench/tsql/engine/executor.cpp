@@ -88,6 +88,42 @@ class KeptRows : public Cursor, public ResultSink {
   bool started_ = false;
 };
 
+// Reads rows by their numbers, one after the other.
+class NumberedRows : public Cursor {
+ public:
+  // `query` has one parameter, the number.
+  NumberedRows(sqlite3* database, const BoundQuery& query, std::vector<std::int64_t> rows)
+      : columns_(resultColumns(query.columns)),
+        row_(columns_.size()),
+        statement_(database, query.sql),
+        rows_(std::move(rows)) {}
+
+  std::span<const Column> columns() const override { return columns_; }
+  bool next() override {
+    endIfStopped();
+    while (position_ < rows_.size()) {
+      statement_.reset();
+      statement_.bind(1, rows_[position_++]);
+      if (!statement_.step()) continue;
+      for (std::size_t i = 0; i < row_.size(); ++i)
+        row_[i] = columnValue(statement_.handle(), static_cast<int>(i), columns_[i].type);
+      return true;
+    }
+    return false;
+  }
+  const Value& value(std::size_t column) const override { return row_.at(column); }
+
+ private:
+  std::vector<Column> columns_;
+  std::vector<Value> row_;
+  Prepared statement_;
+  std::vector<std::int64_t> rows_;
+  std::size_t position_ = 0;
+};
+
+// What a table is called in the statements of orderedRows() and rowsAt().
+constexpr std::string_view numberedName = "numbered_rows";
+
 const ObjectName* intoOf(const Query& query) {
   const Query* leaf = &query;
   while (!leaf->core)
@@ -467,6 +503,37 @@ std::vector<Column> Executor::describe(std::string_view name) {
   if (!view || view->type != 'V') return {};
   Binder binder(catalog_, false);
   return resultColumns(binder.query(*parseBatch(view->definition).at(0)->query, nullptr, Naming::columns).columns);
+}
+
+std::vector<std::int64_t> Executor::orderedRows(std::string_view table, std::string_view where,
+                                                std::string_view order) {
+  std::string text = "Select 1 From ";
+  text.append(table).append(" ").append(numberedName).append(" Where ").append(where);
+  text.append(" Order By ").append(order);
+  const std::vector<StatementPtr> statements = parseBatch(text);
+  catalog_.refresh();
+  Binder binder(catalog_, false);
+  const std::string number = quoteName(numberedName) + '.' + binder.table(parseObjectName(table))->rowid();
+  BoundQuery bound = binder.query(*statements.at(0)->query);
+  constexpr std::string_view one = "SELECT 1";
+  bound.sql.replace(0, one.size(), "SELECT " + number);
+  std::vector<std::int64_t> rows;
+  for (Prepared statement(database_, bound.sql); statement.step();)
+    rows.push_back(statement.integer(0));
+  return rows;
+}
+
+std::unique_ptr<Cursor> Executor::rowsAt(std::string_view table, std::string_view list,
+                                         std::vector<std::int64_t> rows) {
+  std::string text = "Select ";
+  text.append(list).append(" From ").append(table).append(" ").append(numberedName);
+  const std::vector<StatementPtr> statements = parseBatch(text);
+  catalog_.refresh();
+  Binder binder(catalog_, false);
+  const std::string number = quoteName(numberedName) + '.' + binder.table(parseObjectName(table))->rowid();
+  BoundQuery bound = binder.query(*statements.at(0)->query);
+  bound.sql += " WHERE " + number + " = ?1";
+  return std::make_unique<NumberedRows>(database_, bound, std::move(rows));
 }
 
 std::string Executor::translate(std::string_view text) {

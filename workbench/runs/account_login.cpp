@@ -1,4 +1,4 @@
-#include "workbench/cli/account_login.h"
+#include "workbench/runs/account_login.h"
 
 namespace quillon::workbench {
 

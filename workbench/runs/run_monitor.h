@@ -1,18 +1,18 @@
-// Watches the sessions of a report run for the person who waits: progress, explanation, and what went wrong.
+// Watches the sessions of a report run: counts its statements, passes them on to an observer, and keeps what went wrong.
 #pragma once
 
 #include <exception>
 #include <optional>
-#include <ostream>
 #include <string>
 
-#include "workbench/cli/progress_line.h"
 #include "workbench/messages/message.h"
 #include "workbench/platform/account_session.h"
+#include "workbench/runs/run_observer.h"
 
 namespace quillon::workbench {
 
-// Errors of SQL in the catalogue's sentences around their own words: "error 207 in line 1 of the batch: Invalid column name 'x'."; without number and line what has none.
+// Errors of SQL in the catalogue's sentences around their own words: "error 207 in line 1 of the batch: Invalid column name
+// 'x'."; without number and line what has none.
 Message errorText(int number, int line, std::string_view message);
 // The same with the statement behind it, cut to a line.
 Message errorText(const StatementFailure& failure);
@@ -21,10 +21,8 @@ Message errorText(const std::exception& error);
 
 class RunMonitor final : public SessionMonitor {
  public:
-  // `progress` shows the running statement. `explanation` gets each statement with its time and row count. Either may be
-  // null.
-  RunMonitor(ProgressLine* progress, std::ostream* explanation, Language language = Language::english)
-      : progress_(progress), explanation_(explanation), language_(language) {}
+  // `observer` outlives this.
+  explicit RunMonitor(RunObserver& observer) : observer_(observer) {}
 
   void opened() override { open_ = true; }
   void started(std::string_view sql) override;
@@ -40,11 +38,7 @@ class RunMonitor final : public SessionMonitor {
   int statements() const { return statements_; }
 
  private:
-  void clearProgress();
-
-  ProgressLine* progress_;
-  std::ostream* explanation_;
-  Language language_;
+  RunObserver& observer_;
   std::optional<StatementFailure> failure_;
   bool open_ = false;
   double seconds_ = 0;

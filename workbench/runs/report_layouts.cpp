@@ -1,4 +1,4 @@
-#include "workbench/cli/report_layouts.h"
+#include "workbench/runs/report_layouts.h"
 
 #include <algorithm>
 #include <utility>
@@ -129,11 +129,13 @@ class Layouts {
                  .table = table_,
                  .mode = entered(report.filter(), "cModal"),
                  .language = language,
-                 .allColumns = options.allColumns},
+                 .allColumns = options.allColumns,
+                 .ledgerLines = options.ledgerLines},
         options_(options),
         heading_(heading),
         forPrograms_(output == LayoutOutput::fields) {
     if (report.report().isLedger) ledger_ = ledgerRequest(report);
+    ledger_.parts = options.details;
   }
 
   // What a page shows beside the section `asked`, which has all columns and rows that the figures are taken from.
@@ -160,33 +162,61 @@ class Layouts {
   ReportSection whole(Layout layout, bool asked) {
     ReportSection section{.layout = layout, .view = {}, .limit = options_.limit};
     request_.arrangement = {};
-    const ArrangementText& text = options_.arrangement;
-    if (!text.empty()) {
-      const std::vector<ReportColumn> known = columnsPresent(request_);
-      if (!asked) {
-        request_.arrangement = parseArrangement({.columns = {}, .sort = {}, .groupBy = {}, .where = text.where}, known);
-      } else if (layout == Layout::lines) {
-        request_.arrangement = parseArrangement(text, known);
-      } else if (layout == Layout::vouchers) {
-        request_.arrangement = parseArrangement(text, vouchersColumns(request_));
-      } else if (isLedger(layout)) {
-        // The balances run over all lines: what is shown of them is chosen afterwards.
-        section.view = view(layout);
-        const Arrangement arrangement = parseArrangement(text, namesIn(section.view));
-        section.grouped = !arrangement.groupBy.empty();
-        section.view = arranged(std::move(section.view), arrangement, heading_.language);
-        return section;
-      } else {
-        // Conditions and groups are of the table, columns and order of what the layout makes of it.
-        request_.arrangement = parseArrangement({.groupBy = text.groupBy, .where = text.where}, known);
-        const Arrangement own = parseArrangement({.columns = text.columns, .sort = text.sort}, namesIn(view(layout)));
-        request_.arrangement.columns = own.columns;
-        request_.arrangement.sort = own.sort;
-      }
-      section.grouped = !request_.arrangement.groupBy.empty();
+    if (!options_.arranged && options_.arrangement.empty()) {
+      section.view = view(layout);
+      addOffered(section);
+      return section;
     }
+    const std::vector<ReportColumn> known = columnsPresent(request_);
+    if (!asked) {
+      request_.arrangement = arrangement({.where = true}, known);
+    } else if (layout == Layout::lines) {
+      request_.arrangement = arrangement(all, known);
+    } else if (layout == Layout::vouchers) {
+      request_.arrangement = arrangement(all, vouchersColumns(request_));
+    } else if (isLedger(layout)) {
+      // The balances run over all lines: what is shown of them is chosen afterwards.
+      section.view = view(layout);
+      section.offered = namesIn(section.view);
+      const Arrangement own = arrangement(all, section.offered);
+      section.grouped = !own.groupBy.empty();
+      section.view = arranged(std::move(section.view), own, heading_.language);
+      return section;
+    } else {
+      // Conditions and groups are of the table, columns and order of what the layout makes of it.
+      request_.arrangement = arrangement({.groupBy = true, .where = true}, known);
+      section.offered = namesIn(view(layout));
+      const Arrangement own = arrangement({.columns = true, .sort = true}, section.offered);
+      request_.arrangement.columns = own.columns;
+      request_.arrangement.sort = own.sort;
+    }
+    section.grouped = !request_.arrangement.groupBy.empty();
     section.view = view(layout);
+    addOffered(section);
     return section;
+  }
+
+  static constexpr ArrangementParts all{.columns = true, .sort = true, .groupBy = true, .where = true};
+
+  void addOffered(ReportSection& section) {
+    if (!options_.offers || !section.offered.empty()) return;
+    if (section.layout != Layout::lines && section.layout != Layout::vouchers) {
+      section.offered = namesIn(section.view);
+      return;
+    }
+    section.offered = table_.filledColumns(request_.report.columns);
+    if (section.layout == Layout::vouchers) section.offered.push_back(vouchersColumns(request_).back());
+  }
+
+  // What was asked for, as names of `known`.
+  Arrangement arrangement(ArrangementParts parts, std::span<const ReportColumn> known) const {
+    if (options_.arranged) return resolved(*options_.arranged, parts, known);
+    const ArrangementText& text = options_.arrangement;
+    return parseArrangement({.columns = parts.columns ? text.columns : std::vector<std::string>(),
+                             .sort = parts.sort ? text.sort : std::vector<std::string>(),
+                             .groupBy = parts.groupBy ? text.groupBy : std::vector<std::string>(),
+                             .where = parts.where ? text.where : std::vector<std::string>()},
+                            known);
   }
 
   View view(Layout layout) {

@@ -5,23 +5,27 @@
 #include <optional>
 #include <string>
 
-#include "workbench/cli/report_run.h"
 #include "workbench/presentation/arrangement.h"
 #include "workbench/presentation/laid_out_report.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {
 
 struct LayoutOptions {
   std::optional<Layout> layout = {};  // nothing: the report's first
   ArrangementText arrangement = {};
-  bool allColumns = false;                 // also those that are shown when asked
-  std::optional<std::int64_t> limit = {};  // lines of a section; nothing: all
+  std::optional<Arrangement> arranged = {};  // the same from who does not write it as texts; then those do not count
+  bool allColumns = false;                   // also those that are shown when asked
+  std::optional<std::int64_t> limit = {};    // lines of a section; nothing: all
   // Rows of a section, what belongs to lines and heads them counted as well; for want of a limit. Nothing: all.
   std::optional<std::int64_t> rowsOfPage = {};
-  std::string company = {};                // whose account it is; empty: the account's code
+  std::string company = {};                  // whose account it is; empty: the account's code
+  bool details = false;                      // of a ledger: the cost items of each line beneath it
+  bool ledgerLines = false;                  // rows say which ledger line they are of
+  bool offers = false;                       // sections say which columns may be named (ReportSection::offered)
 
   // Whether the rows of the result table are to be shown as they are.
-  bool asStored() const { return !layout && !limit && arrangement.empty(); }
+  bool asStored() const { return !layout && !limit && arrangement.empty() && !arranged; }
 };
 
 // Throws UserError when the report does not have the layout.

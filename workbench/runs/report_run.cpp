@@ -1,13 +1,12 @@
-#include "workbench/cli/report_run.h"
+#include "workbench/runs/report_run.h"
 
-#include <array>
 #include <chrono>
 
 #include "workbench/account/kept_table.h"
 #include "workbench/account/leftover_tables.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
-#include "workbench/cli/run_monitor.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/messages/filter.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/filter_file.h"
@@ -22,10 +21,10 @@
 namespace quillon::workbench {
 
 void noteValuesToGive(const FilterObject& filter, std::string_view message, const SignedInAccount& account,
-                      Language language, std::ostream& notes) {
+                      Language language, RunObserver& observer) {
   try {
     const auto line = valuesToGive(filter, message, *account.session, language);
-    if (line) notes << "quillon: " << oneLine(*line) << '\n';
+    if (line) observer.noted(oneLine(*line));
   } catch (const AutomationError&) {
     // An account of another make may keep its ledger elsewhere: what is missing was said.
   }
@@ -40,9 +39,9 @@ std::set<const FilterEntry*> givenTo(const FilterObject& filter) {
 }
 
 void saveFilter(const FilterToSave& saving, const FilterObject& filter, const std::set<const FilterEntry*>& entries,
-                Language language, std::ostream& notes) {
+                Language language, RunObserver& observer) {
   SavedFilters::ofUser().save(saving.name, filterFileText(filter, entries, language), saving.replace);
-  notes << "quillon: " << messages::filterSaved(saving.name).in(language) << '\n';
+  observer.noted(messages::filterSaved(saving.name).in(language));
 }
 
 namespace {
@@ -50,12 +49,12 @@ namespace {
 // Puts the filter through the report's dialog, as if it had been opened with these values and confirmed. Only the given
 // values are checked: the default year of the dialog may be one that its own list does not have.
 void passDialog(const Report& report, const SignedInAccount& account, const std::shared_ptr<FilterObject>& filter,
-                Language language, std::ostream& notes) {
+                Language language, RunObserver& observer) {
   std::string message;
   EmbeddedPlatform platform(
-      {.account = account.source, .language = language, .messages = [&notes, &message](std::string_view text, int) {
+      {.account = account.source, .language = language, .messages = [&observer, &message](std::string_view text, int) {
          message = oneLine(text);
-         notes << message << '\n';
+         observer.shown(message);
        }});
   std::vector<const FilterEntry*> given;
   for (const auto& entry : filter->entries()) {
@@ -69,33 +68,43 @@ void passDialog(const Report& report, const SignedInAccount& account, const std:
     checkItem(*entry);
   checkComplete(*filter);
   if (!runner->click()) {
-    noteValuesToGive(*filter, message, account, language, notes);
-    throw UserError(messages::dialogRefuses());
+    noteValuesToGive(*filter, message, account, language, observer);
+    throw FilterRefused(messages::dialogRefuses());
   }
   for (const FilterEntry* entry : given) {
     if (entry->available || entry->value == entry->item.defaultValue) continue;
     const Caption caption{entry->item.chinese, entry->item.english};
-    notes << "quillon: " << messages::dialogWouldNotLet(entry->item.key, caption).in(language) << '\n';
+    observer.noted(messages::dialogWouldNotLet(entry->item.key, caption).in(language));
   }
 }
 
+void noteUnknownCodes(const FilterObject& filter, const SignedInAccount& account, Language language,
+                      RunObserver& observer) {
+  for (const Message& line : unknownCodes(filter, *account.session))
+    observer.noted(oneLine(line.in(language)));
+}
+
 std::shared_ptr<FilterObject> filledFilter(const ReportRequest& request, const Report& report,
-                                           const SignedInAccount& account, std::ostream& notes) {
+                                           const SignedInAccount& account, RunObserver& observer) {
+  if (request.accepted) {
+    noteUnknownCodes(*request.accepted, account, request.language, observer);
+    return request.accepted;
+  }
   auto filter = std::make_shared<FilterObject>(report.registration,
                                                request.dialog ? InitialValues::none : InitialValues::defaults);
   if (!request.dialog) prepareFilter(*filter, *account.login, *account.session);
   if (!request.filterFile.empty()) readFilterFile(*filter, request.filterFile);
   setFilterItems(*filter, request.settings);
+  setItems(*filter, request.values);
   resolveNames(*filter, *account.session, request.language, request.dialog);
   const std::set<const FilterEntry*> given = givenTo(*filter);
   if (request.dialog) {
-    passDialog(report, account, filter, request.language, notes);
+    passDialog(report, account, filter, request.language, observer);
   } else {
     checkFilter(*filter);
   }
-  for (const Message& line : unknownCodes(*filter, *account.session))
-    notes << "quillon: " << oneLine(line.in(request.language)) << '\n';
-  if (!request.saving.name.empty()) saveFilter(request.saving, *filter, given, request.language, notes);
+  noteUnknownCodes(*filter, account, request.language, observer);
+  if (!request.saving.name.empty()) saveFilter(request.saving, *filter, given, request.language, observer);
   return filter;
 }
 
@@ -108,14 +117,14 @@ bool onlyGroupIndexStays(const StatementFailure& failure) {
 }
 
 // Says what stopped the build. Throws unless all rows were written by then.
-void reportStop(const RunMonitor& monitor, Language language, std::ostream& notes) {
+void reportStop(const RunMonitor& monitor, Language language, RunObserver& observer) {
   if (!monitor.failure()) {
     throw UserError(messages::filterNotTranslated());
   }
   const StatementFailure& failure = *monitor.failure();
   if (onlyGroupIndexStays(failure)) {
     const Message error = errorText(failure.number, failure.line, failure.message);
-    notes << "quillon: " << messages::groupIndexStays(error).in(language) << '\n';
+    observer.noted(messages::groupIndexStays(error).in(language));
     return;
   }
   throw UserError(messages::buildStopped(errorText(failure)));
@@ -148,18 +157,6 @@ class WorkTablesOnServer {
   bool reportDroppedThem_ = false;
 };
 
-std::string decimals(const char* format, double number) {
-  std::array<char, 64> text{};
-  const int length = std::snprintf(text.data(), text.size(), format, number);
-  return {text.data(), static_cast<std::size_t>(length)};
-}
-
-Message totalTime(const RunMonitor& monitor, double seconds) {
-  return messages::explainedTotal(monitor.statements(), decimals("%.1f", monitor.secondsInStatements() * 1000),
-                                  decimals("%.1f", seconds * 1000),
-                                  decimals("%.2f", (seconds - monitor.secondsInStatements()) * 1000));
-}
-
 }  // namespace
 
 MadeReport::MadeReport(const Report& report, SignedInAccount account, std::shared_ptr<FilterObject> filter)
@@ -168,6 +165,25 @@ MadeReport::MadeReport(const Report& report, SignedInAccount account, std::share
       filter_(std::move(filter)),
       argument_(std::make_shared<WorkbenchArgument>(filter_, account_.login, freshResultTable())),
       connection_(account_.source.open(tsql::OpenMode::existing)) {}
+
+MadeReport::MadeReport(const Report& report, SignedInAccount account, std::shared_ptr<FilterObject> filter,
+                       std::shared_ptr<WorkbenchArgument> argument)
+    : report_(report),
+      account_(std::move(account)),
+      filter_(std::move(filter)),
+      argument_(std::move(argument)),
+      connection_(account_.source.open(tsql::OpenMode::existing)),
+      keep_(true) {}
+
+std::unique_ptr<MadeReport> MadeReport::reader() const {
+  SignedInAccount account = account_;
+  account.session = std::make_shared<AccountSession>();
+  account.session->setAccount(account.source);
+  account.session->open("", "", optionsUnspecified);
+  std::unique_ptr<MadeReport> made(new MadeReport(report_, std::move(account), filter_, argument_));
+  made->facts_ = facts_;
+  return made;
+}
 
 MadeReport::~MadeReport() {
   // A scratch file takes its tables along.
@@ -188,21 +204,18 @@ void MadeReport::keepTable() {
   }
 }
 
-std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNotes& notes) {
+std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, RunObserver& observer) {
   const Report& report = reportNamed(request.report);
   if (!request.saving.name.empty()) SavedFilters::ofUser().requireFree(request.saving.name, request.saving.replace);
   SignedInAccount account = logIn(request.account, request.language, request.date);
-  std::shared_ptr<FilterObject> filter = filledFilter(request, report, account, notes.notes);
+  std::shared_ptr<FilterObject> filter = filledFilter(request, report, account, observer);
   auto made = std::make_unique<MadeReport>(report, std::move(account), std::move(filter));
 
-  RunMonitor monitor(notes.progress, notes.explanation, request.language);
+  RunMonitor monitor(observer);
   EmbeddedPlatform platform({.account = made->account().source,
                              .language = request.language,
                              .monitor = &monitor,
-                             .messages = [&notes](std::string_view text, int) {
-                               if (notes.progress != nullptr) notes.progress->clear();
-                               notes.notes << oneLine(text) << '\n';
-                             }});
+                             .messages = [&observer](std::string_view text, int) { observer.shown(oneLine(text)); }});
   WorkTablesOnServer workTables(made->account().source, platform);
   {
     const auto runner = makeReportRunner(platform);
@@ -217,12 +230,11 @@ std::unique_ptr<MadeReport> makeReport(const ReportRequest& request, const RunNo
       throw;
     }
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    if (notes.explanation != nullptr)
-      *notes.explanation << totalTime(monitor, time.count()).in(request.language) << '\n';
+    observer.ended(monitor.statements(), monitor.secondsInStatements(), time.count());
   }
   tsql::endIfStopped();
   if (monitor.leftOpen()) {
-    reportStop(monitor, request.language, notes.notes);
+    reportStop(monitor, request.language, observer);
   } else {
     workTables.reportDroppedThem();
   }

@@ -1,9 +1,9 @@
-#include "workbench/cli/dialog_steps.h"
+#include "workbench/runs/dialog_steps.h"
 
 #include <array>
 #include <utility>
 
-#include "workbench/cli/run_monitor.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/messages/filter.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/user_error.h"
@@ -34,9 +34,7 @@ DialogStep dialogStep(const std::string& text) {
 }
 
 void DialogPlay::take(const DialogStep& step) {
-  accepted_.reset();
-  changed_ = nullptr;
-  messages_.clear();
+  begin();
   try {
     switch (step.kind) {
       case DialogStep::Kind::init:
@@ -49,7 +47,8 @@ void DialogPlay::take(const DialogStep& step) {
         accepted_ = runner_.click();
         break;
       case DialogStep::Kind::change:
-        change(step.setting);
+        tellChange(changeItem(*dialog_->filter(), step.setting, dialog_->connection(),
+                              languageOfRegion(dialog_->login()->languageRegion())));
         break;
     }
   } catch (const std::exception& error) {
@@ -57,11 +56,20 @@ void DialogPlay::take(const DialogStep& step) {
   }
 }
 
-void DialogPlay::change(const std::string& setting) {
-  FilterObject& filter = *dialog_->filter();
-  const FilterEntry& entry =
-      changeItem(filter, setting, dialog_->connection(), languageOfRegion(dialog_->login()->languageRegion()));
-  const std::string& key = entry.item.key;
+void DialogPlay::take(const ItemValue& value) {
+  begin();
+  tellChange(changeItem(*dialog_->filter(), value, dialog_->connection(),
+                        languageOfRegion(dialog_->login()->languageRegion())));
+}
+
+void DialogPlay::begin() {
+  accepted_.reset();
+  changed_ = nullptr;
+  messages_.clear();
+}
+
+void DialogPlay::tellChange(const FilterEntry& entry) {
+  const std::string key = entry.item.key;
   changed_ = &entry;
   runner_.changed(key);
   show(runner_.viewAfterChange(key));

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "workbench/catalogue/library_runner.h"
+#include "workbench/platform/filter_input.h"
 
 namespace quillon::workbench {
 
@@ -32,6 +33,8 @@ class DialogPlay {
   // for the view anew. Throws UserError that names the step when the value is not accepted, when the item is not
   // available, and when the class fails.
   void take(const DialogStep& step);
+  // A change of one item, from whoever does not write it as a step. Throws as take(), without a step to name.
+  void take(const ItemValue& value);
 
   const FilterObject& filter() const { return *dialog_->filter(); }
   // The view class, as last asked for; nullopt before that, or when the class left it open.
@@ -45,7 +48,8 @@ class DialogPlay {
   const std::vector<std::string>& messages() const { return messages_; }
 
  private:
-  void change(const std::string& setting);
+  void begin();
+  void tellChange(const FilterEntry& entry);
   void show(std::optional<std::string> view);
 
   std::shared_ptr<FilterDialogObject> dialog_;

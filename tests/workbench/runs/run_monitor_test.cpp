@@ -1,8 +1,10 @@
-#include "workbench/cli/run_monitor.h"
+#include "workbench/runs/run_monitor.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
+
+#include "workbench/cli/run_notes.h"
 
 namespace quillon::workbench {
 namespace {
@@ -32,7 +34,8 @@ TEST(ErrorText, IsThatOfTheStatementWhateverThrewIt) {
 
 TEST(RunMonitor, ExplainsWhatTheServerSaysBeside) {
   std::ostringstream explanation;
-  RunMonitor monitor(nullptr, &explanation);
+  RunNotes notes(explanation, Language::english, nullptr, &explanation);
+  RunMonitor monitor(notes);
   monitor.started("Select Sum(i) From t");
   monitor.told({.state = "01003", .number = 8153, .line = 1, .text = "Warning: Null value is eliminated."});
   EXPECT_EQ(explanation.str(), "[1] the server says: Warning: Null value is eliminated. (number 8153, line 1)\n");

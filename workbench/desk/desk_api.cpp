@@ -1,0 +1,453 @@
+#include "workbench/desk/desk_api.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <exception>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include "workbench/account/account.h"
+#include "workbench/catalogue/catalogue.h"
+#include "workbench/desk/json_forms.h"
+#include "workbench/desk/request_body.h"
+#include "workbench/platform/filter_file.h"
+#include "workbench/platform/json_file.h"
+#include "workbench/platform/user_error.h"
+#include "workbench/runs/filter_report.h"
+#include "workbench/runs/run_monitor.h"
+#include "workbench/tsql/values/utf8_path.h"
+
+namespace quillon::workbench::desk {
+
+namespace {
+
+constexpr int created = 201;
+constexpr std::int64_t mostRows = 1000;  // of a page
+constexpr std::int64_t anyNumber = INT64_MAX / 2;
+
+DeskResponse jsonAnswer(const Json& json, int status = 200) {
+  DeskResponse response;
+  response.status = status;
+  response.body = lineOf(json);
+  return response;
+}
+
+DeskResponse textAnswer(std::string json) {
+  DeskResponse response;
+  response.body = std::move(json);
+  return response;
+}
+
+std::vector<std::string> partsOf(std::string_view path) {
+  std::vector<std::string> parts;
+  while (true) {
+    const auto slash = path.find('/');
+    parts.emplace_back(path.substr(0, slash));
+    if (slash == std::string_view::npos) return parts;
+    path.remove_prefix(slash + 1);
+  }
+}
+
+[[noreturn]] void refuseAddress() {
+  throw ApiError(404, "unknown", "there is no such address");
+}
+
+// Whether the request is of that method and has so many parts.
+bool is(const DeskRequest& request, const std::vector<std::string>& parts, std::string_view method, std::size_t count) {
+  return request.method == method && parts.size() == count;
+}
+
+std::int64_t idOf(const std::string& text) {
+  std::int64_t id = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stopped, error] = std::from_chars(text.data(), end, id);
+  if (error != std::errc() || stopped != end) throw unknown("\"" + text + "\"");
+  return id;
+}
+
+const Report& reportIn(const Json& body) {
+  const std::string name = textIn(body, "report");
+  const auto all = reports();
+  const auto found = std::ranges::find_if(all, [&name](const Report& each) { return each.registration.name == name; });
+  if (found == all.end()) throw ApiError(404, "unknown", "there is no report \"" + name + "\"");
+  return *found;
+}
+
+Json described(const Report& report) {
+  Json layouts = Json::array(), items = Json::array();
+  for (const Layout layout : report.layouts) {
+    const Caption caption = layoutCaption(layout);
+    layouts.push_back({{"name", layoutName(layout)}, {"caption", inBothLanguages(caption.chinese, caption.english)}});
+  }
+  for (const ItemRegistration& item : report.registration.items)
+    items.push_back(registeredItem(item));
+  return {{"name", report.registration.name},
+          {"title", inBothLanguages(report.registration.chinese, report.registration.english)},
+          {"opensDocuments", report.opensDocuments()},
+          {"layouts", std::move(layouts)},
+          {"items", std::move(items)}};
+}
+
+std::string changedAt(const std::filesystem::path& file) {
+  std::error_code error;
+  const auto changed = std::filesystem::last_write_time(file, error);
+  if (error) return {};
+  const auto system = std::filesystem::file_time_type::clock::to_sys(changed);
+  return isoTime(std::chrono::time_point_cast<std::chrono::system_clock::duration>(system));
+}
+
+}  // namespace
+
+DeskApi::DeskApi(DeskOptions options)
+    : options_(std::move(options)), discretion_(options_.account, {options_.filters.folder()}), sweeper_([this] {
+        std::unique_lock lock(mutex_);
+        while (!ending_.wait_for(lock, options_.limits.sweep, [this] { return ended_; })) {
+          lock.unlock();
+          closeIdle();
+          lock.lock();
+        }
+      }) {}
+
+DeskApi::~DeskApi() {
+  {
+    const std::scoped_lock lock(mutex_);
+    ended_ = true;
+  }
+  ending_.notify_all();
+  sweeper_.join();
+  // All are asked to end before the first is waited for.
+  for (const auto& [id, run] : runs_)
+    run->stop();
+  for (const auto& [id, run] : runs_)
+    run->close();
+}
+
+DeskResponse DeskApi::handle(const DeskRequest& request) {
+  try {
+    return answer(request, partsOf(request.path));
+  } catch (const ApiError& error) {
+    return refusal(error);
+  } catch (const std::invalid_argument& error) {
+    return refusal({422, "value", error.what()});
+  } catch (const UserError& error) {
+    return refusal({422, "value", error.what()});
+  } catch (const account::AccountError& error) {
+    return refusal({503, "account", error.what()});
+  } catch (const tsql::Stopped&) {
+    return refusal({409, "stopped", "it was stopped"});
+  } catch (const tsql::SqlError& error) {
+    return refusal({503, "account", errorText(error).english()});
+  } catch (const AutomationError& error) {
+    return refusal({503, "account", errorText(error).english()});
+  } catch (const std::exception&) {
+    return refusal({500, "internal", "something went wrong in the program"});
+  }
+}
+
+DeskResponse DeskApi::refusal(const ApiError& error) const {
+  Json json = {{"error",
+                {{"code", error.code()},
+                 {"message", discretion_.of(error.message())},
+                 {"item", error.item().empty() ? Json() : Json(error.item())}}}};
+  if (!error.state().is_null()) json["state"] = error.state();
+  return jsonAnswer(json, error.status());
+}
+
+DeskResponse DeskApi::answer(const DeskRequest& request, const Parts& parts) {
+  const std::string& what = parts.front();
+  if (what == "dialogs") return answerDialogs(request, parts);
+  if (what == "filters") return answerFilters(request, parts);
+  if (what == "runs") return answerRuns(request, parts);
+  if (!is(request, parts, "GET", 1)) refuseAddress();
+  if (what == "account") return jsonAnswer(account());
+  if (what == "about") return jsonAnswer(about());
+  if (what != "reports") refuseAddress();
+  Json all = Json::array();
+  for (const Report& report : reports())
+    all.push_back(described(report));
+  return jsonAnswer(all);
+}
+
+// --- Account and program --------------------------------------------------------------------------------------------
+
+Json DeskApi::account() {
+  const auto connection = options_.account.readOnly().open(tsql::OpenMode::readOnly);
+  const account::AccountInfo info = account::info(*connection);
+  Json years = Json::array();
+  for (const account::YearInfo& year : info.years)
+    years.push_back({{"year", year.year},
+                     {"firstMonth", year.costItemStartMonth},
+                     {"settledMonths", year.settledMonths},
+                     {"lines", year.ledgerLines}});
+  return {{"code", info.accountCode},          {"name", discretion_.accountName()}, {"startDate", info.startDate},
+          {"valuation", info.valuationMethod}, {"currentYear", info.currentYear},   {"years", std::move(years)}};
+}
+
+Json DeskApi::about() const {
+  Json licences = Json::array();
+  for (const Licence& licence : options_.licences)
+    licences.push_back({{"name", licence.name}, {"licence", licence.licence}, {"text", licence.text}});
+  return {{"version", options_.version}, {"licences", std::move(licences)}};
+}
+
+// --- Dialogs --------------------------------------------------------------------------------------------------------
+
+DeskResponse DeskApi::answerDialogs(const DeskRequest& request, const Parts& parts) {
+  if (is(request, parts, "POST", 1)) return jsonAnswer(openDialog(bodyOf(request.body)), created);
+  if (is(request, parts, "DELETE", 2)) {
+    OpenDialog closed;
+    {
+      const std::scoped_lock lock(mutex_);
+      const auto found = dialogs_.find(idOf(parts[1]));
+      if (found == dialogs_.end()) throw unknown("dialog " + parts[1]);
+      closed = std::move(found->second);
+      dialogs_.erase(found);
+    }
+    return jsonAnswer(Json::object());
+  }
+  if (parts.size() != 3) refuseAddress();
+  if (request.method == "POST" && parts[2] == "set") {
+    const Json body = bodyOf(request.body);
+    const ItemValue value{
+        .key = textIn(body, "key"), .value = textIn(body, "value", ""), .value2 = textIn(body, "value2", "")};
+    return jsonAnswer({{"state", dialog(parts[1])->change(value)}});
+  }
+  if (request.method == "POST" && parts[2] == "click") return jsonAnswer(dialog(parts[1])->click());
+  if (request.method == "GET" && parts[2] == "lookup") {
+    constexpr std::int64_t usualRows = 50;
+    return jsonAnswer(
+        dialog(parts[1])->lookUp(textOf(request.query, "item"), textOf(request.query, "search"),
+                                 static_cast<std::size_t>(numberOf(request.query, "offset", 0, INT32_MAX)),
+                                 static_cast<std::size_t>(numberOf(request.query, "limit", usualRows, mostRows))));
+  }
+  refuseAddress();
+}
+
+Json DeskApi::openDialog(const Json& body) {
+  const Report& report = reportIn(body);
+  {
+    const std::scoped_lock lock(mutex_);
+    if (dialogs_.size() + opening_ >= options_.limits.dialogs)
+      throw ApiError(429, "limit", "too many dialogs are open: close one");
+    ++opening_;
+  }
+  const auto opened = [this] {
+    const std::scoped_lock lock(mutex_);
+    --opening_;
+  };
+  std::shared_ptr<DialogSession> session;
+  try {
+    session = std::make_shared<DialogSession>(options_.account, report, languageIn(body), valuesIn(body, "values"));
+  } catch (...) {
+    opened();
+    throw;
+  }
+  opened();
+  Json state = session->state();
+  const std::scoped_lock lock(mutex_);
+  const std::int64_t id = ++lastId_;
+  dialogs_[id] = {std::move(session), std::chrono::steady_clock::now()};
+  return {{"id", id}, {"state", std::move(state)}};
+}
+
+std::shared_ptr<DialogSession> DeskApi::dialog(const std::string& id) {
+  const std::scoped_lock lock(mutex_);
+  const auto found = dialogs_.find(idOf(id));
+  if (found == dialogs_.end()) throw unknown("dialog " + id);
+  found->second.used = std::chrono::steady_clock::now();
+  return found->second.session;
+}
+
+// --- Saved filters --------------------------------------------------------------------------------------------------
+
+DeskResponse DeskApi::answerFilters(const DeskRequest& request, const Parts& parts) {
+  if (is(request, parts, "GET", 1)) return jsonAnswer(listFilters(textOf(request.query, "report")));
+  if (parts.size() != 2) refuseAddress();
+  const std::string& name = parts[1];
+  if (request.method == "GET") return jsonAnswer(filter(name));
+  if (request.method == "PUT") {
+    saveFilter(name, bodyOf(request.body));
+    return jsonAnswer(Json::object());
+  }
+  if (request.method != "DELETE") refuseAddress();
+  if (!faultOfFilterName(name).empty() || !options_.filters.has(name)) throw unknown("filter \"" + name + "\"");
+  options_.filters.remove(name);
+  return jsonAnswer(Json::object());
+}
+
+Json DeskApi::listFilters(const std::string& report) const {
+  Json list = Json::array();
+  for (const std::string& name : options_.filters.names()) {
+    const std::filesystem::path file = options_.filters.path(name);
+    std::string ofReport;
+    try {
+      const Report* const found = reportOfFilter(readTextFile(utf8FromPath(file)), name);
+      if (found != nullptr) ofReport = found->registration.name;
+    } catch (const UserError&) {
+      // It is listed; whoever opens it hears what is wrong.
+    }
+    if (report.empty() || report == ofReport)
+      list.push_back(
+          {{"name", name}, {"report", ofReport.empty() ? Json() : Json(ofReport)}, {"changed", changedAt(file)}});
+  }
+  return list;
+}
+
+Json DeskApi::filter(const std::string& name) const {
+  if (!faultOfFilterName(name).empty() || !options_.filters.has(name)) throw unknown("filter \"" + name + "\"");
+  const std::filesystem::path file = options_.filters.path(name);
+  const std::string text = readTextFile(utf8FromPath(file));
+  const Report* const report = reportOfFilter(text, name);
+  FilterObject filter(report != nullptr ? report->registration : ReportRegistration{}, InitialValues::none);
+  applyFilterFile(filter, text, name);
+  Json values = Json::object();
+  for (const auto& entry : filter.entries()) {
+    if (entry->value.empty() && entry->value2.empty()) continue;
+    values[entry->item.key] = {{"value", entry->value}, {"value2", entry->value2}};
+  }
+  return {{"name", name},
+          {"report", report == nullptr ? Json() : Json(report->registration.name)},
+          {"changed", changedAt(file)},
+          {"values", std::move(values)}};
+}
+
+void DeskApi::saveFilter(const std::string& name, const Json& body) const {
+  const Report& report = reportIn(body);
+  if (const Message fault = faultOfFilterName(name); !fault.empty()) throw ApiError(422, "name", fault.english());
+  FilterObject filter(report.registration, InitialValues::none);
+  setItems(filter, valuesIn(body, "values"));
+  std::set<const FilterEntry*> given;
+  for (const auto& entry : filter.entries()) {
+    if (!entry->value.empty() || !entry->value2.empty()) given.insert(entry.get());
+  }
+  options_.filters.save(name, filterFileText(filter, given, languageIn(body)), true);
+}
+
+// --- Runs -----------------------------------------------------------------------------------------------------------
+
+DeskResponse DeskApi::answerRuns(const DeskRequest& request, const Parts& parts) {
+  if (is(request, parts, "POST", 1)) return jsonAnswer(startRun(bodyOf(request.body)), created);
+  if (is(request, parts, "GET", 1)) {
+    Json list = Json::array();
+    const std::scoped_lock lock(mutex_);
+    for (const auto& [id, run] : runs_)
+      list.push_back(run->summary());
+    return jsonAnswer(list);
+  }
+  if (parts.size() < 2) refuseAddress();
+  const std::shared_ptr<RunSession> session = run(parts[1]);
+  if (is(request, parts, "GET", 2)) return jsonAnswer(session->info());
+  if (is(request, parts, "DELETE", 2)) {
+    {
+      const std::scoped_lock lock(mutex_);
+      runs_.erase(idOf(parts[1]));
+    }
+    session->close();
+    return jsonAnswer(Json::object());
+  }
+  if (parts.size() < 3) refuseAddress();
+  if (is(request, parts, "POST", 3) && parts[2] == "stop") {
+    session->stop();
+    return jsonAnswer(Json::object());
+  }
+  if (is(request, parts, "GET", 3) && parts[2] == "events") {
+    DeskResponse response;
+    response.contentType = "text/event-stream";
+    response.stream = [session](Sink& sink) { session->sendEvents(sink); };
+    return response;
+  }
+  if (parts[2] == "views") return answerViews(request, parts, session);
+  refuseAddress();
+}
+
+Json DeskApi::startRun(const Json& body) {
+  ReportRequest request{.report = reportIn(body).registration.name,
+                        .account = options_.account,
+                        .values = valuesIn(body, "values"),
+                        .language = languageIn(body)};
+  if (const auto member = body.find("dialog"); member != body.end() && !member->is_null()) {
+    const std::shared_ptr<DialogSession> session = dialog(std::to_string(numberIn(body, "dialog")));
+    if (session->report().registration.name != request.report)
+      throw ApiError(422, "dialog", "the dialog is of another report");
+    request.accepted = session->acceptedFilter();
+  }
+  const std::scoped_lock lock(mutex_);
+  if (runs_.size() >= options_.limits.runs) throw ApiError(429, "limit", "too many runs are kept: close one");
+  const auto underWay = std::ranges::count_if(runs_, [](const auto& run) { return run.second->running(); });
+  if (static_cast<std::size_t>(underWay) >= options_.limits.running)
+    throw ApiError(429, "limit", "too many reports are running: wait for one, or stop it");
+  const std::int64_t id = ++lastId_;
+  runs_[id] = std::make_shared<RunSession>(id, std::move(request), discretion_, options_.limits.run);
+  return {{"id", id}};
+}
+
+std::shared_ptr<RunSession> DeskApi::run(const std::string& id) {
+  const std::scoped_lock lock(mutex_);
+  const auto found = runs_.find(idOf(id));
+  if (found == runs_.end()) throw unknown("run " + id);
+  return found->second;
+}
+
+// --- Views ----------------------------------------------------------------------------------------------------------
+
+DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts,
+                                  const std::shared_ptr<RunSession>& run) {
+  if (is(request, parts, "POST", 3))
+    return jsonAnswer(run->addView(viewRequestOf(bodyOf(request.body), run->report())), created);
+  if (parts.size() < 4) refuseAddress();
+  const std::int64_t id = idOf(parts[3]);
+  const std::shared_ptr<ViewWindow> view = run->view(id);
+  if (is(request, parts, "DELETE", 4)) {
+    run->closeView(id);
+    return jsonAnswer(Json::object());
+  }
+  if (parts.size() != 5) refuseAddress();
+  if (request.method == "GET" && parts[4] == "rows") {
+    constexpr std::int64_t usualRows = 200;
+    return textAnswer(view->rows(numberOf(request.query, "offset", 0, anyNumber),
+                                 numberOf(request.query, "limit", usualRows, mostRows)));
+  }
+  if (request.method == "GET" && parts[4] == "details")
+    return textAnswer(view->details(numberOf(request.query, "n", 0, anyNumber)));
+  if (request.method == "POST" && parts[4] == "document")
+    return jsonAnswer(run->document(*view, numberIn(bodyOf(request.body), "n")));
+  if (request.method != "GET" || parts[4] != "export") refuseAddress();
+
+  const std::string name = textOf(request.query, "format");
+  constexpr std::array formats{ExportFormat::csv, ExportFormat::xlsx, ExportFormat::html};
+  const auto format = std::ranges::find(formats, name, endingOf);
+  if (format == formats.end()) throw ApiError(422, "format", "a view is exported as csv, xlsx or html");
+  view->description();  // what cannot be shown is refused before the download begins
+  DeskResponse response;
+  response.contentType = contentTypeOf(*format);
+  response.headers.emplace_back("Content-Disposition", "attachment; filename=\"" + run->report().registration.name +
+                                                           "-" + std::string(layoutName(view->request().layout)) + "." +
+                                                           name + "\"");
+  response.stream = [run, asked = view->request(), format = *format,
+                     captions = textOf(request.query, "captions") == "1"](Sink& sink) {
+    run->sendExport(asked, format, captions, sink);
+  };
+  return response;
+}
+
+void DeskApi::closeIdle() {
+  std::vector<std::shared_ptr<DialogSession>> closed;  // outside of the lock
+  std::vector<std::shared_ptr<RunSession>> runs;
+  {
+    const std::scoped_lock lock(mutex_);
+    const auto now = std::chrono::steady_clock::now();
+    std::erase_if(dialogs_, [&](auto& dialog) {
+      if (now - dialog.second.used < options_.limits.idleDialog) return false;
+      closed.push_back(std::move(dialog.second.session));
+      return true;
+    });
+    for (const auto& [id, run] : runs_)
+      runs.push_back(run);
+  }
+  for (const auto& run : runs)
+    run->closeIdleViews();
+}
+
+}  // namespace quillon::workbench::desk

@@ -1,0 +1,96 @@
+// The desk's JSON interface (docs/desk.md): the account, dialogs, saved filters, runs and what comes of them.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "workbench/desk/dialog_session.h"
+#include "workbench/desk/discretion.h"
+#include "workbench/desk/handler.h"
+#include "workbench/desk/run_session.h"
+#include "workbench/platform/account_source.h"
+#include "workbench/platform/saved_filters.h"
+
+namespace quillon::workbench::desk {
+
+struct Licence {
+  std::string name;     // "regular-table 0.9.2"
+  std::string licence;  // its short name, "Apache-2.0"
+  std::string text;
+};
+
+struct DeskLimits {
+  std::size_t dialogs = 24;  // that are open at the same time
+  std::size_t runs = 24;     // that are kept, and
+  std::size_t running = 6;   // of these, under way at the same time
+  RunLimits run = {};
+  std::chrono::seconds idleDialog{1800};    // closes a dialog that nobody has used for so long
+  std::chrono::milliseconds sweep{10'000};  // from one look at what is idle to the next
+};
+
+struct DeskOptions {
+  AccountSource account;
+  SavedFilters filters;
+  std::string version = {};
+  std::vector<Licence> licences = {};
+  DeskLimits limits = {};
+};
+
+class DeskApi final : public DeskHandler {
+ public:
+  explicit DeskApi(DeskOptions options);
+  DeskApi(const DeskApi&) = delete;
+  DeskApi& operator=(const DeskApi&) = delete;
+  // Ends what runs and drops what was made.
+  ~DeskApi() override;
+
+  DeskResponse handle(const DeskRequest& request) override;
+
+ private:
+  struct OpenDialog {
+    std::shared_ptr<DialogSession> session;
+    std::chrono::steady_clock::time_point used;
+  };
+  using Parts = std::vector<std::string>;
+
+  DeskResponse answer(const DeskRequest& request, const Parts& parts);
+  DeskResponse answerDialogs(const DeskRequest& request, const Parts& parts);
+  DeskResponse answerFilters(const DeskRequest& request, const Parts& parts);
+  DeskResponse answerRuns(const DeskRequest& request, const Parts& parts);
+  DeskResponse answerViews(const DeskRequest& request, const Parts& parts, const std::shared_ptr<RunSession>& run);
+  DeskResponse refusal(const class ApiError& error) const;
+
+  Json account();
+  Json about() const;
+  Json openDialog(const Json& body);
+  Json startRun(const Json& body);
+  Json listFilters(const std::string& report) const;
+  Json filter(const std::string& name) const;
+  void saveFilter(const std::string& name, const Json& body) const;
+  std::shared_ptr<DialogSession> dialog(const std::string& id);
+  std::shared_ptr<RunSession> run(const std::string& id);
+  void closeIdle();
+
+  const DeskOptions options_;
+  const Discretion discretion_;
+
+  std::mutex mutex_;  // of what follows
+  std::condition_variable ending_;
+  bool ended_ = false;
+  std::int64_t lastId_ = 0;
+  std::size_t opening_ = 0;  // dialogs that are being opened
+  std::map<std::int64_t, OpenDialog> dialogs_;
+  std::map<std::int64_t, std::shared_ptr<RunSession>> runs_;
+
+  std::thread sweeper_;  // last: it uses what stands above
+};
+
+}  // namespace quillon::workbench::desk

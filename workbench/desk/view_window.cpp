@@ -1,0 +1,295 @@
+#include "workbench/desk/view_window.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "frame/text.h"
+#include "workbench/tsql/engine/engine.h"
+
+namespace quillon::workbench::desk {
+
+namespace {
+
+// Rows of a long result that are there before it is ordered.
+constexpr std::int64_t firstPageRows = 500;
+
+std::string_view roleName(ColumnRole role) {
+  switch (role) {
+    case ColumnRole::date:
+      return "date";
+    case ColumnRole::quantity:
+    case ColumnRole::movement:
+      return "quantity";
+    case ColumnRole::money:
+    case ColumnRole::amount:
+      return "money";
+    case ColumnRole::unitCost:
+      return "unitCost";
+    default:
+      return "text";
+  }
+}
+
+// As a JSON text. What comes from an account may be no UTF-8.
+void appendJson(std::string& json, const std::string& text) {
+  const auto plain = [](unsigned char c) { return c >= 0x20 && c < 0x7F && c != '"' && c != '\\'; };
+  if (std::ranges::all_of(text, plain)) {
+    json.append("\"").append(text).append("\"");
+  } else {
+    json += Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+  }
+}
+
+}  // namespace
+
+LayoutOptions ViewRequest::options() const {
+  return {.layout = layout,
+          .arranged = arrangement,
+          .allColumns = allColumns,
+          // Folded parts are read, too, so that they can be folded out.
+          .details = true,
+          .ledgerLines = true,
+          .offers = true};
+}
+
+ViewWindow::ViewWindow(std::int64_t id, std::unique_ptr<MadeReport> reader, ViewRequest request,
+                       std::filesystem::path file)
+    : id_(id),
+      report_(reader->report()),
+      request_(std::move(request)),
+      file_(std::move(file)),
+      reader_(std::move(reader)) {
+  thread_.post([this] { make(); });
+}
+
+ViewWindow::~ViewWindow() {
+  thread_.stop();
+  try {
+    thread_.call([this] { reader_.reset(); });
+  } catch (const ApiError&) {
+    // The thread never ends before this.
+  }
+}
+
+void ViewWindow::make() {
+  try {
+    LaidOutReport laid = laidOut(*reader_, request_.language, request_.options(), LayoutOutput::table);
+    heading_ = std::move(laid.heading);
+    ReportSection section;
+    section.layout = request_.layout;
+    if (!laid.sections.empty()) section = std::move(laid.sections.front());
+    describe(section);
+    view_ = std::move(section.view);
+    if (view_.tableRows) {
+      readFirstPage();
+    } else {
+      spool_ = std::make_unique<RowSpool>(file_, !request_.details);
+    }
+    {
+      const std::scoped_lock lock(mutex_);
+      made_ = true;
+      complete_ = spool_ == nullptr;
+    }
+    changed_.notify_all();
+    if (spool_) {
+      spoolRows();
+    } else {
+      orderRows();
+    }
+  } catch (...) {
+    fail();
+  }
+}
+
+void ViewWindow::fail() {
+  {
+    const std::scoped_lock lock(mutex_);
+    error_ = std::current_exception();
+  }
+  changed_.notify_all();
+}
+
+void ViewWindow::describe(const ReportSection& section) {
+  const Language language = request_.language;
+  Json columns = Json::array(), totals = Json::array(), hidden = Json::array();
+  for (const ViewColumn& column : section.view.columns)
+    columns.push_back({{"name", column.column.name},
+                       {"caption", column.caption(language)},
+                       {"group", column.group(language)},
+                       {"role", roleName(column.column.role)},
+                       {"key", column.key}});
+  for (const ReportColumn& column : section.offered) {
+    const auto isIt = [&column](const ViewColumn& shown) { return equalIgnoringCase(shown.column.name, column.name); };
+    if (std::ranges::none_of(section.view.columns, isIt))
+      hidden.push_back({{"name", column.name}, {"caption", column.caption(language)}});
+  }
+  view_.columns = section.view.columns;
+  for (const ViewRow& row : section.view.totals)
+    totals.push_back({{"kind", rowKindName(row.kind)},
+                      {"level", row.level},
+                      {"cells", Json::parse(cellsOf(row.cells))},
+                      {"opens", false}});
+  description_ = {{"id", id_},
+                  {"layout", layoutName(request_.layout)},
+                  {"columns", std::move(columns)},
+                  {"lineCount", section.view.lineCount},
+                  {"rowCount", section.view.tableRows ? section.view.lineCount : -1},
+                  {"totals", std::move(totals)},
+                  {"columnsLeftOut", section.view.columnsLeftOut},
+                  {"hidden", std::move(hidden)}};
+}
+
+void ViewWindow::readFirstPage() {
+  const TableRows& rows = *view_.tableRows;
+  const auto cursor =
+      reader_->connection().query("Select Top " + std::to_string(firstPageRows) + " " + rows.list + " From " +
+                                  rows.table + " Where " + rows.where + " Order By " + rows.order);
+  firstPage_ = read(*cursor);
+}
+
+// Of an account file: which rows come in which order. A server is asked page by page.
+void ViewWindow::orderRows() {
+  const TableRows& rows = *view_.tableRows;
+  if (view_.lineCount <= firstPageRows) {
+    reader_.reset();
+    return;
+  }
+  auto* const account = dynamic_cast<tsql::Connection*>(&reader_->connection());
+  if (account != nullptr) order_ = account->orderedRows(rows.table, rows.where, rows.order);
+}
+
+void ViewWindow::spoolRows() {
+  if (view_.rows) {
+    constexpr std::int64_t rowsANotice = 512;
+    std::int64_t count = 0;
+    for (const auto rows = view_.rows(); rows->next();) {
+      tsql::endIfStopped();
+      spool_->add(windowRow(rows->row()));
+      if (++count % rowsANotice == 0) changed_.notify_all();
+    }
+  }
+  spool_->finish();
+  view_.rows = nullptr;
+  reader_.reset();
+  {
+    const std::scoped_lock lock(mutex_);
+    complete_ = true;
+  }
+  changed_.notify_all();
+}
+
+std::string ViewWindow::cellsOf(const std::vector<tsql::Value>& cells) const {
+  std::string json = "[";
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (i > 0) json += ',';
+    if (tsql::isNull(cells[i])) {
+      json += "null";
+    } else {
+      appendJson(json, cellText(heading_, view_.columns[i].column, cells[i]));
+    }
+  }
+  return json + "]";
+}
+
+WindowRow ViewWindow::windowRow(const ViewRow& row) const {
+  return {.kind = row.kind, .level = row.level, .ledgerLine = row.ledgerLine, .cells = cellsOf(row.cells)};
+}
+
+std::vector<WindowRow> ViewWindow::read(tsql::Cursor& cursor) const {
+  std::vector<WindowRow> rows;
+  ViewRow row;
+  row.cells.resize(view_.columns.size());
+  while (cursor.next()) {
+    for (std::size_t i = 0; i < row.cells.size(); ++i)
+      row.cells[i] = cursor.value(i);
+    if (view_.tableRows->ledgerLines) row.ledgerLine = ledgerLineOf(cursor.value(row.cells.size()));
+    rows.push_back(windowRow(row));
+  }
+  return rows;
+}
+
+// Of the result table; on the thread.
+std::vector<WindowRow> ViewWindow::linesAt(std::int64_t offset, std::int64_t limit) {
+  const TableRows& rows = *view_.tableRows;
+  if (auto* const account = dynamic_cast<tsql::Connection*>(&reader_->connection())) {
+    const auto first = order_.begin() + std::min<std::int64_t>(offset, std::ssize(order_));
+    const auto end = first + std::min<std::int64_t>(limit, order_.end() - first);
+    return read(*account->rowsAt(rows.table, rows.list, std::vector(first, end)));
+  }
+  return read(*reader_->connection().query("Select " + rows.list + " From " + rows.table + " Where " + rows.where +
+                                           " Order By " + rows.order + " Offset " + std::to_string(offset) +
+                                           " Rows Fetch Next " + std::to_string(limit) + " Rows Only"));
+}
+
+std::vector<WindowRow> ViewWindow::rowsAt(std::int64_t offset, std::int64_t limit) {
+  if (spool_) return spool_->read(offset, limit);
+  const std::int64_t behind = std::min(offset + limit, view_.lineCount);
+  if (offset >= behind) return {};
+  if (behind <= std::ssize(firstPage_)) return {firstPage_.begin() + offset, firstPage_.begin() + behind};
+  return thread_.call([&] {
+    {
+      const std::scoped_lock lock(mutex_);
+      if (error_) std::rethrow_exception(error_);
+    }
+    return linesAt(offset, behind - offset);
+  });
+}
+
+template <typename Condition>
+void ViewWindow::waitUntil(Condition condition) {
+  std::unique_lock lock(mutex_);
+  changed_.wait(lock, [&] { return error_ != nullptr || made_; });
+  constexpr std::chrono::milliseconds longest(500);
+  changed_.wait_for(lock, longest, [&] { return error_ != nullptr || complete_ || condition(); });
+  if (error_) std::rethrow_exception(error_);
+}
+
+Json ViewWindow::description() {
+  waitUntil([] { return false; });
+  Json described = description_;
+  const std::scoped_lock lock(mutex_);
+  if (spool_ && complete_) described["rowCount"] = spool_->size();
+  return described;
+}
+
+std::string ViewWindow::rows(std::int64_t offset, std::int64_t limit) {
+  waitUntil([&] { return !spool_ || spool_->size() >= offset + limit; });
+  bool complete = false;
+  {
+    const std::scoped_lock lock(mutex_);
+    complete = complete_;
+  }
+  const std::int64_t count = spool_ ? spool_->size() : view_.lineCount;
+  return "{\"rowCount\":" + std::to_string(count) + ",\"complete\":" + (complete ? "true" : "false") +
+         ",\"rows\":" + json(rowsAt(offset, limit), offset) + "}";
+}
+
+std::string ViewWindow::details(std::int64_t row) {
+  waitUntil([&] { return !spool_ || spool_->size() > row; });
+  return "{\"rows\":" + json(spool_ ? spool_->details(row) : std::vector<WindowRow>(), row) + "}";
+}
+
+std::int64_t ViewWindow::ledgerLine(std::int64_t row) {
+  waitUntil([&] { return !spool_ || spool_->size() > row; });
+  const std::vector<WindowRow> rows = rowsAt(row, 1);
+  if (rows.empty()) throw unknown("row " + std::to_string(row));
+  if (!rows.front().ledgerLine) throw ApiError(404, "document", "this row opens no document");
+  return *rows.front().ledgerLine;
+}
+
+std::string ViewWindow::json(const std::vector<WindowRow>& rows, std::int64_t first) const {
+  const bool opensDocuments = report_.opensDocuments();
+  std::string text = "[";
+  for (const WindowRow& row : rows) {
+    if (text.size() > 1) text += ',';
+    text += "{\"n\":" + std::to_string(first++) + ",\"kind\":\"";
+    text.append(rowKindName(row.kind)).append("\",\"level\":").append(std::to_string(row.level));
+    text.append(",\"cells\":").append(row.cells);
+    if (row.details > 0) text += ",\"details\":" + std::to_string(row.details);
+    text.append(",\"opens\":").append(opensDocuments && row.ledgerLine ? "true" : "false").append("}");
+  }
+  return text + "]";
+}
+
+}  // namespace quillon::workbench::desk

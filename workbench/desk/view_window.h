@@ -1,0 +1,98 @@
+// A view of a run's result that is open on the desk: pages of its rows.
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "workbench/desk/api_error.h"
+#include "workbench/desk/row_spool.h"
+#include "workbench/desk/task_thread.h"
+#include "workbench/runs/report_layouts.h"
+
+namespace quillon::workbench::desk {
+
+// What is asked of a view.
+struct ViewRequest {
+  Layout layout = Layout::lines;
+  Arrangement arrangement = {};
+  bool allColumns = false;
+  bool details = false;  // rows of kind `detail` as rows of their own; otherwise they are folded away
+  Language language = Language::chinese;
+
+  LayoutOptions options() const;
+};
+
+// A thread of its own makes the view, with a reader of its own. Rows of the result table stay there: they are ordered
+// once, in the database, and read page by page. The rows of every other layout go to a file as they come. Members may be
+// called on any thread; they throw what making the view threw.
+class ViewWindow {
+ public:
+  // `reader` is the window's own. `file` is for its rows.
+  ViewWindow(std::int64_t id, std::unique_ptr<MadeReport> reader, ViewRequest request, std::filesystem::path file);
+  ViewWindow(const ViewWindow&) = delete;
+  ViewWindow& operator=(const ViewWindow&) = delete;
+  // Stops what runs.
+  ~ViewWindow();
+
+  // The view without its rows.
+  Json description();
+  // {"rowCount", "complete", "rows": [...]} as a text: `limit` rows from `offset` on. As long as the view is not complete,
+  // rowCount counts the rows that there are by now.
+  std::string rows(std::int64_t offset, std::int64_t limit);
+  // {"rows": [...]}: what is folded away beneath row number `row`.
+  std::string details(std::int64_t row);
+  // The ledger line whose document row number `row` opens. Throws ApiError 404 when it opens none.
+  std::int64_t ledgerLine(std::int64_t row);
+
+  const ViewRequest& request() const { return request_; }
+
+ private:
+  void make();
+  void describe(const ReportSection& section);
+  void readFirstPage();
+  void spoolRows();
+  void orderRows();
+  void fail();
+  template <typename Condition>
+  void waitUntil(Condition condition);
+
+  WindowRow windowRow(const ViewRow& row) const;
+  std::string cellsOf(const std::vector<tsql::Value>& cells) const;
+  std::vector<WindowRow> read(tsql::Cursor& cursor) const;
+  std::vector<WindowRow> linesAt(std::int64_t offset, std::int64_t limit);
+  std::vector<WindowRow> rowsAt(std::int64_t offset, std::int64_t limit);
+  std::string json(const std::vector<WindowRow>& rows, std::int64_t first) const;
+
+  const std::int64_t id_;
+  const Report& report_;
+  const ViewRequest request_;
+  const std::filesystem::path file_;
+
+  // Of the thread.
+  std::unique_ptr<MadeReport> reader_;
+  std::vector<std::int64_t> order_;  // of an embedded account: the rows' numbers
+
+  // Set before `made_`, then as they are.
+  ReportDocument heading_;
+  View view_;  // without rows where they have been read
+  Json description_;
+  std::unique_ptr<RowSpool> spool_;   // null: lines of the result table
+  std::vector<WindowRow> firstPage_;  // of these
+
+  std::mutex mutex_;  // of what follows
+  std::condition_variable changed_;
+  bool made_ = false;
+  bool complete_ = false;
+  std::exception_ptr error_;
+
+  TaskThread thread_;  // last: it uses what stands above
+};
+
+}  // namespace quillon::workbench::desk
