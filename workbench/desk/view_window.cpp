@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "frame/text.h"
-#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench::desk {
 
@@ -81,7 +80,7 @@ void ViewWindow::make() {
     if (!laid.sections.empty()) section = std::move(laid.sections.front());
     describe(section);
     view_ = std::move(section.view);
-    if (view_.tableRows) {
+    if (view_.tableRows && accountFile() != nullptr) {
       readFirstPage();
     } else {
       spool_ = std::make_unique<RowSpool>(file_, !request_.details);
@@ -140,6 +139,10 @@ void ViewWindow::describe(const ReportSection& section) {
                   {"hidden", std::move(hidden)}};
 }
 
+tsql::Connection* ViewWindow::accountFile() const {
+  return dynamic_cast<tsql::Connection*>(&reader_->connection());
+}
+
 void ViewWindow::readFirstPage() {
   const TableRows& rows = *view_.tableRows;
   const auto cursor =
@@ -148,15 +151,13 @@ void ViewWindow::readFirstPage() {
   firstPage_ = read(*cursor);
 }
 
-// Of an account file: which rows come in which order. A server is asked page by page.
 void ViewWindow::orderRows() {
   const TableRows& rows = *view_.tableRows;
   if (view_.lineCount <= firstPageRows) {
     reader_.reset();
-    return;
+  } else {
+    order_ = accountFile()->orderedRows(rows.table, rows.where, rows.order);
   }
-  auto* const account = dynamic_cast<tsql::Connection*>(&reader_->connection());
-  if (account != nullptr) order_ = account->orderedRows(rows.table, rows.where, rows.order);
 }
 
 void ViewWindow::spoolRows() {
@@ -212,14 +213,9 @@ std::vector<WindowRow> ViewWindow::read(tsql::Cursor& cursor) const {
 // Of the result table; on the thread.
 std::vector<WindowRow> ViewWindow::linesAt(std::int64_t offset, std::int64_t limit) {
   const TableRows& rows = *view_.tableRows;
-  if (auto* const account = dynamic_cast<tsql::Connection*>(&reader_->connection())) {
-    const auto first = order_.begin() + std::min<std::int64_t>(offset, std::ssize(order_));
-    const auto end = first + std::min<std::int64_t>(limit, order_.end() - first);
-    return read(*account->rowsAt(rows.table, rows.list, std::vector(first, end)));
-  }
-  return read(*reader_->connection().query("Select " + rows.list + " From " + rows.table + " Where " + rows.where +
-                                           " Order By " + rows.order + " Offset " + std::to_string(offset) +
-                                           " Rows Fetch Next " + std::to_string(limit) + " Rows Only"));
+  const auto first = order_.begin() + std::min<std::int64_t>(offset, std::ssize(order_));
+  const auto end = first + std::min<std::int64_t>(limit, order_.end() - first);
+  return read(*accountFile()->rowsAt(rows.table, rows.list, std::vector(first, end)));
 }
 
 std::vector<WindowRow> ViewWindow::rowsAt(std::int64_t offset, std::int64_t limit) {

@@ -15,6 +15,7 @@
 #include "workbench/desk/row_spool.h"
 #include "workbench/desk/task_thread.h"
 #include "workbench/runs/report_layouts.h"
+#include "workbench/tsql/engine/engine.h"
 
 namespace quillon::workbench::desk {
 
@@ -29,9 +30,10 @@ struct ViewRequest {
   LayoutOptions options() const;
 };
 
-// A thread of its own makes the view, with a reader of its own. Rows of the result table stay there: they are ordered
-// once, in the database, and read page by page. The rows of every other layout go to a file as they come. Members may be
-// called on any thread; they throw what making the view threw.
+// A thread of its own makes the view, with a reader of its own. Lines of an account file's result table stay there: they
+// are ordered once, in the database, and read page by page. The rows of every other layout go to a file as they come, and
+// so do the lines of a server, which would have to order them anew for each page. Members may be called on any thread;
+// they throw what making the view threw.
 class ViewWindow {
  public:
   // `reader` is the window's own. `file` is for its rows.
@@ -56,6 +58,8 @@ class ViewWindow {
  private:
   void make();
   void describe(const ReportSection& section);
+  // The account file that the rows are read from; nullptr on a server.
+  tsql::Connection* accountFile() const;
   void readFirstPage();
   void spoolRows();
   void orderRows();
@@ -77,13 +81,13 @@ class ViewWindow {
 
   // Of the thread.
   std::unique_ptr<MadeReport> reader_;
-  std::vector<std::int64_t> order_;  // of an embedded account: the rows' numbers
+  std::vector<std::int64_t> order_;  // of lines that stay where they are: the rows' numbers
 
   // Set before `made_`, then as they are.
   ReportDocument heading_;
   View view_;  // without rows where they have been read
   Json description_;
-  std::unique_ptr<RowSpool> spool_;   // null: lines of the result table
+  std::unique_ptr<RowSpool> spool_;   // null: lines that stay where they are
   std::vector<WindowRow> firstPage_;  // of these
 
   std::mutex mutex_;  // of what follows
