@@ -10,6 +10,7 @@
 #include "workbench/platform/lookup.h"
 #include "workbench/platform/missing_value.h"
 #include "workbench/platform/named_values.h"
+#include "workbench/platform/user_error.h"
 #include "workbench/runs/account_login.h"
 #include "workbench/runs/dialog_steps.h"
 #include "workbench/runs/run_monitor.h"

@@ -12,7 +12,7 @@ namespace quillon::workbench::desk {
 namespace {
 
 constexpr std::int64_t rowsAPlace = 32;
-constexpr std::size_t bufferSize = 256 * 1024;
+constexpr std::size_t bufferSize = 262'144;
 
 // "D kind level line details cells\n": a detail or a row (R), numbers in decimal, "-" for no ledger line.
 std::string recordOf(const WindowRow& row, bool detail) {

@@ -20,6 +20,8 @@ namespace {
 // A browser shows more lines than these too slowly.
 constexpr std::int64_t linesOfAPage = 20'000;
 
+constexpr std::size_t chunkSize = 65'536;
+
 class SinkBuffer final : public std::streambuf {
  public:
   explicit SinkBuffer(Sink& sink) : sink_(sink) { setp(bytes_.data(), bytes_.data() + bytes_.size()); }
@@ -38,7 +40,7 @@ class SinkBuffer final : public std::streambuf {
 
  private:
   Sink& sink_;
-  std::array<char, 64 * 1024> bytes_{};
+  std::array<char, chunkSize> bytes_{};
 };
 
 class WithoutDetails final : public ViewRows {
@@ -82,7 +84,7 @@ class PassingFile {
 
 void send(const std::filesystem::path& file, Sink& sink) {
   std::ifstream in(file, std::ios::binary);
-  std::array<char, 64 * 1024> bytes{};
+  std::array<char, chunkSize> bytes{};
   while (in.read(bytes.data(), bytes.size()) || in.gcount() > 0) {
     if (!sink.write({bytes.data(), static_cast<std::size_t>(in.gcount())})) return;
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <span>
 #include <utility>
 
 #include "frame/text.h"
@@ -28,6 +29,15 @@ std::string_view roleName(ColumnRole role) {
     default:
       return "text";
   }
+}
+
+// Up to `limit` of the items from `offset` on.
+template <typename Item>
+std::vector<Item> partOf(const std::vector<Item>& items, std::int64_t offset, std::int64_t limit) {
+  const std::size_t first = std::min(static_cast<std::size_t>(offset), items.size());
+  const std::span<const Item> part =
+      std::span(items).subspan(first, std::min(static_cast<std::size_t>(limit), items.size() - first));
+  return {part.begin(), part.end()};
 }
 
 // As a JSON text. What comes from an account may be no UTF-8.
@@ -213,16 +223,14 @@ std::vector<WindowRow> ViewWindow::read(tsql::Cursor& cursor) const {
 // Of the result table; on the thread.
 std::vector<WindowRow> ViewWindow::linesAt(std::int64_t offset, std::int64_t limit) {
   const TableRows& rows = *view_.tableRows;
-  const auto first = order_.begin() + std::min<std::int64_t>(offset, std::ssize(order_));
-  const auto end = first + std::min<std::int64_t>(limit, order_.end() - first);
-  return read(*accountFile()->rowsAt(rows.table, rows.list, std::vector(first, end)));
+  return read(*accountFile()->rowsAt(rows.table, rows.list, partOf(order_, offset, limit)));
 }
 
 std::vector<WindowRow> ViewWindow::rowsAt(std::int64_t offset, std::int64_t limit) {
   if (spool_) return spool_->read(offset, limit);
   const std::int64_t behind = std::min(offset + limit, view_.lineCount);
   if (offset >= behind) return {};
-  if (behind <= std::ssize(firstPage_)) return {firstPage_.begin() + offset, firstPage_.begin() + behind};
+  if (behind <= std::ssize(firstPage_)) return partOf(firstPage_, offset, behind - offset);
   return thread_.call([&] {
     {
       const std::scoped_lock lock(mutex_);

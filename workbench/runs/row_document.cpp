@@ -49,7 +49,7 @@ RowValues findRow(const MadeReport& report, const RowValues& wanted) {
   const auto rows = report.account().session->openRecordset(table.selectRows());
   requireColumns(wanted, rows->columns());
   for (; !rows->eof(); rows->moveNext()) {
-    const RowValues row = presentRow(*rows);
+    RowValues row = presentRow(*rows);
     const auto has = [&row](const auto& entry) { return *valueIn(row, entry.first) == entry.second; };
     if (std::ranges::all_of(wanted, has)) return row;
   }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "workbench/platform/voucher_components.h"
 #include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {

@@ -14,6 +14,7 @@ class RowSpoolTest : public testing::Test {
   }
   static std::vector<std::string> cellsOf(const std::vector<WindowRow>& rows) {
     std::vector<std::string> cells;
+    cells.reserve(rows.size());
     for (const WindowRow& each : rows)
       cells.push_back(each.cells);
     return cells;
