@@ -179,6 +179,8 @@ inline constexpr Text<2> differentAccounts{"不同：{2} 个表中有 {1} 个", 
 inline constexpr Text<0> fileWanted{
     "此处不能用数据库服务器的连接字符串；请指定账套文件（用 \"quillon account new FILE\" 建立）",
     "a connection string to a database server cannot be used here; name an account file (made with \"quillon account new FILE\")"};
+inline constexpr Text<1> noAccountFile{"无法打开账套文件“{1}”：没有此文件",
+                                       "Unable to open the account file '{1}': there is no such file."};
 inline constexpr Text<0> noAccountNamed{"没有指定账套；请指定账套文件", "no account is named; name an account file"};
 inline constexpr Text<0> noDriverNamed{
     "连接字符串没有指定 ODBC 驱动程序；请写 Driver={ODBC Driver 17 for SQL Server};Server=...;Database=...;UID=...;PWD=...，或 DSN=...",

@@ -13,6 +13,12 @@ namespace quillon::workbench {
 
 namespace {
 
+// The engine's own error for the slip that is made most often, in both languages.
+class NoAccountFile final : public tsql::SqlError, public InBothLanguages {
+ public:
+  NoAccountFile(int number, const Message& message) : SqlError(number, message.english()), InBothLanguages(message) {}
+};
+
 using odbc::ConnectionString;
 
 constexpr std::string_view fileKeyword = "data source", scratchKeyword = "scratch", modeKeyword = "mode",
@@ -103,9 +109,20 @@ std::string AccountSource::connectionString() const {
   return readOnly_ ? account + ";Mode=" + std::string(readMode) : account;
 }
 
+std::unique_ptr<tsql::Database> AccountSource::openFile(tsql::OpenMode mode) const {
+  const std::filesystem::path path = file();
+  try {
+    if (!scratch_.empty()) return tsql::Connection::openWithScratch(path, scratch_);
+    return tsql::Connection::open(path, readOnly_ ? tsql::OpenMode::readOnly : mode);
+  } catch (const tsql::SqlError& error) {
+    std::error_code ignored;
+    if (std::filesystem::exists(path, ignored)) throw;
+    throw NoAccountFile(error.number(), messages::noAccountFile(utf8FromPath(path)));
+  }
+}
+
 std::unique_ptr<tsql::Database> AccountSource::open(tsql::OpenMode mode, odbc::ConnectOptions options) const {
-  if (!onServer() && !scratch_.empty()) return tsql::Connection::openWithScratch(file(), scratch_);
-  if (!onServer()) return tsql::Connection::open(file(), readOnly_ ? tsql::OpenMode::readOnly : mode);
+  if (!onServer()) return openFile(mode);
   if (!server_->namesDriver()) {
     throw InputError(messages::noDriverNamed());
   }

@@ -56,6 +56,8 @@ class AccountSource {
   std::unique_ptr<tsql::Database> open(tsql::OpenMode mode, odbc::ConnectOptions options = {}) const;
 
  private:
+  std::unique_ptr<tsql::Database> openFile(tsql::OpenMode mode) const;
+
   std::string text_;
   std::string shown_;
   std::string file_;  // UTF-8; empty when the account is on a server or none is named

@@ -54,9 +54,9 @@ TEST_F(CompareOverOdbc, ChangedAndMissingRowsAreFound) {
 TEST_F(CompareOverOdbc, AReportEqualsTheOneOfTheServer) {
   for (const char* report : {"sfc-item", "fx-wt"}) {
     std::ostringstream out, notes;
-    EXPECT_TRUE(
-        compareReports({.report = report, .account = AccountSource::inFile(second_.path()), .language = Language::english},
-                       server(), out, notes))
+    EXPECT_TRUE(compareReports(
+        {.report = report, .account = AccountSource::inFile(second_.path()), .language = Language::english}, server(),
+        out, notes))
         << out.str();
     EXPECT_THAT(out.str(), StartsWith("equal: ")) << report;
     EXPECT_EQ(out.str().find("equal: 0 rows"), std::string::npos) << report;
