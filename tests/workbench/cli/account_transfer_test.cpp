@@ -144,7 +144,8 @@ TEST_F(AccountTransfer, ComparesAccountsOnly) {
 TEST_F(AccountTransfer, ComparesReports) {
   std::filesystem::copy_file(folder_ / "a", folder_ / "b");
   std::ostringstream equal, different, notes;
-  const ReportOptions options{.report = "fx-wt", .account = source("a"), .layout = {.limit = 1}};
+  const ReportOptions options{
+      .report = "fx-wt", .account = source("a"), .language = Language::english, .layout = {.limit = 1}};
   EXPECT_TRUE(compareReports(options, source("b"), equal, notes));
   EXPECT_THAT(equal.str(), MatchesRegex("equal: .* rows of .* columns\n"));
   EXPECT_THAT(equal.str(), ::testing::Not(StartsWith("equal: 0 ")));

@@ -13,6 +13,7 @@
 #include "tests/workbench/account/test_folder.h"
 #include "workbench/account/account.h"
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/cli/language_option.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -46,8 +47,10 @@ CommandEnd command(std::vector<std::string> arguments) {
   return end;
 }
 
-// What is said about wrong usage, without "quillon: " and the line's end.
+// What is said in English about wrong usage, without "quillon: " and the line's end.
 std::string wrongUsage(std::vector<std::string> arguments) {
+  const bool chinese = languageOf({arguments.rbegin(), arguments.rend()}) == Language::chinese;
+  if (chinese) arguments.insert(arguments.begin() + 1, "--lang=en");
   const CommandEnd end = command(std::move(arguments));
   EXPECT_EQ(end.status, 2) << end.errors;
   EXPECT_EQ(end.output, "");
@@ -262,9 +265,10 @@ TEST_F(OnAccount, AnOutputNeverReplacesWhatTheReportReads) {
 TEST_F(OnAccount, ACodeThatItDoesNotHaveIsToldAndTheReportRuns) {
   const auto notesOf = [this](std::vector<std::string> more) {
     testing::internal::CaptureStderr();
+    more.insert(more.end(), {"--lang", "en"});
     const CommandEnd end = report(std::move(more));
     EXPECT_EQ(end.status, 0) << end.errors;
-    EXPECT_THAT(end.output, StartsWith("收发存汇总表（按成本项目）\n"));
+    EXPECT_THAT(end.output, StartsWith("Receipt/issue/balance by cost item\n"));
     return testing::internal::GetCapturedStderr();
   };
   EXPECT_EQ(notesOf({"--set", "cWhCode=ZZ,07"}), "quillon: filter item cWhCode: the account has no warehouse ZZ\n");
@@ -278,8 +282,8 @@ TEST_F(OnAccount, ACodeThatItDoesNotHaveIsToldAndTheReportRuns) {
 
 TEST_F(OnAccount, ADialogTellsOfACodeThatTheAccountDoesNotHave) {
   testing::internal::CaptureStderr();
-  const CommandEnd end =
-      command({"dialog", "fx-wt", "--account", path("a"), "--step", "init", "--step", "change:cWhCode=ZZ"});
+  const CommandEnd end = command(
+      {"dialog", "fx-wt", "--account", path("a"), "--step", "init", "--step", "change:cWhCode=ZZ", "--lang", "en"});
   EXPECT_EQ(end.status, 0) << end.errors;
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "quillon: filter item cWhCode: the account has no warehouse ZZ\n");
 }

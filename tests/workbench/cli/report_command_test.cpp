@@ -15,6 +15,7 @@
 #include "workbench/account/account.h"
 #include "workbench/cli/account_command.h"
 #include "workbench/cli/sql_command.h"
+#include "workbench/cli/usage_message.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -41,7 +42,7 @@ Outcome call(std::vector<std::string> arguments) {
   } catch (const CLI::RuntimeError& error) {
     return {Ends::failed, error.what()};
   } catch (const CLI::ParseError& error) {
-    return {Ends::wrongUsage, error.what()};
+    return {Ends::wrongUsage, usageMessage(error.what()).english()};
   } catch (const std::exception& error) {
     return {Ends::failed, error.what()};
   }
@@ -272,8 +273,12 @@ TEST_F(ReportCommand, TellsWhatStoppedTheBuildAndLeavesNothing) {
 TEST_F(ReportCommand, KeepsTheResultTableWhenAsked) {
   std::ostringstream out;
   std::ostringstream notes;
-  runReport({.report = "sfc-item", .account = AccountSource(source()), .format = ReportFormat::csv, .keep = true}, out,
-            notes);
+  runReport({.report = "sfc-item",
+             .account = AccountSource(source()),
+             .format = ReportFormat::csv,
+             .language = Language::english,
+             .keep = true},
+            out, notes);
   EXPECT_THAT(notes.str(), MatchesPattern("quillon: the result table QuillonReport[0-9a-z]+ is kept\n"));
   constexpr std::size_t nameStart = std::string_view("quillon: the result table ").size();
   const std::string name = notes.str().substr(nameStart, notes.str().find(" is kept") - nameStart);
@@ -285,7 +290,11 @@ TEST_F(ReportCommand, KeepsTheResultTableWhenAsked) {
 TEST_F(ReportCommand, ExplainsEachStatement) {
   std::ostringstream out;
   std::ostringstream notes;
-  runReport({.report = "sfc-item", .account = AccountSource(source()), .format = ReportFormat::csv, .explain = true},
+  runReport({.report = "sfc-item",
+             .account = AccountSource(source()),
+             .format = ReportFormat::csv,
+             .language = Language::english,
+             .explain = true},
             out, notes);
   EXPECT_THAT(notes.str(), ContainsPattern("\\[1\\] [0-9.]+ ms"));
   EXPECT_THAT(notes.str(), testing::HasSubstr("Select Top 0 base.autoid,wh.cWhCode"));

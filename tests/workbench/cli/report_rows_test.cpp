@@ -134,7 +134,8 @@ class ReportRows : public testing::TestWithParam<AccountKind> {
     runReport({.report = "sfc-item",
                .account = AccountSource::inFile(file()),
                .settings = std::move(settings),
-               .format = ReportFormat::json},
+               .format = ReportFormat::json,
+               .language = Language::english},
               out, notes_);
     return Rows(out.str());
   }

@@ -198,6 +198,31 @@ TEST_F(ReportOnATerminal, SaysWhichColumnsDoNotFit) {
   EXPECT_THAT(shownOn({.columns = 60}, wide).text, Not(HasSubstr("Left out")));
 }
 
+TEST_F(ReportOnATerminal, TablesOfOtherCommandsArePagedAndFit) {
+  const TerminalSetup setup = {
+      .columns = 60, .lines = 6, .environment = {{"NO_COLOR", "1"}, {"PAGER", "sed 's/^/p: /'"}}};
+  const std::vector<std::vector<std::string>> commands = {
+      {"list", "inventory", "--account", path("a")},
+      {"dialog", "sfc-item", "--account", path("a")},
+      {"drill", "fx-wt", "--account", path("a"), "--set", "dKeepDate=2024-01-01..2024-12-31", "--row", "cVouType=01"},
+      {"account", "info", path("a")}};
+  for (std::vector<std::string> command : commands) {
+    const Shown paged = shownOn(setup, command);
+    EXPECT_EQ(paged.status, 0);
+    EXPECT_THAT(paged.text, StartsWith("p: ")) << command.front();
+    command.emplace_back("--no-pager");
+    EXPECT_THAT(shownOn(setup, command).text, Not(HasSubstr("p: "))) << command.front();
+  }
+  const Shown dialog = shownOn({.columns = 60}, {"dialog", "sfc-item", "--account", path("a"), "--no-pager"});
+  EXPECT_THAT(dialog.text, HasSubstr("…"));
+}
+
+TEST_F(ReportOnATerminal, APagerThatDoesNotExistIsToldInTheReportsLanguage) {
+  const Shown shown = shownOn({.lines = 5, .environment = {{"PAGER", "no-such-pager"}}}, report());
+  EXPECT_EQ(shown.status, 1);
+  EXPECT_THAT(shown.text, HasSubstr("quillon: 没有分页程序“no-such-pager”；请改正 PAGER，或加上 --no-pager\n"));
+}
+
 TEST_F(ReportOnATerminal, ProgressGoesBeforeTheReportComes) {
   const Shown shown = shownOn({.environment = {{"NO_COLOR", "1"}}}, report({"--limit", "3", "--no-pager"}));
   const std::size_t report = shown.text.find("收发存汇总表");
