@@ -40,9 +40,9 @@ inline constexpr std::array<std::string_view, 10> orderByInventory = {
     "cWhCode", "cDepCode", "cInvCode", "cBatchia", "iState", "dKeepDate", "autoid", "cFXCode", "cAmoCode", "cFxCName"};
 
 // As a ledger numbers its lines; the rows of a line by batch and free items, then by class and cost item.
-inline constexpr std::array<std::string_view, 14> orderByLedger = {
-    "RowNo",  "cBatchia", "cFree1", "cFree2", "cFree3",  "cFree4",   "cFree5",
-    "cFree6", "cFree7",   "cFree8", "cFree9", "cFree10", "cfxCCode", "cfxCode"};
+inline constexpr std::array<std::string_view, 14> orderByLedger = {"RowNo",  "cBatchia", "cFree1",   "cFree2", "cFree3",
+                                                                   "cFree4", "cFree5",   "cFree6",   "cFree7", "cFree8",
+                                                                   "cFree9", "cFree10",  "cfxCCode", "cfxCode"};
 
 enum class Layout {
   summary,   // sums by cost item, the states across

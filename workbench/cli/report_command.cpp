@@ -45,9 +45,6 @@ bool isForPrograms(ReportFormat format) {
   return format == ReportFormat::csv || format == ReportFormat::json;
 }
 
-// A page is read, not loaded: it shows this many lines, with what belongs to them, unless more are asked for.
-constexpr std::int64_t rowsOfAPage = 2000;
-
 LayoutOptions layoutOptions(const ReportOptions& options) {
   LayoutOptions layout = options.layout;
   if (!layout.limit && options.format == ReportFormat::html) layout.rowsOfPage = rowsOfAPage;
@@ -214,7 +211,8 @@ void addLayoutOptions(CLI::App& command, LayoutOptions& options) {
   addList(command, "--group-by", options.arrangement.groupBy, "Put the lines under subtotals of these columns");
   addList(command, "--where", options.arrangement.where,
           "Show the lines of which column=value; column=a,b  column=lower..upper  column~part");
-  command.add_option("--limit", options.limit, "Show at most this many lines, 0 for all; html shows 2000 rows unless told")
+  command
+      .add_option("--limit", options.limit, "Show at most this many lines, 0 for all; html shows 2000 rows unless told")
       ->transform(wholeNumber<std::int64_t>(0));
   command.add_flag("--all-columns", options.allColumns,
                    "Show user-defined fields and what documents carry beside, too (always in csv and json)");

@@ -11,6 +11,9 @@
 
 namespace quillon::workbench {
 
+// A page is read, not loaded: it shows this many lines, with what belongs to them, unless more are asked for.
+inline constexpr std::int64_t rowsOfAPage = 2000;
+
 struct LayoutOptions {
   std::optional<Layout> layout = {};  // nothing: the report's first
   ArrangementText arrangement = {};

@@ -167,8 +167,8 @@ TEST_F(DetailLedger, RunsFromTheOpeningToTheClosingBalanceWithSumsOfEachMonth) {
 }
 
 TEST_F(DetailLedger, ColumnarHasCostItemsAcross) {
-  const std::string text = squeezed(report(
-      {"cInvCode=M1", "cCaType=成本项目"}, ReportFormat::table, Language::chinese, {.layout = Layout::columnar}));
+  const std::string text = squeezed(report({"cInvCode=M1", "cCaType=成本项目"}, ReportFormat::table, Language::chinese,
+                                           {.layout = Layout::columnar}));
   EXPECT_THAT(text, HasSubstr("|收入|发出|结存|直接材料|直接人工\n"));
   EXPECT_THAT(text, HasSubstr("|期初结存|100.00|60.00|40.00\n"));
   EXPECT_THAT(text, HasSubstr("\n1|2024-01-10|产成品入库单|R-1|入库|60.00|160.00|40.00|20.00\n"));
@@ -181,10 +181,10 @@ TEST_F(DetailLedger, ColumnarHasCostItemsAcross) {
 
 // A row of the table is a cost item of a line or of a balance; each has all that its line has.
 TEST_F(DetailLedger, LinesAreTheRowsOfTheTable) {
-  const std::string text = squeezed(report({"cInvCode=M1"}, ReportFormat::table, Language::english,
-                                           {.layout = Layout::lines,
-                                            .arrangement = {.columns = {"RowNo,dKeepDate,cVouCode,iQuantity,iPrice",
-                                                                        "cfxName,iItemQuantity,iItemPrice"}}}));
+  const std::string text = squeezed(report(
+      {"cInvCode=M1"}, ReportFormat::table, Language::english,
+      {.layout = Layout::lines,
+       .arrangement = {.columns = {"RowNo,dKeepDate,cVouCode,iQuantity,iPrice", "cfxName,iItemQuantity,iItemPrice"}}}));
   EXPECT_THAT(text, HasSubstr("\nRows\n"
                               "Line|Posting date|Voucher number|Quantity|Amount|Cost item|Cost item quantity|Cost item "
                               "amount\n"
@@ -219,8 +219,7 @@ TEST_F(DetailLedger, IsChineseUnlessAskedOtherwise) {
 }
 
 TEST_F(DetailLedger, ShowsNoMoreLinesThanAsked) {
-  const std::string text =
-      squeezed(report({"cInvCode=M1"}, ReportFormat::table, Language::english, {.limit = 1}));
+  const std::string text = squeezed(report({"cInvCode=M1"}, ReportFormat::table, Language::english, {.limit = 1}));
   EXPECT_THAT(text, HasSubstr("|R-1|"));
   EXPECT_THAT(text, testing::Not(HasSubstr("|L-1|")));
   EXPECT_THAT(text, HasSubstr("\n|Closing balance|10.00|10.6670|106.67\n")) << "of all lines";
@@ -228,9 +227,9 @@ TEST_F(DetailLedger, ShowsNoMoreLinesThanAsked) {
 }
 
 TEST_F(DetailLedger, ArrangesLinesWhoseBalancesRunOverAll) {
-  const std::string text = squeezed(report(
-      {"cInvCode=M1"}, ReportFormat::table, Language::english,
-      {.arrangement = {.columns = {"cVouCode,iOutPrice,Balance amount"}, .where = {"Voucher number=L-1,L-2"}}}));
+  const std::string text = squeezed(
+      report({"cInvCode=M1"}, ReportFormat::table, Language::english,
+             {.arrangement = {.columns = {"cVouCode,iOutPrice,Balance amount"}, .where = {"Voucher number=L-1,L-2"}}}));
   EXPECT_THAT(text, HasSubstr("\nL-1|32.00|128.00\n"));
   EXPECT_THAT(text, HasSubstr("\nL-2|21.33|106.67\n"));
 }

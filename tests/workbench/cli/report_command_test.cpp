@@ -124,9 +124,9 @@ TEST_F(ReportCommand, ShowsTheLayoutThatIsAskedFor) {
 
 // The receipts of warehouse 07, largest first, as a statement on the rows gives them.
 TEST_F(ReportCommand, ArrangesLinesAsAsked) {
-  const std::vector<std::string> asked = {"--set", "cModal=1", "--layout", "lines", "--format", "csv", "--columns",
-                                          "存货编码,Amount", "--sort", "-金额", "--where", "cState=收入", "--where",
-                                          "仓库编码=07"};
+  const std::vector<std::string> asked = {"--set",   "cModal=1",    "--layout",        "lines",      "--format",
+                                          "csv",     "--columns",   "存货编码,Amount", "--sort",     "-金额",
+                                          "--where", "cState=收入", "--where",         "仓库编码=07"};
   std::ostringstream out, notes;
   runReport({.report = "sfc-item",
              .account = AccountSource(source()),
@@ -173,8 +173,7 @@ TEST_F(ReportCommand, PutsLinesUnderSubtotals) {
 
 TEST_F(ReportCommand, WritesCsvForSpreadsheets) {
   const std::string csv = outputOf({"--format", "csv"});
-  EXPECT_THAT(outputOf({"--format", "csv", "--captions"}),
-              testing::StartsWith("流水号,仓库编码,仓库,存货编码,存货,"));
+  EXPECT_THAT(outputOf({"--format", "csv", "--captions"}), testing::StartsWith("流水号,仓库编码,仓库,存货编码,存货,"));
   EXPECT_THAT(outputOf({"--format", "csv", "--captions", "--lang", "en"}),
               testing::StartsWith("Ledger line,Warehouse code,Warehouse,Inventory code,Inventory,"));
   EXPECT_EQ(outputOf({"--format", "csv", "--bom"}), "\xEF\xBB\xBF" + csv) << "the same but for the mark";

@@ -188,8 +188,7 @@ TEST_F(ReportOnATerminal, EndsThePagerWhenTheSystemWantsItsEnd) {
 }
 
 TEST_F(ReportOnATerminal, SaysWhichColumnsDoNotFit) {
-  const std::vector<std::string> options =
-      report({"--layout", "lines", "--limit", "3", "--no-pager", "--lang", "en"});
+  const std::vector<std::string> options = report({"--layout", "lines", "--limit", "3", "--no-pager", "--lang", "en"});
   const Shown narrow = shownOn({.columns = 60}, options);
   EXPECT_THAT(narrow.text, HasSubstr("\nLeft out, as the terminal is too narrow: "));
   EXPECT_EQ(narrow.status, 0);

@@ -159,8 +159,8 @@ TEST_F(VoucherReport, TotalsOfDocumentsAreTheLedgers) {
                                "\n"
                                "Documents\n"));
   const std::string chosen = std::string(" From ia_subsidiary base Where ") + receiptsAndSales;
-  const std::string documents = ledger("Select Count(*) From (Select Distinct base.cVouType, base.cVouCode" + chosen +
-                                       ") documents");
+  const std::string documents =
+      ledger("Select Count(*) From (Select Distinct base.cVouType, base.cVouCode" + chosen + ") documents");
   const std::string lines = ledger("Select Count(*)" + chosen);
   std::string totals = "\nTotal (" + groupedNumber(documents, 0) + " documents, " + groupedNumber(lines, 0) + " lines)";
   for (const char* figure : {"iAInQuantity", "iAInPrice", "iAOutQuantity", "iAOutPrice"})
@@ -177,8 +177,7 @@ TEST_F(VoucherReport, TotalsOfLinesAreThoseOfTheCostItems) {
   std::string totals = "\nTotal";
   for (const char* figure : {"iItemInQuantity", "iItemInPrice", "iItemOutQuantity", "iItemOutPrice"})
     totals += "|" + groupedNumber(ledger("Select Sum(item." + std::string(figure) + ")" + chosen), 2);
-  EXPECT_THAT(squeezed(report({"cVouType=011,32"}, ReportFormat::table, true, Layout::lines)),
-              HasSubstr(totals + "\n"))
+  EXPECT_THAT(squeezed(report({"cVouType=011,32"}, ReportFormat::table, true, Layout::lines)), HasSubstr(totals + "\n"))
       << "a line's own figures stand on each of its parts, so these are not summed";
 }
 
