@@ -4,7 +4,6 @@
 #include <ostream>
 
 #include "workbench/presentation/laid_out_report.h"
-#include "workbench/presentation/result_page.h"
 
 namespace quillon::workbench {
 

@@ -8,28 +8,6 @@ namespace quillon::workbench {
 
 namespace {
 
-std::string crossSums(std::span<const CrossState> states) {
-  std::string list;
-  for (const CrossState& state : states)
-    list += ", Sum(" + state.quantity + "), Sum(" + state.money + ")";
-  return list;
-}
-
-std::string sumText(const tsql::Value& value) {
-  return tsql::toText(value).value_or("0");
-}
-
-CrossRow crossRow(const tsql::Cursor& cursor) {
-  CrossRow row;
-  row.code = tsql::toText(cursor.value(0)).value_or("");
-  row.name = tsql::toText(cursor.value(1)).value_or("");
-  for (std::size_t column = 2; column + 1 < cursor.columns().size(); column += 2) {
-    row.quantity.push_back(sumText(cursor.value(column)));
-    row.money.push_back(sumText(cursor.value(column + 1)));
-  }
-  return row;
-}
-
 std::string filledTest(const ReportColumn& column) {
   if (column.role == ColumnRole::date) return column.name + " Is Not Null";
   return "IsNull(" + column.name + (isNumber(column.role) ? ", 0) <> 0" : ", N'') <> N''");
@@ -86,34 +64,6 @@ std::vector<ReportColumn> ResultTable::findFilled(std::span<const ReportColumn> 
     if (flag != nullptr && *flag == 1) filled.push_back(candidates[i]);
   }
   return filled;
-}
-
-std::vector<std::optional<std::string>> ResultTable::totals(std::span<const ReportColumn> columns) const {
-  std::string list;
-  for (const ReportColumn& column : columns) {
-    if (isSummed(column.role)) list += (list.empty() ? "" : ", ") + ("Sum(IsNull(" + column.name + ", 0))");
-  }
-  std::vector<std::optional<std::string>> totals(columns.size());
-  if (list.empty()) return totals;
-  const auto cursor = account_.query("Select " + list + " From " + name_);
-  if (!cursor->next()) return totals;
-  std::size_t position = 0;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    if (isSummed(columns[i].role)) totals[i] = sumText(cursor->value(position++));
-  }
-  return totals;
-}
-
-CrossView ResultTable::crossView(std::span<const CrossState> states) const {
-  const std::string sums = crossSums(states);
-  CrossView view;
-  const auto rows = account_.query("Select cFXCode, cFXName" + sums + " From " + name_ +
-                                   " Group By cFXCode, cFXName Order By cFXCode, cFXName");
-  while (rows->next())
-    view.rows.push_back(crossRow(*rows));
-  const auto total = account_.query("Select N'' As cFXCode, N'' As cFXName" + sums + " From " + name_);
-  if (total->next()) view.total = crossRow(*total);
-  return view;
 }
 
 std::unique_ptr<tsql::Cursor> ResultTable::rows(std::span<const ReportColumn> columns) const {

@@ -17,19 +17,6 @@
 
 namespace quillon::workbench {
 
-// One row of the cross view: a cost item with its sums, one a state. Sums are exact texts; a state without rows is "0".
-struct CrossRow {
-  std::string code;
-  std::string name;
-  std::vector<std::string> quantity;
-  std::vector<std::string> money;
-};
-
-struct CrossView {
-  std::vector<CrossRow> rows;  // by cost-item code
-  CrossRow total;
-};
-
 // What takes a whole reading of a large table to find out, kept for all who read the table from several threads. For a
 // table that does not change any more.
 class ResultFacts {
@@ -66,10 +53,6 @@ class ResultTable {
   // empty, a date, a number other than zero. Internal columns are left out.
   std::vector<ReportColumn> filledColumns(std::span<const ReportColumn> known,
                                           const std::string& where = everyRow) const;
-  // One exact text a column of `columns`: the sum of a summed column, nullopt for the others.
-  std::vector<std::optional<std::string>> totals(std::span<const ReportColumn> columns) const;
-  // The sums of `states` by cost item.
-  CrossView crossView(std::span<const CrossState> states) const;
 
   // All rows in the table's order, then by every other column, so that the same report always comes in the same order.
   // `columns` are the table's names; empty means all of them.

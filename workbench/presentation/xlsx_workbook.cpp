@@ -16,7 +16,6 @@
 
 #include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
-#include "workbench/presentation/ledger_rows.h"
 #include "workbench/presentation/output_file.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/value_output.h"
@@ -38,12 +37,10 @@ namespace quillon::workbench {
 namespace {
 
 constexpr int moneyDecimals = 2;
-constexpr double textWidth = 14, dateWidth = 11, numberWidth = 15;  // in characters
 
 enum class Style {
   plain,
   title,
-  bold,
   heading,
   detail,
   outerGroup,
@@ -152,8 +149,6 @@ class Sheet {
   void textOver(std::string_view text, std::size_t columns, const Look& look);
   // An exact number; one that a cell cannot hold is a text.
   void number(const tsql::Value& exact, const Look& look);
-  // The same as it is known by its text.
-  void numberText(std::string_view exact, const Look& look);
   void formula(const std::string& formula, double result, const Look& look);
   void date(tsql::DateTime time, Look look);
   // A value of a column with this role.
@@ -168,9 +163,6 @@ class Sheet {
   }
   const std::vector<double>& widths() const { return widths_; }
   void setWidths();
-  // The row of headings can filter the rows below it, down to the one before the current one, and every printed page
-  // repeats it.
-  void filter(lxw_row_t headings, std::size_t columns);
 
  private:
   static constexpr std::uint8_t paperA4 = 9;
@@ -264,7 +256,6 @@ class Workbook {
     if (style != Style::plain && style != Style::detail) format_set_bold(&format);
     switch (style) {
       case Style::plain:
-      case Style::bold:
         break;
       case Style::title:
         format_set_font_size(&format, 14);
@@ -342,14 +333,6 @@ void Sheet::number(const tsql::Value& exact, const Look& look) {
   }
 }
 
-void Sheet::numberText(std::string_view exact, const Look& look) {
-  if (const auto number = cellNumber(exact)) {
-    real(*number, look);
-  } else {
-    text(exact, asText(look));
-  }
-}
-
 void Sheet::formula(const std::string& formula, double result, const Look& look) {
   const std::string text = "=" + formula;
   book_.check(worksheet_write_formula_num(&sheet_, row_, column_++, text.c_str(), book_.format(look), result));
@@ -401,112 +384,6 @@ void Sheet::setWidths() {
     const auto number = static_cast<lxw_col_t>(column);
     if (widths_[column] > 0) book_.check(worksheet_set_column(&sheet_, number, number, widths_[column], nullptr));
   }
-}
-
-void Sheet::filter(lxw_row_t headings, std::size_t columns) {
-  book_.check(worksheet_autofilter(&sheet_, headings, 0, row_ - 1, static_cast<lxw_col_t>(columns - 1)));
-  book_.check(worksheet_repeat_rows(&sheet_, headings, headings));
-}
-
-void writeConditions(Sheet& sheet, const ReportDocument& document) {
-  sheet.text(document.title, {Style::title});
-  sheet.endRow();
-  for (const auto& [caption, text] : document.conditions) {
-    sheet.text(caption, {Style::bold});
-    sheet.text(text, {Style::plain});
-    sheet.endRow();
-  }
-  sheet.endRow();
-}
-
-void writeCross(Sheet& sheet, const ReportDocument& document) {
-  sheet.text(document.text(crossCaption), {Style::bold});
-  sheet.endRow();
-  sheet.text(document.text(codeCaption), {Style::heading});
-  sheet.text(document.text(costItemCaption), {Style::heading});
-  for (const CrossState& state : document.crossStates) {
-    sheet.text(crossHeading(document, state, quantityCaption), {Style::heading});
-    sheet.text(crossHeading(document, state, moneyCaption), {Style::heading});
-  }
-  sheet.endRow();
-  const auto writeSums = [&](const CrossRow& row, Style style) {
-    for (std::size_t state = 0; state < document.crossStates.size(); ++state) {
-      sheet.numberText(row.quantity[state], {style, numberFormat(document.quantityDecimals)});
-      sheet.numberText(row.money[state], {style, numberFormat(moneyDecimals)});
-    }
-    sheet.endRow();
-  };
-  for (const CrossRow& row : document.cross.rows) {
-    sheet.text(row.code, {Style::plain});
-    sheet.text(costItemName(document, row), {Style::plain});
-    writeSums(row, Style::plain);
-  }
-  sheet.text(document.text(totalCaption), {Style::total});
-  sheet.blank({Style::total});
-  writeSums(document.cross.total, Style::total);
-  for (std::size_t column = 2; column < 2 + 2 * document.crossStates.size(); ++column)
-    sheet.widen(column, numberWidth);
-  sheet.endRow();
-}
-
-// The rows below `sheet`'s current one, the totals and the count of rows have to fit.
-void requireRoom(const Sheet& sheet, const ReportDocument& document, std::optional<std::int64_t> limit) {
-  constexpr std::int64_t besideRows = 5;  // caption, headings, totals, blank, count of rows
-  const std::int64_t room = std::int64_t{LXW_ROW_MAX} - std::int64_t{sheet.row()} - besideRows;
-  const std::int64_t rows = std::min(limit.value_or(document.rowCount), document.rowCount);
-  if (rows <= room) return;
-  throw UserError(messages::sheetTooSmall(rows, room));
-}
-
-double widthOf(const ReportColumn& column) {
-  if (isNumber(column.role)) return numberWidth;
-  return column.role == ColumnRole::date ? dateWidth : textWidth;
-}
-
-void writeRows(Sheet& sheet, const ReportDocument& document, const ResultTable& table,
-               std::optional<std::int64_t> limit) {
-  sheet.text(document.text(rowsCaption), {Style::bold});
-  sheet.endRow();
-  const lxw_row_t headings = sheet.row();
-  for (std::size_t i = 0; i < document.columns.size(); ++i) {
-    sheet.text(document.columns[i].caption(document.language), {Style::heading});
-    sheet.widen(i, widthOf(document.columns[i]));
-  }
-  sheet.endRow();
-  const auto cursor = table.rows(document.columns);
-  for (std::int64_t shown = 0; (!limit || shown < *limit) && cursor->next(); ++shown) {
-    for (std::size_t i = 0; i < document.columns.size(); ++i)
-      sheet.value(document, document.columns[i].role, cursor->value(i), {});
-    sheet.endRow();
-  }
-  sheet.filter(headings, document.columns.size());
-  for (std::size_t i = 0; i < document.columns.size(); ++i) {
-    if (const auto& total = document.totals[i]) {
-      sheet.numberText(*total, {Style::total, numberFormat(decimalsOf(document, document.columns[i].role))});
-    } else {
-      sheet.text(totalText(document, i), {Style::total});
-    }
-  }
-  sheet.endRow();
-}
-
-void writeLedger(Sheet& sheet, const ReportDocument& document, const ResultTable& table,
-                 std::optional<std::int64_t> limit) {
-  const lxw_row_t headings = sheet.row();
-  const std::vector<ReportColumn> columns = ledgerColumns(document);
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    sheet.text(columns[i].caption(document.language), {Style::heading});
-    sheet.widen(i, widthOf(columns[i]));
-  }
-  sheet.endRow();
-  LedgerRows rows(document, table);
-  for (std::int64_t shown = 0; (!limit || shown < *limit) && rows.next(); ++shown) {
-    const LedgerRow& row = rows.row();
-    for (std::size_t i = 0; i < columns.size(); ++i)
-      sheet.value(document, columns[i].role, row.values[i], {isBalance(row.kind) ? Style::total : Style::plain});
-    sheet.endRow();
-  }
-  sheet.filter(headings, columns.size());
 }
 
 // What a heading says beside conditions.
@@ -835,28 +712,6 @@ class SectionSheets {
 };
 
 }  // namespace
-
-void writeXlsx(const std::filesystem::path& file, const ReportDocument& document, const ResultTable& table,
-               std::optional<std::int64_t> limit) {
-  Workbook book(file);
-  Sheet& sheet = book.add(document.report);
-  sheet.widen(0, textWidth);
-  writeConditions(sheet, document);
-  if (document.rowCount == 0) {
-    sheet.text(document.text(noRowsCaption), {Style::plain});
-  } else {
-    if (!document.crossStates.empty()) writeCross(sheet, document);
-    requireRoom(sheet, document, limit);
-    if (document.ledger) {
-      writeLedger(sheet, document, table, limit);
-    } else {
-      writeRows(sheet, document, table, limit);
-    }
-    sheet.endRow();
-    sheet.text(rowCountText(document, limit), {Style::plain});
-  }
-  book.save();
-}
 
 void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, const XlsxLimits& limits) {
   const ReportDocument& document = report.heading;

@@ -3,25 +3,10 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 
 #include "workbench/presentation/laid_out_report.h"
-#include "workbench/presentation/report_document.h"
-#include "workbench/presentation/result_table.h"
 
 namespace quillon::workbench {
-
-// Writes heading, conditions, cross view, rows and totals to `file`, one sheet named after the report; of a ledger its
-// rows, balances set off. Captions are in the document's language. Numbers are numbers with all their decimals, shown
-// with those of their column; a number of more digits than a cell holds (15) is a text, so that none is lost. Dates are
-// dates; those before 1900, which Excel does not know, are texts. `limit` rows at most are written, the totals are of
-// all.
-//
-// Rows go to a temporary file while they are read, so memory does not grow with them. The workbook is only begun when all
-// of them were read, and replaces an older file when it is complete (output_file.h). Throws UserError when the rows are
-// more than a sheet has or the file cannot be written.
-void writeXlsx(const std::filesystem::path& file, const ReportDocument& document, const ResultTable& table,
-               std::optional<std::int64_t> limit);
 
 struct XlsxLimits {
   std::int64_t rowsOfSheet = 1'048'576;  // more go on on a further sheet
@@ -30,12 +15,18 @@ struct XlsxLimits {
 // Writes each section to a sheet of its own, named after its layout; rows that a sheet has no room for go on on
 // "明细 (2)" with the same heading. On top stand title, company, period and conditions, then the headings, all of which
 // stay in sight with the key columns; sheets that hold lines alone can be filtered, and rows below the head of a group
-// or a line can be folded away. Values are as above. Totals, subtotals and running balances are formulas wherever these
+// or a line can be folded away. Totals, subtotals and running balances are formulas wherever these
 // come to the same figure (xlsx_formulas.h), which is kept beside them; so a sheet that is cut by its limit has totals
 // of all rows as figures. Pages are A4 landscape with the headings on each.
 //
-// Memory does not grow with rows: a sheet with heads of groups keeps a few numbers for each of these, and one that is
-// cut by a limit holds what it shows. Throws as above, but for the number of rows.
+// Captions are in the heading's language. Numbers are numbers with all their decimals, shown with those of their column; a
+// number of more digits than a cell holds (15) is a text, so that none is lost. Dates are dates; those before 1900, which
+// Excel does not know, are texts.
+//
+// Rows go to a temporary file while they are read, so memory does not grow with them: a sheet with heads of groups keeps a
+// few numbers for each of these, and one that is cut by a limit holds what it shows. The workbook is only begun when all
+// rows were read, and replaces an older file when it is complete (output_file.h). Throws UserError when the file cannot be
+// written.
 void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, const XlsxLimits& limits);
 void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report);
 

@@ -98,6 +98,18 @@ TEST(HtmlPageTest, ColumnsShareHeadings) {
   EXPECT_THAT(tables[0].head[1].texts(), ElementsAre("金额", "金额"));
 }
 
+TEST(HtmlPageTest, QuantitiesAndPricesHaveTheAccountsDecimals) {
+  LaidOutReport report = withView(test::viewOf(
+      {viewColumn("数量", ColumnRole::quantity), viewColumn("单价", ColumnRole::unitCost),
+       viewColumn("金额", ColumnRole::money)},
+      {{RowKind::line, 0,
+        Values{tsql::Exact{.units = 5125, .scale = 3}, tsql::Exact{.units = 98536585, .scale = 7}, amount(5050)}}}));
+  report.heading.quantityDecimals = 3;
+  report.heading.unitCostDecimals = 5;
+  EXPECT_THAT(test::tablesOf(pageOf(report)).at(0).rows.at(0).texts(), ElementsAre("5.125", "9.85366", "50.50"))
+      << "money keeps its two";
+}
+
 TEST(HtmlPageTest, NeighboursOfOneGroupHaveOneHeading) {
   const auto tables = test::tablesOf(pageOf(withView(
       test::viewOf({viewColumn("编码", ColumnRole::text, true), viewColumn("数量", ColumnRole::quantity, false, "收入"),

@@ -120,6 +120,18 @@ TEST_F(SmallLayouts, SummaryGivesWhatHasNoCostItemAName) {
       testing::Contains("line||(no cost item)|0.000000|0.0000|2.000000|7.0000|0.000000|0.0000|0.000000|0.0000"));
 }
 
+// Expense rows have no state; their balance columns stand for it.
+TEST_F(SmallLayouts, SummaryOfExpensesReadsTheBalanceColumns) {
+  account_->execute("Delete From Result");
+  account_->execute(
+      "Insert Into Result (cFXCode, cFXName, cState, iState, iQcMoney, iInMoney, iOutMoney, iQmMoney) "
+      "Values (N'01', N'材料', N'', 1, 100, 0, 0, 100), (N'01', N'材料', N'', Null, 0, 50, 30, 20)");
+  const View view = summaryView(
+      request("2", {.columns = {"cFXCode", "openingAmount", "receiptAmount", "issueAmount", "closingAmount"}}));
+  EXPECT_THAT(test::textsOf(view), ElementsAre("line|01|100.0000|50.0000|30.0000|120.0000",
+                                               "total|Total|100.0000|50.0000|30.0000|120.0000"));
+}
+
 TEST_F(SmallLayouts, TreeNestsClassesPlacesAndInventories) {
   const View byClass = treeView(request("0", {.columns = {}}));
   EXPECT_THAT(

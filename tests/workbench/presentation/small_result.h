@@ -48,10 +48,6 @@ inline ReportDocument documentOf(const ResultTable& table, Language language) {
   document.report = "sfc-item";
   document.title = language == Language::chinese ? "收发存" : "Receipt/issue/balance";
   document.conditions = {{language == Language::chinese ? "会计年度" : "Year", "2024"}};
-  document.columns = table.filledColumns(reportNamed("sfc-item").columns);
-  document.totals = table.totals(document.columns);
-  document.crossStates = reportNamed("sfc-item").crossStates("1");
-  document.cross = table.crossView(document.crossStates);
   document.rowCount = table.rowCount();
   return document;
 }

@@ -9,6 +9,7 @@
 #include "tests/workbench/presentation/made_layout.h"
 #include "tests/workbench/presentation/small_ledger.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/presentation/summary_layout.h"
 
 namespace quillon::workbench {
 namespace {
@@ -249,12 +250,12 @@ TEST_F(VouchersLayout, WhoAsksForColumnsOrderOrGroupsGetsFields) {
 // A line that is not broken down counts with its own figures, so that the cross view's total is that of all lines.
 TEST_F(VouchersLayout, CrossViewHasTheWholeOfLinesWithoutCostItem) {
   const MadeLayout report = vouchers();
-  const CrossView cross = report.table().crossView(reportNamed("fx-wt").crossStates(""));
-  ASSERT_EQ(cross.rows.size(), 3U);
-  EXPECT_EQ(cross.rows[0].code, "");
-  EXPECT_THAT(cross.rows[0].quantity, ElementsAre("1.000000", "0.000000"));
-  EXPECT_THAT(cross.rows[0].money, ElementsAre("7.5000", "0.0000"));
-  EXPECT_THAT(cross.total.money, ElementsAre("67.5000", "53.3300"));
+  const ReadView cross(summaryView(report.request()));
+  ASSERT_EQ(cross.rows(RowKind::line).size(), 3U);
+  EXPECT_EQ(cross.line(cross.rows().front(),
+                       {"cFXCode", "cFXName", "receiptQuantity", "receiptAmount", "issueQuantity", "issueAmount"}),
+            "-|（无成本项目）|1.000000|7.5000|0.000000|0.0000");
+  EXPECT_EQ(cross.line(cross.rows().back(), {"receiptAmount", "issueAmount"}), "67.5000|53.3300");
 }
 
 // --- A sample account -------------------------------------------------------------------------------------------------
@@ -320,9 +321,9 @@ TEST_F(VouchersLayoutOfASample, AgreesWithTheLedger) {
   EXPECT_EQ(total.kind, RowKind::total);
   for (std::size_t i = 0; i < figures.size(); ++i)
     EXPECT_EQ(plainNumber(read.value(total, figures[i])), whole[i + 1]);
-  const CrossView cross = report.table().crossView(reportNamed("fx-wt").crossStates(""));
-  EXPECT_EQ(cross.total.money, (std::vector<std::string>{tsql::toText(read.value(total, "iAInPrice")).value(),
-                                                         tsql::toText(read.value(total, "iAOutPrice")).value()}));
+  const ReadView cross(summaryView(report.request()));
+  EXPECT_EQ(cross.line(cross.rows().back(), {"receiptAmount", "issueAmount"}),
+            read.line(total, {"iAInPrice", "iAOutPrice"}));
 }
 
 // The list shows what the fields show: each figure of them stands in a column of its own, or of its line's direction.
