@@ -113,7 +113,7 @@ class Drawing {
   }
 
   void line() {
-    constexpr int height = 300, top = 30, bottom = 248;
+    constexpr int height = 314, top = 44, bottom = 262;
     int markWidth = 0;
     for (int mark = marks_.first; mark <= marks_.last; ++mark)
       markWidth = std::max(markWidth, textWidth(marks_.text(mark, unit_)));
@@ -144,7 +144,7 @@ class Drawing {
            << "\" r=\"3.5\"><title>" << escaped(chart_.points[i].label) << ' '
            << figureText(document_, chart_, chart_.points[i].value) << "</title></circle>\n";
     }
-    lineFigures(x, y, markWidth + 12);
+    lineFigures(x, y, markWidth + 12, bottom);
     text("mark", "end", drawingWidth - 4, height - 8, chart_.labels);
     out_ << "</svg>\n";
   }
@@ -165,7 +165,7 @@ class Drawing {
 
   // The figures of the greatest, the least, the last and the first point, as far as they do not lie over each other.
   template <typename X, typename Y>
-  void lineFigures(const X& x, const Y& y, double left) {
+  void lineFigures(const X& x, const Y& y, double left, double bottom) {
     const auto& points = chart_.points;
     const auto value = [](const ChartPoint& point) { return place(point.value); };
     const auto [least, greatest] = std::ranges::minmax_element(points, {}, value);
@@ -178,8 +178,11 @@ class Drawing {
       const std::string figure = figureText(document_, chart_, points[i].value);
       const double half = textWidth(figure) / 2.0;
       const double middle = std::clamp(x(i), left + half, drawingWidth - half - 4);
-      const bool below = i == static_cast<std::size_t>(least - points.begin()) && least != greatest;
-      const double at = y(value(points[i])) + (below ? 18 : -9);
+      constexpr double drop = 18;  // below a point; not below the last grid line, where the months stand
+      const double height = y(value(points[i]));
+      const bool below =
+          i == static_cast<std::size_t>(least - points.begin()) && least != greatest && height + drop < bottom;
+      const double at = height + (below ? drop : -9);
       const bool covered = std::ranges::any_of(taken, [&](const Taken& other) {
         return middle - half < other.end && middle + half > other.begin && std::abs(at - other.height) < letterSize + 2;
       });

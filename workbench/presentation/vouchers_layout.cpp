@@ -24,6 +24,9 @@ constexpr Caption voucherTypeCaption{"单据类型", "Voucher type"};
 constexpr Caption emptyCaption{"为空", " empty"};
 constexpr Caption subtotalCaption{" 小计", " subtotal"};
 constexpr Caption structureCaption{"成本构成", "Cost structure"};
+// With the heading above it, as what is not shown beside it is called.
+constexpr Caption partAmountCaption{"成本构成金额", "Cost structure amount"};
+constexpr std::string_view partAmountColumn = "iItemPrice";
 
 constexpr std::string_view costItemName = "cfxName";
 
@@ -449,7 +452,7 @@ void planColumns(const LayoutRequest& request, std::span<const ReportColumn> hol
   plan.ofPart = view.columns.size() - plan.parts();
   view.columns.push_back(groupedColumn("iUnitUsed", usagePerUnitColumn, ColumnRole::movement, structureCaption));
   view.columns.push_back(groupedColumn("iUnitCost", unitCostColumn, ColumnRole::unitCost, structureCaption));
-  view.columns.push_back(groupedColumn("iItemPrice", amountColumn, ColumnRole::amount, structureCaption));
+  view.columns.push_back(groupedColumn(partAmountColumn, amountColumn, ColumnRole::amount, structureCaption));
   if (plan.receiptFlag)
     view.columns.push_back({.column = layoutColumn(receiptFlagColumn, receiptsCaption, ColumnRole::internal)});
 }
@@ -529,6 +532,12 @@ bool isOfPart(std::string_view column) {
 std::vector<ReportColumn> vouchersColumns(const LayoutRequest& request) {
   std::vector<ReportColumn> columns = columnsPresent(request);
   columns.push_back(layoutColumn(voucherTypeNameColumn, voucherTypeCaption));
+  return columns;
+}
+
+std::vector<ReportColumn> vouchersShownColumns(const LayoutRequest& request) {
+  std::vector<ReportColumn> columns = vouchersColumns(request);
+  columns.push_back(layoutColumn(partAmountColumn, partAmountCaption, ColumnRole::amount));
   return columns;
 }
 

@@ -17,9 +17,10 @@ inline constexpr std::string_view voucherTypeNameColumn = "cVouTypeName";
 // Whether a column of the result table says something of a line's part: its cost item, expense item and figures.
 bool isOfPart(std::string_view column);
 
-// The columns by which the layout's rows can be chosen, ordered, grouped and shown: those that the table has, and
-// cVouTypeName.
+// The columns by which the layout's rows can be chosen, ordered and grouped: those that the table has, and cVouTypeName.
 std::vector<ReportColumn> vouchersColumns(const LayoutRequest& request);
+// Those that it can show: these, and the amount of a part, whether it was received or issued.
+std::vector<ReportColumn> vouchersShownColumns(const LayoutRequest& request);
 
 enum class VouchersForm {
   list,         // a nested list whose columns documents, lines and parts share (vouchers_list.h), for people

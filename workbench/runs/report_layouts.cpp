@@ -173,7 +173,8 @@ class Layouts {
     } else if (layout == Layout::lines) {
       request_.arrangement = arrangement(all, known);
     } else if (layout == Layout::vouchers) {
-      request_.arrangement = arrangement(all, vouchersColumns(request_));
+      request_.arrangement = arrangement({.sort = true, .groupBy = true, .where = true}, vouchersColumns(request_));
+      request_.arrangement.columns = arrangement({.columns = true}, vouchersShownColumns(request_)).columns;
     } else if (isLedger(layout)) {
       // The balances run over all lines: what is shown of them is chosen afterwards.
       section.view = view(layout);

@@ -169,6 +169,33 @@ TEST_F(VoucherReport, TotalsOfDocumentsAreTheLedgers) {
   EXPECT_THAT(text, HasSubstr("\n" + groupedNumber(lines, 0) + " lines; "));
 }
 
+TEST_F(VoucherReport, ShowsTheAmountOfEachPart) {
+  std::ostringstream out, notes;
+  const std::string first = ledger("Select Min(cVouCode) From ia_subsidiary Where cVouType = N'11' And iMonth = 3");
+  runReport({.report = "fx-wt",
+             .account = source(),
+             .settings = {"cVouType=11", "cVouCode=" + first},
+             .format = ReportFormat::csv,
+             .language = Language::english,
+             .layout = {.layout = Layout::vouchers, .arrangement = {.columns = {"cVouCode,cfxCode", "iItemPrice"}}}},
+            out, notes);
+  std::string expected = "rowKind,level,cVouCode,cfxCode,iItemPrice\r\ngroup,0," + first + ",,\r\n";
+  const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::readOnly);
+  const auto rows = account->query(
+      "Select base.AutoID, Ca_FxDef.cFxCode, item.iItemOutPrice From ia_subsidiary_Item item Inner Join ia_subsidiary "
+      "base On base.AutoID = item.iSubID Inner Join Ca_FxDef On Ca_FxDef.iFxID = item.iItemID Where base.cVouCode = N'" +
+      first + "' Order By base.AutoID, Ca_FxDef.cFxCode");
+  std::string line;
+  while (rows->next()) {
+    const std::string id = tsql::toText(rows->value(0)).value();
+    if (id != line) expected += "line,1,,,\r\n";
+    line = id;
+    expected +=
+        "detail,2,," + tsql::toText(rows->value(1)).value() + "," + tsql::toText(rows->value(2)).value() + "\r\n";
+  }
+  EXPECT_THAT(out.str(), StartsWith(expected));
+}
+
 TEST_F(VoucherReport, TotalsOfLinesAreThoseOfTheCostItems) {
   const std::string chosen = std::string(
                                  " From ia_subsidiary_Item item Inner Join ia_subsidiary base On item.iSubID = "

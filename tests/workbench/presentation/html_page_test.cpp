@@ -110,6 +110,18 @@ TEST(HtmlPageTest, QuantitiesAndPricesHaveTheAccountsDecimals) {
       << "money keeps its two";
 }
 
+// A block has the keys in front, out of sight on the screen; so has to be what stands above them.
+TEST(HtmlPageTest, HeadingsOfKeysArePutAwayWithThem) {
+  const auto tables =
+      test::tablesOf(pageOf(withView(test::viewOf({viewColumn("编码", ColumnRole::text, true, "成本构成"),
+                                                   viewColumn("金额", ColumnRole::money, false, "成本构成")},
+                                                  {{RowKind::line, 0, Values{"CI01", amount(100)}}}))));
+  const test::PageRow& first = tables.at(0).head.at(0);
+  EXPECT_THAT(first.texts(), ElementsAre("成本构成", "成本构成"));
+  EXPECT_EQ(first.cells[0].attributes, "scope=colgroup colspan=1 class=\"k k0 kl\"");
+  EXPECT_EQ(first.cells[1].attributes, "scope=colgroup colspan=1");
+}
+
 TEST(HtmlPageTest, NeighboursOfOneGroupHaveOneHeading) {
   const auto tables = test::tablesOf(pageOf(withView(
       test::viewOf({viewColumn("编码", ColumnRole::text, true), viewColumn("数量", ColumnRole::quantity, false, "收入"),
