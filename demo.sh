@@ -61,13 +61,13 @@ wine regsvr32 /s "$win32/QuillonWorkbench.dll"
 say "running the reports through COM: quillon.exe -> Quillon.dll -> ADO look-alike -> account"
 say "receipt/issue/balance by cost item, with each statement"
 wine "$win32/quillon.exe" report sfc-item --account "$account" --set cModal=1 --limit 14 --explain
-say "outbound summary by cost-item class"
-wine "$win32/quillon.exe" report outsum-item --account "$account" --limit 14
+say "outbound summary as a tree: class, cost item, warehouse and inventory within each other"
+wine "$win32/quillon.exe" report outsum-item --account "$account" --set cModal=1 --layout tree --limit 14
 
 # An item that is kept neither by batch nor by free items, so that item and warehouse are all its ledger needs.
 item=(--set cInvCode=0301-00237 --set cWhCode=07)
 spring=(--set dKeepDate=2024-03-01..2024-04-30)
-say "detail ledger of one item in two months"
+say "detail ledger of one item in two months: receipts, issues and running balance"
 wine "$win32/quillon.exe" report fx-detail --account "$account" "${item[@]}" "${spring[@]}"
 say "the source document of its line 8, and the general-ledger voucher that it is posted to"
 wine "$win32/quillon.exe" drill fx-detail --account "$account" "${item[@]}" "${spring[@]}" --row RowNo=8 --action Vouch
@@ -75,7 +75,8 @@ wine "$win32/quillon.exe" drill fx-detail --account "$account" "${item[@]}" "${s
 
 vouchers=(--set Inventory.cInvCode=0301-00237 --set cWhCode=07)
 say "cost-item voucher report of the same item: what a unit costs and how much of each cost item goes into it"
-wine "$win32/quillon.exe" report fx-wt --account "$account" "${vouchers[@]}" "${spring[@]}"
+wine "$win32/quillon.exe" report fx-wt --account "$account" "${vouchers[@]}" "${spring[@]}" \
+  --columns 单据类型,单据号,单据日期,存货,收入数量,收入金额,发出数量,发出金额,成本项目,单位用量,成本项目单价,成本构成金额
 say "the general-ledger voucher of its finished goods receipt"
 wine "$win32/quillon.exe" drill fx-wt --account "$account" "${vouchers[@]}" "${spring[@]}" --row cVouType=10 --action Voucher
 
@@ -83,7 +84,7 @@ page() { # REPORT FILE SETTING...
   local report=$1 file=$2
   shift 2
   wine "$win32/quillon.exe" report "$report" --account "$account" "$@" --format html -o "$demo/$file"
-  say "the whole report as a page to read and print: $PWD/$demo/$file"
+  say "a page to read and print, with charts: $PWD/$demo/$file"
 }
 page sfc-item receipt-issue-balance.html --set cModal=1
 page outsum-item outbound-summary.html

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Makes the pictures of docs/pictures anew: each report as `--format html` writes it, with the settings of ./demo.sh,
-# photographed by Chromium and brought down to few colours. Needs build/native/bin/quillon, and what neither build nor
-# tests need: chromium, fonts-wqy-microhei (any font with Chinese characters will do) and pngquant.
+# Makes the pictures of docs/pictures anew: each layout of each report as `--format html` writes it, with the settings of
+# ./demo.sh, photographed by Chromium and brought down to few colours. Needs build/native/bin/quillon, and what neither
+# build nor tests need: chromium, fonts-wqy-microhei (any font with Chinese characters will do) and pngquant.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -24,22 +24,47 @@ command -v pngquant >/dev/null || fail "pngquant is missing; run: apt-get instal
 browser_options=(--headless --disable-gpu --hide-scrollbars)
 [ "$(id -u)" -ne 0 ] || browser_options+=(--no-sandbox)
 
-picture() { # NAME WIDTH,HEIGHT REPORT SETTING...
-  local name=$1 size=$2
-  shift 2
-  "$quillon" report "$@" --account "$account" --format html -o "$work/$name.html"
-  "$browser" "${browser_options[@]}" --user-data-dir="$work/profile" --window-size="$size" \
-    --screenshot="$work/$name.png" "file://$work/$name.html" >"$work/browser.log" 2>&1 || {
+# The day of printing would make each run's pictures new: pages are shown without it.
+picture() { # REPORT LAYOUT WIDTH,HEIGHT OPTION...
+  local report=$1 layout=$2 size=$3
+  shift 3
+  "$quillon" report "$report" --layout "$layout" --account "$account" --company 东山机械厂 "$@" --format html \
+    -o "$work/page.html"
+  sed -i 's|<dt>打印日期</dt><dd>[0-9-]*</dd>||' "$work/page.html"
+  photograph "$report-$layout" "$size"
+}
+
+photograph() { # NAME WIDTH,HEIGHT
+  "$browser" "${browser_options[@]}" --user-data-dir="$work/profile" --window-size="$2" \
+    --screenshot="$work/$1.png" "file://$work/page.html" >"$work/browser.log" 2>&1 || {
     cat "$work/browser.log" >&2
-    fail "Chromium made no picture of $name"
+    fail "Chromium made no picture of $1"
   }
-  pngquant --force --strip --speed 1 16 --output "docs/pictures/$name.png" "$work/$name.png"
-  printf 'docs/pictures/%s.png: %s bytes\n' "$name" "$(stat -c %s "docs/pictures/$name.png")"
+  pngquant --force --strip --speed 1 16 --output "docs/pictures/$1.png" "$work/$1.png"
+  local bytes
+  bytes=$(stat -c %s "docs/pictures/$1.png")
+  printf 'docs/pictures/%s.png: %s bytes\n' "$1" "$bytes"
+  [ "$bytes" -lt 150000 ] || fail "docs/pictures/$1.png is too large to be kept; cut it"
 }
 
 "$quillon" account new "$account" --rows 20000 --seed 1
 spring=(--set dKeepDate=2024-03-01..2024-04-30)
-picture receipt-issue-balance 1165,745 sfc-item --set cModal=1 --limit 14
-picture outbound-summary 1165,745 outsum-item --limit 12
-picture detail-ledger 1735,700 fx-detail --set cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}"
-picture voucher-report 1165,745 fx-wt --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}"
+item=(--set cInvCode=0301-00237 --set cWhCode=07)
+picture sfc-item summary 960,700 --set cModal=1 --limit 14
+picture sfc-item tree 1110,700 --set cModal=1 --limit 16
+picture sfc-item lines 1130,560 --set cModal=1 --set cWhCode=07 --limit 16
+picture outsum-item summary 850,760
+picture outsum-item tree 620,700 --set cModal=1 --limit 16
+picture outsum-item lines 1110,560 --set cModal=1 --limit 16 \
+  --columns cVouType,cVouCode,dVouDate,cWhName,cInvCode,cInvName,RdName,cFXCode,cFXName,iQuantity,iMoney,iFXMoney
+picture fx-detail ledger 850,900 "${item[@]}"
+mv docs/pictures/fx-detail-ledger.png docs/pictures/fx-detail-charts.png
+sed -i '/<figure>/,/<.figure>/d' "$work/page.html" # the ledger stands below its charts
+photograph fx-detail-ledger 1210,700
+picture fx-detail columnar 1260,620 "${item[@]}"
+picture fx-detail lines 1500,560 "${item[@]}" "${spring[@]}" \
+  --columns RowNo,dKeepDate,cVouType,cVouCode,cPZCode,cPZdigest,iQuantity,iCost,iPrice,cfxCName,cfxName,iItemQuantity,iItemPrice
+picture fx-wt vouchers 1165,700 --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}" \
+  --columns cVouTypeName,cVouCode,dVouDate,cWhName,cInvCode,cInvName,iAInQuantity,iAInPrice,iAOutQuantity,iAOutPrice,cfxName,iUnitUsed,iUnitCost,iItemPrice
+picture fx-wt lines 1360,560 --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}" \
+  --columns dKeepDate,cVouCode,cInvCode,cInvName,iAInQuantity,iAInPrice,iAOutQuantity,iAOutPrice,cfxCode,cfxName,iUnitUsed,iUnitCost,iIteminPrice,iItemOutPrice

@@ -169,6 +169,17 @@ TEST_F(VoucherReport, TotalsOfDocumentsAreTheLedgers) {
   EXPECT_THAT(text, HasSubstr("\n" + groupedNumber(lines, 0) + " lines; "));
 }
 
+// The lines of a page are few where much stands above and beneath them.
+TEST_F(VoucherReport, PageCountsWhatBelongsToItsLines) {
+  const std::string page = report({}, ReportFormat::html);
+  constexpr std::size_t limit = 2'000'000;
+  EXPECT_LT(page.size(), limit);
+  std::smatch shown;
+  ASSERT_TRUE(std::regex_search(page, shown, std::regex("the first ([0-9]+) of ([0-9,]+) lines \\(all: --limit 0\\)")));
+  EXPECT_LT(std::stoi(shown[1]), 1000) << "each with its document and a cost item at least";
+  EXPECT_GT(std::stoi(shown[1]), 100);
+}
+
 TEST_F(VoucherReport, ShowsTheAmountOfEachPart) {
   std::ostringstream out, notes;
   const std::string first = ledger("Select Min(cVouCode) From ia_subsidiary Where cVouType = N'11' And iMonth = 3");
