@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -47,11 +48,12 @@ void enlarge(const MadeReport& report, std::int64_t rows) {
     const bool text = column.type.kind == tsql::Kind::nVarChar || column.type.kind == tsql::Kind::varChar;
     const std::string otherwise = text ? "N'x'" : column.type.kind == tsql::Kind::dateTime ? "'2024-03-31'" : "1";
     if (!list.empty()) list += ", ";
-    list += "IsNull(" + column.name + ", " + otherwise + ") As " + column.name;
+    list.append("IsNull(").append(column.name).append(", ").append(otherwise).append(") As ").append(column.name);
   }
-  for (std::int64_t count = report.table().rowCount(); count < rows; count = report.table().rowCount())
-    report.connection().execute("Insert Into " + table + " Select Top " + std::to_string(rows - count) + " " + list +
-                                " From " + table);
+  for (std::int64_t count = report.table().rowCount(); count < rows; count = report.table().rowCount()) {
+    std::string statement = "Insert Into " + table + " Select Top " + std::to_string(rows - count) + " ";
+    report.connection().execute(statement.append(list).append(" From ").append(table));
+  }
 }
 
 desk::ViewRequest lines() {
@@ -133,5 +135,10 @@ int measure(std::int64_t rows) {
 
 int main(int argc, char** argv) {
   constexpr std::int64_t usualRows = 700'000;
-  return quillon::workbench::measure(argc > 1 ? std::atoll(argv[1]) : usualRows);
+  try {
+    return quillon::workbench::measure(argc > 1 ? std::atoll(argv[1]) : usualRows);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "desk_result: %s\n", error.what());
+    return 1;
+  }
 }
