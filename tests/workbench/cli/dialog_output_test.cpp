@@ -14,7 +14,7 @@ class DialogOutputTest : public test::DialogPlayTest {
  protected:
   std::string table(const std::string& step, Language language = Language::english) {
     std::ostringstream out;
-    writeDialogTable(out, dialogStep(step), play_, language);
+    writeDialogTable(out, dialogStep(step), play_, {.language = language});
     return out.str();
   }
   nlohmann::json json(const std::string& step) {

@@ -60,7 +60,7 @@ class DeskRuns : public test::DeskTest {
     SCOPED_TRACE(report + " " + asked.dump());
     const Json shown = view(run, asked);
     const auto made = reportOf(report);
-    const LaidOutReport laid = laidOut(*made, Language::english, options, LayoutOutput::rows);
+    const LaidOutReport laid = laidOut(*made, Language::english, options, LayoutOutput::table);
     const View& expected = laid.sections.at(0).view;
     ASSERT_EQ(shown["columns"].size(), expected.columns.size());
     for (std::size_t i = 0; i < expected.columns.size(); ++i) {

@@ -12,12 +12,13 @@
 #include "tests/workbench/presentation/ledger_sources.h"
 #include "tests/workbench/presentation/made_layout.h"
 #include "tests/workbench/presentation/xlsx_evaluation.h"
-#include "workbench/cli/report_layouts.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/presentation/exact_sum.h"
 #include "workbench/presentation/html_page.h"
 #include "workbench/presentation/value_output.h"
 #include "workbench/presentation/view_files.h"
 #include "workbench/presentation/xlsx_workbook.h"
+#include "workbench/runs/report_layouts.h"
 #include "workbench/tsql/values/exact.h"
 
 namespace quillon::workbench {
@@ -44,14 +45,15 @@ class LayoutSums : public testing::Test {
 
   static std::unique_ptr<MadeReport> made(const std::string& report, std::vector<std::string> settings) {
     std::ostringstream notes;
+    RunNotes observer(notes, Language::english);
     return makeReport({.report = report,
                        .account = AccountSource::inFile(file_->path()),
                        .settings = std::move(settings),
                        .dialog = false,
                        .language = Language::english},
-                      {.notes = notes});
+                      observer);
   }
-  static LaidOutReport laid(const MadeReport& report, Layout layout, LayoutOutput output = LayoutOutput::rows,
+  static LaidOutReport laid(const MadeReport& report, Layout layout, LayoutOutput output = LayoutOutput::table,
                             LayoutOptions options = {}) {
     options.layout = layout;
     return laidOut(report, Language::english, options, output);
@@ -320,7 +322,7 @@ TEST_F(LayoutSums, OfIssuesAreTheLedgers) {
   expectFilesHold(summary);
 
   const LaidOutReport byWarehouse =
-      laid(*report, Layout::tree, LayoutOutput::rows, {.arrangement = {.groupBy = {"cWhCode", "cInvCode"}}});
+      laid(*report, Layout::tree, LayoutOutput::table, {.arrangement = {.groupBy = {"cWhCode", "cInvCode"}}});
   const ReadView places(byWarehouse.sections.front().view);
   Sums expected;
   for (const auto& [code, numbers] : asked("Select l.cWhCode, " + whole + " Group By l.cWhCode", 1))

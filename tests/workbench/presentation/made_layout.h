@@ -60,7 +60,7 @@ class MadeLayout {
 
  private:
   std::ostringstream notes_;
-  RunNotes observer_{notes_};
+  RunNotes observer_{notes_, Language::english};
   const Report& report_;
   std::unique_ptr<MadeReport> made_;
   ResultTable table_;
