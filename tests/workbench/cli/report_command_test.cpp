@@ -132,6 +132,7 @@ TEST_F(ReportCommand, ArrangesLinesAsAsked) {
              .account = AccountSource(source()),
              .settings = {"cModal=1"},
              .format = ReportFormat::csv,
+             .language = Language::english,
              .keep = true},
             out, notes);
   const std::string name = std::regex_replace(notes.str(), std::regex("[^]*(QuillonReport\\w+) is kept[^]*"), "$1");
