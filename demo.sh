@@ -75,8 +75,7 @@ wine "$win32/quillon.exe" drill fx-detail --account "$account" "${item[@]}" "${s
 
 vouchers=(--set Inventory.cInvCode=0301-00237 --set cWhCode=07)
 say "cost-item voucher report of the same item: what a unit costs and how much of each cost item goes into it"
-wine "$win32/quillon.exe" report fx-wt --account "$account" "${vouchers[@]}" "${spring[@]}" \
-  --columns 单据类型,单据号,单据日期,存货,收入数量,收入金额,发出数量,发出金额,成本项目,单位用量,成本项目单价,成本构成金额
+wine "$win32/quillon.exe" report fx-wt --account "$account" "${vouchers[@]}" "${spring[@]}"
 say "the general-ledger voucher of its finished goods receipt"
 wine "$win32/quillon.exe" drill fx-wt --account "$account" "${vouchers[@]}" "${spring[@]}" --row cVouType=10 --action Voucher
 

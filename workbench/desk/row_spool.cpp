@@ -6,6 +6,8 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include "workbench/messages/desk.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench::desk {
 
@@ -49,7 +51,7 @@ WindowRow rowOf(std::string_view record) {
 
 RowSpool::RowSpool(std::filesystem::path file, bool folded) : path_(std::move(file)), folded_(folded) {
   file_.open(path_, std::ios::binary | std::ios::in | std::ios::out | std::ios::trunc);
-  if (!file_) throw std::runtime_error("the rows of the report cannot be kept: no file can be made for them");
+  if (!file_) throw UserError(messages::rowsNotKept());
 }
 
 RowSpool::~RowSpool() {
@@ -94,7 +96,7 @@ void RowSpool::flush() {
   file_.seekp(static_cast<std::streamoff>(end_));
   file_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
   file_.flush();
-  if (!file_) throw std::runtime_error("the rows of the report cannot be kept: the disk for temporary files is full");
+  if (!file_) throw UserError(messages::temporaryDiskFull());
   end_ += buffer_.size();
   buffer_.clear();
   size_ += buffered_;

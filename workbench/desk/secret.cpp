@@ -11,6 +11,8 @@
 #include <array>
 #include <cstddef>
 #include <stdexcept>
+#include "workbench/messages/desk.h"
+#include "workbench/platform/user_error.h"
 
 namespace quillon::workbench::desk {
 
@@ -32,7 +34,7 @@ bool fill(Bytes& bytes) {
 
 std::string newSecret() {
   Bytes bytes{};
-  if (!fill(bytes)) throw std::runtime_error("the system gives no random numbers, without which the desk is not safe");
+  if (!fill(bytes)) throw UserError(messages::noRandomNumbers());
   std::string text;
   for (const unsigned char byte : bytes) {
     for (const int digit : {byte / 16, byte % 16})

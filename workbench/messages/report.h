@@ -93,9 +93,6 @@ inline constexpr Text<0> workbookLongText{
     "a text is longer than the 32,767 characters of a cell; leave its row out with the filter"};
 inline constexpr Text<0> workbookFailed{"工作簿未能生成；请检查文件夹及其剩余空间",
                                         "the workbook could not be put together; check the folder and its free space"};
-inline constexpr Text<2> sheetTooSmall{
-    "报表有 {1} 行，而工作表只容得下 {2} 行；请写 --format csv，或用 --limit 或更窄的过滤条件减少行数",
-    "the report has {1} rows and a sheet has room for {2}; write --format csv, or fewer rows with --limit or a narrower filter"};
 
 // --- Comparing --------------------------------------------------------------------------------------------------------
 

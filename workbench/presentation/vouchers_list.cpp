@@ -144,6 +144,7 @@ class ListRows final : public ViewRows {
   static ViewRow listed(const ListPlan& plan, const ViewRow& read) {
     // A part belongs to the line above it and stands in from it.
     ViewRow row{.kind = read.kind, .level = read.kind == RowKind::detail ? read.level - 1 : read.level, .cells = {}};
+    row.ledgerLine = read.ledgerLine;
     putWords(plan, read, plan.before, row);
     const auto* const flag = std::get_if<std::int64_t>(&read.cells[plan.receipt]);
     const bool receipt = flag != nullptr && *flag == 1;

@@ -70,8 +70,9 @@ TEST(WrongUsage, SuggestsTheCommandThatWasMeant) {
       wrongUsage({"print"}),
       "there is no command \"print\"; the commands are account, dialog, drill, filters, help, list, report, serve, sql, "
       "trace; see quillon --help");
-  EXPECT_EQ(wrongUsage({}),
-            "name a command: account, dialog, drill, filters, help, list, report, serve, sql, trace; see quillon --help");
+  EXPECT_EQ(
+      wrongUsage({}),
+      "name a command: account, dialog, drill, filters, help, list, report, serve, sql, trace; see quillon --help");
   EXPECT_THAT(wrongUsage({"account"}), StartsWith("name a command: new, info, check, clean, "));
 }
 

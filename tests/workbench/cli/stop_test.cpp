@@ -135,16 +135,17 @@ class Stop : public ::testing::Test {
 TEST_F(Stop, ReportsAndDialogs) {
   for (const std::string format : {"csv", "html", "xlsx"}) {
     SCOPED_TRACE(format);
-    stopEverywhere(
-        {"report", "sfc-item", "--account", path("a"), "--set", "cModal=1", "--format", format, "-o", path("r")}, "r",
-        format != "xlsx");
+    stopEverywhere({"report", "sfc-item", "--account", path("a"), "--set", "cModal=1", "--format", format, "-o",
+                    path("r"), "--lang", "en"},
+                   "r", format != "xlsx");
   }
   for (const char* const report : {"outsum-item", "fx-wt"}) {
     SCOPED_TRACE(report);
-    stopEverywhere({"report", report, "--account", path("a")});
+    stopEverywhere({"report", report, "--account", path("a"), "--lang", "en"});
   }
-  stopEverywhere({"dialog", "fx-detail", "--account", path("a")});
-  stopEverywhere({"drill", "fx-wt", "--account", path("a"), "--row", "cVouType=10", "--action", "Voucher"});
+  stopEverywhere({"dialog", "fx-detail", "--account", path("a"), "--lang", "en"});
+  stopEverywhere(
+      {"drill", "fx-wt", "--account", path("a"), "--row", "cVouType=10", "--action", "Voucher", "--lang", "en"});
   EXPECT_GT(stopped_, moments);
 }
 
@@ -198,7 +199,7 @@ TEST_F(Stop, QuestionsToAccounts) {
   stopEverywhere({"account", "check", path("a")});
   stopEverywhere({"account", "check", "--integrity", path("a")});
   stopEverywhere({"account", "info", path("a")});
-  stopEverywhere({"list", "batches", "--account", path("a"), "--search", "b"});
+  stopEverywhere({"list", "batches", "--account", path("a"), "--search", "b", "--lang", "en"});
   account::testing::write(folder_ / "look.sql",
                           "Select cInvCode, Sum(iAInPrice) From ia_subsidiary Group By cInvCode\n");
   stopEverywhere({"sql", "--account", path("a"), path("look.sql")});

@@ -180,6 +180,7 @@ TEST_F(VoucherReport, PageCountsWhatBelongsToItsLines) {
   EXPECT_GT(std::stoi(shown[1]), 100);
 }
 
+// For programs each row says what it belongs to.
 TEST_F(VoucherReport, ShowsTheAmountOfEachPart) {
   std::ostringstream out, notes;
   const std::string first = ledger("Select Min(cVouCode) From ia_subsidiary Where cVouType = N'11' And iMonth = 3");
@@ -199,10 +200,10 @@ TEST_F(VoucherReport, ShowsTheAmountOfEachPart) {
   std::string line;
   while (rows->next()) {
     const std::string id = tsql::toText(rows->value(0)).value();
-    if (id != line) expected += "line,1,,,\r\n";
+    if (id != line) expected += "line,1," + first + ",,\r\n";
     line = id;
-    expected +=
-        "detail,2,," + tsql::toText(rows->value(1)).value() + "," + tsql::toText(rows->value(2)).value() + "\r\n";
+    expected += "detail,2," + first + "," + tsql::toText(rows->value(1)).value() + "," +
+                tsql::toText(rows->value(2)).value() + "\r\n";
   }
   EXPECT_THAT(out.str(), StartsWith(expected));
 }

@@ -53,7 +53,7 @@ class LayoutSums : public testing::Test {
                        .language = Language::english},
                       observer);
   }
-  static LaidOutReport laid(const MadeReport& report, Layout layout, LayoutOutput output = LayoutOutput::table,
+  static LaidOutReport laid(const MadeReport& report, Layout layout, LayoutOutput output = LayoutOutput::fields,
                             LayoutOptions options = {}) {
     options.layout = layout;
     return laidOut(report, Language::english, options, output);
@@ -322,7 +322,7 @@ TEST_F(LayoutSums, OfIssuesAreTheLedgers) {
   expectFilesHold(summary);
 
   const LaidOutReport byWarehouse =
-      laid(*report, Layout::tree, LayoutOutput::table, {.arrangement = {.groupBy = {"cWhCode", "cInvCode"}}});
+      laid(*report, Layout::tree, LayoutOutput::fields, {.arrangement = {.groupBy = {"cWhCode", "cInvCode"}}});
   const ReadView places(byWarehouse.sections.front().view);
   Sums expected;
   for (const auto& [code, numbers] : asked("Select l.cWhCode, " + whole + " Group By l.cWhCode", 1))
