@@ -64,6 +64,6 @@ photograph fx-detail-ledger 1210,700
 picture fx-detail columnar 1260,620 "${item[@]}"
 picture fx-detail lines 1500,560 "${item[@]}" "${spring[@]}" \
   --columns RowNo,dKeepDate,cVouType,cVouCode,cPZCode,cPZdigest,iQuantity,iCost,iPrice,cfxCName,cfxName,iItemQuantity,iItemPrice
-picture fx-wt vouchers 1250,700 --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}"
+picture fx-wt vouchers 1340,700 --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}"
 picture fx-wt lines 1360,560 --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}" \
   --columns dKeepDate,cVouCode,cInvCode,cInvName,iAInQuantity,iAInPrice,iAOutQuantity,iAOutPrice,cfxCode,cfxName,iUnitUsed,iUnitCost,iIteminPrice,iItemOutPrice
