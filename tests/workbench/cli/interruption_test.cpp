@@ -70,8 +70,8 @@ class Interruption : public ::testing::Test {
   }
   std::string path(std::string_view name) const { return utf8FromPath(folder_ / name); }
   std::vector<std::string> report(const std::string& output, const std::string& format) const {
-    return {"report",   "sfc-item", "--account", path("a"),    "--set",  "cModal=1",
-            "--format", format,     "-o",        path(output), "--lang", "en"};
+    return {"report", "sfc-item", "--lang",   "en",   "--account", path("a"),
+            "--set",  "cModal=1", "--format", format, "-o",        path(output)};
   }
 
   // The command as it ends undisturbed.

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "tests/workbench/desk/desk_test_base.h"
+#include "tests/workbench/platform/temporary_file.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/runs/report_layouts.h"
 #include "workbench/tsql/values/utf8_path.h"
@@ -393,7 +394,34 @@ TEST_F(DeskRuns, SeveralRunAtOnceAndEachHasItsOwnResult) {
   EXPECT_EQ(allRows(paths[3], other).size(), other["rowCount"]);
 }
 
-// What lies in the folder for temporary files besides the tests' own.
+// A folder for temporary files that no other program uses.
+class TemporaryFolderOfOurOwn {
+ public:
+  TemporaryFolderOfOurOwn() : before_(std::filesystem::temp_directory_path()), folder_("") {
+    std::filesystem::create_directory(folder_.path());
+    use(folder_.path());
+  }
+  ~TemporaryFolderOfOurOwn() {
+    use(before_);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_.path(), ignored);
+  }
+  TemporaryFolderOfOurOwn(const TemporaryFolderOfOurOwn&) = delete;
+  TemporaryFolderOfOurOwn& operator=(const TemporaryFolderOfOurOwn&) = delete;
+
+ private:
+  static void use(const std::filesystem::path& folder) {
+#ifdef _WIN32
+    _wputenv_s(L"TMP", folder.c_str());
+#else
+    setenv("TMPDIR", folder.c_str(), 1);
+#endif
+  }
+
+  std::filesystem::path before_;
+  test::TemporaryFile folder_;
+};
+
 std::size_t scratchFolders() {
   std::size_t count = 0;
   for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::temp_directory_path()))
@@ -422,6 +450,7 @@ TEST_F(DeskRuns, AStoppedRunLeavesNothingAndTheOthersGoOn) {
 }
 
 TEST_F(DeskRuns, ClosingARunTakesItsTablesAlong) {
+  const TemporaryFolderOfOurOwn temporary;
   const std::size_t before = scratchFolders();
   const std::string run = done("fx-wt");
   view(run, {{"layout", "vouchers"}});
