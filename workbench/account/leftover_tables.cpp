@@ -74,8 +74,7 @@ bool LeftoverTable::mayBeWanted() const {
 
 std::vector<LeftoverTable> leftoverTables(tsql::Database& connection) {
   std::vector<LeftoverTable> tables = tablesWithAge(connection);
-  std::erase_if(tables,
-                [](const LeftoverTable& table) { return !table.isResult() && !isWorkTableName(table.name); });
+  std::erase_if(tables, [](const LeftoverTable& table) { return !table.isResult() && !isWorkTableName(table.name); });
   std::ranges::sort(tables, {}, &LeftoverTable::name);
   return tables;
 }

@@ -18,7 +18,6 @@
 #include "workbench/cli/language_option.h"
 #include "workbench/cli/list_command.h"
 #include "workbench/cli/report_command.h"
-#include "workbench/runs/run_monitor.h"
 #include "workbench/cli/serve_command.h"
 #include "workbench/cli/sql_command.h"
 #include "workbench/cli/stop_signals.h"
@@ -28,6 +27,7 @@
 #include "workbench/messages/program.h"
 #include "workbench/odbc/connection_string.h"
 #include "workbench/platform/nearest_name.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/tsql/values/stop.h"
 #include "workbench/tsql/values/utf8_path.h"
 

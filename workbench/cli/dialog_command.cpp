@@ -13,15 +13,15 @@
 #include "workbench/cli/item_help.h"
 #include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
-#include "workbench/runs/report_run.h"
-#include "workbench/messages/filter.h"
 #include "workbench/cli/run_notes.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/named_values.h"
 #include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/runs/account_login.h"
+#include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {
 

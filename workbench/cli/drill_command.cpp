@@ -15,9 +15,9 @@
 #include "workbench/cli/filters_command.h"
 #include "workbench/cli/language_option.h"
 #include "workbench/cli/named_choice.h"
+#include "workbench/cli/run_notes.h"
 #include "workbench/messages/common.h"
 #include "workbench/messages/report.h"
-#include "workbench/cli/run_notes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/text_table.h"
@@ -28,7 +28,6 @@ namespace quillon::workbench {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
 
 RowValues readRow(const std::vector<std::string>& settings) {
   RowValues row;

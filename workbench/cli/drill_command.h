@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "workbench/runs/report_run.h"
 #include "workbench/cli/screen_options.h"
+#include "workbench/runs/report_run.h"
 
 namespace CLI {
 class App;

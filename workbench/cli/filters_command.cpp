@@ -24,7 +24,6 @@ namespace quillon::workbench {
 
 namespace {
 
-
 // "仓库=07, 部门=05"; an item that no report is known for has its key.
 std::string itemsOf(FilterObject& filter, Language language) {
   std::string text;

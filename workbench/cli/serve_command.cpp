@@ -28,7 +28,8 @@ namespace {
 std::vector<desk::Licence> licences() {
   std::vector<desk::Licence> all;
   for (const desk::PageLicence& page : desk::pageLicences())
-    all.push_back({.name = std::string(page.name), .licence = std::string(page.licence), .text = std::string(page.text)});
+    all.push_back(
+        {.name = std::string(page.name), .licence = std::string(page.licence), .text = std::string(page.text)});
   return all;
 }
 

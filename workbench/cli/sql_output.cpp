@@ -3,11 +3,11 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/runs/run_monitor.h"
 #include "workbench/messages/common.h"
 #include "workbench/messages/program.h"
 #include "workbench/presentation/csv_record.h"
 #include "workbench/presentation/value_output.h"
+#include "workbench/runs/run_monitor.h"
 
 namespace quillon::workbench {
 

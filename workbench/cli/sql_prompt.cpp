@@ -9,10 +9,10 @@
 
 #include "frame/text.h"
 #include "workbench/cli/pager.h"
-#include "workbench/runs/run_monitor.h"
 #include "workbench/cli/sql_batch.h"
 #include "workbench/cli/stop_signals.h"
 #include "workbench/messages/program.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/tsql/values/stop.h"
 
 namespace quillon::workbench {

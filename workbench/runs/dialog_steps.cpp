@@ -3,10 +3,10 @@
 #include <array>
 #include <utility>
 
-#include "workbench/runs/run_monitor.h"
 #include "workbench/messages/filter.h"
 #include "workbench/platform/filter_input.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/runs/run_monitor.h"
 
 namespace quillon::workbench {
 

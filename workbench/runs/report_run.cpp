@@ -6,7 +6,6 @@
 #include "workbench/account/leftover_tables.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/catalogue/library_runner.h"
-#include "workbench/runs/run_monitor.h"
 #include "workbench/messages/filter.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/filter_file.h"
@@ -16,6 +15,7 @@
 #include "workbench/platform/unknown_codes.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/text_cells.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/tsql/values/stop.h"
 
 namespace quillon::workbench {
