@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -100,6 +101,14 @@ void TerminalProgram::waitFor(const std::string& text) {
     }
     if (!readSome() || Clock::now() > until)
       throw std::runtime_error("\"" + text + "\" did not come; there is: " + shown_.substr(found_));
+  }
+}
+
+void TerminalProgram::waitForKeys() {
+  const auto until = Clock::now() + longest;
+  termios mode{};
+  while (tcgetattr(terminal_, &mode) == 0 && (mode.c_lflag & ICANON) != 0) {
+    if (!readSome() || Clock::now() > until) throw std::runtime_error("the program takes no keys");
   }
 }
 

@@ -30,6 +30,9 @@ class TerminalProgram {
   // Waits until the terminal has been sent `text` behind what the last call found. Throws when that takes longer than a
   // minute.
   void waitFor(const std::string& text);
+  // Waits until the program takes keys one by one. Before that the terminal keeps a line until it ends, shows keys itself
+  // and forgets a Ctrl-D. Throws when it takes longer than a minute.
+  void waitForKeys();
   // Sends the program a signal, and it alone.
   void signal(int number) const;
   // Waits for the program's end and gives its exit status, 128 and the number of the signal that ended it. Throws when that

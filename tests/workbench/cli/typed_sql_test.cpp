@@ -40,6 +40,7 @@ class TypedSql : public ::testing::Test {
   // Ctrl-D means nothing special before the line is being edited.
   static void leave(TerminalProgram& program) {
     program.waitFor("sql> ");
+    program.waitForKeys();
     program.type("\x04");
   }
 
@@ -72,6 +73,7 @@ TEST_F(TypedSql, FetchesEarlierLinesOfThisSessionAndOthers) {
   EXPECT_EQ(contentOf(folder_ / "quillon" / "sql_history"), "Select 41 + 1 As 项目\n");
   const auto program = start();
   program->waitFor("sql> ");
+  program->waitForKeys();
   program->type("\x1b[A\n");
   program->waitFor("-> ");
   program->type("go\n");
