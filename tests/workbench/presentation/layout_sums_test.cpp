@@ -66,6 +66,7 @@ class LayoutSums : public testing::Test {
 
 std::vector<std::string> figures(const ReadView& view, const ViewRow& row, const std::vector<std::string>& columns) {
   std::vector<std::string> numbers;
+  numbers.reserve(columns.size());
   for (const std::string& column : columns)
     numbers.push_back(plainNumber(view.value(row, column)));
   return numbers;
@@ -86,8 +87,11 @@ std::string balanceSums() {
   for (const auto& [when, sign] :
        {std::pair{"l.cVouType = N'34'", "-"}, std::pair{"l.iMonth > 0 And l.bRdFlag = 1", "+"},
         std::pair{"l.iMonth > 0 And l.bRdFlag = 0", "+"}, std::pair{"(l.cVouType = N'34' Or l.iMonth > 0)", "-"}}) {
-    for (const std::string figure : {"Quantity", "Price"})
-      list += sum(when, "IsNull(p.iItemIn" + figure + ", 0) " + sign + " IsNull(p.iItemOut" + figure + ", 0)");
+    for (const std::string figure : {"Quantity", "Price"}) {
+      std::string both = "IsNull(p.iItemIn" + figure + ", 0) ";
+      both.append(sign).append(" IsNull(p.iItemOut").append(figure).append(", 0)");
+      list += sum(when, both);
+    }
   }
   return list;
 }

@@ -153,6 +153,7 @@ TEST_F(SmallLayouts, TreeHasCostItemsBelowTheirOwnClasses) {
   account_->execute("Update Result Set cFXCode = N'XX', cFXName = N'unknown' Where cFXCode = N'02'");
   const std::vector<std::string> rows = test::textsOf(treeView(request("1")));
   std::vector<std::string> labels;
+  labels.reserve(rows.size());
   for (const std::string& row : rows)
     labels.push_back(row.substr(0, row.find('|', row.find('|') + 1)));
   EXPECT_THAT(labels, ElementsAre("group|0 成本", "group1|01 材料", "group2|CI1 钢材", "group3|1 原料库",
