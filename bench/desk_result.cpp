@@ -88,7 +88,7 @@ class Measurement {
   // The statement of the lines by itself, read to its end.
   void alone(const desk::ViewRequest& request, double first) {
     const auto reader = report_.reader();
-    const LaidOutReport laid = laidOut(*reader, request.language, request.options(), LayoutOutput::rows);
+    const LaidOutReport laid = laidOut(*reader, request.language, request.options(), LayoutOutput::table);
     std::int64_t count = 0;
     double untilFirst = 0;
     const double query = timed("  the same query alone", [&] {
@@ -111,7 +111,7 @@ int measure(std::int64_t rows) {
   const account::Scratch scratch;
   const std::filesystem::path file = scratch.file().parent_path() / "sample.account";
   account::createSample(file, {.rows = 20'000});
-  RunNotes notes(std::cerr);
+  RunNotes notes(std::cerr, Language::english);
   const auto report = makeReport({.report = "fx-wt", .account = AccountSource::inFile(file), .dialog = false}, notes);
   timed("making the result", [&] { enlarge(*report, rows); });
   report->keepFacts();

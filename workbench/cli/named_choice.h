@@ -24,6 +24,7 @@ CLI::Validator oneOf(const std::map<std::string, Enumeration>& choices) {
           return {};
         }
         std::vector<std::string> names;
+        names.reserve(choices.size());
         for (const auto& [name, value] : choices)
           names.push_back(name);
         return usageText(messages::noneOf(word, listOf(names), suggestion(word, names)));

@@ -110,6 +110,7 @@ std::optional<Fault> faultOfType(const Json& type, const Json& value, const Poin
   // Nobody writes null on purpose.
   if (types.size() > 1) std::erase_if(types, [](const TypeName* known) { return known->name == "null"; });
   std::vector<Message> shown;
+  shown.reserve(types.size());
   for (const TypeName* known : types)
     shown.push_back(messages::said(known->shown));
   return Fault{place, messages::mustBe(alternativesOf(shown))};

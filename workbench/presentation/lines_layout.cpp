@@ -48,9 +48,10 @@ std::vector<ReportColumn> tellingApart(const LayoutRequest& request, std::span<c
     if (!isNumber(column.role)) append(keys, column.name);
   }
   for (std::size_t i = 0; i < hidden.size(); ++i) {
-    const std::string text = "IsNull(Cast(" + hidden[i].name + " As nvarchar(120)), N'')";
+    const std::string text = "(IsNull(Cast(" + hidden[i].name + " As nvarchar(120)), N''))";
     const std::string name = "differs" + std::to_string(i);
-    append(differences, "Case When Min(" + text + ") <> Max(" + text + ") Then 1 Else 0 End As " + name);
+    append(differences, "Case When Min");
+    differences.append(text).append(" <> Max").append(text).append(" Then 1 Else 0 End As ").append(name);
     append(flags, "Max(" + name + ")");
   }
   std::vector<ReportColumn> found;
@@ -213,8 +214,9 @@ std::vector<ViewRow> totalsOf(const LayoutRequest& request, const View& view, co
     std::vector<tsql::Value> sums;
     for (std::size_t i = 0; i < summed.size(); ++i)
       sums.push_back(cursor->value(i));
-    const std::string state = byState ? tsql::toText(cursor->value(summed.size())).value_or("") : "";
-    totals.push_back(totalRow(view.columns, summed, sums, state.empty() ? word : state + between + word));
+    std::string caption = byState ? tsql::toText(cursor->value(summed.size())).value_or("") : "";
+    if (!caption.empty()) caption += between;
+    totals.push_back(totalRow(view.columns, summed, sums, caption.append(word)));
   }
   return totals;
 }

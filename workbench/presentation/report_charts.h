@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "workbench/presentation/laid_out_report.h"
+#include "workbench/presentation/result_table.h"
 
 namespace quillon::workbench {
 

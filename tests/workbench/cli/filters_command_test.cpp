@@ -86,14 +86,14 @@ class FiltersCommand : public testing::Test {
 
 TEST_F(FiltersCommand, SavesAndUsesAReportsFilter) {
   const std::vector<std::string> common = {"report", "sfc-item", "--account", "ACCOUNT", "--format", "csv"};
-  std::vector<std::string> saving = common, using_ = common, plain = common;
+  std::vector<std::string> saving = common, naming = common, plain = common;
   saving.insert(saving.end(), {"--set", "仓库=线边库", "--set", "cModal=1", "--save-filter", "线边"});
-  using_.insert(using_.end(), {"--filter", "线边"});
+  naming.insert(naming.end(), {"--filter", "线边"});
   plain.insert(plain.end(), {"--set", "cWhCode=07", "--set", "cModal=1"});
   const End saved = run(saving);
   EXPECT_EQ(saved.status, 0) << saved.errors;
   EXPECT_EQ(saved.errors, "quillon: 过滤条件已保存：线边\n");
-  EXPECT_EQ(run(using_).out, run(plain).out);
+  EXPECT_EQ(run(naming).out, run(plain).out);
   EXPECT_EQ(saved.out, run(plain).out);
 
   EXPECT_EQ(run({"filters", "list"}).out,
@@ -117,7 +117,7 @@ TEST_F(FiltersCommand, SavesAndUsesAReportsFilter) {
   EXPECT_THAT(run({"filters", "list", "--lang", "en"}).out, testing::StartsWith("no filters are saved in "));
   EXPECT_EQ(run({"filters", "remove", "线边"}).errors, "there is no saved filter \"线边\"; see quillon filters list");
   EXPECT_EQ(run({"filters", "show", "线边"}).errors, "there is no saved filter \"线边\"; see quillon filters list");
-  EXPECT_THAT(run(using_).errors, testing::StartsWith("there is no saved filter \"线边\", and no file"));
+  EXPECT_THAT(run(naming).errors, testing::StartsWith("there is no saved filter \"线边\", and no file"));
 }
 
 TEST_F(FiltersCommand, SavesNoFilterThatIsNotAccepted) {

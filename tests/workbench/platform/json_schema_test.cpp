@@ -70,7 +70,7 @@ TEST(JsonPlace, IsFoundInTheText) {
       "\n{ \"a\" : \"{[\\\"\\\\\",\n \"items\":\n [ {\"name\":\"x]\"},\n  [[],{\"value\":1}],\n  {\"name\":\n 3,\n "
       "\"v\\u0061lue\"\n:[\n]}]\n, \"a\":\n2}\n";
   const auto line = [&](const char* pointer) { return lineOf(text, Json::json_pointer(pointer)); };
-  ASSERT_NO_THROW(Json::parse(text));
+  ASSERT_TRUE(Json::accept(text));
   EXPECT_EQ(line(""), 2U);
   EXPECT_EQ(line("/items"), 3U);
   EXPECT_EQ(line("/items/0"), 4U);

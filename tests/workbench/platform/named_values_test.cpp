@@ -212,10 +212,10 @@ TEST_F(NamedValues, AreOfferedForTheItemThatTheMessageIsAbout) {
 TEST_F(NamedValues, AreOfferedTwentyAtMost) {
   for (int number = 10; number < 32; ++number) {
     const std::string text = std::to_string(number);
-    session_.execute(
-        "Insert Into ia_subsidiary (AutoID, iYear, iMonth, cVouType, bRdFlag, bFlag, cInvCode, cBatchIA) "
-        "Values (" +
-        text + ", 2024, 1, N'01', 1, 0, N'P9', N'L" + text + "')");
+    std::string statement =
+        "Insert Into ia_subsidiary (AutoID, iYear, iMonth, cVouType, bRdFlag, bFlag, cInvCode, cBatchIA) Values (";
+    statement.append(text).append(", 2024, 1, N'01', 1, 0, N'P9', N'L").append(text).append("')");
+    session_.execute(statement);
   }
   FilterObject filter = ledger("P9", "");
   EXPECT_THAT(*valuesToGive(filter, "批号不能为空", session_, Language::chinese),

@@ -78,6 +78,7 @@ TEST_F(SavedFiltersTest, LeaveNothingButThemselves) {
 TEST_F(SavedFiltersTest, AreSavedOnceByOneOfMany) {
   constexpr int programs = 8;
   std::vector<std::thread> threads;
+  threads.reserve(programs);
   std::atomic<int> saved = 0;
   for (int i = 0; i < programs; ++i) {
     threads.emplace_back([this, &saved, i] {
