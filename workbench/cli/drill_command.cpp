@@ -177,7 +177,8 @@ void addDrillCommand(CLI::App& app) {
                      "Vouch: the source document; anything else: the general-ledger voucher");
   addFilterOption(command, options->report.filterFile, "The report's filter");
   several(command.add_option("--set", options->report.settings, "Set a filter item of the report: key=value"));
-  command.add_flag("!--no-dialog", options->report.dialog, "Do not run the report's filter dialog");
+  command.add_flag_callback(
+      "--no-dialog", [options] { options->report.dialog = false; }, "Do not run the report's filter dialog");
   command.add_option("--format", options->format, "table or json")->transform(oneOf(formats));
   addLanguageOption(command, options->report.language);
   addScreenOptions(command, options->screen);

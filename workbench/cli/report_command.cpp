@@ -219,16 +219,29 @@ void addLayoutOptions(CLI::App& command, LayoutOptions& options) {
   command.add_option("--company", options.company, "Whose account it is, for the heading of page and workbook");
 }
 
+const std::map<std::string, ReportFormat>& formatNames() {
+  static const std::map<std::string, ReportFormat> names = {{"table", ReportFormat::table},
+                                                            {"csv", ReportFormat::csv},
+                                                            {"json", ReportFormat::json},
+                                                            {"html", ReportFormat::html},
+                                                            {"xlsx", ReportFormat::xlsx}};
+  return names;
+}
+
+// What the ending of a file's name promises; a table where it promises nothing.
+ReportFormat formatOfFile(std::string_view file) {
+  const std::string ending = utf8FromPath(pathFromUtf8(file).extension());
+  for (const auto& [name, format] : formatNames()) {
+    if (equalIgnoringCase(ending, "." + name)) return format;
+  }
+  return ReportFormat::table;
+}
+
 }  // namespace
 
 void addReportCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("report", "Run a report on an account and show its rows");
   const auto options = std::make_shared<ReportOptions>();
-  static const std::map<std::string, ReportFormat> formats = {{"table", ReportFormat::table},
-                                                              {"csv", ReportFormat::csv},
-                                                              {"json", ReportFormat::json},
-                                                              {"html", ReportFormat::html},
-                                                              {"xlsx", ReportFormat::xlsx}};
   command.add_option("REPORT", options->report, "The report: " + reportNames())->required();
   addItemHelp(command, options->report);
   addAccountOption(command, "--account", options->account).required();
@@ -239,10 +252,14 @@ void addReportCommand(CLI::App& app) {
                   "Set a filter item: key=value; ranges as lower..upper, several values with commas or again")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  command.add_flag("!--no-dialog", options->dialog,
-                   "Do not run the report's filter dialog; items that are not given take registered defaults");
+  command.add_flag_callback(
+      "--no-dialog", [options] { options->dialog = false; },
+      "Do not run the report's filter dialog; items that are not given take registered defaults");
   CLI::Option& format =
-      *command.add_option("--format", options->format, "table, csv, json, html or xlsx")->transform(oneOf(formats));
+      *command
+           .add_option("--format", options->format,
+                       "table, csv, json, html or xlsx; unless told, as the name of the output file ends, else table")
+           ->transform(oneOf(formatNames()));
   CLI::Option& output =
       *command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
   addLanguageOption(command, options->language);
@@ -251,14 +268,17 @@ void addReportCommand(CLI::App& app) {
   command.add_flag("--captions", options->captions, "Head the columns with captions instead of names (csv)");
   command.add_flag("--bom", options->bom, "Begin with a byte order mark, by which spreadsheets know UTF-8 (csv)");
   command.add_flag("--wide", options->wide, "Show all of a table on a terminal that is too narrow for it");
-  command.add_flag("!--no-pager", options->pager, "Do not show what is longer than the terminal in the pager (PAGER)");
+  command.add_flag_callback(
+      "--no-pager", [options] { options->pager = false; },
+      "Do not show what is longer than the terminal in the pager (PAGER)");
   command.add_flag("--explain", options->explain, "Print each statement with its time and row count");
   CLI::Option& keep = *command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
   const auto second = std::make_shared<AccountSource>();
   addAccountOption(command, "--compare", *second,
                    "Run the report on this account, too, and compare the rows; --limit says how many are shown")
       .excludes(&format, &output, &keep);
-  command.callback([options, second] {
+  command.callback([options, second, &format] {
+    if (format.empty()) options->format = formatOfFile(options->outputFile);
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())
       throw CLI::ValidationError("--format", usageText(messages::workbookNeedsFile()));
     options->terminal = errorsGoToTerminal();

@@ -102,7 +102,9 @@ void addSqlCommand(CLI::App& app) {
                      "The script; standard input when it is left out, and a prompt where somebody types there");
   addLanguageOption(command, options->language);
   command.add_flag("--wide", options->wide, "Show all of a table on a terminal that is too narrow for it");
-  command.add_flag("!--no-pager", options->pager, "Do not show what is longer than the terminal in the pager (PAGER)");
+  command.add_flag_callback(
+      "--no-pager", [options] { options->pager = false; },
+      "Do not show what is longer than the terminal in the pager (PAGER)");
   command.callback([options] {
     if (options->account.text().empty() && !options->empty) refuseUsage(messages::accountOrEmpty());
     const std::unique_ptr<tsql::Database> account =

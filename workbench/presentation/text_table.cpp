@@ -27,6 +27,8 @@ TextTable::TextTable(std::ostream& out, std::vector<TableColumn> columns, const 
     const std::size_t width = cellWidth(column.heading);
     columns_.push_back({.shown = std::move(column), .width = width});
   }
+  const auto key = std::ranges::find(columns_, Align::left, [](const Column& column) { return column.shown.align; });
+  if (key != columns_.end()) key->leastText = leastKey;
 }
 
 void TextTable::row(std::vector<std::string> cells, Emphasis emphasis) {
@@ -70,7 +72,7 @@ void TextTable::finish() {
 // --- Widths -----------------------------------------------------------------------------------------------------------
 
 std::size_t TextTable::least(const Column& column) {
-  if (column.shown.align == Align::left) return std::min(column.width, leastText);
+  if (column.shown.align == Align::left) return std::min(column.width, column.leastText);
   return std::max(column.cellWidth, std::min(column.width, leastHeading));
 }
 
@@ -126,7 +128,7 @@ std::size_t TextTable::room() const {
     if (column.shown.align == Align::right) {
       numbers += gap.size() + least(column);
     } else if (!firstText) {
-      firstText = least(column);
+      firstText = std::min(least(column), leastText);
     }
   }
   const bool fits = firstText.value_or(0) + numbers <= *style_.width;
@@ -137,7 +139,12 @@ void TextTable::fit() {
   if (!style_.width || width() <= *style_.width) return;
   const std::size_t room = this->room();
   narrowed_ = true;
-  while (lineWidth([this](std::size_t i) { return least(columns_[i]); }) > room && leaveOneOut()) {
+  const auto tooWide = [&] { return lineWidth([this](std::size_t i) { return least(columns_[i]); }) > room; };
+  while (tooWide() && leaveOneOut()) {
+  }
+  if (tooWide()) {
+    for (Column& column : columns_)
+      column.leastText = leastText;
   }
   std::vector<std::size_t> wanted, leastOf;
   for (const Column& column : columns_) {

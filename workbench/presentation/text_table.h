@@ -32,15 +32,17 @@ struct TableStyle {
 };
 
 // A table that is wider than its place gets narrower, the longest texts and headings first: they end in "…". No column of
-// texts gets narrower than `leastText`, so that a date stays whole. Where that is not enough, columns of texts are left
-// out, the last one first, but never the first one, which says what a row is; a line below the table names them. Numbers
-// that do not fit even so run over the edge; texts then keep half of the place.
+// texts gets narrower than `leastText`, so that a date stays whole, and the first one, which says what a row is, no
+// narrower than `leastKey`, so that a document's number does. Where that is not enough, columns of texts are left out,
+// the last one first, but never the first one, which only then gets as narrow as the others; a line below the table names
+// them. Numbers that do not fit even so run over the edge; texts then keep half of the place.
 class TextTable {
  public:
   // Columns are as wide as the heading and the first `sampledRows` rows need; a later cell that is wider pushes its own
   // row only, and a text is cut where that would push it over the edge. So memory does not grow with the rows.
   static constexpr std::size_t sampledRows = 1000;
   static constexpr std::size_t leastText = 10;
+  static constexpr std::size_t leastKey = 20;
 
   TextTable(std::ostream& out, std::vector<TableColumn> columns, const TableStyle& style = {});
 
@@ -56,6 +58,7 @@ class TextTable {
     TableColumn shown;
     std::size_t width;          // of the heading and the cells
     std::size_t cellWidth = 0;  // of the cells alone
+    std::size_t leastText = TextTable::leastText;
     bool leftOut = false;
   };
   struct Row {

@@ -80,8 +80,8 @@ class ReportCommand : public testing::Test {
     return report({"--filter", utf8FromPath(filter.path()), "-o", utf8FromPath(output.path())});
   }
 
-  static std::string outputOf(std::vector<std::string> more) {
-    const test::TemporaryFile output(".txt");
+  static std::string outputOf(std::vector<std::string> more, const std::string& ending = ".txt") {
+    const test::TemporaryFile output(ending);
     more.insert(more.end(), {"-o", utf8FromPath(output.path())});
     const Outcome outcome = report(more);
     EXPECT_EQ(outcome.ends, Ends::well) << outcome.message;
@@ -100,6 +100,15 @@ TEST_F(ReportCommand, WritesEachFormatToAFile) {
               testing::StartsWith("收发存汇总表（按成本项目）\n会计年度：2024\n报表方式：按成本项目分类\n"));
   EXPECT_THAT(outputOf({"--lang", "en"}),
               testing::StartsWith("Receipt/issue/balance by cost item\nYear: 2024\nReport mode: by cost-item class\n"));
+}
+
+TEST_F(ReportCommand, TakesTheFormatFromTheFilesName) {
+  EXPECT_THAT(outputOf({}, ".csv"), testing::StartsWith("autoid,cWhCode,cWhName,cInvCode,"));
+  EXPECT_THAT(outputOf({}, ".Html"), testing::StartsWith("<!DOCTYPE html>"));
+  EXPECT_THAT(outputOf({}, ".json"), testing::StartsWith("{\"report\":\"sfc-item\","));
+  EXPECT_THAT(outputOf({}, ".xlsx"), testing::StartsWith("PK"));
+  EXPECT_THAT(outputOf({}, ".csv.old"), testing::StartsWith("收发存汇总表")) << "the last ending counts";
+  EXPECT_THAT(outputOf({"--format", "table"}, ".csv"), testing::StartsWith("收发存汇总表")) << "what is told counts";
 }
 
 TEST_F(ReportCommand, ShowsUserDefinedFieldsWhenAsked) {

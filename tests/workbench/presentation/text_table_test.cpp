@@ -117,11 +117,17 @@ TEST(TextTableInAPlace, LeavesOutTheLastTextsAndSaysSo) {
       {"document number"}, {"date"}, {"warehouse"}, {"amount", Align::right}, {"remark"}};
   const std::vector<std::vector<std::string>> rows = {
       {"11-202403-0014933", "2024-03-05", "raw materials", "1,234,567.89", "bought in the spring"}};
-  EXPECT_EQ(written(columns, rows, {.width = 37}),
-            "document n…  date              amount\n"
-            "-----------  ----------  ------------\n"
-            "11-202403-…  2024-03-05  1,234,567.89\n"
+  EXPECT_EQ(written(columns, rows, {.width = 43}),
+            "document number    date              amount\n"
+            "-----------------  ----------  ------------\n"
+            "11-202403-0014933  2024-03-05  1,234,567.89\n"
             "Left out, as the terminal is too narrow: 2 columns: warehouse, remark. --wide shows all.\n");
+  EXPECT_EQ(written(columns, rows, {.width = 37}),
+            "document number          amount\n"
+            "-----------------  ------------\n"
+            "11-202403-0014933  1,234,567.89\n"
+            "Left out, as the terminal is too narrow: 3 columns: date, warehouse, remark. --wide shows all.\n")
+      << "what a row is called is kept before other texts";
   EXPECT_EQ(written(columns, rows, {.width = 30, .language = Language::chinese}),
             "document number         amount\n"
             "----------------  ------------\n"
