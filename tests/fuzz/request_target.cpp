@@ -99,7 +99,7 @@ void checkDecision(Gate& gate, const RequestHead& head) {
   if (const auto* const refusal = std::get_if<Refusal>(&decision)) {
     require(refusal->status >= 400 && refusal->status < 600, "a refusal is an error");
     require(used == gate.linkUsed(), "who is refused uses up no link");
-    const DeskResponse answer = answerTo(*refusal);
+    const DeskResponse answer = answerTo(*refusal, languageOf(head));
     checkAnswer(answer);
     require(answer.headers.empty() || answer.headers[0].first == "Allow", "a refusal gives nothing");
   } else if (const auto* const entry = std::get_if<Entry>(&decision)) {

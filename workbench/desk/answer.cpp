@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "frame/text.h"
+#include "workbench/messages/desk.h"
 
 namespace quillon::workbench::desk {
 
@@ -103,11 +104,11 @@ DeskResponse errorAnswer(int status, std::string_view code, std::string_view mes
   return response;
 }
 
-DeskResponse answerTo(const Refusal& refusal) {
+DeskResponse answerTo(const Refusal& refusal, Language language) {
   constexpr int unauthorized = 401;
   DeskResponse response;
   if (refusal.ofApi) {
-    response = errorAnswer(refusal.status, refusal.code, refusal.message);
+    response = errorAnswer(refusal.status, refusal.code, refusal.message.in(language));
   } else if (refusal.status == unauthorized) {
     response = pageAnswer(
         refusal.status,
@@ -117,7 +118,7 @@ DeskResponse answerTo(const Refusal& refusal) {
             "Open the link again that quillon serve printed. It works once: if it has been used, start quillon serve again "
             "for a new one."));
   } else {
-    response = pageAnswer(refusal.status, page("", "请求被拒绝。", refusal.message));
+    response = pageAnswer(refusal.status, page("", refusal.message.chinese, refusal.message.english));
   }
   if (refusal.code == "method")
     response.headers.emplace_back("Allow", refusal.ofApi ? "GET, POST, PUT, DELETE" : "GET");
@@ -135,14 +136,14 @@ DeskResponse answerTo(const Entry& entry) {
   return response;
 }
 
-DeskResponse checkedAnswer(DeskResponse response) {
+DeskResponse checkedAnswer(DeskResponse response, Language language) {
   constexpr int first = 200, last = 599;
   std::erase_if(response.headers, [](const auto& header) { return isOwnHeader(header.first); });
   const bool sound = std::ranges::all_of(
       response.headers, [](const auto& header) { return isFieldName(header.first) && !hasControl(header.second); });
   if (sound && !hasControl(response.contentType) && response.status >= first && response.status <= last)
     return response;
-  return errorAnswer(500, "internal", "the desk could not make this answer");
+  return errorAnswer(500, "internal", messages::answerFailed.in(language));
 }
 
 std::string answerHead(const DeskResponse& response, std::optional<std::size_t> length, bool endsConnection) {

@@ -13,13 +13,13 @@ namespace quillon::workbench::desk {
 // The interface's form of an error: {"error":{"code":"...","message":"...","item":null}}.
 DeskResponse errorAnswer(int status, std::string_view code, std::string_view message);
 
-// A program gets an error, a person a page that says in both languages what to do.
-DeskResponse answerTo(const Refusal& refusal);
+// A program gets an error in `language`, a person a page that says in both what to do.
+DeskResponse answerTo(const Refusal& refusal, Language language);
 DeskResponse answerTo(const Entry& entry);
 
 // Takes from a handler's answer every header that is this half's to set; an answer that could not be sent as it is meant,
 // because of a control character in a header or a status that is none, becomes status 500.
-DeskResponse checkedAnswer(DeskResponse response);
+DeskResponse checkedAnswer(DeskResponse response, Language language);
 
 // The answer's head: status, type, how long it is (nothing: in chunks), whether the connection ends with it, and what keeps
 // the answer from being used by others. It is stored nowhere, unless it has a Cache-Control of its own.

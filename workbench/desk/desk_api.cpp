@@ -12,6 +12,7 @@
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/desk/json_forms.h"
 #include "workbench/desk/request_body.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/json_file.h"
 #include "workbench/platform/user_error.h"
@@ -51,7 +52,7 @@ std::vector<std::string> partsOf(std::string_view path) {
 }
 
 [[noreturn]] void refuseAddress() {
-  throw ApiError(404, "unknown", "there is no such address");
+  throw unknown(messages::noSuchAddress());
 }
 
 // Whether the request is of that method and has so many parts.
@@ -63,16 +64,17 @@ std::int64_t idOf(const std::string& text) {
   std::int64_t id = 0;
   const char* const end = text.data() + text.size();
   const auto [stopped, error] = std::from_chars(text.data(), end, id);
-  if (error != std::errc() || stopped != end) throw unknown("\"" + text + "\"");
+  if (error != std::errc() || stopped != end) refuseAddress();
   return id;
 }
 
 const Report& reportIn(const Json& body) {
   const std::string name = textIn(body, "report");
-  const auto all = reports();
-  const auto found = std::ranges::find_if(all, [&name](const Report& each) { return each.registration.name == name; });
-  if (found == all.end()) throw ApiError(404, "unknown", "there is no report \"" + name + "\"");
-  return *found;
+  try {
+    return reportNamed(name);
+  } catch (const InputError& error) {
+    throw unknown(error.message());
+  }
 }
 
 Json described(const Report& report) {
@@ -128,28 +130,28 @@ DeskResponse DeskApi::handle(const DeskRequest& request) {
   try {
     return answer(request, partsOf(request.path));
   } catch (const ApiError& error) {
-    return refusal(error);
+    return refusal(error, request.language);
   } catch (const std::invalid_argument& error) {
-    return refusal({422, "value", error.what()});
+    return refusal({422, "value", errorText(error)}, request.language);
   } catch (const UserError& error) {
-    return refusal({422, "value", error.what()});
+    return refusal({422, "value", error.message()}, request.language);
   } catch (const account::AccountError& error) {
-    return refusal({503, "account", error.what()});
+    return refusal({503, "account", error.message()}, request.language);
   } catch (const tsql::Stopped&) {
-    return refusal({409, "stopped", "it was stopped"});
+    return refusal({409, "stopped", messages::wasStopped()}, request.language);
   } catch (const tsql::SqlError& error) {
-    return refusal({503, "account", errorText(error).english()});
+    return refusal({503, "account", errorText(error)}, request.language);
   } catch (const AutomationError& error) {
-    return refusal({503, "account", errorText(error).english()});
+    return refusal({503, "account", errorText(error)}, request.language);
   } catch (const std::exception&) {
-    return refusal({500, "internal", "something went wrong in the program"});
+    return refusal({500, "internal", messages::wentWrong()}, request.language);
   }
 }
 
-DeskResponse DeskApi::refusal(const ApiError& error) const {
+DeskResponse DeskApi::refusal(const ApiError& error, Language language) const {
   Json json = {{"error",
                 {{"code", error.code()},
-                 {"message", discretion_.of(error.message())},
+                 {"message", discretion_.of(error.message().in(language))},
                  {"item", error.item().empty() ? Json() : Json(error.item())}}}};
   if (!error.state().is_null()) json["state"] = error.state();
   return jsonAnswer(json, error.status());
@@ -195,13 +197,13 @@ Json DeskApi::about() const {
 // --- Dialogs --------------------------------------------------------------------------------------------------------
 
 DeskResponse DeskApi::answerDialogs(const DeskRequest& request, const Parts& parts) {
-  if (is(request, parts, "POST", 1)) return jsonAnswer(openDialog(bodyOf(request.body)), created);
+  if (is(request, parts, "POST", 1)) return jsonAnswer(openDialog(bodyOf(request.body), request.language), created);
   if (is(request, parts, "DELETE", 2)) {
     OpenDialog closed;
     {
       const std::scoped_lock lock(mutex_);
       const auto found = dialogs_.find(idOf(parts[1]));
-      if (found == dialogs_.end()) throw unknown("dialog " + parts[1]);
+      if (found == dialogs_.end()) throw unknown(messages::noSuchDialog(parts[1]));
       closed = std::move(found->second);
       dialogs_.erase(found);
     }
@@ -225,12 +227,11 @@ DeskResponse DeskApi::answerDialogs(const DeskRequest& request, const Parts& par
   refuseAddress();
 }
 
-Json DeskApi::openDialog(const Json& body) {
+Json DeskApi::openDialog(const Json& body, Language language) {
   const Report& report = reportIn(body);
   {
     const std::scoped_lock lock(mutex_);
-    if (dialogs_.size() + opening_ >= options_.limits.dialogs)
-      throw ApiError(429, "limit", "too many dialogs are open: close one");
+    if (dialogs_.size() + opening_ >= options_.limits.dialogs) throw ApiError(429, "limit", messages::tooManyDialogs());
     ++opening_;
   }
   const auto opened = [this] {
@@ -239,7 +240,8 @@ Json DeskApi::openDialog(const Json& body) {
   };
   std::shared_ptr<DialogSession> session;
   try {
-    session = std::make_shared<DialogSession>(options_.account, report, languageIn(body), valuesIn(body, "values"));
+    session =
+        std::make_shared<DialogSession>(options_.account, report, languageIn(body, language), valuesIn(body, "values"));
   } catch (...) {
     opened();
     throw;
@@ -255,7 +257,7 @@ Json DeskApi::openDialog(const Json& body) {
 std::shared_ptr<DialogSession> DeskApi::dialog(const std::string& id) {
   const std::scoped_lock lock(mutex_);
   const auto found = dialogs_.find(idOf(id));
-  if (found == dialogs_.end()) throw unknown("dialog " + id);
+  if (found == dialogs_.end()) throw unknown(messages::noSuchDialog(id));
   found->second.used = std::chrono::steady_clock::now();
   return found->second.session;
 }
@@ -268,11 +270,11 @@ DeskResponse DeskApi::answerFilters(const DeskRequest& request, const Parts& par
   const std::string& name = parts[1];
   if (request.method == "GET") return jsonAnswer(filter(name));
   if (request.method == "PUT") {
-    saveFilter(name, bodyOf(request.body));
+    saveFilter(name, bodyOf(request.body), request.language);
     return jsonAnswer(Json::object());
   }
   if (request.method != "DELETE") refuseAddress();
-  if (!faultOfFilterName(name).empty() || !options_.filters.has(name)) throw unknown("filter \"" + name + "\"");
+  if (!faultOfFilterName(name).empty() || !options_.filters.has(name)) throw unknown(messages::noSuchFilter(name));
   options_.filters.remove(name);
   return jsonAnswer(Json::object());
 }
@@ -296,7 +298,7 @@ Json DeskApi::listFilters(const std::string& report) const {
 }
 
 Json DeskApi::filter(const std::string& name) const {
-  if (!faultOfFilterName(name).empty() || !options_.filters.has(name)) throw unknown("filter \"" + name + "\"");
+  if (!faultOfFilterName(name).empty() || !options_.filters.has(name)) throw unknown(messages::noSuchFilter(name));
   const std::filesystem::path file = options_.filters.path(name);
   const std::string text = readTextFile(utf8FromPath(file));
   const Report* const report = reportOfFilter(text, name);
@@ -313,22 +315,23 @@ Json DeskApi::filter(const std::string& name) const {
           {"values", std::move(values)}};
 }
 
-void DeskApi::saveFilter(const std::string& name, const Json& body) const {
+void DeskApi::saveFilter(const std::string& name, const Json& body, Language language) const {
   const Report& report = reportIn(body);
-  if (const Message fault = faultOfFilterName(name); !fault.empty()) throw ApiError(422, "name", fault.english());
+  if (const Message fault = faultOfFilterName(name); !fault.empty())
+    throw ApiError(422, "name", messages::noFilterName(name, fault));
   FilterObject filter(report.registration, InitialValues::none);
   setItems(filter, valuesIn(body, "values"));
   std::set<const FilterEntry*> given;
   for (const auto& entry : filter.entries()) {
     if (!entry->value.empty() || !entry->value2.empty()) given.insert(entry.get());
   }
-  options_.filters.save(name, filterFileText(filter, given, languageIn(body)), true);
+  options_.filters.save(name, filterFileText(filter, given, languageIn(body, language)), true);
 }
 
 // --- Runs -----------------------------------------------------------------------------------------------------------
 
 DeskResponse DeskApi::answerRuns(const DeskRequest& request, const Parts& parts) {
-  if (is(request, parts, "POST", 1)) return jsonAnswer(startRun(bodyOf(request.body)), created);
+  if (is(request, parts, "POST", 1)) return jsonAnswer(startRun(bodyOf(request.body), request.language), created);
   if (is(request, parts, "GET", 1)) {
     Json list = Json::array();
     const std::scoped_lock lock(mutex_);
@@ -362,22 +365,22 @@ DeskResponse DeskApi::answerRuns(const DeskRequest& request, const Parts& parts)
   refuseAddress();
 }
 
-Json DeskApi::startRun(const Json& body) {
+Json DeskApi::startRun(const Json& body, Language language) {
   ReportRequest request{.report = reportIn(body).registration.name,
                         .account = options_.account,
                         .values = valuesIn(body, "values"),
-                        .language = languageIn(body)};
+                        .language = languageIn(body, language)};
   if (const auto member = body.find("dialog"); member != body.end() && !member->is_null()) {
     const std::shared_ptr<DialogSession> session = dialog(std::to_string(numberIn(body, "dialog")));
     if (session->report().registration.name != request.report)
-      throw ApiError(422, "dialog", "the dialog is of another report");
+      throw ApiError(422, "dialog", messages::dialogOfOtherReport());
     request.accepted = session->acceptedFilter();
   }
   const std::scoped_lock lock(mutex_);
-  if (runs_.size() >= options_.limits.runs) throw ApiError(429, "limit", "too many runs are kept: close one");
+  if (runs_.size() >= options_.limits.runs) throw ApiError(429, "limit", messages::tooManyRuns());
   const auto underWay = std::ranges::count_if(runs_, [](const auto& run) { return run.second->running(); });
   if (static_cast<std::size_t>(underWay) >= options_.limits.running)
-    throw ApiError(429, "limit", "too many reports are running: wait for one, or stop it");
+    throw ApiError(429, "limit", messages::tooManyRunning());
   const std::int64_t id = ++lastId_;
   runs_[id] = std::make_shared<RunSession>(id, std::move(request), discretion_, options_.limits.run);
   return {{"id", id}};
@@ -386,7 +389,7 @@ Json DeskApi::startRun(const Json& body) {
 std::shared_ptr<RunSession> DeskApi::run(const std::string& id) {
   const std::scoped_lock lock(mutex_);
   const auto found = runs_.find(idOf(id));
-  if (found == runs_.end()) throw unknown("run " + id);
+  if (found == runs_.end()) throw unknown(messages::noSuchRun(id));
   return found->second;
 }
 
@@ -395,7 +398,7 @@ std::shared_ptr<RunSession> DeskApi::run(const std::string& id) {
 DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts,
                                   const std::shared_ptr<RunSession>& run) {
   if (is(request, parts, "POST", 3))
-    return jsonAnswer(run->addView(viewRequestOf(bodyOf(request.body), run->report())), created);
+    return jsonAnswer(run->addView(viewRequestOf(bodyOf(request.body), run->report(), request.language)), created);
   if (parts.size() < 4) refuseAddress();
   const std::int64_t id = idOf(parts[3]);
   const std::shared_ptr<ViewWindow> view = run->view(id);
@@ -418,7 +421,7 @@ DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts
   const std::string name = textOf(request.query, "format");
   constexpr std::array formats{ExportFormat::csv, ExportFormat::xlsx, ExportFormat::html};
   const auto format = std::ranges::find(formats, name, endingOf);
-  if (format == formats.end()) throw ApiError(422, "format", "a view is exported as csv, xlsx or html");
+  if (format == formats.end()) throw ApiError(422, "format", messages::noExportFormat());
   view->description();  // what cannot be shown is refused before the download begins
   DeskResponse response;
   response.contentType = contentTypeOf(*format);

@@ -66,15 +66,15 @@ class DeskApi final : public DeskHandler {
   DeskResponse answerFilters(const DeskRequest& request, const Parts& parts);
   DeskResponse answerRuns(const DeskRequest& request, const Parts& parts);
   DeskResponse answerViews(const DeskRequest& request, const Parts& parts, const std::shared_ptr<RunSession>& run);
-  DeskResponse refusal(const class ApiError& error) const;
+  DeskResponse refusal(const class ApiError& error, Language language) const;
 
   Json account();
   Json about() const;
-  Json openDialog(const Json& body);
-  Json startRun(const Json& body);
+  Json openDialog(const Json& body, Language language);
+  Json startRun(const Json& body, Language language);
   Json listFilters(const std::string& report) const;
   Json filter(const std::string& name) const;
-  void saveFilter(const std::string& name, const Json& body) const;
+  void saveFilter(const std::string& name, const Json& body, Language language) const;
   std::shared_ptr<DialogSession> dialog(const std::string& id);
   std::shared_ptr<RunSession> run(const std::string& id);
   void closeIdle();

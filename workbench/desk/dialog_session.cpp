@@ -85,7 +85,7 @@ struct DialogSession::Inside {
     for (const ItemValue& value : values) {
       FilterEntry* const entry = filter->find(value.key);
       if (entry == nullptr) {
-        messages.push_back({"", "this report has no filter item \"" + value.key + "\""});
+        messages.push_back({"", messages::itemUnknown(value.key).in(language)});
         continue;
       }
       entry->value = value.value;
@@ -108,9 +108,9 @@ struct DialogSession::Inside {
       test();
       return true;
     } catch (const std::invalid_argument& refusal) {
-      messages.push_back({entry.item.key, refusal.what()});
+      messages.push_back({entry.item.key, errorText(refusal).in(language)});
     } catch (const std::runtime_error& refusal) {
-      messages.push_back({entry.item.key, refusal.what()});
+      messages.push_back({entry.item.key, errorText(refusal).in(language)});
     }
     entry.value.clear();
     entry.value2.clear();
@@ -199,9 +199,9 @@ Json DialogSession::state() {
 
 Json DialogSession::change(const ItemValue& value) {
   return thread_.call([this, &value] {
-    const auto refuse = [this, &value](const std::string& why) {
+    const auto refuse = [this, &value](const std::exception& why) {
       const FilterEntry* const entry = inside_->filter->find(value.key);
-      throw ApiError(422, entry == nullptr ? "item" : "value", why, entry == nullptr ? "" : entry->item.key,
+      throw ApiError(422, entry == nullptr ? "item" : "value", errorText(why), entry == nullptr ? "" : entry->item.key,
                      inside_->state());
     };
     inside_->messages.clear();
@@ -210,11 +210,11 @@ Json DialogSession::change(const ItemValue& value) {
       inside_->takeMessages();
     } catch (const AutomationError& error) {
       inside_->takeMessages();
-      refuse(error.description());
+      refuse(error);
     } catch (const std::invalid_argument& refusal) {
-      refuse(refusal.what());
+      refuse(refusal);
     } catch (const UserError& refusal) {
-      refuse(refusal.what());
+      refuse(refusal);
     }
     return inside_->state();
   });
@@ -227,7 +227,7 @@ Json DialogSession::click() {
       // A person leaves an item that must be given empty.
       inside_->play.take({.kind = DialogStep::Kind::click, .text = "click", .setting = {}});
     } catch (const UserError& refusal) {
-      throw ApiError(422, "dialog", refusal.what(), "", inside_->state());
+      throw ApiError(422, "dialog", refusal.message(), "", inside_->state());
     }
     inside_->takeMessages();
     const bool accepted = inside_->play.accepted().value_or(false);
@@ -239,9 +239,9 @@ Json DialogSession::click() {
 Json DialogSession::lookUp(const std::string& item, const std::string& search, std::size_t offset, std::size_t limit) {
   return thread_.call([&] {
     const FilterEntry* const entry = inside_->filter->find(item);
-    if (entry == nullptr) throw ApiError(422, "item", "this report has no filter item \"" + item + "\"", item);
+    if (entry == nullptr) throw ApiError(422, "item", messages::itemUnknown(item), item);
     if (entry->item.lookup == nullptr)
-      throw ApiError(422, "lookup", "codes of " + entry->item.key + " are looked up nowhere", entry->item.key);
+      throw ApiError(422, "lookup", messages::notLookedUp(entry->item.key), entry->item.key);
     const LookupPage page = findEntries(*entry->item.lookup,
                                         {.search = search,
                                          .offset = offset,
@@ -258,8 +258,7 @@ Json DialogSession::lookUp(const std::string& item, const std::string& search, s
 
 std::shared_ptr<FilterObject> DialogSession::acceptedFilter() {
   return thread_.call([this] {
-    if (!inside_->play.accepted().value_or(false))
-      throw ApiError(409, "state", "the dialog has not accepted the filter: confirm it first");
+    if (!inside_->play.accepted().value_or(false)) throw ApiError(409, "state", messages::dialogNotAccepted());
     auto copy = std::make_shared<FilterObject>(report_.registration, InitialValues::none);
     for (const auto& entry : inside_->filter->entries())
       *copy->entry(entry->item.key) = *entry;

@@ -8,6 +8,7 @@
 #include "frame/text.h"
 #include "workbench/desk/secret.h"
 #include "workbench/desk/target.h"
+#include "workbench/messages/desk.h"
 
 namespace quillon::workbench::desk {
 
@@ -57,10 +58,10 @@ bool isJson(std::string_view type) {
 // What of a request's framing is wrong, whoever sent it.
 std::optional<Refusal> unclearForm(const RequestHead& head) {
   constexpr int version11 = 11;
-  if (head.version != version11) return Refusal{505, "version", "the desk speaks HTTP/1.1 only"};
-  if (fieldOf(head, "Transfer-Encoding")) return Refusal{411, "length", "say the length of the body: Content-Length"};
+  if (head.version != version11) return Refusal{505, "version", messages::otherVersion.caption()};
+  if (fieldOf(head, "Transfer-Encoding")) return Refusal{411, "length", messages::lengthMissing.caption()};
   if (const auto expected = fieldOf(head, "Expect"); expected && !equalIgnoringCase(*expected, "100-continue"))
-    return Refusal{417, "expectation", "the desk knows no such expectation"};
+    return Refusal{417, "expectation", messages::otherExpectation.caption()};
   return std::nullopt;
 }
 
@@ -82,21 +83,32 @@ bool isNavigation(const RequestHead& head) {
 std::optional<Refusal> wrongMethod(const RequestHead& head, bool ofApi) {
   const bool known = std::ranges::find(methods, head.method) != methods.end();
   if (known && (ofApi || head.method == "GET")) return std::nullopt;
-  return Refusal{405, "method", ofApi ? "the desk knows GET, POST, PUT and DELETE" : "a page can only be read: GET",
+  return Refusal{405, "method", ofApi ? messages::methodOfInterface.caption() : messages::methodOfPage.caption(),
                  ofApi};
 }
 
 std::optional<Refusal> wrongBody(const RequestHead& head, bool ofApi) {
-  if (head.length > 0 && head.method == "GET") return Refusal{400, "body", "what is only read takes no body", ofApi};
-  if (head.length > Gate::bodyLimit) return Refusal{413, "size", "the body is larger than 1 MB", ofApi};
+  if (head.length > 0 && head.method == "GET") return Refusal{400, "body", messages::bodyOfReading.caption(), ofApi};
+  if (head.length > Gate::bodyLimit) return Refusal{413, "size", messages::bodyTooLarge.caption(), ofApi};
   const auto type = fieldOf(head, "Content-Type");
   if (head.method == "GET" || (!type && head.length == 0)) return std::nullopt;
-  if (!type || !isJson(*type))
-    return Refusal{415, "type", "the body has to be JSON: Content-Type: application/json", ofApi};
+  if (!type || !isJson(*type)) return Refusal{415, "type", messages::bodyOfOtherType.caption(), ofApi};
   return std::nullopt;
 }
 
 }  // namespace
+
+Language languageOf(const RequestHead& head) {
+  std::string_view ranges = fieldOf(head, "Accept-Language").value_or("");
+  while (!ranges.empty()) {
+    const std::string_view range = ranges.substr(0, ranges.find(','));
+    ranges.remove_prefix(std::min(range.size() + 1, ranges.size()));
+    const std::string_view tag = trimmed(range.substr(0, range.find_first_of("-;")));
+    if (equalIgnoringCase(tag, "zh")) return Language::chinese;
+    if (equalIgnoringCase(tag, "en")) return Language::english;
+  }
+  return Language::chinese;
+}
 
 Gate::Gate(unsigned short port, std::string token, std::string session)
     : port_(std::to_string(port)),
@@ -129,13 +141,13 @@ bool Gate::hasSession(const RequestHead& head) const {
 
 Decision Gate::decide(const RequestHead& head) {
   // First of all: a page whose name was made to lead to this machine can read every answer, and its Host tells.
-  if (repeatsSingleField(head)) return Refusal{400, "form", "a header field that has one value was given twice"};
+  if (repeatsSingleField(head)) return Refusal{400, "form", messages::fieldTwice.caption()};
   const auto host = fieldOf(head, "Host");
   if (!host || std::ranges::find(hosts_, *host) == hosts_.end())
-    return Refusal{403, "host", "the desk answers under the address that it printed, and under no other name"};
+    return Refusal{403, "host", messages::otherHost.caption()};
   if (const auto refusal = unclearForm(head)) return *refusal;
   auto target = readTarget(head.target);
-  if (!target) return Refusal{400, "target", "the address is not clear"};
+  if (!target) return Refusal{400, "target", messages::targetUnclear.caption()};
 
   const std::string& path = target->path;
   const bool ofApi = path.starts_with(apiFolder);
@@ -146,12 +158,12 @@ Decision Gate::decide(const RequestHead& head) {
     Entry entry{.cookie = {}, .fromElsewhere = site && *site != "none" && *site != "same-origin"};
     if (session) return entry;
     const std::string token = byQuery ? target->query[std::string(tokenName)] : path.substr(linkFolder.size());
-    if (!isSecret(token, token_)) return Refusal{401, "link", "this link does not open the desk, or has been used"};
+    if (!isSecret(token, token_)) return Refusal{401, "link", messages::linkSpent.caption()};
     token_.clear();
     entry.cookie = cookieName() + "=" + session_ + "; HttpOnly; SameSite=Strict; Path=/";
     return entry;
   }
-  if (!session) return Refusal{401, "session", "open the desk by its link first", ofApi};
+  if (!session) return Refusal{401, "session", messages::noSession.caption(), ofApi};
 
   const auto origin = fieldOf(head, "Origin");
   const bool ownOrigin = origin && *origin == "http://" + std::string(*host);
@@ -160,7 +172,7 @@ Decision Gate::decide(const RequestHead& head) {
   const bool typed = reads && !origin && fieldOf(head, "Sec-Fetch-Site") == "none";
   const bool followed = reads && !ofApi && !origin && isNavigation(head);
   if (!typed && !followed && !comesFromOwnPage(head, ownOrigin, reads))
-    return Refusal{403, "origin", "only the desk's own pages may ask this", ofApi};
+    return Refusal{403, "origin", messages::otherPage.caption(), ofApi};
   if (const auto refusal = wrongMethod(head, ofApi)) return *refusal;
   if (const auto refusal = wrongBody(head, ofApi)) return *refusal;
 
@@ -168,7 +180,8 @@ Decision Gate::decide(const RequestHead& head) {
   return ApiAsked{.request = {.method = head.method,
                               .path = path.substr(apiFolder.size()),
                               .query = std::move(target->query),
-                              .body = {}},
+                              .body = {},
+                              .language = languageOf(head)},
                   .awaitsContinue = fieldOf(head, "Expect").has_value() && head.length > 0};
 }
 

@@ -12,15 +12,16 @@
 
 #include "workbench/desk/handler.h"
 #include "workbench/desk/request_head.h"
+#include "workbench/messages/language.h"
 
 namespace quillon::workbench::desk {
 
 // The request is not let in. What is behind its head is not read.
 struct Refusal {
   int status = 0;
-  std::string_view code;     // for programs: "session"
-  std::string_view message;  // one clear line
-  bool ofApi = false;        // asked by the page's code and not by a person
+  std::string_view code;  // for programs: "session"
+  Caption message;        // one clear line
+  bool ofApi = false;     // asked by the page's code and not by a person
 };
 
 // The link's token was right: the answer sets the cookie and leads to the start page.
@@ -41,6 +42,9 @@ struct ApiAsked {
   DeskRequest request;
   bool awaitsContinue = false;  // the sender waits to be told that its body is welcome
 };
+
+// The language that the sender wants to hear: the first of Accept-Language that the workbench speaks, or else Chinese.
+Language languageOf(const RequestHead& head);
 
 using Decision = std::variant<Refusal, Entry, PageAsked, ApiAsked>;
 

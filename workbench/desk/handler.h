@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/messages/language.h"
+
 namespace quillon::workbench::desk {
 
 // A request below `/api/` that passed every check: it came from the desk's own page, in its own session, with a body that
@@ -19,6 +21,7 @@ struct DeskRequest {
   std::string path;
   std::map<std::string, std::string> query;  // decoded; of a name that occurs twice the last value
   std::string body;
+  Language language = Language::chinese;  // of what the answer says
 };
 
 // Where a stream goes.

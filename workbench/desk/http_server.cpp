@@ -219,8 +219,13 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
     nextRequest();
   }
 
-  void refuse(int status, std::string_view code, std::string_view message) {
-    respond(errorAnswer(status, code, message), true);
+  void refuse(int status, std::string_view code, const Text<0>& message) {
+    respond(
+        errorAnswer(
+            status, code,
+            language_ ? std::string(message.in(*language_))
+                      : std::string(message.in(Language::chinese)).append(" / ").append(message.in(Language::english))),
+        true);
   }
 
   // A request is answered, or a stream is open.
@@ -304,7 +309,7 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
                             });
   }
 
-  void tooSlow() { refuse(408, "slow", "the request came too slowly"); }
+  void tooSlow() { refuse(408, "slow", messages::requestTooSlow); }
 
   void take() {
     switch (reader_->take(buffer_)) {
@@ -315,9 +320,9 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
       case RequestReader::State::complete:
         return complete();
       case RequestReader::State::malformed:
-        return refuse(400, "form", "this is no request that the desk can read");
+        return refuse(400, "form", messages::requestUnreadable);
       case RequestReader::State::tooLarge:
-        return refuse(431, "size", "the head of the request is larger than 16 KB");
+        return refuse(431, "size", messages::headTooLarge);
     }
   }
 
@@ -326,7 +331,8 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
   void headRead() {
     step_ = Step::body;
     serving_.used_ = steady_clock::now();
-    std::visit(Overloaded{[this](const Refusal& refusal) { respond(answerTo(refusal), true); },
+    language_ = languageOf(reader_->head());
+    std::visit(Overloaded{[this](const Refusal& refusal) { respond(answerTo(refusal, *language_), true); },
                           [this](const Entry& entry) { respond(answerTo(entry), true); },
                           [this](const PageAsked& asked) { answerPage(asked.path); },
                           [this](ApiAsked& asked) { readBody(asked); }},
@@ -336,7 +342,7 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
   void answerPage(const std::string& path) {
     auto page = findPage(path);
     const bool keeps = reader_->head().keepsConnection && reader_->head().length == 0;
-    if (!page) return respond(answerTo(Refusal{404, "path", "there is no such page"}), true);
+    if (!page) return respond(answerTo(Refusal{404, "path", messages::noSuchPage.caption()}, *language_), true);
     respond(std::move(*page), !keeps);
   }
 
@@ -358,10 +364,10 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
     serving_.workers_->add([self = shared_from_this(), request = std::move(request)]() mutable {
       DeskResponse response;
       try {
-        response = checkedAnswer(self->serving_.handler_->handle(request));
+        response = checkedAnswer(self->serving_.handler_->handle(request), request.language);
       } catch (...) {
         // Its words may be of files, statements or connections.
-        response = errorAnswer(500, "internal", "the desk could not answer this");
+        response = errorAnswer(500, "internal", messages::answerFailed.in(request.language));
       }
       // The connection belongs to the other thread, and so does its end.
       asio::io_context& io = self->serving_.io_;
@@ -421,7 +427,7 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
     });
     if (!serving_.startStream(std::move(response.stream), pipe_)) {
       pipe_.reset();
-      return refuse(503, "busy", "too many downloads and progress displays are open; close some");
+      return refuse(503, "busy", messages::tooManyStreams);
     }
     step_ = Step::answer;
     out_ = answerHead(response, std::nullopt, true);
@@ -480,6 +486,7 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
   Step step_ = Step::idle;
   std::string buffer_;  // what came in and has not been read yet
   std::optional<RequestReader> reader_;
+  std::optional<Language> language_;  // of the last head
   Decision decision_;
   std::string out_;
   std::shared_ptr<StreamPipe> pipe_;
@@ -536,7 +543,7 @@ void HttpServer::Serving::accepted(tcp::socket socket) {
   const auto connection = std::make_shared<Connection>(*this, std::move(socket));
   connections_.insert(connection);
   if (connections_.size() <= limits_.connections) return connection->start();
-  connection->refuse(503, "busy", "too many connections are open; close some pages");
+  connection->refuse(503, "busy", messages::tooManyConnections);
 }
 
 bool HttpServer::Serving::startStream(std::function<void(Sink&)> stream, const std::shared_ptr<StreamPipe>& pipe) {

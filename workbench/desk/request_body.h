@@ -23,14 +23,14 @@ std::string textIn(const Json& object, const char* member, const std::string& ot
 bool flagIn(const Json& object, const char* member);
 std::int64_t numberIn(const Json& object, const char* member);
 std::vector<std::string> textsIn(const Json& object, const char* member);
-// "zh" unless "en".
-Language languageIn(const Json& object);
+// Of "lang": "zh" or "en".
+Language languageIn(const Json& object, Language otherwise);
 // {"key": {"value", "value2"}}; of a missing member nothing.
 std::vector<ItemValue> valuesIn(const Json& object, const char* member);
 
-// A view as it is asked for; its layout is the report's first unless it is named. Throws ApiError 422 for a layout that
+// A view as it is asked for; its layout is the report's first unless it is named, its language `otherwise`. Throws ApiError 422 for a layout that
 // the report does not have.
-ViewRequest viewRequestOf(const Json& body, const Report& report);
+ViewRequest viewRequestOf(const Json& body, const Report& report, Language otherwise);
 
 // A whole number of a query, from 0 to `most`.
 std::int64_t numberOf(const std::map<std::string, std::string>& query, const std::string& name, std::int64_t otherwise,

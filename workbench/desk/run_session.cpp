@@ -95,7 +95,7 @@ void RunSession::run(const ReportRequest& request) {
     }
     end(thread_.stopped() ? State::stopped : State::done, "");
   } catch (const FilterRefused&) {
-    end(State::failed, messages::dialogRefuses().in(request.language));
+    end(State::failed, messages::dialogRefusesRun().in(request.language));
   } catch (const std::exception& error) {
     end(thread_.stopped() ? State::stopped : State::failed, errorText(error).in(request.language));
   }
@@ -231,8 +231,8 @@ void RunSession::close() {
 }
 
 std::shared_ptr<MadeReport> RunSession::result() const {
-  if (closed_) throw unknown("run " + std::to_string(id_));
-  if (state_ != State::done) throw ApiError(409, "state", "the run has no result");
+  if (closed_) throw unknown(messages::noSuchRun(id_));
+  if (state_ != State::done) throw ApiError(409, "state", messages::noResult());
   return made_;
 }
 
@@ -273,7 +273,7 @@ Json RunSession::addView(ViewRequest request) {
 std::shared_ptr<ViewWindow> RunSession::view(std::int64_t id) {
   const std::scoped_lock lock(mutex_);
   const auto found = views_.find(id);
-  if (found == views_.end()) throw unknown("view " + std::to_string(id));
+  if (found == views_.end()) throw unknown(messages::noSuchView(id));
   found->second.used = std::chrono::steady_clock::now();
   return found->second.window;
 }

@@ -26,7 +26,7 @@ void TaskThread::post(std::function<void()> task) {
 }
 
 void TaskThread::throwEnded() {
-  throw ApiError(404, "unknown", "it has been closed");
+  throw unknown(messages::closedMeanwhile());
 }
 
 void TaskThread::work() {

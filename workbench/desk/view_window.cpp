@@ -277,8 +277,8 @@ std::string ViewWindow::details(std::int64_t row) {
 std::int64_t ViewWindow::ledgerLine(std::int64_t row) {
   waitUntil([&] { return !spool_ || spool_->size() > row; });
   const std::vector<WindowRow> rows = rowsAt(row, 1);
-  if (rows.empty()) throw unknown("row " + std::to_string(row));
-  if (!rows.front().ledgerLine) throw ApiError(404, "document", "this row opens no document");
+  if (rows.empty()) throw unknown(messages::noSuchRowOfView(row));
+  if (!rows.front().ledgerLine) throw ApiError(404, "document", messages::opensNoDocument());
   return *rows.front().ledgerLine;
 }
 

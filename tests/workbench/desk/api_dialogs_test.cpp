@@ -7,6 +7,7 @@ namespace {
 
 using testing::AllOf;
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -193,6 +194,37 @@ TEST_F(DeskDialogs, WrongRequestsAreRefused) {
   const std::string dialog = pathOf(openDialog("sfc-item"));
   EXPECT_EQ(ask("POST", dialog + "/set", "{}").code(), "form");
   EXPECT_EQ(ask("GET", dialog).status, 404);
+}
+
+TEST_F(DeskDialogs, RefusalsComeInTheLanguageOfTheRequest) {
+  const std::string path = pathOf(openDialog("sfc-item"));
+  const auto words = [&](Language language) {
+    language_ = language;
+    const std::string report = post("dialogs", {{"report", "sfc-itm"}}).message();
+    const std::string value = post(path + "/set", {{"key", "dKeepDate"}, {"value", "soon"}}).message();
+    const std::string name = ask("PUT", "filters/x.json", R"({"report":"sfc-item"})").message();
+    const std::string form = ask("POST", "dialogs", R"({"report":7})").message();
+    const std::string address = ask("GET", "nothing").message();
+    return std::vector<std::string>{report, value, name, form, address};
+  };
+  EXPECT_THAT(words(Language::chinese),
+              ElementsAre(HasSubstr("您要的是 sfc-item 吗"), HasSubstr("“soon”不是日期"),
+                          "“x.json”不能作过滤条件的名称：它的结尾像文件名", "“report”必须是文本", "没有这个地址"));
+  EXPECT_THAT(words(Language::english),
+              ElementsAre(HasSubstr("did you mean sfc-item?"), HasSubstr("\"soon\" is no date"),
+                          "\"x.json\" is no name for a filter: it ends like a file's", "\"report\" must be a text",
+                          "there is no such address"));
+}
+
+TEST_F(DeskDialogs, WhatIsLeftOutIsToldInTheDialogsLanguage) {
+  const Json values = {{"iYear", {{"value", "soon"}}}};
+  const auto told = [&](const Json& lang) {
+    const test::Answer opened = post("dialogs", {{"report", "sfc-item"}, {"lang", lang}, {"values", values}});
+    return opened.json["state"]["messages"][0]["text"].get<std::string>();
+  };
+  EXPECT_THAT(told("zh"), HasSubstr("过滤项 iYear"));
+  EXPECT_THAT(told("en"), HasSubstr("filter item iYear"));
+  EXPECT_THAT(told(nullptr), HasSubstr("filter item iYear")) << "as the request was made";
 }
 
 TEST_F(DeskDialogs, DialogsAreLimited) {

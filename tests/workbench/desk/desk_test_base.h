@@ -69,7 +69,8 @@ class DeskTest : public testing::Test {
   Answer ask(const std::string& method, const std::string& path, const std::string& body = {},
              std::map<std::string, std::string> query = {}) {
     Answer answer;
-    answer.response = api_->handle({.method = method, .path = path, .query = std::move(query), .body = body});
+    answer.response =
+        api_->handle({.method = method, .path = path, .query = std::move(query), .body = body, .language = language_});
     answer.status = answer.response.status;
     if (!answer.response.body.empty()) answer.json = Json::parse(answer.response.body);
     return answer;
@@ -125,6 +126,7 @@ class DeskTest : public testing::Test {
 
   TemporaryFile filters_{".filters"};
   std::unique_ptr<DeskApi> api_;
+  Language language_ = Language::english;  // of the requests
 
  private:
   static inline std::unique_ptr<TemporaryFile> account_;

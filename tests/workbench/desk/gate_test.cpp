@@ -133,6 +133,18 @@ TEST_F(GateTest, TakesJsonAndNoBody) {
   EXPECT_EQ(typed("application/json", Gate::bodyLimit + 1), 413);
 }
 
+TEST(Gate, HearsWhichLanguageIsWanted) {
+  const auto wanted = [](const Fields& fields) { return languageOf(head("GET", "/", fields)); };
+  EXPECT_EQ(wanted({}), Language::chinese);
+  for (const char* const english : {"en", "EN-us", " en;q=0.8, zh", "de, en-GB;q=0.7, zh;q=0.3"})
+    EXPECT_EQ(wanted({{"accept-language", english}}), Language::english) << english;
+  for (const char* const chinese : {"", "zh", "zh-CN,zh;q=0.9,en;q=0.8", "*", "de", "engl", ",,;", "zh\xff"})
+    EXPECT_EQ(wanted({{"Accept-Language", chinese}}), Language::chinese) << chinese;
+  const Decision decision =
+      Gate(port, token, session).decide(head("GET", "/api/x", {{"Cookie", cookie}, {"Accept-Language", "en"}}));
+  EXPECT_EQ(std::get<ApiAsked>(decision).request.language, Language::english);
+}
+
 TEST(Secret, IsNewEachTime) {
   const std::string one = newSecret(), other = newSecret();
   EXPECT_EQ(one.find_first_not_of("0123456789abcdef"), std::string::npos);

@@ -148,7 +148,18 @@ TEST(HttpServer, SaysNothingOfWhatWentWrongInside) {
   RunningDesk desk;
   const Answer answer = desk.ask(get("/api/throw"));
   EXPECT_EQ(answer.status, 500);
-  EXPECT_EQ(answer.body, R"({"error":{"code":"internal","message":"the desk could not answer this","item":null}})");
+  EXPECT_EQ(answer.body, R"({"error":{"code":"internal","message":"工作台无法作出应答","item":null}})");
+}
+
+TEST(HttpServer, RefusesInTheLanguageOfTheRequest) {
+  RunningDesk desk;
+  const std::string request = "PATCH /api/echo HTTP/1.1\r\n{OWN}";
+  EXPECT_THAT(desk.ask(request + "Accept-Language: en\r\n\r\n").body, HasSubstr("the desk knows GET"));
+  EXPECT_THAT(desk.ask(request + "\r\n").body, HasSubstr("工作台使用 GET"));
+  EXPECT_THAT(desk.ask("GET /api/throw HTTP/1.1\r\n{OWN}Accept-Language: en\r\n\r\n").body,
+              HasSubstr("could not answer this"));
+  EXPECT_THAT(desk.ask("nothing\r\n\r\n").body, AllOf(HasSubstr("读不懂"), HasSubstr("can read")))
+      << "of which nothing is known";
 }
 
 // --- Pages and the link -----------------------------------------------------------------------------------------------

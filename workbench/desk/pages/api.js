@@ -1,5 +1,5 @@
 // The server's interface. Every answer that is an error becomes an ApiError with the server's own words.
-import {t} from './texts.js';
+import {language, t} from './texts.js';
 
 export class ApiError extends Error {
   constructor(status, message, {code = '', item = null, body = null} = {}) {
@@ -15,7 +15,7 @@ async function call(method, path, body, signal) {
   const options = {
     method,
     signal,
-    headers: {Accept: 'application/json'},
+    headers: {Accept: 'application/json', 'Accept-Language': language()},
     credentials: 'same-origin',
     cache: 'no-store',
   };
