@@ -57,6 +57,8 @@ class Desk:
         assert status == 200 and b"<!doctype html>" in page.lower(), f"the start page: {status}"
         status, _, _ = self.send("POST", "/api/runs", b"{}", {"Origin": "http://elsewhere.example"})
         assert status == 403, f"from another site: {status}"
+        status, _, refusal = self.send("POST", "/api/runs", b"{")
+        assert status == 400 and json.loads(refusal)["error"]["code"] == "json", f"no JSON: {status} {refusal}"
 
     def _read_errors(self):
         for line in self.process.stderr:

@@ -429,7 +429,29 @@ std::size_t scratchFolders() {
   return count;
 }
 
-TEST_F(DeskRuns, AStoppedRunLeavesNothingAndTheOthersGoOn) {
+std::size_t bytesOfTemporaryFiles() {
+  std::size_t bytes = 0;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(std::filesystem::temp_directory_path()))
+    bytes += entry.is_regular_file() ? static_cast<std::size_t>(entry.file_size()) : 0;
+  return bytes;
+}
+
+TEST_F(DeskRuns, OfAStoppedRunNoRowStays) {
+  const TemporaryFolderOfOurOwn temporary;
+  const test::Answer started = post("runs", {{"report", "sfc-item"}, {"values", {{"cModal", {{"value", "2"}}}}}});
+  const std::string path = "runs/" + started.json["id"].dump();
+  test::KeptSink sink;
+  sink.leavesAfter = 1;  // as soon as a statement runs
+  ask("GET", path + "/events").response.stream(sink);
+  EXPECT_GT(scratchFolders(), 0U);
+  post(path + "/stop");
+  ASSERT_THAT(streamed(ask("GET", path + "/events")), HasSubstr("\"state\":\"stopped\""));
+  EXPECT_EQ(bytesOfTemporaryFiles(), 0U) << "of what it made before";
+  EXPECT_EQ(ask("DELETE", path).status, 200);
+  EXPECT_EQ(scratchFolders(), 0U);
+}
+
+TEST_F(DeskRuns, AStoppedRunStaysAndTheOthersGoOn) {
   const test::Answer first = post("runs", {{"report", "sfc-item"}, {"values", {{"cModal", {{"value", "2"}}}}}});
   const test::Answer second = post("runs", {{"report", "sfc-item"}});
   const std::string path = "runs/" + first.json["id"].dump();
@@ -483,6 +505,32 @@ TEST_F(DeskRuns, RunsAndViewsAreLimited) {
   view(run, {{"layout", "lines"}});
   EXPECT_EQ(ask("GET", pathOf(run, first) + "/rows").status, 200);
   EXPECT_EQ(ask("GET", pathOf(run, second) + "/rows").status, 404) << "the one that was used longest ago";
+}
+
+TEST_F(DeskRuns, FewRunAtTheSameTime) {
+  open({.running = 1});
+  const test::Answer first = post("runs", {{"report", "sfc-item"}, {"values", {{"cModal", {{"value", "2"}}}}}});
+  ASSERT_EQ(first.status, 201);
+  const test::Answer second = post("runs", {{"report", "sfc-item"}});
+  EXPECT_EQ(second.status, 429);
+  EXPECT_EQ(second.code(), "limit");
+  streamed(ask("GET", "runs/" + first.json["id"].dump() + "/events"));
+  EXPECT_EQ(post("runs", {{"report", "sfc-item"}}).status, 201);
+}
+
+TEST_F(DeskRuns, AViewThatNobodyUsesIsClosed) {
+  open({.run = {.idleView = std::chrono::seconds(0)}, .sweep = std::chrono::milliseconds(5)});
+  const std::string run = done("sfc-item");
+  const test::Answer opened = post(run + "/views", Json::object());
+  ASSERT_EQ(opened.status, 201) << opened.response.body;
+  const std::string path = pathOf(run, opened.json);
+  int status = 200;
+  for (int i = 0; i < 400 && status != 404; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    status = ask("GET", path + "/rows").status;
+  }
+  EXPECT_EQ(status, 404);
+  EXPECT_EQ(get(run)["state"], "done") << "the run stays until it is closed";
 }
 
 TEST_F(DeskRuns, AnErrorOfTheAccountShowsNoPath) {
