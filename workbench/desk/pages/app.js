@@ -78,6 +78,7 @@ async function route() {
   main.setAttribute('aria-busy', 'true');
   try {
     if (!desk.account) [desk.account, desk.reports] = await Promise.all([api.account(), api.reports()]);
+    if (number !== asked) return; // another address was gone to meanwhile, and its page is shown
     const next = pageFor(address);
     if (next !== page) {
       page?.hide();
