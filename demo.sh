@@ -2,7 +2,7 @@
 # Shows the four reports by cost item: receipt/issue/balance, the outbound summary, the detail ledger and the voucher
 # report of one item, these two with documents behind their rows. They are made by Quillon.dll through COM from a ledger
 # of 20,000 lines, each with the defaults of its filter dialog. Sets the machine up and builds first; what is there
-# already is kept, so the second run takes seconds. Takes no arguments.
+# already is kept, so the second run takes seconds. Says at its end how to open the desk on that ledger. Takes no arguments.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -89,3 +89,8 @@ page sfc-item receipt-issue-balance.html --set cModal=1
 page outsum-item outbound-summary.html
 page fx-detail detail-ledger.html "${item[@]}"
 page fx-wt voucher-report.html "${vouchers[@]}"
+
+# Wine breaks what is longer than the terminal is wide, and with it the link, unless it goes through a pipe.
+say "the desk shows the same reports in your browser, from the filter over every row to the document behind it;"
+say "this command prints the link to open, and Ctrl+C ends it:"
+printf '\n  tools/wine.sh %s/quillon.exe serve --account %s | cat\n' "$win32" "$account"

@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Makes the pictures of docs/pictures anew: each layout of each report as `--format html` writes it, with the settings of
-# ./demo.sh, photographed by Chromium and brought down to few colours. Needs build/native/bin/quillon, and what neither
-# build nor tests need: chromium, fonts-wqy-microhei (any font with Chinese characters will do) and pngquant.
+# ./demo.sh, and the desk with a ledger, photographed by Chromium and brought down to few colours. Needs
+# build/native/bin/quillon, what tools/setup-browser.sh installs for the desk's tests, and pngquant.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 quillon=build/native/bin/quillon
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+desk=
+trap '[ -z "$desk" ] || kill "$desk"; rm -rf "$work"' EXIT
 account=$work/ledger.account
 browser=$(command -v chromium || command -v chromium-browser || command -v google-chrome || true)
 
@@ -17,7 +18,7 @@ fail() {
 }
 
 [ -x "$quillon" ] || fail "$quillon is missing; run: cmake --preset native && cmake --build --preset native --target quillon"
-[ -n "$browser" ] || fail "Chromium is missing; run: apt-get install chromium fonts-wqy-microhei pngquant"
+[ -n "$browser" ] || fail "Chromium is missing; run: tools/setup-browser.sh"
 command -v pngquant >/dev/null || fail "pngquant is missing; run: apt-get install pngquant"
 
 # Chromium refuses its own sandbox to root; the pages are our own.
@@ -40,6 +41,10 @@ photograph() { # NAME WIDTH,HEIGHT
     cat "$work/browser.log" >&2
     fail "Chromium made no picture of $1"
   }
+  keep "$1"
+}
+
+keep() { # NAME
   pngquant --force --strip --speed 1 16 --output "docs/pictures/$1.png" "$work/$1.png"
   local bytes
   bytes=$(stat -c %s "docs/pictures/$1.png")
@@ -67,3 +72,9 @@ picture fx-detail lines 1500,560 "${item[@]}" "${spring[@]}" \
 picture fx-wt vouchers 1340,700 --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}"
 picture fx-wt lines 1360,560 --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}" \
   --columns dKeepDate,cVouCode,cInvCode,cInvName,iAInQuantity,iAInPrice,iAOutQuantity,iAOutPrice,cfxCode,cfxName,iUnitUsed,iUnitCost,iIteminPrice,iItemOutPrice
+
+"$quillon" serve --account "$account" >"$work/link" &
+desk=$!
+until [ -s "$work/link" ]; do sleep 0.1; done
+node tools/picture_desk.mjs "$(cat "$work/link")" "$work/desk.png"
+keep desk

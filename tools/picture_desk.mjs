@@ -1,0 +1,31 @@
+// Makes a picture of the desk: opens its link, fills in the detail ledger's filter, runs it and photographs the result.
+// tools/make-pictures.sh calls it. Usage: picture_desk.mjs LINK OUTPUT.png
+import {createRequire} from 'node:module';
+import {fileURLToPath} from 'node:url';
+
+const [link, output] = process.argv.slice(2);
+const libraries = fileURLToPath(new URL('../.deps/browser/node_modules/', import.meta.url));
+const {chromium} = createRequire(libraries)(`${libraries}playwright-core`);
+
+const browser = await chromium.launch({
+  executablePath: '/usr/bin/chromium',
+  args: process.getuid() === 0 ? ['--no-sandbox'] : [], // which Chromium refuses to root; the pages are our own
+});
+try {
+  const page = await browser.newPage({locale: 'zh-CN', viewport: {width: 1760, height: 740}});
+  await page.goto(link);
+  await page.goto(`${new URL(link).origin}/#/report/fx-detail?f.cInvCode=0301-00237&f.cWhCode=07`);
+  await page.waitForSelector('main:not([aria-busy]) .field');
+  await page.waitForLoadState('networkidle');
+  await page.click('form .page-head button[type=submit]');
+  await page.waitForURL(/#\/run\//);
+  await page.waitForSelector('regular-table tbody tr');
+  await page.waitForLoadState('networkidle');
+  // One line with its cost items.
+  await page.click('tr.folded-in > .first', {position: {x: 12, y: 12}});
+  await page.waitForLoadState('networkidle');
+  await page.mouse.move(0, 0);
+  await page.screenshot({path: output});
+} finally {
+  await browser.close();
+}
