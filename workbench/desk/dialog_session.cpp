@@ -63,7 +63,7 @@ Json registeredItem(const ItemRegistration& item) {
 }
 
 struct DialogSession::Inside {
-  struct Message {
+  struct Said {
     std::string item;  // empty: of none
     std::string text;
   };
@@ -133,7 +133,7 @@ struct DialogSession::Inside {
   // After a refusal to leave an item empty: what there is for it.
   void addValuesToGive() {
     if (messages.empty()) return;
-    const Message last = messages.back();
+    const Said last = messages.back();
     try {
       if (auto line = valuesToGive(*filter, last.text, *account.session, language))
         messages.push_back({last.item, std::move(*line)});
@@ -150,7 +150,7 @@ struct DialogSession::Inside {
       items.push_back(std::move(item));
     }
     Json said = Json::array();
-    for (const Message& message : messages)
+    for (const Said& message : messages)
       said.push_back({{"item", message.item.empty() ? Json() : Json(message.item)}, {"text", message.text}});
     return {{"report", report.registration.name},
             {"view", play.view() ? Json(*play.view()) : Json()},
@@ -161,7 +161,7 @@ struct DialogSession::Inside {
   const Report& report;
   Language language;
   std::vector<std::string> told;  // by the class, during a step
-  std::vector<Message> messages;  // of the last step
+  std::vector<Said> messages;     // of the last step
   SignedInAccount account;
   std::shared_ptr<FilterObject> filter;
   EmbeddedPlatform platform;

@@ -10,10 +10,7 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/write.hpp>
 #include <charconv>
-#include <condition_variable>
-#include <deque>
 #include <list>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -26,6 +23,8 @@
 #include "workbench/desk/answer.h"
 #include "workbench/desk/pages.h"
 #include "workbench/desk/request_reader.h"
+#include "workbench/desk/stream_pipe.h"
+#include "workbench/desk/workers.h"
 #include "workbench/messages/desk.h"
 #include "workbench/platform/user_error.h"
 
@@ -37,129 +36,6 @@ using boost::system::error_code;
 using std::chrono::steady_clock;
 
 namespace {
-
-// Threads that do one piece of work after the other.
-class Workers {
- public:
-  explicit Workers(std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-      threads_.emplace_back([this] { work(); });
-  }
-  Workers(const Workers&) = delete;
-  Workers& operator=(const Workers&) = delete;
-  ~Workers() {
-    {
-      const std::lock_guard lock(mutex_);
-      ending_ = true;
-      waiting_.clear();
-    }
-    changed_.notify_all();
-    for (std::thread& thread : threads_)
-      thread.join();
-  }
-
-  // There are never more than connections.
-  void add(std::function<void()> work) {
-    {
-      const std::lock_guard lock(mutex_);
-      waiting_.push_back(std::move(work));
-    }
-    changed_.notify_one();
-  }
-
- private:
-  void work() {
-    std::unique_lock lock(mutex_);
-    while (true) {
-      changed_.wait(lock, [this] { return ending_ || !waiting_.empty(); });
-      if (ending_) return;
-      auto next = std::move(waiting_.front());
-      waiting_.pop_front();
-      lock.unlock();
-      next();
-      next = nullptr;
-      lock.lock();
-    }
-  }
-
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<std::function<void()>> waiting_;
-  bool ending_ = false;
-  std::vector<std::thread> threads_;
-};
-
-// Between the thread of a stream, which writes, and the one of input and output, which sends.
-class StreamPipe : public Sink {
- public:
-  // `written` is called when something has come into an empty pipe, and at its end; on the stream's thread.
-  explicit StreamPipe(std::function<void()> written) : written_(std::move(written)) {}
-
-  bool write(std::string_view bytes) override {
-    while (!bytes.empty()) {
-      const std::string_view piece = bytes.substr(0, pieceSize);
-      bytes.remove_prefix(piece.size());
-      std::unique_lock lock(mutex_);
-      changed_.wait(lock, [this] { return gone_ || pending_.size() < enough; });
-      if (gone_) return false;
-      const bool wasEmpty = pending_.empty();
-      pending_ += piece;
-      lock.unlock();
-      if (wasEmpty) written_();
-    }
-    return open();
-  }
-
-  bool open() const override {
-    const std::lock_guard lock(mutex_);
-    return !gone_;
-  }
-
-  // The stream has said everything, or has failed.
-  void end(bool failed) {
-    {
-      const std::lock_guard lock(mutex_);
-      ended_ = true;
-      failed_ = failed;
-    }
-    written_();
-  }
-
-  // Nobody reads any more.
-  void abandon() {
-    {
-      const std::lock_guard lock(mutex_);
-      gone_ = true;
-    }
-    changed_.notify_all();
-  }
-
-  struct Taken {
-    std::string bytes;
-    bool ended = false;  // nothing follows
-    bool failed = false;
-  };
-  Taken take() {
-    Taken taken;
-    {
-      const std::lock_guard lock(mutex_);
-      taken.bytes.swap(pending_);
-      taken.ended = ended_;
-      taken.failed = failed_;
-    }
-    changed_.notify_all();
-    return taken;
-  }
-
- private:
-  static constexpr std::size_t pieceSize = std::size_t{64} * 1024, enough = 4 * pieceSize;
-
-  const std::function<void()> written_;
-  mutable std::mutex mutex_;
-  std::condition_variable changed_;
-  std::string pending_;
-  bool ended_ = false, failed_ = false, gone_ = false;
-};
 
 template <typename... Functions>
 struct Overloaded : Functions... {

@@ -134,14 +134,18 @@ bool RunSession::running() const {
   return state_ == State::running;
 }
 
-Json RunSession::summary() const {
-  const std::scoped_lock lock(mutex_);
+Json RunSession::heading() const {
   return {{"id", id_},
           {"report", report_.registration.name},
           {"state", nameOf(state_)},
           {"started", started_},
           {"title", report_.registration.title(language_)},
           {"conditions", conditions_}};
+}
+
+Json RunSession::summary() const {
+  const std::scoped_lock lock(mutex_);
+  return heading();
 }
 
 Json RunSession::info() const {
@@ -154,17 +158,13 @@ Json RunSession::info() const {
                           {"ms", statement.ms ? Json(*statement.ms) : Json()},
                           {"rows", statement.rows}});
   }
-  return {{"id", id_},
-          {"report", report_.registration.name},
-          {"state", nameOf(state_)},
-          {"started", started_},
-          {"title", report_.registration.title(language_)},
-          {"elapsedMs", state_ == State::running ? elapsedMs() : endedMs_},
-          {"statements", std::move(statements)},
-          {"conditions", conditions_},
-          {"rowCount", rowCount_},
-          {"error", error_.empty() ? Json() : Json(error_)},
-          {"messages", messages_}};
+  Json json = heading();
+  json.update({{"elapsedMs", state_ == State::running ? elapsedMs() : endedMs_},
+               {"statements", std::move(statements)},
+               {"rowCount", rowCount_},
+               {"error", error_.empty() ? Json() : Json(error_)},
+               {"messages", messages_}});
+  return json;
 }
 
 void RunSession::sendEvents(Sink& sink) const {

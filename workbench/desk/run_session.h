@@ -80,6 +80,7 @@ class RunSession {
   void run(const ReportRequest& request);
   void end(State state, std::string error);
   // Under the lock.
+  Json heading() const;
   std::shared_ptr<MadeReport> result() const;
   std::filesystem::path newFile();
   std::int64_t elapsedMs() const;
