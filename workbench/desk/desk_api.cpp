@@ -240,8 +240,8 @@ Json DeskApi::openDialog(const Json& body, Language language) {
   };
   std::shared_ptr<DialogSession> session;
   try {
-    session =
-        std::make_shared<DialogSession>(options_.account, report, languageIn(body, language), valuesIn(body, "values"));
+    session = std::make_shared<DialogSession>(options_.account, report, languageIn(body, language), discretion_,
+                                              valuesIn(body, "values"));
   } catch (...) {
     opened();
     throw;

@@ -68,9 +68,10 @@ struct DialogSession::Inside {
     std::string text;
   };
 
-  Inside(const AccountSource& source, const Report& asked, Language asLanguage)
+  Inside(const AccountSource& source, const Report& asked, Language asLanguage, const Discretion& itsDiscretion)
       : report(asked),
         language(asLanguage),
+        discretion(itsDiscretion),
         account(logIn(source, asLanguage, "")),
         filter(std::make_shared<FilterObject>(asked.registration, InitialValues::none)),
         platform({.account = account.source,
@@ -151,7 +152,8 @@ struct DialogSession::Inside {
     }
     Json said = Json::array();
     for (const Said& message : messages)
-      said.push_back({{"item", message.item.empty() ? Json() : Json(message.item)}, {"text", message.text}});
+      said.push_back(
+          {{"item", message.item.empty() ? Json() : Json(message.item)}, {"text", discretion.of(message.text)}});
     return {{"report", report.registration.name},
             {"view", play.view() ? Json(*play.view()) : Json()},
             {"messages", std::move(said)},
@@ -160,6 +162,7 @@ struct DialogSession::Inside {
 
   const Report& report;
   Language language;
+  const Discretion& discretion;
   std::vector<std::string> told;  // by the class, during a step
   std::vector<Said> messages;     // of the last step
   SignedInAccount account;
@@ -171,11 +174,11 @@ struct DialogSession::Inside {
 };
 
 DialogSession::DialogSession(const AccountSource& account, const Report& report, Language language,
-                             std::vector<ItemValue> values)
+                             const Discretion& discretion, std::vector<ItemValue> values)
     : report_(report) {
   try {
-    thread_.call([this, &account, language, &values] {
-      inside_ = std::make_unique<Inside>(account, report_, language);
+    thread_.call([this, &account, language, &discretion, &values] {
+      inside_ = std::make_unique<Inside>(account, report_, language, discretion);
       inside_->open(values);
     });
   } catch (...) {

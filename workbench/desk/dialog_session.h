@@ -8,6 +8,7 @@
 
 #include "workbench/catalogue/report.h"
 #include "workbench/desk/api_error.h"
+#include "workbench/desk/discretion.h"
 #include "workbench/desk/task_thread.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/filter_input.h"
@@ -20,8 +21,9 @@ namespace quillon::workbench::desk {
 class DialogSession {
  public:
   // Opens the dialog with these values in it. What the dialog does not take of them is left out and said in the state's
-  // messages.
-  DialogSession(const AccountSource& account, const Report& report, Language language, std::vector<ItemValue> values);
+  // messages. `discretion` outlives the session.
+  DialogSession(const AccountSource& account, const Report& report, Language language, const Discretion& discretion,
+                std::vector<ItemValue> values);
   DialogSession(const DialogSession&) = delete;
   DialogSession& operator=(const DialogSession&) = delete;
   // Stops what runs.

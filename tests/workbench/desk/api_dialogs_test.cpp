@@ -1,6 +1,7 @@
 // The interface's account, reports and dialogs.
 #include "tests/workbench/desk/desk_test_base.h"
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench::desk {
 namespace {
@@ -225,6 +226,15 @@ TEST_F(DeskDialogs, WhatIsLeftOutIsToldInTheDialogsLanguage) {
   EXPECT_THAT(told("zh"), HasSubstr("过滤项 iYear"));
   EXPECT_THAT(told("en"), HasSubstr("filter item iYear"));
   EXPECT_THAT(told(nullptr), HasSubstr("filter item iYear")) << "as the request was made";
+}
+
+TEST_F(DeskDialogs, WhatIsToldHoldsNoPath) {
+  const std::string folder = utf8FromPath(accountFile().parent_path());
+  const test::Answer opened = openDialog("sfc-item", {{"iYear", {{"value", folder + "/x"}}}});
+  EXPECT_THAT(opened.json["state"]["messages"][0]["text"].get<std::string>(),
+              AllOf(HasSubstr("iYear"), HasSubstr("\"x\"")));
+  const test::Answer refused = post(pathOf(opened) + "/set", {{"key", "iYear"}, {"value", folder + "/x"}});
+  EXPECT_THAT(refused.message(), HasSubstr("\"x\""));
 }
 
 TEST_F(DeskDialogs, DialogsAreLimited) {
