@@ -7,6 +7,7 @@
 
 #include "workbench/catalogue/library_runner.h"
 #include "workbench/desk/json_forms.h"
+#include "workbench/messages/filter.h"
 #include "workbench/platform/lookup.h"
 #include "workbench/platform/missing_value.h"
 #include "workbench/platform/named_values.h"
@@ -143,6 +144,17 @@ struct DialogSession::Inside {
     }
   }
 
+  // Whether every item that must have a value has one; a message at each that has none. The classes leave some of them to
+  // whoever shows the dialog.
+  bool isComplete() {
+    const std::size_t before = messages.size();
+    for (const auto& entry : filter->entries()) {
+      if (!entry->item.required || !entry->value.empty()) continue;
+      messages.push_back({entry->item.key, messages::itemEmpty(entry->item.caption(language)).in(language)});
+    }
+    return messages.size() == before;
+  }
+
   Json state() const {
     Json items = Json::array();
     for (const auto& entry : filter->entries()) {
@@ -165,6 +177,7 @@ struct DialogSession::Inside {
   const Discretion& discretion;
   std::vector<std::string> told;  // by the class, during a step
   std::vector<Said> messages;     // of the last step
+  bool accepted = false;          // by the last step
   SignedInAccount account;
   std::shared_ptr<FilterObject> filter;
   EmbeddedPlatform platform;
@@ -208,6 +221,7 @@ Json DialogSession::change(const ItemValue& value) {
                      inside_->state());
     };
     inside_->messages.clear();
+    inside_->accepted = false;
     try {
       inside_->play.take(value);
       inside_->takeMessages();
@@ -226,6 +240,7 @@ Json DialogSession::change(const ItemValue& value) {
 Json DialogSession::click() {
   return thread_.call([this] {
     inside_->messages.clear();
+    inside_->accepted = false;
     try {
       // A person leaves an item that must be given empty.
       inside_->play.take({.kind = DialogStep::Kind::click, .text = "click", .setting = {}});
@@ -233,9 +248,9 @@ Json DialogSession::click() {
       throw ApiError(422, "dialog", refusal.message(), "", inside_->state());
     }
     inside_->takeMessages();
-    const bool accepted = inside_->play.accepted().value_or(false);
-    if (!accepted) inside_->addValuesToGive();
-    return Json{{"accepted", accepted}, {"state", inside_->state()}};
+    inside_->accepted = inside_->play.accepted().value_or(false) && inside_->isComplete();
+    if (!inside_->accepted) inside_->addValuesToGive();
+    return Json{{"accepted", inside_->accepted}, {"state", inside_->state()}};
   });
 }
 
@@ -261,7 +276,7 @@ Json DialogSession::lookUp(const std::string& item, const std::string& search, s
 
 std::shared_ptr<FilterObject> DialogSession::acceptedFilter() {
   return thread_.call([this] {
-    if (!inside_->play.accepted().value_or(false)) throw ApiError(409, "state", messages::dialogNotAccepted());
+    if (!inside_->accepted) throw ApiError(409, "state", messages::dialogNotAccepted());
     auto copy = std::make_shared<FilterObject>(report_.registration, InitialValues::none);
     for (const auto& entry : inside_->filter->entries())
       *copy->entry(entry->item.key) = *entry;

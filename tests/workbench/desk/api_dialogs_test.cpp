@@ -131,6 +131,21 @@ TEST_F(DeskDialogs, AClickIsAcceptedOrSaysWhatIsMissing) {
   EXPECT_EQ(post(pathOf(summary) + "/click").json["accepted"], true);
 }
 
+TEST_F(DeskDialogs, AClickAsksForWhatTheReportMustHave) {
+  const test::Answer opened = openDialog("fx-detail", {{"cWhCode", {{"value", "07"}}}}, "zh");
+  const Json refused = post(pathOf(opened) + "/click").json;
+  EXPECT_EQ(refused["accepted"], false);
+  ASSERT_FALSE(refused["state"]["messages"].empty());
+  EXPECT_EQ(refused["state"]["messages"][0], (Json{{"item", "cInvCode"}, {"text", "存货不能为空"}}));
+  EXPECT_EQ(post("runs", {{"report", "fx-detail"}, {"dialog", opened.json["id"]}}).code(), "state");
+  const Json offered = get(pathOf(opened) + "/lookup", {{"item", "cInvCode"}, {"limit", "1"}});
+  post(pathOf(opened) + "/set", {{"key", "cInvCode"}, {"value", offered["rows"][0]["code"]}});
+  EXPECT_EQ(post(pathOf(opened) + "/click").json["accepted"], true);
+  // What was confirmed is no more once it is changed.
+  post(pathOf(opened) + "/set", {{"key", "cInvCode"}, {"value", ""}});
+  EXPECT_EQ(post("runs", {{"report", "fx-detail"}, {"dialog", opened.json["id"]}}).code(), "state");
+}
+
 TEST_F(DeskDialogs, ALinkOpensTheDialogWithItsValues) {
   const Json values = {{"cModal", {{"value", "1"}}},
                        {"dKeepDate", {{"value", "2024-01-01"}, {"value2", "2024-03-31"}}},
