@@ -27,6 +27,15 @@ inline constexpr bool equalIgnoringCase(std::string_view left, std::string_view 
   return true;
 }
 
+// Whether `part` stands anywhere in `text`.
+inline constexpr bool containsIgnoringCase(std::string_view text, std::string_view part) noexcept {
+  for (; text.size() >= part.size(); text.remove_prefix(1)) {
+    if (equalIgnoringCase(text.substr(0, part.size()), part)) return true;
+    if (text.empty()) break;
+  }
+  return false;
+}
+
 inline constexpr std::string_view trimBlanks(std::string_view text) noexcept {
   while (text.starts_with(' '))
     text.remove_prefix(1);

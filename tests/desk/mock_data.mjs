@@ -392,27 +392,14 @@ export function ledgerRows(english) {
       ],
     });
   }
-  rows.push({
-    kind: 'closing',
-    level: 0,
-    cells: [null, null, say('期末结存', 'Closing balance'), ...none, ...none, ...triple(quantity, money), null],
-  });
   return {
     columns,
     rows,
     totals: [
       {
-        kind: 'total',
+        kind: 'closing',
         level: 0,
-        cells: [
-          say('合计', 'Total'),
-          null,
-          null,
-          ...triple(all[0], all[1]),
-          ...triple(all[2], all[3]),
-          ...triple(quantity, money),
-          null,
-        ],
+        cells: [null, null, say('期末结存', 'Closing balance'), ...none, ...none, ...triple(quantity, money), null],
       },
     ],
   };

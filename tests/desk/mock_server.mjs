@@ -15,6 +15,7 @@ const policy =
   "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src 'self' data:; " +
   "base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
 const types = {'.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css', '.svg': 'image/svg+xml'};
+const isDate = (text) => /^\d{4}-\d\d-\d\d$/.test(text);
 const wait = (ms) => new Promise((go) => setTimeout(go, ms));
 
 class Refusal extends Error {
@@ -251,7 +252,7 @@ class Dialog {
     this.messages = [];
     if (one.kind === 'date') {
       for (const text of [value, value2]) {
-        if (text && !/^\d{4}-\d\d-\d\d$/.test(text))
+        if (text && !isDate(text))
           throw new Refusal(422, 'value', `不是日期：${text}`, {item: key, state: this.state()});
       }
     }
@@ -284,6 +285,7 @@ class Dialog {
         item: one.key,
         text: this.lang === 'en' ? `${one.caption.en} must be given` : `${one.caption.zh}不能为空`,
       }));
+    this.accepted = this.messages.length === 0;
     return this.messages.length === 0;
   }
   state() {
@@ -389,7 +391,12 @@ function makeView(id, run, wanted) {
   const known = new Map(made.columns.map((column, index) => [column.name, index]));
   for (const asked of [...(wanted.columns ?? []), ...(wanted.groupBy ?? [])]) {
     if (!known.has(asked) && !made.hidden.some((column) => column.name === asked))
-      throw new Refusal(422, 'column', lang === 'en' ? `there is no column ${asked}` : `没有列 ${asked}`);
+      throw new Refusal(422, 'value', lang === 'en' ? `there is no column ${asked}` : `没有列 ${asked}`);
+  }
+  for (const asked of wanted.where ?? []) {
+    const role = made.columns[known.get(asked.column)]?.role;
+    const wrong = asked.kind !== 'contains' && role === 'date' && asked.values.find((one) => one && !isDate(one));
+    if (wrong) throw new Refusal(422, 'value', `"${wrong}" is no date, which column ${asked.column} holds`);
   }
   const order = wanted.columns?.length
     ? wanted.columns.filter((one) => known.has(one)).map((one) => known.get(one))
@@ -519,13 +526,13 @@ const answered = (view, row, n) => ({
 function documents(view, n) {
   const row = view.made.row(n);
   const cells = row.cells;
-  if (row.kind !== 'line') return {messages: [], documents: []};
-  if (n % 10 === 9) return {messages: ['该记录没有生成凭证'], documents: []};
+  if (row.kind !== 'line') throw new Refusal(404, 'document', 'the row opens no document');
+  const hasVoucher = n % 10 !== 9;
   return {
-    messages: [],
+    messages: hasVoucher ? [] : ['该记录没有生成凭证'],
     documents: [
       {
-        title: `销售出库单 ${cells[1]}`,
+        title: '源单据',
         fields: [
           ['单据号', cells[1]],
           ['单据日期', cells[0]],
@@ -550,18 +557,18 @@ function documents(view, n) {
           ]),
       },
       {
-        title: '记账凭证 转 23',
+        title: '记账凭证',
         fields: [
+          ['凭证号', '23'],
           ['凭证日期', cells[0]],
-          ['摘要', '结转销售成本'],
         ],
-        columns: ['科目编码', '科目', '借方', '贷方'],
+        columns: ['摘要', '科目编码', '科目', '借方', '贷方'],
         rows: [
-          ['6401', '主营业务成本', '31,096.80', null],
-          ['1405', '库存商品', null, '31,096.80'],
+          ['结转销售成本', '6401', '主营业务成本', '31,096.80', '0.00'],
+          ['结转销售成本', '1405', '库存商品', '0.00', '31,096.80'],
         ],
       },
-    ],
+    ].slice(0, hasVoucher ? 2 : 1),
   };
 }
 
@@ -667,6 +674,8 @@ export async function startMock(port = 0) {
         filters.delete(id);
         return {};
       case 'POST runs':
+        if (body.dialog !== undefined && !of(dialogs, body.dialog, 'dialog').accepted)
+          throw new Refusal(409, 'state', 'the dialog has not accepted the filter: confirm it first');
         return [201, {id: add(runs, (number) => new Run(number, reportNamed(body.report), body.lang, body.values)).id}];
       case 'GET runs':
         return [...runs.values()].map((run) => ({

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "frame/text.h"
 #include "workbench/catalogue/library_runner.h"
 #include "workbench/desk/json_forms.h"
 #include "workbench/messages/filter.h"
@@ -125,7 +126,7 @@ struct DialogSession::Inside {
       const FilterEntry* spokenOf = nullptr;
       for (const auto& entry : filter->entries()) {
         const std::string& caption = entry->item.caption(language);
-        if (text.find(caption) == std::string::npos) continue;
+        if (!containsIgnoringCase(text, caption)) continue;  // "the warehouse" is the item Warehouse
         if (spokenOf == nullptr || caption.size() > spokenOf->item.caption(language).size()) spokenOf = entry.get();
       }
       messages.push_back({spokenOf == nullptr ? "" : spokenOf->item.key, text});

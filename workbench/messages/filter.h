@@ -35,7 +35,7 @@ inline constexpr Text<2> rangeBackwards{
     "the range begins at {1} and ends before it, at {2}; write the lower bound first"};
 inline constexpr Text<2> noSuchChoice{"没有选项“{1}”；可选 {2}", "there is no choice \"{1}\"; choose of {2}"};
 inline constexpr Text<0> mustBeGiven{"必须给出", "must be given"};
-inline constexpr Text<1> itemEmpty{"{1}不能为空", "{1} must not be empty"};
+inline constexpr Text<1> itemEmpty{"{1}不能为空", "{1} must be given"};
 inline constexpr Text<5> nameOfSeveral{"过滤项 {1}（{2}）：名称为“{4}”的有 {3} 个，请改写编码：{5}",
                                        "filter item {1} ({2}): {3} are named \"{4}\"; give the code of one: {5}"};
 inline constexpr Text<3> codesToGive{"可选的{2}（{1}）：{3}", "to be given for {1} ({2}): {3}"};

@@ -24,7 +24,7 @@ const FilterEntry* itemOf(const FilterObject& filter, std::string_view message, 
   for (const auto& entry : filter.entries()) {
     const std::string& caption = entry->item.caption(language);
     if (!entry->value.empty() || !entry->item.column.starts_with(ledgerAlias)) continue;
-    if (message.find(caption) == std::string_view::npos) continue;
+    if (!containsIgnoringCase(message, caption)) continue;  // "the warehouse" is the item Warehouse
     if (item == nullptr || caption.size() > item->item.caption(language).size()) item = entry.get();
   }
   return item;

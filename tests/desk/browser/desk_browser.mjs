@@ -86,13 +86,19 @@ export async function openFilter(page, report, filter = {}) {
   await settled(page);
 }
 
+const gridLimit = Number(process.env.DESK_TIMEOUT ?? 60000);
+
 // Until nothing is asked of the server any more.
 export async function settled(page) {
   await page.waitForLoadState('networkidle');
 }
 
+// An inventory and its warehouse that have many lines in the sample account. DESK_LEDGER names others, for another account.
+const ledger = new URLSearchParams(process.env.DESK_LEDGER ?? 'cWhCode=01&cInvCode=0103-00026');
+export const filterFor = (report) => (report === 'fx-detail' && !isDouble ? Object.fromEntries(ledger) : {});
+
 // Runs a report from its filter. What is refused for want of a code gets the first that its lookup offers.
-export async function runReport(page, report, filter = {}) {
+export async function runReport(page, report, filter = filterFor(report)) {
   await openFilter(page, report, filter);
   for (let attempt = 0; attempt < 4; attempt += 1) {
     await page.click('form .page-head button[type=submit]');
@@ -112,13 +118,25 @@ export async function runReport(page, report, filter = {}) {
   await waitForGrid(page);
 }
 
-export async function waitForGrid(page, timeout = 60000) {
-  await page.waitForSelector('regular-table thead th', {timeout});
-  await page.waitForFunction(() => !document.querySelector('.grid-area[aria-busy]'), null, {timeout});
-  await page.waitForSelector('regular-table tbody tr', {timeout});
-  // Rows may still be on their way when the first are there.
-  await page.waitForFunction(() => /\d/.test(document.querySelector('.counts').textContent), null, {timeout});
+export async function waitForGrid(page, timeout = gridLimit) {
+  await orSayWhatIsShown(page, async () => {
+    await page.waitForSelector('regular-table thead th', {timeout});
+    await page.waitForFunction(() => !document.querySelector('.grid-area[aria-busy]'), null, {timeout});
+    await page.waitForSelector('regular-table tbody tr', {timeout});
+    // Rows may still be on their way when the first are there.
+    await page.waitForFunction(() => /\d/.test(document.querySelector('.counts').textContent), null, {timeout});
+  });
   await page.waitForTimeout(60);
+}
+
+// A time-out alone does not tell what the page showed instead.
+async function orSayWhatIsShown(page, act) {
+  try {
+    await act();
+  } catch (error) {
+    const shown = await page.innerText('main').catch(() => '');
+    throw new Error(`${error.message}\nat ${page.url()}:\n${shown.slice(0, 1500)}`);
+  }
 }
 
 // Does what changes the arrangement of the rows, and waits for the grid that shows it.
@@ -127,10 +145,12 @@ export async function rearrange(page, act) {
     document.querySelector('regular-table').dataset.old = '1';
   });
   await act();
-  await page.waitForFunction(
-    () => document.querySelector('regular-table') && !document.querySelector('regular-table').dataset.old,
-    null,
-    {timeout: 60000},
+  await orSayWhatIsShown(page, () =>
+    page.waitForFunction(
+      () => document.querySelector('regular-table') && !document.querySelector('regular-table').dataset.old,
+      null,
+      {timeout: gridLimit},
+    ),
   );
   await waitForGrid(page);
 }
@@ -167,13 +187,17 @@ export async function gridOf(page) {
   });
 }
 
-// Goes to the heading of the first column in sight that `wanted` takes, and gives it.
+// Goes to the heading of the first column in sight that `wanted(column, text)` takes, where `text` is what the first row
+// has in it, and gives the column with that text.
 export async function focusHeading(page, wanted) {
   await page.focus('regular-table table');
   await page.keyboard.press('Control+Home');
   await page.keyboard.press('ArrowUp');
-  const {columns} = await gridOf(page);
-  const column = columns.find(wanted);
+  await page.waitForFunction(() => document.querySelector('thead .at')?.getAttribute('aria-colindex') === '1');
+  await page.waitForTimeout(100);
+  const {columns, rows} = await gridOf(page);
+  const textIn = (column) => rows[0]?.cells[column.index] ?? '';
+  const column = columns.find((one) => wanted(one, textIn(one)));
   for (let step = 1; step < column.index; step += 1) await page.keyboard.press('ArrowRight');
-  return column;
+  return {...column, text: textIn(column)};
 }

@@ -141,15 +141,39 @@ test('a lookup is searched, paged and chosen from by keyboard alone', async () =
   assert.equal((await stateOf('cInvCode')).chips, 0);
 });
 
-if (isDouble) {
-  test('a lookup finds by pinyin initials among tens of thousands', async () => {
-    await openFilter(page, 'sfc-item');
-    await page.click(`${fieldOf('cInvCode')} button.sign`);
-    await page.waitForFunction(() => /30,000/.test(document.querySelector('.lookup-foot')?.textContent ?? ''));
-    await page.keyboard.type('ljls');
-    await page.waitForFunction(() => /3,000/.test(document.querySelector('.lookup-foot').textContent));
-    assert.match(await page.innerText('.lookup-list [role=option]'), /六角螺栓/);
+if (!isDouble) {
+  test('a lookup finds by a part of the code, of the name and by pinyin initials', async () => {
+    await openFilter(page, 'fx-detail');
+    await page.click(`${fieldOf('cWhCode')} button.sign`);
+    for (const text of ['02', '外购', 'wgj']) {
+      await page.fill('.modal input[type=search]', text);
+      await page.waitForFunction(() => document.querySelectorAll('.lookup-list [role=option]').length === 1);
+      assert.match(await page.innerText('.lookup-list [role=option]'), /02\s+外购件库/);
+    }
     await page.keyboard.press('Escape');
+  });
+
+  test('what is not enough is said line by line, with what there is to choose from, in both languages', async () => {
+    await openFilter(page, 'fx-detail');
+    const words = () => page.innerText(`${fieldOf('cWhCode')}.refused .field-message`);
+    await page.click('form button[type=submit]');
+    await page.waitForSelector('.field.refused');
+    assert.match(await words(), /仓库不能为空\n.*01 原材料库、02 外购件库/);
+    await page.click('#language');
+    await page.waitForFunction(() => document.documentElement.lang === 'en');
+    await settled(page);
+    await page.click('form button[type=submit]');
+    await page.waitForSelector('.field.refused');
+    assert.match(await words(), /the warehouse must be given\n.*01 原材料库, 02 外购件库/);
+    await page.click('#language');
+    await page.waitForFunction(() => document.documentElement.lang === 'zh-CN');
+    await settled(page);
+    await page.fill(`${fieldOf('cWhCode')} input`, '02');
+    await page.keyboard.press('Tab');
+    await settled(page);
+    await page.click('form button[type=submit]');
+    await page.waitForSelector(`${fieldOf('cInvCode')}.refused`);
+    assert.match(await page.innerText(`${fieldOf('cInvCode')} .field-message`), /存货不能为空/);
   });
 }
 

@@ -26,6 +26,8 @@ after(() => browser.close());
 
 const textOf = (grid, row, column) => grid.rows[row].cells[column.index];
 const isText = (column) => !column.number;
+// A column of words that has one in the first row: an account compares dates as dates, so they do not take any text.
+const isWord = (column, text) => column.index > 2 && isText(column) && text && !/^\d{4}-\d\d-\d\d/.test(text);
 // Whether figures stand in this order: compared as texts of equal length, never as binary numbers.
 const units = (text) => {
   const [, sign, whole, part = ''] = /^(-?)([\d,]+)(?:\.(\d+))?$/.exec(text);
@@ -136,8 +138,8 @@ test('figures are sorted as numbers', async () => {
 
 test('a column is filtered by what it contains, equals, and by a range; count and totals are of what is left', async () => {
   const whole = await gridOf(page);
-  const column = await focusHeading(page, (one) => isText(one) && one.index > 2);
-  const value = textOf(await gridOf(page), 0, column);
+  const column = await focusHeading(page, isWord);
+  const value = column.text;
   const filter = async (kind, fill) => {
     await page.keyboard.press('Alt+ArrowDown');
     await page.waitForSelector('.column-filter');
@@ -280,8 +282,8 @@ test('a block is copied as text for a spreadsheet', async () => {
 });
 
 test('exports are of exactly what is shown', async () => {
-  const column = await focusHeading(page, (one) => isText(one) && one.index > 2);
-  const value = textOf(await gridOf(page), 0, column);
+  const column = await focusHeading(page, isWord);
+  const value = column.text;
   await page.keyboard.press('Alt+ArrowDown');
   await page.selectOption('.column-filter select', 'equals');
   await page.fill('.column-filter textarea', value);

@@ -1,7 +1,7 @@
 // From the start page to a document and back without a mouse: Tab, arrows, Enter and Escape alone.
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
-import {openDesk, reportsOf, settled, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {filterFor, isDouble, openDesk, reportsOf, settled, startBrowser, waitForGrid} from './desk_browser.mjs';
 
 let browser;
 let page;
@@ -37,13 +37,26 @@ test('from the start page to a document and back', async () => {
   await page.waitForSelector('.field');
   await settled(page);
   // A code by its lookup.
+  const {cInvCode, cWhCode} = filterFor(report.name);
   await tabTo('.field[data-key="cInvCode"] input');
   await page.keyboard.press('F4');
   await page.waitForSelector('.lookup-list [role=option]');
+  if (!isDouble) {
+    await page.keyboard.type(cInvCode);
+    await page.waitForFunction((code) => {
+      const codes = [...document.querySelectorAll('.lookup-list .code')].map((one) => one.textContent.trim());
+      return codes.length === 1 && codes[0] === code;
+    }, cInvCode);
+  }
   await page.keyboard.press('ArrowDown');
   await page.keyboard.press('Enter');
   await page.waitForFunction(() => location.hash.includes('f.cInvCode='));
   assert.equal(await page.evaluate(() => document.activeElement.closest('.field')?.dataset.key), 'cInvCode');
+  // A code that is known is typed.
+  if (cWhCode) {
+    await tabTo('.field[data-key="cWhCode"] input');
+    await page.keyboard.type(cWhCode);
+  }
   // Enter in a field runs the report.
   await page.keyboard.press('Enter');
   await waitForGrid(page);

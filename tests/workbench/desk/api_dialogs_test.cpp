@@ -127,6 +127,10 @@ TEST_F(DeskDialogs, AClickIsAcceptedOrSaysWhatIsMissing) {
   const Json& message = refused["state"]["messages"][0];
   EXPECT_EQ(message["item"], "cWhCode");
   EXPECT_THAT(message["text"].get<std::string>(), AllOf(HasSubstr("仓库"), HasSubstr("不能为空")));
+  const Json english = post(pathOf(openDialog("fx-detail")) + "/click").json["state"]["messages"];
+  ASSERT_EQ(english.size(), 2U);
+  EXPECT_EQ(english[0]["item"], "cWhCode");
+  EXPECT_THAT(english[1]["text"].get<std::string>(), HasSubstr("to be given for cWhCode (Warehouse)"));
   const test::Answer summary = openDialog("sfc-item");
   EXPECT_EQ(post(pathOf(summary) + "/click").json["accepted"], true);
 }

@@ -191,6 +191,8 @@ TEST_F(NamedValues, AreOfferedAfterTheMessageThatAnItemIsEmpty) {
   EXPECT_EQ(valuesToGive(filter, "批号不能为空", session_, Language::chinese), "可选的批号（cBatchIA）：B0、B1、B3");
   EXPECT_EQ(valuesToGive(filter, "Batch must be given", session_, Language::english),
             "to be given for cBatchIA (Batch): B0, B1, B3");
+  EXPECT_EQ(valuesToGive(filter, "the batch must be given", session_, Language::english),
+            "to be given for cBatchIA (Batch): B0, B1, B3");
   EXPECT_EQ(valuesToGive(filter, "仓库不能为空", session_, Language::chinese),
             "可选的仓库（cWhCode）：07 线边库、09 Store");
   FilterObject inWarehouse = ledger("P1", "07");

@@ -152,8 +152,9 @@ export class DialogPage {
   }
 
   showMessages(messages) {
-    for (const field of this.fields.values()) field.refuse('');
-    for (const {item, text} of messages) if (item) this.fields.get(item)?.refuse(text);
+    const texts = new Map(); // of an item: what was said, a line each
+    for (const {item, text} of messages) if (item) texts.set(item, [...(texts.get(item) ?? []), text]);
+    for (const [key, field] of this.fields) field.refuse((texts.get(key) ?? []).join('\n'));
     fill(
       this.messages,
       messages.filter(({item}) => !item || !this.fields.has(item)).map(({text}) => h('p', {class: 'message'}, text)),

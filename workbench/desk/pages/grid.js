@@ -164,9 +164,10 @@ export class Grid {
 
   async data(x0, y0, x1, y1) {
     const {rowCount, frozen} = this;
-    // Rows of nothing at the end: the totals lie over them, so that they never hide the last row.
+    // Rows of nothing at the end: the totals lie over them, so that they never hide the last row. Without any row
+    // regular-table would draw no headings either.
     const answer = {
-      num_rows: rowCount + this.totals.length,
+      num_rows: Math.max(1, rowCount + this.totals.length),
       num_columns: this.columns.length - frozen,
       num_row_headers: frozen,
       num_column_headers: this.headRows,
@@ -403,7 +404,7 @@ export class Grid {
 
   // The scroll position that has row `row` on top, and the other way round, as regular-table reckons them.
   scrollOf(row) {
-    const all = this.rowCount + this.totals.length;
+    const all = Math.max(1, this.rowCount + this.totals.length);
     const height = this.scroller.clientHeight;
     const room = Math.max(
       1,
