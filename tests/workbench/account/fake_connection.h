@@ -51,7 +51,10 @@ class FakeConnection : public tsql::Connection {
   std::vector<std::string> tables(std::string_view) override { refuse(); }
   void observe(std::function<void(const tsql::StatementReport&)>) override { refuse(); }
   std::string translate(std::string_view) override { refuse(); }
-  std::vector<std::int64_t> orderedRows(std::string_view, std::string_view, std::string_view) override { refuse(); }
+  std::vector<std::int64_t> orderedRows(std::string_view, std::string_view, std::string_view,
+                                        std::optional<std::int64_t>) override {
+    refuse();
+  }
   std::unique_ptr<tsql::Cursor> rowsAt(std::string_view, std::string_view, std::vector<std::int64_t>) override {
     refuse();
   }

@@ -26,7 +26,10 @@ class Sink : public tsql::Connection {
   std::vector<std::string> tables(std::string_view) override { return {}; }
   void observe(std::function<void(const tsql::StatementReport&)>) override {}
   std::string translate(std::string_view) override { return {}; }
-  std::vector<std::int64_t> orderedRows(std::string_view, std::string_view, std::string_view) override { return {}; }
+  std::vector<std::int64_t> orderedRows(std::string_view, std::string_view, std::string_view,
+                                        std::optional<std::int64_t>) override {
+    return {};
+  }
   std::unique_ptr<tsql::Cursor> rowsAt(std::string_view, std::string_view, std::vector<std::int64_t>) override {
     return nullptr;
   }

@@ -118,6 +118,7 @@ struct Binder::Core {
   int identityItem = -1;
   std::string from, where, groupBy, having;
   std::vector<std::string> order;
+  std::vector<RowOrdering::Key> orderKeys;  // the same, where the core has an order of its own
   bool distinct = false;
   std::optional<std::int64_t> top;
   bool oneRowAtMost = false;
@@ -362,12 +363,13 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer) {
 }
 
 // The SQL by which SQLite sorts: the number of an output column, or an expression.
-std::string Binder::orderKey(const Expression& item, Core& core) {
-  const auto position = [&](std::size_t index) {
+RowOrdering::Key Binder::orderKey(const Expression& item, Core& core) {
+  const auto position = [&](std::size_t index) -> RowOrdering::Key {
     const Fragment& value = core.items[index];
-    if (isWide(value)) return sortKey(value);
-    return std::to_string(index + 1) +
-           (isText(value.type) && !value.isColumn ? collated(value).substr(value.sql.size()) : "");
+    if (isWide(value)) return {.sql = sortKey(value), .output = index};
+    const bool named = isText(value.type) && !value.isColumn;
+    return {.sql = std::to_string(index + 1) + (named ? collated(value).substr(value.sql.size()) : ""),
+            .output = index};
   };
   if (item.kind == ExpressionKind::literal && std::holds_alternative<std::int64_t>(item.literal)) {
     const std::int64_t number = std::get<std::int64_t>(item.literal);
@@ -400,15 +402,18 @@ std::string Binder::orderKey(const Expression& item, Core& core) {
     throw SqlError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.",
                    item.place.line, item.place.token);
   }
-  return sortKey(value);
+  return {.sql = sortKey(value)};
 }
 
 void Binder::bindOrder(const std::vector<OrderItem>& items, Core& core) {
-  for (const OrderItem& item : items)
-    core.order.push_back(orderKey(*item.value, core) + (item.descending ? " DESC" : ""));
+  for (const OrderItem& item : items) {
+    core.orderKeys.push_back(orderKey(*item.value, core));
+    core.orderKeys.back().descending = item.descending;
+    core.order.push_back(core.orderKeys.back().sql + (item.descending ? " DESC" : ""));
+  }
 }
 
-std::string Binder::renderCore(const Core& core, Naming naming) const {
+std::string Binder::renderCore(const Core& core, Naming naming, RowOrdering* ordering) const {
   std::string sql = core.distinct ? "SELECT DISTINCT " : "SELECT ";
   for (std::size_t i = 0; i < core.items.size(); ++i) {
     const OutputColumn& column = core.columns[i];
@@ -427,10 +432,13 @@ std::string Binder::renderCore(const Core& core, Naming naming) const {
     if (naming == Naming::columns && !column.name.empty()) sql += " AS " + quoteName(column.name);
     if (naming == Naming::value && i == 0) sql += " AS value";
   }
+  if (ordering != nullptr) ordering->itemsEnd = sql.size();
   if (!core.from.empty()) sql += " FROM " + core.from;
+  if (ordering != nullptr) ordering->fromEnd = sql.size();
   if (!core.where.empty()) sql += " WHERE " + core.where;
   if (!core.groupBy.empty()) sql += " GROUP BY " + core.groupBy;
   if (!core.having.empty()) sql += " HAVING " + core.having;
+  if (ordering != nullptr) ordering->orderBegin = sql.size();
   if (!core.order.empty()) sql += " ORDER BY " + joined(core.order, ", ");
   if (core.top) sql += " LIMIT " + std::to_string(*core.top);
   return sql;
@@ -477,7 +485,12 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
       item = settled(item);
   }
   BoundQuery result;
-  result.sql = renderCore(core, naming);
+  RowOrdering ordering;
+  result.sql = renderCore(core, naming, &ordering);
+  if (!core.orderKeys.empty() && !core.distinct && !core.scope->grouped && !core.top) {
+    ordering.keys = std::move(core.orderKeys);
+    result.ordering = std::move(ordering);
+  }
   result.columns = std::move(core.columns);
   result.outerReferences = std::move(core.scope->outerReferences);
   result.oneRowAtMost = core.oneRowAtMost;

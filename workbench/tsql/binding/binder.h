@@ -26,11 +26,26 @@ struct OutputColumn {
   Place place;
 };
 
+// How the rows of a query are ordered that are rows of its tables: neither grouped nor distinct nor the first so many.
+struct RowOrdering {
+  struct Key {
+    std::string sql;  // an expression, or the number of an output column
+    bool descending = false;
+    std::optional<std::size_t> output = {};  // the output column, where it is one
+  };
+  std::vector<Key> keys;
+  // Where in the text the select list ends, where From ends, and where " ORDER BY" stands, up to the end.
+  std::size_t itemsEnd = 0;
+  std::size_t fromEnd = 0;
+  std::size_t orderBegin = 0;
+};
+
 struct BoundQuery {
   std::string sql;
   std::vector<OutputColumn> columns;
   std::vector<BareColumn> outerReferences;
   bool oneRowAtMost = false;
+  std::optional<RowOrdering> ordering = {};  // nothing: no order, or rows of another kind
 };
 
 // A table or derived table of a From clause.
@@ -96,9 +111,10 @@ class Binder {
   Core bindCore(const SelectCore& core, Scope* outer);
   void bindItems(const SelectCore& select, Core& core);
   void expandStar(const SelectItem& item, Core& core);
-  std::string renderCore(const Core& core, Naming naming) const;
+  // `ordering`, which may be null, gets where the parts of the text end.
+  std::string renderCore(const Core& core, Naming naming, RowOrdering* ordering = nullptr) const;
   void bindOrder(const std::vector<OrderItem>& items, Core& core);
-  std::string orderKey(const Expression& item, Core& core);
+  RowOrdering::Key orderKey(const Expression& item, Core& core);
   BoundQuery simpleQuery(const Query& query, Scope* outer, Naming naming, const std::vector<Target>* targets);
   BoundQuery setQuery(const Query& query, Scope* outer, Naming naming, const std::vector<Target>* targets);
   SetOperand bindOperand(const Query& query, Scope* outer);

@@ -132,9 +132,9 @@ class EmbeddedConnection : public Connection {
 
   std::vector<std::string> tables(std::string_view database) override { return catalog_.tables(database); }
 
-  std::vector<std::int64_t> orderedRows(std::string_view table, std::string_view where,
-                                        std::string_view order) override {
-    return executor_.orderedRows(table, where, order);
+  std::vector<std::int64_t> orderedRows(std::string_view table, std::string_view where, std::string_view order,
+                                        std::optional<std::int64_t> limit) override {
+    return executor_.orderedRows(table, where, order, limit);
   }
   std::unique_ptr<Cursor> rowsAt(std::string_view table, std::string_view list,
                                  std::vector<std::int64_t> rows) override {

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -73,8 +74,13 @@ class Connection : public Database {
 
   // The rows of a table that meet `where`, a T-SQL condition, in the order of `order`, a T-SQL list of its columns: numbers
   // by which rowsAt() finds them, until the table changes. So a long result is ordered once and then read page by page.
-  virtual std::vector<std::int64_t> orderedRows(std::string_view table, std::string_view where,
-                                                std::string_view order) = 0;
+  // With `limit`, which is at least 1, only the beginning of that order: at most so many rows, and at least one if there
+  // is one. It ends where the next rows would have to be compared with many others.
+  virtual std::vector<std::int64_t> orderedRows(std::string_view table, std::string_view where, std::string_view order,
+                                                std::optional<std::int64_t> limit) = 0;
+  std::vector<std::int64_t> orderedRows(std::string_view table, std::string_view where, std::string_view order) {
+    return orderedRows(table, where, order, std::nullopt);
+  }
   // Of these rows, in the order given, the values of `list`, a T-SQL select list. One that is gone is left out.
   virtual std::unique_ptr<Cursor> rowsAt(std::string_view table, std::string_view list,
                                          std::vector<std::int64_t> rows) = 0;

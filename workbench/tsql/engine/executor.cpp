@@ -10,6 +10,7 @@
 #include "workbench/tsql/engine/modification.h"
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/engine/wide_order.h"
 #include "workbench/tsql/syntax/parser.h"
 #include "workbench/tsql/values/stop.h"
 
@@ -43,7 +44,7 @@ class SelectCursor : public Cursor {
     first_ = false;
     if (!hasRow_) return false;
     for (std::size_t i = 0; i < row_.size(); ++i)
-      row_[i] = columnValue(statement_.handle(), static_cast<int>(i), columns_[i].type);
+      readColumn(statement_.handle(), static_cast<int>(i), columns_[i].type, row_[i]);
     return true;
   }
 
@@ -106,7 +107,7 @@ class NumberedRows : public Cursor {
       statement_.bind(1, rows_[position_++]);
       if (!statement_.step()) continue;
       for (std::size_t i = 0; i < row_.size(); ++i)
-        row_[i] = columnValue(statement_.handle(), static_cast<int>(i), columns_[i].type);
+        readColumn(statement_.handle(), static_cast<int>(i), columns_[i].type, row_[i]);
       return true;
     }
     return false;
@@ -183,7 +184,7 @@ std::unique_ptr<Cursor> Executor::query(std::string_view batch) {
   for (const StatementPtr& statement : statements) {
     const bool isLast = &statement == &statements.back();
     if (isLast && !kept->has() && statement->kind == StatementKind::select && intoOf(*statement->query) == nullptr) {
-      return open(*statement);
+      return rowsOf(*statement);
     }
     execute(*statement, batch, *kept);
   }
@@ -194,6 +195,15 @@ std::unique_ptr<Cursor> Executor::open(const Statement& statement) {
   return withWideningSums([&](bool exactSums) {
     Binder binder(catalog_, exactSums);
     return std::make_unique<SelectCursor>(database_, binder.query(*statement.query));
+  });
+}
+
+std::unique_ptr<Cursor> Executor::rowsOf(const Statement& statement) {
+  return withWideningSums([&](bool exactSums) -> std::unique_ptr<Cursor> {
+    Binder binder(catalog_, exactSums);
+    const BoundQuery bound = binder.query(*statement.query);
+    if (isWidelyOrdered(bound)) return widelyOrderedRows(database_, bound, resultColumns(bound.columns));
+    return std::make_unique<SelectCursor>(database_, bound);
   });
 }
 
@@ -505,8 +515,8 @@ std::vector<Column> Executor::describe(std::string_view name) {
   return resultColumns(binder.query(*parseBatch(view->definition).at(0)->query, nullptr, Naming::columns).columns);
 }
 
-std::vector<std::int64_t> Executor::orderedRows(std::string_view table, std::string_view where,
-                                                std::string_view order) {
+std::vector<std::int64_t> Executor::orderedRows(std::string_view table, std::string_view where, std::string_view order,
+                                                std::optional<std::int64_t> limit) {
   std::string text = "Select 1 From ";
   text.append(table).append(" ").append(numberedName).append(" Where ").append(where);
   text.append(" Order By ").append(order);
@@ -514,13 +524,7 @@ std::vector<std::int64_t> Executor::orderedRows(std::string_view table, std::str
   catalog_.refresh();
   Binder binder(catalog_, false);
   const std::string number = quoteName(numberedName) + '.' + binder.table(parseObjectName(table))->rowid();
-  BoundQuery bound = binder.query(*statements.at(0)->query);
-  constexpr std::string_view one = "SELECT 1";
-  bound.sql.replace(0, one.size(), "SELECT " + number);
-  std::vector<std::int64_t> rows;
-  for (Prepared statement(database_, bound.sql); statement.step();)
-    rows.push_back(statement.integer(0));
-  return rows;
+  return orderedNumbers(database_, binder.query(*statements.at(0)->query), number, limit);
 }
 
 std::unique_ptr<Cursor> Executor::rowsAt(std::string_view table, std::string_view list,

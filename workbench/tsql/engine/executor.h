@@ -25,7 +25,8 @@ class Executor {
   std::int64_t run(std::string_view batch, ResultSink& sink);
   std::unique_ptr<Cursor> query(std::string_view batch);
   std::vector<Column> describe(std::string_view table);
-  std::vector<std::int64_t> orderedRows(std::string_view table, std::string_view where, std::string_view order);
+  std::vector<std::int64_t> orderedRows(std::string_view table, std::string_view where, std::string_view order,
+                                        std::optional<std::int64_t> limit);
   std::unique_ptr<Cursor> rowsAt(std::string_view table, std::string_view list, std::vector<std::int64_t> rows);
   std::string translate(std::string_view statement);
   void observe(std::function<void(const StatementReport&)> observer) { observer_ = std::move(observer); }
@@ -49,6 +50,8 @@ class Executor {
   bool takesIdentity(const ObjectName& table) const;
   std::string modification(const Statement& statement, bool exactSums);
   std::unique_ptr<Cursor> open(const Statement& statement);
+  // The same for who reads them one by one.
+  std::unique_ptr<Cursor> rowsOf(const Statement& statement);
 
   sqlite3* database_;
   Catalog& catalog_;

@@ -797,6 +797,20 @@ Value columnValue(sqlite3_stmt* statement, int column, const Type& type) {
   return valueOf(sqlite3_column_value(statement, column), type);
 }
 
+void readColumn(sqlite3_stmt* statement, int column, const Type& type, Value& value) {
+  sqlite3_value* const read = sqlite3_column_value(statement, column);
+  const bool text = type.kind == Kind::nVarChar || type.kind == Kind::varChar;
+  if (sqlite3_value_type(read) == SQLITE_NULL) {
+    value.emplace<std::monostate>();
+  } else if (!text) {
+    value = valueOf(read, type);
+  } else if (auto* const known = std::get_if<std::string>(&value)) {
+    known->assign(textOf(read));
+  } else {
+    value.emplace<std::string>(textOf(read));
+  }
+}
+
 int bindValue(sqlite3_stmt* statement, int index, const Value& value) {
   struct Binder {
     sqlite3_stmt* statement;

@@ -90,6 +90,8 @@ void reportError(sqlite3_context* context, const SqlError& error);
 // Between rows of SQLite and values. The type says what the storage means.
 Value valueOf(sqlite3_value* value, const Type& type);
 Value columnValue(sqlite3_stmt* statement, int column, const Type& type);
+// The same into `value`, whose memory for a text is used again.
+void readColumn(sqlite3_stmt* statement, int column, const Type& type, Value& value);
 int bindValue(sqlite3_stmt* statement, int index, const Value& value);  // SQLite's result code
 
 }  // namespace quillon::tsql
