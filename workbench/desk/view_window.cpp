@@ -155,15 +155,13 @@ tsql::Connection* ViewWindow::accountFile() const {
 
 void ViewWindow::readFirstPage() {
   const TableRows& rows = *view_.tableRows;
-  const auto cursor =
-      reader_->connection().query("Select Top " + std::to_string(firstPageRows) + " " + rows.list + " From " +
-                                  rows.table + " Where " + rows.where + " Order By " + rows.order);
-  firstPage_ = read(*cursor);
+  firstPage_ = read(*accountFile()->rowsAt(
+      rows.table, rows.list, accountFile()->orderedRows(rows.table, rows.where, rows.order, firstPageRows)));
 }
 
 void ViewWindow::orderRows() {
   const TableRows& rows = *view_.tableRows;
-  if (view_.lineCount <= firstPageRows) {
+  if (view_.lineCount <= std::ssize(firstPage_)) {
     reader_.reset();
   } else {
     order_ = accountFile()->orderedRows(rows.table, rows.where, rows.order);
