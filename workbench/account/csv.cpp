@@ -1,5 +1,7 @@
 #include "workbench/account/csv.h"
 
+#include <algorithm>
+
 #include "workbench/messages/account.h"
 
 namespace quillon::account {
@@ -105,8 +107,9 @@ bool CsvReader::endOfField(std::optional<char> mark) {
 }
 
 void appendCsvText(std::string& line, std::string_view text, EmptyText empty) {
-  const bool quotes =
-      text.empty() ? empty == EmptyText::quoted : text.find_first_of(",\"\r\n") != std::string_view::npos;
+  // One look at each character: texts are short, and there are many.
+  const auto needsQuotes = [](char c) { return c == ',' || c == '"' || c == '\r' || c == '\n'; };
+  const bool quotes = text.empty() ? empty == EmptyText::quoted : std::ranges::any_of(text, needsQuotes);
   if (!quotes) {
     line += text;
     return;

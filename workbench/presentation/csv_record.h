@@ -6,8 +6,18 @@
 #include <string>
 
 #include "workbench/account/csv.h"
+#include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
+
+// Appends a value as a field: with quotes only where a text needs them.
+inline void appendCsvValue(std::string& record, const tsql::Value& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) {
+    account::appendCsvText(record, *text, account::EmptyText::bare);
+  } else {
+    appendPlainText(record, value);
+  }
+}
 
 // Writes `count` fields; `textOf` gives the text of each. Null and an empty text are both nothing: the file goes to
 // spreadsheets, which do not tell them apart.

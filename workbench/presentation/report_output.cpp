@@ -4,6 +4,7 @@
 
 #include "frame/text.h"
 #include "workbench/presentation/csv_record.h"
+#include "workbench/presentation/output_buffer.h"
 #include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
@@ -27,10 +28,17 @@ void writeCsv(std::ostream& out, const ResultTable& table, std::span<const Repor
         std::ranges::find_if(known, [&](const auto& entry) { return equalIgnoringCase(entry.name, columns[i].name); });
     return style.captions && caption != known.end() ? caption->caption(language) : columns[i].name;
   });
+  OutputBuffer buffer(out);
   while (cursor->next()) {
     progress.row();
-    writeCsvRecord(out, columns.size(), [&cursor](std::size_t i) { return plainText(cursor->value(i), ""); });
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      if (i > 0) buffer.text() += ',';
+      appendCsvValue(buffer.text(), cursor->value(i));
+    }
+    buffer.text() += "\r\n";
+    buffer.endRow();
   }
+  buffer.flush();
 }
 
 void writeJson(std::ostream& out, const ReportDocument& document, const ResultTable& table,
@@ -58,16 +66,19 @@ void writeJson(std::ostream& out, const ReportDocument& document, const ResultTa
   }
   out << "},\n\"rows\":[";
   separator = "\n";
+  OutputBuffer buffer(out);
   while (cursor->next()) {
     progress.row();
-    out << separator << '[';
+    buffer.text().append(separator).append("[");
     for (std::size_t i = 0; i < columns.size(); ++i) {
-      if (i > 0) out << ',';
-      writeJsonValue(out, cursor->value(i));
+      if (i > 0) buffer.text() += ',';
+      appendJsonValue(buffer.text(), cursor->value(i));
     }
-    out << ']';
+    buffer.text() += ']';
+    buffer.endRow();
     separator = ",\n";
   }
+  buffer.flush();
   out << "\n]}\n";
 }
 

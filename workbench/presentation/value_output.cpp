@@ -1,19 +1,28 @@
 #include "workbench/presentation/value_output.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
 
 #include "workbench/presentation/text_cells.h"
+#include "workbench/tsql/values/datetime.h"
+#include "workbench/tsql/values/exact.h"
 
 namespace quillon::workbench {
 
 namespace {
 
-std::string shortestReal(double value) {
-  std::array<char, 32> text{};
-  const auto result = std::to_chars(text.data(), text.data() + text.size(), value);
-  return {text.data(), result.ptr};
+template <typename Number>
+void appendNumber(std::string& text, Number number) {
+  std::array<char, 32> digits{};
+  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+  text.append(digits.data(), result.ptr);
+}
+
+bool isPlain(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte >= 0x20 && byte < 0x80 && c != '"' && c != '\\';
 }
 
 // Adds one to the last digit of `digits`, which may grow by one digit at the front.
@@ -30,38 +39,57 @@ void increment(std::string& digits) {
 
 }  // namespace
 
-void writeJsonText(std::ostream& out, std::string_view text) {
-  out << '"';
+void appendJsonText(std::string& json, std::string_view text) {
+  json += '"';
   while (!text.empty()) {
+    const auto plain = static_cast<std::size_t>(std::ranges::find_if_not(text, isPlain) - text.begin());
+    json += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) break;
     const std::string_view before = text;
     const char32_t character = takeCharacter(text);
     if (character == '"' || character == '\\') {
-      out << '\\' << static_cast<char>(character);
+      json.append(1, '\\').append(1, static_cast<char>(character));
     } else if (character < 0x20 || (character >= 0xD800 && character <= 0xDFFF)) {
       std::array<char, 8> escape{};
       std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(character));
-      out << escape.data();
+      json += escape.data();
     } else if (character == 0xFFFD) {
-      out << "\xEF\xBF\xBD";
+      json += "\xEF\xBF\xBD";
     } else {
-      out << before.substr(0, before.size() - text.size());
+      json += before.substr(0, before.size() - text.size());
     }
   }
-  out << '"';
+  json += '"';
+}
+
+void appendJsonValue(std::string& json, const tsql::Value& value) {
+  if (tsql::isNull(value)) {
+    json += "null";
+  } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+    appendNumber(json, *integer);
+  } else if (const auto* real = std::get_if<double>(&value)) {
+    appendNumber(json, *real);
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    appendJsonText(json, *text);
+  } else {
+    json += '"';
+    if (const auto* exact = std::get_if<tsql::Exact>(&value)) tsql::appendText(json, *exact);
+    if (const auto* time = std::get_if<tsql::DateTime>(&value)) tsql::appendText(json, *time);
+    json += '"';
+  }
+}
+
+void writeJsonText(std::ostream& out, std::string_view text) {
+  std::string json;
+  appendJsonText(json, text);
+  out << json;
 }
 
 void writeJsonValue(std::ostream& out, const tsql::Value& value) {
-  if (tsql::isNull(value)) {
-    out << "null";
-  } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
-    out << *integer;
-  } else if (const auto* real = std::get_if<double>(&value)) {
-    out << shortestReal(*real);
-  } else if (const auto* text = std::get_if<std::string>(&value)) {
-    writeJsonText(out, *text);
-  } else {
-    out << '"' << tsql::toText(value).value() << '"';
-  }
+  std::string json;
+  appendJsonValue(json, value);
+  out << json;
 }
 
 void writeJsonColumns(std::ostream& out, std::span<const tsql::Column> columns) {
@@ -103,14 +131,26 @@ std::string groupedCount(std::int64_t number) {
   return groupedNumber(std::to_string(number), 0);
 }
 
-std::string plainText(const tsql::Value& value, std::string_view null) {
-  if (tsql::isNull(value)) return std::string(null);
-  if (const auto* real = std::get_if<double>(&value)) return shortestReal(*real);
-  std::string text = tsql::toText(value).value();
-  constexpr std::string_view midnight = " 00:00:00.000";
-  if (std::holds_alternative<tsql::DateTime>(value) && text.ends_with(midnight)) {
-    text.resize(text.size() - midnight.size());
+void appendPlainText(std::string& text, const tsql::Value& value) {
+  if (const auto* exact = std::get_if<tsql::Exact>(&value)) {
+    tsql::appendText(text, *exact);
+  } else if (const auto* known = std::get_if<std::string>(&value)) {
+    text += *known;
+  } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+    appendNumber(text, *integer);
+  } else if (const auto* real = std::get_if<double>(&value)) {
+    appendNumber(text, *real);
+  } else if (const auto* time = std::get_if<tsql::DateTime>(&value)) {
+    constexpr std::string_view midnight = " 00:00:00.000";
+    tsql::appendText(text, *time);
+    if (time->ticks % tsql::DateTime::ticksPerDay == 0) text.resize(text.size() - midnight.size());
   }
+}
+
+std::string plainText(const tsql::Value& value, std::string_view null) {
+  std::string text;
+  if (tsql::isNull(value)) text = null;
+  appendPlainText(text, value);
   return text;
 }
 

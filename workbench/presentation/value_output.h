@@ -15,10 +15,12 @@ namespace quillon::workbench {
 // UTF-8 become U+FFFD; everything else stands as it is. nlohmann's writer is no help here: it refuses an unpaired
 // surrogate, which an nvarchar may hold.
 void writeJsonText(std::ostream& out, std::string_view text);
+void appendJsonText(std::string& json, std::string_view text);
 
 // `value` as JSON: null, a number for int, bigint, bit and float, a text for everything else (exact numbers with all
 // their decimals, dates as "yyyy-mm-dd hh:mm:ss.fff").
 void writeJsonValue(std::ostream& out, const tsql::Value& value);
+void appendJsonValue(std::string& json, const tsql::Value& value);
 
 // [["name","type"],...]
 void writeJsonColumns(std::ostream& out, std::span<const tsql::Column> columns);
@@ -31,5 +33,7 @@ std::string groupedCount(std::int64_t number);
 
 // `value` for a reader: null is `null`, a date without time of day is the date alone, numbers have all their decimals.
 std::string plainText(const tsql::Value& value, std::string_view null);
+// The same behind `text`; null is nothing.
+void appendPlainText(std::string& text, const tsql::Value& value);
 
 }  // namespace quillon::workbench

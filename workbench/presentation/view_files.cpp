@@ -4,6 +4,8 @@
 #include <string_view>
 
 #include "workbench/account/csv.h"
+#include "workbench/presentation/csv_record.h"
+#include "workbench/presentation/output_buffer.h"
 #include "workbench/presentation/value_output.h"
 
 namespace quillon::workbench {
@@ -28,10 +30,10 @@ bool beginsFormula(std::string_view text) {
 
 class CsvRecords {
  public:
-  CsvRecords(std::ostream& out, bool rowKinds, bool guarded) : out_(out), rowKinds_(rowKinds), guarded_(guarded) {}
+  CsvRecords(std::ostream& out, bool rowKinds, bool guarded) : buffer_(out), rowKinds_(rowKinds), guarded_(guarded) {}
 
   void heading(const View& view, const CsvStyle& style, Language language) {
-    if (rowKinds_) record_ = "rowKind,level";
+    if (rowKinds_) buffer_.text() += "rowKind,level";
     for (const ViewColumn& column : view.columns) {
       const std::string name = style.captions ? fullCaption(column, language) : column.column.name;
       append(guarded_ && beginsFormula(name) ? "'" + name : name);  // of a cost item, say
@@ -39,42 +41,51 @@ class CsvRecords {
     end();
   }
   void row(const ViewRow& row) {
-    if (rowKinds_) record_ = std::string(rowKindName(row.kind)).append(",").append(std::to_string(row.level));
+    if (rowKinds_) buffer_.text().append(rowKindName(row.kind)).append(",").append(std::to_string(row.level));
     first_ = !rowKinds_;
     for (const tsql::Value& cell : row.cells) {
-      const std::string text = plainText(cell, "");
-      append(guarded_ && std::holds_alternative<std::string>(cell) && beginsFormula(text) ? "'" + text : text);
+      const auto* text = std::get_if<std::string>(&cell);
+      if (guarded_ && text != nullptr && beginsFormula(*text)) {
+        append("'" + *text);
+      } else {
+        separate();
+        appendCsvValue(buffer_.text(), cell);
+      }
     }
     end();
   }
+  void finish() { buffer_.flush(); }
 
  private:
-  void append(std::string_view text) {
-    if (!first_) record_ += ',';
+  void separate() {
+    if (!first_) buffer_.text() += ',';
     first_ = false;
-    account::appendCsvText(record_, text, account::EmptyText::bare);
+  }
+  void append(std::string_view text) {
+    separate();
+    account::appendCsvText(buffer_.text(), text, account::EmptyText::bare);
   }
   void end() {
-    out_ << record_ << "\r\n";
-    record_.clear();
+    buffer_.text() += "\r\n";
+    buffer_.endRow();
   }
 
-  std::ostream& out_;
+  OutputBuffer buffer_;
   bool rowKinds_;
   bool guarded_;
   bool first_ = !rowKinds_;
-  std::string record_;
 };
 
-void writeJsonRow(std::ostream& out, const ViewRow& row) {
-  out << "{\"kind\":\"" << rowKindName(row.kind) << "\",\"level\":" << row.level << ",\"cells\":[";
+void appendJsonRow(std::string& json, const ViewRow& row) {
+  json.append("{\"kind\":\"").append(rowKindName(row.kind)).append("\",\"level\":").append(std::to_string(row.level));
+  json.append(",\"cells\":[");
   const char* separator = "";
   for (const tsql::Value& cell : row.cells) {
-    out << separator;
-    writeJsonValue(out, cell);
+    json += separator;
+    appendJsonValue(json, cell);
     separator = ",";
   }
-  out << "]}";
+  json += "]}";
 }
 
 void writeJsonField(std::ostream& out, std::string_view name, std::string_view text) {
@@ -92,9 +103,11 @@ void writeCsv(std::ostream& out, const ReportDocument& heading, const ReportSect
   records.heading(view, style, heading.language);
   for (const auto rows = view.rows(); rows->next();)
     records.row(rows->row());
-  if (onlyLines) return;
-  for (const ViewRow& row : view.totals)
-    records.row(row);
+  if (!onlyLines) {
+    for (const ViewRow& row : view.totals)
+      records.row(row);
+  }
+  records.finish();
 }
 
 void writeJson(std::ostream& out, const ReportDocument& heading, const ReportSection& section) {
@@ -119,19 +132,22 @@ void writeJson(std::ostream& out, const ReportDocument& heading, const ReportSec
   }
   out << "],\n\"rows\":[";
   separator = "\n";
+  OutputBuffer buffer(out);
   for (const auto rows = view.rows(); rows->next();) {
-    out << separator;
-    writeJsonRow(out, rows->row());
+    buffer.text() += separator;
+    appendJsonRow(buffer.text(), rows->row());
+    buffer.endRow();
     separator = ",\n";
   }
-  out << "],\n\"totals\":[";
+  buffer.text() += "],\n\"totals\":[";
   separator = "\n";
   for (const ViewRow& row : view.totals) {
-    out << separator;
-    writeJsonRow(out, row);
+    buffer.text() += separator;
+    appendJsonRow(buffer.text(), row);
     separator = ",\n";
   }
-  out << "]}\n";
+  buffer.text() += "]}\n";
+  buffer.flush();
 }
 
 }  // namespace quillon::workbench

@@ -330,10 +330,32 @@ DateTextResult parseDateTime(std::string_view text, DateOrder order) {
   return DateTimeReader(text, order).read();
 }
 
-std::string toText(DateTime value) {
+void appendText(std::string& text, DateTime value) {
   const DateTimeParts parts = partsOf(value);
-  return print("%04d-%02d-%02d %02d:%02d:%02d.%03d", parts.year, parts.month, parts.day, parts.hour, parts.minute,
-               parts.second, milliseconds(parts));
+  if (parts.year < 0 || parts.year > lastYear) {  // what a damaged file may hold
+    text += print("%04d-%02d-%02d %02d:%02d:%02d.%03d", parts.year, parts.month, parts.day, parts.hour, parts.minute,
+                  parts.second, milliseconds(parts));
+    return;
+  }
+  // The number's digits from the one at `place` on, and what follows them.
+  const auto put = [&text](int number, int place, std::string_view behind) {
+    for (; place > 0; place /= 10)
+      text += static_cast<char>('0' + number / place % 10);
+    text += behind;
+  };
+  put(parts.year, 1000, "-");
+  put(parts.month, 10, "-");
+  put(parts.day, 10, " ");
+  put(parts.hour, 10, ":");
+  put(parts.minute, 10, ":");
+  put(parts.second, 10, ".");
+  put(milliseconds(parts), 100, "");
+}
+
+std::string toText(DateTime value) {
+  std::string text;
+  appendText(text, value);
+  return text;
 }
 
 std::optional<std::string> formatDateTime(DateTime value, int style) {

@@ -41,6 +41,7 @@ DateTextResult parseDateTime(std::string_view text, DateOrder order = DateOrder:
 
 // "2024-03-05 13:14:15.457"
 std::string toText(DateTime value);
+void appendText(std::string& text, DateTime value);
 // Convert's styles; 0 is "Mar  5 2024  1:14PM". nullopt for a style that is not known.
 std::optional<std::string> formatDateTime(DateTime value, int style);
 

@@ -298,24 +298,52 @@ Exact ceiling(const Exact& a, const Type& result) {
   return checked(scaleUp(whole, scaleOf(result)), result);
 }
 
-std::string toText(const Exact& value) {
+namespace {
+
+// The digits of a number beyond 64 bits.
+std::string manyDigits(Int128 magnitude) {
   std::string digits;
-  Int128 rest = magnitudeOf(value.units);
-  while (!rest.fitsInt64()) {
+  while (!magnitude.fitsInt64()) {
     const Int128 power = powerOfTen(18);
-    std::int64_t low = (rest % power).toInt64();
-    rest = rest / power;
+    std::int64_t low = (magnitude % power).toInt64();
+    magnitude = magnitude / power;
     for (int i = 0; i < 18; ++i, low /= 10)
       digits += static_cast<char>('0' + low % 10);
   }
-  for (std::int64_t low = rest.toInt64(); low != 0; low /= 10)
+  for (std::int64_t low = magnitude.toInt64(); low != 0; low /= 10)
     digits += static_cast<char>('0' + low % 10);
-  const auto scale = static_cast<std::size_t>(value.scale);
-  if (digits.size() <= scale) digits.append(scale + 1 - digits.size(), '0');
-  if (scale > 0) digits.insert(scale, 1, '.');
-  if (value.units.negative()) digits += '-';
   std::reverse(digits.begin(), digits.end());
   return digits;
+}
+
+void appendDecimal(std::string& text, std::string_view digits, std::size_t scale) {
+  if (digits.size() > scale) {
+    text += digits.substr(0, digits.size() - scale);
+    if (scale > 0) text.append(1, '.').append(digits.substr(digits.size() - scale));
+  } else {
+    text.append("0.").append(scale - digits.size(), '0').append(digits);
+  }
+}
+
+}  // namespace
+
+void appendText(std::string& text, const Exact& value) {
+  const auto scale = static_cast<std::size_t>(value.scale);
+  if (value.units.negative()) text += '-';
+  const Int128 magnitude = magnitudeOf(value.units);
+  if (!magnitude.fitsInt64()) {
+    appendDecimal(text, manyDigits(magnitude), scale);
+    return;
+  }
+  std::array<char, 24> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude.toInt64()).ptr;
+  appendDecimal(text, {digits.data(), static_cast<std::size_t>(end - digits.data())}, scale);
+}
+
+std::string toText(const Exact& value) {
+  std::string text;
+  appendText(text, value);
+  return text;
 }
 
 double toDouble(const Exact& value) {

@@ -43,6 +43,7 @@ Exact ceiling(const Exact& a, const Type& result);
 
 // "-0.0500"; with scale 0 no point.
 std::string toText(const Exact& value);
+void appendText(std::string& text, const Exact& value);
 double toDouble(const Exact& value);
 
 // Digits with an optional point and sign, no blanks ("-12.50", ".5", "7."): the number in as many decimals as it has.
