@@ -188,7 +188,8 @@ ViewRow totalRow(std::span<const ViewColumn> columns, std::span<const std::size_
   return row;
 }
 
-std::vector<ViewRow> totalsOf(const LayoutRequest& request, const View& view, const std::string& where) {
+// Gives `view` its totals and, from the same reading, how many lines there are.
+void addTotals(const LayoutRequest& request, View& view, const std::string& where) {
   const bool byState = rowsAreStates(request);
   std::vector<std::size_t> summed;
   std::string list;
@@ -199,26 +200,22 @@ std::vector<ViewRow> totalsOf(const LayoutRequest& request, const View& view, co
     summed.push_back(i);
     append(list, "Sum(IsNull(" + column.name + ", 0))");
   }
-  std::vector<ViewRow> totals;
-  if (summed.empty()) return totals;
-  std::string statement = "Select " + list;
-  if (byState) statement.append(", ").append(stateColumnName);
-  statement += " From " + request.table.name() + " Where " + where;
-  if (byState) {
-    const std::string state = std::string(stateNumberName).append(", ").append(stateColumnName);
-    statement += " Group By " + state + " Order By " + state;
+  if (summed.empty()) {
+    view.lineCount = request.table.rowCount(where);
+    return;
   }
+  append(list, "Count(*)");
+  if (byState) append(list, std::string(stateColumnName));
+  const std::string states =
+      byState ? std::string(stateNumberName).append(", ").append(stateColumnName) : std::string();
   const std::string word(totalCaption.in(request.language));
   const std::string between = request.language == Language::chinese ? "" : " ";
-  for (const auto cursor = request.table.query(statement); cursor->next();) {
-    std::vector<tsql::Value> sums;
-    for (std::size_t i = 0; i < summed.size(); ++i)
-      sums.push_back(cursor->value(i));
-    std::string caption = byState ? tsql::toText(cursor->value(summed.size())).value_or("") : "";
+  for (const std::vector<tsql::Value>& sums : request.table.sums(list, where, states)) {
+    view.lineCount += std::get<std::int64_t>(sums[summed.size()]);
+    std::string caption = byState ? tsql::toText(sums.back()).value_or("") : "";
     if (!caption.empty()) caption += between;
-    totals.push_back(totalRow(view.columns, summed, sums, caption.append(word)));
+    view.totals.push_back(totalRow(view.columns, summed, sums, caption.append(word)));
   }
-  return totals;
 }
 
 }  // namespace
@@ -239,8 +236,7 @@ View linesView(const LayoutRequest& request) {
     view.columns.push_back({.column = column, .key = key});
     append(list, column.name);
   }
-  view.lineCount = request.table.rowCount(where);
-  view.totals = totalsOf(request, view, where);
+  addTotals(request, view, where);
   const bool ledgerLines = request.ledgerLines && !request.report.ledgerLine.empty();
   if (ledgerLines) list.append(", ").append(request.report.ledgerLine).append(" As ledgerLine");
   view.tableRows = TableRows{.table = request.table.name(),

@@ -8,10 +8,44 @@ namespace quillon::workbench {
 
 namespace {
 
+// Null is neither.
 std::string filledTest(const ReportColumn& column) {
   if (column.role == ColumnRole::date) return column.name + " Is Not Null";
-  return "IsNull(" + column.name + (isNumber(column.role) ? ", 0) <> 0" : ", N'') <> N''");
+  return column.name + (isNumber(column.role) ? " <> 0" : " <> N''");
 }
+
+std::string flagOf(const ReportColumn& column) {
+  return "Case When " + filledTest(column) + " Then 1 Else 0 End";
+}
+
+// Of columns, those that are still empty.
+class EmptyColumns {
+ public:
+  explicit EmptyColumns(std::size_t count) : empty_(count, true), left_(count) {}
+
+  bool any() const { return left_ > 0; }
+  bool isEmpty(std::size_t column) const { return empty_[column]; }
+  std::vector<std::size_t> columns() const {
+    std::vector<std::size_t> columns;
+    for (std::size_t i = 0; i < empty_.size(); ++i) {
+      if (empty_[i]) columns.push_back(i);
+    }
+    return columns;
+  }
+  // One flag for each of `columns`: 1 for one that holds something.
+  void note(const tsql::Cursor& flags, std::span<const std::size_t> columns) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      const auto* flag = std::get_if<std::int64_t>(&flags.value(i));
+      if (flag == nullptr || *flag != 1) continue;
+      empty_[columns[i]] = false;
+      --left_;
+    }
+  }
+
+ private:
+  std::vector<bool> empty_;
+  std::size_t left_;
+};
 
 bool hasColumn(std::span<const tsql::Column> columns, std::string_view name) {
   return std::ranges::any_of(columns, [name](const auto& column) { return equalIgnoringCase(column.name, name); });
@@ -31,6 +65,13 @@ std::vector<ReportColumn> ResultFacts::filledColumns(const std::function<std::ve
   return *filledColumns_;
 }
 
+std::vector<std::vector<tsql::Value>> ResultFacts::sums(
+    const std::string& statement, const std::function<std::vector<std::vector<tsql::Value>>()>& find) {
+  const std::scoped_lock lock(mutex_);
+  const auto known = sums_.find(statement);
+  return known != sums_.end() ? known->second : sums_.emplace(statement, find()).first->second;
+}
+
 std::int64_t ResultTable::rowCount(const std::string& where) const {
   if (facts_ && where == everyRow) return facts_->rowCount([&] { return countRows(where); });
   return countRows(where);
@@ -38,8 +79,10 @@ std::int64_t ResultTable::rowCount(const std::string& where) const {
 
 std::vector<ReportColumn> ResultTable::filledColumns(std::span<const ReportColumn> known,
                                                      const std::string& where) const {
-  if (facts_ && where == everyRow) return facts_->filledColumns([&] { return findFilled(known, where); });
-  return findFilled(known, where);
+  if (!facts_) return findFilled(known, where);
+  std::vector<ReportColumn> filled = facts_->filledColumns([&] { return findFilled(known, everyRow); });
+  // What is empty in all rows is so in some of them.
+  return where == everyRow ? filled : findFilled(filled, where);
 }
 
 std::int64_t ResultTable::countRows(const std::string& where) const {
@@ -50,20 +93,50 @@ std::int64_t ResultTable::countRows(const std::string& where) const {
 std::vector<ReportColumn> ResultTable::findFilled(std::span<const ReportColumn> known, const std::string& where) const {
   const std::vector<tsql::Column> present = account_.describe(name_);
   std::vector<ReportColumn> candidates;
-  std::string list;
   for (const ReportColumn& column : known) {
-    if (column.role == ColumnRole::internal || !hasColumn(present, column.name)) continue;
-    candidates.push_back(column);
-    list += (list.empty() ? "" : ", ") + ("Max(Case When " + filledTest(column) + " Then 1 Else 0 End)");
+    if (column.role != ColumnRole::internal && hasColumn(present, column.name)) candidates.push_back(column);
   }
-  const auto cursor = account_.query("Select " + list + " From " + name_ + " Where " + where);
+  const std::string from = " From " + name_ + " Where (" + where + ")";
+  EmptyColumns empty(candidates.size());
+  // The first row that fills a column which none before it fills: a column that holds something mostly does so soon, and
+  // to find that the others are empty is one reading without a sum. Where columns are filled late, one by one, the sums
+  // end it.
+  constexpr int mostLooks = 12;
+  for (int look = 0; empty.any() && look <= mostLooks; ++look) {
+    const std::vector<std::size_t> columns = empty.columns();
+    std::string flags, anyFilled;
+    for (const std::size_t column : columns) {
+      const std::string flag = flagOf(candidates[column]);
+      flags.append(flags.empty() ? "" : ", ").append(look < mostLooks ? flag : "Max(" + flag + ")");
+      anyFilled.append(anyFilled.empty() ? "" : " Or ").append(filledTest(candidates[column]));
+    }
+    const bool last = look == mostLooks;
+    const auto cursor =
+        account_.query(last ? "Select " + flags + from : "Select Top 1 " + flags + from + " And (" + anyFilled + ")");
+    if (!cursor->next()) break;
+    empty.note(*cursor, columns);
+  }
   std::vector<ReportColumn> filled;
-  if (!cursor->next()) return filled;
   for (std::size_t i = 0; i < candidates.size(); ++i) {
-    const auto* flag = std::get_if<std::int64_t>(&cursor->value(i));
-    if (flag != nullptr && *flag == 1) filled.push_back(candidates[i]);
+    if (!empty.isEmpty(i)) filled.push_back(candidates[i]);
   }
   return filled;
+}
+
+std::vector<std::vector<tsql::Value>> ResultTable::sums(const std::string& list, const std::string& where,
+                                                        const std::string& groups) const {
+  const std::string statement = "Select " + list + " From " + name_ + " Where " + where +
+                                (groups.empty() ? "" : " Group By " + groups + " Order By " + groups);
+  const auto read = [&] {
+    std::vector<std::vector<tsql::Value>> rows;
+    for (const auto cursor = account_.query(statement); cursor->next();) {
+      rows.emplace_back();
+      for (std::size_t i = 0; i < cursor->columns().size(); ++i)
+        rows.back().push_back(cursor->value(i));
+    }
+    return rows;
+  };
+  return facts_ && where == everyRow ? facts_->sums(statement, read) : read();
 }
 
 std::unique_ptr<tsql::Cursor> ResultTable::rows(std::span<const ReportColumn> columns) const {

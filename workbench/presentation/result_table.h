@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -23,11 +24,15 @@ class ResultFacts {
  public:
   std::int64_t rowCount(const std::function<std::int64_t()>& count);
   std::vector<ReportColumn> filledColumns(const std::function<std::vector<ReportColumn>()>& find);
+  // The rows of a statement that sums, by its text.
+  std::vector<std::vector<tsql::Value>> sums(const std::string& statement,
+                                             const std::function<std::vector<std::vector<tsql::Value>>()>& find);
 
  private:
   std::mutex mutex_;
   std::optional<std::int64_t> rowCount_;
   std::optional<std::vector<ReportColumn>> filledColumns_;
+  std::map<std::string, std::vector<std::vector<tsql::Value>>> sums_;
 };
 
 // The condition that every row meets.
@@ -53,6 +58,11 @@ class ResultTable {
   // empty, a date, a number other than zero. Internal columns are left out.
   std::vector<ReportColumn> filledColumns(std::span<const ReportColumn> known,
                                           const std::string& where = everyRow) const;
+
+  // The rows of a select list of sums over the rows that meet a condition, for each of `groups`, a list of columns, in its
+  // order; of an empty one there is one row.
+  std::vector<std::vector<tsql::Value>> sums(const std::string& list, const std::string& where,
+                                             const std::string& groups = {}) const;
 
   // All rows in the table's order, then by every other column, so that the same report always comes in the same order.
   // `columns` are the table's names; empty means all of them.
