@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +13,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "frame/text.h"
 #include "workbench/account/account.h"
 #include "workbench/cli/run_notes.h"
 #include "workbench/desk/view_window.h"
@@ -32,27 +34,37 @@ long residentMemory() {
 
 template <typename Work>
 double timed(const char* what, Work work) {
+  const std::clock_t begun = std::clock();
   const auto start = Clock::now();
   work();
   const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-  std::printf("%-58s %8.3f s   %5ld MiB\n", what, seconds, residentMemory());
+  const double processor = static_cast<double>(std::clock() - begun) / CLOCKS_PER_SEC;
+  std::printf("%-58s %8.3f s %8.3f s processor   %5ld MiB\n", what, seconds, processor, residentMemory());
   std::fflush(stdout);
   return seconds;
 }
 
-// Copies of the report's rows, each with a text or a number in every column.
+constexpr std::int64_t ledgerLines = 20'000;
+
+// Copies of the report's rows, each with a text or a number in every column, and each of a ledger line of its own.
 void enlarge(const MadeReport& report, std::int64_t rows) {
   const std::string table = report.table().name();
-  std::string list;
+  std::string list, copies;
   for (const tsql::Column& column : report.table().columns()) {
     const bool text = column.type.kind == tsql::Kind::nVarChar || column.type.kind == tsql::Kind::varChar;
     const std::string otherwise = text ? "N'x'" : column.type.kind == tsql::Kind::dateTime ? "'2024-03-31'" : "1";
-    if (!list.empty()) list += ", ";
-    list.append("IsNull(").append(column.name).append(", ").append(otherwise).append(") As ").append(column.name);
+    const std::string separator = list.empty() ? "" : ", ";
+    const std::string value = "IsNull(" + column.name + ", " + otherwise + ")";
+    list += separator + column.name;
+    copies += separator + (equalIgnoringCase(column.name, "AutoID") ? value + " + LINES" : value);
   }
+  std::int64_t lines = ledgerLines;
   for (std::int64_t count = report.table().rowCount(); count < rows; count = report.table().rowCount()) {
-    std::string statement = "Insert Into " + table + " Select Top " + std::to_string(rows - count) + " ";
-    report.connection().execute(statement.append(list).append(" From ").append(table));
+    std::string values = copies;
+    values.replace(values.find("LINES"), 5, std::to_string(lines));
+    report.connection().execute("Insert Into " + table + " (" + list + ") Select Top " + std::to_string(rows - count) +
+                                " " + values + " From " + table);
+    lines *= 2;
   }
 }
 
@@ -110,7 +122,7 @@ class Measurement {
 int measure(std::int64_t rows) {
   const account::Scratch scratch;
   const std::filesystem::path file = scratch.file().parent_path() / "sample.account";
-  account::createSample(file, {.rows = 20'000});
+  account::createSample(file, {.rows = ledgerLines});
   RunNotes notes(std::cerr, Language::english);
   const auto report = makeReport({.report = "fx-wt", .account = AccountSource::inFile(file), .dialog = false}, notes);
   timed("making the result", [&] { enlarge(*report, rows); });
