@@ -6,7 +6,7 @@ cd "$(dirname "$0")"
 usage() {
   cat <<'HELP'
 ./test.sh                 natively and for Win32 under Wine: what to run while working
-./test.sh --all           adds the sanitizers, format and clang-tidy: what a change has to pass
+./test.sh --all           adds the sanitizers, the desk in a browser, format and clang-tidy: what a change has to pass
 ./test.sh PRESET...       these builds only: native, win32, asan
 HELP
 }
@@ -33,8 +33,8 @@ if $everything; then
     exit 2
   fi
   presets=(native win32 asan)
-  plan="native, Win32 under Wine, native with sanitizers; then format and clang-tidy"
-  takes="about 30 minutes on two cores the first time, 12 minutes once all is built"
+  plan="native, Win32 under Wine, native with sanitizers; then the desk in a browser, format and clang-tidy"
+  takes="about 35 minutes on two cores the first time, 15 minutes once all is built"
 elif [ "${#presets[@]}" -eq 0 ]; then
   presets=(native win32)
   plan="native, and Win32 under Wine"
@@ -83,6 +83,8 @@ for preset in "${presets[@]}"; do
 done
 
 if $everything; then
+  step "testing the desk in a browser"
+  tools/desk-tests.sh
   step "checking format and code"
   tools/check-code.sh
 fi

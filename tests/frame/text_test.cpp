@@ -12,6 +12,13 @@ TEST(Text, ComparesWithoutRegardToAsciiLetterCase) {
   EXPECT_TRUE(equalIgnoringCase("", ""));
   EXPECT_FALSE(equalIgnoringCase("cInvCode", "cInvCod"));
   EXPECT_FALSE(equalIgnoringCase("cFree1", "cFree2"));
+  EXPECT_TRUE(containsIgnoringCase("the warehouse must be given", "Warehouse"));
+  EXPECT_TRUE(containsIgnoringCase("仓库不能为空", "仓库"));
+  EXPECT_TRUE(containsIgnoringCase("batch", "BATCH"));
+  EXPECT_TRUE(containsIgnoringCase("", ""));
+  EXPECT_TRUE(containsIgnoringCase("batch", ""));
+  EXPECT_FALSE(containsIgnoringCase("warehous", "Warehouse"));
+  EXPECT_FALSE(containsIgnoringCase("", "Warehouse"));
   // The characters around the letters are not letters.
   EXPECT_FALSE(equalIgnoringCase("@[`{", "`{@["));
 }

@@ -98,7 +98,7 @@ const ledger = new URLSearchParams(process.env.DESK_LEDGER ?? 'cWhCode=01&cInvCo
 export const filterFor = (report) => (report === 'fx-detail' && !isDouble ? Object.fromEntries(ledger) : {});
 
 // Runs a report from its filter. What is refused for want of a code gets the first that its lookup offers.
-export async function runReport(page, report, filter = filterFor(report)) {
+export async function runReport(page, report, filter = filterFor(report), timeout = gridLimit) {
   await openFilter(page, report, filter);
   for (let attempt = 0; attempt < 4; attempt += 1) {
     await page.click('form .page-head button[type=submit]');
@@ -115,7 +115,7 @@ export async function runReport(page, report, filter = filterFor(report)) {
       await settled(page);
     }
   }
-  await waitForGrid(page);
+  await waitForGrid(page, timeout);
 }
 
 export async function waitForGrid(page, timeout = gridLimit) {
@@ -140,7 +140,7 @@ async function orSayWhatIsShown(page, act) {
 }
 
 // Does what changes the arrangement of the rows, and waits for the grid that shows it.
-export async function rearrange(page, act) {
+export async function rearrange(page, act, timeout = gridLimit) {
   await page.evaluate(() => {
     document.querySelector('regular-table').dataset.old = '1';
   });
@@ -149,10 +149,10 @@ export async function rearrange(page, act) {
     page.waitForFunction(
       () => document.querySelector('regular-table') && !document.querySelector('regular-table').dataset.old,
       null,
-      {timeout: gridLimit},
+      {timeout},
     ),
   );
-  await waitForGrid(page);
+  await waitForGrid(page, timeout);
 }
 
 // What is to be seen of the grid: columns in sight {index, name, sort}, rows {index, kind, cells: {column index:
