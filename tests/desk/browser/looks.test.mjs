@@ -44,6 +44,14 @@ for (const {lang, scheme, size} of [
           document.querySelector('main').scrollWidth > document.querySelector('main').clientWidth + 1,
       );
       assert.ok(!wide, `${name} is wider than the window`);
+      const hidden = await page.evaluate(() => {
+        const cut = [...document.querySelectorAll('.modal, .modal *')].filter(
+          (one) => /auto|scroll/.test(getComputedStyle(one).overflowX) && one.scrollWidth > one.clientWidth + 1,
+        );
+        const tab = document.querySelector('.run-tab [aria-current=page]')?.getBoundingClientRect();
+        return [...cut.map((one) => one.className), ...(tab && tab.right > innerWidth ? ['run-tab'] : [])];
+      });
+      assert.deepEqual(hidden, [], `${name}: what goes on beyond an edge`);
     };
     assert.equal(await page.getAttribute('html', 'lang'), lang === 'zh' ? 'zh-CN' : 'en');
     const dark = await page.evaluate(

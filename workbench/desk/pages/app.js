@@ -190,6 +190,8 @@ function drawRuns() {
       );
     }),
   );
+  const current = runsBar.querySelector('[aria-current=page]');
+  (current?.closest('span.run-tab') ?? current)?.scrollIntoView({block: 'nearest', inline: 'nearest'});
 }
 
 function showKeys() {
