@@ -3,7 +3,7 @@
 //   node tests/desk/browser/run.mjs --program PROGRAM [FILE...]     at another build
 //   node tests/desk/browser/run.mjs --double [FILE...]              at the test double
 //   DESK_LINK=http://127.0.0.1:.../open/... node ...run.mjs [FILE...]   at one that runs already, by the link it printed
-// Without files, all that the desk can play: the tests of double.test.mjs are for the double alone.
+// Without files, all that the desk can play: double.test.mjs is for the double alone, export.test.mjs for the server.
 import {spawn} from 'node:child_process';
 import {existsSync, readdirSync} from 'node:fs';
 import {availableParallelism} from 'node:os';
@@ -32,9 +32,12 @@ const lines = 20000;
 const manyLines = Number(process.env.DESK_MANY_LINES ?? 216000);
 const measures = 'large.test.mjs';
 const ofDouble = 'double.test.mjs';
+const ofServer = 'export.test.mjs'; // the double's files are made up
 
 const files = readdirSync(folder).filter((name) =>
-  given.length > 0 ? given.includes(name) : name.endsWith('.test.mjs') && (options.double || name !== ofDouble),
+  given.length > 0
+    ? given.includes(name)
+    : name.endsWith('.test.mjs') && name !== (options.double ? ofServer : ofDouble),
 );
 for (const name of given) {
   if (files.includes(name)) continue;
@@ -45,7 +48,8 @@ for (const name of given) {
 const served = isServed ? new ServedDesks(options.program) : null;
 const tests = new Set();
 process.on('exit', () => {
-  for (const child of tests) child.kill('SIGKILL');
+  // All of a group, so that the browser goes, too.
+  for (const child of tests) process.kill(-child.pid, 'SIGTERM');
   served?.close();
 });
 for (const [signal, number] of [
@@ -83,7 +87,8 @@ async function run(name) {
     const desk = await deskFor(name);
     const child = spawn(process.execPath, ['--test', '--test-reporter=spec', folder + name], {
       stdio: ['ignore', 'pipe', 'pipe'],
-      env: {...process.env, DESK_DOUBLE: '0', ...desk.environment},
+      detached: true,
+      env: {...process.env, ...(served ? {TMPDIR: served.folder} : {}), DESK_DOUBLE: '0', ...desk.environment},
     });
     tests.add(child);
     child.stdout.on('data', (text) => (said += text));

@@ -92,6 +92,6 @@ export class ServedDesks {
   // Without waiting: on the way out of the program.
   close() {
     for (const child of this.running) child.kill('SIGKILL');
-    rmSync(this.folder, {recursive: true, force: true});
+    rmSync(this.folder, {recursive: true, force: true, maxRetries: 20, retryDelay: 100}); // a browser may be on its way out
   }
 }
