@@ -44,6 +44,8 @@ std::string& RequestReader::body() {
 }
 
 RequestReader::State RequestReader::take(std::string& buffer) {
+  // Nobody lets such a body in, and the parser of chunks does not bear every way in which their bytes can come.
+  if (headSaid_ && parser_->chunked()) return State::malformed;
   parser_->eager(headSaid_);
   while (!parser_->is_done() && !buffer.empty()) {
     boost::system::error_code error;

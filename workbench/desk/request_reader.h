@@ -18,8 +18,8 @@ class RequestReader {
     needsMore,  // of the bytes that follow
     headRead,   // said once: head() is there, and take() goes on with the body
     complete,   // body() is there, too; what is left in the buffer is the next request's
-    malformed,  // this is no request, or its framing is not clear: nothing behind it can be read
-    tooLarge,   // the head goes over the limit
+    malformed,  // this is no request, its framing is not clear, or its body comes in chunks: nothing behind it can be read
+    tooLarge,  // the head goes over the limit
   };
 
   RequestReader();

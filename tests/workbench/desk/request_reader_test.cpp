@@ -35,6 +35,14 @@ TEST(RequestReader, ReadsARequestWithoutABody) {
   EXPECT_EQ(reader.body(), "");
 }
 
+TEST(RequestReader, ReadsNoBodyInChunks) {
+  std::string buffer = "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nab\r\n0\r\n\r\n";
+  RequestReader reader;
+  EXPECT_EQ(reader.take(buffer), State::headRead);
+  EXPECT_EQ(reader.take(buffer), State::malformed);
+  EXPECT_EQ(reader.body(), "");
+}
+
 TEST(RequestReader, WaitsForTheRest) {
   RequestReader reader;
   std::string buffer;
