@@ -12,7 +12,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-600}
 shift || true
 targets=("$@")
-[ "${#targets[@]}" -gt 0 ] || targets=(arguments csv filter lists request tsql)
+[ "${#targets[@]}" -gt 0 ] || targets=(api arguments csv filter lists request tsql)
 jobs=${QUILLON_FUZZ_JOBS:-$(nproc)}
 
 cmake --preset fuzz >build-fuzz.log 2>&1 || {

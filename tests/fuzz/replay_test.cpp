@@ -25,7 +25,7 @@ std::vector<Input> inputs() {
     void (*check)(std::string_view input);
   } targets[] = {
       {"arguments", checkArguments}, {"tsql", checkTsql},       {"filter", checkFilter}, {"csv", checkCsv},
-      {"lists", checkLists},         {"request", checkRequest},
+      {"lists", checkLists},         {"request", checkRequest}, {"api", checkApi},
   };
   std::vector<Input> found;
   for (const auto& target : targets) {

@@ -31,6 +31,9 @@ void checkLists(std::string_view input);
 
 // A request to the desk, in pieces: it is read to its end or refused, and who is let in is the desk's own page.
 void checkRequest(std::string_view input);
+// Requests to the desk's interface, one after the other: each has an answer in its form or a refusal that is the
+// requester's, and the account stays as it is.
+void checkApi(std::string_view input);
 
 // A call's arguments as automation clients pass them, in every form and in none that makes sense: the member gets them
 // in its own types, or the call ends with automation's code; what it changes goes back, and nothing else.
