@@ -1,7 +1,11 @@
 // A result of 700,000 rows and 100 columns on the desk: how long its first rows, a page far down and a sort take, and how
-// much memory the program has by then. By hand: it takes a few minutes and a gigabyte in the folder for temporary files.
+// much memory the program has by then. It takes a few minutes and a gigabyte in the folder for temporary files. The last
+// lines are for bench/run.sh (name, blank, value): seconds until the first rows, those of the view whose rows are all
+// shown and which took longest; until those of the view that shows some; and a sort, until a page in the middle, as a part
+// of the same query alone.
 //
 //   build/native/bin/desk_result [ROWS]
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -89,16 +93,25 @@ class Measurement {
       rows = window->rows(0, 200);
     });
     const std::int64_t count = description["lineCount"];
-    timed("  a page in the middle, which waits for the order", [&] { rows = window->rows(count / 2, 200); });
+    const double order =
+        timed("  a page in the middle, which waits for the order", [&] { rows = window->rows(count / 2, 200); });
     timed("  the page after it", [&] { rows = window->rows(count / 2 + 200, 200); });
     timed("  the last page", [&] { rows = window->rows(count - 200, 200); });
     std::printf("  %lld rows, %zu columns\n", static_cast<long long>(count), description["columns"].size());
-    alone(request, first);
+    const double query = alone(request, first);
+    double& slowest = request.arrangement.where.empty() ? firstRows_ : firstRowsOfSome_;
+    slowest = std::max(slowest, first);
+    if (!request.arrangement.sort.empty()) sort_ = std::max(sort_, (first + order) / query);
+  }
+
+  void figures() const {
+    std::printf("\nfirst_rows_seconds %.3f\nfirst_rows_of_some_seconds %.3f\nsort_ratio %.3f\n", firstRows_,
+                firstRowsOfSome_, sort_);
   }
 
  private:
   // The statement of the lines by itself, read to its end.
-  void alone(const desk::ViewRequest& request, double first) {
+  double alone(const desk::ViewRequest& request, double first) {
     const auto reader = report_.reader();
     const LaidOutReport laid = laidOut(*reader, request.language, request.options(), LayoutOutput::table);
     std::int64_t count = 0;
@@ -112,11 +125,13 @@ class Measurement {
     });
     std::printf("  its first row after %.3f s, its last after %.3f s; the desk's first rows took %.2f of the former\n",
                 untilFirst, query, first / untilFirst);
+    return query;
   }
 
   const MadeReport& report_;
   std::filesystem::path folder_;
   std::int64_t views_ = 0;
+  double firstRows_ = 0, firstRowsOfSome_ = 0, sort_ = 0;
 };
 
 int measure(std::int64_t rows) {
@@ -139,6 +154,7 @@ int measure(std::int64_t rows) {
   measurement.view("sorted by inventory name and date", request);
   request.arrangement.where = {{.column = "cInvCode", .kind = RowCondition::Kind::contains, .values = {"03"}}};
   measurement.view("sorted and filtered", request);
+  measurement.figures();
   return 0;
 }
 

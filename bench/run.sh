@@ -20,7 +20,7 @@ build() { # PRESET TARGET...
   cmake --preset "$1" >"$work/configure.log"
   cmake --build --preset "$1" --target "${@:2}" -- --quiet >"$work/build.log"
 }
-build native quillon report_bench program_bench filter_translation_bench
+build native quillon report_bench program_bench filter_translation_bench writers_bench desk_result
 build win32 Quillon library_load_bench
 
 for rows in "$small" "$large"; do
@@ -104,6 +104,27 @@ done
 record "rows" "$(awk 'END { print NR - 1 }' "$work/output.csv")"
 record "size of the CSV file, MiB" "$(quotient "$(stat -c %s "$work/output.csv")" 1048576)"
 rm -f "$work"/output.*
+
+title "from rows to people: receipts, issues and balance of $small lines"
+for run in 1 2 3 4 5; do
+  began=$EPOCHREALTIME
+  "${first[@]}" "$bin/quillon" report sfc-item --account "$work/$small.account" --set iYear=2023 --lang en \
+    --format csv -o "$work/rows.csv" --explain 2>"$work/explain.txt"
+  difference "$EPOCHREALTIME" "$began" | tr '\n' ' '
+  sed -n 's/^[0-9]* statements, \([0-9.]*\) ms .*/\1/p' "$work/explain.txt" # in the account
+done | awk '{ print $1 / $2 * 1000 }' | sort -n >"$work/whole.txt"
+row "whole program to CSV / its statements" "$(sed -n 3p "$work/whole.txt")" 1.3
+rm -f "$work/rows.csv"
+"${first[@]}" "$bin/writers_bench" "$work/$small.account" 2023 >"$work/writers.txt"
+row_least "CSV, MB a second" "$(figure writers csv_mb_s)" 100
+row_least "JSON, MB a second" "$(figure writers json_mb_s)" 100
+row_least "XLSX, MB of sheet a second" "$(figure writers xlsx_sheet_mb_s)" 15
+
+title "the desk: a result of 700000 rows and 130 columns"
+"${first[@]}" "$bin/desk_result" 700000 >"$work/desk.txt"
+row "first rows, in three orders, seconds" "$(figure desk first_rows_seconds)" 1
+row "answer to a sort / the same query alone" "$(figure desk sort_ratio)" 3
+record "first rows of those that meet a condition, seconds" "$(figure desk first_rows_of_some_seconds)"
 
 title "the programs"
 rm -f "$work/new.account"

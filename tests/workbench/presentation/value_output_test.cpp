@@ -28,6 +28,13 @@ TEST(JsonText, EscapesWhatItMust) {
   EXPECT_EQ(jsonText("成本 𠮷 é"), "\"成本 𠮷 é\"");
 }
 
+TEST(JsonText, TakesOverWhatNeedsNoEscape) {
+  EXPECT_EQ(jsonText(""), "\"\"");
+  EXPECT_EQ(jsonText("plain, {~}\x7f"), "\"plain, {~}\x7f\"");
+  EXPECT_EQ(jsonText("\"quoted\""), R"("\"quoted\"")");
+  EXPECT_EQ(jsonText("a成b\\"), R"("a成b\\")");
+}
+
 TEST(JsonText, KeepsUnpairedSurrogates) {
   EXPECT_EQ(jsonText("a\xED\xA0\x80z"), R"("a\ud800z")");
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/values/type_rules.h"
 
@@ -33,6 +35,15 @@ TEST(Exact, ReadsAndWritesText) {
   EXPECT_EQ(toText(number("+.5")), "0.5");
   EXPECT_EQ(toText(number("7.")), "7");
   EXPECT_EQ(toText(number("007")), "7");
+}
+
+TEST(Exact, IsAppendedWithAllItsDecimals) {
+  std::string text = "x";
+  appendText(text, {.units = 0, .scale = 4});
+  appendText(text, {.units = -5, .scale = 0});
+  appendText(text, {.units = Int128(std::numeric_limits<std::int64_t>::min()), .scale = 19});
+  appendText(text, {.units = Int128(1'000'000'000'000'000'000) * Int128(-1'000), .scale = 2});
+  EXPECT_EQ(text, "x0.0000-5-0.9223372036854775808-10000000000000000000.00");
 }
 
 TEST(Exact, RefusesWhatIsNoNumber) {
