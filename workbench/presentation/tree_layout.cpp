@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frame/text.h"
+#include "workbench/presentation/cost_item_classes.h"
 #include "workbench/presentation/exact_sum.h"
 #include "workbench/presentation/report_document.h"
 #include "workbench/presentation/row_conditions.h"
@@ -23,10 +24,7 @@ constexpr Caption nothingCaption{"（空）", "(none)"};
 constexpr std::string_view costItemColumn = "cFXCode";
 constexpr std::string_view classMode = "0";
 
-struct NodeKey {
-  std::string code;
-  std::string name;
-};
+using NodeKey = CostItemClass;
 
 struct Node {
   NodeKey key;
@@ -44,49 +42,6 @@ struct Node {
     }
     return *found;
   }
-};
-
-// Which classes stand above a cost item.
-class Classes {
- public:
-  explicit Classes(const ResultTable& table) {
-    const auto classes = table.query("Select cFxCCode, cFxCName, iGrade From Ca_FxClassDef Order By iGrade, cFxCCode");
-    while (classes->next()) {
-      classes_.push_back({text(*classes, 0), text(*classes, 1)});
-    }
-  }
-  // Called after the constructor, since one cursor at a time is open.
-  void readItems(const ResultTable& table) {
-    const auto items = table.query(
-        "Select item.cFxCode, class.cFxCCode From Ca_FxDef item inner join Ca_FxClassDef class on class.iFxCId = "
-        "item.cFxCID Order By item.iFxID Desc");
-    while (items->next())
-      classOfItem_[text(*items, 0)] = text(*items, 1);
-  }
-
-  // The classes above `code`, the outermost first: of a class (`isClass`) those that it lies in, of a cost item its own, too.
-  std::vector<NodeKey> above(const std::string& code, bool isClass) const {
-    std::string inner = code;
-    if (!isClass) {
-      const auto own = classOfItem_.find(code);
-      if (own == classOfItem_.end()) return {};
-      inner = own->second;
-    }
-    std::vector<NodeKey> path;
-    for (const NodeKey& each : classes_) {
-      const bool outer = inner.size() > each.code.size() && inner.starts_with(each.code);
-      if (!each.code.empty() && (outer || (!isClass && inner == each.code))) path.push_back(each);
-    }
-    return path;
-  }
-
- private:
-  static std::string text(const tsql::Cursor& cursor, std::size_t column) {
-    return tsql::toText(cursor.value(column)).value_or("");
-  }
-
-  std::vector<NodeKey> classes_;  // the outermost first
-  std::map<std::string, std::string> classOfItem_;
 };
 
 std::vector<TreeLevel> levelsOf(const LayoutRequest& request) {
@@ -136,11 +91,8 @@ class Tree {
     root_.sums.resize(states_.size() * 2);
     const bool nestsClasses = !levels_.empty() && equalIgnoringCase(levels_.front().code, costItemColumn) &&
                               request.arrangement.groupBy.empty();
-    std::optional<Classes> classes;
-    if (nestsClasses) {
-      classes.emplace(request.table);
-      classes->readItems(request.table);
-    }
+    std::optional<CostItemClasses> classes;
+    if (nestsClasses) classes.emplace(request.table);
     if (levels_.empty()) return;
     const std::string keys = keysOf(levels_);
     const auto cursor = request.table.query("Select " + keys + stateSums(states_) + " From " + request.table.name() +
@@ -169,7 +121,7 @@ class Tree {
   }
 
  private:
-  void put(const tsql::Cursor& cursor, const std::optional<Classes>& classes) {
+  void put(const tsql::Cursor& cursor, const std::optional<CostItemClasses>& classes) {
     std::vector<NodeKey> path;
     std::size_t column = 0;
     for (const TreeLevel& level : levels_) {
