@@ -19,6 +19,7 @@ enum class ColumnRole {
   movement,  // quantity of a row's state: shown, not summed, since states do not add up
   amount,    // money of a row's state, likewise
   unitCost,  // shown with the account's decimals of unit costs, not summed
+  share,     // a part of one, shown in per cent with two decimals, not summed
 };
 
 constexpr bool isNumber(ColumnRole role) {

@@ -26,6 +26,8 @@ std::string_view roleName(ColumnRole role) {
       return "money";
     case ColumnRole::unitCost:
       return "unitCost";
+    case ColumnRole::share:
+      return "share";
     default:
       return "text";
   }

@@ -131,6 +131,16 @@ std::string groupedCount(std::int64_t number) {
   return groupedNumber(std::to_string(number), 0);
 }
 
+std::string percentText(const tsql::Value& part) {
+  const auto* exact = std::get_if<tsql::Exact>(&part);
+  if (exact == nullptr) return {};
+  constexpr int percent = 2, decimals = 2;
+  // A scale below that of a hundredth would make the hundredfold.
+  const int scale = std::max(exact->scale, percent);
+  const tsql::Int128 units = exact->units * tsql::powerOfTen(scale - exact->scale);
+  return groupedNumber(tsql::toText(tsql::Exact{.units = units, .scale = scale - percent}), decimals) + "%";
+}
+
 void appendPlainText(std::string& text, const tsql::Value& value) {
   if (const auto* exact = std::get_if<tsql::Exact>(&value)) {
     tsql::appendText(text, *exact);

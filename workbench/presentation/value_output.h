@@ -31,6 +31,9 @@ std::string groupedNumber(std::string_view text, int decimals);
 // A count of rows or the like: "138,896".
 std::string groupedCount(std::int64_t number);
 
+// An exact part of one in per cent with two decimals, rounded half away from zero: 0.1234 is "12.34%". Empty for null.
+std::string percentText(const tsql::Value& part);
+
 // `value` for a reader: null is `null`, a date without time of day is the date alone, numbers have all their decimals.
 std::string plainText(const tsql::Value& value, std::string_view null);
 // The same behind `text`; null is nothing.

@@ -54,7 +54,8 @@ std::size_t levelIndex(int level) {
 }
 
 bool summable(const ViewColumn& column) {
-  return isNumber(column.column.role) && column.column.role != ColumnRole::unitCost;
+  const ColumnRole role = column.column.role;
+  return isNumber(role) && role != ColumnRole::unitCost && role != ColumnRole::share;
 }
 
 bool sameMeasure(const ViewColumn& one, const ViewColumn& two) {

@@ -37,6 +37,7 @@ namespace quillon::workbench {
 namespace {
 
 constexpr int moneyDecimals = 2;
+constexpr int shareDecimals = 4;  // of a part of one, which is shown in per cent with two fewer
 
 enum class Style {
   plain,
@@ -95,11 +96,16 @@ std::string cellString(std::string_view text) {
 
 int decimalsOf(const ReportDocument& document, ColumnRole role) {
   if (role == ColumnRole::unitCost) return document.unitCostDecimals;
+  if (role == ColumnRole::share) return shareDecimals;
   return isMoney(role) ? moneyDecimals : document.quantityDecimals;
 }
 
 std::string numberFormat(int decimals) {
   return decimals == 0 ? "#,##0" : "#,##0." + std::string(static_cast<std::size_t>(decimals), '0');
+}
+
+std::string numberFormat(const ReportDocument& document, ColumnRole role) {
+  return role == ColumnRole::share ? "0.00%" : numberFormat(decimalsOf(document, role));
 }
 
 // A number that is a text stands where numbers do.
@@ -359,7 +365,7 @@ void Sheet::value(const ReportDocument& document, ColumnRole role, const tsql::V
     date(*time, look);
   } else {
     if (isNumber(role)) {
-      look.numberFormat = numberFormat(decimalsOf(document, role));
+      look.numberFormat = numberFormat(document, role);
     } else {
       look.align = LXW_ALIGN_LEFT;  // a code or a month
     }
@@ -578,8 +584,7 @@ class SectionSheets {
       const tsql::Value& value = row.cells[i];
       if (row_ < rowsMeasured || isSetOff(row.kind)) measure(i, value, level);
       if (!formulas[i].empty()) {
-        sheet_->formula(formulas[i], cellNumber(value).value_or(0),
-                        {look.style, numberFormat(decimalsOf(document_, column.role))});
+        sheet_->formula(formulas[i], cellNumber(value).value_or(0), {look.style, numberFormat(document_, column.role)});
       } else if (i == 0 && heads_ && level > 0 && std::holds_alternative<std::string>(value)) {
         sheet_->value(document_, column.role, value, {.style = look.style, .indent = level});
       } else {

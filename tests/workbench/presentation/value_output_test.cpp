@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "workbench/tsql/values/exact.h"
+
 namespace quillon::workbench {
 namespace {
 
@@ -78,6 +80,16 @@ TEST(GroupedNumber, GroupsAndRoundsHalfAwayFromZero) {
   EXPECT_EQ(groupedNumber("1.5", 4), "1.5000");
   EXPECT_EQ(groupedNumber("99999999999999999999999999999999999999", 0),
             "99,999,999,999,999,999,999,999,999,999,999,999,999");
+}
+
+TEST(PercentText, RoundsHalvesAwayFromZero) {
+  const auto percent = [](const char* part) { return percentText(tsql::Value(tsql::parseExact(part).value())); };
+  EXPECT_EQ(percent("0.1234"), "12.34%");
+  EXPECT_EQ(percent("-0.12345"), "-12.35%");
+  EXPECT_EQ(percent("1"), "100.00%");
+  EXPECT_EQ(percent("12.5"), "1,250.00%");
+  EXPECT_EQ(percent("0.0000"), "0.00%");
+  EXPECT_EQ(percentText({}), "");
 }
 
 }  // namespace
