@@ -36,12 +36,21 @@ constexpr bool isSetOff(RowKind kind) {
   return kind != RowKind::line && kind != RowKind::detail;
 }
 
+// How the figures of a column follow from others of the same row; columns are given by name.
+struct RowFormula {
+  std::vector<std::string> sumOf = {};  // they are the sum of these, or
+  std::string dividend = {};            // one divided by another,
+  std::string divisor = {};
+  int decimals = 0;  // rounded half away from zero to so many
+};
+
 struct ViewColumn {
   ReportColumn column;  // name, captions and role; the name is the result table's or the layout's own
   // The heading that neighbouring columns share, such as 收入 above 数量, 单价 and 金额; empty for none.
   std::string groupChinese = {};
   std::string groupEnglish = {};
   bool key = false;  // says which row it is: stays in sight, comes first on each block of a page, and is never left out
+  std::optional<RowFormula> formula = {};
 
   const std::string& caption(Language language) const { return column.caption(language); }
   const std::string& group(Language language) const {

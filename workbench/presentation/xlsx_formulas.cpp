@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <map>
 #include <utility>
 
 namespace quillon::workbench {
@@ -98,6 +99,10 @@ std::string XlsxPlaces::cell(std::int64_t row, std::size_t column, std::int64_t 
   return sheet == home ? place : "'" + sheetName(sheet) + "'!" + place;
 }
 
+std::string XlsxPlaces::cellBelow(std::int64_t row, std::int64_t distance, std::size_t column) const {
+  return columnLetters(column) + std::to_string(firstRow_ + row % capacity_ + distance);
+}
+
 std::vector<std::string> XlsxPlaces::areas(std::int64_t first, std::int64_t last, std::size_t column,
                                            std::int64_t home) const {
   std::vector<std::string> result;
@@ -119,7 +124,77 @@ XlsxFormulas::XlsxFormulas(const View& view, const std::vector<int>& decimals, X
     }
     if (view_.columns[i].column.role == ColumnRole::text) texts_.push_back(i);
   }
+  findRowFormulas();
   start();
+}
+
+// A column whose formula names one that is not shown, because it holds nothing, goes without it.
+void XlsxFormulas::findRowFormulas() {
+  std::map<std::string_view, std::size_t> places;
+  for (std::size_t i = 0; i < view_.columns.size(); ++i)
+    places.emplace(view_.columns[i].column.name, i);
+  for (std::size_t i = 0; i < view_.columns.size(); ++i) {
+    if (!view_.columns[i].formula) continue;
+    const RowFormula& formula = *view_.columns[i].formula;
+    OfRow found{.column = i, .sumOf = {}, .quotient = {}, .decimals = formula.decimals};
+    for (const std::string& name : formula.sumOf) {
+      if (const auto place = places.find(name); place != places.end()) found.sumOf.push_back(place->second);
+    }
+    const auto dividend = places.find(formula.dividend), divisor = places.find(formula.divisor);
+    if (dividend != places.end() && divisor != places.end()) found.quotient = {dividend->second, divisor->second};
+    ofRow_.push_back(std::move(found));
+  }
+}
+
+// "SUM(C7:F7)", or the cells one by one where others stand between them.
+std::string XlsxFormulas::rowSum(const OfRow& formula, const ViewRow& row, std::int64_t above,
+                                 std::int64_t distance) const {
+  constexpr std::size_t mostArguments = 250;  // a spreadsheet takes 255
+  ExactSum exact;
+  double real = 0;
+  for (const std::size_t column : formula.sumOf) {
+    const tsql::Value& value = row.cells[column];
+    if (tsql::isNull(value)) continue;
+    const auto number = cellNumber(value);
+    if (!number) return {};
+    exact.add(value);
+    real += *number;
+  }
+  const auto number = cellNumber(row.cells[formula.column]);
+  const auto summed = std::ranges::find(summed_, formula.column);
+  if (!number || formula.sumOf.empty() || summed == summed_.end()) return {};
+  const Figure figure{row.cells[formula.column], *number};
+  if (!agrees(figure, exact, real, static_cast<std::size_t>(summed - summed_.begin()))) return {};
+  const std::size_t first = formula.sumOf.front(), last = formula.sumOf.back();
+  if (last - first + 1 == formula.sumOf.size())
+    return "SUM(" + places_.cellBelow(above, distance, first) + ":" + places_.cellBelow(above, distance, last) + ")";
+  if (formula.sumOf.size() > mostArguments) return {};
+  std::string text;
+  for (const std::size_t column : formula.sumOf)
+    text.append(text.empty() ? "SUM(" : ",").append(places_.cellBelow(above, distance, column));
+  return text + ")";
+}
+
+// Rounded as the figure is. Where the double of a quotient falls to the other side of a half, the figure stands alone.
+std::string XlsxFormulas::rowQuotient(const OfRow& formula, const ViewRow& row, std::int64_t above,
+                                      std::int64_t distance) const {
+  const auto number = cellNumber(row.cells[formula.column]);
+  const auto dividend = cellNumber(row.cells[formula.quotient->first]);
+  const auto divisor = cellNumber(row.cells[formula.quotient->second]);
+  if (!number || !dividend || !divisor || *divisor == 0) return {};
+  const double power = std::pow(10.0, formula.decimals);
+  constexpr double tolerance = 0.01;
+  if (std::abs(std::round(*dividend / *divisor * power) - *number * power) > tolerance) return {};
+  return "ROUND(" + places_.cellBelow(above, distance, formula.quotient->first) + "/" +
+         places_.cellBelow(above, distance, formula.quotient->second) + "," + std::to_string(formula.decimals) + ")";
+}
+
+void XlsxFormulas::rowFormulas(Row& formulas, const ViewRow& row, std::int64_t above, std::int64_t distance) const {
+  for (const OfRow& formula : ofRow_) {
+    std::string& text = formulas[formula.column];
+    if (!text.empty()) continue;
+    text = formula.quotient ? rowQuotient(formula, row, above, distance) : rowSum(formula, row, above, distance);
+  }
 }
 
 // What is there is known by standing under the third of three headings, as in 收入, 发出, 结存.
@@ -413,6 +488,7 @@ XlsxFormulas::Row XlsxFormulas::ofRow(const ViewRow& row) {
     monthEnded_ = false;
   }
   Row formulas = formulasOf(row, figures);
+  rowFormulas(formulas, row, row_, 0);
   if (reading_ && ends) closeGroups(row.level);
   noteMarks(row);
   if (reading_ && heads) {
@@ -520,6 +596,7 @@ XlsxFormulas::Row XlsxFormulas::ofTotal(const ViewRow& total) {
   // Each total follows the last row of the view, not the total above it.
   const std::vector<Balance> balances = balances_;
   Row formulas = formulasOf(total, figuresOf(total));
+  if (row_ > 0) rowFormulas(formulas, total, row_ - 1, ++totals_);
   balances_ = balances;
   return formulas;
 }

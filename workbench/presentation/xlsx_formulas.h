@@ -1,5 +1,6 @@
 // Which figures of a view a spreadsheet can compute from the rows beside them, and by which formula: totals, subtotals,
-// heads of groups, month and year totals of a ledger, running balances. A formula is given only where it comes to the
+// heads of groups, month and year totals of a ledger, running balances, and what a column says to follow from others of its
+// row. A formula is given only where it comes to the
 // very figure that the view has: its exact sum is compared, and a sum in doubles, as a spreadsheet makes it, must agree
 // to a hundredth of the last decimal shown. Where lines are left out or figures do not add up, the figure stands alone.
 #pragma once
@@ -36,6 +37,8 @@ class XlsxPlaces {
   std::int64_t sheetOf(std::int64_t row) const { return row / capacity_; }
   // "F7", for a formula on sheet number `home`: on another sheet with its name before it.
   std::string cell(std::int64_t row, std::size_t column, std::int64_t home) const;
+  // The cell `distance` rows below `row`, on the same sheet however many rows that has.
+  std::string cellBelow(std::int64_t row, std::int64_t distance, std::size_t column) const;
   // "F7:F9" and, when they reach over several sheets, one for each.
   std::vector<std::string> areas(std::int64_t first, std::int64_t last, std::size_t column, std::int64_t home) const;
 
@@ -58,7 +61,7 @@ class XlsxFormulas {
   void readGroups();
   // The formulas of the view's next row.
   Row ofRow(const ViewRow& row);
-  // Those of a total below the last row.
+  // Those of the view's totals below its last row, from the first on.
   Row ofTotal(const ViewRow& total);
 
  private:
@@ -107,8 +110,19 @@ class XlsxFormulas {
     ExactSum exact = {};
     double real = 0;
   };
+  // What a column says of itself (RowFormula), by places of columns.
+  struct OfRow {
+    std::size_t column;
+    std::vector<std::size_t> sumOf;
+    std::optional<std::pair<std::size_t, std::size_t>> quotient;
+    int decimals;
+  };
   void start();
   void findBalances();
+  void findRowFormulas();
+  void rowFormulas(Row& formulas, const ViewRow& row, std::int64_t above, std::int64_t distance) const;
+  std::string rowSum(const OfRow& formula, const ViewRow& row, std::int64_t above, std::int64_t distance) const;
+  std::string rowQuotient(const OfRow& formula, const ViewRow& row, std::int64_t above, std::int64_t distance) const;
   Row formulasOf(const ViewRow& row, const Figures& figures);
   void groupFormulas(Row& formulas, const Figures& figures);
   void balanceFormulas(Row& formulas, const ViewRow& row, const Figures& figures);
@@ -139,6 +153,8 @@ class XlsxFormulas {
   std::vector<double> tolerance_;    // of these, by which a sum in doubles may differ
   std::vector<std::size_t> texts_;   // the columns of texts
 
+  std::vector<OfRow> ofRow_;
+  std::int64_t totals_ = 0;  // written so far
   std::int64_t home_ = 0;    // the sheet that is written
   bool monthEnded_ = false;  // the totals of a month stand above
   std::int64_t row_ = 0;     // the next one

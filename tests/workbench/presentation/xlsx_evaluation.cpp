@@ -61,7 +61,7 @@ class Reader {
       if (sheet == nullptr) throw std::runtime_error("no sheet " + name);
     }
     const std::string column = upTo("0123456789");
-    const int first = std::stoi(upTo(":,)+-"));
+    const int first = std::stoi(upTo(":,)+-/"));
     int last = first;
     if (take(":")) {
       if (upTo("0123456789") != column) throw std::runtime_error("an area of several columns");
@@ -73,6 +73,8 @@ class Reader {
   double term() {
     if (take("SUBTOTAL(9,")) return subtotal();
     if (take("SUMIFS(")) return conditionalSum();
+    if (take("SUM(")) return sumOfRow();
+    if (take("ROUND(")) return roundedQuotient();
     const Area cell = area();
     const XlsxCell found = cell.sheet->cell(cell.column + std::to_string(cell.first));
     if (!found.text.empty()) throw std::runtime_error("a text is added");
@@ -90,6 +92,47 @@ class Reader {
     } while (take(","));
     need(")");
     return sum;
+  }
+
+  // Of cells of one row: "C7,E7", "C7:F7".
+  double sumOfRow() {
+    double sum = 0;
+    do {
+      const std::size_t first = columnNumber(upTo("0123456789"));
+      const std::string row = upTo(":,)");
+      std::size_t last = first;
+      if (take(":")) {
+        last = columnNumber(upTo("0123456789"));
+        if (upTo(",)") != row) throw std::runtime_error("an area of several rows");
+      }
+      for (const auto& [place, cell] : sheets_.at(home_).cells()) {
+        const std::size_t digits = place.find_first_of("0123456789");
+        const std::size_t column = columnNumber(place.substr(0, digits));
+        if (place.substr(digits) != row || column < first || column > last) continue;
+        if (!cell.text.empty()) throw std::runtime_error("a text is added");
+        sum += cell.number.value_or(0);
+      }
+    } while (take(","));
+    need(")");
+    return sum;
+  }
+
+  // Half away from zero.
+  double roundedQuotient() {
+    const double dividend = term();
+    need("/");
+    const double divisor = term();
+    need(",");
+    const double power = std::pow(10.0, std::stoi(upTo(")")));
+    need(")");
+    return std::round(dividend / divisor * power) / power;
+  }
+
+  static std::size_t columnNumber(const std::string& letters) {
+    std::size_t number = 0;
+    for (const char letter : letters)
+      number = number * 26 + static_cast<std::size_t>(letter - 'A') + 1;
+    return number;
   }
 
   double conditionalSum() {
