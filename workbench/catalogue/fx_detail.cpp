@@ -4,6 +4,7 @@
 
 #include "reports/fx_detail/fx_detail.h"
 #include "workbench/catalogue/registration_items.h"
+#include "workbench/platform/resource_texts.h"
 
 namespace quillon::workbench {
 
@@ -119,6 +120,35 @@ std::vector<ReportColumn> fxDetailColumns() {
   return all;
 }
 
+constexpr std::array<CodeAndName, 7> codeNames = {{{"cWhCode", "cWhName"},
+                                                   {"cVenCode", "cVenName"},
+                                                   {"cCusCode", "cCusName"},
+                                                   {"cItem_class", "cItemCName"},
+                                                   {"cItemCode", "cName"},
+                                                   {"cfxCCode", "cfxCName"},
+                                                   {"cfxCode", "cfxName"}}};
+
+// Balances do not add up, so a pivot is of the movements. Whether one is a receipt stands in the ledger alone.
+std::string movements(std::string_view table) {
+  return "(Select temp.*, line.bRdFlag As ledgerReceipt From " + std::string(table) +
+         " temp left join ia_subsidiary line on line.AutoID = temp.id Where temp.datatype = 1) movements";
+}
+
+// A row is a part of a line, or a line that is not broken down and has no more rows. A line that is gone from the ledger
+// counts as an issue, as in the ledger's layouts.
+std::vector<CrossState> movementStates() {
+  const auto of = [](std::string_view receipt, std::string_view part, std::string_view line) {
+    return "Case When " + std::string(receipt) +
+           " Then Case When cfxCode Is Null And iItemQuantity Is Null And iItemPrice Is Null Then " + orZero(line) +
+           " Else " + orZero(part) + " End Else 0 End";
+  };
+  constexpr std::string_view receipt = "IsNull(ledgerReceipt, 0) = 1", issue = "IsNull(ledgerReceipt, 0) = 0";
+  return {{receiptKey, of(receipt, "iItemQuantity", "iQuantity"), of(receipt, "iItemPrice", "iPrice")},
+          {issueKey, of(issue, "iItemQuantity", "iQuantity"), of(issue, "iItemPrice", "iPrice")}};
+}
+
+constexpr PivotSource pivotSource = {.rows = movements, .column = "datatype", .value = "1", .states = movementStates};
+
 // The keys by which the build joins, in its order.
 std::vector<account::JoinKey> fxDetailKeys() {
   return {{"ia_subsidiary", "AutoID"}, {"IA_Subsidiary_QC", "AutoID"}, {"Inventory", "cInvCode"},
@@ -145,6 +175,8 @@ Report fxDetail() {
           .lineOrder = orderByLedger,
           .lineKeys = {"RowNo"},
           .isLedger = true,
+          .codeNames = codeNames,
+          .pivotSource = &pivotSource,
           .joinKeys = fxDetailKeys(),
           .ledgerLine = "Case When datatype = 1 Then id End",
           .documentColumns = documentColumns,

@@ -182,6 +182,25 @@ std::vector<CrossState> fxWtStates(std::string_view) {
           {issueKey, partOrLine("iItemoutQuantity", "iAOutQuantity"), partOrLine("iItemOutPrice", "iAOutPrice")}};
 }
 
+constexpr std::array<CodeAndName, 15> codeNames = {{{"cWhCode", "cWhName"},
+                                                    {"cInvCode", "cInvName"},
+                                                    {"cfxcCode", "cfxcName"},
+                                                    {"cfxCode", "cfxName"},
+                                                    {"cAmoID", "cAmoName"},
+                                                    {"cRdCode", "cRdName"},
+                                                    {"cAccDep", "cDepName"},
+                                                    {"cDeptID", "costDepName"},
+                                                    {"cVCCode", "cVCName"},
+                                                    {"cVenCode", "cVenName"},
+                                                    {"cCCCode", "cCCName"},
+                                                    {"cCusCode", "cCusName"},
+                                                    {"cItem_Class", "cItem_Classname"},
+                                                    {"cItemCode", "cName"},
+                                                    {"cworkcentercode", "cworkcentername"}}};
+
+constexpr std::array<CodeNames, 3> codesNamedElsewhere = {
+    {{"cVouType", &voucherTypes}, {"cInvCCode", &inventoryClasses}, {"cProCode", &departments}}};
+
 // The keys by which the build joins, in its order.
 std::vector<account::JoinKey> fxWtKeys() {
   return {{"ia_subsidiary", "AutoID"},
@@ -223,6 +242,8 @@ Report fxWt() {
           .lineOrder = orderByDocument,
           .lineKeys = {"cVouCode", "cInvCode"},
           .crossStates = fxWtStates,
+          .codeNames = codeNames,
+          .codesNamedElsewhere = codesNamedElsewhere,
           .joinKeys = fxWtKeys(),
           .ledgerLine = "AutoID",
           .documentColumns = documentColumns,

@@ -1,5 +1,7 @@
 #include "workbench/catalogue/outsum_item.h"
 
+#include <array>
+
 #include "reports/outsum_item/outsum_item.h"
 #include "workbench/catalogue/registration_items.h"
 #include "workbench/platform/resource_texts.h"
@@ -198,6 +200,28 @@ std::vector<CrossState> outsumItemStates(std::string_view) {
   return {{issueKey, orZero("iQuantity"), orZero("iMoney")}};
 }
 
+constexpr std::array<CodeAndName, 18> codeNames = {{{"cWhCode", "cWhName"},
+                                                    {"cInvCode", "cInvName"},
+                                                    {"cFXCode", "cFXName"},
+                                                    {"cAmoCode", "cAmoName"},
+                                                    {"cInvPspCode", "cInvPspName"},
+                                                    {"RdCode", "RdName"},
+                                                    {"cCostCenter", "cCostCenterName"},
+                                                    {"cDepCode", "cDepName"},
+                                                    {"cWhDep", "cWhDepName"},
+                                                    {"cCusCCode", "cCusCName"},
+                                                    {"cCusCode", "cCusName"},
+                                                    {"cVenCode", "cVenName"},
+                                                    {"cItem_Class", "cItem_ClassName"},
+                                                    {"cItemCCode", "cItemCName"},
+                                                    {"cItemCode", "cItemName"},
+                                                    {"cOppHead", "cOppHeadName"},
+                                                    {"cperson", "cPersonName"},
+                                                    {"cMaker", "cMakerName"}}};
+
+constexpr std::array<CodeNames, 2> codesNamedElsewhere = {
+    {{"cInvCCode", &inventoryClasses}, {"cProCode", &departments}}};
+
 // The keys by which the build joins, in its order.
 std::vector<account::JoinKey> outsumItemKeys() {
   return {{"ia_subsidiary", "AutoID"},
@@ -240,6 +264,8 @@ Report outsumItem() {
       .lineKeys = {"cVouCode", "cInvCode"},
       .treeLevels = summaryTreeLevels,
       .crossStates = outsumItemStates,
+      .codeNames = codeNames,
+      .codesNamedElsewhere = codesNamedElsewhere,
       .joinKeys = outsumItemKeys(),
   };
 }

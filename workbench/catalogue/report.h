@@ -10,6 +10,7 @@
 #include "workbench/account/key_check.h"
 #include "workbench/catalogue/core_report.h"
 #include "workbench/catalogue/dialog_classes.h"
+#include "workbench/catalogue/pivot_source.h"
 #include "workbench/catalogue/report_columns.h"
 #include "workbench/catalogue/report_layout.h"
 #include "workbench/platform/filter_object.h"
@@ -45,6 +46,13 @@ struct Report {
   std::vector<CrossState> (*crossStates)(std::string_view mode) = nullptr;
   // The report is a ledger: its rows are lines and balances, which cannot be summed and have no cross view.
   bool isLedger = false;
+
+  // Columns that are the code and the name of one thing, and so one dimension of a pivot (report_dimensions.h).
+  std::span<const CodeAndName> codeNames = {};
+  // Columns of codes whose names stand elsewhere in the account.
+  std::span<const CodeNames> codesNamedElsewhere = {};
+  // The rows that a pivot sums, where these are not all.
+  const PivotSource* pivotSource = nullptr;
 
   // The keys by which it joins masters to ledger lines, in its order.
   std::vector<account::JoinKey> joinKeys;

@@ -19,6 +19,8 @@ struct CrossState {
   std::string_view nameKey;  // the resource key of its name
   std::string quantity;
   std::string money;
+  // The value of iState that the rows of this state have; empty where a row may belong to several states.
+  std::string stateNumber = {};
 };
 
 // `column` as such an expression: a null counts as zero.

@@ -175,7 +175,7 @@ std::vector<CrossState> sfcItemStates(std::string_view mode) {
     if (mode == "2") {
       result.push_back({state.nameKey, orZero(state.quantity), orZero(state.money)});
     } else {
-      result.push_back({state.nameKey, ofState("iQuantity"), ofState("iMoney")});
+      result.push_back({state.nameKey, ofState("iQuantity"), ofState("iMoney"), number});
     }
   }
   return result;
@@ -188,6 +188,12 @@ std::span<const std::string_view> wholeLineFigures(std::string_view mode) {
   if (mode == "2") return {};
   return figures;
 }
+
+constexpr std::array<CodeAndName, 5> codeNames = {{{"cWhCode", "cWhName"},
+                                                   {"cDepCode", "cDepName"},
+                                                   {"cInvCode", "cInvName"},
+                                                   {"cFXCode", "cFXName"},
+                                                   {"cAmoCode", "cAmoName"}}};
 
 // The keys by which the build joins, in its order.
 std::vector<account::JoinKey> sfcItemKeys() {
@@ -220,6 +226,7 @@ Report sfcItem() {
       .treeLevels = summaryTreeLevels,
       .notInLines = wholeLineFigures,
       .crossStates = sfcItemStates,
+      .codeNames = codeNames,
       .joinKeys = sfcItemKeys(),
   };
 }

@@ -25,13 +25,18 @@ constexpr std::array allLookups = {
     &years,
 };
 
-// The lookup as a derived table; empty when it has no entries.
-std::string rowsOf(const Lookup& lookup, Language language, Session& session) {
-  std::string sql = lookup.makeRows == nullptr ? std::string(lookup.rows) : lookup.makeRows(session);
+std::string inLanguage(std::string sql, Language language) {
   constexpr std::string_view place = "{language}";
   const std::string_view locale = language == Language::chinese ? "zh-CN" : "en-US";
   for (auto at = sql.find(place); at != std::string::npos; at = sql.find(place, at))
     sql.replace(at, place.size(), locale);
+  return sql;
+}
+
+// The lookup as a derived table; empty when it has no entries.
+std::string rowsOf(const Lookup& lookup, Language language, Session& session) {
+  const std::string sql =
+      inLanguage(lookup.makeRows == nullptr ? std::string(lookup.rows) : lookup.makeRows(session), language);
   return sql.empty() ? sql : "(" + sql + ") entry";
 }
 
@@ -185,6 +190,10 @@ const Lookup* lookupOfLedgerColumn(std::string_view column) {
   const auto* const found =
       std::ranges::find_if(columns, [column](const auto& known) { return equalIgnoringCase(known.first, column); });
   return found == std::end(columns) ? nullptr : found->second;
+}
+
+std::string entryRows(const Lookup& lookup, Language language) {
+  return inLanguage(std::string(lookup.rows), language);
 }
 
 LookupPage findEntries(const Lookup& lookup, const LookupQuery& query, Session& session) {

@@ -34,6 +34,9 @@ const Lookup* lookupOf(std::string_view kind);
 // Where the codes of a column of the ledger are looked up; nullptr for a column that holds none.
 const Lookup* lookupOfLedgerColumn(std::string_view column);
 
+// `lookup.rows` in a language.
+std::string entryRows(const Lookup& lookup, Language language);
+
 struct LookupRow {
   std::string code;
   std::string name;
