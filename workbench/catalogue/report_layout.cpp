@@ -12,12 +12,13 @@ struct NamedLayout {
   Caption caption;
 };
 
-constexpr std::array<NamedLayout, 6> layouts = {{{Layout::summary, "summary", {"按成本项目汇总", "By cost item"}},
+constexpr std::array<NamedLayout, 7> layouts = {{{Layout::summary, "summary", {"按成本项目汇总", "By cost item"}},
                                                  {Layout::tree, "tree", {"分级汇总", "Nested sums"}},
                                                  {Layout::lines, "lines", {"明细", "Rows"}},
                                                  {Layout::ledger, "ledger", {"明细账", "Ledger"}},
                                                  {Layout::columnar, "columnar", {"多栏账", "Columnar ledger"}},
-                                                 {Layout::vouchers, "vouchers", {"单据", "Documents"}}}};
+                                                 {Layout::vouchers, "vouchers", {"单据", "Documents"}},
+                                                 {Layout::pivot, "pivot", {"透视表", "Pivot table"}}}};
 
 const NamedLayout& entry(Layout layout) {
   return *std::ranges::find(layouts, layout, &NamedLayout::layout);

@@ -53,6 +53,7 @@ enum class Layout {
   ledger,    // receipts, issues and balance in columns, with month sums and a running balance
   columnar,  // one line a document, cost items across
   vouchers,  // documents with their lines and what these are made of
+  pivot,     // sums by what the reader puts down and across; asked for by its own option, no report lists it
 };
 
 // "ledger".

@@ -23,6 +23,7 @@
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/terminal.h"
 #include "workbench/cli/usage_message.h"
+#include "workbench/messages/pivot.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/html_page.h"
@@ -50,7 +51,7 @@ LayoutOptions layoutOptions(const ReportOptions& options) {
   if (!layout.limit && options.format == ReportFormat::html) layout.rowsOfPage = rowsOfAPage;
   if (layout.limit == 0) layout.limit.reset();  // as many as there are
   // Columns, order and conditions alone are of the rows.
-  if (!layout.layout && isForPrograms(options.format)) layout.layout = Layout::lines;
+  if (!layout.layout && !layout.pivot && isForPrograms(options.format)) layout.layout = Layout::lines;
   return layout;
 }
 
@@ -181,6 +182,9 @@ bool compareReports(const ReportOptions& options, const AccountSource& second, s
 }
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
+  if (options.layout.pivot && (options.layout.layout || !options.layout.arrangement.columns.empty() ||
+                               !options.layout.arrangement.groupBy.empty()))
+    throw UserError(messages::pivotAlone());
   checkLayout(reportNamed(options.report), options.layout);
   if (!options.outputFile.empty()) refuseToReplace(pathFromUtf8(options.outputFile), inputsOf(options));
   const auto progress = progressOn(notes, options);
@@ -265,6 +269,10 @@ void addReportCommand(CLI::App& app) {
   addLanguageOption(command, options->language);
   addDateOption(command, options->date);
   addLayoutOptions(command, options->layout);
+  const auto pivot = std::make_shared<std::string>();
+  CLI::Option& pivotOption = *command.add_option(
+      "--pivot", *pivot,
+      "Sums by what stands down and across: DOWN/ACROSS/FIGURES, by name or caption; 仓库/月份/金额");
   command.add_flag("--captions", options->captions, "Head the columns with captions instead of names (csv)");
   command.add_flag("--bom", options->bom, "Begin with a byte order mark, by which spreadsheets know UTF-8 (csv)");
   command.add_flag("--wide", options->wide, "Show all of a table on a terminal that is too narrow for it");
@@ -276,11 +284,12 @@ void addReportCommand(CLI::App& app) {
   const auto second = std::make_shared<AccountSource>();
   addAccountOption(command, "--compare", *second,
                    "Run the report on this account, too, and compare the rows; --limit says how many are shown")
-      .excludes(&format, &output, &keep);
-  command.callback([options, second, &format] {
+      .excludes(&format, &output, &keep, &pivotOption);
+  command.callback([options, second, &format, pivot] {
     if (format.empty()) options->format = formatOfFile(options->outputFile);
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())
       throw CLI::ValidationError("--format", usageText(messages::workbookNeedsFile()));
+    if (!pivot->empty()) options->layout.pivot = parsePivot(*pivot, options->layout.arrangement.sort);
     options->terminal = errorsGoToTerminal();
     options->outputIsFile = outputIsFile();
     options->screen = outputScreen();

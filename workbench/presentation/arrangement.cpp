@@ -10,13 +10,13 @@
 
 namespace quillon::workbench {
 
-namespace {
-
 std::string trimmed(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(' ');
   if (begin == std::string_view::npos) return {};
   return std::string(text.substr(begin, text.find_last_not_of(' ') - begin + 1));
 }
+
+namespace {
 
 std::vector<std::string> parts(std::string_view text, char separator) {
   std::vector<std::string> result;

@@ -4,6 +4,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "workbench/catalogue/report_columns.h"
@@ -42,6 +43,9 @@ struct Arrangement {
   std::vector<std::string> groupBy = {};
   std::vector<RowCondition> where = {};
 };
+
+// `text` without blanks at its ends.
+std::string trimmed(std::string_view text);
 
 // What of an arrangement is asked for.
 struct ArrangementParts {

@@ -28,12 +28,16 @@ void ExactSum::put(const tsql::Value& value, bool negative) {
   sum_ = negative ? tsql::subtract(sum_, number, type) : tsql::add(sum_, number, type);
 }
 
-tsql::Value unitCostOf(const ExactSum& amount, const ExactSum& quantity, int decimals) {
-  if (quantity.isZero()) return {};
+tsql::Value quotientOf(const ExactSum& dividend, const ExactSum& divisor, int decimals) {
+  if (divisor.isZero()) return {};
   // One decimal more than is kept: a quotient is cut, and what is cut off behind that digit cannot turn the rounding.
-  const tsql::Exact quotient = tsql::divide(amount.exact(), quantity.exact(), exactType(decimals + 1));
+  const tsql::Exact quotient = tsql::divide(dividend.exact(), divisor.exact(), exactType(decimals + 1));
   const auto units = tsql::rescale(quotient.units, decimals + 1, decimals, tsql::Rounding::halfAway);
   return tsql::Exact{.units = units.value(), .scale = decimals};
+}
+
+tsql::Value unitCostOf(const ExactSum& amount, const ExactSum& quantity, int decimals) {
+  return quotientOf(amount, quantity, decimals);
 }
 
 }  // namespace quillon::workbench

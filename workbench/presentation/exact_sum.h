@@ -24,6 +24,8 @@ class ExactSum {
   tsql::Exact sum_{.units = 0, .scale = 0};
 };
 
+// `dividend` by `divisor` with `decimals` decimals, rounded half away from zero; null when the divisor is zero.
+tsql::Value quotientOf(const ExactSum& dividend, const ExactSum& divisor, int decimals);
 // `amount` by `quantity` with `decimals` decimals, rounded half away from zero; null when the quantity is zero.
 tsql::Value unitCostOf(const ExactSum& amount, const ExactSum& quantity, int decimals);
 

@@ -6,6 +6,10 @@
 
 namespace quillon::workbench {
 
+bool hasColumn(std::span<const tsql::Column> columns, std::string_view name) {
+  return std::ranges::any_of(columns, [name](const auto& column) { return equalIgnoringCase(column.name, name); });
+}
+
 namespace {
 
 // Null is neither.
@@ -46,10 +50,6 @@ class EmptyColumns {
   std::vector<bool> empty_;
   std::size_t left_;
 };
-
-bool hasColumn(std::span<const tsql::Column> columns, std::string_view name) {
-  return std::ranges::any_of(columns, [name](const auto& column) { return equalIgnoringCase(column.name, name); });
-}
 
 }  // namespace
 

@@ -35,6 +35,9 @@ class ResultFacts {
   std::map<std::string, std::vector<std::vector<tsql::Value>>> sums_;
 };
 
+// Whether one of `columns` has the name, in whichever letter case.
+bool hasColumn(std::span<const tsql::Column> columns, std::string_view name);
+
 // The condition that every row meets.
 inline constexpr const char* everyRow = "1 = 1";
 

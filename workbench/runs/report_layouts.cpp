@@ -197,6 +197,16 @@ class Layouts {
     return section;
   }
 
+  // --- Pivots ---
+
+ public:
+  Pivot pivot(const PivotOptions& options) {
+    request_.arrangement = arrangement({.where = true}, columnsPresent(request_));
+    return {request_, options_.pivot.value(), options};
+  }
+  PivotChoices pivotChoices() const { return workbench::pivotChoices(request_); }
+
+ private:
   static constexpr ArrangementParts all{.columns = true, .sort = true, .groupBy = true, .where = true};
 
   void addOffered(ReportSection& section) {
@@ -233,6 +243,7 @@ class Layouts {
       case Layout::vouchers:
         return vouchersView(request_, heading_, forPrograms_ ? VouchersForm::keyedFields : VouchersForm::list);
       case Layout::lines:
+      case Layout::pivot:
         break;
     }
     return linesView(request_);
@@ -249,6 +260,12 @@ class Layouts {
 }  // namespace
 
 void checkLayout(const Report& report, const LayoutOptions& options) {
+  if (options.pivot) {
+    // What a mode does not have, or how deep classes lie, shows when the report was made.
+    constexpr std::string_view modeWithAll = "1";
+    constexpr int anyGrade = 9;
+    planPivot(report, modeWithAll, anyGrade, *options.pivot);
+  }
   if (!options.layout || std::ranges::find(report.layouts, *options.layout) != report.layouts.end()) return;
   std::vector<std::string> names;
   for (const Layout layout : report.layouts)
@@ -274,12 +291,34 @@ ReportDocument headingOf(const MadeReport& report, Language language, const std:
   return heading;
 }
 
+Pivot pivotOf(const MadeReport& report, Language language, const LayoutOptions& options, const PivotOptions& pivot) {
+  const ReportDocument heading;
+  return Layouts(report, language, options, heading, LayoutOutput::table).pivot(pivot);
+}
+
+PivotChoices pivotChoicesOf(const MadeReport& report, Language language) {
+  const ReportDocument heading;
+  return Layouts(report, language, {}, heading, LayoutOutput::table).pivotChoices();
+}
+
 LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutOptions& options, LayoutOutput output) {
   LaidOutReport laidOut;
   laidOut.heading = headingOf(report, language, options.company);
   for (const std::string& condition : options.arrangement.where)
     laidOut.heading.conditions.emplace_back(laidOut.heading.text(chosenCaption), condition);
   if (laidOut.heading.rowCount == 0) return laidOut;
+  if (options.pivot) {
+    const Pivot pivot = pivotOf(report, language, options,
+                                {.form = output == LayoutOutput::fields ? PivotForm::apart : PivotForm::joined,
+                                 .unitCostDecimals = laidOut.heading.unitCostDecimals});
+    for (const auto& line : pivot.heading())
+      laidOut.heading.conditions.push_back(line);
+    laidOut.sections.push_back({.layout = Layout::pivot,
+                                .view = pivot.view(),
+                                .grouped = options.pivot->rows.size() > 1,
+                                .limit = options.limit});
+    return laidOut;
+  }
   Layouts layouts(report, language, options, laidOut.heading, output);
   const std::vector<Layout>& offered = report.report().layouts;
   const Layout asked = options.layout.value_or(offered.front());

@@ -7,6 +7,7 @@
 
 #include "workbench/presentation/arrangement.h"
 #include "workbench/presentation/laid_out_report.h"
+#include "workbench/presentation/pivot.h"
 #include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {
@@ -18,8 +19,10 @@ struct LayoutOptions {
   std::optional<Layout> layout = {};  // nothing: the report's first
   ArrangementText arrangement = {};
   std::optional<Arrangement> arranged = {};  // the same from who does not write it as texts; then those do not count
-  bool allColumns = false;                   // also those that are shown when asked
-  std::optional<std::int64_t> limit = {};    // lines of a section; nothing: all
+  // A pivot in place of a layout. Of the arrangement its conditions count; the pivot has an order of its own.
+  std::optional<PivotArrangement> pivot = {};
+  bool allColumns = false;                 // also those that are shown when asked
+  std::optional<std::int64_t> limit = {};  // lines of a section; nothing: all
   // Rows of a section, what belongs to lines and heads them counted as well; for want of a limit. Nothing: all.
   std::optional<std::int64_t> rowsOfPage = {};
   std::string company = {};  // whose account it is; empty: the account's code
@@ -28,11 +31,16 @@ struct LayoutOptions {
   bool offers = false;       // sections say which columns may be named (ReportSection::offered)
 
   // Whether the rows of the result table are to be shown as they are.
-  bool asStored() const { return !layout && !limit && arrangement.empty() && !arranged; }
+  bool asStored() const { return !layout && !limit && arrangement.empty() && !arranged && !pivot; }
 };
 
-// Throws UserError when the report does not have the layout.
+// Throws UserError when the report does not have the layout, or what the pivot names.
 void checkLayout(const Report& report, const LayoutOptions& options);
+
+// The pivot of a report that was made, whose result table has rows. Throws as Pivot() and laidOut().
+Pivot pivotOf(const MadeReport& report, Language language, const LayoutOptions& options, const PivotOptions& pivot);
+// What it can be asked for.
+PivotChoices pivotChoicesOf(const MadeReport& report, Language language);
 
 // Its heading: title, conditions with the names of codes, decimals of the account.
 ReportDocument headingOf(const MadeReport& report, Language language, const std::string& company);
