@@ -20,7 +20,7 @@ build() { # PRESET TARGET...
   cmake --preset "$1" >"$work/configure.log"
   cmake --build --preset "$1" --target "${@:2}" -- --quiet >"$work/build.log"
 }
-build native quillon report_bench program_bench filter_translation_bench writers_bench desk_result
+build native quillon report_bench program_bench filter_translation_bench writers_bench desk_result pivot_bench
 build win32 Quillon library_load_bench
 
 for rows in "$small" "$large"; do
@@ -125,6 +125,13 @@ title "the desk: a result of 700000 rows and 130 columns"
 row "first rows, in three orders, seconds" "$(figure desk first_rows_seconds)" 1
 row "answer to a sort / the same query alone" "$(figure desk sort_ratio)" 3
 record "first rows of those that meet a condition, seconds" "$(figure desk first_rows_of_some_seconds)"
+
+title "pivots of a result of 700000 rows"
+"${first[@]}" "$bin/pivot_bench" >"$work/pivot.txt"
+row "cost items, seconds" "$(figure pivot one)" 3
+row "warehouses and cost items by months, seconds" "$(figure pivot three)" 3
+row "inventories and cost items by months with shares, seconds" "$(figure pivot many)" 3
+record "cells of the largest" "$(figure pivot many_cells)"
 
 title "the programs"
 rm -f "$work/new.account"
