@@ -135,7 +135,8 @@ std::vector<ReportDimension> dimensionsOf(const Report& report, std::string_view
 }
 
 std::vector<CrossState> pivotStates(const Report& report, std::string_view mode) {
-  return report.pivotSource != nullptr ? report.pivotSource->states() : report.crossStates(mode);
+  if (report.pivotSource != nullptr) return report.pivotSource->states();
+  return report.crossStates != nullptr ? report.crossStates(mode) : std::vector<CrossState>();
 }
 
 }  // namespace quillon::workbench

@@ -42,7 +42,7 @@ bool rowsAreStates(const Report& report, std::string_view mode);
 // state, where each row is one.
 std::vector<ReportDimension> dimensionsOf(const Report& report, std::string_view mode, int classGrades);
 
-// What a pivot of the report sums in a report mode.
+// What a pivot of the report sums in a report mode; nothing of a report that has neither a cross view nor a source.
 std::vector<CrossState> pivotStates(const Report& report, std::string_view mode);
 
 }  // namespace quillon::workbench

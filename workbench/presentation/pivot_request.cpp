@@ -156,9 +156,10 @@ class Planning {
   // Where there is but one state, its name may be said or not.
   std::vector<PivotMeasure> ofOnlyState(const std::string& written) const {
     const std::vector<CrossState> states = pivotStates(report_, mode_);
+    if (states.size() != 1) return {};
     for (const FigureNames& figure : figureNames) {
       const PivotMeasure whole = measureOf(figure, namesOf(states.front()), 0);
-      if (states.size() == 1 && isCalled(written, whole.name, whole.chinese, whole.english)) return ofAllStates(figure);
+      if (isCalled(written, whole.name, whole.chinese, whole.english)) return ofAllStates(figure);
     }
     return {};
   }

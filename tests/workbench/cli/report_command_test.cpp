@@ -111,6 +111,56 @@ TEST_F(ReportCommand, TakesTheFormatFromTheFilesName) {
   EXPECT_THAT(outputOf({"--format", "table"}, ".csv"), testing::StartsWith("收发存汇总表")) << "what is told counts";
 }
 
+TEST_F(ReportCommand, ShowsAPivotInEachFormat) {
+  const std::vector<std::string> pivot = {"--set", "cModal=1", "--pivot", "仓库/收发状态/金额,金额:列"};
+  const auto with = [&pivot](std::vector<std::string> more) {
+    more.insert(more.end(), pivot.begin(), pivot.end());
+    return outputOf(more);
+  };
+  EXPECT_THAT(with({}),
+              testing::AllOf(testing::HasSubstr("\n行：仓库\n列：收发状态\n数值：金额、金额占列%\n\n透视表\n"),
+                             testing::HasSubstr("\n合计 "), testing::HasSubstr("  100.00%\n")));
+  EXPECT_THAT(with({"--lang", "en"}),
+              testing::HasSubstr("\nDown: Warehouse\nAcross: State\nFigures: Amount; Amount, % of column\n"));
+  EXPECT_THAT(with({"--format", "csv"}), testing::StartsWith("rowKind,level,cWhCode,cWhName,期初结存/amount,"));
+  EXPECT_THAT(with({"--format", "csv", "--captions"}),
+              testing::StartsWith("rowKind,level,仓库编码,仓库,期初结存金额,"));
+  EXPECT_THAT(with({"--format", "json"}), testing::HasSubstr("\"layout\":\"pivot\""));
+  EXPECT_THAT(with({"--format", "html"}), testing::HasSubstr(">透视表</h2>"));
+  EXPECT_THAT(with({"--where", "cWhCode=zzz"}), testing::HasSubstr("共 0 行"));
+}
+
+TEST_F(ReportCommand, OrdersAndCutsAPivot) {
+  const auto first = [](const std::string& sort) {
+    const std::string csv =
+        outputOf({"--set", "cModal=1", "--pivot", "存货//期末金额", "--sort", sort, "--limit", "1", "--format", "csv"});
+    std::istringstream lines(csv);
+    std::string line;
+    std::getline(lines, line);
+    std::getline(lines, line);
+    std::string total;
+    std::getline(lines, total);
+    EXPECT_THAT(total, testing::StartsWith("total,0,合计,,"));
+    return line;
+  };
+  EXPECT_NE(first("-期末金额"), first("期末金额"));
+  EXPECT_NE(first("-存货"), first("存货"));
+}
+
+TEST_F(ReportCommand, RefusesAPivotBeforeTheReportRuns) {
+  EXPECT_EQ(report({"--pivot", "Warehuose//Amount"}).message,
+            "sfc-item has no dimension \"Warehuose\"; did you mean Warehouse?");
+  EXPECT_EQ(report({"--pivot", "仓库//Amuont"}).ends, Ends::failed);
+  EXPECT_EQ(report({"--pivot", "仓库//金额", "--layout", "tree"}).message,
+            "--pivot decides columns and groups itself; leave --layout, --columns and --group-by out");
+  EXPECT_EQ(report({"--pivot", "仓库//金额", "--group-by", "仓库"}).ends, Ends::failed);
+  EXPECT_THAT(report({"--pivot", "仓库"}).message,
+              testing::StartsWith("\"仓库\" is no pivot; write down/across/figures"));
+  EXPECT_EQ(report({"--pivot", "仓库//金额", "--compare", source()}).ends, Ends::wrongUsage);
+  EXPECT_EQ(report({"--set", "cModal=2", "--pivot", "收发状态//金额"}).message,
+            "sfc-item has no dimension \"收发状态\"");
+}
+
 TEST_F(ReportCommand, ShowsUserDefinedFieldsWhenAsked) {
   const std::string usual = outputOf({"--layout", "lines", "--lang", "en"});
   EXPECT_EQ(usual.find("Inventory field 1"), std::string::npos);
