@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes the pictures of docs/pictures anew: each layout of each report as `--format html` writes it, with the settings of
-# ./demo.sh, and the desk with a ledger, photographed by Chromium and brought down to few colours. Needs
+# Makes the pictures of docs/pictures anew: each layout of each report, and a pivot, as `--format html` writes it, with the
+# settings of ./demo.sh, and the desk with a ledger, photographed by Chromium and brought down to few colours. Needs
 # build/native/bin/quillon, what tools/setup-browser.sh installs for the desk's tests, and pngquant.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -29,10 +29,18 @@ browser_options=(--headless --disable-gpu --hide-scrollbars)
 picture() { # REPORT LAYOUT WIDTH,HEIGHT OPTION...
   local report=$1 layout=$2 size=$3
   shift 3
-  "$quillon" report "$report" --layout "$layout" --account "$account" --company 东山机械厂 "$@" --format html \
-    -o "$work/page.html"
-  sed -i 's|<dt>打印日期</dt><dd>[0-9-]*</dd>||' "$work/page.html"
+  page "$report" --layout "$layout" "$@"
   photograph "$report-$layout" "$size"
+}
+
+pivot() { # REPORT WIDTH,HEIGHT OPTION...
+  page "$1" "${@:3}"
+  photograph "$1-pivot" "$2"
+}
+
+page() { # REPORT OPTION...
+  "$quillon" report "$1" --account "$account" --company 东山机械厂 "${@:2}" --format html -o "$work/page.html"
+  sed -i 's|<dt>打印日期</dt><dd>[0-9-]*</dd>||' "$work/page.html"
 }
 
 photograph() { # NAME WIDTH,HEIGHT
@@ -60,6 +68,8 @@ picture sfc-item tree 1110,700 --set cModal=1 --limit 16
 picture sfc-item lines 1130,560 --set cModal=1 --set cWhCode=07 --limit 16
 picture outsum-item summary 850,760
 picture outsum-item tree 620,700 --set cModal=1 --limit 16
+pivot outsum-item 920,740 --set cModal=1 --set dKeepDate=2024-01-01..2024-06-30 --where cFXCode=CI06..CI14 \
+  --pivot 成本项目分类1级,成本项目/月份/金额
 picture outsum-item lines 1110,560 --set cModal=1 --limit 16 \
   --columns cVouType,cVouCode,dVouDate,cWhName,cInvCode,cInvName,RdName,cFXCode,cFXName,iQuantity,iMoney,iFXMoney
 picture fx-detail ledger 850,900 "${item[@]}"
