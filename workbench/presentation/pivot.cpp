@@ -602,6 +602,7 @@ std::vector<RowCondition> Pivot::Table::where(std::size_t row, std::size_t colum
 std::vector<std::pair<std::string, std::string>> Pivot::Table::heading() const {
   const auto captions = [this](const auto& items) {
     std::vector<std::string> texts;
+    texts.reserve(items.size());
     for (const auto& item : items)
       texts.push_back(item.caption(language_));
     return joinedTexts(texts, language_ == Language::chinese ? "、" : "; ");

@@ -55,7 +55,7 @@ std::size_t PivotAxis::stateDepth() const {
 
 std::string pivotLabel(const ReportDimension& dimension, const PivotKey& key, Language language) {
   if (key.isNone()) return std::string(noneLabel.in(language));
-  const std::string code = plainText(key.code, ""), name = plainText(key.name, "");
+  std::string code = plainText(key.code, ""), name = plainText(key.name, "");
   if (dimension.kind == DimensionKind::state && !name.empty()) return name;
   if (code.empty() || name.empty() || code == name) return code.empty() ? name : code;
   return code + " " + name;

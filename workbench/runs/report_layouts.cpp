@@ -120,6 +120,14 @@ LedgerRequest ledgerRequest(const MadeReport& report) {
           .breakdown = breakdownOf(entered(filter, "cCaType"))};
 }
 
+void cutToPage(ReportSection& section, const LayoutOptions& options) {
+  if (section.limit || !options.rowsOfPage) return;
+  // The rows of the table have nothing that belongs to them.
+  const std::int64_t lines =
+      section.layout == Layout::lines ? *options.rowsOfPage : linesWithin(section.view, *options.rowsOfPage);
+  if (lines < section.view.lineCount) section.limit = lines;
+}
+
 class Layouts {
  public:
   Layouts(const MadeReport& report, Language language, const LayoutOptions& options, const ReportDocument& heading,
@@ -150,11 +158,7 @@ class Layouts {
   // `asked` is the section that the reader arranges; in what stands beside it the same rows count.
   ReportSection section(Layout layout, bool asked) {
     ReportSection section = whole(layout, asked);
-    if (section.limit || !options_.rowsOfPage) return section;
-    // The rows of the table have nothing that belongs to them.
-    const std::int64_t lines =
-        layout == Layout::lines ? *options_.rowsOfPage : linesWithin(section.view, *options_.rowsOfPage);
-    if (lines < section.view.lineCount) section.limit = lines;
+    cutToPage(section, options_);
     return section;
   }
 
@@ -317,6 +321,7 @@ LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutO
                                 .view = pivot.view(),
                                 .grouped = options.pivot->rows.size() > 1,
                                 .limit = options.limit});
+    cutToPage(laidOut.sections.back(), options);
     return laidOut;
   }
   Layouts layouts(report, language, options, laidOut.heading, output);

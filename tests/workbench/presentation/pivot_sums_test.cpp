@@ -304,6 +304,15 @@ TEST_P(PivotSums, AreInEachFormatTheSame) {
   EXPECT_THAT(json.str(), testing::HasSubstr("\"layout\":\"pivot\""));
 }
 
+TEST_P(PivotSums, AreCutToAPage) {
+  LayoutOptions asked = options({"cFXCode"}, {}, measures_);
+  asked.rowsOfPage = 1;
+  const LaidOutReport laid = laidOut(*report_, Language::english, asked, LayoutOutput::page);
+  EXPECT_EQ(laid.sections[0].limit, 1);
+  EXPECT_GT(laid.sections[0].view.lineCount, 1);
+  EXPECT_EQ(figuresFrom(laid.sections[0].view.totals.back(), 1), totals_) << "the total stays that of all lines";
+}
+
 INSTANTIATE_TEST_SUITE_P(Reports, PivotSums, testing::ValuesIn(pivotedReports()),
                          [](const auto& info) { return std::string(info.param.name); });
 
