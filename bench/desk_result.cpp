@@ -57,17 +57,19 @@ void enlarge(const MadeReport& report, std::int64_t rows) {
   for (const tsql::Column& column : report.table().columns()) {
     const bool text = column.type.kind == tsql::Kind::nVarChar || column.type.kind == tsql::Kind::varChar;
     const std::string otherwise = text ? "N'x'" : column.type.kind == tsql::Kind::dateTime ? "'2024-03-31'" : "1";
-    const std::string separator = list.empty() ? "" : ", ";
-    const std::string value = "IsNull(" + column.name + ", " + otherwise + ")";
-    list += separator + column.name;
-    copies += separator + (equalIgnoringCase(column.name, "AutoID") ? value + " + LINES" : value);
+    const char* const separator = list.empty() ? "" : ", ";
+    list.append(separator).append(column.name);
+    copies.append(separator).append("IsNull(").append(column.name).append(", ").append(otherwise).append(")");
+    if (equalIgnoringCase(column.name, "AutoID")) copies += " + LINES";
   }
   std::int64_t lines = ledgerLines;
   for (std::int64_t count = report.table().rowCount(); count < rows; count = report.table().rowCount()) {
     std::string values = copies;
     values.replace(values.find("LINES"), 5, std::to_string(lines));
-    report.connection().execute("Insert Into " + table + " (" + list + ") Select Top " + std::to_string(rows - count) +
-                                " " + values + " From " + table);
+    std::string statement = "Insert Into " + table;
+    statement.append(" (").append(list).append(") Select Top ").append(std::to_string(rows - count));
+    statement.append(" ").append(values).append(" From ").append(table);
+    report.connection().execute(statement);
     lines *= 2;
   }
 }

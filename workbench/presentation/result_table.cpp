@@ -111,8 +111,10 @@ std::vector<ReportColumn> ResultTable::findFilled(std::span<const ReportColumn> 
       anyFilled.append(anyFilled.empty() ? "" : " Or ").append(filledTest(candidates[column]));
     }
     const bool last = look == mostLooks;
-    const auto cursor =
-        account_.query(last ? "Select " + flags + from : "Select Top 1 " + flags + from + " And (" + anyFilled + ")");
+    std::string statement = last ? "Select " : "Select Top 1 ";
+    statement.append(flags).append(from);
+    if (!last) statement.append(" And (").append(anyFilled).append(")");
+    const auto cursor = account_.query(statement);
     if (!cursor->next()) break;
     empty.note(*cursor, columns);
   }

@@ -43,6 +43,7 @@ class FilledColumns : public ::testing::Test {
 
   static std::vector<std::string> names(const std::vector<ReportColumn>& columns) {
     std::vector<std::string> names;
+    names.reserve(columns.size());
     for (const ReportColumn& column : columns)
       names.push_back(column.name);
     return names;
@@ -55,6 +56,7 @@ class FilledColumns : public ::testing::Test {
 
 TEST_F(FilledColumns, AreFoundHoweverLateTheyAreFilled) {
   std::vector<std::string> expected;
+  expected.reserve(texts + 2);
   for (int i = 0; i < texts; ++i)
     expected.push_back("t" + std::to_string(i));
   const ResultTable table(*account_, "Result");

@@ -133,7 +133,9 @@ TEST_F(WideOrder, GivesTheValuesOfEachRow) {
   fill(50, true);
   const std::string list = "n, c0, c1, c2, c3, c4, c20, c21, c22, c23";
   std::vector<std::vector<Value>> rows;
-  for (const auto cursor = connection_->query("Select " + list + " From Wide Order By " + order()); cursor->next();) {
+  std::string statement = "Select ";
+  statement.append(list).append(" From Wide Order By ").append(order());
+  for (const auto cursor = connection_->query(statement); cursor->next();) {
     rows.emplace_back();
     for (std::size_t i = 0; i < cursor->columns().size(); ++i)
       rows.back().push_back(cursor->value(i));
@@ -141,10 +143,12 @@ TEST_F(WideOrder, GivesTheValuesOfEachRow) {
   EXPECT_THAT(rows, SizeIs(50));
   for (const std::vector<Value>& row : rows) {
     const std::string where = "n = " + toText(row.front()).value();
-    const auto single = connection_->query("Select " + list + " From Wide Where " + where);
-    ASSERT_TRUE(single->next());
+    std::string single = "Select ";
+    single.append(list).append(" From Wide Where ").append(where);
+    const auto cursor = connection_->query(single);
+    ASSERT_TRUE(cursor->next());
     for (std::size_t i = 0; i < row.size(); ++i)
-      EXPECT_EQ(row[i], single->value(i)) << where << ", column " << i;
+      EXPECT_EQ(row[i], cursor->value(i)) << where << ", column " << i;
   }
 }
 
