@@ -21,9 +21,10 @@ namespace {
 // The report's own rows again and again.
 void enlarge(const MadeReport& report, std::int64_t rows) {
   const std::string table = report.table().name();
-  for (std::int64_t count = report.table().rowCount(); count < rows; count = report.table().rowCount())
-    report.connection().execute("Insert Into " + table + " Select Top " + std::to_string(rows - count) + " * From " +
-                                table);
+  for (std::int64_t count = report.table().rowCount(); count < rows; count = report.table().rowCount()) {
+    std::string statement = "Insert Into " + table + " Select Top ";
+    report.connection().execute(statement.append(std::to_string(rows - count)).append(" * From ").append(table));
+  }
 }
 
 void measure(const MadeReport& report, const char* name, const char* pivot) {

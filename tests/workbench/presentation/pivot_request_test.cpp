@@ -31,6 +31,7 @@ std::string refused(const std::string& report, std::string_view mode, std::strin
 
 std::vector<std::string> names(const auto& items) {
   std::vector<std::string> texts;
+  texts.reserve(items.size());
   for (const auto& item : items)
     texts.push_back(item.name);
   return texts;

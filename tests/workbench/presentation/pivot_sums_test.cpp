@@ -204,6 +204,7 @@ class PivotSums : public testing::TestWithParam<PivotedReport> {
 
 std::vector<std::string> figuresFrom(const ViewRow& row, std::size_t first) {
   std::vector<std::string> numbers;
+  numbers.reserve(row.cells.size());
   for (std::size_t i = first; i < row.cells.size(); ++i)
     numbers.push_back(plainNumber(row.cells[i]));
   return numbers;
@@ -216,6 +217,7 @@ std::vector<std::string> sumOf(const std::vector<ViewRow>& rows, std::size_t fir
       sums[i].add(row.cells.at(first + i));
   }
   std::vector<std::string> numbers;
+  numbers.reserve(sums.size());
   for (const ExactSum& sum : sums)
     numbers.push_back(plainNumber(sum.value()));
   return numbers;
