@@ -45,6 +45,15 @@ std::vector<account::ReportKeys> joinKeysOfReports() {
   return keys;
 }
 
+std::string reportsTouchedBy(account::Check check) {
+  std::string names;
+  for (const Report& report : reports()) {
+    if (std::ranges::find(report.ledgerChecks, check) != report.ledgerChecks.end())
+      names += (names.empty() ? "" : ", ") + report.registration.name;
+  }
+  return names;
+}
+
 std::vector<const DialogClass*> dialogClasses() {
   std::vector<const DialogClass*> classes;
   for (const Report& report : reports()) {

@@ -20,6 +20,9 @@ std::string reportNames();
 // The keys by which each of them joins, for the check of an account.
 std::vector<account::ReportKeys> joinKeysOfReports();
 
+// The reports whose rows a check of the ledger touches: "sfc-item, fx-detail"; empty for none.
+std::string reportsTouchedBy(account::Check check);
+
 // The classes that serve the dialogs of the reports, each once, in the order of the reports.
 std::vector<const DialogClass*> dialogClasses();
 

@@ -163,6 +163,24 @@ constexpr std::array<std::string_view, 6> documentColumns = {"cVouType", "cVouCo
 constexpr std::array<std::string_view, 2> sourceDocumentColumns = {"cVouType", "ID"};
 constexpr std::array<std::string_view, 3> ledgerVoucherColumns = {"cVouType", "cPZID", "iPZID"};
 
+// The checks of the ledger that touch its rows.
+std::vector<account::Check> fxDetailChecks() {
+  using enum account::Check;
+  return {lineSum,
+          openingSum,
+          lineWithoutItems,
+          openingWithoutItems,
+          neverSplit,
+          unknownItem,
+          classTree,
+          amountWithoutQuantity,
+          quantityWithoutAmount,
+          openingBalance,
+          itemOpeningBalance,
+          balanceWithoutQuantity,
+          periodGap};
+}
+
 }  // namespace
 
 Report fxDetail() {
@@ -178,6 +196,7 @@ Report fxDetail() {
           .codeNames = codeNames,
           .pivotSource = &pivotSource,
           .joinKeys = fxDetailKeys(),
+          .ledgerChecks = fxDetailChecks(),
           .ledgerLine = "Case When datatype = 1 Then id End",
           .documentColumns = documentColumns,
           .sourceDocumentColumns = sourceDocumentColumns,

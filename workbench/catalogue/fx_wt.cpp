@@ -229,6 +229,12 @@ constexpr std::array<std::string_view, 6> documentColumns = {"cVouType", "cVouCo
 constexpr std::array<std::string_view, 2> sourceDocumentColumns = {"cVouType", "AutoID"};
 constexpr std::array<std::string_view, 3> ledgerVoucherColumns = {"cVouType", "cPZID", "iPZID"};
 
+// The checks of the ledger that touch its rows.
+std::vector<account::Check> fxWtChecks() {
+  using enum account::Check;
+  return {lineSum, lineWithoutItems, neverSplit, unknownItem, classTree, amountWithoutQuantity, quantityWithoutAmount};
+}
+
 }  // namespace
 
 Report fxWt() {
@@ -245,6 +251,7 @@ Report fxWt() {
           .codeNames = codeNames,
           .codesNamedElsewhere = codesNamedElsewhere,
           .joinKeys = fxWtKeys(),
+          .ledgerChecks = fxWtChecks(),
           .ledgerLine = "AutoID",
           .documentColumns = documentColumns,
           .sourceDocumentColumns = sourceDocumentColumns,

@@ -250,6 +250,13 @@ std::vector<account::JoinKey> outsumItemKeys() {
           account::oneClassAGrade()};
 }
 
+// The checks of the ledger that touch its rows.
+std::vector<account::Check> outsumItemChecks() {
+  using enum account::Check;
+  return {lineSum,     issueSum,  lineWithoutItems,      neverSplit,
+          unknownItem, classTree, amountWithoutQuantity, quantityWithoutAmount};
+}
+
 }  // namespace
 
 Report outsumItem() {
@@ -267,6 +274,7 @@ Report outsumItem() {
       .codeNames = codeNames,
       .codesNamedElsewhere = codesNamedElsewhere,
       .joinKeys = outsumItemKeys(),
+      .ledgerChecks = outsumItemChecks(),
   };
 }
 

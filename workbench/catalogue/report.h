@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "workbench/account/key_check.h"
+#include "workbench/account/ledger_check.h"
 #include "workbench/catalogue/core_report.h"
 #include "workbench/catalogue/dialog_classes.h"
 #include "workbench/catalogue/pivot_source.h"
@@ -56,6 +57,8 @@ struct Report {
 
   // The keys by which it joins masters to ledger lines, in its order.
   std::vector<account::JoinKey> joinKeys;
+  // The checks of the ledger whose rows it shows or sums.
+  std::vector<account::Check> ledgerChecks = {};
 
   // The ledger line that a row is of, as a T-SQL expression over the result table; null for a row that is of none, such
   // as a balance. Empty where rows open nothing.

@@ -212,6 +212,14 @@ std::vector<account::JoinKey> sfcItemKeys() {
           account::oneClassAGrade()};
 }
 
+// The checks of the ledger that touch its rows.
+std::vector<account::Check> sfcItemChecks() {
+  using enum account::Check;
+  return {lineSum,           openingSum, lineWithoutItems,      openingWithoutItems,   neverSplit,
+          unknownItem,       classTree,  amountWithoutQuantity, quantityWithoutAmount, openingBalance,
+          itemOpeningBalance};
+}
+
 }  // namespace
 
 Report sfcItem() {
@@ -228,6 +236,7 @@ Report sfcItem() {
       .crossStates = sfcItemStates,
       .codeNames = codeNames,
       .joinKeys = sfcItemKeys(),
+      .ledgerChecks = sfcItemChecks(),
   };
 }
 

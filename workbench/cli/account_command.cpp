@@ -8,9 +8,8 @@
 #include <vector>
 
 #include "workbench/account/account.h"
-#include "workbench/account/key_check.h"
 #include "workbench/account/leftover_tables.h"
-#include "workbench/catalogue/catalogue.h"
+#include "workbench/cli/account_check_command.h"
 #include "workbench/cli/account_diff_command.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/account_transfer_command.h"
@@ -126,39 +125,6 @@ void cleanAccount(const AccountSource& source, const std::function<bool(const st
   if (left.empty()) out << messages::nothingLeft.in(language) << '\n';
 }
 
-bool checkAccount(const AccountSource& source, std::ostream& out, Language language, const ScreenOptions& screen) {
-  const auto connection = source.open(tsql::OpenMode::readOnly);
-  const std::vector<account::BrokenKey> broken = account::brokenKeys(*connection, joinKeysOfReports());
-  if (broken.empty()) {
-    out << messages::keysUnique.in(language) << '\n';
-    return true;
-  }
-  const auto write = [&](std::ostream& pages) {
-    TextTable table(pages,
-                    {{heading(messages::tableHeading, language)},
-                     {heading(messages::keyHeading, language)},
-                     {heading(messages::rowsHeading, language), Align::right},
-                     {heading(messages::reportsHeading, language)}},
-                    screen.style(language));
-    for (const account::BrokenKey& key : broken)
-      table.row({key.table, key.key.in(language), groupedCount(key.rows), key.reports});
-    table.finish();
-    pages << '\n' << messages::keysBroken.in(language) << '\n';
-  };
-  if (!writePaged(out, screen, write)) throw UserError(messages::outputNotWritten());
-  return false;
-}
-
-bool checkIntegrity(const AccountSource& source, std::ostream& out, Language language) {
-  if (source.onServer()) throw UserError(messages::integrityOfFiles());
-  const std::vector<std::string> damage = tsql::Connection::damage(source.file());
-  for (const std::string& line : damage)
-    out << line << '\n';
-  if (!damage.empty()) out << '\n';
-  out << (damage.empty() ? messages::fileSound : messages::fileDamaged).in(language) << '\n';
-  return damage.empty();
-}
-
 void addAccountCommand(CLI::App& app) {
   CLI::App& command =
       *app.add_subcommand("account", "Make, inspect and clean embedded accounts, take them elsewhere and back");
@@ -200,18 +166,7 @@ void addAccountCommand(CLI::App& app) {
     showInfo(*source, std::cout, *language, *screen);
   });
 
-  CLI::App& checking = *command.add_subcommand("check", "Name the rows that would make reports show lines twice");
-  addAccountOption(checking, "SOURCE", *source).required();
-  const auto integrity = std::make_shared<bool>(false);
-  checking.add_flag("--integrity", *integrity, "Look for damage of the account file instead");
-  addLanguageOption(checking, *language);
-  addScreenOptions(checking, *screen);
-  checking.callback([source, integrity, language, screen] {
-    screen->screen = outputScreen();
-    const bool sound = *integrity ? checkIntegrity(*source, std::cout, *language)
-                                  : checkAccount(*source, std::cout, *language, *screen);
-    if (!sound) endWith(1);
-  });
+  addCheckCommand(command);
 
   CLI::App& cleaning =
       *command.add_subcommand("clean", "Drop the tables that interrupted reports left, and those of --keep");

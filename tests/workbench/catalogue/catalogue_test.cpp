@@ -176,5 +176,15 @@ TEST(Catalogue, FindsAReportByItsName) {
   }
 }
 
+// A report that reads cost items of lines is touched by lines that do not sum, one that shows openings by those too.
+TEST(Catalogue, SaysWhichReportsACheckTouches) {
+  using account::Check;
+  EXPECT_EQ(reportsTouchedBy(Check::lineSum), "sfc-item, outsum-item, fx-detail, fx-wt");
+  EXPECT_EQ(reportsTouchedBy(Check::issueSum), "outsum-item");
+  EXPECT_EQ(reportsTouchedBy(Check::openingBalance), "sfc-item, fx-detail");
+  EXPECT_EQ(reportsTouchedBy(Check::periodGap), "fx-detail");
+  EXPECT_EQ(reportsTouchedBy(Check::strayItem), "");
+}
+
 }  // namespace
 }  // namespace quillon::workbench

@@ -9,6 +9,7 @@
 
 #include "tests/workbench/account/test_folder.h"
 #include "workbench/account/account.h"
+#include "workbench/cli/account_check_command.h"
 #include "workbench/cli/account_command.h"
 #include "workbench/cli/command_line.h"
 #include "workbench/cli/dialog_command.h"
@@ -184,8 +185,8 @@ TEST_F(SpokenLanguage, IsThatOfAnAccountCommandWhenAsked) {
   EXPECT_THAT(info.str(),
               AllOf(StartsWith("账套 001，存货核算启用于 "), HasSubstr("年度  成本分项启用月"), HasSubstr("\n表 ")));
   std::ostringstream checked;
-  EXPECT_TRUE(checkAccount(source(), checked, Language::chinese));
-  EXPECT_EQ(checked.str(), "报表连接所用的每个键都只有一行\n");
+  EXPECT_TRUE(checkAccount(source(), {.language = Language::chinese}, checked));
+  EXPECT_THAT(checked.str(), AllOf(StartsWith("检查 "), HasSubstr("\n报表连接所用的每个键都只有一行\n")));
 }
 
 TEST_F(SpokenLanguage, IsThatOfTheReportForExplanations) {

@@ -11,7 +11,9 @@
 #include "tests/workbench/odbc/engine_server.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
+#include "workbench/account/ledger_check.h"
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/cli/account_check_command.h"
 #include "workbench/cli/account_command.h"
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"
@@ -179,10 +181,48 @@ TEST_F(OverOdbc, AccountInformationAndCheck) {
   expectSame([](const std::string& source) { return shownBy({"account", "info", source}); });
   expectSame([](const std::string& source) {
     std::ostringstream out;
-    EXPECT_TRUE(checkAccount(AccountSource(source), out));
-    // The verdict is short.
-    return out.str() + std::string(100, ' ');
+    EXPECT_TRUE(checkAccount(AccountSource(source), {}, out));
+    return out.str();
   });
+}
+
+// An account with something wrong for each check of the ledger.
+TEST_F(OverOdbc, ChecksThatFindSomething) {
+  const test::TemporaryFile broken(".qacc");
+  account::createSample(broken.path(), {.rows = 1500, .years = 2});
+  tsql::Connection::open(broken.path(), tsql::OpenMode::existing)
+      ->execute(
+          "Update ia_subsidiary_Item Set iItemInPrice = iItemInPrice + 1.25 Where iYear = 2024 And iMonth = 7\n"
+          "Update ia_subsidiary_ItemOut Set iItemOutPrice = iItemOutPrice + 1 Where iMonth = 8\n"
+          "Update IA_Subsidiary_QC_Item Set iItemInPrice = iItemInPrice + 1 Where iItemID = 6\n"
+          "Delete From IA_Subsidiary_QC_Item Where iSubQcID < 3\n"
+          "Update IA_Subsidiary_QC Set iAInPrice = iAInPrice + 2 Where AutoID = 3\n"
+          "Delete From ia_subsidiary_Item Where iYear = 2024 And iMonth = 9\n"
+          "Update ia_subsidiary_Item Set iItemID = 777 Where iYear = 2024 And iMonth = 10\n"
+          "Update ia_subsidiary_Item Set iItemDetailID = 1001 Where iYear = 2024 And iMonth = 11\n"
+          "Update ia_subsidiary_Item Set iSubID = iSubID + 90000000 Where iYear = 2024 And iMonth = 5\n"
+          "Update Ca_FxClassDef Set cFxCCode = N'88' + cFxCCode Where cFxCCode = N'010101'\n"
+          "Update Ca_FxDef Set cFxCID = 999 Where iFxID = 2\n"
+          "Update ia_subsidiary Set iAInQuantity = Null Where iYear = 2024 And iMonth = 6\n"
+          "Update ia_subsidiary Set iAOutPrice = Null Where iYear = 2024 And iMonth = 4\n"
+          "Update ia_subsidiary Set iAOutPrice = iAOutPrice + 1 Where iYear = 2023 And iMonth = 12\n"
+          "Insert Into ia_subsidiary (AutoID, iYear, iMonth, cVouType, bRdFlag, bFlag, cInvCode, iAInPrice) Values "
+          "(99000001, 2024, 12, N'20', 1, 0, N'o''clock', 5)\n"
+          "Update IA_PeriodState Set bSettled = 0 Where iMonth = 3");
+  odbc::test::EngineServer server(broken.path());
+  const auto shown = [](const AccountSource& source, CheckFormat format) {
+    std::ostringstream out;
+    EXPECT_FALSE(checkAccount(source, {.limit = format == CheckFormat::table ? 5 : 0, .format = format}, out));
+    return out.str();
+  };
+  for (const CheckFormat format : {CheckFormat::table, CheckFormat::csv, CheckFormat::json}) {
+    EXPECT_EQ(shown(AccountSource(odbc::test::EngineServer::connectionString()), format),
+              shown(AccountSource::inFile(broken.path()), format));
+  }
+  const std::string records = shown(AccountSource::inFile(broken.path()), CheckFormat::csv);
+  for (const account::CheckInfo& info : account::ledgerChecks())
+    EXPECT_THAT(records, HasSubstr("\r\n" + std::string(info.name) + ",")) << "nothing was found";
+  EXPECT_EQ(server.openSessions, 0);
 }
 
 TEST_F(OverOdbc, ScriptsOfStatements) {
