@@ -9,6 +9,7 @@
 #include <memory>
 #include <utility>
 
+#include "frame/text.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
@@ -23,6 +24,7 @@
 #include "workbench/cli/standard_streams.h"
 #include "workbench/cli/terminal.h"
 #include "workbench/cli/usage_message.h"
+#include "workbench/messages/check.h"
 #include "workbench/messages/pivot.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
@@ -33,6 +35,7 @@
 #include "workbench/presentation/report_table.h"
 #include "workbench/presentation/view_files.h"
 #include "workbench/presentation/xlsx_workbook.h"
+#include "workbench/runs/account_check.h"
 #include "workbench/runs/report_layouts.h"
 #include "workbench/runs/report_run.h"
 #include "workbench/tsql/values/utf8_path.h"
@@ -168,6 +171,18 @@ std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOp
                     observer);
 }
 
+// Errors of the ledger that touch the report's rows, a line each; `notes` gets them, too.
+std::vector<std::string> warningsOf(const ReportOptions& options, const MadeReport& report, std::ostream& notes) {
+  const auto account = options.account.open(tsql::OpenMode::readOnly);
+  std::vector<std::string> warnings;
+  for (const AccountFinding& finding : findingsOfReport(report.report(), report.filter(), *account))
+    warnings.push_back(warningOf(finding).in(options.language));
+  if (warnings.empty()) warnings.emplace_back(messages::nothingTouches.in(options.language));
+  for (const std::string& warning : warnings)
+    notes << "quillon: " << warning << '\n';
+  return warnings;
+}
+
 }  // namespace
 
 bool compareReports(const ReportOptions& options, const AccountSource& second, std::ostream& out, std::ostream& notes) {
@@ -189,7 +204,14 @@ void runReport(const ReportOptions& options, std::ostream& out, std::ostream& no
   if (!options.outputFile.empty()) refuseToReplace(pathFromUtf8(options.outputFile), inputsOf(options));
   const auto progress = progressOn(notes, options);
   const auto report = reportOn(options.account, options, notes, progress.get());
-  writeTo(options, *report, out, progress.get());
+  ReportOptions shown = options;
+  if (options.check) {
+    if (progress) progress->clear();
+    // What programs read stays as it is.
+    std::vector<std::string> warnings = warningsOf(options, *report, notes);
+    if (!isForPrograms(options.format)) shown.layout.warnings = std::move(warnings);
+  }
+  writeTo(shown, *report, out, progress.get());
   if (progress) progress->finish();
   if (options.keep) report->keepTable();
   if (options.keep) notes << "quillon: " << messages::tableKept(report->table().name()).in(options.language) << '\n';
@@ -280,11 +302,13 @@ void addReportCommand(CLI::App& app) {
       "--no-pager", [options] { options->pager = false; },
       "Do not show what is longer than the terminal in the pager (PAGER)");
   command.add_flag("--explain", options->explain, "Print each statement with its time and row count");
+  CLI::Option& check = *command.add_flag("--check", options->check,
+                                         "Say which errors of the ledger touch the report (quillon account check)");
   CLI::Option& keep = *command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
   const auto second = std::make_shared<AccountSource>();
   addAccountOption(command, "--compare", *second,
                    "Run the report on this account, too, and compare the rows; --limit says how many are shown")
-      .excludes(&format, &output, &keep, &pivotOption);
+      .excludes(&format, &output, &keep, &pivotOption, &check);
   command.callback([options, second, &format, pivot] {
     if (format.empty()) options->format = formatOfFile(options->outputFile);
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())

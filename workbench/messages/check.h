@@ -127,4 +127,13 @@ inline constexpr Text<3> keyOfTable{"{1}：{2}，{3} 行", "{1}: {2}, {3} rows"}
 inline constexpr Text<1> moreFound{"另有 {1} 行；--limit 0 显示全部", "and {1} more; --limit 0 shows all"};
 inline constexpr Text<0> ledgerSound{"账簿中没有错误", "there are no errors in the ledger"};
 
+// --- Beside a report --------------------------------------------------------------------------------------------------
+
+inline constexpr Text<0> checkCaption{"检查", "Check"};
+inline constexpr Text<0> nothingTouches{"没有发现触及本报表的错误", "no errors touch this report"};
+inline constexpr Text<3> reportTouched{"发现 {1} 处：{2}（quillon account check SOURCE --check {3}）",
+                                       "{1} found: {2} (quillon account check SOURCE --check {3})"};
+inline constexpr Text<4> reportTouchedBy{"发现 {1} 处：{2}，金额 {3}（quillon account check SOURCE --check {4}）",
+                                         "{1} found: {2}, amount {3} (quillon account check SOURCE --check {4})"};
+
 }  // namespace quillon::workbench::messages

@@ -6,7 +6,9 @@
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/messages/account.h"
 #include "workbench/messages/check.h"
+#include "workbench/presentation/value_output.h"
 #include "workbench/tsql/values/exact.h"
+#include "workbench/tsql/values/text.h"
 
 namespace quillon::workbench {
 
@@ -63,6 +65,26 @@ Json keyJson(const account::BrokenKey& key, Language language) {
   return {{"table", key.table}, {"key", key.key.in(language)}, {"rows", key.rows}, {"reports", key.reports}};
 }
 
+// The year that a filter item begins with, as "2024" or "2024-03-01" do.
+std::optional<int> yearIn(const std::string& value) {
+  constexpr std::size_t yearDigits = 4;
+  return value.size() < yearDigits ? std::nullopt
+                                   : tsql::text::leadingNumber(std::string_view(value).substr(0, yearDigits));
+}
+
+// The years that a report's filter names: its year, else the years of its days. Nothing: it names none.
+std::optional<account::YearRange> yearsOf(FilterObject& filter) {
+  if (const FilterEntry* year = filter.find("iYear")) {
+    if (const auto number = yearIn(year->value)) return account::YearRange{*number, *number};
+  }
+  const FilterEntry* days = filter.find("dKeepDate");
+  if (days == nullptr) return std::nullopt;
+  const auto first = yearIn(days->value), last = yearIn(days->value2);
+  if (!first && !last) return std::nullopt;
+  constexpr int earliest = 1753, latest = 9999;
+  return account::YearRange{first.value_or(earliest), last.value_or(latest)};
+}
+
 }  // namespace
 
 std::vector<std::string> checkNames() {
@@ -113,6 +135,24 @@ void writeFindingsJson(std::ostream& out, std::span<const AccountFinding> findin
   }
   constexpr char blank = ' ';
   out << Json{{"checks", std::move(checks)}}.dump(-1, blank, false, Json::error_handler_t::replace) << '\n';
+}
+
+std::vector<AccountFinding> findingsOfReport(const Report& report, FilterObject& filter, tsql::Database& account) {
+  std::vector<Check> checks;
+  std::ranges::copy_if(report.ledgerChecks, std::back_inserter(checks),
+                       [](Check check) { return account::infoOf(check).rank == CheckRank::error; });
+  std::vector<AccountFinding> findings;
+  if (checks.empty()) return findings;
+  for (account::Finding& finding : account::checkLedger(account, {.checks = checks, .years = yearsOf(filter)})) {
+    if (finding.rows > 0) findings.push_back(told(std::move(finding)));
+  }
+  return findings;
+}
+
+Message warningOf(const AccountFinding& finding) {
+  const std::string rows = groupedCount(finding.rows);
+  if (!finding.amount) return messages::reportTouched(rows, finding.title, finding.name);
+  return messages::reportTouchedBy(rows, finding.title, account::checkedNumber(*finding.amount), finding.name);
 }
 
 }  // namespace quillon::workbench

@@ -12,6 +12,8 @@
 
 #include "workbench/account/key_check.h"
 #include "workbench/account/ledger_check.h"
+#include "workbench/catalogue/report.h"
+#include "workbench/platform/filter_object.h"
 #include "workbench/platform/language.h"
 
 namespace quillon::workbench {
@@ -46,5 +48,14 @@ bool hasErrors(std::span<const AccountFinding> findings);
 // {"checks":[{"name","rank","title","advice","reports","rows","amount","found":[...]}]}; amounts as texts with all their
 // decimals.
 void writeFindingsJson(std::ostream& out, std::span<const AccountFinding> findings, Language language);
+
+// What a reader of the report should know before believing it: the errors that touch its rows, counted in the years of
+// its filter, without rows; notes are none. The statements read the lines of these years, and of the one before, once or
+// twice: little beside a report over a year, much beside one of a single inventory.
+std::vector<AccountFinding> findingsOfReport(const Report& report, FilterObject& filter, tsql::Database& account);
+
+// "3 found: cost items that do not sum to their ledger line, amount 12.50 (quillon account check SOURCE --check
+// line-sum)". Names no account, for pages are handed on.
+Message warningOf(const AccountFinding& finding);
 
 }  // namespace quillon::workbench

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/messages/check.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
@@ -310,6 +311,8 @@ LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutO
   laidOut.heading = headingOf(report, language, options.company);
   for (const std::string& condition : options.arrangement.where)
     laidOut.heading.conditions.emplace_back(laidOut.heading.text(chosenCaption), condition);
+  for (const std::string& warning : options.warnings)
+    laidOut.heading.conditions.emplace_back(messages::checkCaption.in(language), warning);
   if (laidOut.heading.rowCount == 0) return laidOut;
   if (options.pivot) {
     const Pivot pivot = pivotOf(report, language, options,

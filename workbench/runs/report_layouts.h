@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "workbench/presentation/arrangement.h"
 #include "workbench/presentation/laid_out_report.h"
@@ -25,10 +26,11 @@ struct LayoutOptions {
   std::optional<std::int64_t> limit = {};  // lines of a section; nothing: all
   // Rows of a section, what belongs to lines and heads them counted as well; for want of a limit. Nothing: all.
   std::optional<std::int64_t> rowsOfPage = {};
-  std::string company = {};  // whose account it is; empty: the account's code
-  bool details = false;      // of a ledger: the cost items of each line beneath it
-  bool ledgerLines = false;  // rows say which ledger line they are of
-  bool offers = false;       // sections say which columns may be named (ReportSection::offered)
+  std::string company = {};                // whose account it is; empty: the account's code
+  std::vector<std::string> warnings = {};  // what the heading says of errors that touch the rows, a line each
+  bool details = false;                    // of a ledger: the cost items of each line beneath it
+  bool ledgerLines = false;                // rows say which ledger line they are of
+  bool offers = false;                     // sections say which columns may be named (ReportSection::offered)
 
   // Whether the rows of the result table are to be shown as they are.
   bool asStored() const { return !layout && !limit && arrangement.empty() && !arranged && !pivot; }

@@ -225,6 +225,15 @@ TEST_F(OverOdbc, ChecksThatFindSomething) {
   EXPECT_EQ(server.openSessions, 0);
 }
 
+TEST_F(OverOdbc, ReportsWithTheirChecks) {
+  expectSame([](const std::string& source) {
+    std::ostringstream out, notes;
+    runReport({.report = "sfc-item", .account = AccountSource(source), .check = true}, out, notes);
+    EXPECT_THAT(notes.str(), HasSubstr("quillon: 没有发现触及本报表的错误\n"));
+    return out.str() + notes.str();
+  });
+}
+
 TEST_F(OverOdbc, ScriptsOfStatements) {
   constexpr const char* script =
       "Select Top 3 AutoID, cInvCode, dKeepDate, iAInQuantity, iAInPrice, bRdFlag From ia_subsidiary Order By AutoID\n"
