@@ -25,6 +25,7 @@
 #include "workbench/platform/filter_file.h"
 #include "workbench/platform/lookup.h"
 #include "workbench/platform/resource_texts.h"
+#include "workbench/runs/account_check.h"
 #include "workbench/runs/report_run.h"
 
 namespace quillon::workbench {
@@ -416,6 +417,20 @@ TEST(Lists, AreTheProgramsAndNoOthers) {
   for (const Lookup* const lookup : lookups())
     known.emplace_back(lookup->kind);
   EXPECT_THAT(written, UnorderedElementsAreArray(known));
+}
+
+// In the order in which they are shown, notes marked as such.
+TEST(Checks, AreTheProgramsAndNoOthers) {
+  std::vector<std::string> written, known = checkNames();
+  for (const account::CheckInfo& info : account::ledgerChecks()) {
+    if (info.rank == account::CheckRank::note) *std::ranges::find(known, info.name) += " (note)";
+  }
+  for (const std::vector<std::string>& row : sectionTable("Checks of an account").rows) {
+    std::string name = row.front();
+    std::erase(name, '`');
+    written.push_back(name);
+  }
+  EXPECT_EQ(written, known);
 }
 
 TEST(FilterFiles, AreReadAsThePageShows) {
