@@ -72,10 +72,11 @@ TEST_F(OnATerminal, TablesFitTheWidth) {
             "成本项目分类明细  a remark of many words  1234.5\n"
             "(1 row)\n\n");
   EXPECT_EQ(sql({.columns = 40, .environment = {{"NO_COLOR", "1"}}}, script(oneRow)).text,
-            "name             remark           amount\n"
-            "---------------  ---------------  ------\n"
-            "成本项目分类明…  a remark of ma…  1234.5\n"
-            "(1 row)\n\n");
+            "name              remark          amount\n"
+            "----------------  --------------  ------\n"
+            "成本项目分类明细  a remark of m…  1234.5\n"
+            "(1 row)\n\n")
+      << "the first column says what the row is, and is cut last";
   EXPECT_EQ(sql({.columns = 80, .environment = {{"NO_COLOR", "1"}, {"COLUMNS", "25"}}}, script(oneRow)).text,
             "name              amount\n"
             "----------------  ------\n"
