@@ -361,6 +361,7 @@ DeskResponse DeskApi::answerRuns(const DeskRequest& request, const Parts& parts)
     response.stream = [session](Sink& sink) { session->sendEvents(sink); };
     return response;
   }
+  if (parts[2] == "pivots") return answerPivots(request, parts, *session);
   if (parts[2] == "views") return answerViews(request, parts, session);
   refuseAddress();
 }
@@ -395,6 +396,13 @@ std::shared_ptr<RunSession> DeskApi::run(const std::string& id) {
 
 // --- Views ----------------------------------------------------------------------------------------------------------
 
+DeskResponse DeskApi::answerPivots(const DeskRequest& request, const Parts& parts, RunSession& run) {
+  if (is(request, parts, "GET", 3)) return jsonAnswer(run.pivotChoices(request.language));
+  if (is(request, parts, "POST", 3))
+    return jsonAnswer(run.addView(pivotRequestOf(bodyOf(request.body), request.language)), created);
+  refuseAddress();
+}
+
 DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts,
                                   const std::shared_ptr<RunSession>& run) {
   if (is(request, parts, "POST", 3))
@@ -416,6 +424,13 @@ DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts
     return textAnswer(view->details(numberOf(request.query, "n", 0, anyNumber)));
   if (request.method == "POST" && parts[4] == "document")
     return jsonAnswer(run->document(*view, numberIn(bodyOf(request.body), "n")));
+  if (request.method == "GET" && parts[4] == "where")
+    return jsonAnswer(
+        view->behind(numberOf(request.query, "n", 0, anyNumber), numberOf(request.query, "column", 0, anyNumber)));
+  if (request.method == "PUT" && parts[4] == "folds") {
+    view->fold(rowsIn(bodyOf(request.body), "rows"));
+    return jsonAnswer(Json::object());
+  }
   if (request.method != "GET" || parts[4] != "export") refuseAddress();
 
   const std::string name = textOf(request.query, "format");
@@ -428,9 +443,9 @@ DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts
   response.headers.emplace_back("Content-Disposition", "attachment; filename=\"" + run->report().registration.name +
                                                            "-" + std::string(layoutName(view->request().layout)) + "." +
                                                            name + "\"");
-  response.stream = [run, asked = view->request(), format = *format,
+  response.stream = [run, asked = view->request(), folded = view->folded(), format = *format,
                      captions = textOf(request.query, "captions") == "1"](Sink& sink) {
-    run->sendExport(asked, format, captions, sink);
+    run->sendExport(asked, folded, format, captions, sink);
   };
   return response;
 }

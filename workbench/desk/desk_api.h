@@ -65,6 +65,7 @@ class DeskApi final : public DeskHandler {
   DeskResponse answerDialogs(const DeskRequest& request, const Parts& parts);
   DeskResponse answerFilters(const DeskRequest& request, const Parts& parts);
   DeskResponse answerRuns(const DeskRequest& request, const Parts& parts);
+  static DeskResponse answerPivots(const DeskRequest& request, const Parts& parts, RunSession& run);
   DeskResponse answerViews(const DeskRequest& request, const Parts& parts, const std::shared_ptr<RunSession>& run);
   DeskResponse refusal(const class ApiError& error, Language language) const;
 

@@ -50,6 +50,20 @@ RowCondition conditionOf(const Json& json) {
   return condition;
 }
 
+std::vector<SortKey> sortIn(const Json& body) {
+  std::vector<SortKey> keys;
+  for (const Json& key : arrayIn(body, "sort"))
+    keys.push_back({textIn(key, "column"), flagIn(key, "descending")});
+  return keys;
+}
+
+std::vector<RowCondition> whereIn(const Json& body) {
+  std::vector<RowCondition> conditions;
+  for (const Json& condition : arrayIn(body, "where"))
+    conditions.push_back(conditionOf(condition));
+  return conditions;
+}
+
 }  // namespace
 
 Json bodyOf(const std::string& text) {
@@ -128,11 +142,30 @@ ViewRequest viewRequestOf(const Json& body, const Report& report, Language other
   }
   request.arrangement.columns = textsIn(body, "columns");
   request.arrangement.groupBy = textsIn(body, "groupBy");
-  for (const Json& key : arrayIn(body, "sort"))
-    request.arrangement.sort.push_back({textIn(key, "column"), flagIn(key, "descending")});
-  for (const Json& condition : arrayIn(body, "where"))
-    request.arrangement.where.push_back(conditionOf(condition));
+  request.arrangement.sort = sortIn(body);
+  request.arrangement.where = whereIn(body);
   return request;
+}
+
+ViewRequest pivotRequestOf(const Json& body, Language otherwise) {
+  ViewRequest request{.layout = Layout::pivot, .language = languageIn(body, otherwise)};
+  PivotArrangement pivot{.rows = textsIn(body, "rows"),
+                         .columns = textsIn(body, "columns"),
+                         .measures = textsIn(body, "measures"),
+                         .sort = sortIn(body)};
+  request.pivot = std::move(pivot);
+  request.arrangement.where = whereIn(body);
+  return request;
+}
+
+std::vector<std::int64_t> rowsIn(const Json& object, const char* member) {
+  std::vector<std::int64_t> rows;
+  for (const Json& each : arrayIn(object, member)) {
+    if (!each.is_number_unsigned() || each.get<std::uint64_t>() > INT64_MAX)
+      refuseMember(member, messages::anArrayOfRows);
+    rows.push_back(each.get<std::int64_t>());
+  }
+  return rows;
 }
 
 std::int64_t numberOf(const std::map<std::string, std::string>& query, const std::string& name, std::int64_t otherwise,

@@ -32,6 +32,12 @@ std::vector<ItemValue> valuesIn(const Json& object, const char* member);
 // the report does not have.
 ViewRequest viewRequestOf(const Json& body, const Report& report, Language otherwise);
 
+// A pivot as it is asked for.
+ViewRequest pivotRequestOf(const Json& body, Language otherwise);
+
+// A list of numbers of rows.
+std::vector<std::int64_t> rowsIn(const Json& object, const char* member);
+
 // A whole number of a query, from 0 to `most`.
 std::int64_t numberOf(const std::map<std::string, std::string>& query, const std::string& name, std::int64_t otherwise,
                       std::int64_t most);

@@ -270,6 +270,37 @@ Json RunSession::addView(ViewRequest request) {
   }
 }
 
+Json RunSession::pivotChoices(Language language) const {
+  std::shared_ptr<MadeReport> made;
+  {
+    const std::scoped_lock lock(mutex_);
+    made = result();
+  }
+  Json dimensions = Json::array(), measures = Json::array(), own = Json::array();
+  const auto add = [language](const PivotMeasure& measure, Json& list) {
+    list.push_back({{"name", measure.name},
+                    {"caption", measure.caption(language)},
+                    {"shares", measure.figure != PivotFigure::unitCost}});
+  };
+  const std::unique_ptr<MadeReport> reader = made->reader();
+  made.reset();
+  const PivotChoices choices = reader->table().rowCount() > 0 ? pivotChoicesOf(*reader, language) : PivotChoices();
+  bool hasState = false;
+  for (const ReportDimension& dimension : choices.dimensions) {
+    const bool state = dimension.kind == DimensionKind::state;
+    hasState = hasState || state;
+    dimensions.push_back({{"name", dimension.name}, {"caption", dimension.caption(language)}, {"state", state}});
+  }
+  for (const PivotMeasure& measure : choices.measures)
+    add(measure, measures);
+  if (hasState) {
+    for (const PivotMeasure& measure : measuresOf(report_, "", true)) {
+      if (!measure.state) add(measure, own);
+    }
+  }
+  return {{"dimensions", std::move(dimensions)}, {"measures", std::move(measures)}, {"ownMeasures", std::move(own)}};
+}
+
 std::shared_ptr<ViewWindow> RunSession::view(std::int64_t id) {
   const std::scoped_lock lock(mutex_);
   const auto found = views_.find(id);
@@ -320,7 +351,8 @@ Json RunSession::document(ViewWindow& view, std::int64_t row) {
   });
 }
 
-void RunSession::sendExport(const ViewRequest& request, ExportFormat format, bool captions, Sink& sink) {
+void RunSession::sendExport(const ViewRequest& request, const std::vector<RowSpan>& folded, ExportFormat format,
+                            bool captions, Sink& sink) {
   const auto stop = std::make_shared<tsql::StopRequest>();
   std::shared_ptr<MadeReport> made;
   std::filesystem::path file;
@@ -334,7 +366,7 @@ void RunSession::sendExport(const ViewRequest& request, ExportFormat format, boo
   const tsql::StopScope scope(stop);
   const std::unique_ptr<MadeReport> reader = made->reader();
   made.reset();
-  exportView(*reader, request, format, captions, file, sink);
+  exportView(*reader, request, format, captions, file, sink, folded);
 }
 
 }  // namespace quillon::workbench::desk

@@ -53,13 +53,16 @@ class RunSession {
 
   // Opens a view and gives its description. 409 when the run has no result.
   Json addView(ViewRequest request);
+  // {"dimensions", "measures", "ownMeasures"}: what a pivot of the result can be asked for.
+  Json pivotChoices(Language language) const;
   std::shared_ptr<ViewWindow> view(std::int64_t id);
   void closeView(std::int64_t id);
   void closeIdleViews();
 
   // {"messages", "documents"}: what opens behind row number `row` of the view.
   Json document(ViewWindow& view, std::int64_t row);
-  void sendExport(const ViewRequest& request, ExportFormat format, bool captions, Sink& sink);
+  void sendExport(const ViewRequest& request, const std::vector<RowSpan>& folded, ExportFormat format, bool captions,
+                  Sink& sink);
 
   const Report& report() const { return report_; }
 

@@ -66,6 +66,37 @@ View withoutDetails(View view) {
   return view;
 }
 
+class WithoutSpans final : public ViewRows {
+ public:
+  WithoutSpans(std::unique_ptr<ViewRows> rows, const std::vector<RowSpan>& spans)
+      : rows_(std::move(rows)), spans_(spans) {}
+
+  bool next() override {
+    while (rows_->next()) {
+      const std::int64_t number = ++number_;
+      while (span_ < spans_.size() && spans_[span_].second <= number)
+        ++span_;
+      if (span_ == spans_.size() || number < spans_[span_].first) return true;
+    }
+    return false;
+  }
+  const ViewRow& row() const override { return rows_->row(); }
+
+ private:
+  std::unique_ptr<ViewRows> rows_;
+  const std::vector<RowSpan>& spans_;
+  std::size_t span_ = 0;
+  std::int64_t number_ = -1;
+};
+
+// `spans` outlives the view.
+View without(const std::vector<RowSpan>& spans, View view) {
+  view.rows = [&spans, rows = std::move(view.rows)]() -> std::unique_ptr<ViewRows> {
+    return std::make_unique<WithoutSpans>(rows(), spans);
+  };
+  return view;
+}
+
 // A file that goes with the object.
 class PassingFile {
  public:
@@ -117,13 +148,17 @@ std::string_view contentTypeOf(ExportFormat format) {
 }
 
 void exportView(const MadeReport& report, const ViewRequest& request, ExportFormat format, bool captions,
-                const std::filesystem::path& file, Sink& sink) {
-  LayoutOptions options = request.options();
+                const std::filesystem::path& file, Sink& sink, const std::vector<RowSpan>& folded) {
+  LayoutOptions options = request.optionsOfExport();
   if (format == ExportFormat::html) options.limit = linesOfAPage;
   LaidOutReport laid = laidOut(report, request.language, options, LayoutOutput::table);
   if (!request.details) {
     for (ReportSection& section : laid.sections)
       section.view = withoutDetails(std::move(section.view));
+  }
+  if (!folded.empty()) {
+    for (ReportSection& section : laid.sections)
+      section.view = without(folded, std::move(section.view));
   }
   if (format == ExportFormat::xlsx) {
     const PassingFile workbook(file);

@@ -1,6 +1,7 @@
 #include "workbench/desk/view_window.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <span>
 #include <utility>
@@ -33,6 +34,20 @@ std::string_view roleName(ColumnRole role) {
   }
 }
 
+// What a ledger has for the cost items beneath its lines, and what else these columns may be called.
+constexpr std::array<std::string_view, 2> partColumns = {"cfxCode", "cfxName"};
+constexpr std::array<std::string_view, 6> partNames = {"cfxCode",  "cfxName",        "成本项目编码",
+                                                       "成本项目", "Cost item code", "Cost item"};
+
+bool isPart(const std::string& name) {
+  return std::ranges::any_of(partNames, [&name](std::string_view part) { return equalIgnoringCase(name, part); });
+}
+
+std::string_view kindName(RowCondition::Kind kind) {
+  if (kind == RowCondition::Kind::range) return "range";
+  return kind == RowCondition::Kind::contains ? "contains" : "equals";
+}
+
 // Up to `limit` of the items from `offset` on.
 template <typename Item>
 std::vector<Item> partOf(const std::vector<Item>& items, std::int64_t offset, std::int64_t limit) {
@@ -57,11 +72,35 @@ void appendJson(std::string& json, const std::string& text) {
 LayoutOptions ViewRequest::options() const {
   return {.layout = layout,
           .arranged = arrangement,
+          .pivot = pivot,
           .allColumns = allColumns,
           // Folded parts are read, too, so that they can be folded out.
           .details = true,
           .ledgerLines = true,
           .offers = true};
+}
+
+bool ViewRequest::hidesParts() const {
+  return layout == Layout::ledger && !details && std::ranges::none_of(arrangement.groupBy, isPart) &&
+         std::ranges::none_of(arrangement.sort, isPart, &SortKey::column) &&
+         std::ranges::none_of(arrangement.where, isPart, &RowCondition::column);
+}
+
+LayoutOptions ViewRequest::optionsOfExport() const {
+  LayoutOptions all = options();
+  if (!hidesParts()) return all;
+  std::vector<std::string>& columns = all.arranged->columns;
+  const bool named = !columns.empty();
+  std::erase_if(columns, isPart);
+  if (named && columns.empty()) return options();
+  all.details = false;
+  return all;
+}
+
+bool ViewRequest::isOfParts(const ViewColumn& column) const {
+  return hidesParts() && std::ranges::any_of(partColumns, [&column](std::string_view name) {
+           return equalIgnoringCase(column.column.name, name);
+         });
 }
 
 ViewWindow::ViewWindow(std::int64_t id, std::unique_ptr<MadeReport> reader, ViewRequest request,
@@ -85,11 +124,7 @@ ViewWindow::~ViewWindow() {
 
 void ViewWindow::make() {
   try {
-    LaidOutReport laid = laidOut(*reader_, request_.language, request_.options(), LayoutOutput::table);
-    heading_ = std::move(laid.heading);
-    ReportSection section;
-    section.layout = request_.layout;
-    if (!laid.sections.empty()) section = std::move(laid.sections.front());
+    ReportSection section = this->section();
     describe(section);
     view_ = std::move(section.view);
     if (view_.tableRows && accountFile() != nullptr) {
@@ -113,6 +148,24 @@ void ViewWindow::make() {
   }
 }
 
+// Of a report without rows, the layout alone.
+ReportSection ViewWindow::section() {
+  ReportSection section;
+  section.layout = request_.layout;
+  const LayoutOptions options = request_.options();
+  if (request_.pivot) {
+    heading_ = headingOf(*reader_, request_.language, "");
+    if (heading_.rowCount == 0) return section;
+    pivot_ = pivotOf(*reader_, request_.language, options, {.unitCostDecimals = heading_.unitCostDecimals});
+    section.view = pivot_->view();
+    return section;
+  }
+  LaidOutReport laid = laidOut(*reader_, request_.language, options, LayoutOutput::table);
+  heading_ = std::move(laid.heading);
+  if (!laid.sections.empty()) section = std::move(laid.sections.front());
+  return section;
+}
+
 void ViewWindow::fail() {
   {
     const std::scoped_lock lock(mutex_);
@@ -124,19 +177,22 @@ void ViewWindow::fail() {
 void ViewWindow::describe(const ReportSection& section) {
   const Language language = request_.language;
   Json columns = Json::array(), totals = Json::array(), hidden = Json::array();
-  for (const ViewColumn& column : section.view.columns)
+  for (const ViewColumn& column : section.view.columns) {
     columns.push_back({{"name", column.column.name},
                        {"caption", column.caption(language)},
                        {"group", column.group(language)},
                        {"role", roleName(column.column.role)},
                        {"key", column.key}});
+    if (request_.isOfParts(column)) columns.back()["ofDetails"] = true;
+  }
   for (const ReportColumn& column : section.offered) {
     const auto isIt = [&column](const ViewColumn& shown) { return equalIgnoringCase(shown.column.name, column.name); };
     if (std::ranges::none_of(section.view.columns, isIt))
       hidden.push_back({{"name", column.name}, {"caption", column.caption(language)}});
   }
   view_.columns = section.view.columns;
-  for (const ViewRow& row : section.view.totals)
+  // Rows of a pivot are counted with its total, which can be asked for what is behind it.
+  for (const ViewRow& row : request_.pivot ? std::vector<ViewRow>() : section.view.totals)
     totals.push_back({{"kind", rowKindName(row.kind)},
                       {"level", row.level},
                       {"cells", Json::parse(cellsOf(row.cells))},
@@ -149,6 +205,14 @@ void ViewWindow::describe(const ReportSection& section) {
                   {"totals", std::move(totals)},
                   {"columnsLeftOut", section.view.columnsLeftOut},
                   {"hidden", std::move(hidden)}};
+  // A condition may be of a column that is never shown.
+  Json conditions = Json::array();
+  for (const RowCondition& condition : request_.arrangement.where) {
+    const auto isIt = [&condition](const ReportColumn& each) { return equalIgnoringCase(each.name, condition.column); };
+    if (const auto column = std::ranges::find_if(report_.columns, isIt); column != report_.columns.end())
+      conditions.push_back({{"name", condition.column}, {"caption", column->caption(language)}});
+  }
+  if (!conditions.empty()) description_["conditions"] = std::move(conditions);
 }
 
 tsql::Connection* ViewWindow::accountFile() const {
@@ -176,9 +240,14 @@ void ViewWindow::spoolRows() {
     std::int64_t count = 0;
     for (const auto rows = view_.rows(); rows->next();) {
       tsql::endIfStopped();
+      if (pivot_) noteSubtotal(rows->row(), count);
       spool_->add(windowRow(rows->row()));
       if (++count % rowsANotice == 0) changed_.notify_all();
     }
+  }
+  if (pivot_) {
+    for (const ViewRow& total : view_.totals)
+      spool_->add(windowRow(total));
   }
   spool_->finish();
   view_.rows = nullptr;
@@ -188,6 +257,18 @@ void ViewWindow::spoolRows() {
     complete_ = true;
   }
   changed_.notify_all();
+}
+
+// Subtotals follow the rows that they sum: those since the last subtotal of their level or of one further out.
+void ViewWindow::noteSubtotal(const ViewRow& row, std::int64_t number) {
+  if (row.kind != RowKind::subtotal) return;
+  const auto level = static_cast<std::size_t>(row.level);
+  if (groupsBegin_.size() <= level) groupsBegin_.resize(level + 1, groupsBegin_.empty() ? 0 : groupsBegin_.back());
+  {
+    const std::scoped_lock lock(mutex_);
+    sums_[number] = groupsBegin_[level];
+  }
+  std::fill(groupsBegin_.begin() + row.level, groupsBegin_.end(), number + 1);
 }
 
 std::string ViewWindow::cellsOf(const std::vector<tsql::Value>& cells) const {
@@ -274,6 +355,44 @@ std::string ViewWindow::details(std::int64_t row) {
   return "{\"rows\":" + json(spool_ ? spool_->details(row) : std::vector<WindowRow>(), row) + "}";
 }
 
+Json ViewWindow::behind(std::int64_t row, std::int64_t column) {
+  waitUntil([&] { return spool_ && spool_->size() > row; });
+  if (!pivot_) throw unknown(messages::noSuchRowOfView(row));
+  if (column >= std::ssize(view_.columns)) throw unknown(messages::noSuchColumnOfView(column));
+  if (static_cast<std::size_t>(row) >= pivot_->rowCount()) throw unknown(messages::noSuchRowOfView(row));
+  Json where = Json::array();
+  for (const RowCondition& condition : pivot_->where(static_cast<std::size_t>(row), static_cast<std::size_t>(column)))
+    where.push_back({{"column", condition.column}, {"kind", kindName(condition.kind)}, {"values", condition.values}});
+  return {{"where", std::move(where)}};
+}
+
+void ViewWindow::fold(const std::vector<std::int64_t>& subtotals) {
+  waitUntil([] { return false; });
+  std::vector<RowSpan> spans;
+  const std::scoped_lock lock(mutex_);
+  for (const std::int64_t row : subtotals) {
+    const auto sum = sums_.find(row);
+    if (sum == sums_.end()) throw unknown(messages::noSuchRowOfView(row));
+    spans.emplace_back(sum->second, row);
+  }
+  // Of nested ones the outer counts.
+  std::ranges::sort(spans, [](const RowSpan& one, const RowSpan& other) {
+    return one.first != other.first ? one.first < other.first : one.second > other.second;
+  });
+  std::int64_t end = 0;
+  std::erase_if(spans, [&end](const RowSpan& span) {
+    if (span.second <= end) return true;
+    end = span.second;
+    return false;
+  });
+  folded_ = std::move(spans);
+}
+
+std::vector<RowSpan> ViewWindow::folded() {
+  const std::scoped_lock lock(mutex_);
+  return folded_;
+}
+
 std::int64_t ViewWindow::ledgerLine(std::int64_t row) {
   waitUntil([&] { return !spool_ || spool_->size() > row; });
   const std::vector<WindowRow> rows = rowsAt(row, 1);
@@ -284,12 +403,21 @@ std::int64_t ViewWindow::ledgerLine(std::int64_t row) {
 
 std::string ViewWindow::json(const std::vector<WindowRow>& rows, std::int64_t first) const {
   const bool opensDocuments = report_.opensDocuments();
+  const auto firstOf = [this](std::int64_t number) -> std::optional<std::int64_t> {
+    const std::scoped_lock lock(mutex_);
+    const auto sum = sums_.find(number);
+    return sum == sums_.end() ? std::nullopt : std::optional(sum->second);
+  };
   std::string text = "[";
   for (const WindowRow& row : rows) {
     if (text.size() > 1) text += ',';
-    text += "{\"n\":" + std::to_string(first++) + ",\"kind\":\"";
+    const std::int64_t number = first++;
+    text += "{\"n\":" + std::to_string(number) + ",\"kind\":\"";
     text.append(rowKindName(row.kind)).append("\",\"level\":").append(std::to_string(row.level));
     text.append(",\"cells\":").append(row.cells);
+    if (row.kind == RowKind::subtotal) {
+      if (const auto sums = firstOf(number)) text += ",\"first\":" + std::to_string(*sums);
+    }
     if (row.details > 0) text += ",\"details\":" + std::to_string(row.details);
     text.append(",\"opens\":").append(opensDocuments && row.ledgerLine ? "true" : "false").append("}");
   }

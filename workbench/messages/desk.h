@@ -33,6 +33,7 @@ inline constexpr Text<1> noSuchDialog{"没有打开的对话框 {1}，可能已�
 inline constexpr Text<1> noSuchRun{"没有运行 {1}，可能已关闭", "there is no run {1}; it may have been closed"};
 inline constexpr Text<1> noSuchView{"没有视图 {1}，可能已关闭", "there is no view {1}; it may have been closed"};
 inline constexpr Text<1> noSuchRowOfView{"视图没有第 {1} 行", "the view has no row {1}"};
+inline constexpr Text<1> noSuchColumnOfView{"视图没有第 {1} 列", "the view has no column {1}"};
 inline constexpr Text<1> noSuchFilter{"没有名为“{1}”的过滤条件", "there is no filter \"{1}\""};
 inline constexpr Text<1> itemUnknown{"此报表没有过滤项“{1}”", "this report has no filter item \"{1}\""};
 inline constexpr Text<2> layoutUnknown{"{1} 没有版式“{2}”", "{1} has no layout \"{2}\""};
@@ -44,6 +45,7 @@ inline constexpr Text<1> objectExpected{"此处应为含“{1}”的对象", "an
 inline constexpr Text<1> memberMissing{"缺少“{1}”", "\"{1}\" is missing"};
 inline constexpr Text<2> wrongMember{"“{1}”必须是{2}", "\"{1}\" must be {2}"};
 inline constexpr Text<0> anArrayOfTexts{"文本的数组", "an array of texts"};
+inline constexpr Text<0> anArrayOfRows{"行号的数组", "an array of numbers of rows"};
 inline constexpr Text<0> aWholeNumber{"整数", "a whole number"};
 inline constexpr Text<0> aCount{"不小于 0 的整数", "a whole number of 0 or more"};
 inline constexpr Text<0> aLanguage{"zh 或 en", "zh or en"};

@@ -274,6 +274,31 @@ TEST_F(DeskRuns, PartsAreFoldedAwayAndOut) {
   EXPECT_EQ(at, all.size());
 }
 
+TEST_F(DeskRuns, ColumnsThatOnlyPartsFillAreMarkedAndNotExported) {
+  const std::string run = done("fx-detail", ledgerValues());
+  const auto ofDetails = [](const Json& shown) {
+    std::vector<std::string> names;
+    for (const Json& column : shown["columns"]) {
+      if (column.contains("ofDetails")) names.push_back(column["name"]);
+    }
+    return names;
+  };
+  const auto head = [&](const Json& shown) {
+    const std::string csv = exported(run, shown, "csv");
+    return csv.substr(0, csv.find('\n'));
+  };
+  const Json folded = view(run, {{"layout", "ledger"}});
+  EXPECT_EQ(ofDetails(folded), (std::vector<std::string>{"cfxCode", "cfxName"}));
+  EXPECT_THAT(head(folded), Not(HasSubstr("Cost item")));
+  const Json chosen = view(run, {{"layout", "ledger"}, {"columns", {"dKeepDate", "cfxName", "iInPrice"}}});
+  EXPECT_EQ(ofDetails(chosen), (std::vector<std::string>{"cfxName"}));
+  EXPECT_THAT(head(chosen), Not(HasSubstr("Cost item")));
+  const Json open = view(run, {{"layout", "ledger"}, {"details", true}});
+  EXPECT_THAT(ofDetails(open), IsEmpty());
+  EXPECT_THAT(head(open), HasSubstr("Cost item"));
+  EXPECT_THAT(ofDetails(view(run, {{"layout", "lines"}})), IsEmpty());
+}
+
 TEST_F(DeskRuns, ARowOpensItsDocument) {
   const std::string run = done("fx-wt");
   for (const char* layout : {"lines", "vouchers"}) {
