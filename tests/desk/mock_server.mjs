@@ -376,11 +376,12 @@ const linesOf = {'sfc-item': 9000, 'outsum-item': 25000, 'fx-detail': 1500, 'fx-
 
 function makeView(id, run, wanted) {
   const lang = wanted.lang === 'en' ? 'en' : 'zh';
-  const name = wanted.layout || run.report.layouts[0];
-  if (!run.report.layouts.includes(name)) throw new Refusal(422, 'layout', `no layout ${name}`);
+  const name = wanted.measures ? 'pivot' : wanted.layout || run.report.layouts[0];
+  if (!wanted.measures && !run.report.layouts.includes(name)) throw new Refusal(422, 'layout', `no layout ${name}`);
   const word = lang === 'en' ? 'Total' : '合计';
   let made;
-  if (name === 'summary') made = table(data.summaryColumns(), 18, wanted, word, {hidden: [], leftOut: 0});
+  if (name === 'pivot') made = pivotTable(word);
+  else if (name === 'summary') made = table(data.summaryColumns(), 18, wanted, word, {hidden: [], leftOut: 0});
   else if (name === 'tree') made = listed(data.treeRows(), wanted);
   else if (name === 'ledger') made = listed(data.ledgerRows(lang === 'en'), wanted);
   else {
@@ -435,6 +436,33 @@ function makeView(id, run, wanted) {
       .map(({name: one, caption, group}) => ({name: one, caption, group})),
   };
   return view;
+}
+
+// The same pivot whatever is asked for: two warehouses of two months each.
+function pivotTable(word) {
+  const line = (warehouse, month, amount) => ({kind: 'line', level: 0, cells: [warehouse, month, amount]});
+  const rows = [
+    line('01 原料库', '2024-01', '10.00'),
+    line('01 原料库', '2024-02', '20.50'),
+    {kind: 'subtotal', level: 0, first: 0, cells: [`01 原料库 ${word}`, null, '30.50']},
+    line('02 成品库', '2024-01', '1.00'),
+    line('02 成品库', '2024-02', '2.00'),
+    {kind: 'subtotal', level: 0, first: 3, cells: [`02 成品库 ${word}`, null, '3.00']},
+    {kind: 'total', level: 0, cells: [word, null, '33.50']},
+  ];
+  return {
+    columns: [
+      {name: 'cWhCode', zh: '仓库', en: 'Warehouse', role: 'text', key: true},
+      {name: 'month', zh: '月份', en: 'Month', role: 'text', key: true},
+      {name: 'amount', zh: '金额', en: 'Amount', role: 'money'},
+    ],
+    hidden: [],
+    leftOut: 0,
+    totals: [],
+    lineCount: 4,
+    rowCount: rows.length,
+    row: (n) => rows[n],
+  };
 }
 
 function table(columns, count, wanted, word, {hidden, leftOut}) {
@@ -518,6 +546,7 @@ const answered = (view, row, n) => ({
   n,
   kind: row.kind,
   level: row.level,
+  ...(row.first === undefined ? {} : {first: row.first}),
   cells: view.shown(row.cells),
   opens: row.opens ?? (view.opens && row.kind === 'line'),
   ...(view.made.folds && row.detailRows ? {details: row.detailRows.length} : {}),
@@ -696,6 +725,23 @@ export async function startMock(port = 0) {
       case 'DELETE runs/ID':
         of(runs, id, 'run').state = 'stopped';
         runs.delete(id);
+        return {};
+      case 'GET runs/ID/pivots':
+        return {
+          dimensions: [
+            {name: 'cWhCode', caption: {zh: '仓库', en: 'Warehouse'}, state: false},
+            {name: 'month', caption: {zh: '月份', en: 'Month'}, state: false},
+          ],
+          measures: [{name: 'amount', caption: {zh: '金额', en: 'Amount'}, shares: true}],
+          ownMeasures: [],
+        };
+      case 'POST runs/ID/pivots': {
+        const run = of(runs, id, 'run');
+        return [201, add(run.views, (number) => makeView(number, run, body)).answer];
+      }
+      case 'GET runs/ID/views/V/where':
+        return {where: []};
+      case 'PUT runs/ID/views/V/folds':
         return {};
       case 'POST runs/ID/views': {
         const run = of(runs, id, 'run');

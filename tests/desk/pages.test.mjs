@@ -5,7 +5,14 @@ import {readFileSync, readdirSync} from 'node:fs';
 import {fileURLToPath} from 'node:url';
 import {filterIn, placeIn, putFilter, putPlace, putView, viewIn} from '../../workbench/desk/pages/address.js';
 import {Folds} from '../../workbench/desk/pages/ledger.js';
-import {Rows} from '../../workbench/desk/pages/rows.js';
+import {Picked, Rows} from '../../workbench/desk/pages/rows.js';
+
+// Texts ask the browser which language is kept.
+globalThis.localStorage = {getItem: () => null, setItem() {}};
+globalThis.navigator ??= {language: 'zh-CN'};
+const {PivotRows, firstPivot, foldedIn, pivotIn, putPivot, sortNameOf} =
+  await import('../../workbench/desk/pages/pivot.js');
+const {seconds} = await import('../../workbench/desk/pages/texts.js');
 
 const again = (query) => new URLSearchParams(query.toString());
 
@@ -177,6 +184,83 @@ test('lines fold out and in again, in any order', async () => {
   assert.deepEqual(texts(4, 8), ['4', '5', '6', '7']);
 });
 
+test('a grid may show some of the columns of rows', async () => {
+  const rows = new Rows(answering(1000), 1000, 2);
+  await rows.ensure(0, 10);
+  const picked = new Picked(rows, []);
+  assert.deepEqual(picked.at(3).cells, []);
+  assert.equal(picked.at(3).n, rows.at(3).n);
+  picked.pick([0, 0]);
+  assert.deepEqual(picked.at(3).cells, ['3', '3']);
+  assert.equal(picked.at(999), undefined);
+});
+
+test('a time below a tenth of a second is told in milliseconds', () => {
+  assert.match(seconds(4.2), /^4 (ms|毫秒)$/);
+  assert.match(seconds(99), /^99 (ms|毫秒)$/);
+  assert.match(seconds(100), /^0\.1 (s|秒)$/);
+});
+
+test('a pivot goes into the address and comes out of it', () => {
+  const pivot = {
+    rows: ['costItemClass1', 'cWhCode'],
+    columns: ['month'],
+    measures: ['amount', 'amount:row'],
+    sort: [{column: 'amount', descending: true}],
+  };
+  const query = again(putPivot(new URLSearchParams({folded: '4,9', report: 'fx-wt'}), pivot));
+  assert.deepEqual(pivotIn(query), pivot);
+  assert.equal(query.get('report'), 'fx-wt');
+  assert.deepEqual(foldedIn(query), [], 'rows have other numbers');
+  assert.deepEqual(foldedIn(new URLSearchParams({folded: '4,9'})), [4, 9]);
+});
+
+test('a pivot begins with amounts, over months where rows are of months', () => {
+  const named = (...names) => names.map((name) => ({name, state: name === 'cState'}));
+  const months = firstPivot({dimensions: named('cWhCode', 'month'), measures: named('quantity', 'amount')});
+  assert.deepEqual(months, {rows: ['cWhCode'], columns: ['month'], measures: ['amount'], sort: []});
+  const states = firstPivot({
+    dimensions: named('cInvCode', 'month', 'cState'),
+    measures: named('openingAmount', 'closingAmount', 'closingUnitCost'),
+  });
+  assert.deepEqual(states.columns, []);
+  assert.deepEqual(states.rows, ['cInvCode']);
+  assert.deepEqual(states.measures, ['openingAmount', 'closingAmount']);
+});
+
+test('a pivot is ordered by what stands down, and by totals', () => {
+  const pivot = {rows: ['cWhCode'], columns: ['month']};
+  assert.equal(sortNameOf({name: 'cWhCode', number: false}, pivot), 'cWhCode');
+  assert.equal(sortNameOf({name: 'total/amount:row', number: true}, pivot), 'amount');
+  assert.equal(sortNameOf({name: '2024-01/amount', number: true}, pivot), null);
+  assert.equal(sortNameOf({name: 'amount', number: true}, {rows: ['cWhCode'], columns: []}), 'amount');
+});
+
+test('outer values of a pivot are folded away under their subtotals', async () => {
+  // Of two outer values with two inner ones of two lines each: 2 lines, their subtotal, 2 lines, theirs, that of the outer.
+  const firsts = {2: 0, 5: 3, 6: 0, 9: 7, 12: 10, 13: 7};
+  const fetchPage = async (offset, limit) => ({
+    rowCount: 15,
+    complete: true,
+    rows: Array.from({length: Math.min(limit, 15 - offset)}, (_, at) => ({n: offset + at, first: firsts[offset + at]})),
+  });
+  const rows = new PivotRows(new Rows(fetchPage, 15, 1));
+  await rows.ensure(0, 15);
+  const shown = () => Array.from({length: rows.rowCount}, (_, at) => rows.at(at).n);
+  await rows.toggle(5);
+  assert.deepEqual(shown(), [0, 1, 2, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14]);
+  assert.deepEqual([rows.state(0), rows.state(3), rows.state(4)], [undefined, false, true]);
+  await rows.toggle(4);
+  assert.deepEqual(shown(), [6, 7, 8, 9, 10, 11, 12, 13, 14], 'the inner one is within the outer');
+  assert.deepEqual([rows.indexOf(4), rows.indexOf(6), rows.indexOf(13)], [0, 0, 7]);
+  await rows.foldAll();
+  assert.deepEqual(shown(), [6, 13, 14]);
+  await rows.fold([]);
+  assert.equal(rows.rowCount, 15);
+  await rows.fold([5, 1]);
+  assert.deepEqual([...rows.folded], [[5, 3]], 'a line sums nothing');
+});
+
 test('every text is there in both languages, and used', () => {
   const folder = fileURLToPath(new URL('../../workbench/desk/pages/', import.meta.url));
   const source = (name) => readFileSync(folder + name, 'utf8');
@@ -192,7 +276,7 @@ test('every text is there in both languages, and used', () => {
     .map(source)
     .join('\n');
   for (const [, key] of code.matchAll(/\bt\('(\w+)'/g)) assert.ok(keys.includes(key), key);
-  const madeUp = /^(state_|kind_|key[A-Z]|theme)/;
+  const madeUp = /^(state_|kind_|share_|key[A-Z]|theme)/;
   for (const key of keys) if (!madeUp.test(key)) assert.ok(new RegExp(`'${key}'`).test(code), `${key} is not used`);
 });
 

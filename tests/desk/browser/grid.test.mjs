@@ -7,6 +7,7 @@ import {
   focusHeading,
   gridOf,
   isDouble,
+  obstacles,
   openDesk,
   rearrange,
   runReport,
@@ -340,8 +341,34 @@ test('a layout that cannot be shown as asked says so and offers the way out', as
   query.set('columns', 'noSuchColumn');
   await page.goto(`${address}/${hash.split('?')[0]}?${query}`);
   await page.waitForSelector('.grid-area .message');
-  await page.click('.grid-area button');
+  await page.click('.grid-area .card > button');
   await waitForGrid(page);
+});
+
+test('a filter that is refused says so at the column, and the rows stay with their other filters', async () => {
+  const isDate = (column, text) => /^\d{4}-\d\d-\d\d$/.test(text);
+  const word = await focusHeading(page, isWord);
+  await page.keyboard.press('Alt+ArrowDown');
+  await page.selectOption('.column-filter select', 'equals');
+  await page.fill('.column-filter textarea', word.text);
+  await rearrange(page, () => page.click('.column-filter button[type=submit]'));
+  const before = await gridOf(page);
+  await focusHeading(page, isDate);
+  await page.keyboard.press('Alt+ArrowDown');
+  await page.selectOption('.column-filter select', 'range');
+  await page.fill('.column-filter .values input >> nth=0', 'yesterday');
+  await page.keyboard.press('Enter');
+  await page.waitForSelector('.column-filter .message:not([hidden])');
+  assert.match(await page.innerText('.column-filter .message'), /yesterday/);
+  assert.equal(await page.getAttribute('.column-filter .values input >> nth=0', 'aria-invalid'), 'true');
+  assert.deepEqual(await obstacles(page), []);
+  assert.deepEqual((await gridOf(page)).rows, before.rows);
+  await page.fill('.column-filter .values input >> nth=0', '2000-01-01');
+  await rearrange(page, () => page.keyboard.press('Enter'));
+  const after = await gridOf(page);
+  assert.equal(after.rowCount, before.rowCount);
+  assert.equal(await page.locator('.chips .chip').count(), 2);
+  await rearrange(page, () => page.click('.chips button.quiet'));
 });
 
 test('nothing was said against the pages', () => assert.deepEqual(page.problems, []));

@@ -3,7 +3,7 @@
 //   node tests/desk/browser/run.mjs --program PROGRAM [FILE...]     at another build
 //   node tests/desk/browser/run.mjs --double [FILE...]              at the test double
 //   DESK_LINK=http://127.0.0.1:.../open/... node ...run.mjs [FILE...]   at one that runs already, by the link it printed
-// Without files, all that the desk can play: double.test.mjs is for the double alone, export.test.mjs for the server.
+// Without files, all that the desk can play: double.test.mjs is for the double alone, some for the server.
 import {spawn} from 'node:child_process';
 import {existsSync, readdirSync} from 'node:fs';
 import {availableParallelism} from 'node:os';
@@ -32,12 +32,13 @@ const lines = 20000;
 const manyLines = Number(process.env.DESK_MANY_LINES ?? 216000);
 const measures = 'large.test.mjs';
 const ofDouble = 'double.test.mjs';
-const ofServer = 'export.test.mjs'; // the double's files are made up
+// The double's files and figures are made up.
+const ofServer = ['export.test.mjs', 'ledger.test.mjs', 'pivot.test.mjs'];
 
 const files = readdirSync(folder).filter((name) =>
   given.length > 0
     ? given.includes(name)
-    : name.endsWith('.test.mjs') && name !== (options.double ? ofServer : ofDouble),
+    : name.endsWith('.test.mjs') && !(options.double ? ofServer : [ofDouble]).includes(name),
 );
 for (const name of given) {
   if (files.includes(name)) continue;

@@ -100,7 +100,7 @@ TEST_F(DeskPivots, FiguresOfAStateHaveRowsOfThatState) {
   const Json shown = pivot(run, {{"rows", {"cWhCode"}}, {"measures", {"receiptAmount", "closingAmount"}}});
   const Json rows = allRows(run, shown);
   for (const std::size_t row : {std::size_t{0}, rows.size() - 1}) {
-    for (const std::size_t column : {1, 2})
+    for (const std::size_t column : {std::size_t{1}, std::size_t{2}})
       EXPECT_EQ(sumBehind(run, shown, row, column, "iMoney"), hundredths(rows[row]["cells"][column]));
   }
   // What a condition is of is told, though its column is never shown.

@@ -78,6 +78,10 @@ export const api = {
   closeRun: (id) => remove(`runs/${part(id)}`),
 
   makeView: (run, view) => post(`runs/${part(run)}/views`, view),
+  pivotChoices: (run) => get(`runs/${part(run)}/pivots`),
+  makePivot: (run, pivot) => post(`runs/${part(run)}/pivots`, pivot),
+  behind: (run, view, n, column) => get(`runs/${part(run)}/views/${part(view)}/where?n=${n}&column=${column}`),
+  fold: (run, view, rows) => call('PUT', `runs/${part(run)}/views/${part(view)}/folds`, {rows}),
   rows: (run, view, offset, limit) => get(`runs/${part(run)}/views/${part(view)}/rows?offset=${offset}&limit=${limit}`),
   details: (run, view, n) => get(`runs/${part(run)}/views/${part(view)}/details?n=${n}`),
   documents: (run, view, n) => post(`runs/${part(run)}/views/${part(view)}/document`, {n}),

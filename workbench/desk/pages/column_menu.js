@@ -1,11 +1,11 @@
 // What can be done with a column: order by it, choose among the rows by it, move, hide, freeze it, group by it.
-import {button, fill, h} from './dom.js';
+import {button, fill, h, newId} from './dom.js';
 import {menu} from './popup.js';
 import {t} from './texts.js';
 
 // `view` is what is shown now; arrange(change) shows a changed copy of it. `names` are the columns shown, in their
-// order.
-export function openColumnMenu(anchor, {column, names, view, arrange, widen, frozen}) {
+// order. tryArrange(change) does the same unless the server refuses it, and throws its refusal then.
+export function openColumnMenu(anchor, {column, names, view, arrange, tryArrange, widen, frozen}) {
   const {name} = column;
   const at = names.indexOf(name);
   const others = view.sort.filter((key) => key.column !== name);
@@ -77,7 +77,7 @@ export function openColumnMenu(anchor, {column, names, view, arrange, widen, fro
     null,
   ].filter((entry) => entry !== false && entry !== undefined);
   const shown = menu(anchor, t('columnMenu', {caption: column.caption}), entries, [
-    filterForm(column, view, arrange, () => shown.close()),
+    filterForm(column, view, tryArrange, () => shown.close()),
   ]);
 }
 
@@ -87,7 +87,7 @@ export function moved(list, from, to) {
   return list;
 }
 
-function filterForm(column, view, arrange, close) {
+function filterForm(column, view, tryArrange, close) {
   const now = view.where.find((one) => one.column === column.name);
   const kind = h(
     'select',
@@ -116,12 +116,23 @@ function filterForm(column, view, arrange, close) {
   };
   kind.addEventListener('change', draw);
   draw();
-  const keep = (values) => {
-    close();
-    arrange((next) => {
-      const rest = next.where.filter((one) => one.column !== column.name);
-      next.where = values ? [...rest, {column: column.name, kind: kind.value, values}] : rest;
-    });
+  // What is refused is said here, and the rows stay as they are.
+  const refusal = h('p', {class: 'message', role: 'alert', id: newId('refusal'), hidden: true});
+  const keep = async (values) => {
+    try {
+      await tryArrange((next) => {
+        const rest = next.where.filter((one) => one.column !== column.name);
+        next.where = values ? [...rest, {column: column.name, kind: kind.value, values}] : rest;
+      }, close);
+    } catch (error) {
+      refusal.textContent = error.message;
+      refusal.hidden = false;
+      for (const input of place.querySelectorAll('input, textarea')) {
+        input.setAttribute('aria-invalid', 'true');
+        input.setAttribute('aria-describedby', refusal.id);
+      }
+      place.querySelector('input, textarea').focus();
+    }
   };
   return h(
     'form',
@@ -142,6 +153,7 @@ function filterForm(column, view, arrange, close) {
     },
     h('div', {class: 'column-filter-head'}, h('span', {}, t('filter')), kind),
     place,
+    refusal,
     h(
       'div',
       {class: 'actions'},

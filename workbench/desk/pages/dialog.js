@@ -92,7 +92,6 @@ export class DialogPage {
       );
     });
     this.messages = h('div', {class: 'messages', role: 'alert'});
-    this.view = h('span', {class: 'tag'});
     this.runButton = h('button', {type: 'submit', class: 'primary'}, t('run'));
     const load = button(t('loadFilter'), () => openFilters(load, this.report, (saved) => this.open(saved.values)), {
       'aria-haspopup': 'dialog',
@@ -118,7 +117,6 @@ export class DialogPage {
             {class: 'titles'},
             h('h1', {}, caption(this.report.title)),
             h('span', {class: 'muted'}, t('filterOf')),
-            this.view,
           ),
           h(
             'div',
@@ -145,8 +143,6 @@ export class DialogPage {
       const given = state.items.filter((item) => keys.includes(item.key) && (item.value || item.value2)).length;
       filled.textContent = given > 0 ? t('filledIn', {n: given}) : '';
     }
-    this.view.textContent = state.view ? `${t('view')}: ${caption(state.view)}` : '';
-    this.view.hidden = !state.view;
     this.showMessages(state.messages);
     this.write();
   }

@@ -13,7 +13,7 @@ const copyCellLimit = 2000000;
 const widest = 360;
 const narrowest = 48;
 
-const numbers = new Set(['quantity', 'money', 'movement', 'amount', 'unitCost']);
+const numbers = new Set(['quantity', 'money', 'movement', 'amount', 'unitCost', 'share']);
 export const isNumber = (column) => numbers.has(column.role);
 
 export class Grid {
@@ -93,6 +93,23 @@ export class Grid {
     this.resized?.disconnect();
     this.rows.close();
     this.disposed = true;
+  }
+
+  // Shows these columns of the view instead: each comes with the index of its cells in `columns`.
+  async setColumns(columns, totals) {
+    const {row, column} = this.active;
+    const name = this.columns[column]?.name;
+    this.columns = columns.map((one) => ({...one, number: isNumber(one)}));
+    this.totals = totals;
+    this.totalsKey = null;
+    const first = Math.max(0, Math.floor(this.firstRow));
+    this.measure(first, first + 100);
+    this.freeze();
+    this.setWidths();
+    this.table.setAttribute('aria-colcount', String(this.columns.length));
+    this.active = {row, column: Math.max(0, this.indexOf(name))};
+    this.anchor = null;
+    await this.redraw();
   }
 
   indexOf(name) {
@@ -536,7 +553,9 @@ export class Grid {
   }
 
   open(row) {
-    if (this.rows.at(row)?.opens) this.tell.open(this.rows.at(row).n);
+    if (this.tell.openCell) {
+      if (this.rows.at(row)) this.tell.openCell(this.rows.at(row), this.active.column);
+    } else if (this.rows.at(row)?.opens) this.tell.open(this.rows.at(row).n);
     else if (this.rows.state?.(row) !== undefined) this.toggle(row);
     else say(t('noDocument'));
   }
@@ -544,8 +563,12 @@ export class Grid {
   async toggle(row) {
     if (this.rows.state?.(row) === undefined) return;
     try {
+      const number = this.rows.at(row).n;
       await this.rows.toggle(row);
       await this.redraw();
+      // What is folded away above the row moves it.
+      const index = this.rows.indexOf?.(number);
+      if (index !== undefined) this.moveTo(index, this.active.column);
     } catch (error) {
       notice(error.message, {error: true});
     }
@@ -604,7 +627,14 @@ export class Grid {
       }
     };
     document.addEventListener('mousemove', drag);
-    document.addEventListener('mouseup', () => document.removeEventListener('mousemove', drag), {once: true});
+    document.addEventListener(
+      'mouseup',
+      () => {
+        document.removeEventListener('mousemove', drag);
+        if (this.tell.openCell && !this.anchor) this.open(place.row);
+      },
+      {once: true},
+    );
   }
 
   // On a heading: a click sorts, a drag moves the column.
@@ -660,7 +690,7 @@ export class Grid {
 
   doubleClick(event) {
     const place = this.cellAt(event.target);
-    if (place && place.row >= 0 && place.row < this.rowCount) this.open(place.row);
+    if (place && place.row >= 0 && place.row < this.rowCount && !this.tell.openCell) this.open(place.row);
   }
 
   contextMenu(event) {

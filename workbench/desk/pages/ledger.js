@@ -15,6 +15,10 @@ export class Folds {
     rows.onchange = () => this.onchange();
   }
 
+  // Whether any line is folded out.
+  get anyOpen() {
+    return this.open.length > 0;
+  }
   get rowCount() {
     return this.rows.rowCount + this.extra;
   }

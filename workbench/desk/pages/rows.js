@@ -89,3 +89,53 @@ export class Rows {
     this.pages.clear();
   }
 }
+
+// Some of the columns of rows, for a grid that does not show them all.
+export class Picked {
+  // `indexes`: which cells of a row, in their order.
+  constructor(rows, indexes) {
+    this.rows = rows;
+    this.pick(indexes);
+  }
+
+  pick(indexes) {
+    this.indexes = indexes;
+    this.kept = new WeakMap();
+  }
+
+  get rowCount() {
+    return this.rows.rowCount;
+  }
+  get complete() {
+    return this.rows.complete;
+  }
+
+  at(index) {
+    const row = this.rows.at(index);
+    if (!row) return row;
+    let picked = this.kept.get(row);
+    if (!picked) {
+      picked = {...row, cells: this.indexes.map((one) => row.cells[one])};
+      this.kept.set(row, picked);
+    }
+    return picked;
+  }
+  has(from, to) {
+    return this.rows.has(from, to);
+  }
+  ensure(from, to) {
+    return this.rows.ensure(from, to);
+  }
+  indexOf(number) {
+    return this.rows.indexOf?.(number);
+  }
+  state(index) {
+    return this.rows.state?.(index);
+  }
+  toggle(index) {
+    return this.rows.toggle(index);
+  }
+  close() {
+    this.rows.close();
+  }
+}

@@ -6,10 +6,21 @@ import {openColumns} from './columns.js';
 import {showDocuments} from './document.js';
 import {button, fill, h, notice, say} from './dom.js';
 import {openExport} from './export.js';
-import {Grid} from './grid.js';
+import {Grid, isNumber} from './grid.js';
 import {Folds} from './ledger.js';
-import {Rows} from './rows.js';
-import {conditionsText} from './start.js';
+import {
+  PivotPanel,
+  PivotRows,
+  firstPivot,
+  foldedIn,
+  openPivotMenu,
+  pivotIn,
+  pivotNames,
+  putPivot,
+  sortNameOf,
+} from './pivot.js';
+import {Picked, Rows} from './rows.js';
+import {conditionsText, filterText} from './start.js';
 import {StatementsUnderWay, statementsPanel} from './statements.js';
 import {caption, count, language, seconds, t} from './texts.js';
 
@@ -21,6 +32,7 @@ export class RunPage {
     this.element = h('div', {class: 'page run'});
     this.query = new URLSearchParams();
     this.asked = 0;
+    this.captions = new Map(); // of columns that have been shown
   }
 
   get report() {
@@ -105,7 +117,11 @@ export class RunPage {
 
   head(...actions) {
     const edit = this.report && h('a', {class: 'button', href: this.filterAddress()}, t('changeFilter'));
-    const conditions = conditionsText(this.info.conditions);
+    // The run knows its conditions when it is done; until then, those that it was started with count.
+    const conditions =
+      this.info.state === 'running'
+        ? filterText(this.report, filterIn(this.query))
+        : conditionsText(this.info.conditions);
     return h(
       'div',
       {class: 'page-head'},
@@ -198,6 +214,7 @@ export class RunPage {
     this.drawBar(isStatements);
     this.gridArea.hidden = isStatements;
     this.tools.hidden = isStatements;
+    this.panelArea.hidden = isStatements;
     this.statementsArea.hidden = !isStatements;
     if (isStatements) {
       fill(this.statementsArea, statementsPanel(this.info));
@@ -228,10 +245,12 @@ export class RunPage {
   drawFrame() {
     this.bar = h('nav', {class: 'layout-bar', 'aria-label': t('layouts')});
     this.tools = h('div', {class: 'tools'});
+    this.panelArea = h('div', {class: 'panel-area'});
+    this.panel = null;
     this.gridArea = h('div', {class: 'grid-area'});
     this.statementsArea = h('div', {class: 'statements-area'});
     this.headArea = h('div', {});
-    this.frame = [this.headArea, this.bar, this.tools, this.gridArea, this.statementsArea];
+    this.frame = [this.headArea, this.bar, this.panelArea, this.tools, this.gridArea, this.statementsArea];
     fill(this.element, this.frame);
   }
 
@@ -245,6 +264,7 @@ export class RunPage {
     const wanted = this.wantedView();
     // A layout has its own columns; what the last one was arranged by does not follow into it.
     const filterOnly = putFilter(new URLSearchParams({report: this.reportName}), filterIn(this.query));
+    for (const name of pivotNames) if (this.query.has(name)) filterOnly.set(name, this.query.get(name));
     const link = (path, query, text, here) =>
       h('a', {href: write(path, query), 'aria-current': here ? 'page' : null}, text);
     fill(
@@ -255,6 +275,7 @@ export class RunPage {
         if (!here) query.set('layout', layout.name);
         return link(['run', this.id], query, caption(layout.caption), here && !isStatements);
       }),
+      this.pivotLink(wanted, filterOnly, link, isStatements),
       link(
         ['run', this.id, 'statements'],
         this.query,
@@ -265,18 +286,63 @@ export class RunPage {
     );
   }
 
+  pivotLink(wanted, filterOnly, link, isStatements) {
+    const here = Boolean(wanted.pivot);
+    const query = here ? this.query : new URLSearchParams(filterOnly);
+    query.set('layout', 'pivot');
+    return link(['run', this.id], query, t('pivot'), here && !isStatements);
+  }
+
   wantedView() {
     const wanted = viewIn(this.query);
     wanted.layout ||= this.report.layouts[0]?.name ?? '';
+    if (wanted.layout === 'pivot') wanted.pivot = pivotIn(this.query);
     return wanted;
+  }
+
+  // The lists of what the pivot shows. An address that says nothing of it gets the report's first.
+  async drawPanel(wanted) {
+    if (!wanted.pivot) {
+      fill(this.panelArea);
+      this.panel = null;
+      return wanted;
+    }
+    if (!this.panel) {
+      const choices = await api.pivotChoices(this.id);
+      this.panel = new PivotPanel(choices, (pivot) => this.arrangePivot((next) => Object.assign(next, pivot)));
+    }
+    if (wanted.pivot.rows.length === 0 || wanted.pivot.measures.length === 0) {
+      wanted.pivot = firstPivot(this.panel.choices);
+      putPivot(this.query, wanted.pivot);
+      go(['run', this.id], this.query, {replace: true, quiet: true});
+    }
+    this.panel.show(wanted.pivot);
+    if (!this.panel.element.isConnected) fill(this.panelArea, this.panel.element);
+    return wanted;
+  }
+
+  arrangePivot(change, column) {
+    this.heading = column !== undefined;
+    const next = pivotIn(this.query);
+    change(next);
+    const query = putPivot(new URLSearchParams(this.query), next);
+    query.delete('row');
+    if (column) query.set('at', column);
+    go(['run', this.id], query);
   }
 
   // Shows what the address asks for. Nothing is done when that is what is shown.
   async drawView() {
-    const wanted = this.wantedView();
-    const {frozen, ...asked} = {...wanted, lang: language()};
-    const key = JSON.stringify(asked);
     const number = (this.asked += 1);
+    let wanted = this.wantedView();
+    if (wanted.pivot || this.panel) {
+      if (!this.view) this.busy();
+      wanted = await this.drawPanel(wanted);
+      if (number !== this.asked) return;
+    }
+    const {frozen} = wanted;
+    const asked = askedOf(wanted);
+    const key = JSON.stringify(asked);
     const place = placeIn(this.query);
     if (key === this.viewKey && frozen === this.wanted.frozen && this.grid) {
       this.wanted = wanted;
@@ -290,12 +356,17 @@ export class RunPage {
       this.grid?.element.contains(document.activeElement) ||
       document.activeElement === document.getElementById('main') ||
       document.activeElement === document.body;
-    this.gridArea.setAttribute('aria-busy', 'true');
-    this.gridArea.classList.add('busy');
+    this.busy();
     let view = this.view;
     try {
       if (key !== this.viewKey || !view) {
-        view = await api.makeView(this.id, asked);
+        if (this.ready?.key === key) {
+          ({view} = this.ready);
+          this.ready = null;
+        } else {
+          this.forgetReady();
+          view = await (wanted.pivot ? api.makePivot : api.makeView)(this.id, asked);
+        }
       }
     } catch (error) {
       if (number !== this.asked) return;
@@ -309,6 +380,7 @@ export class RunPage {
           'div',
           {class: 'card'},
           h('p', {class: 'message', role: 'alert'}, t('viewRefused', {message: error.message})),
+          this.chips(wanted),
           button(t('showLayout'), () =>
             this.go((next) =>
               Object.assign(next, {
@@ -340,9 +412,26 @@ export class RunPage {
     if (hadFocus && this.shown && this.part !== 'document') this.grid.focus();
   }
 
+  // The rows of a long result take seconds until they are in order.
+  busy() {
+    this.gridArea.setAttribute('aria-busy', 'true');
+    this.gridArea.classList.add('busy');
+    if (!this.busySign) {
+      this.busySign = h(
+        'div',
+        {class: 'busy-sign'},
+        h('div', {class: 'bar', 'aria-hidden': 'true'}),
+        h('span', {}, t('arranging')),
+      );
+      say(t('arranging'));
+    }
+    this.gridArea.append(this.busySign);
+  }
   unbusy() {
     this.gridArea.removeAttribute('aria-busy');
     this.gridArea.classList.remove('busy');
+    this.busySign?.remove();
+    this.busySign = null;
   }
 
   // Gives back the grid and, unless it is `kept`, its view on the server.
@@ -359,26 +448,42 @@ export class RunPage {
       view.rowCount,
       view.columns.length,
     );
-    const rows = new Folds(pages, (n) => api.details(this.id, view.id, n));
+    const {pivot} = wanted;
+    const rows = pivot ? new PivotRows(pages) : new Folds(pages, (n) => api.details(this.id, view.id, n));
     await pages.begin();
-    const sorted = new Map(
-      wanted.sort.map((key, index) => [key.column, {...key, place: index + 1, of: wanted.sort.length}]),
-    );
+    if (pivot) await rows.fold(foldedIn(this.query));
+    this.rows = rows;
+    const shown = columnsShown(view, rows);
+    const {sort} = pivot ?? wanted;
+    const sorted = new Map(sort.map((key, index) => [key.column, {...key, place: index + 1, of: sort.length}]));
+    if (pivot) {
+      for (const column of view.columns.filter(isNumber)) {
+        const mark = sorted.get(sortNameOf({...column, number: true}, pivot));
+        if (mark) sorted.set(column.name, mark);
+      }
+    }
     const filtered = new Set(wanted.where.map((one) => one.column));
     this.widths = new Map(Object.entries(JSON.parse(localStorage.getItem(this.widthsKey()) ?? '{}')));
     const layout = this.report.layouts.find((one) => one.name === view.layout);
     const grid = (this.grid = new Grid({
-      name: t('gridName', {title: this.title, layout: caption(layout?.caption)}),
-      view,
-      rows,
+      name: t('gridName', {title: this.title, layout: pivot ? t('pivot') : caption(layout?.caption)}),
+      view: {...view, ...shown},
+      rows: new Picked(rows, shown.indexes),
       widths: this.widths,
       frozen: wanted.frozen,
       sorted,
       filtered,
-      tell: this.teller(),
+      tell: pivot ? this.pivotTeller(rows, pivot) : this.teller(),
     }));
+    this.gridArea.classList.toggle('pivot', Boolean(pivot));
     rows.onchange = () => {
-      grid.redraw();
+      const now = columnsShown(view, rows);
+      if (now.columns.length !== grid.columns.length) {
+        grid.rows.pick(now.indexes);
+        grid.setColumns(now.columns, now.totals);
+      } else grid.redraw();
+      if (pivot) this.keepFolds(rows);
+      if (grid.active.row >= rows.rowCount) grid.moveTo(rows.rowCount - 1, grid.active.column);
       this.drawCount();
     };
     fill(this.gridArea, grid.element, view.rowCount === 0 && h('p', {class: 'no-rows muted'}, t('noRows')));
@@ -407,7 +512,7 @@ export class RunPage {
   // What the grid tells.
   teller() {
     const names = () => this.view.columns.map((column) => column.name);
-    const nameAt = (index) => this.view.columns[index].name;
+    const nameAt = (index) => this.grid.columns[index].name;
     return {
       open: (n) => this.openDocument(n),
       place: (row, column) => this.keepPlace(row, column),
@@ -423,8 +528,9 @@ export class RunPage {
       },
       move: (from, to) =>
         this.arrange((next) => {
-          next.columns = moved(names(), from, to);
-        }, names()[from]),
+          const all = names();
+          next.columns = moved(all, all.indexOf(nameAt(from)), all.indexOf(nameAt(to)));
+        }, nameAt(from)),
       // Ascending, then descending, then not at all; with `add` behind the columns that it is ordered by already.
       sort: (index, add) =>
         this.arrange((next) => {
@@ -446,8 +552,65 @@ export class RunPage {
           frozen: this.grid.frozen,
           widen: (by) => this.grid.widen(index, by),
           arrange: (change) => this.arrange(change, nameAt(index)),
+          tryArrange: (change, close) => this.tryArrange(change, nameAt(index), close),
         }),
     };
+  }
+
+  // What the grid of a pivot tells.
+  pivotTeller(rows, pivot) {
+    const column = (index) => this.grid.columns[index];
+    return {
+      ...this.teller(),
+      openCell: (row, index) => this.openBehind(row, index),
+      move() {},
+      sort: (index) => {
+        const name = sortNameOf(column(index), pivot);
+        if (!name) {
+          notice(t('pivotSortsTotals'));
+          return;
+        }
+        const mine = pivot.sort.find((key) => key.column === name);
+        this.arrangePivot((next) => {
+          next.sort = mine?.descending ? [] : [{column: name, descending: Boolean(mine)}];
+        }, column(index).name);
+      },
+      menu: (anchor, index) =>
+        openPivotMenu(anchor, {
+          column: column(index),
+          pivot,
+          widen: (by) => this.grid.widen(index, by),
+          arrange: (change) => this.arrangePivot(change, column(index).name),
+        }),
+    };
+  }
+
+  // Lists the rows behind a figure. Back leads to the pivot as it was.
+  async openBehind(row, index) {
+    const column = this.grid.columns[index];
+    if (!column.key && !row.cells[index]) {
+      notice(t('pivotNoFigure'));
+      return;
+    }
+    clearTimeout(this.placeTimer);
+    putPlace(this.query, Math.max(0, this.grid.active.row), column.name);
+    go(['run', this.id], this.query, {replace: true, quiet: true});
+    try {
+      const {where} = await api.behind(this.id, this.view.id, row.n, index);
+      const query = new URLSearchParams(this.query);
+      for (const name of ['row', 'at', 'folded']) query.delete(name);
+      const none = {columns: [], sort: [], groupBy: [], allColumns: false, details: false, frozen: null};
+      go(['run', this.id], putView(query, {...none, layout: 'lines', where}));
+    } catch (error) {
+      this.lost(error);
+    }
+  }
+
+  // What is folded away stands in the address.
+  keepFolds(rows) {
+    if (rows.folded.size > 0) this.query.set('folded', [...rows.folded.keys()].join(','));
+    else this.query.delete('folded');
+    if (this.shown && !this.part) go(['run', this.id], this.query, {replace: true, quiet: true});
   }
 
   // Shows the rows otherwise: `change` gets a copy of what is shown now. Each is a step that Back takes back. Where it
@@ -455,6 +618,22 @@ export class RunPage {
   arrange(change, column) {
     this.heading = column !== undefined;
     this.go(change, column);
+  }
+  // The same, unless the server refuses it: then all stays as it is, and the refusal is thrown. `close` is called in between.
+  async tryArrange(change, column, close) {
+    const next = structuredClone(this.wantedView());
+    change(next);
+    const asked = askedOf(next);
+    const view = await api.makeView(this.id, asked);
+    this.forgetReady();
+    this.ready = {key: JSON.stringify(asked), view};
+    close();
+    this.arrange(change, column);
+  }
+  // A view that was made and not shown.
+  forgetReady() {
+    if (this.ready) api.closeView(this.id, this.ready.view.id).catch(() => {});
+    this.ready = null;
   }
   go(change, column) {
     const next = structuredClone(this.wantedView());
@@ -478,15 +657,15 @@ export class RunPage {
 
   // --- above the grid
 
-  drawTools() {
-    const {wanted, view} = this;
-    const nameOf = new Map(
-      [...view.columns, ...(view.hidden ?? [])].map((column) => [
-        column.name,
-        column.group ? `${column.group} · ${column.caption}` : column.caption,
-      ]),
-    );
-    const words = (name) => nameOf.get(name) ?? name;
+  // Filters, order and groups that are in force, each with a way to take it off.
+  chips(wanted) {
+    for (const column of [
+      ...(this.view?.conditions ?? []),
+      ...(this.view?.columns ?? []),
+      ...(this.view?.hidden ?? []),
+    ])
+      this.captions.set(column.name, column.group ? `${column.group} · ${column.caption}` : column.caption);
+    const words = (name) => this.captions.get(name) ?? name;
     const chip = (text, change) =>
       h(
         'span',
@@ -522,6 +701,11 @@ export class RunPage {
         }),
       );
     }
+    return chips.length > 0 && h('div', {class: 'chips'}, chips);
+  }
+
+  drawTools() {
+    const {wanted, view} = this;
     this.counts = h('span', {class: 'counts', role: 'status'});
     this.selection = h('span', {class: 'muted'});
     this.goToInput = h('input', {
@@ -550,7 +734,19 @@ export class RunPage {
         }),
       {'aria-haspopup': 'dialog', title: view.columnsLeftOut > 0 ? t('leftOut', {n: view.columnsLeftOut}) : null},
     );
-    const out = button(`${t('export')} ▾`, () => openExport(out, this.id, view.id), {'aria-haspopup': 'dialog'});
+    const openOut = async () => {
+      try {
+        if (wanted.pivot) await api.fold(this.id, view.id, [...this.rows.folded.keys()]);
+        openExport(out, this.id, view.id);
+      } catch (error) {
+        this.lost(error);
+      }
+    };
+    const out = button(`${t('export')} ▾`, openOut, {'aria-haspopup': 'dialog'});
+    const folding = wanted.pivot?.rows.length > 1 && [
+      button(t('pivotFoldAll'), () => this.rows.foldAll().catch((error) => this.lost(error))),
+      button(t('pivotUnfoldAll'), () => this.rows.fold([])),
+    ];
     const details =
       this.report.layouts.some((layout) => layout.name === 'ledger') &&
       view.layout === 'ledger' &&
@@ -574,13 +770,15 @@ export class RunPage {
         {class: 'tools-row'},
         this.counts,
         this.selection,
+        wanted.pivot && h('span', {class: 'muted'}, t('pivotHint')),
         h('span', {class: 'space'}),
         details,
+        folding,
         this.goToInput,
-        columns,
+        !wanted.pivot && columns,
         out,
       ),
-      chips.length > 0 && h('div', {class: 'chips'}, chips),
+      this.chips(wanted),
     );
     this.drawCount();
   }
@@ -650,6 +848,8 @@ export class RunPage {
 
   async languageChanged() {
     this.frame = null;
+    this.panel = null;
+    this.captions.clear();
     this.drop();
     this.viewKey = undefined;
     if (!this.info) this.drawGone();
@@ -658,6 +858,21 @@ export class RunPage {
       this.drawProgress();
     } else await this.drawResult();
   }
+}
+
+// The columns of a view that have something to show: what only details fill has nothing as long as all are folded away.
+function columnsShown(view, rows) {
+  const indexes = view.columns.flatMap((column, index) => (column.ofDetails && !rows.anyOpen ? [] : [index]));
+  return {
+    indexes,
+    columns: indexes.map((index) => view.columns[index]),
+    totals: (view.totals ?? []).map((total) => ({...total, cells: indexes.map((index) => total.cells[index])})),
+  };
+}
+
+// What the server is asked for to show it.
+function askedOf({frozen: _, pivot, ...wanted}) {
+  return {...(pivot ? {...pivot, where: wanted.where} : wanted), lang: language()};
 }
 
 function messageText(message) {

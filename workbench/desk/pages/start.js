@@ -3,7 +3,7 @@ import {go, putFilter, write} from './address.js';
 import {api} from './api.js';
 import {deleteButton} from './filters.js';
 import {button, fill, h, notice} from './dom.js';
-import {caption, count, moment, t} from './texts.js';
+import {caption, count, language, moment, t} from './texts.js';
 
 // As an account names them, whatever the language.
 const valuations = {
@@ -245,6 +245,23 @@ export class StartPage {
   languageChanged() {
     this.draw();
   }
+}
+
+// The conditions of a filter as its address has them, for a run that has not told its own yet.
+export function filterText(report, values) {
+  const between = language() === 'zh' ? '、' : ', ';
+  return (report?.items ?? [])
+    .filter(({key}) => values[key]?.value || values[key]?.value2)
+    .map((item) => {
+      const {value = '', value2 = ''} = values[item.key];
+      const words = (code) =>
+        item.kind === 'flag' ? t('yes') : caption(item.choices?.find((one) => one.code === code)?.caption) || code;
+      const from = value.split('\t').filter(Boolean).map(words).join(between);
+      if (!value2) return [caption(item.caption), item.range && !item.multiple ? t('atLeast', {from}) : from];
+      return [caption(item.caption), from ? `${from} – ${words(value2)}` : t('upTo', {to: words(value2)})];
+    })
+    .map(([name, text]) => `${name} ${text}`)
+    .join(' · ');
 }
 
 export function conditionsText(conditions) {

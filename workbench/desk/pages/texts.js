@@ -93,7 +93,6 @@ const catalogue = {
   saved: ['已保存“{name}”', 'Saved “{name}”'],
   loadFilter: ['载入方案', 'Load a filter'],
   filterLink: ['复制链接', 'Copy link'],
-  view: ['视图', 'View'],
   notAccepted: ['筛选未被接受，请看标出的条件。', 'The filter was not accepted. See the marked conditions.'],
   clear: ['清除', 'Clear'],
 
@@ -131,6 +130,7 @@ const catalogue = {
   runGone: ['这次运行已关闭。可用同一筛选重新运行。', 'This run has been closed. Run it again with the same filter.'],
   changeFilter: ['修改筛选', 'Change filter'],
   seconds: ['{s} 秒', '{s} s'],
+  milliseconds: ['{n} 毫秒', '{n} ms'],
   ms: ['毫秒', 'ms'],
   rows: ['行', 'Rows'],
   sql: ['SQL', 'SQL'],
@@ -138,6 +138,7 @@ const catalogue = {
   copyStatement: ['复制语句 {n}', 'Copy statement {n}'],
   statementsSum: ['{n} 条语句，{s} 秒', '{n} statements, {s} s'],
   noConditions: ['没有条件', 'no conditions'],
+  arranging: ['正在整理…', 'Arranging…'],
   messages: ['消息', 'Messages'],
 
   // grid
@@ -198,6 +199,27 @@ const catalogue = {
   selected: ['已选 {rows} × {columns}', '{rows} × {columns} selected'],
   foldOut: ['展开成本项目', 'Show cost items'],
   yes: ['是', 'yes'],
+
+  // pivot
+  pivot: ['透视表', 'Pivot'],
+  pivotArrange: ['透视表的行、列和数值', 'What the pivot shows'],
+  pivotRows: ['行', 'Down'],
+  pivotColumns: ['列', 'Across'],
+  pivotMeasures: ['数值', 'Figures'],
+  pivotAdd: ['添加', 'Add'],
+  pivotAddTo: ['添加到“{axis}”', 'Add to “{axis}”'],
+  pivotEarlier: ['{caption}前移', 'Move {caption} forward'],
+  pivotLater: ['{caption}后移', 'Move {caption} back'],
+  pivotToColumns: ['{caption}移到列', 'Put {caption} across'],
+  pivotToRows: ['{caption}移到行', 'Put {caption} down'],
+  pivotFoldAll: ['全部收起', 'Fold all'],
+  pivotUnfoldAll: ['全部展开', 'Unfold all'],
+  pivotSortsTotals: ['按合计列或行标题排序。', 'Sort by a column of totals, or by what stands down.'],
+  pivotNoFigure: ['此处没有数值。', 'There is no figure here.'],
+  pivotHint: ['点击数值查看其明细行', 'A click on a figure lists its rows'],
+  share_row: ['占行%', ', % of row'],
+  share_column: ['占列%', ', % of column'],
+  share_total: ['占总计%', ', % of total'],
 
   // kinds of rows, for a screen reader
   kind_detail: ['成本项目', 'cost item'],
@@ -284,7 +306,9 @@ export function caption(both) {
 export function count(number) {
   return number.toLocaleString(index === 0 ? 'zh-CN' : 'en-GB');
 }
+// A time for people: below a tenth of a second in milliseconds.
 export function seconds(milliseconds) {
+  if (milliseconds < 100) return t('milliseconds', {n: Math.round(milliseconds)});
   return t('seconds', {s: (milliseconds / 1000).toFixed(1)});
 }
 export function monthName(month) {
