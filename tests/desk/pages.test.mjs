@@ -219,6 +219,8 @@ test('a pivot begins with amounts, over months where rows are of months', () => 
   const named = (...names) => names.map((name) => ({name, state: name === 'cState'}));
   const months = firstPivot({dimensions: named('cWhCode', 'month'), measures: named('quantity', 'amount')});
   assert.deepEqual(months, {rows: ['cWhCode'], columns: ['month'], measures: ['amount'], sort: []});
+  const ledger = firstPivot({dimensions: named('cWhCode', 'cfxCode', 'costItemClass1'), measures: named('amount')});
+  assert.deepEqual(ledger.rows, ['cfxCode']);
   const states = firstPivot({
     dimensions: named('cInvCode', 'month', 'cState'),
     measures: named('openingAmount', 'closingAmount', 'closingUnitCost'),

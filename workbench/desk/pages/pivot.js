@@ -32,10 +32,11 @@ export function foldedIn(query) {
   return listIn(query, 'folded').map(Number);
 }
 
-// What a report shows first: amounts by classes of cost items or by warehouse, over the months where rows are of months.
+// What a report shows first: amounts over the months, where rows are of months; of a ledger and of documents by cost
+// item, of summaries, which have many, by its class.
 export function firstPivot({dimensions, measures}) {
   const names = dimensions.map(({name}) => name);
-  const row = ['costItemClass1', 'cWhCode', ...names].find((name) => names.includes(name));
+  const row = ['cfxCode', 'costItemClass1', 'cWhCode', ...names].find((name) => names.includes(name));
   const overMonths = !dimensions.some(({state}) => state) && names.includes('month');
   return {
     rows: row ? [row] : [],
