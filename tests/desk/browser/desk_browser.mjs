@@ -41,6 +41,12 @@ export async function openDesk(
   const page = await context.newPage();
   page.setDefaultTimeout(Number(process.env.DESK_TIMEOUT ?? 15000));
   page.problems = [];
+  // What the server has not answered yet; a stream of events never ends.
+  page.asked = new Set();
+  page.on('request', (request) => {
+    if (!request.url().endsWith('/events')) page.asked.add(request);
+  });
+  for (const end of ['requestfinished', 'requestfailed']) page.on(end, (request) => page.asked.delete(request));
   page.on('pageerror', (error) => page.problems.push(`error: ${error.stack ?? error}`));
   page.on('console', (message) => {
     // A refusal of a filter value is an answer of status 422, which the browser reports by itself.
@@ -88,9 +94,10 @@ export async function openFilter(page, report, filter = {}) {
 
 const gridLimit = Number(process.env.DESK_TIMEOUT ?? 60000);
 
-// Until nothing is asked of the server any more.
+// Until nothing is asked of the server any more, and nothing has been for a moment: what an answer changes may ask again.
 export async function settled(page) {
-  await page.waitForLoadState('networkidle');
+  const moment = 120;
+  for (let quiet = 0; quiet < moment; quiet = page.asked.size > 0 ? 0 : quiet + 30) await page.waitForTimeout(30);
 }
 
 // An inventory and its warehouse that have many lines in the sample account. DESK_LEDGER names others, for another account.
