@@ -203,6 +203,11 @@ def main():
                 seen[name] = session(desk, values)
                 desk.end()
                 assert (work / f"{name}.account").read_bytes() == Path(account).read_bytes(), "the account has changed"
+        except BaseException:
+            # Which of the two ended by itself, and what it said.
+            for name, desk in desks.items():
+                print(f"{name}: ended with {desk.process.poll()}, said {desk.errors.decode()!r}", file=sys.stderr)
+            raise
         finally:
             for desk in desks.values():
                 desk.kill()

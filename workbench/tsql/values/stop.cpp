@@ -12,11 +12,9 @@ std::atomic<int> ignored{0};  // how many want it to be
 // A signal handler may write it.
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
 
-// Of this thread.
-std::shared_ptr<StopRequest>& currentRequest() noexcept {
-  thread_local std::shared_ptr<StopRequest> request;
-  return request;
-}
+// This thread's innermost scope; null outside of all. A plain pointer, since it needs no destructor: mingw-w64 runs those of
+// a thread's own objects when it has given their memory back.
+constinit thread_local const StopScope* innermost = nullptr;
 
 // SQL Server's number for a statement that its client took back.
 constexpr int operationCancelled = 3617;
@@ -29,8 +27,7 @@ void requestStop() noexcept {
 
 bool stopRequested() noexcept {
   if (requested && ignored == 0) return true;
-  const StopRequest* const own = currentRequest().get();
-  return own != nullptr && own->requested();
+  return innermost != nullptr && innermost->requested();
 }
 
 void forgetStop() noexcept {
@@ -44,14 +41,14 @@ void endIfStopped() {
 }
 
 StopScope::StopScope(std::shared_ptr<StopRequest> request) noexcept
-    : before_(std::exchange(currentRequest(), std::move(request))) {}
+    : request_(std::move(request)), before_(std::exchange(innermost, this)) {}
 
 StopScope::~StopScope() {
-  currentRequest() = std::move(before_);
+  innermost = before_;
 }
 
 std::shared_ptr<StopRequest> StopScope::current() noexcept {
-  return currentRequest();
+  return innermost == nullptr ? nullptr : innermost->request_;
 }
 
 IgnoreStop::IgnoreStop() noexcept : request_(StopScope::current()) {

@@ -38,8 +38,11 @@ class StopScope {
   // This thread's, for a thread that works for it; null when it has none.
   static std::shared_ptr<StopRequest> current() noexcept;
 
+  bool requested() const noexcept { return request_ && request_->requested(); }
+
  private:
-  std::shared_ptr<StopRequest> before_;
+  std::shared_ptr<StopRequest> request_;
+  const StopScope* before_;  // the one that it replaces
 };
 
 // What statements, and loops that ask endIfStopped(), throw after requestStop().
