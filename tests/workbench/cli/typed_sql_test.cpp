@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 #include "tests/workbench/account/test_folder.h"
 #include "tests/workbench/cli/terminal_program.h"
 #include "workbench/tsql/values/utf8_path.h"
@@ -100,6 +103,8 @@ TEST_F(TypedSql, CtrlCStopsTheStatement) {
   run(*program, "Create Table t (i int); Insert Into t Values (1), (2), (3), (4), (5), (6), (7), (8), (9), (10)");
   for (int statement = 0; statement < 2; ++statement) {
     run(*program, "Select Count(*) As n From t a, t b, t c, t d, t e, t f, t g, t h, t i, t j");
+    // The echo comes before the line editor has given the terminal back: until then Ctrl-C is for the line.
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
     program->type("\x03");
     program->waitFor("stopped\n");
   }
