@@ -3,6 +3,7 @@
 #ifdef _WIN32
 #include <windows.h>
 #else
+#include <fcntl.h>
 #include <histedit.h>
 #include <langinfo.h>
 #include <poll.h>
@@ -85,7 +86,7 @@ std::size_t lengthOfCharacter(char front) {
 // libedit, with characters read here: a signal ends the reading, and input is UTF-8 whatever the locale is.
 class EditedLines final : public LineEditor {
  public:
-  EditedLines() : history_(history_init()), kept_(statementHistoryFile()) {
+  EditedLines() : keys_(openKeys()), history_(history_init()), kept_(statementHistoryFile()) {
     // libedit writes characters as the locale says.
     if (std::setlocale(LC_CTYPE, "") == nullptr || std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0)
       std::setlocale(LC_CTYPE, "C.UTF-8");
@@ -110,6 +111,7 @@ class EditedLines final : public LineEditor {
   ~EditedLines() override {
     el_end(editor_);
     history_end(history_);
+    if (keys_ != STDIN_FILENO) close(keys_);
   }
 
   TypedLine read(const std::string& prompt) override {
@@ -148,13 +150,13 @@ class EditedLines final : public LineEditor {
 
   // Waits for a byte. False when the program was asked to end, or to end what it does: a signal that comes at any moment
   // before a byte is there, is seen.
-  static bool waitForByte() {
+  bool waitForByte() const {
     sigset_t stops, before;
     sigemptyset(&stops);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
       sigaddset(&stops, signal);
     pthread_sigmask(SIG_BLOCK, &stops, &before);
-    pollfd input{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
+    pollfd input{.fd = keys_, .events = POLLIN, .revents = 0};
     bool stopped = stopCause().has_value();
     while (!stopped && ppoll(&input, 1, nullptr, &before) < 0 && errno == EINTR)
       stopped = stopCause().has_value();
@@ -162,16 +164,23 @@ class EditedLines final : public LineEditor {
     return !stopped;
   }
 
-  // Gives 1 and the next character, 0 at the end of the input, -1 when a signal wants something else.
+  // Gives 1 and the next byte, 0 at the end of the input, -1 when a signal wants something else.
+  int nextByte(char& byte) {
+    while (waitForByte()) {
+      const ssize_t size = ::read(keys_, &byte, 1);
+      if (size >= 0) return static_cast<int>(size);
+      if (errno != EINTR && errno != EAGAIN) return 0;
+    }
+    interrupted_ = true;
+    return -1;
+  }
+
+  // For libedit: as nextByte, with a character.
   static int nextCharacter(EditLine* editor, wchar_t* character) {
     std::string bytes;
     do {
-      if (!waitForByte()) {
-        of(editor).interrupted_ = true;
-        return -1;
-      }
       char byte = 0;
-      if (::read(STDIN_FILENO, &byte, 1) <= 0) return 0;
+      if (const int got = of(editor).nextByte(byte); got <= 0) return got;
       bytes += byte;
     } while (bytes.size() < lengthOfCharacter(bytes.front()));
     std::string_view text = bytes;
@@ -179,6 +188,15 @@ class EditedLines final : public LineEditor {
     return 1;
   }
 
+  // The terminal, opened once more so that a read never waits: a Ctrl-C throws away what was typed, also when the program
+  // has been told that a byte is there. Standard input where that cannot be done.
+  static int openKeys() {
+    const char* const terminal = ttyname(STDIN_FILENO);
+    const int keys = terminal == nullptr ? -1 : ::open(terminal, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    return keys < 0 ? STDIN_FILENO : keys;
+  }
+
+  int keys_;
   History* history_;
   EditLine* editor_ = nullptr;
   StatementHistory kept_;

@@ -98,6 +98,22 @@ TEST_F(TypedSql, CtrlCTakesTheLineBack) {
   EXPECT_EQ(program->end(), 0);
 }
 
+// A terminal throws away what was typed when Ctrl-C comes: also what the program was told of and has not read yet.
+TEST_F(TypedSql, CtrlCComesWhileTheLineIsStillBeingRead) {
+  const auto program = start();
+  program->waitFor("sql> ");
+  for (int time = 0; time < 200; ++time) {
+    program->waitForKeys();
+    program->type("Select " + std::string(200, 'x'));
+    program->waitFor("x");
+    program->type("\x03");
+    program->waitFor("^C\nsql> ");
+  }
+  program->waitForKeys();
+  program->type("\x04");
+  EXPECT_EQ(program->end(), 0);
+}
+
 TEST_F(TypedSql, CtrlCStopsTheStatement) {
   const auto program = start();
   run(*program, "Create Table t (i int); Insert Into t Values (1), (2), (3), (4), (5), (6), (7), (8), (9), (10)");
