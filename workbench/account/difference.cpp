@@ -1,6 +1,7 @@
 #include "workbench/account/difference.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <memory>
 #include <optional>
@@ -9,6 +10,7 @@
 #include "workbench/account/schema.h"
 #include "workbench/messages/account.h"
 #include "workbench/tsql/engine/stored_schema.h"
+#include "workbench/tsql/values/agreement.h"
 
 namespace quillon::account {
 
@@ -18,6 +20,10 @@ namespace messages = workbench::messages;
 
 using Row = std::vector<tsql::Value>;
 using Kind = RowDifference::Kind;
+using tsql::Agreement;
+
+// Of the ledgers: quotients, in which servers may differ by a last digit.
+constexpr std::array<std::string_view, 4> unitCosts = {"iInCost", "iOutCost", "iItemInCost", "iItemOutCost"};
 
 struct IgnoringCase {
   bool operator()(const std::string& left, const std::string& right) const {
@@ -89,8 +95,12 @@ const tsql::Column* find(const std::vector<tsql::Column>& columns, const std::st
 class TableReader {
  public:
   TableReader(TableComparison& result, std::vector<std::string> columns, const std::vector<std::string>& key,
-              std::size_t shown)
-      : result_(result), columns_(std::move(columns)), shown_(shown) {
+              const DifferenceOptions& options)
+      : result_(result), columns_(std::move(columns)), options_(options) {
+    for (const std::string& column : columns_) {
+      quotients_.push_back(
+          std::ranges::any_of(unitCosts, [&column](std::string_view name) { return equalIgnoringCase(name, column); }));
+    }
     for (const std::string& name : key) {
       const auto place =
           std::ranges::find_if(columns_, [&](const std::string& column) { return equalIgnoringCase(column, name); });
@@ -143,7 +153,7 @@ class TableReader {
   std::string keyOf(const Row& row) const {
     std::string key;
     for (const std::size_t place : key_) {
-      const std::optional<std::string> text = tsql::toText(row[place]);
+      const std::optional<std::string> text = options_.exact ? tsql::toText(row[place]) : tsql::plainText(row[place]);
       key += text ? std::to_string(text->size()) + ':' + *text : "-";
     }
     return key;
@@ -161,14 +171,24 @@ class TableReader {
     partners.erase(partner);
   }
 
+  Agreement agreementAt(std::size_t column, const Row& one, const Row& two) const {
+    if (options_.exact) return one[column] == two[column] ? Agreement::same : Agreement::different;
+    return tsql::agreementOf(one[column], two[column], quotients_[column]);
+  }
+
   void compareRows(const Row& one, const Row& two) {
     if (one == two) return;
-    ++result_.changed;
-    if (result_.shown.size() >= shown_) return;
-    RowDifference difference{.kind = Kind::changed, .key = keyValues(one), .changes = {}};
+    RowDifference difference{.kind = Kind::lastDigit, .key = {}, .changes = {}};
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-      if (one[i] != two[i]) difference.changes.push_back({columns_[i], one[i], two[i]});
+      const Agreement agreement = agreementAt(i, one, two);
+      if (agreement == Agreement::same) continue;
+      if (agreement == Agreement::different) difference.kind = Kind::changed;
+      difference.changes.push_back({columns_[i], one[i], two[i], agreement == Agreement::lastDigit});
     }
+    if (difference.changes.empty()) return;
+    ++(difference.kind == Kind::changed ? result_.changed : result_.lastDigits);
+    if (result_.shown.size() >= options_.shown) return;
+    difference.key = keyValues(one);
     result_.shown.push_back(std::move(difference));
   }
 
@@ -185,7 +205,7 @@ class TableReader {
       rows.push_back(&row);
     std::ranges::sort(rows, {}, [](const auto* row) { return row->first; });
     for (const auto* row : rows) {
-      if (result_.shown.size() >= shown_) break;
+      if (result_.shown.size() >= options_.shown) break;
       result_.shown.push_back({.kind = kind, .key = keyValues(row->second), .changes = {}});
     }
     return static_cast<std::int64_t>(rows.size());
@@ -193,44 +213,46 @@ class TableReader {
 
   TableComparison& result_;
   std::vector<std::string> columns_;
-  std::size_t shown_;
+  std::vector<bool> quotients_;  // of the columns
+  const DifferenceOptions& options_;
   std::vector<std::size_t> key_;  // places in columns_
   Waiting waitingFirst_, waitingSecond_;
   std::int64_t order_ = 0;
 };
 
-// The columns that both have; what differs goes to `structure`.
+// The columns that both have; what differs goes to the comparison.
 std::vector<std::string> sharedColumns(const std::vector<tsql::Column>& first, const std::vector<tsql::Column>& second,
-                                       std::vector<workbench::Message>& structure) {
+                                       bool exact, TableComparison& comparison) {
+  std::vector<workbench::Message>& types = exact ? comparison.structure : comparison.types;
   std::vector<std::string> shared;
   for (const tsql::Column& column : first) {
     const tsql::Column* const other = find(second, column.name);
     if (other == nullptr) {
-      structure.push_back(messages::secondLacksColumn(column.name));
+      comparison.structure.push_back(messages::secondLacksColumn(column.name));
       continue;
     }
     shared.push_back(column.name);
     if (column.type != other->type) {
-      structure.push_back(messages::otherType(column.name, column.type.name(), other->type.name()));
+      types.push_back(messages::otherType(column.name, column.type.name(), other->type.name()));
     }
   }
   for (const tsql::Column& column : second) {
-    if (find(first, column.name) == nullptr) structure.push_back(messages::firstLacksColumn(column.name));
+    if (find(first, column.name) == nullptr) comparison.structure.push_back(messages::firstLacksColumn(column.name));
   }
   return shared;
 }
 
 }  // namespace
 
-std::vector<TableComparison> compareAccounts(tsql::Database& first, tsql::Database& second, ComparedTables which,
-                                             std::size_t shown) {
+std::vector<TableComparison> compareAccounts(tsql::Database& first, tsql::Database& second,
+                                             const DifferenceOptions& options) {
   Keys keys;
   addKeys(first, keys);
   addKeys(second, keys);
   for (const TableDefinition& table : tables())
     keys.emplace(table.name, splitNames(table.primaryKey));
   std::vector<TableComparison> comparisons;
-  for (const std::string& name : tableNames(first, second, which)) {
+  for (const std::string& name : tableNames(first, second, options.which)) {
     const std::vector<tsql::Column> firstColumns = first.describe(writtenName(name));
     const std::vector<tsql::Column> secondColumns = second.describe(writtenName(name));
     if (firstColumns.empty() && secondColumns.empty()) continue;
@@ -240,8 +262,8 @@ std::vector<TableComparison> compareAccounts(tsql::Database& first, tsql::Databa
       comparison.structure.push_back(firstColumns.empty() ? messages::firstLacksTable() : messages::secondLacksTable());
       continue;
     }
-    const std::vector<std::string> columns = sharedColumns(firstColumns, secondColumns, comparison.structure);
-    if (!columns.empty()) TableReader(comparison, columns, keys[name], shown).compare(first, second);
+    const std::vector<std::string> columns = sharedColumns(firstColumns, secondColumns, options.exact, comparison);
+    if (!columns.empty()) TableReader(comparison, columns, keys[name], options).compare(first, second);
   }
   return comparisons;
 }

@@ -5,12 +5,12 @@
 #include <iostream>
 #include <memory>
 
-#include "workbench/account/difference.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/language_option.h"
 #include "workbench/messages/account.h"
+#include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/value_output.h"
 
@@ -33,7 +33,7 @@ void writeRow(std::ostream& out, const RowDifference& row, Language language) {
   for (const account::ChangedValue& change : row.changes) {
     out << separator << change.column << ' ';
     writeJsonValue(out, change.first);
-    out << " | ";
+    out << (change.lastDigit ? " ≈ " : " | ");
     writeJsonValue(out, change.second);
     separator = ", ";
   }
@@ -46,30 +46,34 @@ void writeTable(std::ostream& out, const account::TableComparison& table, Langua
       << '\n';
   for (const Message& difference : table.structure)
     out << "  " << difference.in(language) << '\n';
+  for (const Message& difference : table.types)
+    out << "  " << difference.in(language) << '\n';
   for (const RowDifference& row : table.shown) {
     out << "  ";
     writeRow(out, row, language);
     out << '\n';
   }
-  const std::int64_t more =
-      table.onlyInFirst + table.onlyInSecond + table.changed - static_cast<std::int64_t>(table.shown.size());
+  const std::int64_t all = table.onlyInFirst + table.onlyInSecond + table.changed + table.lastDigits;
+  const std::int64_t more = all - static_cast<std::int64_t>(table.shown.size());
   if (more > 0) out << "  " << messages::moreDifferences(groupedCount(more)).in(language) << '\n';
+  if (table.lastDigits > 0)
+    out << "  " << messages::equalButForDigits(groupedCount(table.lastDigits)).in(language) << '\n';
 }
 
 }  // namespace
 
-bool diffAccounts(const AccountSource& first, const AccountSource& second, std::size_t shown, std::ostream& out,
-                  Language language) {
+bool diffAccounts(const AccountSource& first, const AccountSource& second, account::DifferenceOptions options,
+                  std::ostream& out, Language language) {
   const auto one = first.open(tsql::OpenMode::readOnly);
   const auto two = second.open(tsql::OpenMode::readOnly);
   const bool server = first.onServer() || second.onServer();
-  const auto which = server ? account::ComparedTables::ofAnAccount : account::ComparedTables::every;
+  if (server) options.which = account::ComparedTables::ofAnAccount;
   std::int64_t rows = 0, different = 0;
-  const auto tables = account::compareAccounts(*one, *two, which, shown);
+  const auto tables = account::compareAccounts(*one, *two, options);
   for (const account::TableComparison& table : tables) {
     rows += table.rows;
-    if (table.equal()) continue;
-    ++different;
+    if (table.equal() && table.types.empty() && table.lastDigits == 0) continue;
+    different += table.equal() ? 0 : 1;
     writeTable(out, table, language);
   }
   const std::string all = groupedCount(static_cast<std::int64_t>(tables.size()));
@@ -84,19 +88,20 @@ void addDiffCommand(CLI::App& account) {
   struct Options {
     AccountSource first;
     AccountSource second;
-    std::size_t shown = 10;
+    account::DifferenceOptions comparison;
     Language language = Language::english;
   };
   const auto options = std::make_shared<Options>();
   CLI::App& command = *account.add_subcommand("diff", "Compare two accounts, table by table and row by row");
   addAccountOption(command, "A", options->first, "An account file, or an ODBC connection string").required();
   addAccountOption(command, "B", options->second, "Another").required();
-  command.add_option("--limit", options->shown, "Show at most this many differing rows of a table")
+  command.add_option("--limit", options->comparison.shown, "Show at most this many differing rows of a table")
       ->transform(wholeNumber<std::size_t>(0))
       ->capture_default_str();
+  command.add_flag("--exact", options->comparison.exact, "Compare types and the last digit of quotients, too");
   addLanguageOption(command, options->language);
   command.callback([options] {
-    if (!diffAccounts(options->first, options->second, options->shown, std::cout, options->language)) endWith(1);
+    if (!diffAccounts(options->first, options->second, options->comparison, std::cout, options->language)) endWith(1);
   });
 }
 

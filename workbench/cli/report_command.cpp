@@ -193,7 +193,12 @@ bool compareReports(const ReportOptions& options, const AccountSource& second, s
   again.saving = {};
   const auto two = reportOn(second, again, notes, progress.get());
   const auto firstRows = one->table().rows(), secondRows = two->table().rows();
-  return compareResults(*firstRows, *secondRows, options.layout.limit.value_or(shown), out, options.language);
+  ComparisonOptions comparison{
+      .shown = options.layout.limit.value_or(shown), .exact = options.exact, .language = options.language};
+  for (const ReportColumn& column : one->report().columns) {
+    if (column.role == ColumnRole::unitCost) comparison.quotients.push_back(column.name);
+  }
+  return compareResults(*firstRows, *secondRows, comparison, out);
 }
 
 void runReport(const ReportOptions& options, std::ostream& out, std::ostream& notes) {
@@ -306,9 +311,13 @@ void addReportCommand(CLI::App& app) {
                                          "Say which errors of the ledger touch the report (quillon account check)");
   CLI::Option& keep = *command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
   const auto second = std::make_shared<AccountSource>();
-  addAccountOption(command, "--compare", *second,
-                   "Run the report on this account, too, and compare the rows; --limit says how many are shown")
-      .excludes(&format, &output, &keep, &pivotOption, &check);
+  CLI::Option& compare =
+      addAccountOption(command, "--compare", *second,
+                       "Run the report on this account, too, and compare the rows; --limit says how many are shown");
+  compare.excludes(&format, &output, &keep, &pivotOption, &check);
+  command
+      .add_flag("--exact", options->exact, "Compare types, letter case of names and the last digit of quotients, too")
+      ->needs(&compare);
   command.callback([options, second, &format, pivot] {
     if (format.empty()) options->format = formatOfFile(options->outputFile);
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())

@@ -37,6 +37,7 @@ struct ReportOptions {
   bool bom = false;                   // csv with a byte order mark
   bool explain = false;               // each statement with its time and row count, to `notes`
   bool check = false;                 // look for errors of the ledger that touch the rows, and tell them
+  bool exact = false;                 // compare to the last digit, letter and type
   bool keep = false;                  // keep the result table and tell its name
   bool terminal = false;              // `notes` is a terminal: show progress there
   bool outputIsFile = false;          // `out` is a file: progress can be shown while it is written

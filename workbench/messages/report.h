@@ -99,6 +99,13 @@ inline constexpr Text<0> workbookFailed{"工作簿未能生成；请检查文件
 inline constexpr Text<1> firstHasColumns{"第一个来源的列为 {1}", "the first source has the columns {1}"};
 inline constexpr Text<1> secondHasColumns{"第二个来源的列为 {1}", "the second source has the columns {1}"};
 inline constexpr Text<0> differentColumns{"不同：列", "different: the columns"};
+inline constexpr Text<3> otherTypes{"列 {1} 在第一个来源中是 {2}，在第二个中是 {3}",
+                                    "column {1} is {2} in the first source and {3} in the second"};
+inline constexpr Text<2> rowButForDigits{"第 {1} 行，仅末位不同：{2}", "row {1}, but for a last digit: {2}"};
+inline constexpr Text<1> moreRowsButForDigits{"另有 {1} 行仅末位不同", "and {1} more but for a last digit"};
+inline constexpr Text<1> equalButForDigits{
+    "{1} 行相同，仅除得的数末位不同；--exact 将其算作不同",
+    "{1} rows agree but for the last digit of a quotient; --exact counts them as different"};
 inline constexpr Text<2> rowOfBoth{"第 {1} 行：{2}", "row {1}: {2}"};
 inline constexpr Text<2> rowOfFirst{"第 {1} 行，仅在第一个中：{2}", "row {1}, only in the first: {2}"};
 inline constexpr Text<2> rowOfSecond{"第 {1} 行，仅在第二个中：{2}", "row {1}, only in the second: {2}"};

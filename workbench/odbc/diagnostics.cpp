@@ -88,6 +88,20 @@ std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT handleType, SQLHANDLE handle) 
 }
 
 bool tellLostConnection(std::span<const Diagnostic> diagnostics) {
+  // FreeTDS's own, which it does not always give a state of lost connections. A server has errors of these numbers, too.
+  struct Loss {
+    int number;
+    std::string_view text;
+  };
+  static constexpr std::array losses = {
+      Loss{20004, "Read from the server failed"}, Loss{20006, "Write to the server failed"},
+      Loss{20017, "Unexpected EOF from the server"}, Loss{20047, "DBPROCESS is dead or not enabled"}};
+  const auto isLoss = [](const Diagnostic& record) {
+    return std::ranges::any_of(losses, [&record](const Loss& loss) {
+      return record.number == loss.number && record.text.starts_with(loss.text);
+    });
+  };
+  if (std::ranges::any_of(diagnostics, isLoss)) return true;
   static constexpr std::string_view states[] = {"08S01", "08003", "08007", "08001"};
   return std::ranges::any_of(states, [diagnostics](auto state) { return hasState(diagnostics, state); });
 }

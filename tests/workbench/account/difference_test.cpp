@@ -22,14 +22,20 @@ std::vector<std::string> told(const std::vector<TableComparison>& comparisons) {
   for (const TableComparison& table : comparisons) {
     lines.push_back(table.table + ": " + std::to_string(table.onlyInFirst) + '/' + std::to_string(table.onlyInSecond) +
                     '/' + std::to_string(table.changed) + " of " + std::to_string(table.rows));
-    for (const workbench::Message& sentence : table.structure)
-      lines.push_back(sentence.english());
+    if (table.lastDigits > 0) lines.back() += ", last digits " + std::to_string(table.lastDigits);
+    for (const auto& sentences : {table.structure, table.types}) {
+      for (const workbench::Message& sentence : sentences)
+        lines.push_back(sentence.english());
+    }
     for (const RowDifference& row : table.shown) {
-      std::string line = row.kind == Kind::onlyInFirst ? "<" : row.kind == Kind::onlyInSecond ? ">" : "=";
+      std::string line = row.kind == Kind::onlyInFirst    ? "<"
+                         : row.kind == Kind::onlyInSecond ? ">"
+                         : row.kind == Kind::lastDigit    ? "~"
+                                                          : "=";
       for (const NamedValue& part : row.key)
         line += ' ' + part.column + ' ' + text(part.value);
       for (const ChangedValue& change : row.changes)
-        line += ", " + change.column + ' ' + text(change.first) + '|' + text(change.second);
+        line += ", " + change.column + ' ' + text(change.first) + (change.lastDigit ? '~' : '|') + text(change.second);
       lines.push_back(line);
     }
   }
@@ -38,18 +44,19 @@ std::vector<std::string> told(const std::vector<TableComparison>& comparisons) {
 
 class Difference : public ::testing::Test {
  protected:
-  std::vector<std::string> compare(const std::string& first, const std::string& second, std::size_t shown = 10) {
+  std::vector<std::string> compare(const std::string& first, const std::string& second,
+                                   const DifferenceOptions& options = {}) {
     const auto one = tsql::Connection::openInMemory(), two = tsql::Connection::openInMemory();
     one->execute(first);
     two->execute(second);
-    return told(compareAccounts(*one, *two, ComparedTables::every, shown));
+    return told(compareAccounts(*one, *two, options));
   }
   // Both accounts have the table t with these rows.
   std::vector<std::string> compareRows(const std::string& definition, const std::string& first,
-                                       const std::string& second, std::size_t shown = 10) {
+                                       const std::string& second, const DifferenceOptions& options = {}) {
     const std::string create = "Create Table t (" + definition + ") ";
     const auto rows = [](const std::string& values) { return values.empty() ? "" : "Insert Into t Values " + values; };
-    return compare(create + rows(first), create + rows(second), shown);
+    return compare(create + rows(first), create + rows(second), options);
   }
 };
 
@@ -93,9 +100,9 @@ TEST_F(Difference, CountsEqualRowsOfATableWithoutKey) {
 }
 
 TEST_F(Difference, ShowsTheFirstRowsAndCountsAll) {
-  EXPECT_THAT(compareRows("a int Primary Key, b int", "(1, 0), (2, 0), (3, 0)", "(1, 1), (2, 1), (4, 0)", 1),
+  EXPECT_THAT(compareRows("a int Primary Key, b int", "(1, 0), (2, 0), (3, 0)", "(1, 1), (2, 1), (4, 0)", {.shown = 1}),
               ElementsAre("t: 1/1/2 of 3", "= a 1, b 0|1"));
-  EXPECT_THAT(compareRows("a int Primary Key, b int", "(1, 0)", "(1, 1)", 0), ElementsAre("t: 0/0/1 of 1"));
+  EXPECT_THAT(compareRows("a int Primary Key, b int", "(1, 0)", "(1, 1)", {.shown = 0}), ElementsAre("t: 0/0/1 of 1"));
 }
 
 TEST_F(Difference, TellsMissingTables) {
@@ -109,8 +116,34 @@ TEST_F(Difference, TellsColumnsThatDifferAndComparesTheOthers) {
   EXPECT_THAT(
       compare("Create Table t (a int Primary Key, b nvarchar(9), c int) Insert Into t Values (1, N'x', 5)",
               "Create Table t (A int Primary Key, b nvarchar(10), d int) Insert Into t Values (1, N'y', 6)"),
-      ElementsAre("t: 0/0/1 of 1", "column b is nvarchar(9) in the first account and nvarchar(10) in the second",
-                  "the second account has no column c", "the first account has no column d", "= a 1, b x|y"));
+      ElementsAre("t: 0/0/1 of 1", "the second account has no column c", "the first account has no column d",
+                  "column b is nvarchar(9) in the first account and nvarchar(10) in the second", "= a 1, b x|y"));
+}
+
+TEST_F(Difference, TellsTypesAndComparesTheirValues) {
+  const std::string first = "Create Table t (a decimal(9,2) Primary Key, b int) Insert Into t Values (1.50, 7), (2, 8)";
+  const std::string second =
+      "Create Table t (a decimal(12,4) Primary Key, B money) Insert Into t Values (1.50, 7), (2, 8)";
+  EXPECT_THAT(
+      compare(first, second),
+      ElementsAre("t: 0/0/0 of 2", "column a is decimal(9,2) in the first account and decimal(12,4) in the second",
+                  "column b is int in the first account and money in the second"));
+  EXPECT_THAT(
+      compare(first, second, {.shown = 1, .exact = true}),
+      ElementsAre("t: 2/2/0 of 2", "column a is decimal(9,2) in the first account and decimal(12,4) in the second",
+                  "column b is int in the first account and money in the second", "< a 1.50"));
+}
+
+TEST_F(Difference, TellsLastDigitsOfQuotientsApart) {
+  const std::string table = "a int Primary Key, iInCost decimal(18,6), iInPrice money, f float";
+  const std::string first = "(1, 3.333333, 10, 0.1), (2, 3.333333, 10, 0.1), (3, 3.333333, 10, 0.1), (4, 1, 1, 1)";
+  const std::string second =
+      "(1, 3.333334, 10, 0.1), (2, 3.333334, 10.0001, 0.1), (3, 3.333333, 10, 0.100000000000001), (4, 1, 1, 1)";
+  EXPECT_THAT(
+      compareRows(table, first, second),
+      ElementsAre("t: 0/0/1 of 4, last digits 2", "~ a 1, iInCost 3.333333~3.333334",
+                  "= a 2, iInCost 3.333333~3.333334, iInPrice 10.0000|10.0001", "~ a 3, f 0.1~0.100000000000001"));
+  EXPECT_THAT(compareRows(table, first, second, {.shown = 0, .exact = true}), ElementsAre("t: 0/0/3 of 4"));
 }
 
 TEST_F(Difference, LeavesOtherTablesOutWhenAskedFor) {
@@ -118,7 +151,7 @@ TEST_F(Difference, LeavesOtherTablesOutWhenAskedFor) {
   one->execute("Create Table Warehouse (cWhCode nvarchar(10), cWhName nvarchar(20)) Create Table other (a int)");
   two->execute("Create Table Warehouse (cWhCode nvarchar(10), cWhName nvarchar(20))");
   two->execute("Insert Into Warehouse Values (N'01', N'x')");
-  EXPECT_THAT(told(compareAccounts(*one, *two, ComparedTables::ofAnAccount, 10)),
+  EXPECT_THAT(told(compareAccounts(*one, *two, {.which = ComparedTables::ofAnAccount})),
               ElementsAre("Warehouse: 0/1/0 of 0", "> cWhCode 01"));
 }
 

@@ -34,7 +34,7 @@ class CompareOverOdbc : public testing::Test {
 
 TEST_F(CompareOverOdbc, AnAccountEqualsItsCopyOnAServer) {
   std::ostringstream out;
-  EXPECT_TRUE(diffAccounts(AccountSource::inFile(second_.path()), server(), 10, out)) << out.str();
+  EXPECT_TRUE(diffAccounts(AccountSource::inFile(second_.path()), server(), {}, out)) << out.str();
   EXPECT_THAT(out.str(), StartsWith("equal: 42 tables, "));
   EXPECT_GT(running_.batches, 42);
 }
@@ -45,7 +45,7 @@ TEST_F(CompareOverOdbc, ChangedAndMissingRowsAreFound) {
           "Delete From fItem Delete From Warehouse Insert Into Warehouse Values (N'00', N'甲') "
           "Create Table other (a int)");
   std::ostringstream out;
-  EXPECT_FALSE(diffAccounts(AccountSource::inFile(second_.path()), server(), 0, out));
+  EXPECT_FALSE(diffAccounts(AccountSource::inFile(second_.path()), server(), {.shown = 0}, out));
   EXPECT_THAT(out.str(), HasSubstr("Warehouse: 1 only in the first, "));
   EXPECT_THAT(out.str(), HasSubstr("fItem: 0 only in the first, "));
   EXPECT_THAT(out.str(), HasSubstr("different: 2 of 42 tables\n"));

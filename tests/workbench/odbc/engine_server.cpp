@@ -113,8 +113,9 @@ class EngineSession final : public ServerSession {
       account_->run(utf8(sql), collector);
     } catch (const tsql::SqlError& error) {
       Result failure;
+      const auto other = server_.otherNumbers.find(error.number());
       failure.error = {{.state = u"42000",
-                        .number = error.number(),
+                        .number = other == server_.otherNumbers.end() ? error.number() : other->second,
                         .line = error.line(),
                         .text = u"[Test][Engine][SQL Server]" + utf16(error.message())}};
       collector.results.push_back(std::move(failure));

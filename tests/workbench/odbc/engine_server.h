@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 
 #include "tests/workbench/odbc/test_driver.h"
@@ -31,6 +32,7 @@ class EngineServer final : public Server {
     return batchesToLive_ < 0 || batchesToLive_-- > 0;
   }
 
+  std::map<int, int> otherNumbers = {};            // errors to which this server gives numbers of its own
   int batches = 0;                                 // that it has run
   int openSessions = 0;                            // that are connected
   std::vector<std::u16string> connectedWith = {};  // the connection strings that reached it

@@ -292,6 +292,29 @@ TEST_F(OdbcDatabase, ALostConnectionIsOneErrorAndNothingIsAskedAnyMore) {
   EXPECT_EQ(batches(), asked);
 }
 
+TEST_F(OdbcDatabase, FreeTdsTellsALostConnectionByItsOwnNumbers) {
+  for (const auto& [number, text] :
+       std::initializer_list<std::pair<int, std::u16string>>{{20004, u"Read from the server failed"},
+                                                             {20006, u"Write to the server failed"},
+                                                             {20017, u"Unexpected EOF from the server"},
+                                                             {20047, u"DBPROCESS is dead or not enabled"}}) {
+    answer({});
+    database_ = connect(ConnectionString(server_.connectionString()), {});
+    answer({{.error = {{.state = u"HY000", .number = number, .text = u"[FreeTDS][SQL Server]" + text}}}});
+    EXPECT_THROW(database_->execute("Select 1"), tsql::ConnectionLost) << number;
+  }
+}
+
+TEST_F(OdbcDatabase, AServersErrorOfSuchANumberIsItsOwn) {
+  answer({{.error = {
+               {.state = u"HY000", .number = 20017, .text = u"[FreeTDS][SQL Server]The subscription is unknown."}}}});
+  const auto error = errorOf([&] { database_->execute("Select 1"); });
+  EXPECT_EQ(error.number(), 20017);
+  EXPECT_EQ(error.message(), "The subscription is unknown.");
+  answer({});
+  EXPECT_NO_THROW(database_->execute("Select 2"));
+}
+
 TEST_F(OdbcDatabase, AConnectionLostWhileReadingEndsTheRows) {
   answer({{.columns = {{.name = u"a", .sqlType = SQL_INTEGER}},
            .rows = {{std::int64_t{1}}},

@@ -131,6 +131,28 @@ TEST_F(OverOdbc, ReceiptIssueBalance) {
   EXPECT_EQ(tables(), before) << "work tables and result tables are gone";
 }
 
+// The drop of the group index by its bare name is refused when all rows are written.
+TEST_F(OverOdbc, ABalanceConditionIsNoFailureWhateverTheServersNumberOfTheRefusal) {
+  server_.otherNumbers = {{102, 33557097}};
+  std::ostringstream out, notes;
+  runReport({.report = "sfc-item",
+             .account = AccountSource(odbc::test::EngineServer::connectionString()),
+             .settings = {"cModal=1", "cFSType=1"},
+             .format = ReportFormat::csv},
+            out, notes);
+  server_.otherNumbers.clear();
+  EXPECT_THAT(notes.str(), HasSubstr("错误 33557097"));
+  EXPECT_THAT(notes.str(), HasSubstr("所有行都已写出"));
+  std::ostringstream embedded;
+  runReport({.report = "sfc-item",
+             .account = AccountSource(file()),
+             .settings = {"cModal=1", "cFSType=1"},
+             .format = ReportFormat::csv},
+            embedded, notes);
+  EXPECT_EQ(out.str(), embedded.str());
+  EXPECT_GT(std::ranges::count(out.str(), '\n'), 5);
+}
+
 TEST_F(OverOdbc, OutboundSummary) {
   const auto before = tables();
   expectSameReport("outsum-item");
