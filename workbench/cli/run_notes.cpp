@@ -45,6 +45,12 @@ void RunNotes::told(int number, const odbc::Diagnostic& message) {
   *explanation_ << messages::serverSays(number, message.text, message.number, message.line).in(language_) << '\n';
 }
 
+void RunNotes::rewritten(int number, std::string_view sql) {
+  if (explanation_ == nullptr) return;
+  clearProgress();
+  *explanation_ << messages::sentAs(number).in(language_) << '\n' << sql << "\n\n";
+}
+
 void RunNotes::shown(std::string_view message) {
   clearProgress();
   notes_ << message << '\n';

@@ -21,6 +21,7 @@ class RunNotes final : public RunObserver {
   void finished(int number, std::string_view sql, double seconds, std::int64_t rows) override;
   void failed(int number, const StatementFailure& failure) override;
   void told(int number, const odbc::Diagnostic& message) override;
+  void rewritten(int number, std::string_view sql) override;
   void shown(std::string_view message) override;
   void noted(std::string_view line) override;
   void ended(int statements, double secondsInStatements, double seconds) override;

@@ -39,6 +39,7 @@ inline constexpr Text<2> explainedStatement{"[{1}] {2} 毫秒", "[{1}] {2} ms"};
 inline constexpr Text<2> withRow{"{1}，{2} 行", "{1}, {2} row"};
 inline constexpr Text<2> withRows{"{1}，{2} 行", "{1}, {2} rows"};
 inline constexpr Text<2> explainedFailure{"[{1}] 失败：{2}", "[{1}] failed: {2}"};
+inline constexpr Text<1> sentAs{"[{1}] 发给此服务器的是：", "[{1}] this server is sent:"};
 inline constexpr Text<4> serverSays{"[{1}] 服务器消息：{2}（编号 {3}，第 {4} 行）",
                                     "[{1}] the server says: {2} (number {3}, line {4})"};
 inline constexpr Text<4> explainedTotal{

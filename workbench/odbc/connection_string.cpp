@@ -100,6 +100,22 @@ bool ConnectionString::namesDriver() const {
   return has("driver") || has("dsn") || has("filedsn");
 }
 
+std::string ConnectionString::valueOf(std::string_view keyword) const {
+  const auto isIt = [keyword](const Attribute& attribute) { return attribute.is(keyword); };
+  const auto found = std::ranges::find_if(attributes_, isIt);
+  return found == attributes_.end() ? "" : found->value;
+}
+
+std::string ConnectionString::without(std::string_view keyword) const {
+  std::string others;
+  forEachPart(text_, [&](std::string_view written, const Attribute& attribute) {
+    if (attribute.is(keyword)) return;
+    if (!others.empty()) others += ';';
+    others += written;
+  });
+  return others;
+}
+
 std::string ConnectionString::withoutPassword() const {
   std::string shown;
   forEachPart(text_, [this, &shown](std::string_view written, const Attribute& attribute) {

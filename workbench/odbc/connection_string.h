@@ -37,6 +37,10 @@ class ConnectionString {
   // Whether ODBC's driver manager can take it: it names a driver or a data source (Driver, DSN, FileDSN).
   bool namesDriver() const;
 
+  // The value of an attribute, the first of several; empty when there is none.
+  std::string valueOf(std::string_view keyword) const;
+  // The text without that attribute.
+  std::string without(std::string_view keyword) const;
   // The text as it may be shown: "PWD=***" in place of each password, everything else as it stands.
   std::string withoutPassword() const;
   // `message` with "***" in place of each password, as it is written here and as it reads without its quotes.

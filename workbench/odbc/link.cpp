@@ -32,7 +32,7 @@ Link::Link(const ConnectionString& connectionString, ConnectOptions options) : o
   if (!connection_.allocate(environment_.get())) refuse(SQL_HANDLE_ENV, environment_.get());
   SQLSetConnectAttrW(connection_.get(), SQL_ATTR_LOGIN_TIMEOUT, number(options_.connectionTimeout), SQL_IS_UINTEGER);
   SQLSetConnectAttrW(connection_.get(), SQL_ATTR_CONNECTION_TIMEOUT, number(options_.commandTimeout), SQL_IS_UINTEGER);
-  WideText text = toWide(connectionString.text());
+  WideText text = toWide(connectionString.without(systemTablesKeyword));
   SQLSMALLINT length = 0;
   const SQLRETURN result =
       SQLDriverConnectW(connection_.get(), nullptr, text.data(), static_cast<SQLSMALLINT>(text.size()), nullptr, 0,
@@ -63,6 +63,12 @@ void Link::tellMessages(SQLHANDLE statement) const {
     options_.messages(message);
 }
 
+std::string Link::sent(std::string_view sql) const {
+  std::string text = engine_.rewritten(sql);
+  if (options_.rewritten && text != sql) options_.rewritten(text);
+  return text;
+}
+
 Batch::Batch(std::shared_ptr<Link> link, std::string_view sql) : link_(std::move(link)) {
   link_->requireConnection();
   tsql::endIfStopped();
@@ -71,7 +77,7 @@ Batch::Batch(std::shared_ptr<Link> link, std::string_view sql) : link_(std::move
   // The text goes as it stands: braces in it are no escapes of ODBC's.
   SQLSetStmtAttrW(statement_.get(), SQL_ATTR_NOSCAN, number(SQL_NOSCAN_ON), SQL_IS_UINTEGER);
   cancellation_.emplace(statement_.get());
-  WideText text = toWide(sql);
+  WideText text = toWide(link_->sent(sql));
   // "No data" tells that a statement changed no rows, which is no failure.
   check(SQLExecDirectW(statement_.get(), text.data(), static_cast<SQLINTEGER>(text.size())));
   atResult();

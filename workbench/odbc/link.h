@@ -5,11 +5,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "workbench/messages/message.h"
 #include "workbench/odbc/api.h"
 #include "workbench/odbc/cancellation.h"
 #include "workbench/odbc/diagnostics.h"
+#include "workbench/odbc/server_engine.h"
 
 namespace quillon::odbc {
 
@@ -45,6 +47,10 @@ class Link {
   [[noreturn]] void fail(SQLSMALLINT handleType, SQLHANDLE handle);
   // Passes the records of `statement` to the taker of messages, if there is one.
   void tellMessages(SQLHANDLE statement) const;
+  // Which server it is; SQL Server until it is said.
+  void setEngine(ServerEngine engine) { engine_ = std::move(engine); }
+  // The batch as it is to be sent. Tells the taker of rewritten batches when that is another text.
+  std::string sent(std::string_view sql) const;
 
   SQLHANDLE handle() const { return connection_.get(); }
   int commandTimeout() const { return options_.commandTimeout; }
@@ -53,6 +59,7 @@ class Link {
   ConnectOptions options_;
   Handle<SQL_HANDLE_ENV> environment_;
   Handle<SQL_HANDLE_DBC> connection_;
+  ServerEngine engine_;
   std::optional<workbench::Message> lost_;  // how it was
 };
 

@@ -1,5 +1,6 @@
 #include "workbench/odbc/odbc_database.h"
 
+#include "frame/text.h"
 #include "workbench/odbc/columns.h"
 #include "workbench/odbc/link.h"
 
@@ -82,12 +83,15 @@ class OdbcDatabase final : public tsql::Database {
   }
 
   std::vector<tsql::Column> describe(std::string_view table) override {
-    constexpr int noSuchObject = 208;
     try {
       Batch batch(link_, "Select Top 0 * From " + std::string(table));
       return columnsOf(batch);
+    } catch (const tsql::ConnectionLost&) {
+      throw;
     } catch (const tsql::SqlError& error) {
-      if (error.number() == noSuchObject) return {};
+      // SQL Server's number; others may have another one.
+      constexpr int noSuchObject = 208;
+      if (error.number() == noSuchObject || !isThere(table)) return {};
       throw;
     }
   }
@@ -102,15 +106,37 @@ class OdbcDatabase final : public tsql::Database {
   }
 
  private:
+  // Whether there is an object of that name.
+  bool isThere(std::string_view name) {
+    std::string sent = link_->sent(name);
+    replaceAll(sent, "'", "''");
+    OdbcCursor rows(link_, "Select object_id(N'" + sent + "')");
+    return rows.next() && !tsql::isNull(rows.value(0));
+  }
+
   std::shared_ptr<Link> link_;
 };
+
+// What the server says of itself; nothing when it does not know the question.
+std::string versionOf(tsql::Database& database) {
+  try {
+    const auto rows = database.query("Select @@Version As version");
+    return rows->next() ? tsql::toText(rows->value(0)).value_or("") : "";
+  } catch (const tsql::ConnectionLost&) {
+    throw;
+  } catch (const tsql::SqlError&) {
+    return "";
+  }
+}
 
 }  // namespace
 
 std::unique_ptr<tsql::Database> connect(const ConnectionString& connectionString, ConnectOptions options) {
-  auto database = std::make_unique<OdbcDatabase>(std::make_shared<Link>(connectionString, std::move(options)));
+  const auto link = std::make_shared<Link>(connectionString, std::move(options));
+  auto database = std::make_unique<OdbcDatabase>(link);
   // Some drivers have the server cut long texts.
   database->execute("Set TextSize 2147483647");
+  link->setEngine({versionOf(*database), connectionString.valueOf(systemTablesKeyword)});
   return database;
 }
 

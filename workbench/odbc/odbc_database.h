@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "workbench/odbc/connection_string.h"
 #include "workbench/tsql/values/database.h"
@@ -23,12 +24,16 @@ struct ConnectOptions {
   int commandTimeout = 0;     // in seconds, for each batch; 0 waits without limit
   // Takes the server's messages that are no errors (warnings, what Print prints); may be empty.
   std::function<void(const Diagnostic&)> messages = {};
+  // Takes a batch in the form in which it is sent, before that, where the server is sent another one than was asked for
+  // (server_engine.h); may be empty.
+  std::function<void(std::string_view)> rewritten = {};
 };
 
 // Connects with an ODBC connection string, "Driver={...};Server=...;Database=...;UID=...;PWD=...". Throws tsql::SqlError
 // with one line that says what to do; the password is not in it.
 //
 // Of the connection:
+//   - The server is asked once what it is. What it does not take goes in another form (server_engine.h).
 //   - Statements go as UTF-16, values come as UTF-16, exact numbers as text: nothing is converted through a code page or
 //     a double. money, decimal, int, bigint, bit, float, date and time come as the types of the engine, anything else as
 //     nvarchar. Texts come whole, however long.

@@ -169,7 +169,10 @@ void AccountSession::open(std::string_view, std::string_view, int) {
   if (connection_) throw sessionError(objectOpen, "The session is open already.");
   try {
     odbc::ConnectOptions options{.connectionTimeout = connectionTimeout_, .commandTimeout = commandTimeout_};
-    if (monitor_ != nullptr) options.messages = [this](const odbc::Diagnostic& message) { monitor_->told(message); };
+    if (monitor_ != nullptr) {
+      options.messages = [this](const odbc::Diagnostic& message) { monitor_->told(message); };
+      options.rewritten = [this](std::string_view sql) { monitor_->rewritten(sql); };
+    }
     connection_ = account_.open(tsql::OpenMode::existing, std::move(options));
   } catch (const std::exception& error) {
     if (const auto* told = dynamic_cast<const InBothLanguages*>(&error); told != nullptr)

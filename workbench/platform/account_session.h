@@ -71,6 +71,8 @@ class SessionMonitor {
   virtual void failed(const StatementFailure& failure) = 0;
   // A message of the server about the statement that runs, such as a warning.
   virtual void told(const odbc::Diagnostic&) {}
+  // The statement that runs goes to the server in this form, another one than was asked for.
+  virtual void rewritten(std::string_view /*sql*/) {}
   virtual void closed() = 0;
 };
 

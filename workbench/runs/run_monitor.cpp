@@ -46,4 +46,8 @@ void RunMonitor::told(const odbc::Diagnostic& message) {
   observer_.told(statements_, message);
 }
 
+void RunMonitor::rewritten(std::string_view sql) {
+  observer_.rewritten(statements_, sql);
+}
+
 }  // namespace quillon::workbench

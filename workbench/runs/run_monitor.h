@@ -29,6 +29,7 @@ class RunMonitor final : public SessionMonitor {
   void finished(std::string_view sql, double seconds, std::int64_t rows) override;
   void failed(const StatementFailure& failure) override;
   void told(const odbc::Diagnostic& message) override;
+  void rewritten(std::string_view sql) override;
   void closed() override { open_ = false; }
 
   // True when the run left its session open, the sign of a build that stopped.

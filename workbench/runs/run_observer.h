@@ -19,6 +19,8 @@ class RunObserver {
   virtual void failed(int /*number*/, const StatementFailure& /*failure*/) {}
   // A message of the server about the statement that runs, such as a warning.
   virtual void told(int /*number*/, const odbc::Diagnostic& /*message*/) {}
+  // The statement that runs goes to the server in this form, another one than the report's.
+  virtual void rewritten(int /*number*/, std::string_view /*sql*/) {}
 
   // What the report or its dialog shows the user, on one line.
   virtual void shown(std::string_view message) = 0;

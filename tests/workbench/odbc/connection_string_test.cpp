@@ -25,6 +25,16 @@ TEST(ConnectionString, IsReadAsAttributes) {
   EXPECT_EQ(readOf(""), "");
 }
 
+TEST(ConnectionString, GivesOneAttributeAndTheOthers) {
+  const ConnectionString text("DSN=ledger; OrvSystem = periods ;PWD={a;b}");
+  EXPECT_EQ(text.valueOf("orvsystem"), "periods");
+  EXPECT_EQ(text.valueOf("pwd"), "a;b");
+  EXPECT_EQ(text.valueOf("server"), "");
+  EXPECT_EQ(text.without("orvsystem"), "DSN=ledger;PWD={a;b}");
+  EXPECT_EQ(text.without("server"), text.text());
+  EXPECT_EQ(ConnectionString("OrvSystem=x;DSN=y").without("orvsystem"), "DSN=y");
+}
+
 TEST(ConnectionString, ReadsAValueInBracesOrQuotes) {
   EXPECT_EQ(readOf("Driver={a;b}}c};PWD = 'd''e;' ;f=\"g;\"\"h\""), "Driver<a;b}c>PWD<d'e;>f<g;\"h>");
   EXPECT_EQ(readOf("a={b}c;d=e"), "a<b>d<e>") << "what follows the closing mark is passed over";

@@ -1,5 +1,6 @@
 #include "tests/workbench/odbc/engine_server.h"
 
+#include "frame/text.h"
 #include "tests/workbench/odbc/scripted_server.h"
 #include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/values/datetime.h"
@@ -92,6 +93,16 @@ class Collector final : public tsql::ResultSink {
   bool inRows_ = false;
 };
 
+// The batch as the embedded engine takes it.
+std::string ofBabelfish(std::string sql) {
+  if (sql == "Select @@Version As version")
+    return "Select N'Babelfish for PostgreSQL with SQL Server Compatibility - 12.0.2000.8' As version";
+  if (sql.find("tempdb..sysobjects") != std::string::npos) throw tsql::SqlError(33557097, "relation does not exist");
+  if (sql.find("rvsystem..") != std::string::npos) throw tsql::SqlError(911, "database \"orvsystem\" does not exist");
+  replaceAll(sql, "periods.", "orvsystem..");
+  return sql;
+}
+
 class EngineSession final : public ServerSession {
  public:
   EngineSession(EngineServer& server, const std::filesystem::path& account)
@@ -110,7 +121,7 @@ class EngineSession final : public ServerSession {
     if (sql.starts_with(u"Set TextSize ")) return {};
     Collector collector;
     try {
-      account_->run(utf8(sql), collector);
+      account_->run(server_.isBabelfish ? ofBabelfish(utf8(sql)) : utf8(sql), collector);
     } catch (const tsql::SqlError& error) {
       Result failure;
       const auto other = server_.otherNumbers.find(error.number());

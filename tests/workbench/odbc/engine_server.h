@@ -32,7 +32,10 @@ class EngineServer final : public Server {
     return batchesToLive_ < 0 || batchesToLive_-- > 0;
   }
 
-  std::map<int, int> otherNumbers = {};            // errors to which this server gives numbers of its own
+  std::map<int, int> otherNumbers = {};  // errors to which this server gives numbers of its own
+  // It is one of another make: has no temporary tables among the objects of tempdb, and the tables of the system database
+  // in the schema `periods` of the account's.
+  bool isBabelfish = false;
   int batches = 0;                                 // that it has run
   int openSessions = 0;                            // that are connected
   std::vector<std::u16string> connectedWith = {};  // the connection strings that reached it

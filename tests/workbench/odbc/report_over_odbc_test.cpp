@@ -112,6 +112,41 @@ class OverOdbc : public testing::Test {
 };
 
 // Whatever a filter value asks for, the workbench itself connects to nothing but the account.
+// A server that has another system database and keeps temporary tables elsewhere.
+TEST_F(OverOdbc, ReportsOnAnEngineThatIsNotSqlServer) {
+  server_.isBabelfish = true;
+  const auto reportOn = [](const std::string& source, const std::string& report, std::vector<std::string> settings,
+                           std::ostream& notes) {
+    std::ostringstream out;
+    runReport({.report = report,
+               .account = AccountSource(source),
+               .settings = std::move(settings),
+               .format = ReportFormat::csv,
+               .language = Language::english,
+               .explain = true},
+              out, notes);
+    return out.str();
+  };
+  const std::string server = odbc::test::EngineServer::connectionString() + ";OrvSystem=periods";
+  const auto saysSent = [](const std::ostringstream& notes) {
+    return notes.str().find("this server is sent:\n") != std::string::npos;
+  };
+  int rewritten = 0;
+  for (const Report& report : reports()) {
+    SCOPED_TRACE(report.registration.name);
+    const std::vector<std::string> settings =
+        report.registration.name == std::string_view("fx-detail") ? oneInventory() : std::vector<std::string>();
+    std::ostringstream notes, notesOfFile;
+    const std::string rows = reportOn(server, report.registration.name, settings, notes);
+    EXPECT_EQ(rows, reportOn(file(), report.registration.name, settings, notesOfFile));
+    EXPECT_GT(std::ranges::count(rows, '\n'), 3);
+    rewritten += saysSent(notes) ? 1 : 0;
+    EXPECT_FALSE(saysSent(notesOfFile));
+  }
+  EXPECT_EQ(rewritten, 2) << "the detail ledger's temporary tables, and the makers of the outbound summary's documents";
+  server_.isBabelfish = false;
+}
+
 TEST_F(OverOdbc, AFilterValueOpensNoOtherConnection) {
   const test::TemporaryFile filter(".json");
   for (const char* const value : {"x';DSN=other;UID=sa", "x' Use other --", "Data Source=other.account", "DSN=other"}) {
