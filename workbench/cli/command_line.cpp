@@ -23,6 +23,7 @@
 #include "workbench/cli/stop_signals.h"
 #include "workbench/cli/trace_command.h"
 #include "workbench/cli/usage_message.h"
+#include "workbench/cli/verify_command.h"
 #include "workbench/messages/common.h"
 #include "workbench/messages/program.h"
 #include "workbench/odbc/connection_string.h"
@@ -202,6 +203,7 @@ int runCommandLine(std::vector<std::string> arguments, const std::string& versio
   addServeCommand(app);
   addSqlCommand(app);
   addTraceCommand(app);
+  addVerifyCommand(app);
   try {
     app.parse(std::move(arguments));
     return 0;

@@ -11,7 +11,8 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr std::array<std::string_view, 5> chineseCommands = {"dialog", "drill", "filters", "list", "report"};
+constexpr std::array<std::string_view, 6> chineseCommands = {"dialog", "drill", "filters",
+                                                             "list", "report", "verify"};
 
 std::optional<Language> languageNamed(std::string_view word) {
   if (equalIgnoringCase(word, "zh")) return Language::chinese;

@@ -38,6 +38,7 @@
 #include "workbench/runs/account_check.h"
 #include "workbench/runs/report_layouts.h"
 #include "workbench/runs/report_run.h"
+#include "workbench/runs/run_fingerprint.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
@@ -78,6 +79,8 @@ LaidOutReport watchedLayout(const ReportOptions& options, const MadeReport& repo
   LaidOutReport laid = laidOut(report, options.language, layoutOptions(options), outputOf(options.format));
   for (ReportSection& section : laid.sections)
     section.view = watched(std::move(section.view), progress);
+  if (options.format == ReportFormat::html || options.format == ReportFormat::xlsx)
+    laid.fingerprint = fingerprintOf(report);
   return laid;
 }
 

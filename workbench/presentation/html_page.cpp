@@ -142,6 +142,7 @@ class PageWriter {
       writeSection(sections_[i]);
       if (i == 0 && summaryFirst) writeCharts();
     }
+    writeFingerprint();
     out_ << "</main>\n</body>\n</html>\n";
   }
 
@@ -181,6 +182,19 @@ class PageWriter {
 
   void writeFact(std::string_view caption, std::string_view text) {
     if (!text.empty()) out_ << "<dt>" << escaped(caption) << "</dt><dd>" << escaped(text) << "</dd>\n";
+  }
+
+  // What the run came to, for whoever reads the page, and as a whole for `quillon verify`.
+  void writeFingerprint() {
+    if (!report_.fingerprint) return;
+    const std::string text = canonicalText(*report_.fingerprint);
+    std::string digest = fingerprintDigest(text);
+    std::erase(digest, ' ');
+    out_ << "<footer " << fingerprintAttribute << "=\"" << attributeText(digest + " " + text) << "\">\n";
+    for (const FingerprintFact& fact : factsOf(*report_.fingerprint, document_.language))
+      if (!fact.text.empty())
+        out_ << "<p class=note>" << escaped(fact.caption) << ' ' << escaped(fact.text) << "</p>\n";
+    out_ << "</footer>\n";
   }
 
   void writeCharts() {

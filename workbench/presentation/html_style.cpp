@@ -25,6 +25,8 @@ h2 { font-size: 1.15rem; margin: 1.8rem 0 .3rem; }
 dl { display: grid; grid-template-columns: max-content auto; gap: .1rem 1rem; margin: 0; }
 dt { color: var(--soft); }
 dd { margin: 0; }
+footer { margin-top: 1.8rem; border-top: 1px solid var(--rule); }
+footer .note { margin: .3rem 0 0; overflow-wrap: anywhere; }
 .note { color: var(--soft); margin: .3rem 0 .6rem; }
 table { border-collapse: separate; border-spacing: 0; font-variant-numeric: tabular-nums; }
 th, td { box-sizing: content-box; padding: .2em .5em; border: solid var(--rule); border-width: 0 1px 1px 0;

@@ -27,6 +27,13 @@ std::string escaped(std::string_view text) {
   return result;
 }
 
+std::string attributeText(std::string_view text) {
+  std::string result;
+  for (const char c : escaped(text))
+    result.append(c == '"' ? std::string_view("&quot;") : std::string_view(&c, 1));
+  return result;
+}
+
 std::string styleString(std::string_view text) {
   std::string result = "\"";
   for (const char c : text) {

@@ -9,6 +9,9 @@ namespace quillon::workbench {
 // Text between tags. Control characters, which a page must not hold, become blanks.
 std::string escaped(std::string_view text);
 
+// Text of an attribute that stands between double quotes.
+std::string attributeText(std::string_view text);
+
 // A string of a style sheet, with its quotes; nothing in it ends the string, the rule or the sheet.
 std::string styleString(std::string_view text);
 

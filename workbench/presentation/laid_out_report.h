@@ -9,6 +9,7 @@
 
 #include "workbench/catalogue/report_layout.h"
 #include "workbench/presentation/report_document.h"
+#include "workbench/presentation/run_fingerprint.h"
 #include "workbench/presentation/view.h"
 
 namespace quillon::workbench {
@@ -52,6 +53,8 @@ struct LaidOutReport {
   ReportDocument heading;
   std::vector<ReportSection> sections;  // the summary first, where there is one; empty when no row meets the conditions
   std::vector<Chart> charts;
+  // Printed on pages and workbooks, where it is there.
+  std::optional<RunFingerprint> fingerprint = {};
 };
 
 }  // namespace quillon::workbench

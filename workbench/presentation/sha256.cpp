@@ -88,4 +88,14 @@ std::string sha256Base64(std::string_view text) {
   return result;
 }
 
+std::string sha256Hexadecimal(std::string_view text) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string result;
+  for (const std::uint8_t byte : sha256(text)) {
+    result += digits[byte >> 4U];
+    result += digits[byte & 0xfU];
+  }
+  return result;
+}
+
 }  // namespace quillon::workbench

@@ -14,9 +14,11 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/messages/keeping.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
 #include "workbench/presentation/output_file.h"
+#include "workbench/presentation/run_fingerprint.h"
 #include "workbench/presentation/text_cells.h"
 #include "workbench/presentation/value_output.h"
 #include "workbench/presentation/xlsx_formulas.h"
@@ -716,24 +718,122 @@ class SectionSheets {
   int below_ = 0;                      // the level of what the last head is above
 };
 
+// The first `longest` characters of `text`.
+std::string beginning(std::string_view text, std::size_t longest) {
+  std::string_view rest = text;
+  for (std::size_t length = 0; !rest.empty() && length < longest; ++length)
+    takeCharacter(rest);
+  return std::string(text.substr(0, text.size() - rest.size()));
+}
+
+std::size_t lengthOf(std::string_view text) {
+  std::size_t length = 0;
+  for (; !text.empty(); ++length)
+    takeCharacter(text);
+  return length;
+}
+
+// "2 成本项目 明细": of a long name only so much that its layout can be read.
+std::string sheetName(const std::string& name, std::string_view layout) {
+  if (name.empty()) return legalName(layout);
+  constexpr std::size_t longest = 21, least = 6;
+  const std::size_t ofLayout = std::min(lengthOf(layout), longest - least);
+  return legalName(beginning(name, longest - ofLayout).append(" ").append(layout));
+}
+
+// The fingerprint of one of the reports in a workbook.
+struct NamedFingerprint {
+  std::string title;
+  Language language;
+  RunFingerprint fingerprint;
+};
+
+// What the runs came to, for whoever reads the workbook, and as a whole for `quillon verify`. It stands in cells because
+// these are what every spreadsheet keeps.
+void writeFingerprints(Sheet& sheet, const std::vector<NamedFingerprint>& fingerprints) {
+  constexpr double captionWidth = 22, textWidth = 100;
+  sheet.widen(0, captionWidth);
+  sheet.widen(1, textWidth);
+  for (const auto& [title, language, fingerprint] : fingerprints) {
+    sheet.text(title, {Style::title});
+    sheet.endRow();
+    for (const FingerprintFact& fact : factsOf(fingerprint, language)) {
+      sheet.text(fact.caption, {Style::detail});
+      sheet.text(fact.text, {});
+      sheet.endRow();
+    }
+    for (const std::string& cell : fingerprintCells(fingerprint)) {
+      sheet.text(messages::fingerprintForPrograms.in(language), {Style::detail});
+      sheet.text(cell, {});
+      sheet.endRow();
+    }
+    sheet.endRow();
+  }
+}
+
 }  // namespace
 
+class XlsxBook::Sheets {
+ public:
+  Sheets(const std::filesystem::path& file, const std::string& title, const std::string& company,
+         const XlsxLimits& limits)
+      : limits_(limits), book_(file) {
+    book_.describe(title, company);
+  }
+
+  void add(const LaidOutReport& report, const std::string& name) {
+    const ReportDocument& document = report.heading;
+    if (report.sections.empty()) {
+      Sheet& sheet = book_.add(unused(legalName(name.empty() ? document.title : name)));
+      writeHeading(sheet, headingLines(document));
+      sheet.endRow();
+      sheet.text(document.text(noRowsCaption), {});
+    }
+    for (const ReportSection& section : report.sections) {
+      const std::string own = unused(sheetName(name, document.text(layoutCaption(section.layout))));
+      SectionSheets(book_, document, section, own, limits_.rowsOfSheet).write();
+    }
+    if (report.fingerprint) fingerprints_.push_back({document.title, document.language, *report.fingerprint});
+  }
+
+  void save() {
+    if (!fingerprints_.empty()) {
+      const std::string_view name = messages::fingerprintCaption.in(fingerprints_.front().language);
+      writeFingerprints(book_.add(unused(std::string(name))), fingerprints_);
+    }
+    book_.save();
+  }
+
+ private:
+  // `name`, with a number behind it when there are sheets of that name.
+  std::string unused(std::string name) {
+    if (const int number = ++names_[name]; number > 1) name += " " + std::to_string(number);
+    return name;
+  }
+
+  XlsxLimits limits_;
+  Workbook book_;
+  std::map<std::string, int> names_;
+  std::vector<NamedFingerprint> fingerprints_;
+};
+
+XlsxBook::XlsxBook(const std::filesystem::path& file, const std::string& title, const std::string& company,
+                   const XlsxLimits& limits)
+    : sheets_(std::make_unique<Sheets>(file, title, company, limits)) {}
+
+XlsxBook::~XlsxBook() = default;
+
+void XlsxBook::add(const LaidOutReport& report, const std::string& name) {
+  sheets_->add(report, name);
+}
+
+void XlsxBook::save() {
+  sheets_->save();
+}
+
 void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, const XlsxLimits& limits) {
-  const ReportDocument& document = report.heading;
-  Workbook book(file);
-  book.describe(document.title, document.company);
-  if (report.sections.empty()) {
-    Sheet& sheet = book.add(legalName(document.title));
-    writeHeading(sheet, headingLines(document));
-    sheet.endRow();
-    sheet.text(document.text(noRowsCaption), {});
-  }
-  std::map<std::string, int> names;
-  for (const ReportSection& section : report.sections) {
-    std::string name = legalName(document.text(layoutCaption(section.layout)));
-    if (const int number = ++names[name]; number > 1) name += " " + std::to_string(number);
-    SectionSheets(book, document, section, name, limits.rowsOfSheet).write();
-  }
+  XlsxBook book(file, report.heading.title, report.heading.company, limits);
+  book.add(report);
   book.save();
 }
 

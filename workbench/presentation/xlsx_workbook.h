@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
+#include <string>
 
 #include "workbench/presentation/laid_out_report.h"
 
@@ -29,5 +31,25 @@ struct XlsxLimits {
 // written.
 void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report, const XlsxLimits& limits);
 void writeXlsx(const std::filesystem::path& file, const LaidOutReport& report);
+
+// The same of several reports, one behind the other. A last sheet has the fingerprints of the runs.
+class XlsxBook {
+ public:
+  // `title` and `company` are those of the workbook.
+  XlsxBook(const std::filesystem::path& file, const std::string& title, const std::string& company,
+           const XlsxLimits& limits = {});
+  XlsxBook(const XlsxBook&) = delete;
+  XlsxBook& operator=(const XlsxBook&) = delete;
+  // Without save() nothing is left.
+  ~XlsxBook();
+
+  // Sheets are named after their layout, with `name` in front. The report is read now, and need not stay.
+  void add(const LaidOutReport& report, const std::string& name = {});
+  void save();
+
+ private:
+  class Sheets;
+  std::unique_ptr<Sheets> sheets_;
+};
 
 }  // namespace quillon::workbench

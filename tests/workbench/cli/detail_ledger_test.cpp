@@ -273,7 +273,7 @@ TEST_F(DetailLedger, WorkbookHasTheLedgerAndItsRows) {
   const test::XlsxEvaluation book(workbook.path());
   EXPECT_THAT(book.disagreements(), testing::IsEmpty());
   const test::XlsxSheet& ledger = book.sheets().at(0);
-  EXPECT_THAT(ledger.names(), testing::ElementsAre("Ledger", "Rows"));
+  EXPECT_THAT(ledger.names(), testing::ElementsAre("Ledger", "Rows", "Fingerprint"));
   EXPECT_THAT(ledger.row(2), StartsWith("Company: Works One   Period: 2024   Printed: "));
   EXPECT_EQ(ledger.row(3), "Year: 2024   Breakdown: by cost-item class   Inventory: M1 钢板");
   EXPECT_EQ(ledger.row(4), "Receipts|Issues|Balance");

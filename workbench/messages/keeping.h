@@ -1,0 +1,40 @@
+// Messages about what is kept and proved: fingerprints of runs, kept layouts, books.
+#pragma once
+
+#include "workbench/messages/message.h"
+
+namespace quillon::workbench::messages {
+
+// --- Fingerprints -----------------------------------------------------------------------------------------------------
+
+inline constexpr Text<0> fingerprintCaption{"指纹", "Fingerprint"};
+inline constexpr Text<0> fingerprintAccount{"账套", "Account"};
+inline constexpr Text<0> fingerprintReport{"报表", "Report"};
+inline constexpr Text<0> fingerprintDate{"登录日期", "Login date"};
+inline constexpr Text<0> fingerprintRows{"行数", "Rows"};
+inline constexpr Text<0> fingerprintFilter{"过滤条件", "Filter"};
+inline constexpr Text<0> fingerprintSums{"合计", "Sums"};
+inline constexpr Text<0> fingerprintForPrograms{"供 quillon verify 使用", "For quillon verify"};
+
+inline constexpr Text<1> noFingerprint{
+    "{1} 中没有指纹：它不是 quillon 写出的网页或工作簿，或由旧版本写出",
+    "{1} holds no fingerprint: it is no page or workbook that quillon wrote, or one of an older version"};
+inline constexpr Text<1> fingerprintDamaged{"{1} 中的指纹已被改动或不完整",
+                                            "the fingerprint in {1} was changed or is not complete"};
+inline constexpr Text<0> otherFingerprint{"不是此版本的指纹", "it is no fingerprint of this version"};
+inline constexpr Text<0> damagedArchive{"压缩文件已损坏", "the archive is damaged"};
+inline constexpr Text<1> workbookUnreadable{"{1} 是无法读取的工作簿", "{1} is a workbook that cannot be read"};
+inline constexpr Text<3> fingerprintOfOther{"{1} 属于账套 {2}，而给出的是账套 {3}",
+                                            "{1} is of account {2}, and the account given is {3}"};
+inline constexpr Text<1> fingerprintWithSql{"{1} 的过滤条件中有 SQL 语句；只有信任此文件时，才加上 --allow-sql",
+                                            "the filter in {1} holds SQL; give --allow-sql if you trust the file"};
+inline constexpr Text<3> verifiedSame{"相同：{1}，{2} 行，指纹 {3}", "the same: {1}, {2} rows, fingerprint {3}"};
+inline constexpr Text<3> verifiedDifferent{"不同：{1}，文件中的指纹为 {2}，账套现在给出 {3}",
+                                           "different: {1}, fingerprint {2} in the file, {3} of the account now"};
+inline constexpr Text<3> differentRowCount{"  行数：文件 {1}，账套 {2}，差 {3}",
+                                           "  rows: {1} in the file, {2} in the account, {3}"};
+inline constexpr Text<4> differentSum{"  {1}：文件 {2}，账套 {3}，差 {4}",
+                                      "  {1}: {2} in the file, {3} in the account, {4}"};
+inline constexpr Text<1> differentOtherwise{"  {1}：两者不能比较", "  {1}: cannot be compared"};
+
+}  // namespace quillon::workbench::messages
