@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "workbench/cli/account_command.h"
+#include "workbench/cli/book_command.h"
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/drill_command.h"
 #include "workbench/cli/exit_status.h"
@@ -194,6 +195,7 @@ int runCommandLine(std::vector<std::string> arguments, const std::string& versio
   app.require_subcommand(1);
   app.set_version_flag("--version", "quillon " + version);
   addAccountCommand(app);
+  addBookCommand(app);
   addDialogCommand(app);
   addDrillCommand(app);
   addFiltersCommand(app);

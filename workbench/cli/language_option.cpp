@@ -11,7 +11,7 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> chineseCommands = {"dialog", "drill", "filters",
+constexpr std::array<std::string_view, 7> chineseCommands = {"book", "dialog", "drill", "filters",
                                                              "list", "report", "verify"};
 
 std::optional<Language> languageNamed(std::string_view word) {

@@ -37,4 +37,18 @@ inline constexpr Text<4> differentSum{"  {1}：文件 {2}，账套 {3}，差 {4}
                                       "  {1}: {2} in the file, {3} in the account, {4}"};
 inline constexpr Text<1> differentOtherwise{"  {1}：两者不能比较", "  {1}: cannot be compared"};
 
+// --- Books ------------------------------------------------------------------------------------------------------------
+
+inline constexpr Text<1> bookIsRight{"没有错误：{1} 项", "nothing is wrong: {1} entries"};
+inline constexpr Text<2> bookEntryFails{"项 {1}：{2}", "entry {1}: {2}"};
+inline constexpr Text<2> bookEntryMade{"项 {1}：{2} 行", "entry {1}: {2} rows"};
+inline constexpr Text<2> settingTaken{"{1}：用于第 {2} 项", "{1}: taken by entry {2}"};
+inline constexpr Text<1> settingOfNoEntry{"没有一项的报表有“{1}”的过滤项",
+                                          "no entry's report has the filter item of \"{1}\""};
+inline constexpr Text<1> bookWritten{"已写入 {1}", "written: {1}"};
+inline constexpr Text<1> bookNotWritten{"有的项未能编制，因此没有写入 {1}",
+                                        "{1} is not written, because not every entry could be made"};
+inline constexpr Text<1> bookFolderNotEmpty{"{1} 已存在且不是空文件夹；请指定其他文件夹",
+                                            "{1} exists and is no empty folder; name another one"};
+
 }  // namespace quillon::workbench::messages
