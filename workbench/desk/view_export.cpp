@@ -12,6 +12,7 @@
 #include "workbench/presentation/html_page.h"
 #include "workbench/presentation/view_files.h"
 #include "workbench/presentation/xlsx_workbook.h"
+#include "workbench/runs/run_fingerprint.h"
 
 namespace quillon::workbench::desk {
 
@@ -152,6 +153,7 @@ void exportView(const MadeReport& report, const ViewRequest& request, ExportForm
   LayoutOptions options = request.optionsOfExport();
   if (format == ExportFormat::html) options.limit = linesOfAPage;
   LaidOutReport laid = laidOut(report, request.language, options, LayoutOutput::table);
+  if (format != ExportFormat::csv) laid.fingerprint = fingerprintOf(report);
   if (!request.details) {
     for (ReportSection& section : laid.sections)
       section.view = withoutDetails(std::move(section.view));

@@ -98,7 +98,9 @@ std::optional<std::string> ZipReader::member(std::string_view name, std::size_t 
     if (entry->size != entry->compressed) refuse();
     return std::string(content);
   }
-  if (entry->method != deflated) refuse();
+  // So much at most comes of a byte: what promises more gets no memory for it.
+  constexpr std::size_t mostOfAByte = 1032;
+  if (entry->method != deflated || entry->size / mostOfAByte > entry->compressed) refuse();
   return Inflation().all(content, entry->size);
 }
 

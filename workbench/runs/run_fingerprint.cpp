@@ -42,7 +42,9 @@ FingerprintItem itemOf(const FilterEntry& entry) {
 std::string databaseOf(const odbc::ConnectionString& connection) {
   for (const char* keyword : {"Database", "Initial Catalog", "DSN", "FileDSN", "Server", "Data Source"}) {
     for (const auto& attribute : connection.attributes()) {
-      if (attribute.is(keyword)) return attribute.value;
+      if (!attribute.is(keyword)) continue;
+      // A file's folder says nothing about the account.
+      return attribute.is("FileDSN") ? utf8FromPath(pathFromUtf8(attribute.value).filename()) : attribute.value;
     }
   }
   return {};

@@ -14,9 +14,7 @@
 #include "workbench/account/account.h"
 #include "workbench/cli/verify_command.h"
 #include "workbench/platform/user_error.h"
-#include "workbench/presentation/book_index.h"
 #include "workbench/presentation/fingerprint_file.h"
-#include "workbench/runs/book_file.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
@@ -236,32 +234,6 @@ TEST_F(Books, ChecksABookWithoutAnAccount) {
         "entry 3 (Three): the report has no filter item \"cNoSuch\"", "entry 4 (Four): cannot read ",
         "entry 5 (Five): \"nothing\" is no pivot"})
     EXPECT_THAT(text, HasSubstr(line));
-}
-
-TEST_F(Books, TellsTheLineOfAFault) {
-  const auto refused = [this](const std::string& text) {
-    try {
-      readBook(write(text));
-    } catch (const UserError& error) {
-      return std::string(error.what());
-    }
-    return std::string();
-  };
-  EXPECT_THAT(refused("{\"items\": [\n{\"report\": \"sfc-item\",\n \"colums\": []}]}"),
-              HasSubstr("line 3: item 1, \"colums\" is not known; did you mean columns?"));
-  EXPECT_THAT(refused("{\"items\": [{}]}"), HasSubstr("lacks \"report\""));
-  EXPECT_THAT(refused("{\"items\": []}"), HasSubstr("must not be empty"));
-  EXPECT_THAT(refused("{}"), HasSubstr("lacks \"items\""));
-}
-
-TEST(BookFile, HasTheSchemaThatShips) {
-  EXPECT_EQ(std::string(bookFileSchema), textOf(QUILLON_BOOK_SCHEMA));
-}
-
-TEST(BookIndex, NamesPagesSoThatEverySystemTakesThem) {
-  EXPECT_EQ(bookPageFile(3, "Issues/2024: \"all\""), "03-Issues-2024---all-.html");
-  EXPECT_EQ(bookPageFile(12, "发出汇总"), "12-发出汇总.html");
-  EXPECT_EQ(bookPageFile(1, ""), "01.html");
 }
 
 }  // namespace

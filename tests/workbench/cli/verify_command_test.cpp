@@ -300,38 +300,5 @@ TEST_F(Verify, ReadsTextsThatASpreadsheetMoved) {
   EXPECT_TRUE(ask(folder_ / "saved.xlsx").same);
 }
 
-TEST(RunFingerprint, IsSplitOverCellsWhenItIsLong) {
-  RunFingerprint fingerprint{.accountCode = "001", .report = "sfc-item"};
-  std::string value;
-  for (int i = 0; i < 9000; ++i)
-    value += (i > 0 ? "\t" : "") + std::to_string(100000 + i);
-  fingerprint.filter.push_back({.name = "cInvCode", .value = value, .multiple = true});
-  const std::vector<std::string> cells = fingerprintCells(fingerprint);
-  EXPECT_GT(cells.size(), 1u);
-  for (const std::string& cell : cells)
-    EXPECT_LE(cell.size(), 32767u);
-}
-
-TEST(RunFingerprint, ReadsItsOwnText) {
-  const RunFingerprint fingerprint{
-      .accountCode = "001",
-      .accountName = "账套.account",
-      .report = "fx-wt",
-      .date = "2024-12-31",
-      .filter = {{.name = "cFree1", .value = "_x0041_\"<红>", .value2 = "b", .range = true}},
-      .rows = 7,
-      .sums = {{.name = "iMoney", .value = "-0.01"}}};
-  const std::string text = canonicalText(fingerprint);
-  EXPECT_EQ(canonicalText(parseFingerprint(text)), text);
-  EXPECT_THROW(parseFingerprint("{}"), std::invalid_argument);
-  EXPECT_THROW(parseFingerprint(R"({"version": 2})"), std::invalid_argument);
-}
-
-TEST(RunFingerprint, HasNoZerosAtTheEnd) {
-  EXPECT_EQ(withoutEndingZeros("12.500"), "12.5");
-  EXPECT_EQ(withoutEndingZeros("100"), "100");
-  EXPECT_EQ(withoutEndingZeros("-0.00"), "0");
-}
-
 }  // namespace
 }  // namespace quillon::workbench

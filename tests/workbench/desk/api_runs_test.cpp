@@ -5,12 +5,14 @@
 #include "tests/workbench/desk/desk_test_base.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/catalogue/catalogue.h"
+#include "workbench/presentation/fingerprint_file.h"
 #include "workbench/runs/report_layouts.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench::desk {
 namespace {
 
+using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -362,6 +364,31 @@ TEST_F(DeskRuns, AnExportIsWhatIsShown) {
   EXPECT_THAT(exported(run, shown, "html"), HasSubstr("<table"));
   EXPECT_THAT(exported(run, shown, "xlsx"), StartsWith("PK"));
   EXPECT_EQ(ask("GET", pathOf(run, shown) + "/export", {}, {{"format", "doc"}}).code(), "format");
+}
+
+TEST_F(DeskRuns, PagesAndWorkbooksHaveTheRunsFingerprint) {
+  const std::string run = done("outsum-item", {{"cWhCode", {{"value", "01"}}}});
+  const test::TemporaryFile file(".export");
+  const auto fingerprintsOf = [&](const Json& shown, const std::string& format) {
+    std::ofstream(file.path(), std::ios::binary) << exported(run, shown, format);
+    return readFingerprints(file.path());
+  };
+  const Json lines = view(run, {{"layout", "lines"}, {"columns", {"cInvCode"}}});
+  const RunFingerprint fingerprint = fingerprintsOf(lines, "html").at(0);
+  EXPECT_EQ(fingerprint.report, "outsum-item");
+  EXPECT_EQ(fingerprint.accountName, get("account")["name"]) << "without its folder";
+  EXPECT_EQ(fingerprint.rows, get(run)["rowCount"]);
+  EXPECT_THAT(fingerprint.filter, Contains(FingerprintItem{.name = "cWhCode", .value = "01", .multiple = true}));
+  // It is that of the run, whatever is shown of it.
+  const Json chosen = view(run, {{"layout", "lines"},
+                                 {"lang", "zh"},
+                                 {"where", {{{"column", "iMoney"}, {"kind", "range"}, {"values", {"100", ""}}}}}});
+  for (const Json& shown : {lines, chosen, view(run, {{"layout", "summary"}})}) {
+    for (const char* format : {"html", "xlsx"})
+      EXPECT_EQ(canonicalText(fingerprintsOf(shown, format).at(0)), canonicalText(fingerprint)) << format;
+  }
+  EXPECT_THAT(exported(run, lines, "html"), HasSubstr(fingerprintDigest(canonicalText(fingerprint))));
+  EXPECT_THAT(exported(run, lines, "csv"), Not(HasSubstr(fingerprintDigest(canonicalText(fingerprint)))));
 }
 
 TEST_F(DeskRuns, FoldedPartsAreNotExported) {

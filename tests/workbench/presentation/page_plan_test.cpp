@@ -6,7 +6,6 @@
 
 #include "tests/workbench/presentation/view_of_rows.h"
 #include "workbench/presentation/html_text.h"
-#include "workbench/presentation/sha256.h"
 #include "workbench/tsql/values/exact.h"
 
 namespace quillon::workbench {
@@ -117,15 +116,6 @@ TEST(HtmlTextTest, FullWidthCharactersAreAsWideAsTheFont) {
   EXPECT_EQ(shownWidth("金额"), 200);
   EXPECT_GE(shownWidth("1234567890"), 560) << "digits of common fonts";
   EXPECT_LT(shownWidth("1234567890"), 700);
-}
-
-// The examples of the algorithm's publication.
-TEST(Sha256Test, AgreesWithPublishedDigests) {
-  EXPECT_EQ(sha256Base64(""), "47DEQpj8HBSa+/TImW+5JCeuQeRkm5NMpJWZG3hSuFU=");
-  EXPECT_EQ(sha256Base64("abc"), "ungWv48Bz+pBQUDeXa4iI7ADYaOWF3qctBD/YfIAFa0=");
-  EXPECT_EQ(sha256Base64("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"),
-            "JI1qYdIGOLjlwCaTDD5gOaM85Flk/yFn9uzt1BnbBsE=");
-  EXPECT_EQ(sha256Base64(std::string(1000000, 'a')), "zcduXJkU+5KBocfihNc+Z/GAmkiklyAOBG05zMcRLNA=");
 }
 
 }  // namespace
