@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/cli/account_option.h"
@@ -72,23 +73,30 @@ void tellDifferences(const RunFingerprint& file, const RunFingerprint& now, Lang
   }
 }
 
-// Refuses a fingerprint of another account.
-void requireAccount(const VerifyOptions& options, const RunFingerprint& fingerprint) {
+// Refuses a fingerprint of an account with another code. One of another name may be the same account: a copy, a renamed
+// file, or one that was taken to a server; that is told.
+void requireAccount(const VerifyOptions& options, const RunFingerprint& fingerprint, std::ostream& notes) {
   const SignedInAccount account = logIn(options.account, options.language, fingerprint.date);
   const RunFingerprint own = fingerprintOfAccount(account);
-  if (own.accountCode == fingerprint.accountCode && own.accountName == fingerprint.accountName) return;
-  throw UserError(messages::fingerprintOfOther(options.file, accountOf(fingerprint), accountOf(own)));
+  if (own.accountCode != fingerprint.accountCode)
+    throw UserError(messages::fingerprintOfOther(options.file, accountOf(fingerprint), accountOf(own)));
+  if (own.accountName != fingerprint.accountName) {
+    notes << "quillon: "
+          << messages::fingerprintOfOtherName(options.file, accountOf(fingerprint), accountOf(own)).in(options.language)
+          << '\n';
+  }
 }
 
 }  // namespace
 
 bool verify(const VerifyOptions& options, std::ostream& out, std::ostream& notes) {
   bool same = true;
+  bool first = true;
   for (const RunFingerprint& fingerprint : readFingerprints(pathFromUtf8(options.file))) {
     const bool hasSql = std::ranges::any_of(fingerprint.filter, [](const auto& item) { return !item.sql.empty(); });
     if (hasSql && !options.allowSql) throw UserError(messages::fingerprintWithSql(options.file));
     const Report& report = reportNamed(fingerprint.report);
-    requireAccount(options, fingerprint);
+    if (std::exchange(first, false)) requireAccount(options, fingerprint, notes);
     std::unique_ptr<ProgressLine> progress;
     if (options.terminal) progress = std::make_unique<ProgressLine>(notes, errorColumns(), options.language);
     RunNotes observer(notes, options.language, progress.get());
@@ -98,7 +106,8 @@ bool verify(const VerifyOptions& options, std::ostream& out, std::ostream& notes
                                   .language = options.language,
                                   .date = fingerprint.date},
                                  observer);
-    const RunFingerprint now = fingerprintOf(*made);
+    RunFingerprint now = fingerprintOf(*made);
+    now.accountName = fingerprint.accountName;
     if (progress) progress->finish();
     const std::string before = canonicalText(fingerprint), after = canonicalText(now);
     const std::string& title = report.registration.title(options.language);

@@ -26,6 +26,8 @@ inline constexpr Text<0> damagedArchive{"压缩文件已损坏", "the archive is
 inline constexpr Text<1> workbookUnreadable{"{1} 是无法读取的工作簿", "{1} is a workbook that cannot be read"};
 inline constexpr Text<3> fingerprintOfOther{"{1} 属于账套 {2}，而给出的是账套 {3}",
                                             "{1} is of account {2}, and the account given is {3}"};
+inline constexpr Text<3> fingerprintOfOtherName{"{1} 属于账套 {2}；与名称不同的账套 {3} 比较",
+                                                "{1} is of account {2}; it is compared with {3}, of another name"};
 inline constexpr Text<1> fingerprintWithSql{"{1} 的过滤条件中有 SQL 语句；只有信任此文件时，才加上 --allow-sql",
                                             "the filter in {1} holds SQL; give --allow-sql if you trust the file"};
 inline constexpr Text<3> verifiedSame{"相同：{1}，{2} 行，指纹 {3}", "the same: {1}, {2} rows, fingerprint {3}"};

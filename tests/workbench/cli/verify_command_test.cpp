@@ -67,6 +67,7 @@ class Verify : public testing::Test {
   struct Answer {
     bool same = false;
     std::string text;
+    std::string notes;
   };
   Answer ask(const fs::path& file, const fs::path& account, bool allowSql = false) const {
     std::ostringstream out, notes;
@@ -75,7 +76,7 @@ class Verify : public testing::Test {
                               .language = Language::english,
                               .allowSql = allowSql},
                              out, notes);
-    return {same, out.str()};
+    return {same, out.str(), notes.str()};
   }
   Answer ask(const fs::path& file) const { return ask(file, account()); }
   std::string refusal(const fs::path& file, const fs::path& account) const {
@@ -230,8 +231,21 @@ TEST_F(Verify, PrintsTheDigestForReaders) {
 
 TEST_F(Verify, RefusesAnotherAccount) {
   const fs::path page = write("report.html", "outsum-item", {"cModal=1"});
-  account::createSample(folder_ / "b.account", {.rows = 500, .years = 1});
-  EXPECT_THAT(refusal(page, folder_ / "b.account"), testing::ContainsRegex("is of account .*a\\.account.*b\\.account"));
+  fs::copy_file(account(), folder_ / "b.account");
+  AccountSource::inFile(folder_ / "b.account")
+      .open(tsql::OpenMode::existing)
+      ->execute("Update orvsystem..UA_Period Set cAcc_Id = N'777'");
+  EXPECT_THAT(refusal(page, folder_ / "b.account"),
+              testing::ContainsRegex("is of account .*a\\.account.*777.*b\\.account"));
+}
+
+TEST_F(Verify, ComparesWithACopyOfAnotherName) {
+  const fs::path page = write("report.html", "outsum-item", {"cModal=1"});
+  fs::copy_file(account(), folder_ / "b.account");
+  const Answer answer = ask(page, folder_ / "b.account");
+  EXPECT_TRUE(answer.same) << answer.text;
+  EXPECT_THAT(answer.notes, testing::ContainsRegex("is of account .*a\\.account.* compared with .*b\\.account"));
+  EXPECT_THAT(ask(page).notes, testing::IsEmpty());
 }
 
 TEST_F(Verify, RefusesFilesWithoutAFingerprint) {
