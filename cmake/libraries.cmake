@@ -122,13 +122,18 @@ if(QUILLON_THREAD_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(boost_headers INTERFACE -Wno-tsan)
 endif()
 
-# regular-table, the grid of the desk's pages, from the package that tools/setup.sh fetches.
-set(QUILLON_REGULAR_TABLE_DIR ${CMAKE_SOURCE_DIR}/.deps/regular-table)
-if(NOT EXISTS ${QUILLON_REGULAR_TABLE_DIR}/regular-table.js)
-  message(FATAL_ERROR "regular-table is missing: run tools/setup.sh first")
-endif()
-file(READ ${QUILLON_REGULAR_TABLE_DIR}/.version QUILLON_REGULAR_TABLE_VERSION)
-string(REPLACE "@" " " QUILLON_REGULAR_TABLE_VERSION ${QUILLON_REGULAR_TABLE_VERSION})
+# The scripts of others that the desk's pages use, from the packages that tools/setup.sh fetches: regular-table is the grid,
+# chart (Chart.js) draws the charts.
+foreach(script regular-table chart)
+  string(TOUPPER QUILLON_${script} prefix)
+  string(REPLACE "-" "_" prefix ${prefix})
+  set(${prefix}_DIR ${CMAKE_SOURCE_DIR}/.deps/${script})
+  if(NOT EXISTS ${${prefix}_DIR}/${script}.js)
+    message(FATAL_ERROR "${script}.js is missing: run tools/setup.sh first")
+  endif()
+  file(READ ${${prefix}_DIR}/.version ${prefix}_VERSION)
+  string(REPLACE "@" " " ${prefix}_VERSION ${${prefix}_VERSION})
+endforeach()
 
 # GoogleTest: the installed one, and from its source where there is none (for Win32) or where it has to be compiled with
 # what all code is compiled with (the sanitizers).

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what a bare Debian 12 lacks to build Quillon. Safe to run again: it only does what is missing, and says so.
-# Runs as root or through sudo. The sources of SQLite, libxlsxwriter, utf8proc and regular-table go to .deps/
+# Runs as root or through sudo. The sources of SQLite, libxlsxwriter, utf8proc, regular-table and Chart.js go to .deps/
 # in the checkout.
 #
 #   tools/setup.sh demo   what ./demo.sh takes: the compiler for Win32, Wine, the libraries of the program
@@ -14,6 +14,9 @@ sqlite_package=better-sqlite3@11.10.0 # carries SQLite's amalgamation in deps/sq
 sqlite_sha256=e80215754ac6cfaefe272342efd581b6dbefdbdc21f96bd83fcb698bee9d36a5
 regular_table_package=regular-table@0.9.2 # the grid of the desk's pages: one module and its licence
 regular_table_sha256=fd0a4112947c59e3ed3f7ebbe4ee932e4d36bdc9dd2b1b442ad45b4602ef83dc
+chart_package=chart.js@4.5.0 # draws the charts of the desk's pages: one script and its licence
+chart_sha256=e383a54911233cd8d5f9365a7407cb4b936507316d7e2977ebb126f266d6b47d
+chart_holds='Chart.js holds @kurkle/color: Copyright (c) 2018-2024 Jukka Kurkela, under the same terms.'
 xlsxwriter_source=libxlsxwriter=1.1.4-2 # Debian's source packages
 xlsxwriter_sha256=b379eb35fdd9c653ebe72485b9c992f612c7ea66f732784457997d6e782f619b
 utf8proc_source=utf8proc=2.8.0-1
@@ -71,7 +74,8 @@ missing_of() {
 install_packages() { # PACKAGE...
   local missing
   mapfile -t missing < <(missing_of "$@")
-  if ! command -v npm >/dev/null 2>&1 && ! { [ -f "$deps/sqlite3/sqlite3.c" ] && [ -f "$deps/regular-table/LICENSE" ]; }; then
+  if ! command -v npm >/dev/null 2>&1 &&
+    ! { [ -f "$deps/sqlite3/sqlite3.c" ] && [ -f "$deps/regular-table/LICENSE" ] && [ -f "$deps/chart/LICENSE" ]; }; then
     missing+=(npm)
   fi
   [ "${#missing[@]}" -gt 0 ] || return 0
@@ -113,20 +117,23 @@ fetch_sqlite() {
   rm -rf "$work"
 }
 
-fetch_regular_table() {
-  [ "$(cat "$deps/regular-table/.version" 2>/dev/null)" = "$regular_table_package" ] && return 0
-  say "fetching regular-table ($regular_table_package)"
-  local work archive
+# Fetches a script that the desk's pages use: its folder, the package with the version, the digest of the archive, which
+# file of it is NAME.js, which holds its terms, and what else these are to say.
+fetch_page_script() {
+  local name=$1 package=$2 digest=$3 script=$4 licence=$5 more=${6:-} work archive
+  [ "$(cat "$deps/$name/.version" 2>/dev/null)" = "$package" ] && return 0
+  say "fetching $package"
   work=$(mktemp -d)
-  archive=$(cd "$work" && npm pack --loglevel=error "$regular_table_package" | tail -n 1) ||
-    fail "npm could not fetch $regular_table_package"
-  printf '%s  %s\n' "$regular_table_sha256" "$work/$archive" | sha256sum --check --quiet ||
-    fail "what npm fetched is not what $regular_table_package is known for"
-  tar -xzf "$work/$archive" -C "$work" package/dist/esm/regular-table.js package/LICENSE
-  rm -rf "$deps/regular-table"
-  mkdir -p "$deps/regular-table"
-  mv "$work/package/dist/esm/regular-table.js" "$work/package/LICENSE" "$deps/regular-table/"
-  printf '%s' "$regular_table_package" >"$deps/regular-table/.version"
+  archive=$(cd "$work" && npm pack --loglevel=error "$package" | tail -n 1) || fail "npm could not fetch $package"
+  printf '%s  %s\n' "$digest" "$work/$archive" | sha256sum --check --quiet ||
+    fail "what npm fetched is not what $package is known for"
+  tar -xzf "$work/$archive" -C "$work" "package/$script" "package/$licence"
+  rm -rf "${deps:?}/$name"
+  mkdir -p "$deps/$name"
+  mv "$work/package/$script" "$deps/$name/$name.js"
+  mv "$work/package/$licence" "$deps/$name/LICENSE"
+  [ -z "$more" ] || printf '\n%s\n' "$more" >>"$deps/$name/LICENSE"
+  printf '%s' "$package" >"$deps/$name/.version"
   rm -rf "$work"
 }
 
@@ -179,6 +186,7 @@ esac
 install_packages "${packages[@]}"
 install_wine_packages
 fetch_sqlite
-fetch_regular_table
+fetch_page_script regular-table "$regular_table_package" "$regular_table_sha256" dist/esm/regular-table.js LICENSE
+fetch_page_script chart "$chart_package" "$chart_sha256" dist/chart.umd.js LICENSE.md "$chart_holds"
 fetch_debian_source xlsxwriter "$xlsxwriter_source" "$xlsxwriter_sha256" include src third_party License.txt
 fetch_debian_source utf8proc "$utf8proc_source" "$utf8proc_sha256" utf8proc.c utf8proc.h utf8proc_data.c LICENSE.md

@@ -10,7 +10,7 @@ import * as data from './mock_data.mjs';
 
 const root = fileURLToPath(new URL('../..', import.meta.url));
 const pages = join(root, 'workbench/desk/pages');
-const gridLibrary = join(root, '.deps/regular-table/regular-table.js');
+const libraries = new Map(['regular-table', 'chart'].map((name) => [`${name}.js`, join(root, '.deps', name, `${name}.js`)]));
 const policy =
   "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src 'self' data:; " +
   "base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
@@ -773,14 +773,14 @@ export async function startMock(port = 0) {
   }
 
   function page(name, response) {
-    const file = name === 'regular-table.js' ? gridLibrary : join(pages, basename(name));
+    const file = libraries.get(name) ?? join(pages, basename(name));
     if (!existsSync(file)) {
       response.writeHead(404).end();
       return;
     }
     let text = readFileSync(file, 'utf8');
-    if (file !== gridLibrary && extname(name) === '.js')
-      text = text.replace(/(import |from )'regular-table'/, "$1'./regular-table.js'");
+    if (!libraries.has(name) && extname(name) === '.js')
+      text = text.replace(/(import |import\(|from )'(regular-table|chart)'/, "$1'./$2.js'");
     if (name === 'index.html') text = text.replace(/(src|href)="([\w.-]+)"/g, '$1="/assets/mock/$2"');
     response.writeHead(200, {'Content-Type': `${types[extname(name)]}; charset=utf-8`}).end(text);
   }

@@ -56,6 +56,7 @@ usr/share/doc/quillon/README.md
 usr/share/doc/quillon/SECURITY.md
 usr/share/doc/quillon/copyright
 usr/share/doc/quillon/licenses/boost.txt
+usr/share/doc/quillon/licenses/chart.js.txt
 usr/share/doc/quillon/licenses/cli11.txt
 usr/share/doc/quillon/licenses/libxlsxwriter.txt
 usr/share/doc/quillon/licenses/mpl-2.0.txt

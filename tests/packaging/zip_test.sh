@@ -20,6 +20,7 @@ README.md
 SECURITY.md
 licenses/README.txt
 licenses/boost.txt
+licenses/chart.js.txt
 licenses/cli11.txt
 licenses/gcc-runtime.txt
 licenses/gpl-3.txt

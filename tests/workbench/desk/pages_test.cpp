@@ -44,10 +44,14 @@ TEST(Pages, AreStoredUnlessTheyAreTheStartPage) {
 }
 
 TEST(Pages, BringTheTermsOfWhatOthersWrote) {
-  ASSERT_FALSE(pageLicences().empty());
+  ASSERT_EQ(pageLicences().size(), 2U);
   EXPECT_THAT(std::string(pageLicences()[0].name), HasSubstr("regular-table 0.9"));
   EXPECT_EQ(pageLicences()[0].licence, "Apache-2.0");
   EXPECT_THAT(std::string(pageLicences()[0].text), HasSubstr("Apache License"));
+  EXPECT_THAT(std::string(pageLicences()[1].name), HasSubstr("chart.js 4."));
+  EXPECT_EQ(pageLicences()[1].licence, "MIT");
+  EXPECT_THAT(std::string(pageLicences()[1].text), HasSubstr("Chart.js Contributors"));
+  EXPECT_THAT(std::string(pageLicences()[1].text), HasSubstr("Jukka Kurkela"));
 }
 
 }  // namespace
