@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Makes the pictures of docs/pictures anew: each layout of each report, and a pivot, as `--format html` writes it, with the
-# settings of ./demo.sh, and the desk with a ledger, photographed by Chromium and brought down to few colours. Needs
-# build/native/bin/quillon, what tools/setup-browser.sh installs for the desk's tests, and pngquant.
+# settings of ./demo.sh, and the desk with a ledger and with a chart, photographed by Chromium and brought down to few
+# colours. Needs build/native/bin/quillon, what tools/setup-browser.sh installs for the desk's tests, and pngquant.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -86,5 +86,6 @@ picture fx-wt lines 1360,560 --set Inventory.cInvCode=0301-00237 --set cWhCode=0
 "$quillon" serve --account "$account" >"$work/link" &
 desk=$!
 until [ -s "$work/link" ]; do sleep 0.1; done
-node tools/picture_desk.mjs "$(cat "$work/link")" "$work/desk.png"
+node tools/picture_desk.mjs "$(cat "$work/link")" "$work/desk.png" "$work/desk-chart.png"
 keep desk
+keep desk-chart

@@ -1,9 +1,10 @@
-// Makes a picture of the desk: opens its link, fills in the detail ledger's filter, runs it and photographs the result.
-// tools/make-pictures.sh calls it. Usage: picture_desk.mjs LINK OUTPUT.png
+// Makes two pictures of the desk: opens its link, fills in the detail ledger's filter, runs it and photographs the result; the
+// same with a chart of the outbound summary.
+// tools/make-pictures.sh calls it. Usage: picture_desk.mjs LINK LEDGER.png CHART.png
 import {createRequire} from 'node:module';
 import {fileURLToPath} from 'node:url';
 
-const [link, output] = process.argv.slice(2);
+const [link, ledger, chart] = process.argv.slice(2);
 const libraries = fileURLToPath(new URL('../.deps/browser/node_modules/', import.meta.url));
 const {chromium} = createRequire(libraries)(`${libraries}playwright-core`);
 
@@ -25,7 +26,19 @@ try {
   await page.click('tr.folded-in > .first', {position: {x: 12, y: 12}});
   await page.waitForLoadState('networkidle');
   await page.mouse.move(0, 0);
-  await page.screenshot({path: output});
+  await page.screenshot({path: ledger});
+
+  await page.goto(`${new URL(link).origin}/#/report/outsum-item?f.cModal=1`);
+  await page.waitForSelector('main:not([aria-busy]) .field');
+  await page.waitForLoadState('networkidle');
+  await page.click('form .page-head button[type=submit]');
+  await page.waitForURL(/#\/run\//);
+  await page.waitForSelector('regular-table tbody tr');
+  const [run] = new URL(page.url()).hash.split('?');
+  await page.goto(`${new URL(link).origin}/${run}?report=outsum-item&layout=chart&chart=unitCost`);
+  await page.waitForSelector('.charts:not([aria-busy]) canvas');
+  await page.waitForLoadState('networkidle');
+  await page.screenshot({path: chart});
 } finally {
   await browser.close();
 }

@@ -12,6 +12,8 @@ globalThis.localStorage = {getItem: () => null, setItem() {}};
 globalThis.navigator ??= {language: 'zh-CN'};
 const {PivotRows, firstPivot, foldedIn, pivotIn, putPivot, sortNameOf} =
   await import('../../workbench/desk/pages/pivot.js');
+const {chartIn, chartsOffered, pivotOfChart, putChart, withAllMonths} = await import('../../workbench/desk/pages/charts.js');
+const {bySize, exact, exactText, minus, plus, quotient} = await import('../../workbench/desk/pages/exact.js');
 const {seconds} = await import('../../workbench/desk/pages/texts.js');
 
 const again = (query) => new URLSearchParams(query.toString());
@@ -278,7 +280,7 @@ test('every text is there in both languages, and used', () => {
     .map(source)
     .join('\n');
   for (const [, key] of code.matchAll(/\bt\('(\w+)'/g)) assert.ok(keys.includes(key), key);
-  const madeUp = /^(state_|kind_|share_|key[A-Z]|theme)/;
+  const madeUp = /^(state_|kind_|share_|chart(Form|Per|Balance)?_|key[A-Z]|theme)/;
   for (const key of keys) if (!madeUp.test(key)) assert.ok(new RegExp(`'${key}'`).test(code), `${key} is not used`);
 });
 
@@ -292,4 +294,76 @@ test('the pages bring no inline style or script, which their policy forbids', ()
       name,
     );
   }
+});
+
+test('exact decimals are added, parted and written without a binary number', () => {
+  const texts = ['0.00', '-0.05', '1,234.50', '-1,234,567,890,123,456,789.01', '12', '0.1234'];
+  for (const text of texts) assert.equal(exactText(exact(text)), text.replace(/^-(0\.0+)$/, '$1'));
+  assert.equal(exactText(plus(exact('0.1'), exact('0.2'))), '0.3');
+  assert.equal(exactText(minus(exact('1,000.00'), exact('0.001'))), '999.999');
+  assert.equal(exactText(minus(exact('12'), exact('12.50'))), '-0.50');
+  assert.equal(exactText(quotient(exact('10.00'), exact('3'), 4)), '3.3333');
+  // Half away from zero, on either side.
+  assert.equal(exactText(quotient(exact('1'), exact('8'), 2)), '0.13');
+  assert.equal(exactText(quotient(exact('-1.00'), exact('8'), 2)), '-0.13');
+  assert.equal(exactText(quotient(exact('1'), exact('-8.0'), 2)), '-0.13');
+  assert.equal(quotient(exact('1'), exact('0.00'), 2), null);
+  assert.deepEqual(['2', '-10', '0.5'].map(exact).toSorted(bySize).map(exactText), ['-10', '2', '0.5']);
+  for (const text of ['', '1.', '1,23', 'x', '1e3', '--1']) assert.throws(() => exact(text), text);
+});
+
+test('charts are those that a report has figures for, and stand in the address', () => {
+  const named = (...names) => names.map((name) => ({name, caption: name, state: name === 'cState'}));
+  const kinds = (dimensions, measures, layouts) =>
+    chartsOffered({dimensions: named(...dimensions), measures: named(...measures)}, layouts).map(({name}) => name);
+  const movements = ['receiptQuantity', 'receiptAmount', 'receiptUnitCost', 'issueAmount'];
+  assert.deepEqual(kinds([], [], []), []);
+  assert.deepEqual(kinds(['cfxCode', 'month', 'cInvCode'], movements, ['vouchers']), [
+    'structure',
+    'months',
+    'top',
+    'unitCost',
+  ]);
+  assert.deepEqual(kinds(['cfxCode', 'month'], movements, ['ledger']), ['structure', 'months', 'balance', 'unitCost']);
+  assert.deepEqual(kinds(['cFXCode', 'month', 'cWhCode', 'cState'], ['openingAmount', 'closingAmount'], ['tree']), [
+    'structure',
+    'top',
+  ]);
+  const offered = chartsOffered(
+    {dimensions: named('cWhCode', 'cInvCode', 'cfxCode', 'month'), measures: named(...movements)},
+    [],
+  );
+  assert.deepEqual(chartIn(new URLSearchParams(), offered), {
+    chart: 'structure',
+    item: '',
+    of: 'receiptAmount',
+    by: 'cfxCode',
+  });
+  const query = new URLSearchParams('report=x&chart=top&of=issueAmount&by=nothing&top=5&form=lines');
+  const chosen = chartIn(query, offered);
+  assert.deepEqual(chosen, {chart: 'top', item: '', of: 'issueAmount', by: 'cInvCode', top: '5'});
+  assert.deepEqual(Object.fromEntries(putChart(query, chosen)), {
+    report: 'x',
+    chart: 'top',
+    of: 'issueAmount',
+    by: 'cInvCode',
+    top: '5',
+  });
+  assert.deepEqual(pivotOfChart(chosen), {
+    rows: ['cInvCode'],
+    columns: [],
+    measures: ['issueAmount', 'issueAmount:total'],
+    sort: [{column: 'issueAmount', descending: true}],
+  });
+  const parted = {chart: 'unitCost', of: 'receiptUnitCost', by: 'cfxCode', per: 'month'};
+  assert.deepEqual(pivotOfChart(parted).measures, ['receiptAmount', 'receiptQuantity', 'receiptUnitCost']);
+  assert.deepEqual(pivotOfChart({...parted, of: 'unitCost'}).measures, ['amount', 'quantity', 'unitCost']);
+});
+
+test('months without rows lie among those that have some', () => {
+  const rows = ['2023-11', '2024-02', '（无）'].map((label) => ({label, texts: ['1']}));
+  assert.deepEqual(
+    withAllMonths(rows).map(({label, texts}) => `${label} ${texts[0]}`),
+    ['2023-11 1', '2023-12 null', '2024-01 null', '2024-02 1', '（无） 1'],
+  );
 });

@@ -33,7 +33,7 @@ const manyLines = Number(process.env.DESK_MANY_LINES ?? 216000);
 const measures = 'large.test.mjs';
 const ofDouble = 'double.test.mjs';
 // The double's files and figures are made up.
-const ofServer = ['export.test.mjs', 'ledger.test.mjs', 'pivot.test.mjs'];
+const ofServer = ['charts.test.mjs', 'export.test.mjs', 'ledger.test.mjs', 'pivot.test.mjs'];
 
 const files = readdirSync(folder).filter((name) =>
   given.length > 0

@@ -1,6 +1,8 @@
 // A run: its progress, and then its result in the layout and arrangement that the address names.
 import {cameFromHere, filterIn, go, placeIn, putFilter, putPlace, putView, viewIn, write} from './address.js';
 import {api} from './api.js';
+import {ChartPage} from './chart_page.js';
+import {chartNames} from './charts.js';
 import {openColumnMenu, moved} from './column_menu.js';
 import {openColumns} from './columns.js';
 import {showDocuments} from './document.js';
@@ -88,6 +90,7 @@ export class RunPage {
 
   dispose() {
     this.hide();
+    this.chart?.dispose();
     this.grid?.dispose();
   }
 
@@ -211,13 +214,17 @@ export class RunPage {
     }
     if (!this.frame) this.drawFrame();
     const isStatements = this.part === 'statements';
+    const isChart = !isStatements && this.query.get('layout') === 'chart';
     this.drawBar(isStatements);
-    this.gridArea.hidden = isStatements;
-    this.tools.hidden = isStatements;
-    this.panelArea.hidden = isStatements;
+    for (const area of [this.gridArea, this.tools, this.panelArea]) area.hidden = isStatements || isChart;
     this.statementsArea.hidden = !isStatements;
+    this.chartArea.hidden = !isChart;
     if (isStatements) {
       fill(this.statementsArea, statementsPanel(this.info));
+      return;
+    }
+    if (isChart) {
+      await this.drawChart();
       return;
     }
     await this.drawView();
@@ -248,9 +255,10 @@ export class RunPage {
     this.panelArea = h('div', {class: 'panel-area'});
     this.panel = null;
     this.gridArea = h('div', {class: 'grid-area'});
+    this.chartArea = h('div', {class: 'chart-area'});
     this.statementsArea = h('div', {class: 'statements-area'});
     this.headArea = h('div', {});
-    this.frame = [this.headArea, this.bar, this.panelArea, this.tools, this.gridArea, this.statementsArea];
+    this.frame = [this.headArea, this.bar, this.panelArea, this.tools, this.gridArea, this.chartArea, this.statementsArea];
     fill(this.element, this.frame);
   }
 
@@ -264,7 +272,7 @@ export class RunPage {
     const wanted = this.wantedView();
     // A layout has its own columns; what the last one was arranged by does not follow into it.
     const filterOnly = putFilter(new URLSearchParams({report: this.reportName}), filterIn(this.query));
-    for (const name of pivotNames) if (this.query.has(name)) filterOnly.set(name, this.query.get(name));
+    for (const name of [...pivotNames, ...chartNames]) if (this.query.has(name)) filterOnly.set(name, this.query.get(name));
     const link = (path, query, text, here) =>
       h('a', {href: write(path, query), 'aria-current': here ? 'page' : null}, text);
     fill(
@@ -275,7 +283,8 @@ export class RunPage {
         if (!here) query.set('layout', layout.name);
         return link(['run', this.id], query, caption(layout.caption), here && !isStatements);
       }),
-      this.pivotLink(wanted, filterOnly, link, isStatements),
+      this.partLink('pivot', wanted, filterOnly, link, isStatements),
+      this.partLink('chart', wanted, filterOnly, link, isStatements),
       link(
         ['run', this.id, 'statements'],
         this.query,
@@ -286,11 +295,24 @@ export class RunPage {
     );
   }
 
-  pivotLink(wanted, filterOnly, link, isStatements) {
-    const here = Boolean(wanted.pivot);
+  // To what is no layout of the report: "pivot" or "chart".
+  partLink(name, wanted, filterOnly, link, isStatements) {
+    const here = wanted.layout === name;
     const query = here ? this.query : new URLSearchParams(filterOnly);
-    query.set('layout', 'pivot');
-    return link(['run', this.id], query, t('pivot'), here && !isStatements);
+    query.set('layout', name);
+    return link(['run', this.id], query, t(name), here && !isStatements);
+  }
+
+  async drawChart() {
+    this.chart ??= new ChartPage({
+      run: this.id,
+      report: this.report,
+      title: this.title,
+      conditions: conditionsText(this.info.conditions),
+      go: (query) => go(['run', this.id], query),
+    });
+    if (!this.chart.element.isConnected) fill(this.chartArea, this.chart.element);
+    await this.chart.show(this.query);
   }
 
   wantedView() {
@@ -849,6 +871,8 @@ export class RunPage {
   async languageChanged() {
     this.frame = null;
     this.panel = null;
+    this.chart?.dispose();
+    this.chart = null;
     this.captions.clear();
     this.drop();
     this.viewKey = undefined;
