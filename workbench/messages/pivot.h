@@ -31,6 +31,14 @@ inline constexpr Text<1> shareOfUnitCost{"单价不能相加，因此没有占�
 inline constexpr Text<3> tooManyPivotColumns{
     "透视表会有 {1} 列数值，最多 {2} 列；请把 {3} 放到行上、减少数值，或用 --where 选出较少的行",
     "the pivot would have {1} columns of figures, and {2} are the most; put {3} down instead of across, ask for fewer figures, or choose fewer rows with --where"};
+inline constexpr Text<0> comparedAcross{
+    "对比时列由两份结果占用，维度只能放在行上",
+    "of a comparison only the two results and their difference stand across; put dimensions down"};
+inline constexpr Text<1> comparedShare{"对比不显示占比：{1}；请写数值本身",
+                                       "a comparison shows no shares: {1}; name the figure itself"};
+inline constexpr Text<2> noSuchComparedSort{
+    "对比不能按“{1}”排序：它既不是所选的维度，也不是对比的列{2}",
+    "a comparison cannot be ordered by \"{1}\": it is neither a chosen dimension nor one of its columns{2}"};
 inline constexpr Text<0> pivotAlone{
     "--pivot 自己决定列和分组；请去掉 --layout、--columns 和 --group-by",
     "--pivot decides columns and groups itself; leave --layout, --columns and --group-by out"};

@@ -80,6 +80,8 @@ class Pivot::Table {
 
   View view(const std::shared_ptr<const Table>& self) const;
   std::size_t rowCount() const { return rows_.size(); }
+  const PivotPlan& plan() const { return plan_; }
+  PivotRow pivotRow(std::size_t number) const;
   std::vector<RowCondition> where(std::size_t row, std::size_t column) const;
   std::vector<std::pair<std::string, std::string>> heading() const;
 
@@ -582,6 +584,16 @@ View Pivot::Table::view(const std::shared_ptr<const Table>& self) const {
   return view;
 }
 
+PivotRow Pivot::Table::pivotRow(std::size_t number) const {
+  const RowPlace& place = rows_.at(number);
+  PivotRow row{.kind = place.kind, .path = {}, .figures = {}};
+  for (const std::size_t node : down_.path(place.node))
+    row.path.push_back(down_.node(node).key);
+  for (const PivotMeasure& measure : plan_.measures)
+    row.figures.push_back(figure(measure, place.node, PivotAxis::whole));
+  return row;
+}
+
 std::vector<RowCondition> Pivot::Table::where(std::size_t row, std::size_t column) const {
   const RowPlace& place = rows_.at(row);
   std::vector<RowCondition> where = conditions_;
@@ -623,6 +635,14 @@ View Pivot::view() const {
 
 std::size_t Pivot::rowCount() const {
   return table_->rowCount();
+}
+
+PivotRow Pivot::row(std::size_t number) const {
+  return table_->pivotRow(number);
+}
+
+const PivotPlan& Pivot::plan() const {
+  return table_->plan();
 }
 
 std::vector<RowCondition> Pivot::where(std::size_t row, std::size_t column) const {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "workbench/presentation/layout_request.h"
+#include "workbench/presentation/pivot_axis.h"
 #include "workbench/presentation/pivot_request.h"
 #include "workbench/presentation/view.h"
 
@@ -31,6 +32,13 @@ struct PivotOptions {
   int unitCostDecimals = 4;
 };
 
+// A row before it is laid out.
+struct PivotRow {
+  RowKind kind = RowKind::line;
+  std::vector<PivotKey> path;        // a value for each dimension down; fewer of a subtotal, none of the total
+  std::vector<tsql::Value> figures;  // one a figure, over all that stands across
+};
+
 class Pivot {
  public:
   // Reads the whole result. Of the request's arrangement its conditions count. Throws UserError for a name that the report
@@ -44,6 +52,10 @@ class Pivot {
 
   // How many rows the view has, its totals included.
   std::size_t rowCount() const;
+  // One of them, counted from 0; throws std::out_of_range.
+  PivotRow row(std::size_t number) const;
+  // What was asked for, as the report understands it.
+  const PivotPlan& plan() const;
   // The rows of the result table behind the figure in a row (totals follow the lines) and a column of the view, a column of
   // names standing for the whole row: these conditions together with those of the request, all of which are given.
   // Of a share, those that its figure sums. Both counted from 0; throws std::out_of_range.
