@@ -120,6 +120,7 @@ DeskApi::~DeskApi() {
   ending_.notify_all();
   sweeper_.join();
   // All are asked to end before the first is waited for.
+  if (checks_) checks_->stop();
   for (const auto& [id, run] : runs_)
     run->stop();
   for (const auto& [id, run] : runs_)
@@ -159,11 +160,11 @@ DeskResponse DeskApi::refusal(const ApiError& error, Language language) const {
 
 DeskResponse DeskApi::answer(const DeskRequest& request, const Parts& parts) {
   const std::string& what = parts.front();
+  if (what == "account") return answerAccount(request, parts);
   if (what == "dialogs") return answerDialogs(request, parts);
   if (what == "filters") return answerFilters(request, parts);
   if (what == "runs") return answerRuns(request, parts);
   if (!is(request, parts, "GET", 1)) refuseAddress();
-  if (what == "account") return jsonAnswer(account());
   if (what == "about") return jsonAnswer(about());
   if (what != "reports") refuseAddress();
   Json all = Json::array();
@@ -185,6 +186,47 @@ Json DeskApi::account() {
                      {"lines", year.ledgerLines}});
   return {{"code", info.accountCode},          {"name", discretion_.accountName()}, {"startDate", info.startDate},
           {"valuation", info.valuationMethod}, {"currentYear", info.currentYear},   {"years", std::move(years)}};
+}
+
+DeskResponse DeskApi::answerAccount(const DeskRequest& request, const Parts& parts) {
+  if (is(request, parts, "GET", 1)) return jsonAnswer(account());
+  if (parts.size() < 2 || parts[1] != "checks") refuseAddress();
+  if (is(request, parts, "GET", 2)) {
+    const std::shared_ptr<CheckSession> made = checks();
+    return jsonAnswer(made ? made->info(request.language) : CheckSession::infoOfNone());
+  }
+  if (is(request, parts, "POST", 2)) {
+    startChecks();
+    return jsonAnswer(checks()->info(request.language), created);
+  }
+  if (is(request, parts, "POST", 3) && parts[2] == "stop") {
+    if (const std::shared_ptr<CheckSession> made = checks()) made->stop();
+    return jsonAnswer(Json::object());
+  }
+  if (!is(request, parts, "GET", 3)) refuseAddress();
+  const std::shared_ptr<CheckSession> made = checks();
+  if (!made) throw ApiError(409, "state", messages::checksNotMade());
+  constexpr std::int64_t usualRows = 100;
+  return jsonAnswer(made->rows(parts[2], numberOf(request.query, "offset", 0, anyNumber),
+                               numberOf(request.query, "limit", usualRows, mostRows), request.language));
+}
+
+std::shared_ptr<CheckSession> DeskApi::checks() {
+  const std::scoped_lock lock(mutex_);
+  return checks_;
+}
+
+// Checks that are under way go on: who asks for them again waits for the same.
+void DeskApi::startChecks() {
+  std::shared_ptr<CheckSession> ended;  // outside of the lock
+  const std::scoped_lock lock(mutex_);
+  if (checks_ && checks_->running()) return;
+  ended = std::move(checks_);
+  checks_ = std::make_shared<CheckSession>(
+      [source = options_.account, kept = options_.limits.checkRows] {
+        return checkedAccount(*source.readOnly().open(tsql::OpenMode::readOnly), {}, kept);
+      },
+      discretion_);
 }
 
 Json DeskApi::about() const {
@@ -361,6 +403,7 @@ DeskResponse DeskApi::answerRuns(const DeskRequest& request, const Parts& parts)
     response.stream = [session](Sink& sink) { session->sendEvents(sink); };
     return response;
   }
+  if (is(request, parts, "GET", 3) && parts[2] == "checks") return jsonAnswer(session->checks(request.language));
   if (parts[2] == "pivots") return answerPivots(request, parts, *session);
   if (parts[2] == "views") return answerViews(request, parts, session);
   refuseAddress();

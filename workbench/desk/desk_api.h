@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "workbench/desk/check_session.h"
 #include "workbench/desk/dialog_session.h"
 #include "workbench/desk/discretion.h"
 #include "workbench/desk/handler.h"
@@ -32,6 +33,7 @@ struct DeskLimits {
   std::size_t runs = 24;     // that are kept, and
   std::size_t running = 6;   // of these, under way at the same time
   RunLimits run = {};
+  std::int64_t checkRows = 10'000;          // of each check, that are kept to be read
   std::chrono::seconds idleDialog{1800};    // closes a dialog that nobody has used for so long
   std::chrono::milliseconds sweep{10'000};  // from one look at what is idle to the next
 };
@@ -62,6 +64,7 @@ class DeskApi final : public DeskHandler {
   using Parts = std::vector<std::string>;
 
   DeskResponse answer(const DeskRequest& request, const Parts& parts);
+  DeskResponse answerAccount(const DeskRequest& request, const Parts& parts);
   DeskResponse answerDialogs(const DeskRequest& request, const Parts& parts);
   DeskResponse answerFilters(const DeskRequest& request, const Parts& parts);
   DeskResponse answerRuns(const DeskRequest& request, const Parts& parts);
@@ -71,6 +74,8 @@ class DeskApi final : public DeskHandler {
 
   Json account();
   Json about() const;
+  void startChecks();
+  std::shared_ptr<CheckSession> checks();
   Json openDialog(const Json& body, Language language);
   Json startRun(const Json& body, Language language);
   Json listFilters(const std::string& report) const;
@@ -90,6 +95,7 @@ class DeskApi final : public DeskHandler {
   std::size_t opening_ = 0;  // dialogs that are being opened
   std::map<std::int64_t, OpenDialog> dialogs_;
   std::map<std::int64_t, std::shared_ptr<RunSession>> runs_;
+  std::shared_ptr<CheckSession> checks_;  // none before they were asked for
 
   std::thread sweeper_;  // last: it uses what stands above
 };

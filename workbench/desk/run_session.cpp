@@ -70,6 +70,7 @@ RunSession::RunSession(std::int64_t id, ReportRequest request, const Discretion&
     : id_(id),
       report_(reportNamed(request.report)),
       language_(request.language),
+      account_(request.account),
       discretion_(discretion),
       limits_(limits),
       started_(isoTime(std::chrono::system_clock::now())) {
@@ -207,17 +208,21 @@ void RunSession::stop() {
 
 void RunSession::close() {
   std::map<std::int64_t, OpenView> views;
+  std::shared_ptr<CheckSession> checks;
   {
     std::unique_lock lock(mutex_);
     closed_ = true;
     thread_.stop();
     views.swap(views_);
+    checks.swap(checks_);
     for (const auto& request : exports_) {
       if (const auto running = request.lock()) running->request();
     }
   }
   changed_.notify_all();
+  if (checks) checks->stop();
   views.clear();
+  checks.reset();
   try {
     // What is on a server goes now; an account file's scratch when the last reader has gone.
     thread_.call([this] {
@@ -238,6 +243,31 @@ std::shared_ptr<MadeReport> RunSession::result() const {
 
 std::filesystem::path RunSession::newFile() {
   return files_.file().parent_path() / ("rows-" + std::to_string(++lastFile_));
+}
+
+Json RunSession::checks(Language language) {
+  std::shared_ptr<CheckSession> checks;
+  std::shared_ptr<MadeReport> made;
+  {
+    const std::scoped_lock lock(mutex_);
+    made = result();
+    checks = checks_;
+  }
+  if (!checks) {
+    const std::shared_ptr<MadeReport> reader = made->reader();
+    const std::scoped_lock lock(mutex_);
+    result();
+    if (!checks_) {
+      checks_ = std::make_shared<CheckSession>(
+          [reader, source = account_] {
+            const auto account = source.readOnly().open(tsql::OpenMode::readOnly);
+            return findingsOfReport(reader->report(), reader->filter(), *account);
+          },
+          discretion_);
+    }
+    checks = checks_;
+  }
+  return checks->info(language);
 }
 
 Json RunSession::addView(ViewRequest request) {

@@ -15,6 +15,7 @@
 
 #include "workbench/account/scratch.h"
 #include "workbench/desk/api_error.h"
+#include "workbench/desk/check_session.h"
 #include "workbench/desk/discretion.h"
 #include "workbench/desk/handler.h"
 #include "workbench/desk/task_thread.h"
@@ -50,6 +51,10 @@ class RunSession {
   void stop();
   // The same, and no more is to be had from it: views end, streams are cut.
   void close();
+
+  // What CheckSession::info() gives of the errors of the account that touch the result (findingsOfReport()). The first who
+  // asks begins the check. 409 when the run has no result.
+  Json checks(Language language);
 
   // Opens a view and gives its description. 409 when the run has no result.
   Json addView(ViewRequest request);
@@ -92,6 +97,7 @@ class RunSession {
   const std::int64_t id_;
   const Report& report_;
   const Language language_;
+  const AccountSource account_;
   const Discretion& discretion_;
   const RunLimits limits_;
   const std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
@@ -114,6 +120,8 @@ class RunSession {
   std::int64_t lastView_ = 0;
   std::int64_t lastFile_ = 0;
   std::vector<std::weak_ptr<tsql::StopRequest>> exports_;
+
+  std::shared_ptr<CheckSession> checks_;  // none before they were asked for
 
   TaskThread thread_;  // last: it uses what stands above
 };

@@ -37,6 +37,7 @@ inline constexpr Text<1> noSuchColumnOfView{"视图没有第 {1} 列", "the view
 inline constexpr Text<1> noSuchFilter{"没有名为“{1}”的过滤条件", "there is no filter \"{1}\""};
 inline constexpr Text<1> itemUnknown{"此报表没有过滤项“{1}”", "this report has no filter item \"{1}\""};
 inline constexpr Text<2> layoutUnknown{"{1} 没有版式“{2}”", "{1} has no layout \"{2}\""};
+inline constexpr Text<1> noSuchCheck{"没有名为“{1}”的检查", "there is no check \"{1}\""};
 inline constexpr Text<0> closedMeanwhile{"已经关闭", "it has been closed"};
 
 inline constexpr Text<0> bodyNoJson{"请求的正文不是 JSON", "the body of the request is no JSON"};
@@ -65,6 +66,7 @@ inline constexpr Text<0> dialogNotAccepted{"对话框还没有接受过滤条件
 inline constexpr Text<0> dialogRefusesRun{"报表的对话框不接受此过滤条件，请修改",
                                           "the report's dialog does not accept the filter; change it"};
 inline constexpr Text<0> noResult{"此运行没有结果", "the run has no result"};
+inline constexpr Text<0> checksNotMade{"账套还没有检查", "the account has not been checked"};
 inline constexpr Text<0> opensNoDocument{"此行没有可打开的单据", "this row opens no document"};
 inline constexpr Text<1> notLookedUp{"{1} 的编码没有可查找之处", "codes of {1} are looked up nowhere"};
 inline constexpr Text<0> noExportFormat{"视图可输出为 csv、xlsx 或 html", "a view is exported as csv, xlsx or html"};
