@@ -658,6 +658,12 @@ export async function startMock(port = 0) {
             {year: 2024, firstMonth: 1, settledMonths: 9, lines: 700000},
           ],
         };
+      case 'GET account/ID':
+      case 'POST account/ID':
+        return {state: 'done', started: '2024-03-31T08:15:00Z', elapsedMs: 40, error: null, checks: []};
+      case 'GET runs/ID/checks':
+        of(runs, id, 'run');
+        return {state: 'done', started: '2024-03-31T08:15:00Z', elapsedMs: 40, error: null, checks: []};
       case 'GET reports':
         return reports.map(described);
       case 'GET about':

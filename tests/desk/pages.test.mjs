@@ -12,6 +12,7 @@ globalThis.localStorage = {getItem: () => null, setItem() {}};
 globalThis.navigator ??= {language: 'zh-CN'};
 const {PivotRows, firstPivot, foldedIn, pivotIn, putPivot, sortNameOf} =
   await import('../../workbench/desk/pages/pivot.js');
+const {grouped} = await import('../../workbench/desk/pages/checks.js');
 const {chartIn, chartsOffered, pivotOfChart, putChart, withAllMonths} = await import('../../workbench/desk/pages/charts.js');
 const {bySize, exact, exactText, minus, plus, quotient} = await import('../../workbench/desk/pages/exact.js');
 const {seconds} = await import('../../workbench/desk/pages/texts.js');
@@ -366,4 +367,14 @@ test('months without rows lie among those that have some', () => {
     withAllMonths(rows).map(({label, texts}) => `${label} ${texts[0]}`),
     ['2023-11 1', '2023-12 null', '2024-01 null', '2024-02 1', '（无） 1'],
   );
+});
+
+test('amounts of checks get their thousands apart, with every digit', () => {
+  for (const [amount, shown] of [
+    ['0.00', '0.00'],
+    ['-352.98', '-352.98'],
+    ['1234.5625', '1,234.5625'],
+    ['-12345678901234567890.123456', '-12,345,678,901,234,567,890.123456'],
+  ])
+    assert.equal(grouped(amount), shown);
 });

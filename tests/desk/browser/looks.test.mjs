@@ -127,6 +127,9 @@ for (const {lang, scheme, size} of [
     await page.goto(`${address}/#/`);
     await page.waitForSelector('.reports');
     await look('start');
+    await page.goto(`${address}/#/checks`);
+    await page.waitForSelector('.checks .actions');
+    await look('checks');
     await page.locator('#header button').first().click();
     await page.waitForSelector('dialog .keys');
     await look('keys');

@@ -31,9 +31,19 @@ const lines = 20000;
 // The measurements want a long result: 700,000 rows come of so many lines of the ledger.
 const manyLines = Number(process.env.DESK_MANY_LINES ?? 216000);
 const measures = 'large.test.mjs';
+// What is wrong in the account of these tests: 150 receipts whose cost items sum to 0.0625 too much, which is more than a
+// page of rows, and cost items whose class is not there.
+const faults = {
+  'checks.test.mjs': `
+Update ia_subsidiary_Item Set iItemInPrice = iItemInPrice + 0.0625 Where AutoID In (Select Top 150 Min(AutoID)
+  From ia_subsidiary_Item Where bRdFlag = 1 And iMonth > 0 And iYear = 2024 Group By iSubID Order By iSubID)
+go
+Update Ca_FxDef Set cFxCID = 999 Where iFxID = (Select Max(iFxID) From Ca_FxDef)
+`,
+};
 const ofDouble = 'double.test.mjs';
 // The double's files and figures are made up.
-const ofServer = ['charts.test.mjs', 'export.test.mjs', 'ledger.test.mjs', 'pivot.test.mjs'];
+const ofServer = ['charts.test.mjs', 'checks.test.mjs', 'export.test.mjs', 'ledger.test.mjs', 'pivot.test.mjs'];
 
 const files = readdirSync(folder).filter((name) =>
   given.length > 0
@@ -75,7 +85,7 @@ async function deskFor(name) {
     const double = await startMock();
     return {environment: {...(await enter(double.link)), DESK_DOUBLE: '1'}, end: async () => double.close() ?? []};
   }
-  const desk = await served.start(name === measures ? manyLines : lines);
+  const desk = await served.start(name === measures ? manyLines : lines, faults[name]);
   return {environment: {...(await enter(desk.link)), DESK_TEMPORARY: desk.temporary}, end: desk.end};
 }
 

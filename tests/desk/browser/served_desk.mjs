@@ -1,7 +1,7 @@
 // A `quillon serve` of its own for each file of tests, over one sample account. What it keeps, it keeps in one folder,
 // which goes with it.
 import {spawn} from 'node:child_process';
-import {existsSync, mkdirSync, mkdtempSync, readdirSync, rmSync} from 'node:fs';
+import {copyFileSync, existsSync, mkdirSync, mkdtempSync, readdirSync, rmSync, writeFileSync} from 'node:fs';
 import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {once} from 'node:events';
@@ -27,6 +27,16 @@ export class ServedDesks {
     this.started = 0;
   }
 
+  // With `faults`, a script, in a file of its own.
+  async faultyAccount(lines, faults) {
+    const file = join(this.folder, 'sample-faulty.account');
+    copyFileSync(await this.account(lines), file);
+    const script = join(this.folder, 'faults.sql');
+    writeFileSync(script, faults);
+    await call(this.program, ['sql', '--account', file, script], process.env);
+    return file;
+  }
+
   account(lines) {
     if (!this.accounts.has(lines)) {
       const file = join(this.folder, `sample-${lines}.account`);
@@ -40,8 +50,8 @@ export class ServedDesks {
   }
 
   // A desk of its own: its link, and end(), which answers what it has left behind.
-  async start(lines) {
-    const account = await this.account(lines);
+  async start(lines, faults) {
+    const account = await (faults ? this.faultyAccount(lines, faults) : this.account(lines));
     this.started += 1;
     const own = join(this.folder, String(this.started));
     const temporary = join(own, 'temporary');

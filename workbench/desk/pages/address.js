@@ -1,5 +1,6 @@
 // The address holds the filter and what is shown of its result, so that a link or a bookmark is both:
 //   #/                                    start
+//   #/checks[?check=NAME&..]               the checks of the account, with the rows of these
 //   #/report/NAME?f.KEY=..&t.KEY=..       the filter dialog; f. is a value (repeated: several), t. a range's upper end
 //   #/run/ID[/statements|/document/N]?report=NAME&f.KEY=..&layout=..&sort=..   a run
 // It stands behind the #, which is never sent to the server.

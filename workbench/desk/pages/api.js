@@ -57,6 +57,11 @@ export const api = {
   reports: () => get('reports'),
   about: () => get('about'),
 
+  accountChecks: () => get('account/checks'),
+  startAccountChecks: () => post('account/checks'),
+  stopAccountChecks: () => post('account/checks/stop'),
+  checkRows: (name, offset, limit) => get(`account/checks/${part(name)}?offset=${offset}&limit=${limit}`),
+
   openDialog: (report, lang, values) => post('dialogs', {report, lang, values}),
   setItem: (id, key, value, value2) =>
     post(`dialogs/${part(id)}/set`, {key, value, ...(value2 === null ? {} : {value2})}),
@@ -75,6 +80,7 @@ export const api = {
   runInfo: (id) => get(`runs/${part(id)}`),
   runEvents: (id) => new EventSource(`/api/runs/${part(id)}/events`),
   stopRun: (id) => post(`runs/${part(id)}/stop`),
+  runChecks: (id) => get(`runs/${part(id)}/checks`),
   closeRun: (id) => remove(`runs/${part(id)}`),
 
   makeView: (run, view) => post(`runs/${part(run)}/views`, view),

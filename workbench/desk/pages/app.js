@@ -1,6 +1,7 @@
 // The frame around the pages: it reads the address, shows the page that it names, and knows what all pages share.
 import {go, read, write} from './address.js';
 import {api} from './api.js';
+import {ChecksPage} from './checks.js';
 import {DialogPage} from './dialog.js';
 import {button, fill, h, notice, signButton} from './dom.js';
 import {closeWindows, menu, modal} from './popup.js';
@@ -54,6 +55,7 @@ let asked = 0;
 
 function pageFor({path, query}) {
   if (path.length === 0) return (startPage ??= new StartPage(desk));
+  if (path[0] === 'checks') return page instanceof ChecksPage ? page : new ChecksPage(desk);
   if (path[0] === 'report' && desk.report(path[1])) {
     return page instanceof DialogPage && page.report.name === path[1]
       ? page

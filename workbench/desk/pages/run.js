@@ -3,6 +3,7 @@ import {cameFromHere, filterIn, go, placeIn, putFilter, putPlace, putView, viewI
 import {api} from './api.js';
 import {ChartPage} from './chart_page.js';
 import {chartNames} from './charts.js';
+import {TouchedLine} from './checks.js';
 import {openColumnMenu, moved} from './column_menu.js';
 import {openColumns} from './columns.js';
 import {showDocuments} from './document.js';
@@ -228,6 +229,7 @@ export class RunPage {
       return;
     }
     await this.drawView();
+    this.touched.ask(); // the rows come first
   }
 
   drawUnfinished() {
@@ -258,6 +260,7 @@ export class RunPage {
     this.chartArea = h('div', {class: 'chart-area'});
     this.statementsArea = h('div', {class: 'statements-area'});
     this.headArea = h('div', {});
+    this.touched = new TouchedLine(this.id);
     this.frame = [this.headArea, this.bar, this.panelArea, this.tools, this.gridArea, this.chartArea, this.statementsArea];
     fill(this.element, this.frame);
   }
@@ -266,6 +269,7 @@ export class RunPage {
     fill(
       this.headArea,
       this.head(),
+      this.touched.element,
       (this.info.messages ?? []).map((message) => h('p', {class: 'message'}, messageText(message))),
     );
     this.bar.setAttribute('aria-label', t('layouts'));

@@ -111,6 +111,7 @@ export class StartPage {
               ),
             ),
           ),
+          h('p', {class: 'to-checks'}, h('a', {href: write(['checks'])}, t('checkAccount'))),
         ),
       ),
       (this.runsCard = h('section', {class: 'card', 'aria-labelledby': 'runs-title'})),
