@@ -106,15 +106,17 @@ class Dimensions {
   }
 
   void addClasses(const ReportColumn& costItem) {
+    const ReportColumn* const ownClass = columnNamed(report_, classCodeColumn);
     for (int grade = 1; grade <= classGrades_; ++grade) {
       const std::string number = std::to_string(grade);
       dimensions_.push_back({.name = "costItemClass" + number,
                              .chinese = "成本项目分类" + number + "级",
                              .english = "Cost-item class grade " + number,
                              .kind = DimensionKind::costItemClass,
-                             .column = costItem.name,
+                             .column = ownClass != nullptr ? ownClass->name : costItem.name,
                              .nameColumn = "",
-                             .grade = grade});
+                             .grade = grade,
+                             .ofClassCodes = ownClass != nullptr});
     }
   }
 

@@ -26,13 +26,15 @@ struct ReportDimension {
   std::string nameColumn;                 // names these values; empty for none
   const Lookup* lookup = nullptr;         // names the codes that no column names
   int grade = 0;                          // of a class, 1 being the top
+  bool ofClassCodes = false;              // whether a class is found by the codes of classes, not of cost items
   std::vector<std::string> aliases = {};  // names and captions of its columns, by which it is found, too
 
   const std::string& caption(Language language) const { return language == Language::chinese ? chinese : english; }
 };
 
-// The column by whose classes DimensionKind::costItemClass goes, as the report writes it.
-inline constexpr std::string_view costItemCodeColumn = "cFXCode";
+// The columns by which DimensionKind::costItemClass finds the classes, as a report writes them: that of a cost item's own
+// class, where the report has it, for there a cost item's code may stand with its class's before it; else the cost item.
+inline constexpr std::string_view costItemCodeColumn = "cFXCode", classCodeColumn = "cfxCCode";
 
 // Whether each row of the report is one state of a ledger line in a report mode, the value of cModal.
 bool rowsAreStates(const Report& report, std::string_view mode);

@@ -248,10 +248,10 @@ class Pivot::Table {
     }
     if (dimension.kind != DimensionKind::costItemClass)
       return {.code = code, .name = places.name ? valueOrNone(row.value(*places.name)) : tsql::Value()};
-    const std::string costItem = plainText(code, "");
-    const auto [known, added] = classOf_.try_emplace({costItem, dimension.grade});
+    const std::string shown = plainText(code, "");
+    const auto [known, added] = classOf_.try_emplace({shown, dimension.grade});
     if (added) {
-      const CostItemClass found = classes.atGrade(costItem, isClass, dimension.grade);
+      const CostItemClass found = classes.atGrade(shown, isClass || dimension.ofClassCodes, dimension.grade);
       if (!found.code.empty()) known->second = {.code = found.code, .name = valueOrNone(found.name)};
     }
     return known->second;
@@ -546,7 +546,7 @@ class Pivot::Table {
   std::vector<ExactSum> sums_;
   // Of the dimensions whose codes a lookup names.
   std::map<std::string, std::map<std::string, tsql::Value>> namesOf_;
-  // The class of a cost item at a grade.
+  // The class of a cost item, or of a class, at a grade.
   std::map<std::pair<std::string, int>, PivotKey> classOf_;
   std::vector<ColumnPlace> columns_;
   std::vector<KeyColumn> keys_;

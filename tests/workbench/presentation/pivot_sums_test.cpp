@@ -336,5 +336,38 @@ TEST_P(StatePivots, HaveEachRowsOwnFigures) {
 INSTANTIATE_TEST_SUITE_P(Reports, StatePivots, testing::Values(pivotedReports()[0], pivotedReports()[1]),
                          [](const auto& info) { return std::string(info.param.name); });
 
+// Reports that have the class of a cost item beside it. In the detail ledger the cost item's code begins with its class.
+class PivotsOfParts : public PivotSums {};
+
+TEST_P(PivotsOfParts, HaveTheSumsOfTheLedgersPartsByClass) {
+  const auto side = [](const std::string& flag, const std::string& ofPart, const std::string& ofLine) {
+    return ", Sum(Case When l.bRdFlag = " + flag + " Then Case When p.iSubID Is Null Then IsNull(l." + ofLine +
+           ", 0) Else IsNull(p." + ofPart + ", 0) End Else 0 End)";
+  };
+  const std::string rest =
+      side("1", "iItemInQuantity", "iAInQuantity") + side("1", "iItemInPrice", "iAInPrice") +
+      side("0", "iItemOutQuantity", "iAOutQuantity") + side("0", "iItemOutPrice", "iAOutPrice") +
+      " From ia_subsidiary l Left Join ia_subsidiary_Item p On p.iSubID = l.AutoID Left Join Ca_FxDef i On i.iFxID = "
+      "p.iItemID Left Join Ca_FxClassDef c On c.iFxCId = i.cFxCID" +
+      GetParam().ledger.substr(GetParam().ledger.find(" Where "));
+  for (const int grade : {1, 2, 3}) {
+    SCOPED_TRACE(grade);
+    const std::string code = "Left(IsNull(c.cFxCCode, N''), " + std::to_string(2 * grade) + ")";
+    std::string query = "Select ";
+    query.append(code).append(rest).append(" Group By ").append(code);
+    const auto expected = numbersByKey(*account_, placed(query), 1);
+    ASSERT_GT(expected.size(), 1U);
+    const Pivot pivot = pivotOf(*report_, Language::english,
+                                options({"costItemClass" + std::to_string(grade)}, {}, measures_), {PivotForm::apart});
+    std::map<std::string, std::vector<std::string>> found;
+    for (const ViewRow& row : ReadView(pivot.view()).rows(RowKind::line))
+      found[tsql::toText(row.cells[0]).value_or("")] = figuresFrom(row, 2);
+    EXPECT_EQ(found, expected);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Reports, PivotsOfParts, testing::Values(pivotedReports()[5], pivotedReports()[6]),
+                         [](const auto& info) { return std::string(info.param.name); });
+
 }  // namespace
 }  // namespace quillon::workbench
