@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/text.h"
+#include "workbench/presentation/row_conditions.h"
 
 namespace quillon::workbench::desk {
 
@@ -209,10 +210,32 @@ void ViewWindow::describe(const ReportSection& section) {
   Json conditions = Json::array();
   for (const RowCondition& condition : request_.arrangement.where) {
     const auto isIt = [&condition](const ReportColumn& each) { return equalIgnoringCase(each.name, condition.column); };
-    if (const auto column = std::ranges::find_if(report_.columns, isIt); column != report_.columns.end())
-      conditions.push_back({{"name", condition.column}, {"caption", column->caption(language)}});
+    const auto column = std::ranges::find_if(report_.columns, isIt);
+    if (column == report_.columns.end()) continue;
+    conditions.push_back({{"name", condition.column}, {"caption", column->caption(language)}});
+    if (column->role == ColumnRole::internal) sayInWords(condition, conditions.back());
   }
   if (!conditions.empty()) description_["conditions"] = std::move(conditions);
+}
+
+// What pivots choose rows by may be a number that nobody is shown, such as that of a state: its values are said in the words
+// that the rows have for them.
+void ViewWindow::sayInWords(const RowCondition& condition, Json& told) const {
+  if (condition.kind != RowCondition::Kind::equals) return;
+  for (const ReportDimension& dimension : pivotChoicesOf(*reader_, request_.language).dimensions) {
+    if (dimension.nameColumn.empty() || !equalIgnoringCase(dimension.column, condition.column)) continue;
+    const ResultTable table = reader_->table();
+    Json words = Json::array();
+    for (const std::string& value : condition.values) {
+      const RowCondition one{.column = condition.column, .kind = condition.kind, .values = {value}};
+      const auto rows = table.query("Select Top 1 " + dimension.nameColumn + " From " + table.name() + " Where " +
+                                    conditionText({&one, 1}, table.columns()));
+      words.push_back(rows->next() ? tsql::toText(rows->value(0)).value_or(value) : value);
+    }
+    told["caption"] = dimension.caption(request_.language);
+    told["words"] = std::move(words);
+    return;
+  }
 }
 
 tsql::Connection* ViewWindow::accountFile() const {

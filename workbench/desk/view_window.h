@@ -78,6 +78,7 @@ class ViewWindow {
   void make();
   ReportSection section();
   void describe(const ReportSection& section);
+  void sayInWords(const RowCondition& condition, Json& told) const;
   // The account file that the rows are read from; nullptr on a server.
   tsql::Connection* accountFile() const;
   void readFirstPage();

@@ -163,6 +163,16 @@ async function shownRows() {
   return rows;
 }
 
+test('rows chosen by a state say which in words', async () => {
+  const other = await openDesk(browser);
+  await runReport(other, 'sfc-item');
+  const [path] = new URL(other.url()).hash.split('?');
+  await other.goto(`${address}/${path}?report=sfc-item&layout=lines&where=iState:equals:1`);
+  await waitForGrid(other);
+  await other.waitForSelector('.chips .chip:has-text("收发状态 = 期初结存")');
+  await other.context().close();
+});
+
 test('outer values are folded away; files have what is shown', async () => {
   const pivot = await showPivot('costItemClass1,cWhCode', '', 'amount');
   const length = pivot.columns.length;

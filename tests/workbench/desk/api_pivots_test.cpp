@@ -103,10 +103,15 @@ TEST_F(DeskPivots, FiguresOfAStateHaveRowsOfThatState) {
     for (const std::size_t column : {std::size_t{1}, std::size_t{2}})
       EXPECT_EQ(sumBehind(run, shown, row, column, "iMoney"), hundredths(rows[row]["cells"][column]));
   }
-  // What a condition is of is told, though its column is never shown.
+  // What a condition is of is told, though its column is never shown, and its values in words.
   const Json where = get(pathOf(run, shown) + "/where", {{"n", "0"}, {"column", "1"}})["where"];
   const Json listed = view(run, {{"layout", "lines"}, {"where", where}});
-  EXPECT_THAT(listed["conditions"].dump(), HasSubstr("State number"));
+  EXPECT_EQ(listed["conditions"].back(), (Json{{"name", "iState"}, {"caption", "State"}, {"words", {"Receipt"}}}));
+  EXPECT_FALSE(listed["conditions"].front().contains("words")) << "a warehouse's code is shown as it is";
+  const std::string chinese = done("sfc-item", Json::object(), "zh");
+  const Json several = {{{"column", "iState"}, {"kind", "equals"}, {"values", {"1", "3", "9"}}}};
+  EXPECT_EQ(view(chinese, {{"layout", "lines"}, {"lang", "zh"}, {"where", several}})["conditions"],
+            (Json::array({{{"name", "iState"}, {"caption", "收发状态"}, {"words", {"期初结存", "发出", "9"}}}})));
 }
 
 TEST_F(DeskPivots, ConditionsAndOrderCount) {

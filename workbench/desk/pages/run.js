@@ -705,7 +705,7 @@ export class RunPage {
       );
     const chips = [
       ...wanted.where.map((one) =>
-        chip(`${words(one.column)} ${conditionText(one)}`, (next) => {
+        chip(`${words(one.column)} ${conditionText(this.inWords(one))}`, (next) => {
           next.where = next.where.filter((other) => other.column !== one.column);
         }),
       ),
@@ -728,6 +728,12 @@ export class RunPage {
       );
     }
     return chips.length > 0 && h('div', {class: 'chips'}, chips);
+  }
+
+  // A condition with the words that the server has for its values.
+  inWords(condition) {
+    const told = this.view?.conditions?.find(({name}) => name === condition.column);
+    return told?.words ? {...condition, values: told.words} : condition;
   }
 
   drawTools() {
