@@ -405,6 +405,7 @@ DeskResponse DeskApi::answerRuns(const DeskRequest& request, const Parts& parts)
   }
   if (is(request, parts, "GET", 3) && parts[2] == "checks") return jsonAnswer(session->checks(request.language));
   if (parts[2] == "pivots") return answerPivots(request, parts, *session);
+  if (parts[2] == "comparisons") return answerComparisons(request, parts, *session);
   if (parts[2] == "views") return answerViews(request, parts, session);
   refuseAddress();
 }
@@ -444,6 +445,17 @@ DeskResponse DeskApi::answerPivots(const DeskRequest& request, const Parts& part
   if (is(request, parts, "POST", 3))
     return jsonAnswer(run.addView(pivotRequestOf(bodyOf(request.body), request.language)), created);
   refuseAddress();
+}
+
+std::unique_ptr<MadeReport> DeskApi::readerOf(std::int64_t id) {
+  return run(std::to_string(id))->reader();
+}
+
+DeskResponse DeskApi::answerComparisons(const DeskRequest& request, const Parts& parts, RunSession& run) {
+  if (!is(request, parts, "POST", 3)) refuseAddress();
+  ViewRequest asked = comparisonRequestOf(bodyOf(request.body), request.language);
+  std::unique_ptr<MadeReport> other = readerOf(*asked.comparedWith);
+  return jsonAnswer(run.addView(std::move(asked), std::move(other)), created);
 }
 
 DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts,
@@ -486,9 +498,12 @@ DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts
   response.headers.emplace_back("Content-Disposition", "attachment; filename=\"" + run->report().registration.name +
                                                            "-" + std::string(layoutName(view->request().layout)) + "." +
                                                            name + "\"");
-  response.stream = [run, asked = view->request(), folded = view->folded(), format = *format,
+  // A run that has been closed since cannot be read any more; that is said before the download begins, too.
+  std::shared_ptr<MadeReport> other;
+  if (const auto& compared = view->request().comparedWith) other = readerOf(*compared);
+  response.stream = [run, other, asked = view->request(), folded = view->folded(), format = *format,
                      captions = textOf(request.query, "captions") == "1"](Sink& sink) {
-    run->sendExport(asked, folded, format, captions, sink);
+    run->sendExport(asked, folded, format, captions, sink, other.get());
   };
   return response;
 }

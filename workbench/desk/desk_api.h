@@ -69,6 +69,7 @@ class DeskApi final : public DeskHandler {
   DeskResponse answerFilters(const DeskRequest& request, const Parts& parts);
   DeskResponse answerRuns(const DeskRequest& request, const Parts& parts);
   static DeskResponse answerPivots(const DeskRequest& request, const Parts& parts, RunSession& run);
+  DeskResponse answerComparisons(const DeskRequest& request, const Parts& parts, RunSession& run);
   DeskResponse answerViews(const DeskRequest& request, const Parts& parts, const std::shared_ptr<RunSession>& run);
   DeskResponse refusal(const class ApiError& error, Language language) const;
 
@@ -83,6 +84,8 @@ class DeskApi final : public DeskHandler {
   void saveFilter(const std::string& name, const Json& body, Language language) const;
   std::shared_ptr<DialogSession> dialog(const std::string& id);
   std::shared_ptr<RunSession> run(const std::string& id);
+  // The result of a run for a view of the other run that compares the two.
+  std::unique_ptr<MadeReport> readerOf(std::int64_t id);
   void closeIdle();
 
   const DeskOptions options_;

@@ -158,6 +158,13 @@ ViewRequest pivotRequestOf(const Json& body, Language otherwise) {
   return request;
 }
 
+ViewRequest comparisonRequestOf(const Json& body, Language otherwise) {
+  ViewRequest request = pivotRequestOf(body, otherwise);
+  request.comparedWith = numberIn(body, "other");
+  checkComparison(*request.pivot);
+  return request;
+}
+
 std::vector<std::int64_t> rowsIn(const Json& object, const char* member) {
   std::vector<std::int64_t> rows;
   for (const Json& each : arrayIn(object, member)) {

@@ -35,6 +35,9 @@ ViewRequest viewRequestOf(const Json& body, const Report& report, Language other
 // A pivot as it is asked for.
 ViewRequest pivotRequestOf(const Json& body, Language otherwise);
 
+// A comparison as it is asked for: a pivot with the run in `other`. Throws UserError for what cannot be compared.
+ViewRequest comparisonRequestOf(const Json& body, Language otherwise);
+
 // A list of numbers of rows.
 std::vector<std::int64_t> rowsIn(const Json& object, const char* member);
 

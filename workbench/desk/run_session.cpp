@@ -270,14 +270,18 @@ Json RunSession::checks(Language language) {
   return checks->info(language);
 }
 
-Json RunSession::addView(ViewRequest request) {
-  std::shared_ptr<ViewWindow> window, closed;
+std::unique_ptr<MadeReport> RunSession::reader() const {
   std::shared_ptr<MadeReport> made;
   {
     const std::scoped_lock lock(mutex_);
     made = result();
   }
-  std::unique_ptr<MadeReport> reader = made->reader();
+  return made->reader();
+}
+
+Json RunSession::addView(ViewRequest request, std::unique_ptr<MadeReport> other) {
+  std::shared_ptr<ViewWindow> window, closed;
+  std::unique_ptr<MadeReport> reader = this->reader();
   std::int64_t id = 0;
   {
     const std::scoped_lock lock(mutex_);
@@ -288,7 +292,7 @@ Json RunSession::addView(ViewRequest request) {
       views_.erase(oldest);
     }
     id = ++lastView_;
-    window = std::make_shared<ViewWindow>(id, std::move(reader), std::move(request), newFile());
+    window = std::make_shared<ViewWindow>(id, std::move(reader), std::move(request), newFile(), std::move(other));
     views_[id] = {window, std::chrono::steady_clock::now()};
   }
   closed.reset();
@@ -301,19 +305,13 @@ Json RunSession::addView(ViewRequest request) {
 }
 
 Json RunSession::pivotChoices(Language language) const {
-  std::shared_ptr<MadeReport> made;
-  {
-    const std::scoped_lock lock(mutex_);
-    made = result();
-  }
   Json dimensions = Json::array(), measures = Json::array(), own = Json::array();
   const auto add = [language](const PivotMeasure& measure, Json& list) {
     list.push_back({{"name", measure.name},
                     {"caption", measure.caption(language)},
                     {"shares", measure.figure != PivotFigure::unitCost}});
   };
-  const std::unique_ptr<MadeReport> reader = made->reader();
-  made.reset();
+  const std::unique_ptr<MadeReport> reader = this->reader();
   const PivotChoices choices = reader->table().rowCount() > 0 ? pivotChoicesOf(*reader, language) : PivotChoices();
   bool hasState = false;
   for (const ReportDimension& dimension : choices.dimensions) {
@@ -382,7 +380,7 @@ Json RunSession::document(ViewWindow& view, std::int64_t row) {
 }
 
 void RunSession::sendExport(const ViewRequest& request, const std::vector<RowSpan>& folded, ExportFormat format,
-                            bool captions, Sink& sink) {
+                            bool captions, Sink& sink, const MadeReport* comparedWith) {
   const auto stop = std::make_shared<tsql::StopRequest>();
   std::shared_ptr<MadeReport> made;
   std::filesystem::path file;
@@ -396,7 +394,7 @@ void RunSession::sendExport(const ViewRequest& request, const std::vector<RowSpa
   const tsql::StopScope scope(stop);
   const std::unique_ptr<MadeReport> reader = made->reader();
   made.reset();
-  exportView(*reader, request, format, captions, file, sink, folded);
+  exportView(*reader, request, format, captions, file, sink, folded, comparedWith);
 }
 
 }  // namespace quillon::workbench::desk

@@ -56,8 +56,10 @@ class RunSession {
   // asks begins the check. 409 when the run has no result.
   Json checks(Language language);
 
-  // Opens a view and gives its description. 409 when the run has no result.
-  Json addView(ViewRequest request);
+  // Opens a view and gives its description; `other` is the result that it is compared with. 409 when the run has no result.
+  Json addView(ViewRequest request, std::unique_ptr<MadeReport> other = nullptr);
+  // The result for one more thread. 409 when there is none.
+  std::unique_ptr<MadeReport> reader() const;
   // {"dimensions", "measures", "ownMeasures"}: what a pivot of the result can be asked for.
   Json pivotChoices(Language language) const;
   std::shared_ptr<ViewWindow> view(std::int64_t id);
@@ -67,7 +69,7 @@ class RunSession {
   // {"messages", "documents"}: what opens behind row number `row` of the view.
   Json document(ViewWindow& view, std::int64_t row);
   void sendExport(const ViewRequest& request, const std::vector<RowSpan>& folded, ExportFormat format, bool captions,
-                  Sink& sink);
+                  Sink& sink, const MadeReport* comparedWith = nullptr);
 
   const Report& report() const { return report_; }
 

@@ -149,8 +149,10 @@ std::string_view contentTypeOf(ExportFormat format) {
 }
 
 void exportView(const MadeReport& report, const ViewRequest& request, ExportFormat format, bool captions,
-                const std::filesystem::path& file, Sink& sink, const std::vector<RowSpan>& folded) {
+                const std::filesystem::path& file, Sink& sink, const std::vector<RowSpan>& folded,
+                const MadeReport* comparedWith) {
   LayoutOptions options = request.optionsOfExport();
+  options.comparedWith = comparedWith;
   if (format == ExportFormat::html) options.limit = linesOfAPage;
   LaidOutReport laid = laidOut(report, request.language, options, LayoutOutput::table);
   if (format != ExportFormat::csv) laid.fingerprint = fingerprintOf(report);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/text.h"
+#include "workbench/messages/pivot.h"
 #include "workbench/presentation/row_conditions.h"
 
 namespace quillon::workbench::desk {
@@ -47,6 +48,13 @@ bool isPart(const std::string& name) {
 std::string_view kindName(RowCondition::Kind kind) {
   if (kind == RowCondition::Kind::range) return "range";
   return kind == RowCondition::Kind::contains ? "contains" : "equals";
+}
+
+Json conditionsJson(const std::vector<RowCondition>& conditions) {
+  Json list = Json::array();
+  for (const RowCondition& condition : conditions)
+    list.push_back({{"column", condition.column}, {"kind", kindName(condition.kind)}, {"values", condition.values}});
+  return list;
 }
 
 // Up to `limit` of the items from `offset` on.
@@ -105,19 +113,23 @@ bool ViewRequest::isOfParts(const ViewColumn& column) const {
 }
 
 ViewWindow::ViewWindow(std::int64_t id, std::unique_ptr<MadeReport> reader, ViewRequest request,
-                       std::filesystem::path file)
+                       std::filesystem::path file, std::unique_ptr<MadeReport> other)
     : id_(id),
       report_(reader->report()),
       request_(std::move(request)),
       file_(std::move(file)),
-      reader_(std::move(reader)) {
+      reader_(std::move(reader)),
+      other_(std::move(other)) {
   thread_.post([this] { make(); });
 }
 
 ViewWindow::~ViewWindow() {
   thread_.stop();
   try {
-    thread_.call([this] { reader_.reset(); });
+    thread_.call([this] {
+      reader_.reset();
+      other_.reset();
+    });
   } catch (const ApiError&) {
     // The thread never ends before this.
   }
@@ -156,6 +168,15 @@ ReportSection ViewWindow::section() {
   const LayoutOptions options = request_.options();
   if (request_.pivot) {
     heading_ = headingOf(*reader_, request_.language, "");
+    if (other_ != nullptr) {
+      LayoutOptions compared = options;
+      compared.comparedWith = other_.get();
+      if (heading_.rowCount == 0 && other_->table().rowCount() == 0) return section;
+      comparison_ =
+          comparisonOf(*reader_, request_.language, compared, {.unitCostDecimals = heading_.unitCostDecimals});
+      section.view = comparison_->view();
+      return section;
+    }
     if (heading_.rowCount == 0) return section;
     pivot_ = pivotOf(*reader_, request_.language, options, {.unitCostDecimals = heading_.unitCostDecimals});
     section.view = pivot_->view();
@@ -206,6 +227,7 @@ void ViewWindow::describe(const ReportSection& section) {
                   {"totals", std::move(totals)},
                   {"columnsLeftOut", section.view.columnsLeftOut},
                   {"hidden", std::move(hidden)}};
+  if (request_.comparedWith) description_["comparedWith"] = *request_.comparedWith;
   // A condition may be of a column that is never shown.
   Json conditions = Json::array();
   for (const RowCondition& condition : request_.arrangement.where) {
@@ -263,18 +285,19 @@ void ViewWindow::spoolRows() {
     std::int64_t count = 0;
     for (const auto rows = view_.rows(); rows->next();) {
       tsql::endIfStopped();
-      if (pivot_) noteSubtotal(rows->row(), count);
+      if (request_.pivot) noteSubtotal(rows->row(), count);
       spool_->add(windowRow(rows->row()));
       if (++count % rowsANotice == 0) changed_.notify_all();
     }
   }
-  if (pivot_) {
+  if (request_.pivot) {
     for (const ViewRow& total : view_.totals)
       spool_->add(windowRow(total));
   }
   spool_->finish();
   view_.rows = nullptr;
   reader_.reset();
+  other_.reset();
   {
     const std::scoped_lock lock(mutex_);
     complete_ = true;
@@ -380,13 +403,14 @@ std::string ViewWindow::details(std::int64_t row) {
 
 Json ViewWindow::behind(std::int64_t row, std::int64_t column) {
   waitUntil([&] { return spool_ && spool_->size() > row; });
-  if (!pivot_) throw unknown(messages::noSuchRowOfView(row));
+  if (!pivot_ && !comparison_) throw unknown(messages::noSuchRowOfView(row));
   if (column >= std::ssize(view_.columns)) throw unknown(messages::noSuchColumnOfView(column));
-  if (static_cast<std::size_t>(row) >= pivot_->rowCount()) throw unknown(messages::noSuchRowOfView(row));
-  Json where = Json::array();
-  for (const RowCondition& condition : pivot_->where(static_cast<std::size_t>(row), static_cast<std::size_t>(column)))
-    where.push_back({{"column", condition.column}, {"kind", kindName(condition.kind)}, {"values", condition.values}});
-  return {{"where", std::move(where)}};
+  if (row >= spool_->size()) throw unknown(messages::noSuchRowOfView(row));
+  const auto rowNumber = static_cast<std::size_t>(row), columnNumber = static_cast<std::size_t>(column);
+  if (!comparison_) return {{"where", conditionsJson(pivot_->where(rowNumber, columnNumber))}};
+  const std::optional<Comparison::Source> source = comparison_->where(rowNumber, columnNumber);
+  if (!source) throw ApiError(404, "unknown", messages::comparedNoRows());
+  return {{"run", source->ofOther ? Json(*request_.comparedWith) : Json()}, {"where", conditionsJson(source->where)}};
 }
 
 void ViewWindow::fold(const std::vector<std::int64_t>& subtotals) {

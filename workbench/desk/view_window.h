@@ -27,7 +27,8 @@ using RowSpan = std::pair<std::int64_t, std::int64_t>;
 // What is asked of a view.
 struct ViewRequest {
   Layout layout = Layout::lines;
-  std::optional<PivotArrangement> pivot = {};  // in place of the layout, which is then Layout::pivot
+  std::optional<PivotArrangement> pivot = {};     // in place of the layout, which is then Layout::pivot
+  std::optional<std::int64_t> comparedWith = {};  // the run that the pivot is held against
   Arrangement arrangement = {};
   bool allColumns = false;
   bool details = false;  // rows of kind `detail` as rows of their own; otherwise they are folded away
@@ -48,8 +49,9 @@ struct ViewRequest {
 // they throw what making the view threw.
 class ViewWindow {
  public:
-  // `reader` is the window's own. `file` is for its rows.
-  ViewWindow(std::int64_t id, std::unique_ptr<MadeReport> reader, ViewRequest request, std::filesystem::path file);
+  // `reader` is the window's own, and so is `other`, that of the result that it is compared with. `file` is for its rows.
+  ViewWindow(std::int64_t id, std::unique_ptr<MadeReport> reader, ViewRequest request, std::filesystem::path file,
+             std::unique_ptr<MadeReport> other = nullptr);
   ViewWindow(const ViewWindow&) = delete;
   ViewWindow& operator=(const ViewWindow&) = delete;
   // Stops what runs.
@@ -63,7 +65,8 @@ class ViewWindow {
   // {"rows": [...]}: what is folded away beneath row number `row`.
   std::string details(std::int64_t row);
   // The rows of the result table behind a figure of a pivot: {"where": [...]}, as conditions of a view. A column of names
-  // stands for the whole row. Throws ApiError 404 when there is no such place, and for a view that is no pivot.
+  // stands for the whole row. Of a comparison also {"run"}, whose rows they are. Throws ApiError 404 when there is no such
+  // place, and for a view that is no pivot.
   Json behind(std::int64_t row, std::int64_t column);
   // Folds away the rows that these subtotals of a pivot sum, and no others: exports leave them out. Throws ApiError 404
   // when one of them is no subtotal.
@@ -103,6 +106,7 @@ class ViewWindow {
 
   // Of the thread.
   std::unique_ptr<MadeReport> reader_;
+  std::unique_ptr<MadeReport> other_;
   std::vector<std::int64_t> groupsBegin_;  // of a pivot that is being read: the first row of the group at each level
   std::vector<std::int64_t> order_;        // of lines that stay where they are: the rows' numbers
 
@@ -113,6 +117,7 @@ class ViewWindow {
   std::unique_ptr<RowSpool> spool_;   // null: lines that stay where they are
   std::vector<WindowRow> firstPage_;  // of these
   std::optional<Pivot> pivot_;        // of a pivot whose report has rows
+  std::optional<Comparison> comparison_;
 
   mutable std::mutex mutex_;  // of what follows
   std::condition_variable changed_;

@@ -39,6 +39,9 @@ inline constexpr Text<1> comparedShare{"对比不显示占比：{1}；请写数�
 inline constexpr Text<2> noSuchComparedSort{
     "对比不能按“{1}”排序：它既不是所选的维度，也不是对比的列{2}",
     "a comparison cannot be ordered by \"{1}\": it is neither a chosen dimension nor one of its columns{2}"};
+inline constexpr Text<0> comparedReports{"只能与同一报表的运行对比", "only runs of the same report can be compared"};
+inline constexpr Text<0> comparedNoRows{"此处没有某一方单独的行；请点某一方的数值",
+                                        "no rows of one side stand behind this; choose a figure of one side"};
 inline constexpr Text<0> pivotAlone{
     "--pivot 自己决定列和分组；请去掉 --layout、--columns 和 --group-by",
     "--pivot decides columns and groups itself; leave --layout, --columns and --group-by out"};

@@ -115,7 +115,8 @@ class Comparison::Table {
   Table(Pivot one, Pivot other, const ComparedNames& names, std::span<const SortKey> sort, Language language,
         PivotForm form)
       : sides_{std::move(one), std::move(other)},
-        names_(names),
+        names_{.one = names.one.empty() ? std::string(oneCaption.in(language)) : names.one,
+               .other = names.other.empty() ? std::string(otherCaption.in(language)) : names.other},
         language_(language),
         form_(form),
         dimensions_(sides_[0].plan().rows),
@@ -150,12 +151,14 @@ class Comparison::Table {
   }
 
   std::size_t rowCount() const { return rows_.size(); }
+  const ComparedNames& names() const { return names_; }
+  TextPairs heading() const { return sides_[0].heading(); }
 
   std::optional<Source> where(std::size_t row, std::size_t column) const {
     const std::size_t node = rows_.at(row);
-    if (column >= keys_.size() + measures_.size() * partCount) throw std::out_of_range("no such column");
     if (column < keys_.size()) return {};
     const std::size_t figure = (column - keys_.size()) / partCount;
+    (void)measures_.at(figure);  // throws when there is no such column
     const auto part = static_cast<Part>((column - keys_.size()) % partCount);
     if (part != Part::one && part != Part::other) return {};
     const std::size_t side = part == Part::one ? 0 : 1;
@@ -310,9 +313,9 @@ class Comparison::Table {
     const auto caption = [&](Language language) -> std::string {
       switch (part) {
         case Part::one:
-          return names_.one.empty() ? std::string(oneCaption.in(language)) : names_.one;
+          return names_.one;
         case Part::other:
-          return names_.other.empty() ? std::string(otherCaption.in(language)) : names_.other;
+          return names_.other;
         case Part::difference:
           return std::string(differenceCaption.in(language));
         case Part::percent:
@@ -385,6 +388,14 @@ Comparison::Comparison(Pivot one, Pivot other, const ComparedNames& names, std::
 
 View Comparison::view() const {
   return table_->view();
+}
+
+const ComparedNames& Comparison::names() const {
+  return table_->names();
+}
+
+std::vector<std::pair<std::string, std::string>> Comparison::heading() const {
+  return table_->heading();
 }
 
 std::size_t Comparison::rowCount() const {

@@ -48,6 +48,11 @@ class Comparison {
   // Columns of names, then of each figure one/NAME, other/NAME, difference/NAME and percent/NAME.
   View view() const;
 
+  // What the two are called in it.
+  const ComparedNames& names() const;
+  // What stands down and in the cells, for the heading of a report.
+  std::vector<std::pair<std::string, std::string>> heading() const;
+
   std::size_t rowCount() const;
   // The rows behind the one's or the other's figure in a row (totals follow the lines) and a column of the view, as
   // Pivot::where() says it; nothing for what is neither's, or has no rows there. Throws std::out_of_range.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "workbench/messages/check.h"
+#include "workbench/messages/pivot.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/embedded_platform.h"
 #include "workbench/platform/filter_input.h"
@@ -26,6 +27,7 @@ namespace quillon::workbench {
 namespace {
 
 constexpr Caption chosenCaption{"只显示", "Shown only"};
+constexpr Caption comparedCaption{"对比", "Compared with"};
 constexpr Caption accountCaption{"账套", "Account"};
 
 std::string entered(FilterObject& filter, std::string_view key) {
@@ -301,6 +303,23 @@ Pivot pivotOf(const MadeReport& report, Language language, const LayoutOptions& 
   return Layouts(report, language, options, heading, LayoutOutput::table).pivot(pivot);
 }
 
+Comparison comparisonOf(const MadeReport& report, Language language, const LayoutOptions& options,
+                        const PivotOptions& pivot) {
+  const MadeReport& other = *options.comparedWith;
+  if (&other.report() != &report.report()) throw UserError(messages::comparedReports());
+  checkComparison(*options.pivot);
+  // The order is that of the comparison, whose columns it names.
+  LayoutOptions unsorted = options;
+  unsorted.pivot->sort.clear();
+  const ComparedNames names = namesByConditions(conditions(report, language), conditions(other, language), language);
+  return {pivotOf(report, language, unsorted, pivot),
+          pivotOf(other, language, unsorted, pivot),
+          names,
+          options.pivot->sort,
+          language,
+          pivot.form};
+}
+
 PivotChoices pivotChoicesOf(const MadeReport& report, Language language) {
   const ReportDocument heading;
   return Layouts(report, language, {}, heading, LayoutOutput::table).pivotChoices();
@@ -313,15 +332,27 @@ LaidOutReport laidOut(const MadeReport& report, Language language, const LayoutO
     laidOut.heading.conditions.emplace_back(laidOut.heading.text(chosenCaption), condition);
   for (const std::string& warning : options.warnings)
     laidOut.heading.conditions.emplace_back(messages::checkCaption.in(language), warning);
-  if (laidOut.heading.rowCount == 0) return laidOut;
+  // Of nothing there is nothing to show, unless it is held against something.
+  const bool otherHasRows = options.comparedWith != nullptr && options.comparedWith->table().rowCount() > 0;
+  if (laidOut.heading.rowCount == 0 && !otherHasRows) return laidOut;
   if (options.pivot) {
-    const Pivot pivot = pivotOf(report, language, options,
-                                {.form = output == LayoutOutput::fields ? PivotForm::apart : PivotForm::joined,
-                                 .unitCostDecimals = laidOut.heading.unitCostDecimals});
-    for (const auto& line : pivot.heading())
-      laidOut.heading.conditions.push_back(line);
+    const PivotOptions pivotOptions{.form = output == LayoutOutput::fields ? PivotForm::apart : PivotForm::joined,
+                                    .unitCostDecimals = laidOut.heading.unitCostDecimals};
+    View view;
+    if (options.comparedWith != nullptr) {
+      const Comparison comparison = comparisonOf(report, language, options, pivotOptions);
+      laidOut.heading.conditions.emplace_back(laidOut.heading.text(comparedCaption), comparison.names().other);
+      for (const auto& line : comparison.heading())
+        laidOut.heading.conditions.push_back(line);
+      view = comparison.view();
+    } else {
+      const Pivot pivot = pivotOf(report, language, options, pivotOptions);
+      for (const auto& line : pivot.heading())
+        laidOut.heading.conditions.push_back(line);
+      view = pivot.view();
+    }
     laidOut.sections.push_back({.layout = Layout::pivot,
-                                .view = pivot.view(),
+                                .view = std::move(view),
                                 .grouped = options.pivot->rows.size() > 1,
                                 .limit = options.limit});
     cutToPage(laidOut.sections.back(), options);

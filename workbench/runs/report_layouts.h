@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "workbench/presentation/arrangement.h"
+#include "workbench/presentation/comparison.h"
 #include "workbench/presentation/laid_out_report.h"
 #include "workbench/presentation/pivot.h"
 #include "workbench/runs/report_run.h"
@@ -22,6 +23,9 @@ struct LayoutOptions {
   std::optional<Arrangement> arranged = {};  // the same from who does not write it as texts; then those do not count
   // A pivot in place of a layout. Of the arrangement its conditions count; the pivot has an order of its own.
   std::optional<PivotArrangement> pivot = {};
+  // The pivot is held against that of this result of the same report, whose rows meet the same conditions. It outlives what
+  // is laid out. Nullptr: the pivot alone.
+  const MadeReport* comparedWith = nullptr;
   bool allColumns = false;                 // also those that are shown when asked
   std::optional<std::int64_t> limit = {};  // lines of a section; nothing: all
   // Rows of a section, what belongs to lines and heads them counted as well; for want of a limit. Nothing: all.
@@ -41,6 +45,10 @@ void checkLayout(const Report& report, const LayoutOptions& options);
 
 // The pivot of a report that was made, whose result table has rows. Throws as Pivot() and laidOut().
 Pivot pivotOf(const MadeReport& report, Language language, const LayoutOptions& options, const PivotOptions& pivot);
+// The same held against that of `options.comparedWith`. Throws UserError, too, for what cannot be compared, and when that is
+// of another report.
+Comparison comparisonOf(const MadeReport& report, Language language, const LayoutOptions& options,
+                        const PivotOptions& pivot);
 // What it can be asked for.
 PivotChoices pivotChoicesOf(const MadeReport& report, Language language);
 
