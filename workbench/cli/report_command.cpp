@@ -174,6 +174,24 @@ std::unique_ptr<MadeReport> reportOn(const AccountSource& source, const ReportOp
                     observer);
 }
 
+bool isHeldAgainst(const ReportOptions& options) {
+  return !options.against.empty() || !options.comparedAccount.text().empty();
+}
+
+std::unique_ptr<MadeReport> reportHeldAgainst(const ReportOptions& options, std::ostream& notes,
+                                              ProgressLine* progress) {
+  ReportOptions other = options;
+  other.saving = {};
+  const auto keyOf = [](std::string_view setting) { return trimBlanks(setting.substr(0, setting.find('='))); };
+  for (const std::string& setting : options.against) {
+    std::erase_if(other.settings,
+                  [&](const std::string& own) { return equalIgnoringCase(keyOf(own), keyOf(setting)); });
+    other.settings.push_back(setting);
+  }
+  return reportOn(options.comparedAccount.text().empty() ? options.account : options.comparedAccount, other, notes,
+                  progress);
+}
+
 // Errors of the ledger that touch the report's rows, a line each; `notes` gets them, too.
 std::vector<std::string> warningsOf(const ReportOptions& options, const MadeReport& report, std::ostream& notes) {
   const auto account = options.account.open(tsql::OpenMode::readOnly);
@@ -210,9 +228,12 @@ void runReport(const ReportOptions& options, std::ostream& out, std::ostream& no
     throw UserError(messages::pivotAlone());
   checkLayout(reportNamed(options.report), options.layout);
   if (!options.outputFile.empty()) refuseToReplace(pathFromUtf8(options.outputFile), inputsOf(options));
+  if (isHeldAgainst(options) && !options.layout.pivot) throw UserError(messages::againstNeedsPivot());
   const auto progress = progressOn(notes, options);
   const auto report = reportOn(options.account, options, notes, progress.get());
+  const auto other = isHeldAgainst(options) ? reportHeldAgainst(options, notes, progress.get()) : nullptr;
   ReportOptions shown = options;
+  shown.layout.comparedWith = other.get();
   if (options.check) {
     if (progress) progress->clear();
     // What programs read stays as it is.
@@ -300,9 +321,8 @@ void addReportCommand(CLI::App& app) {
   addDateOption(command, options->date);
   addLayoutOptions(command, options->layout);
   const auto pivot = std::make_shared<std::string>();
-  CLI::Option& pivotOption = *command.add_option(
-      "--pivot", *pivot,
-      "Sums by what stands down and across: DOWN/ACROSS/FIGURES, by name or caption; 仓库/月份/金额");
+  command.add_option("--pivot", *pivot,
+                     "Sums by what stands down and across: DOWN/ACROSS/FIGURES, by name or caption; 仓库/月份/金额");
   command.add_flag("--captions", options->captions, "Head the columns with captions instead of names (csv)");
   command.add_flag("--bom", options->bom, "Begin with a byte order mark, by which spreadsheets know UTF-8 (csv)");
   command.add_flag("--wide", options->wide, "Show all of a table on a terminal that is too narrow for it");
@@ -314,14 +334,16 @@ void addReportCommand(CLI::App& app) {
                                          "Say which errors of the ledger touch the report (quillon account check)");
   CLI::Option& keep = *command.add_flag("--keep", options->keep, "Keep the result table and tell its name");
   const auto second = std::make_shared<AccountSource>();
-  CLI::Option& compare =
-      addAccountOption(command, "--compare", *second,
-                       "Run the report on this account, too, and compare the rows; --limit says how many are shown");
-  compare.excludes(&format, &output, &keep, &pivotOption, &check);
+  CLI::Option& compare = addAccountOption(
+      command, "--compare", *second,
+      "Run the report on this account, too, and compare the rows, or the pivots; --limit says how many are shown");
+  compare.excludes(&keep, &check);
+  addList(command, "--against", options->against,
+          "Hold the pivot against that of the same report with this filter item: key=value");
   command
       .add_flag("--exact", options->exact, "Compare types, letter case of names and the last digit of quotients, too")
       ->needs(&compare);
-  command.callback([options, second, &format, pivot] {
+  command.callback([options, second, &format, &output, pivot] {
     if (format.empty()) options->format = formatOfFile(options->outputFile);
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())
       throw CLI::ValidationError("--format", usageText(messages::workbookNeedsFile()));
@@ -329,9 +351,16 @@ void addReportCommand(CLI::App& app) {
     options->terminal = errorsGoToTerminal();
     options->outputIsFile = outputIsFile();
     options->screen = outputScreen();
-    if (second->text().empty()) {
+    if (second->text().empty() || options->layout.pivot || !options->against.empty()) {
+      options->comparedAccount = *second;
       runReport(*options, std::cout, std::cerr);
-    } else if (!compareReports(*options, *second, std::cout, std::cerr)) {
+      return;
+    }
+    // Rows are compared without being written.
+    for (const CLI::Option* const written : {&format, &output}) {
+      if (!written->empty()) throw CLI::ExcludesError("--compare", written->get_name());
+    }
+    if (!compareReports(*options, *second, std::cout, std::cerr)) {
       endWith(1);
     }
   });

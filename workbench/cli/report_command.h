@@ -33,6 +33,10 @@ struct ReportOptions {
   Language language = Language::chinese;
   std::string date = {};  // the login's date, yyyy-mm-dd; empty: the last day of the current year
   LayoutOptions layout = {};
+  // The pivot is held against that of the report with these, key=value over its filter, and on this account; empty, and
+  // no account: against nothing.
+  std::vector<std::string> against = {};
+  AccountSource comparedAccount = {};
   bool captions = false;              // csv with captions for headings
   bool bom = false;                   // csv with a byte order mark
   bool explain = false;               // each statement with its time and row count, to `notes`

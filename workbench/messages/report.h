@@ -97,6 +97,8 @@ inline constexpr Text<0> workbookFailed{"工作簿未能生成；请检查文件
 
 // --- Comparing --------------------------------------------------------------------------------------------------------
 
+inline constexpr Text<0> againstNeedsPivot{"--against 比较两个透视表；请用 --pivot 指定透视表",
+                                           "--against holds two pivots against each other; say with --pivot which"};
 inline constexpr Text<1> firstHasColumns{"第一个来源的列为 {1}", "the first source has the columns {1}"};
 inline constexpr Text<1> secondHasColumns{"第二个来源的列为 {1}", "the second source has the columns {1}"};
 inline constexpr Text<0> differentColumns{"不同：列", "different: the columns"};

@@ -19,6 +19,7 @@
 #include "workbench/presentation/summary_layout.h"
 #include "workbench/presentation/tree_layout.h"
 #include "workbench/presentation/vouchers_layout.h"
+#include "workbench/runs/run_fingerprint.h"
 #include "workbench/tsql/values/datetime.h"
 #include "workbench/tsql/values/text.h"
 
@@ -311,7 +312,12 @@ Comparison comparisonOf(const MadeReport& report, Language language, const Layou
   // The order is that of the comparison, whose columns it names.
   LayoutOptions unsorted = options;
   unsorted.pivot->sort.clear();
-  const ComparedNames names = namesByConditions(conditions(report, language), conditions(other, language), language);
+  ComparedNames names = namesByConditions(conditions(report, language), conditions(other, language), language);
+  if (names.one.empty() && names.other.empty()) {
+    const std::string one = fingerprintOfAccount(report.account()).accountName;
+    const std::string second = fingerprintOfAccount(other.account()).accountName;
+    if (one != second) names = {.one = one, .other = second};
+  }
   return {pivotOf(report, language, unsorted, pivot),
           pivotOf(other, language, unsorted, pivot),
           names,

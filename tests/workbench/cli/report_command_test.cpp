@@ -7,7 +7,9 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 
 #include "tests/workbench/account/leftovers.h"
@@ -54,6 +56,29 @@ MATCHER_P(MatchesPattern, pattern, "matches the regular expression " + std::stri
 }
 MATCHER_P(ContainsPattern, pattern, "contains the regular expression " + std::string(pattern)) {
   return std::regex_search(arg, std::regex(pattern));
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::istringstream rows(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(rows, line);)
+    lines.push_back(line.ends_with('\r') ? line.substr(0, line.size() - 1) : line);
+  return lines;
+}
+
+// Of a line of CSV without quotes.
+std::string fieldOf(const std::string& line, std::size_t number) {
+  std::istringstream fields(line);
+  std::string field;
+  for (std::size_t i = 0; i <= number; ++i)
+    std::getline(fields, field, ',');
+  return field;
+}
+
+// An amount with four decimals in hundredths of a cent; nothing is zero.
+std::int64_t cents(std::string amount) {
+  std::erase(amount, '.');
+  return amount.empty() ? 0 : std::stoll(amount);
 }
 
 class ReportCommand : public testing::Test {
@@ -111,6 +136,47 @@ TEST_F(ReportCommand, TakesTheFormatFromTheFilesName) {
   EXPECT_THAT(outputOf({"--format", "table"}, ".csv"), testing::StartsWith("收发存汇总表")) << "what is told counts";
 }
 
+TEST_F(ReportCommand, HoldsPivotsOfTwoFiltersAgainstEachOther) {
+  const auto pivot = [](std::vector<std::string> more) {
+    more.insert(more.end(), {"--set", "cModal=1", "--pivot", "cWhCode//issueAmount", "--format", "csv"});
+    return linesOf(outputOf(more));
+  };
+  const std::string may = "dKeepDate=2024-05-01..2024-05-31", june = "dKeepDate=2024-06-01..2024-06-30";
+  const std::vector<std::string> compared = pivot({"--set", may, "--against", june});
+  EXPECT_EQ(
+      compared.at(0),
+      "rowKind,level,cWhCode,cWhName,one/issueAmount,other/issueAmount,difference/issueAmount,percent/issueAmount");
+  // Each figure is that of the one's or the other's own pivot, and the difference is exact.
+  std::map<std::string, std::string> one, other;
+  for (const std::string& line : pivot({"--set", may}))
+    one[fieldOf(line, 2)] = fieldOf(line, 4);
+  for (const std::string& line : pivot({"--set", june}))
+    other[fieldOf(line, 2)] = fieldOf(line, 4);
+  std::set<std::string> keys;
+  for (std::size_t i = 1; i < compared.size(); ++i) {
+    const std::string key = fieldOf(compared[i], 2);
+    EXPECT_TRUE(keys.insert(key).second) << key;
+    EXPECT_EQ(cents(fieldOf(compared[i], 4)), cents(one[key])) << key;
+    EXPECT_EQ(cents(fieldOf(compared[i], 5)), cents(other[key])) << key;
+    EXPECT_EQ(cents(fieldOf(compared[i], 6)), cents(one[key]) - cents(other[key])) << key;
+  }
+  for (const auto& figures : {one, other}) {
+    for (const auto& [key, amount] : figures)
+      EXPECT_TRUE(key == "cWhCode" || keys.contains(key)) << key;
+  }
+  EXPECT_GT(keys.size(), 3U);
+}
+
+TEST_F(ReportCommand, HoldsPivotsOfTwoAccountsAgainstEachOther) {
+  const test::TemporaryFile copy(".qacc");
+  std::filesystem::copy_file(file_->path(), copy.path(), std::filesystem::copy_options::overwrite_existing);
+  const std::string name = utf8FromPath(copy.path().filename());
+  const std::string page =
+      outputOf({"--set", "cModal=1", "--pivot", "仓库//金额", "--compare", utf8FromPath(copy.path())}, ".html");
+  EXPECT_THAT(page, testing::HasSubstr(name));
+  EXPECT_THAT(page, testing::HasSubstr(utf8FromPath(file_->path().filename())));
+}
+
 TEST_F(ReportCommand, ShowsAPivotInEachFormat) {
   const std::vector<std::string> pivot = {"--set", "cModal=1", "--pivot", "仓库/收发状态/金额,金额:列"};
   const auto with = [&pivot](std::vector<std::string> more) {
@@ -156,7 +222,10 @@ TEST_F(ReportCommand, RefusesAPivotBeforeTheReportRuns) {
   EXPECT_EQ(report({"--pivot", "仓库//金额", "--group-by", "仓库"}).ends, Ends::failed);
   EXPECT_THAT(report({"--pivot", "仓库"}).message,
               testing::StartsWith("\"仓库\" is no pivot; write down/across/figures"));
-  EXPECT_EQ(report({"--pivot", "仓库//金额", "--compare", source()}).ends, Ends::wrongUsage);
+  EXPECT_EQ(report({"--pivot", "仓库//金额", "--compare", source(), "--keep"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(report({"--compare", source(), "--format", "csv"}).ends, Ends::wrongUsage);
+  EXPECT_EQ(report({"--against", "dKeepDate=2024-02-01.."}).message,
+            "--against holds two pivots against each other; say with --pivot which");
   EXPECT_EQ(report({"--set", "cModal=2", "--pivot", "收发状态//金额"}).message,
             "sfc-item has no dimension \"收发状态\"");
 }
