@@ -766,7 +766,8 @@ export async function startMock(port = 0) {
       case 'GET runs/ID/views/V/details': {
         const view = of(of(runs, id, 'run').views, viewId, 'view');
         const n = Number(query.get('n'));
-        return {rows: (view.made.row(n).detailRows ?? []).map((row) => ({...answered(view, row, n), opens: false}))};
+        const detail = ({kind, level, cells}) => ({kind, level, cells: view.shown(cells)});
+        return {rows: (view.made.row(n).detailRows ?? []).map(detail)};
       }
       case 'POST runs/ID/views/V/document':
         return documents(of(of(runs, id, 'run').views, viewId, 'view'), body.n);

@@ -14,8 +14,8 @@ using Json = nlohmann::ordered_json;
 
 class ApiError : public std::exception {
  public:
-  // `code` is for programs, `message` one line for the user, who hears it in his language; `item` is the filter item that it is about, empty for none;
-  // `state` the dialog as it then is, null for none.
+  // `code` is for programs, `message` one line for the user, who hears it in his language; `item` is the filter item that it
+  // is about, empty for none; `state` the dialog as it then is, null for none.
   ApiError(int status, std::string code, Message message, std::string item = {}, Json state = nullptr)
       : status_(status),
         code_(std::move(code)),

@@ -398,7 +398,7 @@ std::string ViewWindow::rows(std::int64_t offset, std::int64_t limit) {
 
 std::string ViewWindow::details(std::int64_t row) {
   waitUntil([&] { return !spool_ || spool_->size() > row; });
-  return "{\"rows\":" + json(spool_ ? spool_->details(row) : std::vector<WindowRow>(), row) + "}";
+  return "{\"rows\":" + json(spool_ ? spool_->details(row) : std::vector<WindowRow>(), {}) + "}";
 }
 
 Json ViewWindow::behind(std::int64_t row, std::int64_t column) {
@@ -448,7 +448,7 @@ std::int64_t ViewWindow::ledgerLine(std::int64_t row) {
   return *rows.front().ledgerLine;
 }
 
-std::string ViewWindow::json(const std::vector<WindowRow>& rows, std::int64_t first) const {
+std::string ViewWindow::json(const std::vector<WindowRow>& rows, std::optional<std::int64_t> first) const {
   const bool opensDocuments = report_.opensDocuments();
   const auto firstOf = [this](std::int64_t number) -> std::optional<std::int64_t> {
     const std::scoped_lock lock(mutex_);
@@ -458,10 +458,15 @@ std::string ViewWindow::json(const std::vector<WindowRow>& rows, std::int64_t fi
   std::string text = "[";
   for (const WindowRow& row : rows) {
     if (text.size() > 1) text += ',';
-    const std::int64_t number = first++;
-    text += "{\"n\":" + std::to_string(number) + ",\"kind\":\"";
-    text.append(rowKindName(row.kind)).append("\",\"level\":").append(std::to_string(row.level));
-    text.append(",\"cells\":").append(row.cells);
+    text += '{';
+    if (first) text += "\"n\":" + std::to_string(*first) + ',';
+    text.append("\"kind\":\"").append(rowKindName(row.kind));
+    text.append("\",\"level\":").append(std::to_string(row.level)).append(",\"cells\":").append(row.cells);
+    if (!first) {
+      text += '}';
+      continue;
+    }
+    const std::int64_t number = (*first)++;
     if (row.kind == RowKind::subtotal) {
       if (const auto sums = firstOf(number)) text += ",\"first\":" + std::to_string(*sums);
     }

@@ -97,7 +97,8 @@ class ViewWindow {
   std::vector<WindowRow> read(tsql::Cursor& cursor) const;
   std::vector<WindowRow> linesAt(std::int64_t offset, std::int64_t limit);
   std::vector<WindowRow> rowsAt(std::int64_t offset, std::int64_t limit);
-  std::string json(const std::vector<WindowRow>& rows, std::int64_t first) const;
+  // `first`: the number of the first; nothing for rows that are none of the view.
+  std::string json(const std::vector<WindowRow>& rows, std::optional<std::int64_t> first) const;
 
   const std::int64_t id_;
   const Report& report_;

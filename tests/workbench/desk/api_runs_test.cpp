@@ -269,8 +269,8 @@ TEST_F(DeskRuns, PartsAreFoldedAwayAndOut) {
     const Json details = get(pathOf(run, folded) + "/details", {{"n", row["n"].dump()}})["rows"];
     EXPECT_EQ(details.size(), row.value("details", 0));
     for (const Json& detail : details) {
-      EXPECT_EQ(detail["kind"], "detail");
-      EXPECT_EQ(detail["cells"], all[at++]["cells"]);
+      EXPECT_EQ(detail, (Json{{"kind", "detail"}, {"level", all[at]["level"]}, {"cells", all[at]["cells"]}}));
+      ++at;
     }
   }
   EXPECT_EQ(at, all.size());
