@@ -1,16 +1,10 @@
 // The checks of the account: the list, the rows of each, and what a report says that their errors touch. The account has
 // the faults that run.mjs names.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
-import {address, obstacles, openDesk, runReport, settled, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {test} from 'node:test';
+import {address, beginDesk, obstacles, page, runReport, settled, waitForGrid} from './desk_browser.mjs';
 
-let browser;
-let page;
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
-});
-after(() => browser.close());
+beginDesk();
 
 const lineOf = (words) => page.locator('.found-by', {hasText: words});
 const openerOf = (words) => lineOf(words).locator('button');

@@ -2,6 +2,7 @@
 // run.mjs sets them, for a link that it is given or for the test double.
 import {readFileSync} from 'node:fs';
 import {createRequire} from 'node:module';
+import {after, before} from 'node:test';
 import {fileURLToPath} from 'node:url';
 
 const libraries = fileURLToPath(new URL('../../../.deps/browser/node_modules/', import.meta.url));
@@ -61,6 +62,19 @@ export async function openDesk(
   await page.goto(`${address}/${hash}`);
   await page.waitForSelector('#main > *');
   return page;
+}
+
+// The browser and the page of a file's tests: there from before the first test until behind the last. `prepare` does what all
+// of them need.
+export let browser;
+export let page;
+export function beginDesk(prepare) {
+  before(async () => {
+    browser = await startBrowser();
+    page = await openDesk(browser);
+    await prepare?.();
+  });
+  after(() => browser.close());
 }
 
 // What axe finds that is worse than minor, a line each. The library is put in from outside, past the policy.
@@ -207,4 +221,14 @@ export async function focusHeading(page, wanted) {
   const column = columns.find((one) => wanted(one, textIn(one)));
   for (let step = 1; step < column.index; step += 1) await page.keyboard.press('ArrowRight');
   return {...column, text: textIn(column)};
+}
+
+// The file that the page's export gives of what it shows.
+export async function exported(format) {
+  await page.click('.tools button:has-text("导出")');
+  const [download] = await Promise.all([
+    page.waitForEvent('download'),
+    page.click(`.exports a[href*="format=${format}"]`),
+  ]);
+  return download.path();
 }

@@ -1,25 +1,12 @@
 // The ledger and the documents behind its rows.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
-import {
-  gridOf,
-  openDesk,
-  rearrange,
-  reportsOf,
-  runReport,
-  startBrowser,
-  waitForGrid,
-} from './desk_browser.mjs';
+import {test} from 'node:test';
+import {beginDesk, gridOf, page, rearrange, reportsOf, runReport, waitForGrid} from './desk_browser.mjs';
 
-let browser;
-let page;
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
+beginDesk(async () => {
   const report = (await reportsOf(page)).find(({layouts}) => layouts.some(({name}) => name === 'ledger'));
   await runReport(page, report.name);
 });
-after(() => browser.close());
 
 test('a ledger begins and ends with a balance and has month sums', async () => {
   await page.focus('regular-table table');

@@ -1,16 +1,10 @@
 // What no sample account has, so that only the test double can play it: tens of thousands of codes, a run that lasts as
 // long as it has to, a statement that the account refuses.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
-import {openDesk, openFilter, startBrowser} from './desk_browser.mjs';
+import {test} from 'node:test';
+import {beginDesk, openFilter, page} from './desk_browser.mjs';
 
-let browser;
-let page;
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
-});
-after(() => browser.close());
+beginDesk();
 
 test('a lookup finds by pinyin initials among tens of thousands', async () => {
   await openFilter(page, 'sfc-item');

@@ -1,23 +1,28 @@
 // Files of what is shown, cell by cell: the same rows, columns, order and groups, in every format.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
+import {test} from 'node:test';
 import {readFileSync} from 'node:fs';
-import {gridOf, openDesk, rearrange, reportsOf, runReport, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {
+  beginDesk,
+  browser,
+  exported,
+  gridOf,
+  page,
+  rearrange,
+  reportsOf,
+  runReport,
+  waitForGrid,
+} from './desk_browser.mjs';
 import {sheetRows} from './workbook.mjs';
 
-let browser;
-let page;
 let views = []; // that the page has opened, the newest last
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
+beginDesk(async () => {
   page.on('response', async (response) => {
     if (response.request().method() !== 'POST' || !response.url().endsWith('/views')) return;
     const view = await response.json().catch(() => null);
     if (view?.id) views.push({...view, path: `${new URL(response.url()).pathname}/${view.id}`});
   });
 });
-after(() => browser.close());
 
 // Files differ in how they write a number: with separators, or without the zeros at its end.
 const canonical = (text) => {
@@ -58,15 +63,6 @@ async function htmlTables(path) {
   );
   await paper.close();
   return tables;
-}
-
-async function exported(format) {
-  await page.click('.tools button:has-text("导出")');
-  const [download] = await Promise.all([
-    page.waitForEvent('download'),
-    page.click(`.exports a[href*="format=${format}"]`),
-  ]);
-  return download.path();
 }
 
 // All that the view has, as the grid gets it.

@@ -1,16 +1,10 @@
 // The start page and the filter dialog: what the report's own dialog decides, lookups, dates, the address, filters by
 // name.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
-import {address, isDouble, openDesk, openFilter, reportsOf, settled, startBrowser} from './desk_browser.mjs';
+import {test} from 'node:test';
+import {address, beginDesk, isDouble, openFilter, page, reportsOf, settled} from './desk_browser.mjs';
 
-let browser;
-let page;
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
-});
-after(() => browser.close());
+beginDesk();
 
 // The fields of the dialog as they stand there.
 const fieldOf = (key) => `.field[data-key="${key}"]`;

@@ -1,29 +1,25 @@
 // The grid: what a reader does with rows and columns, with the keyboard alone where nothing else is said.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
+import {test} from 'node:test';
 import {readFileSync} from 'node:fs';
 import {
   address,
+  beginDesk,
+  exported,
   focusHeading,
   gridOf,
   isDouble,
   obstacles,
-  openDesk,
+  page,
   rearrange,
   runReport,
-  startBrowser,
   waitForGrid,
 } from './desk_browser.mjs';
 
-let browser;
-let page;
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
+beginDesk(async () => {
   await runReport(page, isDouble ? 'outsum-item' : 'fx-wt');
   await rearrange(page, () => page.locator('.layout-bar a', {hasText: '明细'}).last().click());
 });
-after(() => browser.close());
 
 const textOf = (grid, row, column) => grid.rows[row].cells[column.index];
 const isText = (column) => !column.number;
@@ -291,12 +287,7 @@ test('exports are of exactly what is shown', async () => {
   await rearrange(page, () => page.click('.column-filter button[type=submit]'));
   const grid = await gridOf(page);
   for (const format of ['csv', 'xlsx', 'html']) {
-    await page.click('.tools button:has-text("导出")');
-    const [download] = await Promise.all([
-      page.waitForEvent('download'),
-      page.click(`.exports a[href*="format=${format}"]`),
-    ]);
-    const content = readFileSync(await download.path());
+    const content = readFileSync(await exported(format));
     assert.ok(content.length > 0, format);
     if (format === 'csv') {
       const heading = content

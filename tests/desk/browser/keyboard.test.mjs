@@ -1,15 +1,9 @@
 // From the start page to a document and back without a mouse: Tab, arrows, Enter and Escape alone.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
-import {filterFor, isDouble, openDesk, reportsOf, settled, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {test} from 'node:test';
+import {beginDesk, filterFor, isDouble, page, reportsOf, settled, waitForGrid} from './desk_browser.mjs';
 
-let browser;
-let page;
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
-});
-after(() => browser.close());
+beginDesk();
 
 // Presses Tab until the focus is on something that `selector` takes; it must be seen to be there.
 async function tabTo(selector, most = 150) {

@@ -1,16 +1,10 @@
 // A ledger: the cost items beneath its lines, and what a reader sees while it is being made.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
+import {test} from 'node:test';
 import {readFileSync} from 'node:fs';
-import {gridOf, openDesk, rearrange, runReport, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {beginDesk, exported, gridOf, page, rearrange, runReport, waitForGrid} from './desk_browser.mjs';
 
-let browser;
-let page;
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
-});
-after(() => browser.close());
+beginDesk();
 
 const captionsOf = async () =>
   page.evaluate(() => [...[...document.querySelector('regular-table thead').rows].at(-1).cells].map((th) => th.title));
@@ -71,9 +65,7 @@ test('columns of cost items come with the first line that is folded out, and go 
     (await gridOf(page)).columns.map(({caption}) => caption),
     before.columns.map(({caption}) => caption),
   );
-  await page.click('.tools button:has-text("导出")');
-  const [download] = await Promise.all([page.waitForEvent('download'), page.click('.exports a[href*="format=csv"]')]);
-  assert.doesNotMatch(readFileSync(await download.path(), 'utf8').split('\r\n')[0], /成本项目/);
+  assert.doesNotMatch(readFileSync(await exported('csv'), 'utf8').split('\r\n')[0], /成本项目/);
   await rearrange(page, () => page.click('.tools input[type=checkbox]'));
   assert.ok(await hasCostItems());
   await rearrange(page, () => page.click('.tools input[type=checkbox]'));

@@ -1,21 +1,28 @@
 // The pivot: choosing what stands down and across, the rows behind a figure, folding, files of what is shown, by keyboard
 // alone as well. At the server: the figures are the account's.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
+import {test} from 'node:test';
 import {mkdirSync, readFileSync} from 'node:fs';
-import {address, gridOf, obstacles, openDesk, runReport, startBrowser, waitForGrid} from './desk_browser.mjs';
+import {
+  address,
+  beginDesk,
+  browser,
+  exported,
+  gridOf,
+  obstacles,
+  openDesk,
+  page,
+  runReport,
+  waitForGrid,
+} from './desk_browser.mjs';
 import {sheetRows} from './workbook.mjs';
 
 const pictures = process.env.DESK_PICTURES; // a folder for one picture of each state, to be looked at
 if (pictures) mkdirSync(pictures, {recursive: true});
 
-let browser;
-let page;
 let run = ''; // the address of the run, without what is shown of it
 let views = []; // that the page has opened, the newest last
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
+beginDesk(async () => {
   page.on('response', async (response) => {
     if (response.request().method() !== 'POST' || !/\/(views|pivots)$/.test(response.url())) return;
     const view = await response.json().catch(() => null);
@@ -24,7 +31,6 @@ before(async () => {
   await runReport(page, 'outsum-item', {cModal: '1'});
   [run] = new URL(page.url()).hash.split('?');
 });
-after(() => browser.close());
 
 // An exact number of hundredths.
 const hundredths = (text) => BigInt((text ?? '0.00').replaceAll(/[,.]/g, ''));
@@ -147,15 +153,6 @@ const canonical = (text) => {
   // A workbook has the digits of a binary number: the shortest that give the same are meant.
   return (/\.\d{6,}$/.test(number) ? String(Number(number)) : number).replace(/\.?0+$/, '');
 };
-
-async function exported(format) {
-  await page.click('.tools button:has-text("导出")');
-  const [download] = await Promise.all([
-    page.waitForEvent('download'),
-    page.click(`.exports a[href*="format=${format}"]`),
-  ]);
-  return download.path();
-}
 
 async function shownRows() {
   const {rows, rowCount} = await gridOf(page);

@@ -1,27 +1,21 @@
 // A run: its progress, stopping it, its statements, several at once, and what is left of a bookmark when it is gone.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
+import {test} from 'node:test';
 import {readdirSync} from 'node:fs';
 import {
   address,
+  beginDesk,
   gridOf,
   isDouble,
-  openDesk,
   openFilter,
+  page,
   reportsOf,
   runReport,
   settled,
-  startBrowser,
   waitForGrid,
 } from './desk_browser.mjs';
 
-let browser;
-let page;
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
-});
-after(() => browser.close());
+beginDesk();
 
 test('every report runs to its rows, in every layout', async () => {
   for (const report of await reportsOf(page)) {
