@@ -41,6 +41,22 @@ DeskResponse textAnswer(std::string json) {
   return response;
 }
 
+// Knows whether anything has been sent.
+class NotingSink final : public Sink {
+ public:
+  explicit NotingSink(Sink& sink) : sink_(sink) {}
+  bool write(std::string_view bytes) override {
+    begun_ = begun_ || !bytes.empty();
+    return sink_.write(bytes);
+  }
+  bool open() const override { return sink_.open(); }
+  bool begun() const { return begun_; }
+
+ private:
+  Sink& sink_;
+  bool begun_ = false;
+};
+
 std::vector<std::string> partsOf(std::string_view path) {
   std::vector<std::string> parts;
   while (true) {
@@ -130,22 +146,30 @@ DeskApi::~DeskApi() {
 DeskResponse DeskApi::handle(const DeskRequest& request) {
   try {
     return answer(request, partsOf(request.path));
+  } catch (...) {
+    return refusalOf(std::current_exception(), request.language);
+  }
+}
+
+DeskResponse DeskApi::refusalOf(const std::exception_ptr& failure, Language language) const {
+  try {
+    std::rethrow_exception(failure);
   } catch (const ApiError& error) {
-    return refusal(error, request.language);
+    return refusal(error, language);
   } catch (const std::invalid_argument& error) {
-    return refusal({422, "value", errorText(error)}, request.language);
+    return refusal({422, "value", errorText(error)}, language);
   } catch (const UserError& error) {
-    return refusal({422, "value", error.message()}, request.language);
+    return refusal({422, "value", error.message()}, language);
   } catch (const account::AccountError& error) {
-    return refusal({503, "account", error.message()}, request.language);
+    return refusal({503, "account", error.message()}, language);
   } catch (const tsql::Stopped&) {
-    return refusal({409, "stopped", messages::wasStopped()}, request.language);
+    return refusal({409, "stopped", messages::wasStopped()}, language);
   } catch (const tsql::SqlError& error) {
-    return refusal({503, "account", errorText(error)}, request.language);
+    return refusal({503, "account", errorText(error)}, language);
   } catch (const AutomationError& error) {
-    return refusal({503, "account", errorText(error)}, request.language);
+    return refusal({503, "account", errorText(error)}, language);
   } catch (const std::exception&) {
-    return refusal({500, "internal", messages::wentWrong()}, request.language);
+    return refusal({500, "internal", messages::wentWrong()}, language);
   }
 }
 
@@ -501,9 +525,16 @@ DeskResponse DeskApi::answerViews(const DeskRequest& request, const Parts& parts
   // A run that has been closed since cannot be read any more; that is said before the download begins, too.
   std::shared_ptr<MadeReport> other;
   if (const auto& compared = view->request().comparedWith) other = readerOf(*compared);
-  response.stream = [run, other, asked = view->request(), folded = view->folded(), format = *format,
-                     captions = textOf(request.query, "captions") == "1"](Sink& sink) {
-    run->sendExport(asked, folded, format, captions, sink, other.get());
+  response.headWaits = true;
+  response.stream = [this, run, other, asked = view->request(), folded = view->folded(), format = *format,
+                     captions = textOf(request.query, "captions") == "1", language = request.language](Sink& sink) {
+    NotingSink noting(sink);
+    try {
+      run->sendExport(asked, folded, format, captions, noting, other.get());
+    } catch (...) {
+      if (noting.begun()) throw;
+      throw StreamRefused(refusalOf(std::current_exception(), language));
+    }
   };
   return response;
 }

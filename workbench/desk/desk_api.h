@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -71,6 +72,7 @@ class DeskApi final : public DeskHandler {
   static DeskResponse answerPivots(const DeskRequest& request, const Parts& parts, RunSession& run);
   DeskResponse answerComparisons(const DeskRequest& request, const Parts& parts, RunSession& run);
   DeskResponse answerViews(const DeskRequest& request, const Parts& parts, const std::shared_ptr<RunSession>& run);
+  DeskResponse refusalOf(const std::exception_ptr& failure, Language language) const;
   DeskResponse refusal(const class ApiError& error, Language language) const;
 
   Json account();

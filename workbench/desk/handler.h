@@ -1,6 +1,7 @@
 // The seam between the desk's HTTP half and what answers its JSON interface.
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <map>
 #include <string>
@@ -44,6 +45,20 @@ struct DeskResponse {
   // For downloads and events, in the place of a body. It runs on a thread of its own, once, after handle() has returned;
   // the answer ends when it does. If it throws, the answer is cut off, so that the reader does not take it for whole.
   std::function<void(Sink&)> stream;
+  // Whether the head goes with the stream's first bytes. Until then the stream may throw StreamRefused, or fail with an
+  // error that the reader is told of.
+  bool headWaits = false;
+};
+
+// Thrown by a stream that has written nothing: its reader gets this answer.
+class StreamRefused final : public std::exception {
+ public:
+  explicit StreamRefused(DeskResponse answer) : answer_(std::move(answer)) {}
+  const DeskResponse& answer() const noexcept { return answer_; }
+  const char* what() const noexcept override { return "the stream has not begun"; }
+
+ private:
+  DeskResponse answer_;
 };
 
 class DeskHandler {

@@ -306,8 +306,11 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
       return refuse(503, "busy", messages::tooManyStreams);
     }
     step_ = Step::answer;
-    out_ = answerHead(response, std::nullopt, true);
-    sendOut(false);
+    head_ = answerHead(response, std::nullopt, true);
+    if (!response.headWaits) {
+      out_ = std::exchange(head_, {});
+      sendOut(false);
+    }
     buffer_.resize(readSize);
     watchReader();
   }
@@ -325,9 +328,9 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
     if (closed_ || sending_) return;
     StreamPipe::Taken taken = pipe_->take();
     // Cut off in the middle of its chunks, an answer is known to be incomplete.
-    if (taken.failed) return close();
+    if (taken.failed) return head_.empty() ? close() : sendInstead(std::move(taken.instead));
     if (taken.bytes.empty() && !taken.ended) return;
-    out_.clear();
+    out_ = std::exchange(head_, {});
     if (!taken.bytes.empty()) {
       constexpr int sixteen = 16;
       char size[sixteen + 1] = {};
@@ -336,6 +339,15 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
     }
     if (taken.ended) out_ += "0\r\n\r\n";
     sendOut(taken.ended);
+  }
+
+  // In the place of a stream that has not begun.
+  void sendInstead(std::optional<DeskResponse> answer) {
+    const Language language = language_.value_or(Language::chinese);
+    const DeskResponse response = answer ? checkedAnswer(std::move(*answer), language)
+                                         : errorAnswer(500, "internal", messages::answerFailed.in(language));
+    out_ = answerHead(response, response.body.size(), true) + response.body;
+    sendOut(true);
   }
 
   void sendOut(bool last) {
@@ -366,6 +378,7 @@ class HttpServer::Serving::Connection : public std::enable_shared_from_this<Conn
   Decision decision_;
   std::string out_;
   std::shared_ptr<StreamPipe> pipe_;
+  std::string head_;  // of a stream, until it is sent
   bool reading_ = false, sending_ = false;
   bool late_ = false;  // what is read took too long
   bool closed_ = false;
@@ -429,14 +442,18 @@ bool HttpServer::Serving::startStream(std::function<void(Sink&)> stream, const s
   try {
     std::thread thread([stream = std::move(stream), pipe, done]() mutable {
       bool failed = false;
+      std::optional<DeskResponse> instead;
       try {
         stream(*pipe);
+      } catch (const StreamRefused& refused) {
+        failed = true;
+        instead = refused.answer();
       } catch (...) {
         failed = true;
       }
       // What it holds on to goes on this thread, too.
       stream = nullptr;
-      pipe->end(failed);
+      pipe->end(failed, std::move(instead));
       *done = true;
     });
     streams_.push_back({.thread = std::move(thread), .done = done});

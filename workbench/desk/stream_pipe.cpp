@@ -26,11 +26,12 @@ bool StreamPipe::open() const {
   return !gone_;
 }
 
-void StreamPipe::end(bool failed) {
+void StreamPipe::end(bool failed, std::optional<DeskResponse> instead) {
   {
     const std::lock_guard lock(mutex_);
     ended_ = true;
     failed_ = failed;
+    instead_ = std::move(instead);
   }
   written_();
 }
@@ -50,6 +51,7 @@ StreamPipe::Taken StreamPipe::take() {
     taken.bytes.swap(pending_);
     taken.ended = ended_;
     taken.failed = failed_;
+    taken.instead = std::move(instead_);
   }
   changed_.notify_all();
   return taken;

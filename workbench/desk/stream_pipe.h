@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,8 +22,8 @@ class StreamPipe final : public Sink {
   bool write(std::string_view bytes) override;
   bool open() const override;
 
-  // The stream has said everything, or has failed.
-  void end(bool failed);
+  // The stream has said everything, or has failed; one that has not begun may have another answer in its place.
+  void end(bool failed, std::optional<DeskResponse> instead = {});
   // Nobody reads any more.
   void abandon();
 
@@ -30,6 +31,7 @@ class StreamPipe final : public Sink {
     std::string bytes;
     bool ended = false;  // nothing follows
     bool failed = false;
+    std::optional<DeskResponse> instead = {};
   };
   // Everything that is there.
   Taken take();
@@ -41,6 +43,7 @@ class StreamPipe final : public Sink {
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   std::string pending_;
+  std::optional<DeskResponse> instead_;
   bool ended_ = false, failed_ = false, gone_ = false;
 };
 

@@ -182,3 +182,46 @@ test('what is folded out goes into the files', async () => {
 });
 
 test('nothing was said against the pages', () => assert.deepEqual(page.problems, []));
+
+test('an export that fails says why on the page', async () => {
+  const refusal = {error: {code: 'account', message: '磁盘已满', item: null}};
+  await page.route(/\/export\?/, (route) => route.fulfill({status: 503, json: refusal}));
+  const open = async () => {
+    await page.click('.tools button:has-text("导出")');
+    await page.click('.exports a[href*="format=csv"]');
+  };
+  await open();
+  await page.waitForSelector('.notice.error:has-text("导出失败：磁盘已满")');
+  await page.click('.notice.error button');
+  await page.unrouteAll();
+
+  // One that is under way says so, and ends when its message is closed.
+  let held;
+  const release = new Promise((go) => (held = go));
+  await page.route(/\/export\?/, async (route) => {
+    await release;
+    await route.abort().catch(() => {}); // the page has ended it
+  });
+  const ended = page.waitForEvent('requestfailed');
+  await open();
+  await page.waitForSelector('.notice:has-text("正在导出：CSV 文件")');
+  await page.click('.notice.lasting button');
+  await ended;
+  held();
+  await page.unrouteAll();
+  assert.equal(await page.locator('.notice').count(), 0);
+
+  // The server itself: the run is closed while its file is asked for.
+  await page.evaluate(async () => {
+    const runs = await (await fetch('/api/runs')).json();
+    for (const {id} of runs)
+      await fetch(`/api/runs/${id}`, {
+        method: 'DELETE',
+        headers: {'Content-Type': 'application/json'},
+        body: '{}',
+      });
+  });
+  await open();
+  await page.waitForSelector('.notice.error:has-text("导出失败：没有运行")');
+  assert.equal(page.problems.filter((text) => !/status of 503/.test(text)).join(), '');
+});

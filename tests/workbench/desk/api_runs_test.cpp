@@ -257,6 +257,28 @@ TEST_F(DeskRuns, ColumnsThatAreNotShownAreNamed) {
   EXPECT_FALSE(hidden.contains("cInvCode"));
 }
 
+TEST_F(DeskRuns, AnExportThatFailsBeforeItsFirstByteSaysWhy) {
+  const std::string run = done("sfc-item");
+  const Json shown = view(run, Json::object());
+  for (const char* format : {"csv", "xlsx", "html"}) {
+    const test::Answer answer = ask("GET", pathOf(run, shown) + "/export", {}, {{"format", format}});
+    EXPECT_TRUE(answer.response.headWaits);
+    EXPECT_FALSE(streamed(answer).empty());
+  }
+  const test::Answer late = ask("GET", pathOf(run, shown) + "/export", {}, {{"format", "csv"}});
+  ASSERT_EQ(late.status, 200);
+  EXPECT_EQ(ask("DELETE", run).status, 200);
+  test::KeptSink sink;
+  try {
+    late.response.stream(sink);
+    ADD_FAILURE() << "the run is closed";
+  } catch (const StreamRefused& refused) {
+    EXPECT_EQ(refused.answer().status, 404);
+    EXPECT_THAT(refused.answer().body, HasSubstr("it may have been closed"));
+  }
+  EXPECT_THAT(sink.text, IsEmpty());
+}
+
 TEST_F(DeskRuns, PartsAreFoldedAwayAndOut) {
   const std::string run = done("fx-detail", ledgerValues());
   const Json open = view(run, {{"layout", "ledger"}, {"details", true}});

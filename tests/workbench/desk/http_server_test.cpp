@@ -206,6 +206,27 @@ TEST(HttpServer, CutsOffAStreamThatFails) {
   EXPECT_THAT(answer.body, Not(HasSubstr("secret")));
 }
 
+TEST(HttpServer, SendsAnotherAnswerForAStreamThatHasNotBegun) {
+  RunningDesk desk;
+  const Answer refused = desk.ask(get("/api/refused"));
+  EXPECT_EQ(refused.status, 409);
+  EXPECT_EQ(refused.body, R"({"error":{"code":"stopped"}})");
+  EXPECT_EQ(refused.field("content-disposition"), "");
+  const Answer unbegun = desk.ask(get("/api/unbegun"));
+  EXPECT_EQ(unbegun.status, 500);
+  EXPECT_THAT(unbegun.body, HasSubstr(R"("code":"internal")"));
+  EXPECT_THAT(unbegun.body, Not(HasSubstr("secret")));
+  const Answer late = desk.ask(get("/api/late"));
+  EXPECT_EQ(late.status, 200);
+  EXPECT_TRUE(late.whole);
+  EXPECT_EQ(late.body, "whole");
+  EXPECT_EQ(late.field("content-disposition"), "attachment");
+  const Answer empty = desk.ask(get("/api/empty"));
+  EXPECT_EQ(empty.status, 200);
+  EXPECT_TRUE(empty.whole);
+  EXPECT_EQ(empty.body, "");
+}
+
 TEST(HttpServer, EndsAStreamWhoseReaderHasGone) {
   RunningDesk desk;
   {

@@ -144,6 +144,28 @@ DeskResponse TestHandler::handle(const DeskRequest& request) {
       sink.write("half");
       throw std::runtime_error("Password=secret");
     };
+  } else if (request.path == "refused") {  // says before its first bytes why there will be none
+    response.headWaits = true;
+    response.headers.emplace_back("Content-Disposition", "attachment");
+    response.stream = [](Sink&) {
+      DeskResponse refusal;
+      refusal.status = 409;
+      refusal.body = R"({"error":{"code":"stopped"}})";
+      throw StreamRefused(refusal);
+    };
+  } else if (request.path == "unbegun") {  // fails before its first bytes
+    response.headWaits = true;
+    response.stream = [](Sink&) { throw std::runtime_error("Password=secret"); };
+  } else if (request.path == "late") {  // takes a while until its first bytes
+    response.headWaits = true;
+    response.headers.emplace_back("Content-Disposition", "attachment");
+    response.stream = [](Sink& sink) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      sink.write("whole");
+    };
+  } else if (request.path == "empty") {
+    response.headWaits = true;
+    response.stream = [](Sink&) {};
   } else if (request.path == "throw") {
     throw std::runtime_error("Password=secret");
   } else if (request.path == "headers") {  // what is not a handler's to set

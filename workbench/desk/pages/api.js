@@ -11,7 +11,8 @@ export class ApiError extends Error {
   }
 }
 
-async function call(method, path, body, signal) {
+// The server's answer, whatever it is.
+async function ask(method, address, body, signal) {
   const options = {
     method,
     signal,
@@ -23,13 +24,27 @@ async function call(method, path, body, signal) {
     options.headers['Content-Type'] = 'application/json';
     options.body = JSON.stringify(body ?? {});
   }
-  let response;
   try {
-    response = await fetch(`/api/${path}`, options);
+    return await fetch(address, options);
   } catch (error) {
     if (error.name === 'AbortError') throw error;
     throw new ApiError(0, t('noAnswer'));
   }
+}
+
+// What a refusal says.
+function refused(status, answer) {
+  if (status === 401) return new ApiError(401, t('notSignedIn'));
+  const error = answer?.error ?? {};
+  return new ApiError(status, error.message ?? t('badAnswer', {status}), {
+    code: error.code,
+    item: error.item,
+    body: answer,
+  });
+}
+
+async function call(method, path, body, signal) {
+  const response = await ask(method, `/api/${path}`, body, signal);
   const text = await response.text();
   let answer = null;
   try {
@@ -38,13 +53,20 @@ async function call(method, path, body, signal) {
     if (response.ok) throw new ApiError(response.status, t('badAnswer', {status: response.status}));
   }
   if (response.ok) return answer;
-  if (response.status === 401) throw new ApiError(401, t('notSignedIn'));
-  const error = answer?.error ?? {};
-  throw new ApiError(response.status, error.message ?? t('badAnswer', {status: response.status}), {
-    code: error.code,
-    item: error.item,
-    body: answer,
-  });
+  throw refused(response.status, answer);
+}
+
+// A file that the server makes: {name, content}.
+async function file(address, signal) {
+  const response = await ask('GET', address, undefined, signal);
+  if (!response.ok) throw refused(response.status, await response.json().catch(() => null));
+  try {
+    const name = /filename="([^"]+)"/.exec(response.headers.get('Content-Disposition') ?? '')?.[1] ?? '';
+    return {name, content: await response.blob()};
+  } catch (error) {
+    if (error.name === 'AbortError') throw error;
+    throw new ApiError(0, t('exportCut')); // the server ends an answer in the middle where it fails there
+  }
 }
 
 const part = encodeURIComponent;
@@ -93,5 +115,6 @@ export const api = {
   documents: (run, view, n) => post(`runs/${part(run)}/views/${part(view)}/document`, {n}),
   exportAddress: (run, view, format, captions) =>
     `/api/runs/${part(run)}/views/${part(view)}/export?${new URLSearchParams({format, ...(captions ? {captions: 1} : {})})}`,
+  file,
   closeView: (run, view) => remove(`runs/${part(run)}/views/${part(view)}`),
 };

@@ -50,18 +50,26 @@ export function say(text) {
   document.getElementById('status').textContent = text;
 }
 
-// Shows a message for a while, and says it. Errors stay until they are closed.
-export function notice(text, {error = false} = {}) {
+// Shows a message for a while, and says it. Errors stay until they are closed, and so does one that tells of its closing.
+export function notice(text, {error = false, onclose} = {}) {
   const place = document.getElementById('notices');
-  for (const old of place.querySelectorAll('.notice:not(.error)')) old.remove();
+  for (const old of place.querySelectorAll('.notice:not(.error, .lasting)')) old.remove();
   const note = h(
     'div',
-    {class: error ? 'notice error' : 'notice'},
+    {class: error ? 'notice error' : onclose ? 'notice lasting' : 'notice'},
     h('span', {}, text),
-    signButton('✕', '✕', () => note.remove()),
+    signButton(
+      '✕',
+      '✕',
+      () => {
+        note.remove();
+        onclose?.();
+      },
+    ),
   );
   place.append(note);
-  if (!error) setTimeout(() => note.remove(), 5000);
+  if (!error && !onclose) setTimeout(() => note.remove(), 5000);
+  return note;
 }
 
 export async function copyText(text) {

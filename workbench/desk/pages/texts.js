@@ -302,6 +302,9 @@ const catalogue = {
   exportXlsx: ['Excel 工作簿（XLSX）', 'Excel workbook (XLSX)'],
   exportHtml: ['打印页（HTML）', 'Print view (HTML)'],
   exportCaptions: ['CSV 用列名作标题', 'CSV with captions as heading'],
+  exporting: ['正在导出：{what}…', 'Exporting: {what}…'],
+  exportFailed: ['导出失败：{message}', 'The export failed: {message}'],
+  exportCut: ['文件没有写完', 'the file broke off'],
   exportNote: [
     '导出的内容与屏幕一致：列、排序、筛选、分组。',
     'Exactly what is shown: columns, order, filters, groups.',
