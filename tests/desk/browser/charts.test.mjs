@@ -1,19 +1,15 @@
 // Charts: what the table beside one says are the figures of the report's pivots, to the last digit; the picture of it can be
 // taken away, and is to be read without colours.
 import assert from 'node:assert/strict';
-import {after, before, test} from 'node:test';
+import {test} from 'node:test';
 import {mkdirSync, readFileSync} from 'node:fs';
-import {address, obstacles, openDesk, runReport, startBrowser} from './desk_browser.mjs';
+import {address, beginDesk, browser, obstacles, openDesk, page, runReport} from './desk_browser.mjs';
 
 const pictures = process.env.DESK_PICTURES; // a folder for one picture of each state, to be looked at
 if (pictures) mkdirSync(pictures, {recursive: true});
 
-let browser;
-let page;
 const runs = {}; // of a report: the address of a run of it, and its number
-before(async () => {
-  browser = await startBrowser();
-  page = await openDesk(browser);
+beginDesk(async () => {
   for (const [report, filter] of [
     ['outsum-item', {cModal: '1'}],
     ['fx-wt', {}],
@@ -24,7 +20,6 @@ before(async () => {
     runs[report] = new URL(page.url()).hash.split('?')[0];
   }
 });
-after(() => browser.close());
 
 const numberOf = (report) => runs[report].split('/').at(-1);
 
