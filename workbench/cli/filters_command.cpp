@@ -89,7 +89,7 @@ void addFilterOption(CLI::App& command, std::string& file, const std::string& de
       "--filter",
       [&file](const std::string& text) {
         // A file needs no folder for saved filters.
-        file = isFilterFile(text) ? text : SavedFilters::ofUser().fileOf(text);
+        file = isSavedAsFile(text) ? text : SavedFilters::ofUser().fileOf(text);
       },
       description + ": a saved filter's NAME, or a JSON FILE");
 }

@@ -340,7 +340,7 @@ DeskResponse DeskApi::answerFilters(const DeskRequest& request, const Parts& par
     return jsonAnswer(Json::object());
   }
   if (request.method != "DELETE") refuseAddress();
-  if (!faultOfFilterName(name).empty() || !options_.filters.has(name)) throw unknown(messages::noSuchFilter(name));
+  if (!faultOfSavedName(name).empty() || !options_.filters.has(name)) throw unknown(messages::noSuchFilter(name));
   options_.filters.remove(name);
   return jsonAnswer(Json::object());
 }
@@ -364,7 +364,7 @@ Json DeskApi::listFilters(const std::string& report) const {
 }
 
 Json DeskApi::filter(const std::string& name) const {
-  if (!faultOfFilterName(name).empty() || !options_.filters.has(name)) throw unknown(messages::noSuchFilter(name));
+  if (!faultOfSavedName(name).empty() || !options_.filters.has(name)) throw unknown(messages::noSuchFilter(name));
   const std::filesystem::path file = options_.filters.path(name);
   const std::string text = readTextFile(utf8FromPath(file));
   const Report* const report = reportOfFilter(text, name);
@@ -383,7 +383,7 @@ Json DeskApi::filter(const std::string& name) const {
 
 void DeskApi::saveFilter(const std::string& name, const Json& body, Language language) const {
   const Report& report = reportIn(body);
-  if (const Message fault = faultOfFilterName(name); !fault.empty())
+  if (const Message fault = faultOfSavedName(name); !fault.empty())
     throw ApiError(422, "name", messages::noFilterName(name, fault));
   FilterObject filter(report.registration, InitialValues::none);
   setItems(filter, valuesIn(body, "values"));

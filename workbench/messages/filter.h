@@ -77,11 +77,11 @@ inline constexpr Text<0> nameLikeOption{"它的开头像选项", "it begins like
 inline constexpr Text<0> nameLikeFile{"它的结尾像文件名", "it ends like a file's"};
 inline constexpr Text<0> nameOfDevice{"Windows 有同名的设备", "Windows has a device of this name"};
 inline constexpr Text<0> noFilterFolderWindows{
-    "APPDATA 没有指定文件夹，因而没有存放过滤条件的文件夹；请设置它，或指定文件",
-    "APPDATA names no folder, so there is none for saved filters; set it, or name a file"};
+    "APPDATA 没有指定文件夹，因而没有存放过滤条件和版式的文件夹；请设置它，或指定文件",
+    "APPDATA names no folder, so there is none for saved filters and layouts; set it, or name a file"};
 inline constexpr Text<0> noFilterFolder{
-    "XDG_CONFIG_HOME 和 HOME 都没有指定文件夹，因而没有存放过滤条件的文件夹；请设置其一，或指定文件",
-    "neither XDG_CONFIG_HOME nor HOME names a folder, so there is none for saved filters; set one, or name a file"};
+    "XDG_CONFIG_HOME 和 HOME 都没有指定文件夹，因而没有存放过滤条件和版式的文件夹；请设置其一，或指定文件",
+    "neither XDG_CONFIG_HOME nor HOME names a folder, so there is none for saved filters and layouts; set one, or name a file"};
 inline constexpr Text<1> filterNameTaken{"已有名为“{1}”的过滤条件；请加上 --replace-filter，或换一个名称",
                                          "there is a filter \"{1}\" already; give --replace-filter, or another name"};
 inline constexpr Text<2> noSavedFilter{"没有保存的过滤条件“{1}”{2}；见 quillon filters list",

@@ -30,7 +30,7 @@ std::string textIn(const Json& object, const char* member) {
 // A file's name counts from the book's folder; a saved filter has none.
 std::string filterFileOf(const std::string& nameOrFile, const std::string& book) {
   if (nameOrFile.empty()) return {};
-  if (!isFilterFile(nameOrFile)) return SavedFilters::ofUser().fileOf(nameOrFile);
+  if (!isSavedAsFile(nameOrFile)) return SavedFilters::ofUser().fileOf(nameOrFile);
   return utf8FromPath(pathFromUtf8(book).parent_path() / pathFromUtf8(nameOrFile));
 }
 

@@ -119,24 +119,6 @@ TEST_F(SavedFiltersTest, AreThoseWithAFiltersName) {
   EXPECT_THAT(filters_.names(), ElementsAre("ok"));
 }
 
-TEST(FilterName, HasLettersDigitsAndAFewSigns) {
-  for (const char* const name :
-       {"a", "三月 线边库", "2024-03_v1.2 (x), y+z", "Ünïcode", "console", "com", "lpt10", "json"})
-    EXPECT_EQ(faultOfFilterName(name).english(), "") << name;
-  EXPECT_EQ(faultOfFilterName(std::string(60, 'x')).english(), "");
-  EXPECT_EQ(faultOfFilterName(std::string(61, 'x')).english(), "it has more than 60 characters");
-  EXPECT_EQ(faultOfFilterName("").english(), "it is empty");
-  for (const char* const name : {"a/b", "a\\b", "a:b", "a*", "a?", "a\"", "<a", "a|b", "a\nb", "a\tb", "\x01", "a%b",
-                                 "a'b", "a\u200bb", "a\u202eb", "a\u0085", "\xff", "\xed\xa0\x80"})
-    EXPECT_EQ(faultOfFilterName(name).english(), "it may have letters, digits, blanks and - _ . ( ) + , in it") << name;
-  for (const char* const name : {" a", "a ", ".a", "a.", "..", "."})
-    EXPECT_EQ(faultOfFilterName(name).english(), "it begins or ends with a blank or a point") << name;
-  EXPECT_EQ(faultOfFilterName("--a").english(), "it begins like an option");
-  EXPECT_EQ(faultOfFilterName("a.Json").english(), "it ends like a file's");
-  for (const char* const name : {"con", "NUL", "Com1", "lpt9", "aux.txt", "prn"})
-    EXPECT_EQ(faultOfFilterName(name).english(), "Windows has a device of this name") << name;
-}
-
 // What is saved is what is read again.
 TEST(FilterFileText, IsReadAsItWasSaved) {
   FilterObject filter(reportNamed("sfc-item").registration, InitialValues::none);
