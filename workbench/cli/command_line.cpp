@@ -17,6 +17,7 @@
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/filters_command.h"
 #include "workbench/cli/language_option.h"
+#include "workbench/cli/layouts_command.h"
 #include "workbench/cli/list_command.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/cli/serve_command.h"
@@ -200,6 +201,7 @@ int runCommandLine(std::vector<std::string> arguments, const std::string& versio
   addDrillCommand(app);
   addFiltersCommand(app);
   addHelpCommand(app);
+  addLayoutsCommand(app);
   addListCommand(app);
   addReportCommand(app);
   addServeCommand(app);

@@ -11,8 +11,8 @@ namespace quillon::workbench {
 
 namespace {
 
-constexpr std::array<std::string_view, 7> chineseCommands = {"book", "dialog", "drill", "filters",
-                                                             "list", "report", "verify"};
+constexpr std::array<std::string_view, 8> chineseCommands = {"book",    "dialog", "drill",  "filters",
+                                                             "layouts", "list",   "report", "verify"};
 
 std::optional<Language> languageNamed(std::string_view word) {
   if (equalIgnoringCase(word, "zh")) return Language::chinese;

@@ -16,6 +16,7 @@
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/item_help.h"
 #include "workbench/cli/language_option.h"
+#include "workbench/cli/layouts_command.h"
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/pager.h"
 #include "workbench/cli/progress_line.h"
@@ -25,6 +26,7 @@
 #include "workbench/cli/terminal.h"
 #include "workbench/cli/usage_message.h"
 #include "workbench/messages/check.h"
+#include "workbench/messages/keeping.h"
 #include "workbench/messages/pivot.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
@@ -36,6 +38,7 @@
 #include "workbench/presentation/view_files.h"
 #include "workbench/presentation/xlsx_workbook.h"
 #include "workbench/runs/account_check.h"
+#include "workbench/runs/kept_layouts.h"
 #include "workbench/runs/report_layouts.h"
 #include "workbench/runs/report_run.h"
 #include "workbench/runs/run_fingerprint.h"
@@ -204,6 +207,16 @@ std::vector<std::string> warningsOf(const ReportOptions& options, const MadeRepo
   return warnings;
 }
 
+// What was shown is what is saved: the layout by its name, even when it was not named.
+void saveLayout(const ReportOptions& options, std::ostream& notes) {
+  KeptLayout kept{.report = options.report, .text = options.layoutText};
+  kept.text.arrangement.where.clear();
+  if (kept.text.pivot.empty() && kept.text.layout.empty())
+    kept.text.layout = layoutName(layoutOptions(options).layout.value_or(reportNamed(options.report).layouts.front()));
+  KeptLayouts::ofUser().keep(options.savingLayout.name, kept, options.savingLayout.replace);
+  notes << "quillon: " << messages::layoutSaved(options.savingLayout.name).in(options.language) << '\n';
+}
+
 }  // namespace
 
 bool compareReports(const ReportOptions& options, const AccountSource& second, std::ostream& out, std::ostream& notes) {
@@ -229,6 +242,8 @@ void runReport(const ReportOptions& options, std::ostream& out, std::ostream& no
   checkLayout(reportNamed(options.report), options.layout);
   if (!options.outputFile.empty()) refuseToReplace(pathFromUtf8(options.outputFile), inputsOf(options));
   if (isHeldAgainst(options) && !options.layout.pivot) throw UserError(messages::againstNeedsPivot());
+  const FileToSave& saving = options.savingLayout;
+  if (!saving.name.empty()) KeptLayouts::ofUser().requireFreeFor(saving.name, options.report, saving.replace);
   const auto progress = progressOn(notes, options);
   const auto report = reportOn(options.account, options, notes, progress.get());
   const auto other = isHeldAgainst(options) ? reportHeldAgainst(options, notes, progress.get()) : nullptr;
@@ -242,6 +257,7 @@ void runReport(const ReportOptions& options, std::ostream& out, std::ostream& no
   }
   writeTo(shown, *report, out, progress.get());
   if (progress) progress->finish();
+  if (!saving.name.empty()) saveLayout(options, notes);
   if (options.keep) report->keepTable();
   if (options.keep) notes << "quillon: " << messages::tableKept(report->table().name()).in(options.language) << '\n';
 }
@@ -252,15 +268,8 @@ void addList(CLI::App& command, const char* name, std::vector<std::string>& valu
   command.add_option(name, values, help)->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
-void addLayoutOptions(CLI::App& command, LayoutOptions& options) {
-  static const std::map<std::string, Layout> layouts = {{"summary", Layout::summary},   {"tree", Layout::tree},
-                                                        {"lines", Layout::lines},       {"ledger", Layout::ledger},
-                                                        {"columnar", Layout::columnar}, {"vouchers", Layout::vouchers}};
-  command
-      .add_option_function<Layout>(
-          "--layout", [&options](Layout layout) { options.layout = layout; },
-          "summary, tree or lines; of the ledger ledger, columnar or lines; of the voucher report vouchers or lines")
-      ->transform(oneOf(layouts));
+void addLayoutOptions(CLI::App& command, LayoutOptions& options, std::string& layout) {
+  addLayoutOption(command, layout);
   addList(command, "--columns", options.arrangement.columns, "Show these columns, by name or caption: a,b,c");
   addList(command, "--sort", options.arrangement.sort, "Order the lines by these columns; -a is descending");
   addList(command, "--group-by", options.arrangement.groupBy, "Put the lines under subtotals of these columns");
@@ -319,7 +328,8 @@ void addReportCommand(CLI::App& app) {
       *command.add_option("-o,--output", options->outputFile, "Write to this file instead of standard output");
   addLanguageOption(command, options->language);
   addDateOption(command, options->date);
-  addLayoutOptions(command, options->layout);
+  const auto layout = std::make_shared<std::string>();
+  addLayoutOptions(command, options->layout, *layout);
   const auto pivot = std::make_shared<std::string>();
   command.add_option("--pivot", *pivot,
                      "Sums by what stands down and across: DOWN/ACROSS/FIGURES, by name or caption; 仓库/月份/金额");
@@ -343,11 +353,21 @@ void addReportCommand(CLI::App& app) {
   command
       .add_flag("--exact", options->exact, "Compare types, letter case of names and the last digit of quotients, too")
       ->needs(&compare);
-  command.callback([options, second, &format, &output, pivot] {
+  compare.excludes(&addSaveLayoutOptions(command, options->savingLayout));
+  command.callback([options, second, &format, &output, layout, pivot] {
     if (format.empty()) options->format = formatOfFile(options->outputFile);
     if (options->format == ReportFormat::xlsx && options->outputFile.empty())
       throw CLI::ValidationError("--format", usageText(messages::workbookNeedsFile()));
-    if (!pivot->empty()) options->layout.pivot = parsePivot(*pivot, options->layout.arrangement.sort);
+    options->layoutText = layoutAskedFor(reportNamed(options->report), {.layout = *layout,
+                                                                        .arrangement = options->layout.arrangement,
+                                                                        .pivot = *pivot,
+                                                                        .allColumns = options->layout.allColumns});
+    const LayoutOptions asked = layoutOptionsOf(reportNamed(options->report), options->layoutText);
+    options->layout.layout = asked.layout;
+    options->layout.arrangement = asked.arrangement;
+    options->layout.pivot = asked.pivot;
+    options->layout.allColumns = asked.allColumns;
+    options->layout.details = asked.details;
     options->terminal = errorsGoToTerminal();
     options->outputIsFile = outputIsFile();
     options->screen = outputScreen();

@@ -9,6 +9,7 @@
 #include "workbench/cli/terminal.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/language.h"
+#include "workbench/runs/layout_text.h"
 #include "workbench/runs/report_layouts.h"
 
 namespace CLI {
@@ -37,6 +38,8 @@ struct ReportOptions {
   // no account: against nothing.
   std::vector<std::string> against = {};
   AccountSource comparedAccount = {};
+  FileToSave savingLayout = {};       // keep the layout as it was asked for
+  LayoutText layoutText = {};         // of that
   bool captions = false;              // csv with captions for headings
   bool bom = false;                   // csv with a byte order mark
   bool explain = false;               // each statement with its time and row count, to `notes`

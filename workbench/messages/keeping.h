@@ -39,6 +39,26 @@ inline constexpr Text<4> differentSum{"  {1}：文件 {2}，账套 {3}，差 {4}
                                       "  {1}: {2} in the file, {3} in the account, {4}"};
 inline constexpr Text<1> differentOtherwise{"  {1}：两者不能比较", "  {1}: cannot be compared"};
 
+// --- Kept layouts -----------------------------------------------------------------------------------------------------
+
+inline constexpr Text<2> noLayoutName{"“{1}”不能作版式的名称：{2}", "\"{1}\" is no name for a layout: {2}"};
+inline constexpr Text<0> nameOfOwnLayout{"报表自有同名的版式", "the reports have a layout of this name"};
+inline constexpr Text<1> layoutNameTaken{"已有名为“{1}”的版式；请加上 --replace-layout，或换一个名称",
+                                         "there is a layout \"{1}\" already; give --replace-layout, or another name"};
+inline constexpr Text<2> layoutOfOtherReport{"已有 {2} 的版式名为“{1}”；请换一个名称",
+                                             "there is a layout \"{1}\" of {2} already; give another name"};
+inline constexpr Text<2> noKeptLayout{"没有保存的版式“{1}”{2}；见 quillon layouts list",
+                                      "there is no kept layout \"{1}\"{2}; see quillon layouts list"};
+inline constexpr Text<2> noLayoutNorFile{"没有版式“{1}”，也没有此文件{2}；见 quillon layouts list",
+                                         "there is no layout \"{1}\", and no file{2}; see quillon layouts list"};
+inline constexpr Text<3> layoutFileOfOther{"{1} 是 {2} 的版式，不能用于 {3}",
+                                           "{1} is a layout of {2} and cannot be used for {3}"};
+inline constexpr Text<0> layoutNotUnicode{"无法保存版式：有的名称不是 Unicode 文本",
+                                          "the layout cannot be saved: a name is no Unicode text"};
+inline constexpr Text<1> layoutSaved{"版式已保存：{1}", "the layout is saved as {1}"};
+inline constexpr Text<0> layoutHeading{"版式", "Layout"};
+inline constexpr Text<1> noLayouts{"没有保存的版式：{1}", "no layouts are saved in {1}"};
+
 // --- Books ------------------------------------------------------------------------------------------------------------
 
 inline constexpr Text<1> bookIsRight{"没有错误：{1} 项", "nothing is wrong: {1} entries"};

@@ -13,6 +13,7 @@
 #include "workbench/platform/json_schema.h"
 #include "workbench/platform/saved_filters.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/runs/kept_layouts.h"
 #include "workbench/runs/run_monitor.h"
 #include "workbench/tsql/values/utf8_path.h"
 
@@ -27,10 +28,10 @@ std::string textIn(const Json& object, const char* member) {
   return found == object.end() || found->is_null() ? std::string() : found->get<std::string>();
 }
 
-// A file's name counts from the book's folder; a saved filter has none.
-std::string filterFileOf(const std::string& nameOrFile, const std::string& book) {
-  if (nameOrFile.empty()) return {};
-  if (!isSavedAsFile(nameOrFile)) return SavedFilters::ofUser().fileOf(nameOrFile);
+// A file's name counts from the book's folder; what is saved under a name has none.
+template <typename Saved>
+std::string fileOf(const std::string& nameOrFile, const std::string& book) {
+  if (!isSavedAsFile(nameOrFile)) return Saved::ofUser().fileOf(nameOrFile);
   return utf8FromPath(pathFromUtf8(book).parent_path() / pathFromUtf8(nameOrFile));
 }
 
@@ -93,7 +94,11 @@ Book readBook(const std::string& path) {
     if (const auto set = item.find("set"); set != item.end()) entry.settings = set->get<std::vector<std::string>>();
     entry.layout = layoutTextOf(item);
     try {
-      entry.filterFile = filterFileOf(textIn(item, "filter"), path);
+      const std::string filter = textIn(item, "filter");
+      if (!filter.empty()) entry.filterFile = fileOf<SavedFilters>(filter, path);
+      if (!entry.layout.layout.empty() && !ownLayout(entry.layout.layout))
+        entry.layout =
+            withKeptLayout(reportNamed(entry.report), entry.layout, fileOf<KeptLayouts>(entry.layout.layout, path));
       checkEntry(entry);
     } catch (const std::exception& error) {
       book.faults.push_back({book.entries.size(), errorText(error)});

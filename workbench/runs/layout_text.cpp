@@ -1,5 +1,8 @@
 #include "workbench/runs/layout_text.h"
 
+#include <algorithm>
+
+#include "frame/text.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/messages/pivot.h"
 #include "workbench/messages/report.h"
@@ -16,6 +19,11 @@ std::string textIn(const Json& object, const char* member) {
   return found == object.end() || found->is_null() ? std::string() : found->get<std::string>();
 }
 
+bool flagIn(const Json& object, const char* member) {
+  const auto found = object.find(member);
+  return found != object.end() && !found->is_null() && found->get<bool>();
+}
+
 std::vector<std::string> listIn(const Json& object, const char* member) {
   const auto found = object.find(member);
   return found == object.end() ? std::vector<std::string>() : found->get<std::vector<std::string>>();
@@ -29,14 +37,24 @@ LayoutText layoutTextOf(const Json& object) {
                           .sort = listIn(object, "sort"),
                           .groupBy = listIn(object, "groupBy"),
                           .where = listIn(object, "where")},
-          .pivot = textIn(object, "pivot")};
+          .pivot = textIn(object, "pivot"),
+          .allColumns = flagIn(object, "allColumns"),
+          .details = flagIn(object, "details")};
+}
+
+std::optional<Layout> ownLayout(std::string_view name) {
+  std::string lower(name);
+  std::ranges::transform(lower, lower.begin(), lowerAscii);
+  return layoutNamed(lower);
 }
 
 LayoutOptions layoutOptionsOf(const Report& report, const LayoutText& text) {
   LayoutOptions options;
   options.arrangement = text.arrangement;
+  options.allColumns = text.allColumns;
+  options.details = text.details;
   if (!text.layout.empty()) {
-    options.layout = layoutNamed(text.layout);
+    options.layout = ownLayout(text.layout);
     if (!options.layout) {
       std::vector<std::string> names;
       for (const Layout layout : report.layouts)

@@ -3,12 +3,9 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <sstream>
 
-#include "tests/workbench/account/test_folder.h"
-#include "workbench/account/account.h"
-#include "workbench/cli/command_line.h"
+#include "tests/workbench/cli/command_test.h"
 #include "workbench/cli/dialog_command.h"
 #include "workbench/cli/report_command.h"
 #include "workbench/platform/user_error.h"
@@ -20,69 +17,7 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-// The user's configuration folder, for one test; what was there comes back.
-class ConfigurationFolder {
- public:
-  explicit ConfigurationFolder(const std::filesystem::path& folder) {
-#ifdef _WIN32
-    if (const wchar_t* const text = _wgetenv(L"APPDATA"); text != nullptr) before_ = text;
-    _wputenv_s(L"APPDATA", folder.c_str());
-#else
-    if (const char* const text = std::getenv("XDG_CONFIG_HOME"); text != nullptr) before_ = text;
-    setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
-#endif
-  }
-  ConfigurationFolder(const ConfigurationFolder&) = delete;
-  ConfigurationFolder& operator=(const ConfigurationFolder&) = delete;
-  ~ConfigurationFolder() {
-#ifdef _WIN32
-    _wputenv_s(L"APPDATA", before_.c_str());
-#else
-    if (before_.empty()) {
-      unsetenv("XDG_CONFIG_HOME");
-    } else {
-      setenv("XDG_CONFIG_HOME", before_.c_str(), 1);
-    }
-#endif
-  }
-
- private:
-  std::filesystem::path before_;
-};
-
-struct End {
-  int status = 0;
-  std::string out;
-  std::string errors;
-};
-
-class FiltersCommand : public testing::Test {
- protected:
-  FiltersCommand() { account::createSample(folder_ / "a", {.rows = 500, .years = 1}); }
-
-  End run(std::vector<std::string> arguments) const {
-    for (std::string& argument : arguments) {
-      if (argument == "ACCOUNT") argument = utf8FromPath(folder_ / "a");
-    }
-    std::ranges::reverse(arguments);
-    std::ostringstream errors;
-    End end;
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    try {
-      end.status = runCommandLine(std::move(arguments), "1.2.3", errors);
-    } catch (const std::exception& error) {
-      end.status = 1;
-      errors << error.what();
-    }
-    end.out = testing::internal::GetCapturedStdout();
-    end.errors = testing::internal::GetCapturedStderr() + errors.str();
-    return end;
-  }
-
-  account::testing::TestFolder folder_;
-  ConfigurationFolder configuration_{folder_ / "config"};
-};
+class FiltersCommand : public test::CommandTest {};
 
 TEST_F(FiltersCommand, SavesAndUsesAReportsFilter) {
   const std::vector<std::string> common = {"report", "sfc-item", "--account", "ACCOUNT", "--format", "csv"};
@@ -90,7 +25,7 @@ TEST_F(FiltersCommand, SavesAndUsesAReportsFilter) {
   saving.insert(saving.end(), {"--set", "仓库=线边库", "--set", "cModal=1", "--save-filter", "线边"});
   naming.insert(naming.end(), {"--filter", "线边"});
   plain.insert(plain.end(), {"--set", "cWhCode=07", "--set", "cModal=1"});
-  const End saved = run(saving);
+  const test::End saved = run(saving);
   EXPECT_EQ(saved.status, 0) << saved.errors;
   EXPECT_EQ(saved.errors, "quillon: 过滤条件已保存：线边\n");
   EXPECT_EQ(run(naming).out, run(plain).out);
@@ -101,11 +36,11 @@ TEST_F(FiltersCommand, SavesAndUsesAReportsFilter) {
             "----  --------  ----------------------------\n"
             "线边  sfc-item  报表方式=按成本项目, 仓库=07\n");
   EXPECT_THAT(run({"filters", "list", "--lang", "en"}).out, EndsWith("Report mode=by cost item, Warehouse=07\n"));
-  const End shown = run({"filters", "show", "线边"});
+  const test::End shown = run({"filters", "show", "线边"});
   EXPECT_THAT(shown.out, HasSubstr("\"name\": \"cWhCode\""));
   EXPECT_EQ(shown.out.find("iYear"), std::string::npos) << "the dialog's own defaults are not kept";
 
-  const End again = run(saving);
+  const test::End again = run(saving);
   EXPECT_EQ(again.status, 1);
   EXPECT_EQ(again.out, "") << "it is refused before the report is run";
   EXPECT_EQ(again.errors, "there is a filter \"线边\" already; give --replace-filter, or another name");
@@ -130,11 +65,11 @@ TEST_F(FiltersCommand, SavesNoFilterThatIsNotAccepted) {
 }
 
 TEST_F(FiltersCommand, SavesWhatADialogWasGiven) {
-  const End end = run({"dialog", "outsum-item", "--account", "ACCOUNT", "--step", "init", "--step",
-                       "change:Warehouse=线边库", "--step", "click", "--save-filter", "d"});
+  const test::End end = run({"dialog", "outsum-item", "--account", "ACCOUNT", "--step", "init", "--step",
+                             "change:Warehouse=线边库", "--step", "click", "--save-filter", "d"});
   EXPECT_EQ(end.status, 0) << end.errors;
   EXPECT_THAT(run({"filters", "list"}).out, EndsWith("\nd     outsum-item  仓库=07\n"));
-  const End open = run({"dialog", "outsum-item", "--account", "ACCOUNT", "--step", "init", "--save-filter", "e"});
+  const test::End open = run({"dialog", "outsum-item", "--account", "ACCOUNT", "--step", "init", "--save-filter", "e"});
   EXPECT_EQ(open.status, 1);
   EXPECT_THAT(open.errors, HasSubstr("the filter is not saved: the last step does not confirm it (--step click)"));
   EXPECT_THAT(run({"dialog", "outsum-item", "--account", "ACCOUNT", "--filter", "d", "--format", "json"}).out,
@@ -155,8 +90,8 @@ TEST_F(FiltersCommand, ListsAFileThatItCannotRead) {
 }
 
 TEST_F(FiltersCommand, ComparesAccountsWithASavedFilterAndSavesItOnce) {
-  const End end = run({"report", "sfc-item", "--account", "ACCOUNT", "--compare", "ACCOUNT", "--set", "cModal=1",
-                       "--save-filter", "both"});
+  const test::End end = run({"report", "sfc-item", "--account", "ACCOUNT", "--compare", "ACCOUNT", "--set", "cModal=1",
+                             "--save-filter", "both"});
   EXPECT_EQ(end.status, 0) << end.errors;
   EXPECT_THAT(run({"filters", "list"}).out, HasSubstr("both"));
 }
