@@ -56,7 +56,12 @@ std::set<std::string> yearsIn(const Pivot& pivot, std::size_t place) {
 std::string conditionsText(const TextPairs& pairs, Language language) {
   std::string text;
   for (const auto& [caption, value] : pairs)
-    text.append(text.empty() ? "" : language == Language::chinese ? "，" : ", ").append(caption + " " + value);
+    text.append(text.empty()                    ? ""
+                : language == Language::chinese ? "，"
+                                                : ", ")
+        .append(caption)
+        .append(" ")
+        .append(value);
   return text;
 }
 
@@ -219,8 +224,8 @@ class Comparison::Table {
       return row ? figures_[side][*row][measure] : tsql::Value();
     };
     if (part == Part::one) return of(0);
+    if (part == Part::other) return of(1);
     const tsql::Value other = of(1);
-    if (part == Part::other) return other;
     const tsql::Value difference = differenceOf(of(0), other, measures_[measure].figure == PivotFigure::unitCost);
     return part == Part::difference ? difference : percentOf(difference, other);
   }

@@ -22,7 +22,9 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr ComparedNames years{.one = "Year 2024", .other = "Year 2023"};
+ComparedNames years() {
+  return {.one = "Year 2024", .other = "Year 2023"};
+}
 
 class SmallComparison : public testing::Test {
  protected:
@@ -47,7 +49,7 @@ class SmallComparison : public testing::Test {
   }
   Comparison compared(std::string_view text, const std::vector<SortKey>& sort = {},
                       PivotForm form = PivotForm::joined) const {
-    return {pivot(*one_, text), pivot(*other_, text), years, sort, Language::english, form};
+    return {pivot(*one_, text), pivot(*other_, text), years(), sort, Language::english, form};
   }
   std::vector<std::string> texts(std::string_view text, const std::vector<SortKey>& sort = {}) const {
     return test::textsOf(compared(text, sort).view());
@@ -190,12 +192,13 @@ TEST(Comparisons, AgreeWithAFullJoin) {
       // Some warehouses and inventories are of one side alone.
       const int warehouse = (i * 7 + side) % 11, inventory = (i * 13 + 5 * side) % 29 + 10,
                 cents = i * (31 + side) - 4000;
-      const std::string whole = std::to_string(cents / 100), amount = std::to_string(cents) + " / 100.0000";
-      account.execute(
+      const std::string amount = std::to_string(cents) + " / 100.0000";
+      std::string insert =
           "Insert Into Result (autoid, cWhCode, cWhName, cInvCode, cInvName, iState, iQuantity, iMoney, "
-          "iInQuantity, iInMoney, iOutQuantity, iOutMoney, iQmQuantity, iQmMoney, iQcQuantity, iQcMoney) Values (" +
-          std::to_string(i) + ", N'" + std::to_string(warehouse) + "', N'W', N'" + std::to_string(inventory) +
-          "', N'I', 2, 1, " + amount + ", 1, " + amount + ", 0, 0, 0, 0, 0, 0)");
+          "iInQuantity, iInMoney, iOutQuantity, iOutMoney, iQmQuantity, iQmMoney, iQcQuantity, iQcMoney) Values (";
+      insert.append(std::to_string(i)).append(", N'").append(std::to_string(warehouse)).append("', N'W', N'");
+      insert.append(std::to_string(inventory)).append("', N'I', 2, 1, ").append(amount).append(", 1, ").append(amount);
+      account.execute(insert.append(", 0, 0, 0, 0, 0, 0)"));
     }
   }
   one->execute("Delete From Result Where cWhCode = N'3'");
@@ -223,7 +226,7 @@ TEST(Comparisons, AgreeWithAFullJoin) {
     return Pivot({.report = reportNamed("sfc-item"), .table = table, .mode = "1", .language = Language::english},
                  parsePivot("Warehouse,Inventory//Receipt amount"), {.form = PivotForm::apart});
   };
-  const View view = Comparison(made(*one), made(*other), years, {}, Language::english, PivotForm::apart).view();
+  const View view = Comparison(made(*one), made(*other), years(), {}, Language::english, PivotForm::apart).view();
   std::size_t seen = 0, alone = 0;
   const auto check = [&](const ViewRow& row) {
     std::string path;
