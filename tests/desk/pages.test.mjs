@@ -13,6 +13,7 @@ globalThis.navigator ??= {language: 'zh-CN'};
 const {PivotRows, firstPivot, foldedIn, pivotIn, putPivot, sortNameOf} =
   await import('../../workbench/desk/pages/pivot.js');
 const {grouped} = await import('../../workbench/desk/pages/checks.js');
+const {comparable, compareIn, firstComparison} = await import('../../workbench/desk/pages/compare.js');
 const {chartIn, chartsOffered, pivotOfChart, putChart, withAllMonths} = await import('../../workbench/desk/pages/charts.js');
 const {bySize, exact, exactText, minus, plus, quotient} = await import('../../workbench/desk/pages/exact.js');
 const {seconds} = await import('../../workbench/desk/pages/texts.js');
@@ -377,4 +378,37 @@ test('amounts of checks get their thousands apart, with every digit', () => {
     ['-12345678901234567890.123456', '-12,345,678,901,234,567,890.123456'],
   ])
     assert.equal(grouped(amount), shown);
+});
+
+test('a comparison is a pivot without anything across and without shares, with another run of the report', () => {
+  const query = new URLSearchParams(
+    'layout=compare&with=4&rows=cWhCode&across=month&figures=amount,amount:row&order=-difference/amount',
+  );
+  const asked = {
+    rows: ['cWhCode'],
+    columns: [],
+    measures: ['amount'],
+    sort: [{column: 'difference/amount', descending: true}],
+    other: 4,
+  };
+  assert.deepEqual(compareIn(query), asked);
+  assert.equal(compareIn(new URLSearchParams('with=x')).other, null);
+  assert.deepEqual(
+    firstComparison({dimensions: [{name: 'costItemClass1'}, {name: 'month'}], measures: [{name: 'amount'}]}),
+    {rows: ['costItemClass1'], columns: [], measures: ['amount'], sort: []},
+  );
+  const ofComparison = {...asked, rows: ['cWhCode']};
+  assert.equal(sortNameOf({name: 'percent/amount', number: true}, ofComparison), 'percent/amount');
+  assert.equal(sortNameOf({name: 'cWhCode', number: false}, ofComparison), 'cWhCode');
+  const runs = [
+    {id: 1, report: 'a', state: 'done'},
+    {id: 2, report: 'b', state: 'done'},
+    {id: 3, report: 'a', state: 'running'},
+    {id: 4, report: 'a', state: 'done'},
+  ];
+  assert.deepEqual(
+    comparable(runs, '1').map(({id}) => id),
+    [4],
+  );
+  assert.deepEqual(comparable(runs, '2'), []);
 });

@@ -108,6 +108,7 @@ export const api = {
   makeView: (run, view) => post(`runs/${part(run)}/views`, view),
   pivotChoices: (run) => get(`runs/${part(run)}/pivots`),
   makePivot: (run, pivot) => post(`runs/${part(run)}/pivots`, pivot),
+  makeComparison: (run, comparison) => post(`runs/${part(run)}/comparisons`, comparison),
   behind: (run, view, n, column) => get(`runs/${part(run)}/views/${part(view)}/where?n=${n}&column=${column}`),
   fold: (run, view, rows) => call('PUT', `runs/${part(run)}/views/${part(view)}/folds`, {rows}),
   rows: (run, view, offset, limit) => get(`runs/${part(run)}/views/${part(view)}/rows?offset=${offset}&limit=${limit}`),

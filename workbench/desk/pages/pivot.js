@@ -168,6 +168,7 @@ export class PivotRows {
 // By what of a pivot a column of its view can order: a dimension down, or a figure's total. Nothing of other columns.
 export function sortNameOf(column, pivot) {
   if (pivot.rows.includes(column.name)) return column.name;
+  if (pivot.other) return column.number ? column.name : null; // a comparison has an order by each
   const [name, ...before] = column.name.split('/').reverse();
   const isTotal = pivot.columns.length === 0 || (before.length === 1 && before[0] === 'total');
   return isTotal && column.number ? name.split(':')[0] : null;
@@ -219,11 +220,14 @@ function measuresFor(choices, pivot) {
   ]);
 }
 
-// Three lists with what stands down, across and in the cells; change(pivot) shows another arrangement.
+// Lists of what stands down, across and in the cells, or of some of these, with shares of figures or without; change(pivot)
+// shows another arrangement.
 export class PivotPanel {
-  constructor(choices, change) {
+  constructor(choices, change, {axes: shown = axes, shares: withShares = true} = {}) {
     this.choices = choices;
     this.change = change;
+    this.axes = shown;
+    this.withShares = withShares;
     this.element = h('section', {class: 'pivot-panel', 'aria-label': t('pivotArrange')});
   }
 
@@ -233,15 +237,20 @@ export class PivotPanel {
     this.draw();
   }
 
+  measures() {
+    const all = measuresFor(this.choices, this.pivot);
+    return this.withShares ? all : all.filter(({name}) => !name.includes(':'));
+  }
+
   captionOf(axis, name) {
-    const all = axis === 'measures' ? measuresFor(this.choices, this.pivot) : this.choices.dimensions;
+    const all = axis === 'measures' ? this.measures() : this.choices.dimensions;
     return caption(all.find((one) => one.name === name)?.caption) || name;
   }
 
   // What can be added to an axis.
   offered(axis) {
     if (axis === 'measures')
-      return measuresFor(this.choices, this.pivot).filter(({name}) => !this.pivot.measures.includes(name));
+      return this.measures().filter(({name}) => !this.pivot.measures.includes(name));
     return this.choices.dimensions.filter(
       ({name}) => !this.pivot.rows.includes(name) && !this.pivot.columns.includes(name),
     );
@@ -249,7 +258,7 @@ export class PivotPanel {
 
   // `focus`: the axis, the name and which of its buttons the keyboard then is on.
   changed(focus) {
-    const known = new Set(measuresFor(this.choices, this.pivot).map(({name}) => name));
+    const known = new Set(this.measures().map(({name}) => name));
     const kept = this.pivot.measures.filter((name) => known.has(name));
     this.pivot.measures = kept.length > 0 ? kept : firstPivot(this.choices).measures;
     const sortable = new Set([
@@ -257,7 +266,7 @@ export class PivotPanel {
       ...this.pivot.columns,
       ...this.pivot.measures.map((name) => name.split(':')[0]),
     ]);
-    this.pivot.sort = this.pivot.sort.filter(({column}) => sortable.has(column));
+    this.pivot.sort = this.pivot.sort.filter(({column}) => sortable.has(column.split('/').at(-1)));
     this.draw();
     if (focus) {
       const [axis, name, which] = focus;
@@ -273,7 +282,7 @@ export class PivotPanel {
   draw() {
     fill(
       this.element,
-      axes.map((axis) => this.axis(axis)),
+      this.axes.map((axis) => this.axis(axis)),
     );
   }
 
@@ -318,6 +327,7 @@ export class PivotPanel {
         signButton('→', t('pivotLater', {caption: text}), step(1, 1), {disabled: at === names.length - 1}),
       ],
       axis !== 'measures' &&
+        this.axes.includes(other) &&
         signButton(
           '⇄',
           t(axis === 'rows' ? 'pivotToColumns' : 'pivotToRows', {caption: text}),

@@ -3,6 +3,7 @@ import {cameFromHere, filterIn, go, placeIn, putFilter, putPlace, putView, viewI
 import {api} from './api.js';
 import {ChartPage} from './chart_page.js';
 import {chartNames} from './charts.js';
+import {ComparePanel, comparable, compareIn, compareNames, firstComparison} from './compare.js';
 import {TouchedLine} from './checks.js';
 import {openColumnMenu, moved} from './column_menu.js';
 import {openColumns} from './columns.js';
@@ -276,7 +277,7 @@ export class RunPage {
     const wanted = this.wantedView();
     // A layout has its own columns; what the last one was arranged by does not follow into it.
     const filterOnly = putFilter(new URLSearchParams({report: this.reportName}), filterIn(this.query));
-    for (const name of [...pivotNames, ...chartNames]) if (this.query.has(name)) filterOnly.set(name, this.query.get(name));
+    for (const name of [...pivotNames, ...compareNames, ...chartNames]) if (this.query.has(name)) filterOnly.set(name, this.query.get(name));
     const link = (path, query, text, here) =>
       h('a', {href: write(path, query), 'aria-current': here ? 'page' : null}, text);
     fill(
@@ -288,6 +289,7 @@ export class RunPage {
         return link(['run', this.id], query, caption(layout.caption), here && !isStatements);
       }),
       this.partLink('pivot', wanted, filterOnly, link, isStatements),
+      this.partLink('compare', wanted, filterOnly, link, isStatements),
       this.partLink('chart', wanted, filterOnly, link, isStatements),
       link(
         ['run', this.id, 'statements'],
@@ -299,10 +301,11 @@ export class RunPage {
     );
   }
 
-  // To what is no layout of the report: "pivot" or "chart".
+  // To what is no layout of the report: "pivot", "compare" or "chart". An order goes by columns that the others do not have.
   partLink(name, wanted, filterOnly, link, isStatements) {
     const here = wanted.layout === name;
     const query = here ? this.query : new URLSearchParams(filterOnly);
+    if (!here && wanted.pivot) for (const own of ['order', 'folded']) query.delete(own);
     query.set('layout', name);
     return link(['run', this.id], query, t(name), here && !isStatements);
   }
@@ -323,6 +326,7 @@ export class RunPage {
     const wanted = viewIn(this.query);
     wanted.layout ||= this.report.layouts[0]?.name ?? '';
     if (wanted.layout === 'pivot') wanted.pivot = pivotIn(this.query);
+    if (wanted.layout === 'compare') wanted.pivot = compareIn(this.query);
     return wanted;
   }
 
@@ -333,10 +337,15 @@ export class RunPage {
       this.panel = null;
       return wanted;
     }
-    if (!this.panel) {
-      const choices = await api.pivotChoices(this.id);
-      this.panel = new PivotPanel(choices, (pivot) => this.arrangePivot((next) => Object.assign(next, pivot)));
+    const isComparison = wanted.layout === 'compare';
+    if (!this.panel || isComparison !== this.panel instanceof ComparePanel) {
+      const choices = this.panel?.choices ?? (await api.pivotChoices(this.id));
+      const change = (pivot) => this.arrangePivot((next) => Object.assign(next, pivot));
+      this.panel = isComparison
+        ? new ComparePanel(choices, change, (other) => this.compareWith(other))
+        : new PivotPanel(choices, change);
     }
+    if (isComparison) return this.drawComparePanel(wanted);
     if (wanted.pivot.rows.length === 0 || wanted.pivot.measures.length === 0) {
       wanted.pivot = firstPivot(this.panel.choices);
       putPivot(this.query, wanted.pivot);
@@ -345,6 +354,34 @@ export class RunPage {
     this.panel.show(wanted.pivot);
     if (!this.panel.element.isConnected) fill(this.panelArea, this.panel.element);
     return wanted;
+  }
+
+  // The address may name no other run, or one that has been closed.
+  async drawComparePanel(wanted) {
+    await this.desk.runsChanged().catch(() => {});
+    const others = comparable(this.desk.runs, this.id);
+    const {pivot} = wanted;
+    if (pivot.rows.length === 0 || pivot.measures.length === 0) {
+      Object.assign(pivot, firstComparison(this.panel.choices));
+      putPivot(this.query, pivot);
+    }
+    if (!others.some((run) => run.id === pivot.other)) {
+      pivot.other = others.at(-1)?.id ?? null;
+      this.query.delete('folded');
+    }
+    if (pivot.other) this.query.set('with', String(pivot.other));
+    else this.query.delete('with');
+    if (this.shown && !this.part) go(['run', this.id], this.query, {replace: true, quiet: true});
+    this.panel.show(pivot, others);
+    if (!this.panel.element.isConnected) fill(this.panelArea, this.panel.element);
+    return wanted;
+  }
+
+  compareWith(other) {
+    const query = new URLSearchParams(this.query);
+    query.set('with', other);
+    for (const name of ['row', 'folded']) query.delete(name);
+    go(['run', this.id], query);
   }
 
   arrangePivot(change, column) {
@@ -365,6 +402,22 @@ export class RunPage {
       if (!this.view) this.busy();
       wanted = await this.drawPanel(wanted);
       if (number !== this.asked) return;
+    }
+    if (wanted.layout === 'compare' && !wanted.pivot.other) {
+      this.unbusy();
+      this.drop();
+      this.viewKey = undefined;
+      fill(this.tools);
+      fill(
+        this.gridArea,
+        h(
+          'div',
+          {class: 'card'},
+          h('p', {class: 'message'}, t('compareNone')),
+          h('a', {class: 'primary-link', href: this.filterAddress()}, t('changeFilter')),
+        ),
+      );
+      return;
     }
     const {frozen} = wanted;
     const asked = askedOf(wanted);
@@ -391,7 +444,7 @@ export class RunPage {
           this.ready = null;
         } else {
           this.forgetReady();
-          view = await (wanted.pivot ? api.makePivot : api.makeView)(this.id, asked);
+          view = await makerOf(wanted)(this.id, asked);
         }
       }
     } catch (error) {
@@ -492,7 +545,7 @@ export class RunPage {
     this.widths = new Map(Object.entries(JSON.parse(localStorage.getItem(this.widthsKey()) ?? '{}')));
     const layout = this.report.layouts.find((one) => one.name === view.layout);
     const grid = (this.grid = new Grid({
-      name: t('gridName', {title: this.title, layout: pivot ? t('pivot') : caption(layout?.caption)}),
+      name: t('gridName', {title: this.title, layout: pivot ? t(wanted.layout) : caption(layout?.caption)}),
       view: {...view, ...shown},
       rows: new Picked(rows, shown.indexes),
       widths: this.widths,
@@ -618,15 +671,21 @@ export class RunPage {
       notice(t('pivotNoFigure'));
       return;
     }
+    if (this.wanted.pivot.other && !/^(one|other)\//.test(column.name)) {
+      notice(t('compareNoRows'));
+      return;
+    }
     clearTimeout(this.placeTimer);
     putPlace(this.query, Math.max(0, this.grid.active.row), column.name);
     go(['run', this.id], this.query, {replace: true, quiet: true});
     try {
-      const {where} = await api.behind(this.id, this.view.id, row.n, index);
+      const {where, run} = await api.behind(this.id, this.view.id, row.n, index);
       const query = new URLSearchParams(this.query);
       for (const name of ['row', 'at', 'folded']) query.delete(name);
       const none = {columns: [], sort: [], groupBy: [], allColumns: false, details: false, frozen: null};
-      go(['run', this.id], putView(query, {...none, layout: 'lines', where}));
+      // Another run's rows stand on its own page, whose address begins anew.
+      const shown = run ? new URLSearchParams({report: this.reportName}) : query;
+      go(['run', String(run ?? this.id)], putView(shown, {...none, layout: 'lines', where}));
     } catch (error) {
       this.lost(error);
     }
@@ -902,6 +961,11 @@ function columnsShown(view, rows) {
     columns: indexes.map((index) => view.columns[index]),
     totals: (view.totals ?? []).map((total) => ({...total, cells: indexes.map((index) => total.cells[index])})),
   };
+}
+
+function makerOf({layout, pivot}) {
+  if (layout === 'compare') return api.makeComparison;
+  return pivot ? api.makePivot : api.makeView;
 }
 
 // What the server is asked for to show it.

@@ -256,6 +256,15 @@ const catalogue = {
   share_column: ['占列%', ', % of column'],
   share_total: ['占总计%', ', % of total'],
 
+  // comparing
+  compare: ['对比', 'Compare'],
+  compareWith: ['与', 'With'],
+  compareNone: [
+    '还没有同一报表的其他运行。请用另外的筛选再运行一次，例如另一年度、期间或仓库。',
+    'There is no other run of this report yet. Run it again with another filter: another year, period or warehouse.',
+  ],
+  compareNoRows: ['请点某一方的数值查看其明细行。', 'Choose a figure of one side to list its rows.'],
+
   // charts
   charts: ['图表', 'Charts'],
   chart: ['图表', 'Chart'],
