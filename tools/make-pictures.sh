@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Makes the pictures of docs/pictures anew: each layout of each report, and a pivot, as `--format html` writes it, with the
-# settings of ./demo.sh, and the desk with a ledger and with a chart, photographed by Chromium and brought down to few
-# colours. Needs build/native/bin/quillon, what tools/setup-browser.sh installs for the desk's tests, and pngquant.
+# settings of ./demo.sh, and the desk with a ledger, with a chart and with the checks of an account, photographed by Chromium
+# and brought down to few colours. Needs build/native/bin/quillon, what tools/setup-browser.sh installs for the desk's tests,
+# and pngquant.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -83,9 +84,26 @@ picture fx-wt vouchers 1340,700 --set Inventory.cInvCode=0301-00237 --set cWhCod
 picture fx-wt lines 1360,560 --set Inventory.cInvCode=0301-00237 --set cWhCode=07 "${spring[@]}" \
   --columns dKeepDate,cVouCode,cInvCode,cInvName,iAInQuantity,iAInPrice,iAOutQuantity,iAOutPrice,cfxCode,cfxName,iUnitUsed,iUnitCost,iIteminPrice,iItemOutPrice
 
-"$quillon" serve --account "$account" >"$work/link" &
-desk=$!
-until [ -s "$work/link" ]; do sleep 0.1; done
+serve() {
+  : >"$work/link"
+  "$quillon" serve --account "$account" >"$work/link" &
+  desk=$!
+  until [ -s "$work/link" ]; do sleep 0.1; done
+}
+
+serve
 node tools/picture_desk.mjs "$(cat "$work/link")" "$work/desk.png" "$work/desk-chart.png"
+kill "$desk"
 keep desk
 keep desk-chart
+
+# Cost items that do not sum to their line, and one whose class is not there.
+"$quillon" sql --account "$account" <<'END'
+Update ia_subsidiary_Item Set iItemInPrice = iItemInPrice + 0.05 Where AutoID In (Select Top 6 Min(AutoID)
+  From ia_subsidiary_Item Where bRdFlag = 1 And iMonth > 0 And iYear = 2024 Group By iSubID Order By iSubID)
+go
+Update Ca_FxDef Set cFxCID = 999 Where iFxID = (Select Max(iFxID) From Ca_FxDef)
+END
+serve
+node tools/picture_desk.mjs "$(cat "$work/link")" --checks "$work/desk-checks.png"
+keep desk-checks

@@ -1,10 +1,11 @@
 // Makes two pictures of the desk: opens its link, fills in the detail ledger's filter, runs it and photographs the result; the
-// same with a chart of the outbound summary.
+// same with a chart of the outbound summary. With --checks, one of the checks of the account.
 // tools/make-pictures.sh calls it. Usage: picture_desk.mjs LINK LEDGER.png CHART.png
+//                                         picture_desk.mjs LINK --checks CHECKS.png
 import {createRequire} from 'node:module';
 import {fileURLToPath} from 'node:url';
 
-const [link, ledger, chart] = process.argv.slice(2);
+const [link, ...pictures] = process.argv.slice(2);
 const libraries = fileURLToPath(new URL('../.deps/browser/node_modules/', import.meta.url));
 const {chromium} = createRequire(libraries)(`${libraries}playwright-core`);
 
@@ -12,9 +13,8 @@ const browser = await chromium.launch({
   executablePath: '/usr/bin/chromium',
   args: process.getuid() === 0 ? ['--no-sandbox'] : [], // which Chromium refuses to root; the pages are our own
 });
-try {
-  const page = await browser.newPage({locale: 'zh-CN', viewport: {width: 1760, height: 740}});
-  await page.goto(link);
+// The detail ledger, with one line folded out, and a chart of the outbound summary.
+async function photographReports(page, ledger, chart) {
   await page.goto(`${new URL(link).origin}/#/report/fx-detail?f.cInvCode=0301-00237&f.cWhCode=07`);
   await page.waitForSelector('main:not([aria-busy]) .field');
   await page.waitForLoadState('networkidle');
@@ -39,6 +39,21 @@ try {
   await page.waitForSelector('.charts:not([aria-busy]) canvas');
   await page.waitForLoadState('networkidle');
   await page.screenshot({path: chart});
+}
+
+// The checks of an account that has errors, with the rows of the first.
+async function photographChecks(page, checks) {
+  await page.goto(`${new URL(link).origin}/#/checks?check=line-sum`);
+  await page.waitForSelector('.found tbody tr');
+  await page.evaluate(() => document.querySelector('.titles .muted').remove()); // when they were made
+  await page.screenshot({path: checks});
+}
+
+try {
+  const page = await browser.newPage({locale: 'zh-CN', viewport: {width: 1760, height: 740}});
+  await page.goto(link);
+  if (pictures[0] === '--checks') await photographChecks(page, pictures[1]);
+  else await photographReports(page, ...pictures);
 } finally {
   await browser.close();
 }
