@@ -1,9 +1,11 @@
 // The interface's comparisons: the figures of two runs side by side, the rows behind them, files.
+#include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "tests/workbench/desk/desk_test_base.h"
 
@@ -75,7 +77,7 @@ TEST_F(DeskComparisons, HaveTheFiguresOfBothRunsOnEveryLevel) {
   EXPECT_GT(alone, 3U) << "rows of one side are there";
   EXPECT_GT(kinds["subtotal"], 1);
   EXPECT_EQ(kinds["total"], 1);
-  EXPECT_EQ(both + alone, kinds["line"] + kinds["subtotal"] + 1U);
+  EXPECT_EQ(both + alone, static_cast<std::size_t>(kinds["line"] + kinds["subtotal"] + kinds["total"]));
 }
 
 TEST_F(DeskComparisons, AreOrderedByTheDifferenceAndFolded) {
