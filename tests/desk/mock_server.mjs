@@ -629,6 +629,8 @@ export async function startMock(port = 0) {
   const dialogs = new Map();
   const runs = new Map();
   const filters = new Map();
+  const layouts = new Map();
+  const plainLayout = {columns: [], sort: [], groupBy: [], allColumns: false, details: false, pivot: null};
   const of = (map, id, what) => {
     const found = map.get(String(id));
     if (!found) throw new Refusal(404, 'unknown', `no ${what} ${id}`);
@@ -707,6 +709,18 @@ export async function startMock(port = 0) {
         return {};
       case 'DELETE filters/ID':
         filters.delete(id);
+        return {};
+      case 'GET layouts':
+        return [...layouts.values()]
+          .filter((one) => !query.get('report') || one.report === query.get('report'))
+          .map(({name, report, changed}) => ({name, report, changed}));
+      case 'GET layouts/ID':
+        return of(layouts, id, 'layout');
+      case 'PUT layouts/ID':
+        layouts.set(id, {...plainLayout, ...body, name: id, changed: new Date().toISOString()});
+        return {};
+      case 'DELETE layouts/ID':
+        layouts.delete(id);
         return {};
       case 'POST runs':
         if (body.dialog !== undefined && !of(dialogs, body.dialog, 'dialog').accepted)

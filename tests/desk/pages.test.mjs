@@ -16,6 +16,7 @@ const {grouped} = await import('../../workbench/desk/pages/checks.js');
 const {comparable, compareIn, firstComparison} = await import('../../workbench/desk/pages/compare.js');
 const {chartIn, chartsOffered, pivotOfChart, putChart, withAllMonths} = await import('../../workbench/desk/pages/charts.js');
 const {bySize, exact, exactText, minus, plus, quotient} = await import('../../workbench/desk/pages/exact.js');
+const {keptOf, putKept} = await import('../../workbench/desk/pages/layouts.js');
 const {seconds} = await import('../../workbench/desk/pages/texts.js');
 
 const again = (query) => new URLSearchParams(query.toString());
@@ -64,6 +65,30 @@ test('so does what is shown, and the place', () => {
   assert.equal(putView(again(putView(new URLSearchParams(), view)), plain).toString(), '');
   assert.deepEqual(placeIn(again(putPlace(new URLSearchParams(), 699999, 'cMemo'))), {row: 699999, column: 'cMemo'});
   assert.deepEqual(placeIn(new URLSearchParams('row=x')), {row: 0, column: ''});
+});
+
+test('a layout is kept without its rows, and put over another', () => {
+  const shown = new URLSearchParams(
+    'report=outsum-item&f.iYear=2024&layout=lines&columns=a,b&sort=-b&group=c&where=b:range:1\t&all=1&row=9&at=b&frozen=1',
+  );
+  const kept = keptOf(shown, 'summary');
+  const sort = [{column: 'b', descending: true}];
+  assert.deepEqual(kept, {layout: 'lines', columns: ['a', 'b'], sort, groupBy: ['c'], allColumns: true, details: false});
+  assert.equal(keptOf(new URLSearchParams(), 'summary').layout, 'summary');
+
+  const filter = 'report=outsum-item&f.iYear=2023';
+  const over = again(putKept(new URLSearchParams(`${filter}&layout=tree&where=x:equals:1&row=3`), kept, 'summary'));
+  assert.equal(over.toString(), `${new URLSearchParams(`${filter}&layout=lines&columns=a,b&sort=-b&group=c&all=1`)}`);
+  const same = putKept(new URLSearchParams(`${filter}&layout=lines&where=x:equals:1&frozen=2`), kept, 'summary');
+  assert.equal(same.get('where'), 'x:equals:1');
+  assert.equal(same.get('frozen'), null);
+
+  const pivot = {rows: ['r'], columns: ['c'], measures: ['amount'], sort: []};
+  const asPivot = putKept(shown, {...kept, layout: 'pivot', columns: [], sort: [], groupBy: [], allColumns: false, pivot}, 'summary');
+  assert.deepEqual(pivotIn(asPivot), pivot);
+  assert.deepEqual(keptOf(asPivot, 'summary'), {layout: 'pivot', pivot});
+  const compared = keptOf(new URLSearchParams('layout=compare&with=2&rows=r&figures=amount&order=difference'), 'summary');
+  assert.deepEqual(compared, {layout: 'pivot', pivot: {...pivot, columns: []}});
 });
 
 const answering =

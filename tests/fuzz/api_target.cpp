@@ -44,13 +44,16 @@ class Place {
 
   fs::path file() const { return folder_ / "a.account"; }
   fs::path filters() const { return folder_ / "filters"; }
+  fs::path layouts() const { return folder_ / "layouts"; }
   std::string name() const { return utf8FromPath(folder_); }
 
   void check() const {
     require(fs::last_write_time(file()) == written_, "the account is only read");
     for (const auto& entry : fs::directory_iterator(folder_))
-      require(entry.path() == file() || entry.path() == filters(), "nothing is written beside the filters");
+      require(entry.path() == file() || entry.path() == filters() || entry.path() == layouts(),
+              "nothing is written beside filters and layouts");
     fs::remove_all(filters());
+    fs::remove_all(layouts());
   }
 
  private:
@@ -114,6 +117,7 @@ void checkApi(std::string_view input) {
   {
     DeskApi api({.account = workbench::AccountSource::inFile(place.file()),
                  .filters = workbench::SavedFilters(place.filters()),
+                 .layouts = workbench::KeptLayouts(place.layouts()),
                  .limits = {.dialogs = 2, .runs = 2, .running = 1, .run = {.views = 2}}});
     for (int i = 0; i < mostRequests && !input.empty(); ++i) {
       const std::string_view line = takeLine(input);

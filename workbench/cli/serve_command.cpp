@@ -40,6 +40,7 @@ void runServe(const ServeOptions& options, std::ostream& out, std::ostream& note
   options.account.readOnly().open(tsql::OpenMode::readOnly);
   desk::DeskApi handler({.account = options.account,
                          .filters = SavedFilters::ofUser(),
+                         .layouts = KeptLayouts::ofUser(),
                          .version = QUILLON_VERSION,
                          .licences = licences()});
   desk::ServerLimits limits;

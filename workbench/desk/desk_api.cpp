@@ -11,6 +11,7 @@
 #include "workbench/account/account.h"
 #include "workbench/catalogue/catalogue.h"
 #include "workbench/desk/json_forms.h"
+#include "workbench/desk/layout_forms.h"
 #include "workbench/desk/request_body.h"
 #include "workbench/messages/filter.h"
 #include "workbench/platform/filter_file.h"
@@ -119,7 +120,9 @@ std::string changedAt(const std::filesystem::path& file) {
 }  // namespace
 
 DeskApi::DeskApi(DeskOptions options)
-    : options_(std::move(options)), discretion_(options_.account, {options_.filters.folder()}), sweeper_([this] {
+    : options_(std::move(options)),
+      discretion_(options_.account, {options_.filters.folder(), options_.layouts.folder()}),
+      sweeper_([this] {
         std::unique_lock lock(mutex_);
         while (!ending_.wait_for(lock, options_.limits.sweep, [this] { return ended_; })) {
           lock.unlock();
@@ -187,6 +190,7 @@ DeskResponse DeskApi::answer(const DeskRequest& request, const Parts& parts) {
   if (what == "account") return answerAccount(request, parts);
   if (what == "dialogs") return answerDialogs(request, parts);
   if (what == "filters") return answerFilters(request, parts);
+  if (what == "layouts") return answerLayouts(request, parts);
   if (what == "runs") return answerRuns(request, parts);
   if (!is(request, parts, "GET", 1)) refuseAddress();
   if (what == "about") return jsonAnswer(about());
@@ -392,6 +396,55 @@ void DeskApi::saveFilter(const std::string& name, const Json& body, Language lan
     if (!entry->value.empty() || !entry->value2.empty()) given.insert(entry.get());
   }
   options_.filters.save(name, filterFileText(filter, given, languageIn(body, language)), true);
+}
+
+// --- Kept layouts ---------------------------------------------------------------------------------------------------
+
+DeskResponse DeskApi::answerLayouts(const DeskRequest& request, const Parts& parts) {
+  if (is(request, parts, "GET", 1)) return jsonAnswer(listLayouts(textOf(request.query, "report")));
+  if (parts.size() != 2) refuseAddress();
+  const std::string& name = parts[1];
+  if (request.method == "PUT") {
+    keepLayout(name, bodyOf(request.body));
+    return jsonAnswer(Json::object());
+  }
+  if (request.method != "GET" && request.method != "DELETE") refuseAddress();
+  if (!options_.layouts.has(name)) throw unknown(messages::noSuchLayoutKept(name));
+  if (request.method == "GET") return jsonAnswer(layout(name));
+  options_.layouts.remove(name);
+  return jsonAnswer(Json::object());
+}
+
+Json DeskApi::listLayouts(const std::string& report) const {
+  Json list = Json::array();
+  for (const std::string& name : options_.layouts.names()) {
+    Json ofReport;
+    try {
+      ofReport = options_.layouts.read(name).report;
+    } catch (const UserError&) {
+      // It is listed; whoever opens it hears what is wrong.
+    }
+    if (report.empty() || ofReport == report)
+      list.push_back({{"name", name}, {"report", ofReport}, {"changed", changedAt(options_.layouts.path(name))}});
+  }
+  return list;
+}
+
+Json DeskApi::layout(const std::string& name) const {
+  const KeptLayout kept = options_.layouts.read(name);
+  Json answer = {{"name", name}, {"report", kept.report}, {"changed", changedAt(options_.layouts.path(name))}};
+  answer.update(formOfLayout(kept));
+  return answer;
+}
+
+void DeskApi::keepLayout(const std::string& name, const Json& body) const {
+  const KeptLayout kept = keptLayoutOf(body, reportIn(body));
+  try {
+    options_.layouts.requireFreeFor(name, kept.report, true);
+  } catch (const UserError& error) {
+    throw ApiError(422, "name", error.message());
+  }
+  options_.layouts.keep(name, kept, true);
 }
 
 // --- Runs -----------------------------------------------------------------------------------------------------------

@@ -1,4 +1,4 @@
-// The desk's JSON interface (docs/desk.md): the account, dialogs, saved filters, runs and what comes of them.
+// The desk's JSON interface (docs/desk.md): the account, dialogs, saved filters and layouts, runs and what comes of them.
 #pragma once
 
 #include <chrono>
@@ -20,6 +20,7 @@
 #include "workbench/desk/run_session.h"
 #include "workbench/platform/account_source.h"
 #include "workbench/platform/saved_filters.h"
+#include "workbench/runs/kept_layouts.h"
 
 namespace quillon::workbench::desk {
 
@@ -42,6 +43,7 @@ struct DeskLimits {
 struct DeskOptions {
   AccountSource account;
   SavedFilters filters;
+  KeptLayouts layouts;
   std::string version = {};
   std::vector<Licence> licences = {};
   DeskLimits limits = {};
@@ -68,6 +70,7 @@ class DeskApi final : public DeskHandler {
   DeskResponse answerAccount(const DeskRequest& request, const Parts& parts);
   DeskResponse answerDialogs(const DeskRequest& request, const Parts& parts);
   DeskResponse answerFilters(const DeskRequest& request, const Parts& parts);
+  DeskResponse answerLayouts(const DeskRequest& request, const Parts& parts);
   DeskResponse answerRuns(const DeskRequest& request, const Parts& parts);
   static DeskResponse answerPivots(const DeskRequest& request, const Parts& parts, RunSession& run);
   DeskResponse answerComparisons(const DeskRequest& request, const Parts& parts, RunSession& run);
@@ -84,6 +87,9 @@ class DeskApi final : public DeskHandler {
   Json listFilters(const std::string& report) const;
   Json filter(const std::string& name) const;
   void saveFilter(const std::string& name, const Json& body, Language language) const;
+  Json listLayouts(const std::string& report) const;
+  Json layout(const std::string& name) const;
+  void keepLayout(const std::string& name, const Json& body) const;
   std::shared_ptr<DialogSession> dialog(const std::string& id);
   std::shared_ptr<RunSession> run(const std::string& id);
   // The result of a run for a view of the other run that compares the two.

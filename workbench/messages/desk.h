@@ -34,6 +34,7 @@ inline constexpr Text<1> noSuchRun{"没有运行 {1}，可能已关闭", "there 
 inline constexpr Text<1> noSuchView{"没有视图 {1}，可能已关闭", "there is no view {1}; it may have been closed"};
 inline constexpr Text<1> noSuchRowOfView{"视图没有第 {1} 行", "the view has no row {1}"};
 inline constexpr Text<1> noSuchColumnOfView{"视图没有第 {1} 列", "the view has no column {1}"};
+inline constexpr Text<1> noSuchLayoutKept{"没有名为“{1}”的版式", "there is no layout \"{1}\""};
 inline constexpr Text<1> noSuchFilter{"没有名为“{1}”的过滤条件", "there is no filter \"{1}\""};
 inline constexpr Text<1> itemUnknown{"此报表没有过滤项“{1}”", "this report has no filter item \"{1}\""};
 inline constexpr Text<2> layoutUnknown{"{1} 没有版式“{2}”", "{1} has no layout \"{2}\""};

@@ -43,7 +43,7 @@ Update Ca_FxDef Set cFxCID = 999 Where iFxID = (Select Max(iFxID) From Ca_FxDef)
 };
 const ofDouble = 'double.test.mjs';
 // The double's files and figures are made up.
-const ofServer = ['charts.test.mjs', 'compare.test.mjs', 'checks.test.mjs', 'export.test.mjs', 'ledger.test.mjs', 'pivot.test.mjs'];
+const ofServer = ['charts', 'checks', 'compare', 'export', 'layouts', 'ledger', 'pivot'].map((name) => `${name}.test.mjs`);
 
 const files = readdirSync(folder).filter((name) =>
   given.length > 0

@@ -36,8 +36,9 @@ class DeskChecks : public test::DeskTest {
 
   // A desk over another account.
   void openOver(const std::filesystem::path& file) {
-    api_ = std::make_unique<DeskApi>(
-        DeskOptions{.account = AccountSource::inFile(file), .filters = SavedFilters(filters_.path())});
+    api_ = std::make_unique<DeskApi>(DeskOptions{.account = AccountSource::inFile(file),
+                                                 .filters = SavedFilters(filters_.path()),
+                                                 .layouts = KeptLayouts(layouts_.path())});
   }
   // Starts the checks and waits for their end.
   Json checked() {

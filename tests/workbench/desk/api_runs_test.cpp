@@ -609,8 +609,9 @@ TEST_F(DeskRuns, AViewThatNobodyUsesIsClosed) {
 
 TEST_F(DeskRuns, AnErrorOfTheAccountShowsNoPath) {
   const std::filesystem::path gone = accountFile().parent_path() / "quillon-no-such.account";
-  api_ = std::make_unique<DeskApi>(
-      DeskOptions{.account = AccountSource::inFile(gone), .filters = SavedFilters(filters_.path())});
+  api_ = std::make_unique<DeskApi>(DeskOptions{.account = AccountSource::inFile(gone),
+                                               .filters = SavedFilters(filters_.path()),
+                                               .layouts = KeptLayouts(layouts_.path())});
   const test::Answer account = ask("GET", "account");
   EXPECT_EQ(account.status, 503);
   EXPECT_THAT(account.message(), HasSubstr("quillon-no-such.account"));

@@ -55,12 +55,14 @@ class DeskTest : public testing::Test {
     api_.reset();
     std::error_code ignored;
     std::filesystem::remove_all(filters_.path(), ignored);
+    std::filesystem::remove_all(layouts_.path(), ignored);
   }
 
   void open(DeskLimits limits) {
     api_.reset();
     api_ = std::make_unique<DeskApi>(DeskOptions{.account = AccountSource::inFile(account_->path()),
                                                  .filters = SavedFilters(filters_.path()),
+                                                 .layouts = KeptLayouts(layouts_.path()),
                                                  .version = "1.0.0",
                                                  .licences = {{"regular-table", "Apache-2.0", "words"}},
                                                  .limits = limits});
@@ -125,6 +127,7 @@ class DeskTest : public testing::Test {
   static const std::filesystem::path& accountFile() { return account_->path(); }
 
   TemporaryFile filters_{".filters"};
+  TemporaryFile layouts_{".layouts"};
   std::unique_ptr<DeskApi> api_;
   Language language_ = Language::english;  // of the requests
 

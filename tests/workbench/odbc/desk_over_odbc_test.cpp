@@ -15,8 +15,9 @@ class DeskOverOdbc : public test::DeskTest {
   void SetUp() override { api_ = deskOn(AccountSource(odbc::test::EngineServer::connectionString())); }
 
   std::unique_ptr<DeskApi> deskOn(AccountSource account) const {
-    return std::make_unique<DeskApi>(
-        DeskOptions{.account = std::move(account), .filters = SavedFilters(filters_.path())});
+    return std::make_unique<DeskApi>(DeskOptions{.account = std::move(account),
+                                                 .filters = SavedFilters(filters_.path()),
+                                                 .layouts = KeptLayouts(filters_.path())});
   }
   static std::vector<std::string> tables() {
     return tsql::Connection::open(accountFile(), tsql::OpenMode::readOnly)->tables("");

@@ -97,6 +97,11 @@ export const api = {
   saveFilter: (name, report, values) => call('PUT', `filters/${part(name)}`, {report, values}),
   deleteFilter: (name) => remove(`filters/${part(name)}`),
 
+  layouts: (report) => get(`layouts?report=${part(report)}`),
+  layout: (name) => get(`layouts/${part(name)}`),
+  saveLayout: (name, layout) => call('PUT', `layouts/${part(name)}`, layout),
+  deleteLayout: (name) => remove(`layouts/${part(name)}`),
+
   startRun: (report, lang, values, dialog) => post('runs', {report, lang, values, ...(dialog ? {dialog} : {})}),
   runs: () => get('runs'),
   runInfo: (id) => get(`runs/${part(id)}`),

@@ -11,6 +11,7 @@ import {showDocuments} from './document.js';
 import {button, fill, h, notice, say} from './dom.js';
 import {openExport} from './export.js';
 import {Grid, isNumber} from './grid.js';
+import {keptOf, openLayouts, putKept} from './layouts.js';
 import {Folds} from './ledger.js';
 import {
   PivotPanel,
@@ -834,6 +835,17 @@ export class RunPage {
       }
     };
     const out = button(`${t('export')} ▾`, openOut, {'aria-haspopup': 'dialog'});
+    const first = this.report.layouts[0].name;
+    const layouts = button(
+      `${t('keptLayouts')} ▾`,
+      () =>
+        openLayouts(layouts, {
+          report: this.reportName,
+          kept: () => keptOf(this.query, first),
+          take: (kept) => go(['run', this.id], putKept(this.query, kept, first)),
+        }),
+      {'aria-haspopup': 'dialog'},
+    );
     const folding = wanted.pivot?.rows.length > 1 && [
       button(t('pivotFoldAll'), () => this.rows.foldAll().catch((error) => this.lost(error))),
       button(t('pivotUnfoldAll'), () => this.rows.fold([])),
@@ -867,6 +879,7 @@ export class RunPage {
         folding,
         this.goToInput,
         !wanted.pivot && columns,
+        layouts,
         out,
       ),
       this.chips(wanted),

@@ -62,6 +62,12 @@ const catalogue = {
   deleteNamed: ['删除 {name}', 'Delete {name}'],
   deleteAsk: ['要删除方案“{name}”吗？', 'Delete the filter “{name}”?'],
   layouts: ['格式', 'Layouts'],
+  keptLayouts: ['保存的格式', 'Saved layouts'],
+  noKeptLayouts: ['此报表还没有保存的格式。', 'None of this report yet.'],
+  layoutTaken: ['“{name}”已存在，要替换吗？', '“{name}” is there already. Replace it?'],
+  replace: ['替换', 'Replace'],
+  deleteLayoutAsk: ['要删除格式“{name}”吗？', 'Delete the layout “{name}”?'],
+  deletedNamed: ['已删除“{name}”', 'Deleted “{name}”'],
   opensDocuments: ['可联查单据', 'Opens documents'],
 
   checkAccount: ['检查账套…', 'Check the account…'],
