@@ -12,6 +12,7 @@
 #include "workbench/platform/json_file.h"
 #include "workbench/platform/json_schema.h"
 #include "workbench/platform/user_error.h"
+#include "workbench/runs/run_monitor.h"
 #include "workbench/tsql/values/utf8_path.h"
 
 namespace quillon::workbench {
