@@ -51,7 +51,7 @@ class Verify : public testing::Test {
   fs::path write(
       const std::string& file, const std::string& report, const std::vector<std::string>& settings,
       const std::function<void(ReportOptions&)>& change = [](ReportOptions&) {}) const {
-    const fs::path path = folder_ / file;
+    fs::path path = folder_ / file;
     ReportOptions options{.report = report,
                           .account = AccountSource::inFile(account()),
                           .settings = settings,
