@@ -68,11 +68,11 @@ TEST(WrongUsage, SuggestsTheCommandThatWasMeant) {
             "there is no command \"nwe\" of quillon account; did you mean new? See quillon account --help");
   EXPECT_EQ(
       wrongUsage({"print"}),
-      "there is no command \"print\"; the commands are account, dialog, drill, filters, help, list, report, serve, sql, "
-      "trace; see quillon --help");
+      "there is no command \"print\"; the commands are account, book, dialog, drill, filters, help, layouts, list, report, "
+      "serve, sql, trace, verify; see quillon --help");
   EXPECT_EQ(
       wrongUsage({}),
-      "name a command: account, dialog, drill, filters, help, list, report, serve, sql, trace; see quillon --help");
+      "name a command: account, book, dialog, drill, filters, help, layouts, list, report, serve, sql, trace, verify; see quillon --help");
   EXPECT_THAT(wrongUsage({"account"}), StartsWith("name a command: new, info, check, clean, "));
 }
 

@@ -49,7 +49,9 @@ class OverOdbc : public testing::Test {
   void expectSame(Command command) {
     const std::string embedded = command(file());
     const int before = server_.batches;
-    const std::string remote = command(odbc::test::EngineServer::connectionString());
+    // Fingerprints name the database as they name a file.
+    const std::string database = utf8FromPath(file_->path().filename());
+    const std::string remote = command("Database=" + database + ";" + odbc::test::EngineServer::connectionString());
     EXPECT_EQ(remote, embedded);
     EXPECT_GT(embedded.size(), 100U) << "there is something to compare";
     EXPECT_GT(server_.batches, before) << "the server was asked";
