@@ -11,20 +11,22 @@ if (pictures) mkdirSync(pictures, {recursive: true});
 let browser;
 let page;
 const numbers = []; // of the two runs
-let views = []; // that the page has opened, the newest last
 before(async () => {
   browser = await startBrowser();
   page = await openDesk(browser);
-  page.on('response', async (response) => {
-    if (response.request().method() !== 'POST' || !/\/(views|pivots|comparisons)$/.test(response.url())) return;
-    const view = await response.json().catch(() => null);
-    if (view?.id) views.push({...view, path: new URL(response.url()).pathname.replace(/\w+$/, `views/${view.id}`)});
-  });
 });
 after(() => browser.close());
 
 const runNumber = () => /#\/run\/(\d+)/.exec(page.url())[1];
 const hundredths = (text) => BigInt((text ?? '0.00').replaceAll(/[,.]/g, ''));
+
+// The view that the page opens by what is done, and its path.
+async function viewOpenedBy(kind, act, on = page) {
+  const isIt = (response) => response.request().method() === 'POST' && response.url().endsWith(`/${kind}`);
+  const [response] = await Promise.all([on.waitForResponse(isIt), act()]);
+  const view = await response.json();
+  return {...view, path: new URL(response.url()).pathname.replace(/\w+$/, `views/${view.id}`)};
+}
 
 async function rowsOf(view) {
   const rows = [];
@@ -51,10 +53,11 @@ async function pivotOf(run, asked) {
 }
 
 async function showComparison(query, on = page) {
-  await on.goto(`${address}/#/run/${numbers[0]}?report=outsum-item&layout=compare&with=${numbers[1]}&${query}`);
+  const hash = `#/run/${numbers[0]}?report=outsum-item&layout=compare&with=${numbers[1]}&${query}`;
+  const view = await viewOpenedBy('comparisons', () => on.goto(`${address}/${hash}`), on);
   await on.waitForSelector('.grid-area.pivot .grid');
   await waitForGrid(on);
-  return views.at(-1);
+  return view;
 }
 
 test('without another run of the report, it says how to get one', async () => {
@@ -129,12 +132,10 @@ test('the rows behind a figure are those of its run, and Back leads to it', asyn
     [1, numbers[0]],
     [2, numbers[1]],
   ]) {
-    const known = views.length;
-    await page.click(`regular-table tbody tr.kind-line >> nth=0 >> [aria-colindex="${column + 1}"]`);
+    const cell = `regular-table tbody tr.kind-line >> nth=0 >> [aria-colindex="${column + 1}"]`;
+    const listed = await viewOpenedBy('views', () => page.click(cell));
     await page.waitForURL(new RegExp(`#/run/${run}\\?.*layout=lines`));
     await page.waitForSelector('.grid-area:not(.pivot) .grid >> visible=true');
-    await page.waitForFunction((count) => count > 0, views.length - known);
-    const listed = views.at(-1);
     const at = listed.columns.findIndex(({name}) => name === 'iMoney');
     const sum = (await rowsOf(listed)).reduce((all, {cells}) => all + hundredths(cells[at]), 0n);
     assert.equal(sum, hundredths(shown[0].cells[column]));
@@ -146,8 +147,7 @@ test('the rows behind a figure are those of its run, and Back leads to it', asyn
 });
 
 test('a heading orders by its column, and the file has what is shown', async () => {
-  await showComparison('rows=cInvCCode&figures=amount&order=-difference/amount');
-  const shown = await rowsOf(views.at(-1));
+  const shown = await rowsOf(await showComparison('rows=cInvCCode&figures=amount&order=-difference/amount'));
   const differences = shown.slice(0, -1).map(({cells}) => hundredths(cells[3]));
   assert.deepEqual(
     differences,
