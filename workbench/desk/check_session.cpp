@@ -107,20 +107,6 @@ std::int64_t CheckSession::elapsedMs() const {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begun_).count();
 }
 
-const char* CheckSession::nameOf(State state) {
-  switch (state) {
-    case State::running:
-      return "running";
-    case State::done:
-      return "done";
-    case State::failed:
-      return "failed";
-    case State::stopped:
-      break;
-  }
-  return "stopped";
-}
-
 Json CheckSession::info(Language language) const {
   const std::scoped_lock lock(mutex_);
   Json checks = Json::array();

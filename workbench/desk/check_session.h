@@ -12,6 +12,7 @@
 #include "workbench/desk/api_error.h"
 #include "workbench/desk/discretion.h"
 #include "workbench/desk/task_thread.h"
+#include "workbench/desk/work_state.h"
 #include "workbench/platform/language.h"
 #include "workbench/runs/account_check.h"
 
@@ -42,9 +43,8 @@ class CheckSession {
   Json rows(const std::string& check, std::int64_t offset, std::int64_t limit, Language language) const;
 
  private:
-  enum class State { running, done, failed, stopped };
+  using State = WorkState;
   void make(const Work& work);
-  static const char* nameOf(State state);
   std::int64_t elapsedMs() const;
 
   const Discretion& discretion_;

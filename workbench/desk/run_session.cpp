@@ -116,20 +116,6 @@ std::int64_t RunSession::elapsedMs() const {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begun_).count();
 }
 
-std::string_view RunSession::nameOf(State state) {
-  switch (state) {
-    case State::running:
-      return "running";
-    case State::done:
-      return "done";
-    case State::failed:
-      return "failed";
-    case State::stopped:
-      break;
-  }
-  return "stopped";
-}
-
 bool RunSession::running() const {
   const std::scoped_lock lock(mutex_);
   return state_ == State::running;

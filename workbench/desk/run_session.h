@@ -21,6 +21,7 @@
 #include "workbench/desk/task_thread.h"
 #include "workbench/desk/view_export.h"
 #include "workbench/desk/view_window.h"
+#include "workbench/desk/work_state.h"
 #include "workbench/runs/report_run.h"
 
 namespace quillon::workbench::desk {
@@ -74,7 +75,7 @@ class RunSession {
   const Report& report() const { return report_; }
 
  private:
-  enum class State { running, done, failed, stopped };
+  using State = WorkState;
   struct Statement {
     std::string sql;
     std::int64_t startedMs = 0;  // since the run began
@@ -94,7 +95,6 @@ class RunSession {
   std::shared_ptr<MadeReport> result() const;
   std::filesystem::path newFile();
   std::int64_t elapsedMs() const;
-  static std::string_view nameOf(State state);
 
   const std::int64_t id_;
   const Report& report_;
