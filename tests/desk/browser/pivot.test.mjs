@@ -4,6 +4,7 @@ import assert from 'node:assert/strict';
 import {test} from 'node:test';
 import {mkdirSync, readFileSync} from 'node:fs';
 import {
+  allRows,
   address,
   beginDesk,
   browser,
@@ -35,17 +36,7 @@ beginDesk(async () => {
 // An exact number of hundredths.
 const hundredths = (text) => BigInt((text ?? '0.00').replaceAll(/[,.]/g, ''));
 
-async function rowsOf(view) {
-  const rows = [];
-  for (;;) {
-    const answer = await page.evaluate(
-      async (path) => (await fetch(path)).json(),
-      `${view.path}/rows?offset=${rows.length}&limit=1000`,
-    );
-    rows.push(...answer.rows);
-    if (answer.complete && rows.length === answer.rowCount) return rows;
-  }
-}
+const rowsOf = (view) => allRows(page, view.path);
 
 async function showPivot(rows, across, figures, more = '') {
   await page.goto(
