@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/text.h"
+#include "workbench/tsql/binding/binder_core.h"
 #include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/syntax/parser.h"
 #include "workbench/tsql/values/sql_error.h"
@@ -109,20 +110,6 @@ void requireSameCount(std::size_t values, std::size_t targets, const Place& plac
 }
 
 }  // namespace
-
-// One SELECT, bound but not yet put together.
-struct Binder::Core {
-  std::unique_ptr<Scope> scope = std::make_unique<Scope>();
-  std::vector<Fragment> items;
-  std::vector<OutputColumn> columns;
-  int identityItem = -1;
-  std::string from, where, groupBy, having;
-  std::vector<std::string> order;
-  std::vector<RowOrdering::Key> orderKeys;  // the same, where the core has an order of its own
-  bool distinct = false;
-  std::optional<std::int64_t> top;
-  bool oneRowAtMost = false;
-};
 
 // A tree of set operations: a leaf has a core.
 struct Binder::SetOperand {
@@ -315,14 +302,21 @@ void Binder::bindItems(const SelectCore& select, Core& core) {
   }
 }
 
-Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer) {
+Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLoneRows) {
   Core core;
   Scope& scope = *core.scope;
   scope.parent = outer;
+  scope.ofLoneRows = ofLoneRows;
   core.distinct = select.distinct;
   core.top = select.top;
+  const int views = views_;
   if (!select.from.empty()) core.from = from(select.from, scope);
   if (select.where) core.where = condition(*select.where, scope).sql;
+  if (restrictDerived(select, scope)) {
+    scope.sources.clear();
+    views_ = views;
+    core.from = from(select.from, scope);
+  }
   std::vector<std::string> groups;
   for (const ExpressionPtr& expression : select.groupBy) {
     if (containsAggregate(*expression)) {
@@ -337,12 +331,13 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer) {
                      expression->place.line, expression->place.token);
     }
     groups.push_back(value.sql);
-    core.groupBy += (core.groupBy.empty() ? "" : ", ") + collated(settled(value));
+    core.groupBy.push_back(collated(settled(value)));
   }
   const bool aggregated = std::any_of(select.items.begin(), select.items.end(), [](const SelectItem& item) {
     return item.value && containsAggregate(*item.value);
   });
   scope.groups = std::move(groups);
+  restrictGroups(select, core);
   scope.grouped = aggregated || select.having || !select.groupBy.empty();
   scope.aggregatesAllowed = true;
   bindItems(select, core);
@@ -436,7 +431,7 @@ std::string Binder::renderCore(const Core& core, Naming naming, RowOrdering* ord
   if (!core.from.empty()) sql += " FROM " + core.from;
   if (ordering != nullptr) ordering->fromEnd = sql.size();
   if (!core.where.empty()) sql += " WHERE " + core.where;
-  if (!core.groupBy.empty()) sql += " GROUP BY " + core.groupBy;
+  if (!core.groupBy.empty()) sql += " GROUP BY " + joined(core.groupBy, ", ");
   if (!core.having.empty()) sql += " HAVING " + core.having;
   if (ordering != nullptr) ordering->orderBegin = sql.size();
   if (!core.order.empty()) sql += " ORDER BY " + joined(core.order, ", ");
@@ -462,6 +457,11 @@ BoundQuery Binder::queryInto(const Query& query, const std::vector<Target>& targ
                     : setQuery(query, nullptr, Naming::none, &targets);
 }
 
+void Binder::storeItems(Core& core, const std::vector<Target>& targets) {
+  for (std::size_t i = 0; i < core.items.size(); ++i)
+    core.items[i] = stored(core.items[i], targets[i]);
+}
+
 BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, const std::vector<Target>* targets) {
   Core core = bindCore(*query.core, outer);
   if (targets != nullptr) {
@@ -476,15 +476,20 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
   } else {
     bindOrder(query.orderBy, core);
   }
-  if (targets != nullptr) {
-    for (std::size_t i = 0; i < core.items.size(); ++i) {
-      core.items[i] = stored(core.items[i], (*targets)[i]);
+  BoundQuery result;
+  if (targets != nullptr || query.core->into) {
+    result.grouping = wideGrouping(query, core, targets);
+    if (std::string first = orderedFirst(query, core); !first.empty()) {
+      core.from = std::move(first);
+      core.order.clear();
     }
+  }
+  if (targets != nullptr) {
+    storeItems(core, *targets);
   } else if (naming == Naming::none && !query.core->into) {
     for (Fragment& item : core.items)
       item = settled(item);
   }
-  BoundQuery result;
   RowOrdering ordering;
   result.sql = renderCore(core, naming, &ordering);
   if (!core.orderKeys.empty() && !core.distinct && !core.scope->grouped && !core.top) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,12 +41,25 @@ struct RowOrdering {
   std::size_t orderBegin = 0;
 };
 
+// A query that groups the rows of one table by many columns, and its form for a table in which most rows are alone in their
+// group: these are taken as they are, and only the others are sorted and grouped.
+struct WideGrouping {
+  std::string number;             // the row number of a row of the table
+  std::string from;               // the table
+  std::string where;              // which rows count; empty: all
+  std::vector<std::string> keys;  // what is grouped by
+  // The query that calls is_alone(number), which is to be 1 for rows alone in their group alone. Each group of the query
+  // as it was written is a row of it, and nothing else; the rows alone come first.
+  std::string sql;
+};
+
 struct BoundQuery {
   std::string sql;
   std::vector<OutputColumn> columns;
   std::vector<BareColumn> outerReferences;
   bool oneRowAtMost = false;
-  std::optional<RowOrdering> ordering = {};  // nothing: no order, or rows of another kind
+  std::optional<RowOrdering> ordering = {};   // nothing: no order, or rows of another kind
+  std::optional<WideGrouping> grouping = {};  // of a query whose rows are stored: Insert .. Select, Select .. Into
 };
 
 // A table or derived table of a From clause.
@@ -65,6 +79,8 @@ struct Scope {
   bool grouped = false;
   bool aggregatesAllowed = false;
   bool inAggregate = false;
+  bool ofLoneRows = false;                          // each group is one row: an aggregate is that of one value
+  bool needsAggregate = false;                      // it has one that one value does not give by a plain expression
   std::vector<std::string> groups;                  // the SQL of the Group By expressions
   mutable std::vector<BareColumn> outerReferences;  // columns of the scopes around that were used here
 };
@@ -108,7 +124,13 @@ class Binder {
   struct Core;
   struct SetOperand;
 
-  Core bindCore(const SelectCore& core, Scope* outer);
+  // `ofLoneRows`: see Scope.
+  Core bindCore(const SelectCore& core, Scope* outer, bool ofLoneRows = false);
+  static void storeItems(Core& core, const std::vector<Target>& targets);
+  // The first table of the From clause read in the query's order, where the order is one of its rows: narrower to sort
+  // than the query's own rows. Empty: the order is another.
+  std::string orderedFirst(const Query& query, const Core& core) const;
+  std::optional<WideGrouping> wideGrouping(const Query& query, const Core& core, const std::vector<Target>* targets);
   void bindItems(const SelectCore& select, Core& core);
   void expandStar(const SelectItem& item, Core& core);
   // `ordering`, which may be null, gets where the parts of the text end.
@@ -130,14 +152,31 @@ class Binder {
   Fragment unboxed(const Expression& expression, Scope& scope);
   Fragment plainCondition(const Expression& expression, Scope& scope);
 
+  // The expression bound with the source alone in sight; empty: it sees others, or values may end it with an error.
+  std::string boundOn(const Source& source, const Expression& expression) const;
+  // The conditions of the Where clause that see this source only, joined by And; empty: none.
+  std::string conditionsOn(const Source& source, const SelectCore& select) const;
+  // Of a grouped derived table that is joined by what it groups by, those groups suffice whose `column` is among the
+  // `values` of the rows that the query can give. True: there are such tables, to be bound anew.
+  struct Restriction {
+    std::string column, values;
+  };
+  bool restrictDerived(const SelectCore& select, const Scope& scope);
+  void restrictJoined(const TableSource& source, const Source& leading, const std::string& conditions,
+                      const Scope& scope);
+  void restrictGroups(const SelectCore& select, Core& core);
+
   TableLookup& tables_;
   bool exactSums_;
+  std::map<const SelectCore*, std::vector<Restriction>> restrictions_;
   int viewDepth_ = 0;
   int views_ = 0;  // bound so far
 };
 
 // Whether an expression holds an aggregate of its own query (not of a sub-query).
 bool containsAggregate(const Expression& expression);
+// Whether an expression holds a query.
+bool containsQuery(const Expression& expression);
 // The fragment's first column that is neither grouped nor aggregated ends the statement with error 8120; `clause` says
 // where it stands ("select list", "HAVING clause", "ORDER BY clause").
 void requireGrouped(const Fragment& value, const Scope& scope, std::string_view clause);

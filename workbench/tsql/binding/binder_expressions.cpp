@@ -95,6 +95,12 @@ bool containsAggregate(const Expression& expression) {
                      [](const ExpressionPtr& operand) { return operand && containsAggregate(*operand); });
 }
 
+bool containsQuery(const Expression& expression) {
+  return expression.query != nullptr ||
+         std::any_of(expression.operands.begin(), expression.operands.end(),
+                     [](const ExpressionPtr& operand) { return operand && containsQuery(*operand); });
+}
+
 void requireGrouped(const Fragment& value, const Scope& scope, std::string_view clause) {
   if (!scope.grouped) return;
   for (const BareColumn& bare : value.bare) {
@@ -299,7 +305,7 @@ Fragment Binder::aggregateCall(const std::string& name, const Expression& expres
     if (name != "count" && name != "count_big") {
       throw SqlError(102, "Incorrect syntax near '*'.", expression.place.line, "*");
     }
-    result.sql = "count(*)";
+    result.sql = scope.ofLoneRows ? "1" : "count(*)";
     result.type = intType();
     result.magnitude = magnitudeOf(result.type);
   } else {
@@ -311,6 +317,11 @@ Fragment Binder::aggregateCall(const std::string& name, const Expression& expres
     scope.inAggregate = false;
     requireAggregatesAllowed(scopeOfAggregate(argument, scope), expression);
     result = aggregate(name, argument, expression.distinct, exactSums_);
+    if (scope.ofLoneRows) {
+      const std::optional<std::string> one = aggregateOfOne(name, argument);
+      if (!one) scope.needsAggregate = true;
+      result.sql = one.value_or(result.sql);
+    }
     // Columns under an aggregate need not be grouped.
     for (const BareColumn& bare : argument.bare) {
       if (bare.scope != &scope) result.bare.push_back(bare);

@@ -508,12 +508,20 @@ Fragment call(std::string_view function, const std::vector<Fragment>& arguments,
   return result;
 }
 
+namespace {
+
+Aggregate aggregateNamed(std::string_view name) {
+  return name == "sum"   ? Aggregate::sum
+         : name == "avg" ? Aggregate::avg
+         : name == "min" ? Aggregate::min
+         : name == "max" ? Aggregate::max
+                         : Aggregate::count;
+}
+
+}  // namespace
+
 Fragment aggregate(std::string_view name, const Fragment& argument, bool distinct, bool exactSums) {
-  const Aggregate kind = name == "sum"   ? Aggregate::sum
-                         : name == "avg" ? Aggregate::avg
-                         : name == "min" ? Aggregate::min
-                         : name == "max" ? Aggregate::max
-                                         : Aggregate::count;
+  const Aggregate kind = aggregateNamed(name);
   Fragment result;
   result.type = aggregateType(kind, argument.type);
   result.magnitude = magnitudeOf(result.type);
@@ -555,6 +563,32 @@ Fragment aggregate(std::string_view name, const Fragment& argument, bool distinc
       break;
   }
   return result;
+}
+
+std::optional<std::string> aggregateOfOne(std::string_view name, const Fragment& argument) {
+  switch (aggregateNamed(name)) {
+    case Aggregate::count:
+      return "(" + argument.sql + " IS NOT NULL)";
+    case Aggregate::min:
+    case Aggregate::max:
+      return settled(argument).sql;
+    case Aggregate::sum:
+      switch (argument.type.kind) {
+        case Kind::integer:
+          return "exact_check(" + argument.sql + ", " + typeArgument(aggregateType(Aggregate::sum, argument.type)) +
+                 ")";
+        case Kind::real:
+          return "(" + argument.sql + " + 0.0)";  // a sum begins at 0, which makes 0 of -0
+        case Kind::decimal:
+          if (argument.mayOverflow) return {};
+          return argument.sql;
+        default:
+          return argument.sql;
+      }
+    case Aggregate::avg:
+      return {};
+  }
+  return {};
 }
 
 }  // namespace quillon::tsql

@@ -77,6 +77,9 @@ bool isWide(const Fragment& value);
 // `exactSums`: sums of decimals count in 128 bits also where 64 are almost certainly enough.
 Fragment aggregate(std::string_view name, const Fragment& argument, bool distinct, bool exactSums);
 
+// The SQL of what aggregate() gives where the argument has one value; nullopt where that takes more than an expression.
+std::optional<std::string> aggregateOfOne(std::string_view name, const Fragment& argument);
+
 // A call in SQLite's SQL; the result has the arguments' bare columns.
 Fragment call(std::string_view function, const std::vector<Fragment>& arguments, const Type& type);
 // The type as an argument of such a call.

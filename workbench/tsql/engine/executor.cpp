@@ -7,7 +7,6 @@
 #include <deque>
 
 #include "workbench/tsql/binding/sqlite_notation.h"
-#include "workbench/tsql/engine/modification.h"
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/engine/wide_order.h"
@@ -306,7 +305,7 @@ std::int64_t Executor::select(const Statement& s, ResultSink& sink) {
 
 std::int64_t Executor::selectInto(const Statement& s, const ObjectName& target, bool exactSums) {
   Binder binder(catalog_, exactSums);
-  const BoundQuery bound = binder.query(*s.query);
+  BoundQuery bound = binder.query(*s.query);
   std::vector<ColumnDefinition> definitions;
   std::string names;
   const std::vector<Column> shown = resultColumns(bound.columns);
@@ -334,33 +333,40 @@ std::int64_t Executor::selectInto(const Statement& s, const ObjectName& target, 
   }
   Savepoint savepoint(database_);
   const std::shared_ptr<const Table> table = catalog_.createTable(target, definitions, {});
-  Prepared insert(database_, "INSERT INTO " + table->physical + "(" + names + ") " + bound.sql);
-  insert.step();
-  const std::int64_t affected = sqlite3_changes64(database_);
-  insert.reset();
+  const std::string head = "INSERT INTO " + table->physical + "(" + names + ") ";
+  Modification insert{.sql = head + bound.sql, .grouping = std::move(bound.grouping)};
+  if (insert.grouping) insert.grouping->sql.insert(0, head);
+  const std::int64_t affected = change(insert);
   savepoint.keep();
   return affected;
 }
 
-std::string Executor::modification(const Statement& s, bool exactSums) {
+Modification Executor::modificationOf(const Statement& s, bool exactSums) {
   Binder binder(catalog_, exactSums);
   switch (s.kind) {
     case StatementKind::insert:
       return insertStatement(s, binder, takesIdentity(s.target));
     case StatementKind::update:
-      return updateStatement(s, binder);
+      return {updateStatement(s, binder)};
     default:
-      return deleteStatement(s, binder);
+      return {deleteStatement(s, binder)};
   }
+}
+
+std::int64_t Executor::change(const Modification& statement) {
+  const bool byGrouping = statement.grouping && loneRows_.find(database_, *statement.grouping);
+  Prepared prepared(database_, byGrouping ? statement.grouping->sql : statement.sql);
+  prepared.step();
+  const std::int64_t affected = sqlite3_changes64(database_);
+  prepared.reset();
+  loneRows_.forget();
+  return affected;
 }
 
 std::int64_t Executor::modify(const Statement& s) {
   return withWideningSums([&](bool exactSums) {
     Savepoint savepoint(database_);
-    Prepared statement(database_, modification(s, exactSums));
-    statement.step();
-    const std::int64_t affected = sqlite3_changes64(database_);
-    statement.reset();
+    const std::int64_t affected = change(modificationOf(s, exactSums));
     savepoint.keep();
     return affected;
   });
@@ -554,7 +560,7 @@ std::string Executor::translate(std::string_view text) {
       case StatementKind::insert:
       case StatementKind::update:
       case StatementKind::remove:
-        result += modification(*statement, false) + ";\n";
+        result += modificationOf(*statement, false).sql + ";\n";
         break;
       default:
         throw SqlError(40510, "Only SELECT, INSERT, UPDATE and DELETE have a translation to show.",

@@ -11,6 +11,8 @@
 #include "workbench/tsql/binding/binder.h"
 #include "workbench/tsql/engine/catalog.h"
 #include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/engine/lone_rows.h"
+#include "workbench/tsql/engine/modification.h"
 #include "workbench/tsql/syntax/ast.h"
 
 struct sqlite3;
@@ -19,7 +21,9 @@ namespace quillon::tsql {
 
 class Executor {
  public:
-  Executor(sqlite3* database, Catalog& catalog) : database_(database), catalog_(catalog) {}
+  Executor(sqlite3* database, Catalog& catalog) : database_(database), catalog_(catalog) {
+    loneRows_.registerFunction(database);
+  }
 
   // Gives the rows affected by the last statement that counts rows, -1 when none does.
   std::int64_t run(std::string_view batch, ResultSink& sink);
@@ -48,7 +52,9 @@ class Executor {
   void truncate(const Statement& statement);
   void setIdentityInsert(const Statement& statement);
   bool takesIdentity(const ObjectName& table) const;
-  std::string modification(const Statement& statement, bool exactSums);
+  Modification modificationOf(const Statement& statement, bool exactSums);
+  // Runs it, by its grouping where that is worthwhile; gives the rows affected.
+  std::int64_t change(const Modification& statement);
   std::unique_ptr<Cursor> open(const Statement& statement);
   // The same for who reads them one by one.
   std::unique_ptr<Cursor> rowsOf(const Statement& statement);
@@ -56,6 +62,7 @@ class Executor {
   sqlite3* database_;
   Catalog& catalog_;
   std::function<void(const StatementReport&)> observer_;
+  LoneRows loneRows_;
   std::string identityInsert_;  // the table of SET IDENTITY_INSERT .. ON, by its SQLite name
 };
 

@@ -111,23 +111,27 @@ std::string valueRows(const Statement& s, const Table& table, const InsertColumn
   return sql;
 }
 
-std::string selectedRows(const Statement& s, const Table& table, const InsertColumns& columns, Binder& binder) {
+Modification selectedRows(const Statement& s, const Table& table, const InsertColumns& columns, Binder& binder) {
   std::vector<Binder::Target> targets;
   for (const std::size_t column : columns.given)
     targets.push_back(targetOf(table, column));
-  std::string sql;
+  Modification rows;
   try {
-    sql = binder.queryInto(*s.query, targets).sql;
+    BoundQuery query = binder.queryInto(*s.query, targets);
+    rows = {.sql = std::move(query.sql), .grouping = std::move(query.grouping)};
   } catch (const SqlError& error) {
     // No column list means all columns of the table.
     if (!s.columns.empty() || (error.number() != 120 && error.number() != 121)) throw;
     fail(213, "Column name or number of supplied values does not match table definition.", s.target.place);
   }
-  if (columns.omitted.empty()) return sql;
+  if (columns.omitted.empty()) return rows;
   std::string defaults;
   for (const std::size_t column : columns.omitted)
     defaults += ", " + defaultOf(table, column, binder).sql;
-  return "SELECT *" + defaults + " FROM (" + sql + ")";
+  const auto complete = [&](std::string& sql) { sql = "SELECT *" + defaults + " FROM (" + sql + ")"; };
+  complete(rows.sql);
+  if (rows.grouping) complete(rows.grouping->sql);
+  return rows;
 }
 
 // ---- Update and Delete
@@ -241,7 +245,7 @@ std::string limitOf(const Statement& s) {
 
 }  // namespace
 
-std::string insertStatement(const Statement& s, Binder& binder, bool identityInsert) {
+Modification insertStatement(const Statement& s, Binder& binder, bool identityInsert) {
   const std::shared_ptr<const Table> table = binder.table(s.target);
   const InsertColumns columns = insertColumns(s, *table, identityInsert);
   std::string names;
@@ -251,14 +255,18 @@ std::string insertStatement(const Statement& s, Binder& binder, bool identityIns
     names += (names.empty() ? "" : ", ") + quoteName(table->columns[column].name);
   const std::string head = "INSERT INTO " + table->physical;
   if (s.defaultValues) {
-    if (columns.omitted.empty()) return head + " DEFAULT VALUES";
+    if (columns.omitted.empty()) return {head + " DEFAULT VALUES"};
     std::string values;
     for (const std::size_t column : columns.omitted)
       values += (values.empty() ? "" : ", ") + defaultOf(*table, column, binder).sql;
-    return head + "(" + names + ") VALUES (" + values + ")";
+    return {head + "(" + names + ") VALUES (" + values + ")"};
   }
-  return head + "(" + names + ") " +
-         (s.query ? selectedRows(s, *table, columns, binder) : valueRows(s, *table, columns, binder));
+  Modification result =
+      s.query ? selectedRows(s, *table, columns, binder) : Modification{valueRows(s, *table, columns, binder)};
+  const std::string target = head + "(" + names + ") ";
+  result.sql.insert(0, target);
+  if (result.grouping) result.grouping->sql.insert(0, target);
+  return result;
 }
 
 std::string updateStatement(const Statement& s, Binder& binder) {

@@ -95,6 +95,14 @@ const Weights& weights() {
   return table;
 }
 
+// The weight of the character at `position`, which moves past it.
+std::uint32_t readWeight(const Weights& table, std::string_view text, std::size_t& position) {
+  const auto byte = static_cast<unsigned char>(text[position]);
+  if (byte >= 0x80) return table[text::next(text, position)];
+  ++position;
+  return table[byte];
+}
+
 // Reads a text as the places of its letters and digits, each with its accents.
 class Reader {
  public:
@@ -115,14 +123,7 @@ class Reader {
   bool atEnd() const { return atEnd_; }
 
  private:
-  std::uint32_t read() {
-    const auto byte = static_cast<unsigned char>(text_[position_]);
-    if (byte < 0x80) {
-      ++position_;
-      return table_[byte];
-    }
-    return table_[text::next(text_, position_)];
-  }
+  std::uint32_t read() { return readWeight(table_, text_, position_); }
 
   // A combining accent after its letter counts like the accent of a composed letter.
   std::uint32_t followingAccents(std::uint32_t accents) {
@@ -240,6 +241,23 @@ int compareWith(const Weights& table, std::string_view a, std::string_view b) {
 
 int compareText(std::string_view a, std::string_view b) {
   return compareWith(weights(), a, b);
+}
+
+std::uint64_t textFingerprint(std::string_view text) {
+  constexpr std::uint64_t odd = 0x9e3779b97f4a7c15;
+  const Weights& table = weights();
+  std::uint64_t print = 0;
+  std::uint64_t beforeBlanks = 0;
+  std::size_t position = 0;
+  while (position < text.size()) {
+    // Accents, hyphens and apostrophes decide between texts that have all else alike, so they may be left out.
+    const std::uint32_t place = placeOf(readWeight(table, text, position));
+    if (place == 0) continue;
+    print = (print ^ place) * odd;
+    print ^= print >> 29U;
+    if (place != Place::blankPlace) beforeBlanks = print;
+  }
+  return beforeBlanks;
 }
 
 std::uint32_t characterWeight(char32_t character) {

@@ -16,6 +16,9 @@ inline bool equalText(std::string_view a, std::string_view b) {
   return compareText(a, b) == 0;
 }
 
+// The same for texts that are equal by the collation; for others as good as never.
+std::uint64_t textFingerprint(std::string_view text);
+
 // The weight of one character: the same for characters that the collation treats as equal.
 std::uint32_t characterWeight(char32_t character);
 

@@ -54,14 +54,20 @@ Value exactToExact(const Exact& number, const Type& from, const Type& to) {
 
 // The double as a decimal of seventeen digits: with so many, no two doubles have the same digits.
 Exact exactFromDouble(double number, int scale, bool& tooLarge) {
-  std::array<char, 64> buffer{};
-  const int length = std::snprintf(buffer.data(), buffer.size(), "%.16e", std::abs(number));
-  const std::string_view text(buffer.data(), static_cast<std::size_t>(length));
-  const std::size_t e = text.find('e');
-  const std::size_t digits = text[e + 1] == '+' ? e + 2 : e + 1;
-  const int exponent = text::wholeNumber(text.substr(digits)).value_or(0);
-  const Exact mantissa = parseExact(text.substr(0, e)).value_or(Exact());
-  const auto units = rescale(mantissa.units, mantissa.scale - exponent, scale, Rounding::halfAway);
+  constexpr int decimals = 16;
+  std::array<char, 32> buffer{};
+  char* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
+                                  std::chars_format::scientific, decimals)
+                        .ptr;
+  std::int64_t mantissa = buffer[0] - '0';
+  const char* at = buffer.data() + 2;  // past the point
+  for (; *at != 'e'; ++at)
+    mantissa = mantissa * 10 + (*at - '0');
+  ++at;
+  if (*at == '+') ++at;
+  int exponent = 0;
+  std::from_chars(at, end, exponent);
+  const auto units = rescale(mantissa, decimals - exponent, scale, Rounding::halfAway);
   tooLarge = !units;
   if (tooLarge) return {};
   return {number < 0 ? -*units : *units, scale};

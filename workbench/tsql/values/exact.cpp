@@ -194,6 +194,14 @@ std::optional<Int128> rescale(Int128 units, int fromScale, int toScale, Rounding
   const int cut = fromScale - toScale;
   if (cut > maxPrecision) return Int128();
   const Int128 power = powerOfTen(cut);
+  if (units.fitsInt64() && power.fitsInt64()) {
+    // The same in 64 bits, which divide several times as fast.
+    const std::int64_t whole = units.toInt64();
+    const std::int64_t by = power.toInt64();
+    const std::int64_t rest = whole % by;
+    const bool up = rounding == Rounding::halfAway && (rest < 0 ? -rest : rest) >= by - (rest < 0 ? -rest : rest);
+    return whole / by + (up ? (units.negative() ? -1 : 1) : 0);
+  }
   Int128 quotient = units / power;
   if (rounding == Rounding::halfAway) {
     const Int128 rest = magnitudeOf(units % power);

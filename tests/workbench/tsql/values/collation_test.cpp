@@ -47,6 +47,37 @@ TEST(Collation, KeepsAccentsApart) {
   EXPECT_FALSE(equalText("ガ", "カ"));
 }
 
+TEST(Collation, GivesEqualTextsOneFingerprint) {
+  const std::vector<std::string> parts = {"a",  "A", "ａ",           "é",    "e\xCC\x81", "e",  "-",
+                                          "'",  " ", "\xE3\x80\x80", "ｶ",    "か",        "カ", "ガ",
+                                          "安", "1", "１",           "\xFF", "\xCC\x81",  "_"};
+  std::mt19937 random(3);
+  std::vector<std::string> texts = {""};
+  for (int i = 0; i < 600; ++i) {
+    std::string& text = texts.emplace_back();
+    for (unsigned part = random() % 4; part > 0; --part)
+      text += parts[random() % parts.size()];
+  }
+  int equal = 0;
+  int alike = 0;
+  for (const std::string& a : texts) {
+    for (const std::string& b : texts) {
+      const bool same = textFingerprint(a) == textFingerprint(b);
+      if (equalText(a, b)) {
+        ++equal;
+        EXPECT_TRUE(same) << '"' << a << "\" and \"" << b << '"';
+      } else if (same) {
+        ++alike;
+      }
+    }
+  }
+  EXPECT_GT(equal, 1000);
+  // Texts that differ in accents, hyphens and apostrophes alone.
+  EXPECT_LT(alike, 100'000);
+  EXPECT_NE(textFingerprint("ab"), textFingerprint("ba"));
+  EXPECT_NE(textFingerprint(" a"), textFingerprint("a"));
+}
+
 TEST(Collation, AccentsDecideOnlyBetweenEqualLetters) {
   expectOrder({"ea", "éa", "eb", "éb"});
 }

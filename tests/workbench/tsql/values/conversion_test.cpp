@@ -2,6 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+
 #include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/values/datetime.h"
 #include "workbench/tsql/values/exact.h"
@@ -166,6 +173,28 @@ TEST(NumberToDecimal, RoundsHalfAwayFromZero) {
             "8115: Arithmetic overflow error converting float to data type numeric.");
   EXPECT_EQ(castDecimal("999.996", decimalType(5, 2)),
             "8115: Arithmetic overflow error converting numeric to data type numeric.");
+}
+
+// By the seventeen digits that the C library prints, each time rounded by hand.
+TEST(NumberToDecimal, OfAFloatCountsSeventeenDigits) {
+  std::mt19937_64 random(17);
+  for (int i = 0; i < 20'000; ++i) {
+    const double number = static_cast<double>(static_cast<std::int64_t>(random() % 2'000'000'001) - 1'000'000'000) /
+                          static_cast<double>(1 + random() % 9'999);
+    std::array<char, 64> buffer{};
+    std::snprintf(buffer.data(), buffer.size(), "%.16e", std::abs(number));
+    const std::string digits = std::string(1, buffer[0]) + std::string(buffer.data() + 2, 16);
+    const int exponent = std::atoi(buffer.data() + 19);
+    const int dropped = 16 - exponent - 4;  // of the digits, for four decimals
+    std::int64_t power = 1;
+    for (int digit = 0; digit < dropped; ++digit)
+      power *= 10;
+    const std::int64_t mantissa = std::atoll(digits.c_str());
+    std::int64_t units = dropped > 17 ? 0 : mantissa / power + (mantissa % power >= power - mantissa % power ? 1 : 0);
+    if (number < 0) units = -units;
+    const Value value = castValue(number, floatType(), decimalType(26, 4), 0);
+    ASSERT_EQ(std::get<Exact>(value).units, Int128(units)) << buffer.data();
+  }
 }
 
 TEST(NumberToText, KeepsTheDigitsOfItsType) {

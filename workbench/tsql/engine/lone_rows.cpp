@@ -1,0 +1,208 @@
+#include "workbench/tsql/engine/lone_rows.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+
+#include "workbench/tsql/engine/fingerprint.h"
+#include "workbench/tsql/engine/sqlite.h"
+
+namespace quillon::tsql {
+namespace {
+
+// Fewer rows are sorted as fast.
+constexpr std::int64_t fewestRows = 2000;
+// Rows are found in their table by a bit for each row number.
+constexpr std::int64_t widestSpan = std::int64_t{1} << 30;
+// Rows whose fingerprints are held at a time. More rows take more readings of the table.
+constexpr std::int64_t rowsAtATime = 16'000'000;
+// Pairs of rows by which columns are chosen, and how often they are chosen anew for rows that they did not tell apart.
+constexpr std::size_t mostPairs = 256;
+constexpr int mostReadings = 3;
+// Fewer rows than this part that are not alone are not worth another reading.
+constexpr std::int64_t smallPart = 50;
+
+struct Pair {
+  std::int64_t first, second;
+};
+using Columns = std::vector<std::size_t>;
+
+class Search {
+ public:
+  Search(sqlite3* database, const WideGrouping& grouping) : database_(database), grouping_(grouping) {}
+
+  // Of the table's first and last row; nothing in an empty table.
+  bool readBounds() {
+    Prepared bounds(database_,
+                    "SELECT min(" + grouping_.number + "), max(" + grouping_.number + ") FROM " + grouping_.from);
+    if (!bounds.step() || bounds.isNull(0)) return false;
+    first_ = bounds.integer(0);
+    last_ = bounds.integer(1);
+    return last_ - first_ >= fewestRows && last_ - first_ < widestSpan;
+  }
+
+  // Whether at least half of the rows are alone.
+  bool find(std::vector<bool>& repeated) {
+    Columns chosen = addTo({}, neighbours());
+    for (int reading = 1;; ++reading) {
+      read(chosen, repeated);
+      if (found_ * smallPart <= rows_ || reading == mostReadings) break;
+      Columns more = addTo(chosen, alike_);
+      if (more.size() == chosen.size()) break;
+      chosen = std::move(more);
+    }
+    return found_ * 2 <= rows_;
+  }
+
+  std::int64_t first() const { return first_; }
+
+ private:
+  // Rows that follow each other, from all over the table: these often have most in common.
+  std::vector<Pair> neighbours() const {
+    std::vector<Pair> pairs;
+    const std::int64_t step = std::max<std::int64_t>(2, (last_ - first_) / static_cast<std::int64_t>(mostPairs));
+    for (std::int64_t number = first_; number < last_ && pairs.size() < mostPairs; number += step)
+      pairs.push_back({number, number + 1});
+    return pairs;
+  }
+
+  // The columns with those that tell the pairs apart, in each step the one that tells most.
+  Columns addTo(Columns columns, const std::vector<Pair>& pairs) {
+    std::vector<std::vector<bool>> differences;
+    std::string list;
+    for (const std::string& key : grouping_.keys)
+      list += (list.empty() ? "" : ", ") + key;
+    Prepared row(database_, "SELECT " + list + " FROM " + grouping_.from + " WHERE " + grouping_.number + " = ?1");
+    for (const Pair& pair : pairs) {
+      const std::vector<std::uint64_t> one = printsOf(row, pair.first);
+      const std::vector<std::uint64_t> other = printsOf(row, pair.second);
+      if (one.empty() || other.empty()) continue;
+      std::vector<bool>& difference = differences.emplace_back(one.size());
+      for (std::size_t i = 0; i < one.size(); ++i)
+        difference[i] = one[i] != other[i];
+    }
+    while (true) {
+      std::vector<std::size_t> told(grouping_.keys.size());
+      for (const std::vector<bool>& difference : differences) {
+        for (std::size_t i = 0; i < told.size(); ++i)
+          told[i] += difference[i] ? 1 : 0;
+      }
+      const auto best = std::ranges::max_element(told);
+      if (*best == 0) return columns;
+      const auto column = static_cast<std::size_t>(best - told.begin());
+      columns.push_back(column);
+      std::erase_if(differences, [column](const std::vector<bool>& difference) { return difference[column]; });
+    }
+  }
+
+  std::vector<std::uint64_t> printsOf(Prepared& row, std::int64_t number) const {
+    std::vector<std::uint64_t> prints;
+    row.reset();
+    row.bind(1, number);
+    if (!row.step()) return prints;
+    for (std::size_t i = 0; i < grouping_.keys.size(); ++i)
+      prints.push_back(fingerprint(row.handle(), static_cast<int>(i)));
+    return prints;
+  }
+
+  // Marks the rows that are alike in the columns.
+  void read(const Columns& columns, std::vector<bool>& repeated) {
+    const std::int64_t span = last_ - first_ + 1;
+    repeated.assign(static_cast<std::size_t>(span), false);
+    alike_.clear();
+    rows_ = found_ = 0;
+    pairs_ = 0;
+    const auto parts = static_cast<std::uint64_t>((span + rowsAtATime - 1) / rowsAtATime);
+    // Open addressing: the upper half of a slot tells fingerprints apart, the lower is the row, counted from 1.
+    constexpr std::int64_t room = 3;  // slots for two rows
+    std::vector<std::uint64_t> slots(static_cast<std::size_t>(std::min(span, rowsAtATime) * room / 2 + 1));
+    std::string sql = "SELECT " + grouping_.number;
+    for (const std::size_t column : columns)
+      sql += ", " + grouping_.keys[column];
+    sql += " FROM " + grouping_.from + (grouping_.where.empty() ? "" : " WHERE " + grouping_.where);
+    for (std::uint64_t part = 0; part < parts; ++part) {
+      std::ranges::fill(slots, 0);
+      Prepared rows(database_, sql);
+      while (rows.step()) {
+        std::uint64_t print = 0;
+        for (std::size_t i = 1; i <= columns.size(); ++i)
+          print = joined(print, fingerprint(rows.handle(), static_cast<int>(i)));
+        if (print % parts != part) continue;
+        place(slots, print / parts, rows.integer(0), repeated);
+      }
+    }
+  }
+
+  void place(std::vector<std::uint64_t>& slots, std::uint64_t print, std::int64_t number, std::vector<bool>& repeated) {
+    constexpr std::uint64_t lower = 0xffffffff;
+    const auto row = static_cast<std::uint64_t>(number - first_);
+    ++rows_;
+    for (std::size_t at = print % slots.size();; at = at + 1 == slots.size() ? 0 : at + 1) {
+      std::uint64_t& slot = slots[at];
+      if (slot == 0) {
+        slot = (print & ~lower) | (row + 1);
+        return;
+      }
+      if (((slot ^ print) & ~lower) != 0) continue;
+      const std::uint64_t other = (slot & lower) - 1;
+      for (const std::uint64_t each : {row, other}) {
+        if (!repeated[each]) ++found_;
+        repeated[each] = true;
+      }
+      keep({first_ + static_cast<std::int64_t>(other), number});
+      return;
+    }
+  }
+
+  // Of the pairs that are alike, as many from each part of the table.
+  void keep(const Pair& pair) {
+    if (alike_.size() < mostPairs) {
+      alike_.push_back(pair);
+    } else if (const std::uint64_t place = mixed(pairs_) % pairs_; place < mostPairs) {
+      alike_[place] = pair;
+    }
+    ++pairs_;
+  }
+
+  sqlite3* database_;
+  const WideGrouping& grouping_;
+  std::int64_t first_ = 0;
+  std::int64_t last_ = 0;
+  std::int64_t rows_ = 0;   // of the last reading
+  std::int64_t found_ = 0;  // of these, not alone
+  std::uint64_t pairs_ = 0;
+  std::vector<Pair> alike_;  // some of them
+};
+
+void isAlone(sqlite3_context* context, int, sqlite3_value** arguments) {
+  const auto* const rows = static_cast<const LoneRows*>(sqlite3_user_data(context));
+  sqlite3_result_int(context, rows->has(sqlite3_value_int64(arguments[0])) ? 1 : 0);
+}
+
+}  // namespace
+
+void LoneRows::registerFunction(sqlite3* database) {
+  const int result = sqlite3_create_function_v2(database, "is_alone", 1, SQLITE_UTF8 | SQLITE_INNOCUOUS, this, isAlone,
+                                                nullptr, nullptr, nullptr);
+  if (result != SQLITE_OK) throwSqliteError(database);
+}
+
+bool LoneRows::find(sqlite3* database, const WideGrouping& grouping) {
+  forget();
+  Search search(database, grouping);
+  if (!search.readBounds()) return false;
+  const bool worthwhile = search.find(repeated_);
+  first_ = search.first();
+  if (!worthwhile) forget();
+  return worthwhile;
+}
+
+void LoneRows::forget() {
+  repeated_ = {};
+}
+
+bool LoneRows::has(std::int64_t number) const {
+  return !repeated_[static_cast<std::size_t>(number - first_)];
+}
+
+}  // namespace quillon::tsql
