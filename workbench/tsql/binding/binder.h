@@ -120,6 +120,10 @@ class Binder {
   // The stored table; throws SqlError 208 when there is none.
   std::shared_ptr<const Table> table(const ObjectName& name);
 
+  // The expression or condition bound with these sources alone in sight. Nullopt: it names columns of others, holds a
+  // query, or some value may end it with an error, so that it must not be computed of rows that are not asked for.
+  std::optional<Fragment> boundOn(const std::vector<Source>& sources, const Expression& expression) const;
+
  private:
   struct Core;
   struct SetOperand;
@@ -152,8 +156,6 @@ class Binder {
   Fragment unboxed(const Expression& expression, Scope& scope);
   Fragment plainCondition(const Expression& expression, Scope& scope);
 
-  // The expression bound with the source alone in sight; empty: it sees others, or values may end it with an error.
-  std::string boundOn(const Source& source, const Expression& expression) const;
   // The conditions of the Where clause that see this source only, joined by And; empty: none.
   std::string conditionsOn(const Source& source, const SelectCore& select) const;
   // Of a grouped derived table that is joined by what it groups by, those groups suffice whose `column` is among the
@@ -173,6 +175,8 @@ class Binder {
   int views_ = 0;  // bound so far
 };
 
+// The parts of a condition that And joins.
+std::vector<const Expression*> conjuncts(const Expression& condition);
 // Whether an expression holds an aggregate of its own query (not of a sub-query).
 bool containsAggregate(const Expression& expression);
 // Whether an expression holds a query.

@@ -10,25 +10,20 @@
 namespace quillon::tsql {
 namespace {
 
-// The parts of a condition that And joins.
-std::vector<const Expression*> conjuncts(const Expression& condition) {
-  if (condition.kind != ExpressionKind::logicalAnd) return {&condition};
-  std::vector<const Expression*> parts;
-  for (const ExpressionPtr& operand : condition.operands)
-    std::ranges::copy(conjuncts(*operand), std::back_inserter(parts));
-  return parts;
-}
-
 // Whether it can be computed of rows that the query does not give, because no value of theirs ends it with an error.
 // Conversions, which the text does not show, are left to who binds it.
 bool isHarmless(const Expression& expression) {
   switch (expression.kind) {
     case ExpressionKind::function:
-      if (expression.name.size() != 1 || !equalIgnoringCase(expression.name[0], "isnull")) return false;
+      // One without arguments gives the same for all rows.
+      if (!expression.operands.empty() && !equalIgnoringCase(expression.name.back(), "isnull")) return false;
+      if (expression.star) return false;
       break;
     case ExpressionKind::null:
     case ExpressionKind::literal:
     case ExpressionKind::column:
+    case ExpressionKind::searchedCase:
+    case ExpressionKind::simpleCase:
     case ExpressionKind::comparison:
     case ExpressionKind::logicalAnd:
     case ExpressionKind::logicalOr:
@@ -81,16 +76,24 @@ std::string tableAs(const Source& source) {
 
 }  // namespace
 
+std::vector<const Expression*> conjuncts(const Expression& condition) {
+  if (condition.kind != ExpressionKind::logicalAnd) return {&condition};
+  std::vector<const Expression*> parts;
+  for (const ExpressionPtr& operand : condition.operands)
+    std::ranges::copy(conjuncts(*operand), std::back_inserter(parts));
+  return parts;
+}
+
 // A binder of its own, so that a part that needs another source leaves no trace.
-std::string Binder::boundOn(const Source& source, const Expression& expression) const {
+std::optional<Fragment> Binder::boundOn(const std::vector<Source>& sources, const Expression& expression) const {
   if (!isHarmless(expression)) return {};
   Scope scope;
-  scope.sources.push_back(source);
+  scope.sources = sources;
   Binder binder(tables_, exactSums_);
   try {
-    std::string sql =
-        expression.isCondition() ? binder.condition(expression, scope).sql : sortKey(binder.value(expression, scope));
-    return converts(sql) ? std::string() : sql;
+    Fragment result = expression.isCondition() ? binder.condition(expression, scope) : binder.value(expression, scope);
+    if (converts(result.sql)) return {};
+    return result;
   } catch (const SqlError&) {
     return {};  // it names columns of other sources
   }
@@ -100,7 +103,7 @@ std::string Binder::conditionsOn(const Source& source, const SelectCore& select)
   std::string all;
   if (!select.where) return all;
   for (const Expression* const part : conjuncts(*select.where)) {
-    if (const std::string sql = boundOn(source, *part); !sql.empty()) all += (all.empty() ? "" : " AND ") + sql;
+    if (const auto bound = boundOn({source}, *part)) all += (all.empty() ? "" : " AND ") + bound->sql;
   }
   return all;
 }
@@ -165,9 +168,9 @@ std::string Binder::orderedFirst(const Query& query, const Core& core) const {
   if (leading == nullptr || !core.from.starts_with(tableAs(*leading))) return {};
   std::string keys;
   for (std::size_t i = 0; i < query.orderBy.size(); ++i) {
-    const std::string key = core.orderKeys[i].output ? std::string() : boundOn(*leading, *query.orderBy[i].value);
-    if (key.empty()) return {};
-    keys += (keys.empty() ? "" : ", ") + key + (query.orderBy[i].descending ? " DESC" : "");
+    const auto key = core.orderKeys[i].output ? std::nullopt : boundOn({*leading}, *query.orderBy[i].value);
+    if (!key) return {};
+    keys += (keys.empty() ? "" : ", ") + sortKey(*key) + (query.orderBy[i].descending ? " DESC" : "");
   }
   const std::string conditions = conditionsOn(*leading, select);
   const std::string first = tableAs(*leading);

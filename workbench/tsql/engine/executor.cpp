@@ -347,19 +347,22 @@ Modification Executor::modificationOf(const Statement& s, bool exactSums) {
     case StatementKind::insert:
       return insertStatement(s, binder, takesIdentity(s.target));
     case StatementKind::update:
-      return {updateStatement(s, binder)};
+      return updateStatement(s, binder);
     default:
       return {deleteStatement(s, binder)};
   }
 }
 
 std::int64_t Executor::change(const Modification& statement) {
-  const bool byGrouping = statement.grouping && loneRows_.find(database_, *statement.grouping);
-  Prepared prepared(database_, byGrouping ? statement.grouping->sql : statement.sql);
+  const std::string* sql = &statement.sql;
+  if (statement.grouping && loneRows_.find(database_, *statement.grouping)) sql = &statement.grouping->sql;
+  if (statement.matching && matchedRows_.read(database_, *statement.matching)) sql = &statement.matching->sql;
+  Prepared prepared(database_, *sql);
   prepared.step();
   const std::int64_t affected = sqlite3_changes64(database_);
   prepared.reset();
   loneRows_.forget();
+  matchedRows_.forget();
   return affected;
 }
 

@@ -23,6 +23,7 @@ class Executor {
  public:
   Executor(sqlite3* database, Catalog& catalog) : database_(database), catalog_(catalog) {
     loneRows_.registerFunction(database);
+    matchedRows_.registerFunctions(database);
   }
 
   // Gives the rows affected by the last statement that counts rows, -1 when none does.
@@ -53,7 +54,7 @@ class Executor {
   void setIdentityInsert(const Statement& statement);
   bool takesIdentity(const ObjectName& table) const;
   Modification modificationOf(const Statement& statement, bool exactSums);
-  // Runs it, by its grouping where that is worthwhile; gives the rows affected.
+  // Runs it, in its form for many rows where that is worthwhile; gives the rows affected.
   std::int64_t change(const Modification& statement);
   std::unique_ptr<Cursor> open(const Statement& statement);
   // The same for who reads them one by one.
@@ -63,6 +64,7 @@ class Executor {
   Catalog& catalog_;
   std::function<void(const StatementReport&)> observer_;
   LoneRows loneRows_;
+  MatchedRows matchedRows_;
   std::string identityInsert_;  // the table of SET IDENTITY_INSERT .. ON, by its SQLite name
 };
 

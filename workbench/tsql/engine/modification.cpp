@@ -139,11 +139,12 @@ Modification selectedRows(const Statement& s, const Table& table, const InsertCo
 // The From clause of an Update or Delete, and where its target is in it.
 struct Sources {
   Scope scope;
-  std::string from;        // the whole From clause, in the order written
-  std::string others;      // without the target, where that can be: see `separable`
-  std::string conditions;  // the On conditions of `others`
-  bool separable = false;  // the target is joined by inner joins only
-  std::string target;      // its alias
+  std::string from;                      // the whole From clause, in the order written
+  std::string others;                    // without the target, where that can be: see `separable`
+  std::string conditions;                // the On conditions of `others`
+  std::vector<const Expression*> parts;  // of these, those that And joins
+  bool separable = false;                // the target is joined by inner joins only
+  std::string target;                    // its alias
   std::shared_ptr<const Table> table;
 };
 
@@ -228,6 +229,7 @@ Sources bindSources(const Statement& s, Binder& binder) {
     if (part != target) result.others += (result.others.empty() ? "" : ", ") + sql;
   }
   for (const Expression* condition : conditions) {
+    std::ranges::copy(conjuncts(*condition), std::back_inserter(result.parts));
     result.conditions += (result.conditions.empty() ? "" : " AND ") + binder.condition(*condition, result.scope).sql;
   }
   return result;
@@ -269,7 +271,62 @@ Modification insertStatement(const Statement& s, Binder& binder, bool identityIn
   return result;
 }
 
-std::string updateStatement(const Statement& s, Binder& binder) {
+namespace {
+
+// The Update by keys, where the other tables are joined to the target by the equality of whole numbers or texts and give
+// plain values.
+std::optional<Matching> matchingOf(const Statement& s, const Sources& sources, const Binder& binder) {
+  std::vector<Source> target, others;
+  for (const Source& source : sources.scope.sources)
+    (equalIgnoringCase(source.alias, sources.target) ? target : others).push_back(source);
+  std::vector<const Expression*> parts = sources.parts;
+  if (s.condition) std::ranges::copy(conjuncts(*s.condition), std::back_inserter(parts));
+  std::string where, sourceWhere, keys, list;
+  Matching result;
+  for (const Expression* const part : parts) {
+    if (const auto ofOthers = binder.boundOn(others, *part)) {
+      sourceWhere += (sourceWhere.empty() ? " WHERE " : " AND ") + ofOthers->sql;
+      continue;
+    }
+    if (const auto ofTarget = binder.boundOn(target, *part)) {
+      where += ofTarget->sql + " AND ";
+      continue;
+    }
+    if (part->kind != ExpressionKind::comparison || part->op != "=") return {};
+    const bool swapped = !binder.boundOn(target, *part->operands[0]);
+    const auto key = binder.boundOn(target, *part->operands[swapped ? 1 : 0]);
+    const auto other = binder.boundOn(others, *part->operands[swapped ? 0 : 1]);
+    if (!key || !other) return {};
+    const bool texts = isText(key->type) && isText(other->type);
+    if (!texts && (key->type != intType() || other->type != intType())) return {};
+    keys += (keys.empty() ? "" : ", ") + key->sql;
+    list += (list.empty() ? "" : ", ") + other->sql;
+    ++result.keys;
+  }
+  if (result.keys == 0) return {};
+  std::string set;
+  for (std::size_t i = 0; i < s.assignments.size(); ++i) {
+    const Assignment& assignment = s.assignments[i];
+    auto value = binder.boundOn(others, *assignment.value);
+    if (!value) return {};
+    list += ", " + value->sql;
+    value->sql = "match_value(" + std::to_string(i) + ", " + keys + ")";
+    value->isColumn = false;
+    value->constant.reset();
+    const auto column = static_cast<std::size_t>(sources.table->find(assignment.column));
+    set += (set.empty() ? "" : ", ") + quoteName(sources.table->columns[column].name) + " = " +
+           Binder::stored(*value, targetOf(*sources.table, column)).sql;
+  }
+  result.table = sources.table->physical;
+  result.source = "SELECT " + list + " FROM " + sources.others + sourceWhere;
+  result.sql = "UPDATE " + result.table + " AS " + quoteName(sources.target) + " SET " + set + " WHERE " + where +
+               "has_match(" + keys + ")";
+  return result;
+}
+
+}  // namespace
+
+Modification updateStatement(const Statement& s, Binder& binder) {
   Sources sources = bindSources(s, binder);
   const Table& table = *sources.table;
   struct NewValue {
@@ -300,7 +357,8 @@ std::string updateStatement(const Statement& s, Binder& binder) {
     sql += target + " SET ";
     for (std::size_t i = 0; i < values.size(); ++i)
       sql += (i == 0 ? "" : ", ") + values[i].column + " = " + values[i].sql;
-    return sql + (sources.others.empty() ? "" : " FROM " + sources.others) + where;
+    if (sources.others.empty()) return {sql + where};
+    return {.sql = sql + " FROM " + sources.others + where, .matching = matchingOf(s, sources, binder)};
   }
   // The new values are computed over the whole From clause and then assigned to the rows of the target.
   sql += "target_row SET ";
@@ -310,8 +368,8 @@ std::string updateStatement(const Statement& s, Binder& binder) {
     sql += (i == 0 ? "" : ", ") + values[i].column + " = source." + name;
     list += ", " + values[i].sql + " AS " + name;
   }
-  return sql + " FROM (SELECT " + list + " FROM " + sources.from + where + limitOf(s) +
-         ") AS source WHERE target_row." + table.rowid() + " = source.row_number";
+  return {sql + " FROM (SELECT " + list + " FROM " + sources.from + where + limitOf(s) +
+          ") AS source WHERE target_row." + table.rowid() + " = source.row_number"};
 }
 
 std::string deleteStatement(const Statement& s, Binder& binder) {

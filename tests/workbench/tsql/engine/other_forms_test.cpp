@@ -191,6 +191,88 @@ TEST_F(WideGroupings, LeaveSmallTablesToTheSorter) {
   EXPECT_FALSE(rows.find(connection_->handle(), byColumns({"t.n"})));
 }
 
+// A table of 3,000 rows and the lists from which it is named.
+class MatchedUpdates : public ::testing::Test {
+ protected:
+  static constexpr int rowCount = 3000;
+
+  MatchedUpdates() {
+    connection_->execute(
+        "Create Table Goods (n int, kind nvarchar(10), part int, name nvarchar(20));"
+        "Create Table Names (list nvarchar(10), code nvarchar(10), part int, name nvarchar(40), price int);"
+        "Insert Into Names Values (N'kinds', N'A', 1, N'first', 7); Insert Into Names Values (N'kinds', N'b ', 2, N'second', null);"
+        "Insert Into Names Values (N'kinds', N'c', 3, null, 9); Insert Into Names Values (N'kinds', null, 4, N'nobody', 1);"
+        "Insert Into Names Values (N'others', N'A', 5, N'wrong', 1); Insert Into Names Values (N'kinds', N'd', 6, N'a name of more than twenty letters', 1)");
+    const std::vector<std::string> columns = {"n", "kind", "part", "name"};
+    const std::array<Value, 6> kinds = {Value(std::string("a")),   Value(std::string("Ｂ")),
+                                        Value(std::string("c  ")), Value(),
+                                        Value(std::string("z")),   Value(std::string("é"))};
+    const auto writer = connection_->bulkWriter("Goods", columns);
+    for (int n = 0; n < rowCount; ++n) {
+      const std::vector<Value> row = {std::int64_t{n}, kinds[static_cast<std::size_t>(n) % kinds.size()],
+                                      n % 10 == 0 ? Value() : Value(std::int64_t{n % 7}), std::string("old")};
+      writer->write(row);
+    }
+  }
+
+  // The number of rows changed, and which names there are how often afterwards.
+  std::vector<std::string> changed(const std::string& update) {
+    std::vector<std::string> result = {std::to_string(connection_->execute(update))};
+    for (std::string& row : rowsOf(*connection_, "Select name, Count(*) From Goods Group By name Order By name"))
+      result.push_back(std::move(row));
+    return result;
+  }
+
+  std::unique_ptr<Connection> connection_ = Connection::openInMemory();
+};
+
+TEST_F(MatchedUpdates, TakeEachRowsNameByTheCollation) {
+  EXPECT_THAT(changed("Update Goods Set name = l.name From Goods g Inner Join Names l On g.kind = l.code "
+                      "Where l.list = N'kinds'"),
+              ElementsAre("1500", "(null)|500|", "first|500|", "old|1500|", "second|500|"));
+}
+
+TEST_F(MatchedUpdates, TakeConditionsOnBothSides) {
+  EXPECT_THAT(
+      changed("Update g Set name = l.name From Goods g, Names l Where g.kind = l.code And l.list = N'kinds' And "
+              "g.n < 600 And l.price Is Not Null"),
+      ElementsAre("200", "(null)|100|", "first|100|", "old|2800|"));
+}
+
+TEST_F(MatchedUpdates, TakeSeveralKeysAndExpressionsOfTheTable) {
+  // n is a multiple of 6 and one more than one of 7, 71 times; of these 14 are multiples of 10, which have no part.
+  EXPECT_THAT(changed("Update g Set name = l.name From Goods g Inner Join Names l On g.part = l.part And "
+                      "Case When g.kind = N'z' Then N'd' Else g.kind End = l.code Where l.price = 7"),
+              ElementsAre("57", "first|57|", "old|2943|"));
+}
+
+TEST_F(MatchedUpdates, RefuseATextThatIsTooLongOnlyWhereARowTakesIt) {
+  const char* const update =
+      "Update g Set name = l.name From Goods g Inner Join Names l On g.kind = l.code Where l.list = N'kinds'";
+  EXPECT_EQ(connection_->execute(update), 1500);
+  connection_->execute("Update Goods Set kind = N'd' Where n = 5");
+  EXPECT_THROW(connection_->execute(update), SqlError);
+}
+
+// SQLite chooses then, as it does for small tables.
+TEST_F(MatchedUpdates, AreLeftToSqliteWhereTwoRowsMatch) {
+  connection_->execute("Insert Into Names Values (N'kinds', N'a', 1, N'other', 7)");
+  connection_->execute("Select * Into Few From Goods Where n < 60");
+  connection_->execute(
+      "Update g Set name = l.name From Goods g Inner Join Names l On g.kind = l.code Where l.list = N'kinds'");
+  connection_->execute(
+      "Update g Set name = l.name From Few g Inner Join Names l On g.kind = l.code Where l.list = N'kinds'");
+  EXPECT_THAT(rowsOf(*connection_, "Select n, name From Goods Where n < 60 Order By n"),
+              ElementsAreArray(rowsOf(*connection_, "Select n, name From Few Order By n")));
+}
+
+TEST_F(MatchedUpdates, OfATableFromItselfAreLeftToSqlite) {
+  EXPECT_EQ(
+      connection_->execute("Update g Set name = o.kind From Goods g Inner Join Goods o On g.n = o.n Where o.n < 6"), 6);
+  EXPECT_THAT(rowsOf(*connection_, "Select name From Goods Where n < 6 Order By n"),
+              ElementsAre("a|", "Ｂ|", "c  |", "(null)|", "z|", "é|"));
+}
+
 // Lines with their parts, as the voucher report joins them.
 class JoinedGroups : public ::testing::Test {
  protected:
