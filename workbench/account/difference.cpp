@@ -112,13 +112,14 @@ class TableReader {
       key_.push_back(i);
   }
 
-  void compare(tsql::Database& first, tsql::Database& second) {
+  void compare(tsql::Database& first, tsql::Database& second, RowCounter& counter) {
     const std::string sql = statement();
     const std::unique_ptr<tsql::Cursor> firstRows = first.query(sql), secondRows = second.query(sql);
     for (bool more = true; more;) {
       std::optional<Row> one = next(*firstRows), two = next(*secondRows);
       more = one || two;
       if (one) ++result_.rows;
+      if (more) counter.row();
       if (one && two && keyOf(*one) == keyOf(*two)) {
         compareRows(*one, *two);
         continue;
@@ -245,7 +246,8 @@ std::vector<std::string> sharedColumns(const std::vector<tsql::Column>& first, c
 }  // namespace
 
 std::vector<TableComparison> compareAccounts(tsql::Database& first, tsql::Database& second,
-                                             const DifferenceOptions& options) {
+                                             const DifferenceOptions& options, const TransferProgress& progress) {
+  RowCounter counter(progress);
   Keys keys;
   addKeys(first, keys);
   addKeys(second, keys);
@@ -263,7 +265,7 @@ std::vector<TableComparison> compareAccounts(tsql::Database& first, tsql::Databa
       continue;
     }
     const std::vector<std::string> columns = sharedColumns(firstColumns, secondColumns, options.exact, comparison);
-    if (!columns.empty()) TableReader(comparison, columns, keys[name], options).compare(first, second);
+    if (!columns.empty()) TableReader(comparison, columns, keys[name], options).compare(first, second, counter);
   }
   return comparisons;
 }

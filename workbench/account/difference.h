@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/account/transfer_progress.h"
 #include "workbench/messages/message.h"
 #include "workbench/tsql/values/database.h"
 
@@ -61,6 +62,6 @@ struct DifferenceOptions {
 // both accounts are read in the order of the key, and a row waits for its partner only while they are out of step.
 // Throws tsql::SqlError when a source cannot be read.
 std::vector<TableComparison> compareAccounts(tsql::Database& first, tsql::Database& second,
-                                             const DifferenceOptions& options);
+                                             const DifferenceOptions& options, const TransferProgress& progress = {});
 
 }  // namespace quillon::account

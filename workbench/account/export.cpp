@@ -108,21 +108,23 @@ std::string csvFileName(const tsql::DeclaredTable& table) {
   return name + ".csv";
 }
 
-TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem::path& folder) {
+TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem::path& folder,
+                             const TransferProgress& progress) {
   NewFolder target(folder);
   const std::filesystem::path schemaFile = target.add(unfinishedSchemaFileName);
   writeFile(schemaFile, [](std::ostream&) {});
   TransferCounts counts;
+  RowCounter counter(progress);
   // One transaction: what is read is the account of one moment.
   connection.begin();
   const tsql::StoredSchema schema = storedSchema(connection);
   for (const tsql::StoredTable& table : schema.tables) {
-    writeFile(target.add(csvFileName(table)),
-              [&](std::ostream& out) { counts.rows += writeTable(out, connection, table); });
+    writeFile(target.add(csvFileName(table)), [&](std::ostream& out) { writeTable(out, connection, table, counter); });
     ++counts.tables;
   }
   writeFile(schemaFile, [&](std::ostream& out) { writeSchema(out, schema); });
   connection.commit();
+  counts.rows = counter.rows();
   // Last, so that nothing is missing where it stands.
   target.complete(schemaFileName);
   return counts;

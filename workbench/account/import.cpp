@@ -139,10 +139,12 @@ void requireTableForEachFile(const tsql::StoredSchema& schema, const std::filesy
 
 }  // namespace
 
-TransferCounts importAccount(const std::filesystem::path& file, const std::filesystem::path& folder) {
+TransferCounts importAccount(const std::filesystem::path& file, const std::filesystem::path& folder,
+                             const TransferProgress& progress) {
   PartialFile partial(file);
   requireFolder(folder);
   TransferCounts counts;
+  RowCounter counter(progress);
   try {
     const std::unique_ptr<tsql::Connection> connection =
         tsql::Connection::open(partial.path(), tsql::OpenMode::createNew);
@@ -156,9 +158,10 @@ TransferCounts importAccount(const std::filesystem::path& file, const std::files
     for (const tsql::StoredTable& table : schema.tables) {
       const std::filesystem::path path = inFolder(folder, csvFileName(table));
       std::ifstream csv = openToRead(path);
-      counts.rows += readTable(csv, utf8FromPath(path), table, *connection);
+      readTable(csv, utf8FromPath(path), table, *connection, counter);
       ++counts.tables;
     }
+    if (progress.indexes) progress.indexes();
     script.afterRows();
     connection->commit();
   } catch (const tsql::SqlError& error) {
@@ -166,6 +169,7 @@ TransferCounts importAccount(const std::filesystem::path& file, const std::files
   }
   removeOrphanedJournals(file);
   partial.complete();
+  counts.rows = counter.rows();
   return counts;
 }
 

@@ -153,11 +153,11 @@ void endBatch(std::ostream& out, std::string_view statement) {
   out << statement << "\ngo\n";
 }
 
-std::int64_t writeRows(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table) {
+void writeRows(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table, RowCounter& counter) {
   const std::string name = tsql::writtenName(table.database, table.name);
   const bool hasIdentity = std::ranges::any_of(table.columns, &tsql::TableColumn::identity);
   const std::unique_ptr<tsql::Cursor> rows = connection.query(selectAllRows(table));
-  if (!rows->next()) return 0;
+  if (!rows->next()) return;
   if (hasIdentity) endBatch(out, "Set Identity_Insert " + name + " On");
   ListWriter list(out);
   std::int64_t count = 0;
@@ -172,16 +172,16 @@ std::int64_t writeRows(std::ostream& out, tsql::Connection& connection, const ts
     list.begin();
     for (std::size_t i = 0; i < table.columns.size(); ++i)
       list.addValue(rows->value(i));
+    counter.row();
     more = out && rows->next();
     list.end(more && (count + 1) % rowsInBatch != 0 ? ",\n" : "\ngo\n");
   }
   if (hasIdentity) endBatch(out, "Set Identity_Insert " + name + " Off");
-  return count;
 }
 
 }  // namespace
 
-TransferCounts writeScript(tsql::Connection& connection, std::ostream& out) {
+TransferCounts writeScript(tsql::Connection& connection, std::ostream& out, const TransferProgress& progress) {
   // One transaction: what is read is the account of one moment.
   connection.begin();
   const tsql::StoredSchema schema = storedSchema(connection);
@@ -191,10 +191,11 @@ TransferCounts writeScript(tsql::Connection& connection, std::ostream& out) {
     }
   }
   TransferCounts counts;
+  RowCounter counter(progress);
   out << introduction;
   for (const tsql::StoredTable& table : schema.tables) {
     endBatch(out, createStatement(table));
-    counts.rows += writeRows(out, connection, table);
+    writeRows(out, connection, table, counter);
     ++counts.tables;
   }
   for (const tsql::StoredTable& table : schema.tables) {
@@ -204,6 +205,7 @@ TransferCounts writeScript(tsql::Connection& connection, std::ostream& out) {
   for (const tsql::StoredCode& code : schema.code)
     endBatch(out, createStatement(code));
   connection.commit();
+  counts.rows = counter.rows();
   return counts;
 }
 

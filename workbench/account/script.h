@@ -21,6 +21,6 @@ namespace quillon::account {
 //   - dates stand in the forms that no language setting reads in another way.
 //
 // Throws AccountError when orvsystem holds a view or a function: a server makes those from within their database only.
-TransferCounts writeScript(tsql::Connection& connection, std::ostream& out);
+TransferCounts writeScript(tsql::Connection& connection, std::ostream& out, const TransferProgress& progress = {});
 
 }  // namespace quillon::account

@@ -22,11 +22,11 @@ class TableReader {
   TableReader(std::istream& in, const std::string& fileName, const tsql::StoredTable& table)
       : fileName_(fileName), table_(table), reader_(in) {}
 
-  // Writes the rows to the table; gives their number.
-  std::int64_t read(tsql::Connection& connection) {
+  // Writes the rows to the table.
+  void read(tsql::Connection& connection, RowCounter& counter) {
     try {
       readHeader();
-      return readRows(connection);
+      readRows(connection, counter);
     } catch (const CsvError& error) {
       refuse(error.line(), error.field(), error.message());
     }
@@ -63,20 +63,18 @@ class TableReader {
     columns_ = std::move(columns);
   }
 
-  std::int64_t readRows(tsql::Connection& connection) {
+  void readRows(tsql::Connection& connection, RowCounter& counter) {
     std::vector<std::string> names;
     for (const tsql::TableColumn* column : columns_)
       names.push_back(column->name);
     const auto writer = connection.bulkWriter(tsql::writtenName(table_.database, table_.name), names);
     std::vector<tsql::Value> row(columns_.size());
-    std::int64_t rows = 0;
-    for (; reader_.next(); ++rows) {
+    for (; reader_.next(); counter.row()) {
       requireFieldForEachColumn();
       for (std::size_t i = 0; i < columns_.size(); ++i)
         row[i] = value(i);
       write(*writer, row);
     }
-    return rows;
   }
 
   void requireFieldForEachColumn() const {
@@ -147,7 +145,7 @@ class TableReader {
 
 }  // namespace
 
-std::int64_t writeTable(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table) {
+void writeTable(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table, RowCounter& counter) {
   constexpr std::string_view lineEnd = "\r\n";
   std::string line;
   const auto separate = [&line](std::size_t column) {
@@ -158,9 +156,8 @@ std::int64_t writeTable(std::ostream& out, tsql::Connection& connection, const t
     appendCsv(line, table.columns[i].name);
   }
   out << line << lineEnd;
-  std::int64_t rows = 0;
   const std::unique_ptr<tsql::Cursor> cursor = connection.query(selectAllRows(table));
-  for (; out && cursor->next(); ++rows) {
+  for (; out && cursor->next(); counter.row()) {
     line.clear();
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
       separate(i);
@@ -168,12 +165,11 @@ std::int64_t writeTable(std::ostream& out, tsql::Connection& connection, const t
     }
     out << line << lineEnd;
   }
-  return rows;
 }
 
-std::int64_t readTable(std::istream& in, const std::string& fileName, const tsql::StoredTable& table,
-                       tsql::Connection& connection) {
-  return TableReader(in, fileName, table).read(connection);
+void readTable(std::istream& in, const std::string& fileName, const tsql::StoredTable& table,
+               tsql::Connection& connection, RowCounter& counter) {
+  TableReader(in, fileName, table).read(connection, counter);
 }
 
 }  // namespace quillon::account

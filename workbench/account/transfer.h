@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "workbench/account/account_error.h"
+#include "workbench/account/transfer_progress.h"
 #include "workbench/tsql/engine/engine.h"
 
 namespace quillon::account {
@@ -24,11 +25,13 @@ struct TransferCounts {
 // and is called schema.sql.part until then: a folder that has it so is what an interrupted export left, and its CSV files
 // are taken away first. Throws AccountError when the folder holds something else or cannot be written; then nothing is
 // left in it.
-TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem::path& folder);
+TransferCounts exportAccount(tsql::Connection& connection, const std::filesystem::path& folder,
+                             const TransferProgress& progress = {});
 
 // Makes the account `file` of what exportAccount() wrote, or someone by its rules: columns may stand in any order, any
 // value in quotes, lines end with LF alone. The file appears complete or not at all. Throws AccountError when `file`
 // exists, and for the first thing that is wrong in the folder, by file, line and column.
-TransferCounts importAccount(const std::filesystem::path& file, const std::filesystem::path& folder);
+TransferCounts importAccount(const std::filesystem::path& file, const std::filesystem::path& folder,
+                             const TransferProgress& progress = {});
 
 }  // namespace quillon::account

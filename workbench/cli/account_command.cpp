@@ -19,6 +19,7 @@
 #include "workbench/cli/named_choice.h"
 #include "workbench/cli/screen_options.h"
 #include "workbench/cli/standard_streams.h"
+#include "workbench/cli/transfer_line.h"
 #include "workbench/messages/account.h"
 #include "workbench/messages/program.h"
 #include "workbench/platform/user_error.h"
@@ -36,13 +37,9 @@ std::string month(int number) {
 }
 
 void makeSample(const std::string& file, const account::SampleOptions& options, Language language) {
-  const bool terminal = errorsGoToTerminal();
-  account::createSample(pathFromUtf8(file), options, [terminal, language](std::int64_t done, std::int64_t total) {
-    if (terminal)
-      std::cerr << "\r\x1b[K" << messages::sampleProgress(groupedCount(done), groupedCount(total)).in(language)
-                << std::flush;
-  });
-  if (terminal) std::cerr << "\r\x1b[K";
+  TransferLine line(language);
+  account::createSample(pathFromUtf8(file), options, line.ofLedgerLines(options.rows));
+  line.finish();
   std::cout << messages::sampleMade(file, groupedCount(options.rows)).in(language) << '\n';
 }
 

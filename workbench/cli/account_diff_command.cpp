@@ -9,6 +9,7 @@
 #include "workbench/cli/checked_values.h"
 #include "workbench/cli/exit_status.h"
 #include "workbench/cli/language_option.h"
+#include "workbench/cli/transfer_line.h"
 #include "workbench/messages/account.h"
 #include "workbench/messages/report.h"
 #include "workbench/platform/user_error.h"
@@ -69,7 +70,9 @@ bool diffAccounts(const AccountSource& first, const AccountSource& second, accou
   const bool server = first.onServer() || second.onServer();
   if (server) options.which = account::ComparedTables::ofAnAccount;
   std::int64_t rows = 0, different = 0;
-  const auto tables = account::compareAccounts(*one, *two, options);
+  TransferLine line(language);
+  const auto tables = account::compareAccounts(*one, *two, options, line.ofRows());
+  line.finish();
   for (const account::TableComparison& table : tables) {
     rows += table.rows;
     if (table.equal() && table.types.empty() && table.lastDigits == 0) continue;

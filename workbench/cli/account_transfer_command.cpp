@@ -11,6 +11,7 @@
 #include "workbench/account/transfer.h"
 #include "workbench/cli/account_option.h"
 #include "workbench/cli/language_option.h"
+#include "workbench/cli/transfer_line.h"
 #include "workbench/messages/account.h"
 #include "workbench/messages/common.h"
 #include "workbench/platform/user_error.h"
@@ -27,12 +28,17 @@ Message described(const account::TransferCounts& counts) {
 
 void exportTo(const AccountSource& source, const std::string& folder, Language language) {
   const auto connection = tsql::Connection::open(source.file(), tsql::OpenMode::readOnly);
-  const account::TransferCounts counts = account::exportAccount(*connection, pathFromUtf8(folder));
+  TransferLine line(language);
+  const account::TransferCounts counts = account::exportAccount(*connection, pathFromUtf8(folder), line.ofRows());
+  line.finish();
   std::cout << messages::wroteTo(described(counts), folder).in(language) << '\n';
 }
 
 void importFrom(const std::string& file, const std::string& folder, Language language) {
-  const account::TransferCounts counts = account::importAccount(pathFromUtf8(file), pathFromUtf8(folder));
+  TransferLine line(language);
+  const account::TransferCounts counts =
+      account::importAccount(pathFromUtf8(file), pathFromUtf8(folder), line.ofRows());
+  line.finish();
   std::cout << messages::madeWith(file, described(counts)).in(language) << '\n';
 }
 
@@ -47,8 +53,10 @@ void writeScriptTo(const AccountSource& source, const std::string& target, Langu
   account::PartialFile partial(pathFromUtf8(target));
   std::ofstream file(partial.path(), std::ios::binary);
   account::TransferCounts counts;
-  if (file) counts = account::writeScript(*connection, file);
+  TransferLine line(language);
+  if (file) counts = account::writeScript(*connection, file, line.ofRows());
   file.close();
+  line.finish();
   if (!file) throw UserError(messages::cannotWrite(target));
   partial.complete();
   std::cout << messages::wroteTo(described(counts), target).in(language) << '\n';

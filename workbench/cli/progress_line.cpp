@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 
+#include "workbench/messages/account.h"
 #include "workbench/messages/common.h"
 #include "workbench/messages/report.h"
 #include "workbench/presentation/text_cells.h"
@@ -32,6 +33,20 @@ void ProgressLine::statement(int number, std::string_view sql) {
 
 void ProgressLine::readSums() {
   start(Work::other, std::string(messages::summingUp.in(language_)), "", std::nullopt);
+}
+
+void ProgressLine::countRows() {
+  rows_ = 0;
+  start(Work::counted, "", "", std::nullopt);
+}
+
+void ProgressLine::countLedgerLines(std::int64_t total) {
+  rows_ = 0;
+  start(Work::ledgerLines, "", "", total);
+}
+
+void ProgressLine::makingIndexes() {
+  start(Work::other, std::string(messages::makingIndexes.in(language_)), "", std::nullopt);
 }
 
 void ProgressLine::begin(std::optional<std::int64_t> rows) {
@@ -71,19 +86,25 @@ void ProgressLine::finish() {
   if (drawing_.joinable()) drawing_.join();
 }
 
+Message ProgressLine::writtenRows(std::int64_t rows) const {
+  if (rows == 0) return messages::readingAndSorting();
+  return total_ ? messages::rowsWrittenOf(groupedCount(rows), groupedCount(*total_))
+                : messages::rowsWritten(groupedCount(rows));
+}
+
 std::string ProgressLine::line() const {
   const std::chrono::duration<double> time = Clock::now() - begun_;
   const std::int64_t rows = rows_;
-  Message text;
-  if (work_ == Work::other) {
-    text = messages::said(before_);
-  } else if (rows == 0) {
-    text = messages::readingAndSorting();
-  } else {
-    text = total_ ? messages::rowsWrittenOf(groupedCount(rows), groupedCount(*total_))
-                  : messages::rowsWritten(groupedCount(rows));
+  const bool takesLong = time.count() >= 1;
+  if (work_ == Work::counted || work_ == Work::ledgerLines) {
+    const Message done = work_ == Work::counted ? messages::rowsDone(groupedCount(rows))
+                                                : messages::sampleProgress(groupedCount(rows), groupedCount(*total_));
+    if (!takesLong) return done.in(language_);
+    return messages::aSecond(done, groupedCount(static_cast<std::int64_t>(static_cast<double>(rows) / time.count())))
+        .in(language_);
   }
-  if (time.count() >= 1) {
+  Message text = work_ == Work::other ? messages::said(before_) : writtenRows(rows);
+  if (takesLong) {
     std::array<char, 32> seconds{};
     const int length = std::snprintf(seconds.data(), seconds.size(), "%.1f", time.count());
     text = messages::timed(text, std::string_view(seconds.data(), static_cast<std::size_t>(length)));

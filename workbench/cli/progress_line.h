@@ -35,6 +35,12 @@ class ProgressLine final : public RowProgress {
   // The result's columns and sums are read.
   void readSums();
   bool shown() const override { return true; }
+  // Rows are moved or compared now; counted() says how many are done.
+  void countRows();
+  // The same of a sample's ledger lines, of which there will be `total`.
+  void countLedgerLines(std::int64_t total);
+  void counted(std::int64_t done) { rows_.store(done, std::memory_order_relaxed); }
+  void makingIndexes();
   void begin(std::optional<std::int64_t> rows) override;
   void row() override { rows_.fetch_add(1, std::memory_order_relaxed); }
 
@@ -45,10 +51,11 @@ class ProgressLine final : public RowProgress {
 
  private:
   using Clock = std::chrono::steady_clock;
-  enum class Work { none, rows, other };
+  enum class Work { none, rows, counted, ledgerLines, other };
 
   void start(Work work, std::string before, std::string behind, std::optional<std::int64_t> total);
   std::string line() const;
+  Message writtenRows(std::int64_t rows) const;
   void draw();
   void erase();
   void keepDrawing();

@@ -155,6 +155,9 @@ inline constexpr Text<0> fileDamaged{
 // --- quillon account export, import, script, diff ---------------------------------------------------------------------
 
 inline constexpr Text<2> transferCounts{"{1} 个表，{2} 行", "{1} tables with {2} rows"};
+inline constexpr Text<1> rowsDone{"已处理 {1} 行", "{1} rows"};
+inline constexpr Text<2> aSecond{"{1}，每秒 {2}", "{1}, {2} a second"};
+inline constexpr Text<0> makingIndexes{"正在建立索引", "Making the indexes"};
 inline constexpr Text<2> wroteTo{"已写出 {1} 到 {2}", "wrote {1} to {2}"};
 inline constexpr Text<2> madeWith{"已建立 {1}：{2}", "made {1}: {2}"};
 inline constexpr Text<0> scriptNotWritten{"脚本无法写到标准输出", "the script could not be written to standard output"};

@@ -55,6 +55,29 @@ TEST(ProgressLine, TellsTheTimeOfWhatTakesLong) {
   EXPECT_THAT(terminal.str(), HasSubstr(" 秒\r"));
 }
 
+TEST(ProgressLine, TellsHowManyRowsASecondAreMoved) {
+  std::ostringstream terminal;
+  ProgressLine line(terminal, 80, Language::english);
+  line.countRows();
+  line.counted(1'500'000);
+  std::this_thread::sleep_for(std::chrono::milliseconds(1'300));
+  line.makingIndexes();
+  std::this_thread::sleep_for(2 * ProgressLine::interval);
+  line.finish();
+  EXPECT_THAT(terminal.str(), StartsWith("\r\x1b[K0 rows\r\x1b[K1,500,000 rows\r\x1b[K1,500,000 rows, 1,"));
+  EXPECT_THAT(terminal.str(), EndsWith(" a second\r\x1b[KMaking the indexes\r\x1b[K"));
+}
+
+TEST(ProgressLine, TellsHowManyLedgerLinesThereWillBe) {
+  std::ostringstream terminal;
+  ProgressLine line(terminal, 80, Language::chinese);
+  line.countLedgerLines(20'000);
+  line.counted(4'096);
+  std::this_thread::sleep_for(3 * ProgressLine::interval);
+  line.finish();
+  EXPECT_EQ(terminal.str(), "\r\x1b[K明细账记录 0 / 20,000\r\x1b[K明细账记录 4,096 / 20,000\r\x1b[K");
+}
+
 TEST(ProgressLine, IsRewrittenTenTimesASecondAtMost) {
   std::ostringstream terminal;
   const auto start = std::chrono::steady_clock::now();

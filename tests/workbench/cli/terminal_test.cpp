@@ -232,6 +232,23 @@ TEST_F(ReportOnATerminal, ProgressGoesBeforeTheReportComes) {
   EXPECT_THAT(shown.text.substr(report), Not(HasSubstr("\x1b[K")));
 }
 
+TEST_F(ReportOnATerminal, RowsOfAnAccountOnItsWayAreCounted) {
+  const auto onTerminal = [](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "account");
+    return shownOn({}, arguments).text;
+  };
+  constexpr const char* fromNothing = "\r\x1b[K0 rows";
+  for (const std::string& text :
+       {onTerminal({"export", path("a"), path("csv")}), onTerminal({"import", path("b"), path("csv")}),
+        onTerminal({"script", path("a"), path("a.sql")}), onTerminal({"diff", path("a"), path("b")})}) {
+    EXPECT_THAT(text, StartsWith(fromNothing));
+    EXPECT_THAT(text, ::testing::MatchesRegex("(.|\n)*\x1b\\[K[a-z]+[^\x1b]+\n")) << "gone before the result comes";
+  }
+  EXPECT_THAT(onTerminal({"new", path("c"), "--rows", "3000", "--years", "1"}),
+              ::testing::AllOf(StartsWith("\r\x1b[K0 of 3,000 ledger lines"), HasSubstr("\r\x1b[Kmade ")));
+  EXPECT_THAT(onTerminal({"script", path("a")}), StartsWith("-- ")) << "a script on the terminal is not disturbed";
+}
+
 TEST_F(ReportOnATerminal, AFileGetsTheSameBytesAsAPipe) {
   shownOn({.columns = 40, .output = path("one")}, report({"--limit", "20"}));
   const Shown shown = shownOn({.columns = 40}, report({"--limit", "20", "-o", path("two")}));
