@@ -13,6 +13,10 @@ namespace messages = workbench::messages;
 constexpr std::size_t blockSize = 65'536;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+bool endsPlainText(char c) {
+  return c == ',' || c == '\n' || c == '\r' || c == '"';
+}
+
 }  // namespace
 
 CsvReader::CsvReader(std::istream& in) : in_(in) {
@@ -20,15 +24,12 @@ CsvReader::CsvReader(std::istream& in) : in_(in) {
   if (std::string_view(buffer_).starts_with(byteOrderMark)) position_ = byteOrderMark.size();
 }
 
-std::optional<char> CsvReader::peek() {
-  if (position_ == buffer_.size()) {
-    buffer_.resize(blockSize);
-    in_.read(buffer_.data(), static_cast<std::streamsize>(blockSize));
-    buffer_.resize(static_cast<std::size_t>(in_.gcount()));
-    position_ = 0;
-    if (buffer_.empty()) return std::nullopt;
-  }
-  return buffer_[position_];
+bool CsvReader::readBlock() {
+  buffer_.resize(blockSize);
+  in_.read(buffer_.data(), static_cast<std::streamsize>(blockSize));
+  buffer_.resize(static_cast<std::size_t>(in_.gcount()));
+  position_ = 0;
+  return !buffer_.empty();
 }
 
 std::optional<char> CsvReader::take() {
@@ -66,30 +67,36 @@ bool CsvReader::next() {
 
 bool CsvReader::plainField() {
   CsvField& field = fields_[count_ - 1];
-  for (;;) {
-    const std::optional<char> character = take();
-    if (!character || *character == ',' || *character == '\n' || *character == '\r') return endOfField(character);
-    if (*character == '"') refuse(field.line, messages::csvQuoteWithin());
-    field.text += *character;
+  while (peek()) {
+    const std::size_t begin = position_;
+    while (position_ < buffer_.size() && !endsPlainText(buffer_[position_]))
+      ++position_;
+    if (position_ > begin) field.text.append(buffer_, begin, position_ - begin);
+    if (position_ == buffer_.size()) continue;
+    const std::optional<char> mark = take();
+    if (mark == '"') refuse(field.line, messages::csvQuoteWithin());
+    return endOfField(mark);
   }
+  return endOfField(std::nullopt);
 }
 
 bool CsvReader::quotedField() {
   CsvField& field = fields_[count_ - 1];
   field.quoted = true;
   take();
-  for (;;) {
-    const std::optional<char> character = take();
-    if (!character) refuse(field.line, messages::csvQuoteOpen());
-    if (*character != '"') {
-      field.text += *character;
-    } else if (peek() == '"') {
-      field.text += '"';
-      take();
-    } else {
-      return endOfField(take());
-    }
+  while (peek()) {
+    const std::string_view rest = std::string_view(buffer_).substr(position_);
+    const std::string_view text = rest.substr(0, rest.find('"'));
+    field.text += text;
+    line_ += std::ranges::count(text, '\n');
+    position_ += text.size();
+    if (text.size() == rest.size()) continue;
+    take();
+    if (peek() != '"') return endOfField(take());
+    field.text += '"';
+    take();
   }
+  refuse(field.line, messages::csvQuoteOpen());
 }
 
 bool CsvReader::endOfField(std::optional<char> mark) {

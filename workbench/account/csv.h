@@ -52,7 +52,11 @@ class CsvReader {
  private:
   // The next byte; nullopt at the end.
   std::optional<char> take();
-  std::optional<char> peek();
+  std::optional<char> peek() {
+    if (position_ == buffer_.size() && !readBlock()) return std::nullopt;
+    return buffer_[position_];
+  }
+  bool readBlock();
   CsvField& beginField();
   // Both read up to the end of the value; give false when it is the record's last.
   bool plainField();

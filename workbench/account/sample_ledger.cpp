@@ -56,19 +56,19 @@ FieldKind definedFieldKind(int number) {
   }
 }
 
-// The value of user-defined field `number` on a line; `choice` is 1 to 4.
-tsql::Value definedFieldValue(int number, int choice, Day day) {
+// Appends the value of user-defined field `number` on a line; `choice` is 1 to 4.
+void appendDefinedField(TableWriter& table, int number, int choice, Day day) {
   switch (definedFieldKind(number)) {
     case FieldKind::number:
-      return toValue(choice * 10);
+      return table.append(choice * 10);
     case FieldKind::fraction:
-      return toValue(choice + 0.25);
+      return table.append(choice + 0.25);
     case FieldKind::date:
-      return toValue(day + std::chrono::days(choice * 7));
+      return table.append(day + std::chrono::days(choice * 7));
     case FieldKind::text:
       break;
   }
-  return toValue("项" + std::to_string(number) + "-" + std::to_string(choice));
+  table.append("项" + std::to_string(number) + "-" + std::to_string(choice));
 }
 
 // Amount by quantity in ten-thousandths; nothing without a quantity.
@@ -215,8 +215,8 @@ void LedgerWriter::writeLedger(TableWriter& table, int number, const Line& line,
   const WorkCentre* centre = line.workCentre;
   constexpr std::int64_t operationStep = 10;
 
-  row_.clear();
-  const auto add = [&](auto&&... values) { (row_.push_back(toValue(values)), ...); };
+  table.beginRow();
+  const auto add = [&table](const auto&... values) { table.append(values...); };
   add(number, line.behind, line.year, line.month, line.voucherDay, line.keepDay);
   add(line.voucherType, line.voucherCode, line.businessType, line.order, line.receipt, line.secondFlavour);
   add(when(!line.direct, warehouse.master.code), item.code, line.parentInventory, line.receiptIssueType,
@@ -249,12 +249,12 @@ void LedgerWriter::writeLedger(TableWriter& table, int number, const Line& line,
   for (int i = 1; i <= 37; ++i) {
     if (i >= 17 && i <= 21) continue;
     if (line.definedFields == i % fieldGroups) {
-      row_.push_back(definedFieldValue(i, 1 + number % 4, line.keepDay));
+      appendDefinedField(table, i, 1 + number % 4, line.keepDay);
     } else {
-      row_.emplace_back();
+      add(nullptr);
     }
   }
-  table.addRow(row_);
+  table.endRow();
 }
 
 void LedgerWriter::writeParts(TableWriter& table, int& nextPart, int line, const Line& source) {

@@ -119,7 +119,6 @@ class LedgerWriter {
   int voucherMonth_ = 0;  // year * 12 + month of the last voucher number
   int nextVoucher_ = 1;
   std::vector<Voucher> openVouchers_;
-  std::vector<tsql::Value> row_;
 };
 
 }  // namespace quillon::account

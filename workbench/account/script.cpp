@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -100,13 +101,22 @@ std::string dateLiteral(tsql::DateTime time) {
   return "N'" + tsql::formatDateTime(time, midnight ? compactDay : isoTime).value() + "'";
 }
 
-// Lists in brackets, with line breaks where a line becomes long.
+// Whether the text is one piece as it stands. 0xED begins halves of surrogate pairs, and a few whole characters.
+bool isPlainPiece(std::string_view text) {
+  constexpr unsigned char firstPrintable = 0x20, deleteCharacter = 0x7f, surrogateLead = 0xed;
+  return !text.empty() && text.size() <= pieceLength && std::ranges::none_of(text, [](char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return byte < firstPrintable || byte == deleteCharacter || byte == surrogateLead || byte == '\'' || byte == '$';
+  });
+}
+
+// Lists in brackets, with line breaks where a line becomes long. What is written stays here until flush().
 class ListWriter {
  public:
   explicit ListWriter(std::ostream& out) : out_(out) {}
 
   void begin() {
-    line_ = "(";
+    text_ += '(';
     separator_ = "";
   }
   void addName(std::string_view name) {
@@ -115,38 +125,73 @@ class ListWriter {
   }
   void addValue(const tsql::Value& value) {
     if (const auto* const text = std::get_if<std::string>(&value)) {
-      const TextExpression expression(*text);
-      for (const std::string& piece : expression.pieces()) {
-        append(piece);
-        separator_ = " + ";
-      }
+      addText(*text);
     } else if (const auto* const real = std::get_if<double>(&value)) {
       append(realLiteral(*real));
     } else if (const auto* const time = std::get_if<tsql::DateTime>(&value)) {
-      append(dateLiteral(*time));
+      // Of a column, it is often that of the row before.
+      if (day_ != *time) dayLiteral_ = dateLiteral(*time);
+      day_ = *time;
+      append(dayLiteral_);
+    } else if (tsql::isNull(value)) {
+      append("Null");
     } else {
-      append(tsql::toText(value).value_or("Null"));
+      separate();
+      tsql::appendText(text_, value);
     }
     separator_ = ", ";
   }
   void end(std::string_view mark) {
-    out_ << line_ << ')' << mark;
-    line_.clear();
+    text_ += ')';
+    text_ += mark;
+    lineBegin_ = text_.size();
+    constexpr std::size_t blockSize = 65'536;
+    if (text_.size() >= blockSize) flush();
+  }
+  // Between lists.
+  void add(std::string_view text) {
+    text_ += text;
+    lineBegin_ = text_.size();
+  }
+  void flush() {
+    out_ << text_;
+    text_.clear();
+    lineBegin_ = 0;
   }
 
  private:
-  void append(std::string_view part) {
-    line_ += separator_;
-    if (line_.size() > lineLength) {
-      out_ << line_ << '\n';
-      line_ = "  ";
+  void addText(std::string_view text) {
+    if (isPlainPiece(text)) {
+      separate();
+      text_ += "N'";
+      text_ += text;
+      text_ += '\'';
+      return;
     }
-    line_ += part;
+    const TextExpression expression(text);
+    for (const std::string& piece : expression.pieces()) {
+      append(piece);
+      separator_ = " + ";
+    }
+  }
+  void append(std::string_view part) {
+    separate();
+    text_ += part;
+  }
+  void separate() {
+    text_ += separator_;
+    if (text_.size() - lineBegin_ <= lineLength) return;
+    text_ += '\n';
+    lineBegin_ = text_.size();
+    text_ += "  ";
   }
 
   std::ostream& out_;
-  std::string line_;
+  std::string text_;
+  std::size_t lineBegin_ = 0;  // in text_
   std::string_view separator_;
+  std::optional<tsql::DateTime> day_;
+  std::string dayLiteral_;
 };
 
 void endBatch(std::ostream& out, std::string_view statement) {
@@ -159,11 +204,12 @@ void writeRows(std::ostream& out, tsql::Connection& connection, const tsql::Stor
   const std::unique_ptr<tsql::Cursor> rows = connection.query(selectAllRows(table));
   if (!rows->next()) return;
   if (hasIdentity) endBatch(out, "Set Identity_Insert " + name + " On");
+  const std::string insert = "Insert Into " + name + ' ';
   ListWriter list(out);
   std::int64_t count = 0;
   for (bool more = true; more; ++count) {
     if (count % rowsInBatch == 0) {
-      out << "Insert Into " << name << ' ';
+      list.add(insert);
       list.begin();
       for (const tsql::TableColumn& column : table.columns)
         list.addName(column.name);
@@ -176,6 +222,7 @@ void writeRows(std::ostream& out, tsql::Connection& connection, const tsql::Stor
     more = out && rows->next();
     list.end(more && (count + 1) % rowsInBatch != 0 ? ",\n" : "\ngo\n");
   }
+  list.flush();
   if (hasIdentity) endBatch(out, "Set Identity_Insert " + name + " Off");
 }
 

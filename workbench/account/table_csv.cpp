@@ -72,7 +72,7 @@ class TableReader {
     for (; reader_.next(); counter.row()) {
       requireFieldForEachColumn();
       for (std::size_t i = 0; i < columns_.size(); ++i)
-        row[i] = value(i);
+        readValue(i, row[i]);
       write(*writer, row);
     }
   }
@@ -88,15 +88,17 @@ class TableReader {
     }
   }
 
-  tsql::Value value(std::size_t place) const {
+  // No value becomes null.
+  void readValue(std::size_t place, tsql::Value& value) const {
     const CsvField& field = reader_.fields()[place];
     const tsql::TableColumn& column = *columns_[place];
     if (field.text.empty() && !field.quoted) {
       if (column.notNull) refuse(field.line, place, messages::csvValueNeeded());
-      return {};
+      value.emplace<std::monostate>();
+      return;
     }
     try {
-      return valueFromText(field.text, column);
+      value = valueFromText(field.text, column);
     } catch (const ValueError& error) {
       refuse(field.line, place, error.message());
     }
@@ -147,24 +149,33 @@ class TableReader {
 
 void writeTable(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table, RowCounter& counter) {
   constexpr std::string_view lineEnd = "\r\n";
-  std::string line;
-  const auto separate = [&line](std::size_t column) {
-    if (column > 0) line += ',';
+  constexpr std::size_t blockSize = 65'536;
+  std::string lines;
+  const auto separate = [&lines](std::size_t column) {
+    if (column > 0) lines += ',';
   };
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
     separate(i);
-    appendCsv(line, table.columns[i].name);
+    appendCsv(lines, table.columns[i].name);
   }
-  out << line << lineEnd;
+  lines += lineEnd;
   const std::unique_ptr<tsql::Cursor> cursor = connection.query(selectAllRows(table));
   for (; out && cursor->next(); counter.row()) {
-    line.clear();
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
       separate(i);
-      appendCsv(line, tsql::toText(cursor->value(i)));
+      const tsql::Value& value = cursor->value(i);
+      if (const auto* const text = std::get_if<std::string>(&value)) {
+        appendCsvText(lines, *text, EmptyText::quoted);
+      } else {
+        tsql::appendText(lines, value);  // numbers and dates hold nothing that needs quotes
+      }
     }
-    out << line << lineEnd;
+    lines += lineEnd;
+    if (lines.size() < blockSize) continue;
+    out << lines;
+    lines.clear();
   }
+  out << lines;
 }
 
 void readTable(std::istream& in, const std::string& fileName, const tsql::StoredTable& table,

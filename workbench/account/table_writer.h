@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,49 +28,72 @@ struct UnitCost {
   std::int64_t tenThousandths = 0;
 };
 
-inline tsql::Value toValue(std::nullptr_t) {
-  return {};
+// Makes `value` hold what is given. A text that held one keeps its memory.
+template <typename Held>
+void hold(tsql::Value& value, const Held& held) {
+  if (auto* const known = std::get_if<Held>(&value)) {
+    *known = held;
+  } else {
+    value.emplace<Held>(held);
+  }
 }
-inline tsql::Value toValue(std::int64_t number) {
-  return number;
+inline void setValue(tsql::Value& value, std::nullptr_t) {
+  value.emplace<std::monostate>();
 }
-inline tsql::Value toValue(int number) {
-  return std::int64_t{number};
+inline void setValue(tsql::Value& value, std::int64_t number) {
+  hold(value, number);
 }
-inline tsql::Value toValue(bool flag) {
-  return std::int64_t{flag};
+inline void setValue(tsql::Value& value, int number) {
+  hold(value, std::int64_t{number});
 }
-inline tsql::Value toValue(double number) {
-  return number;
+inline void setValue(tsql::Value& value, bool flag) {
+  hold(value, std::int64_t{flag});
 }
-inline tsql::Value toValue(std::string_view text) {
-  return std::string(text);
+inline void setValue(tsql::Value& value, double number) {
+  hold(value, number);
 }
-inline tsql::Value toValue(const char* text) {
-  return std::string(text);
+inline void setValue(tsql::Value& value, std::string_view text) {
+  if (auto* const known = std::get_if<std::string>(&value)) {
+    known->assign(text);
+  } else {
+    value.emplace<std::string>(text);
+  }
 }
-inline tsql::Value toValue(std::string text) {
-  return tsql::Value(std::move(text));
+inline void setValue(tsql::Value& value, const char* text) {
+  setValue(value, std::string_view(text));
 }
-inline tsql::Value toValue(Day day) {
-  return toDateTime(day);
+inline void setValue(tsql::Value& value, const std::string& text) {
+  setValue(value, std::string_view(text));
+}
+inline void setValue(tsql::Value& value, Day day) {
+  hold(value, toDateTime(day));
 }
 // Into decimal(18,6), money and decimal(18,6).
-inline tsql::Value toValue(Quantity quantity) {
+inline void setValue(tsql::Value& value, Quantity quantity) {
   constexpr std::int64_t factor = 10'000;
-  return tsql::Exact{quantity.hundredths * factor, 6};
+  hold(value, tsql::Exact{quantity.hundredths * factor, 6});
 }
-inline tsql::Value toValue(Amount amount) {
+inline void setValue(tsql::Value& value, Amount amount) {
   constexpr std::int64_t factor = 100;
-  return tsql::Exact{amount.cents * factor, 4};
+  hold(value, tsql::Exact{amount.cents * factor, 4});
 }
-inline tsql::Value toValue(UnitCost cost) {
+inline void setValue(tsql::Value& value, UnitCost cost) {
   constexpr std::int64_t factor = 100;
-  return tsql::Exact{cost.tenThousandths * factor, 6};
+  hold(value, tsql::Exact{cost.tenThousandths * factor, 6});
 }
 template <typename T>
-tsql::Value toValue(const std::optional<T>& value) {
-  return value ? toValue(*value) : tsql::Value();
+void setValue(tsql::Value& value, const std::optional<T>& held) {
+  if (held) {
+    setValue(value, *held);
+  } else {
+    setValue(value, nullptr);
+  }
+}
+template <typename T>
+tsql::Value toValue(const T& held) {
+  tsql::Value value;
+  setValue(value, held);
+  return value;
 }
 
 class TableWriter {
@@ -77,20 +101,29 @@ class TableWriter {
   TableWriter(tsql::Connection& connection, std::string_view table, std::initializer_list<std::string_view> columns)
       : TableWriter(connection, table, std::vector<std::string>(columns.begin(), columns.end())) {}
   TableWriter(tsql::Connection& connection, std::string_view table, const std::vector<std::string>& columns)
-      : writer_(connection.bulkWriter(table, columns)) {}
+      : writer_(connection.bulkWriter(table, columns)), row_(columns.size()) {}
 
   // One row: a value for each column, in their order.
   template <typename... Values>
-  void add(Values&&... values) {
-    row_.clear();
-    (row_.push_back(toValue(std::forward<Values>(values))), ...);
-    writer_->write(row_);
+  void add(const Values&... values) {
+    beginRow();
+    append(values...);
+    endRow();
   }
   void addRow(const std::vector<tsql::Value>& row) { writer_->write(row); }
 
+  // The same bit by bit: between these two, append() gives the next values. So many are given as there are columns.
+  void beginRow() { next_ = 0; }
+  template <typename... Values>
+  void append(const Values&... values) {
+    (setValue(row_.at(next_++), values), ...);
+  }
+  void endRow() { writer_->write(std::span(row_).first(next_)); }
+
  private:
   std::unique_ptr<tsql::BulkWriter> writer_;
-  std::vector<tsql::Value> row_;
+  std::vector<tsql::Value> row_;  // as long as the writer, so that its texts keep their memory
+  std::size_t next_ = 0;
 };
 
 }  // namespace quillon::account

@@ -96,7 +96,12 @@ std::string quotedForMessage(std::string_view text) {
 }
 
 void requireUtf8(std::string_view text) {
+  constexpr unsigned char firstOfSeveral = 0x80;
   for (std::size_t position = 0; position < text.size();) {
+    if (static_cast<unsigned char>(text[position]) < firstOfSeveral) {
+      ++position;
+      continue;
+    }
     if (tsql::text::next(text, position) > tsql::text::lastCharacter) throw ValueError(messages::textNotUtf8());
   }
 }

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <thread>
 
+#include "workbench/messages/message.h"
 #include "workbench/platform/language.h"
 #include "workbench/presentation/row_progress.h"
 

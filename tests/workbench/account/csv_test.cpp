@@ -74,6 +74,30 @@ TEST(Csv, ReadsValuesThatCrossItsBlocks) {
   EXPECT_THAT(read("\"" + large + "\",1\n2,3\n"), ElementsAre(Record{"\"" + large + "\"", "1"}, Record{"2", "3"}));
 }
 
+// Wherever a block ends: within a text, its line breaks and its doubled quotes, behind a comma.
+TEST(Csv, ReadsWhateverABlockCuts) {
+  constexpr std::size_t block = 65'536;
+  const std::string record = "ab,\"c\"\"\n\"\"d\",,\"\"\r\n";
+  for (std::size_t cut = 1; cut < record.size(); ++cut) {
+    std::istringstream in(std::string(block - cut - 2, 'x') + "\r\n" + record + "e,f\n");
+    CsvReader reader(in);
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.fields().size(), 1U);
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.line(), 2);
+    ASSERT_EQ(reader.fields().size(), 4U);
+    EXPECT_EQ(reader.fields()[0].text, "ab");
+    EXPECT_EQ(reader.fields()[1].text, "c\"\n\"d");
+    EXPECT_FALSE(reader.fields()[2].quoted);
+    EXPECT_TRUE(reader.fields()[3].quoted);
+    EXPECT_EQ(reader.fields()[3].line, 3);
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.line(), 4);
+    EXPECT_EQ(reader.fields()[1].text, "f");
+    EXPECT_FALSE(reader.next());
+  }
+}
+
 TEST(Csv, NamesTheLineInWhichAValueBegins) {
   std::istringstream in("a,\"1\n2\",b\nc\n");
   CsvReader reader(in);

@@ -20,7 +20,7 @@ class SqliteBulkWriter : public BulkWriter {
  public:
   SqliteBulkWriter(sqlite3* database, std::shared_ptr<const Table> table, std::vector<TableColumn> columns,
                    const std::string& sql)
-      : table_(std::move(table)), columns_(std::move(columns)), insert_(database, sql) {}
+      : table_(std::move(table)), columns_(std::move(columns)), isNull_(columns_.size(), 1), insert_(database, sql) {}
 
   void write(std::span<const Value> values) override {
     if (values.size() != columns_.size()) {
@@ -29,21 +29,25 @@ class SqliteBulkWriter : public BulkWriter {
     endIfStopped();
     insert_.reset();
     for (std::size_t i = 0; i < values.size(); ++i)
-      bind(static_cast<int>(i) + 1, values[i], columns_[i]);
+      bind(i, values[i]);
     insert_.step();
   }
 
  private:
-  void bind(int index, const Value& value, const TableColumn& column) {
+  void bind(std::size_t place, const Value& value) {
+    const TableColumn& column = columns_[place];
+    const int index = static_cast<int>(place) + 1;
     if (isNull(value)) {
       if (column.notNull) {
         throw SqlError(515, "Cannot insert the value NULL into column '" + column.name + "', table '" + table_->name +
                                 "'; column does not allow nulls. INSERT fails.");
       }
-      sqlite3_bind_null(insert_.handle(), index);
+      if (isNull_[place] == 0) sqlite3_bind_null(insert_.handle(), index);
+      isNull_[place] = 1;
       return;
     }
     requireForm(value, column);
+    isNull_[place] = 0;
     if (const auto* const text = std::get_if<std::string>(&value)) {
       // Bound without a copy: the caller's text outlives the step.
       sqlite3_bind_text(insert_.handle(), index, text->data(), static_cast<int>(text->size()), SQLITE_STATIC);
@@ -94,6 +98,8 @@ class SqliteBulkWriter : public BulkWriter {
 
   std::shared_ptr<const Table> table_;
   std::vector<TableColumn> columns_;
+  // Which values are bound as null, as all are at first: rows are wide, and most of their columns are null in row after row.
+  std::vector<char> isNull_;
   Prepared insert_;
 };
 

@@ -36,19 +36,29 @@ std::string Type::name() const {
 }
 
 std::optional<std::string> toText(const Value& value) {
-  struct Writer {
-    std::optional<std::string> operator()(std::monostate /*null*/) const { return {}; }
-    std::optional<std::string> operator()(std::int64_t number) const { return std::to_string(number); }
-    std::optional<std::string> operator()(double number) const {
-      std::array<char, 32> buffer{};
-      const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
-      return std::string(buffer.data(), end);
-    }
-    std::optional<std::string> operator()(const Exact& number) const { return tsql::toText(number); }
-    std::optional<std::string> operator()(DateTime time) const { return tsql::toText(time); }
-    std::optional<std::string> operator()(const std::string& text) const { return text; }
+  if (isNull(value)) return {};
+  std::string text;
+  appendText(text, value);
+  return text;
+}
+
+void appendText(std::string& text, const Value& value) {
+  const auto appendNumber = [&text](auto number) {
+    std::array<char, 32> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
+    text.append(buffer.data(), end);
   };
-  return std::visit(Writer(), value);
+  if (const auto* const known = std::get_if<std::string>(&value)) {
+    text += *known;
+  } else if (const auto* const integer = std::get_if<std::int64_t>(&value)) {
+    appendNumber(*integer);
+  } else if (const auto* const exact = std::get_if<Exact>(&value)) {
+    appendText(text, *exact);
+  } else if (const auto* const time = std::get_if<DateTime>(&value)) {
+    appendText(text, *time);
+  } else if (const auto* const real = std::get_if<double>(&value)) {
+    appendNumber(*real);
+  }
 }
 
 }  // namespace quillon::tsql

@@ -57,5 +57,7 @@ inline bool isNull(const Value& value) {
 }
 // The value as exact text: "12", "0.3000", "2024-03-05 00:00:00.000"; null gives nullopt.
 std::optional<std::string> toText(const Value& value);
+// Appends that text, nothing for null.
+void appendText(std::string& text, const Value& value);
 
 }  // namespace quillon::tsql
