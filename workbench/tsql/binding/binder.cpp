@@ -75,17 +75,22 @@ std::vector<OutputColumn> columnsOf(const Table& table) {
   return columns;
 }
 
+OutputColumn systemColumn(std::string name, const Type& type) {
+  OutputColumn result;
+  result.name = std::move(name);
+  result.type = type;
+  result.magnitude = magnitudeOf(type);
+  result.notNull = true;
+  return result;
+}
+
 std::vector<OutputColumn> sysobjectsColumns() {
-  const auto column = [](std::string name, const Type& type) {
-    OutputColumn result;
-    result.name = std::move(name);
-    result.type = type;
-    result.magnitude = magnitudeOf(type);
-    result.notNull = true;
-    return result;
-  };
-  return {column("name", nVarCharType(128)), column("id", intType()), column("xtype", varCharType(2)),
-          column("type", varCharType(2))};
+  return {systemColumn("name", nVarCharType(128)), systemColumn("id", intType()), systemColumn("xtype", varCharType(2)),
+          systemColumn("type", varCharType(2))};
+}
+
+std::vector<OutputColumn> sysindexesColumns() {
+  return {systemColumn("id", intType()), systemColumn("name", nVarCharType(128))};
 }
 
 // Select Into keeps the identity property of a column when the query reads one table only.
@@ -158,6 +163,12 @@ std::string Binder::addTable(const ObjectName& name, const std::string& alias, S
   if (equalIgnoringCase(name.name, "sysobjects")) {
     source.columns = sysobjectsColumns();
     std::string sql = "(" + tables_.sysobjects(source.database) + ")" + as;
+    addSource(scope, std::move(source), name.place);
+    return sql;
+  }
+  if (equalIgnoringCase(name.name, "sysindexes")) {
+    source.columns = sysindexesColumns();
+    std::string sql = "(" + tables_.sysindexes(source.database) + ")" + as;
     addSource(scope, std::move(source), name.place);
     return sql;
   }

@@ -41,6 +41,8 @@ class TableLookup {
   virtual std::optional<StoredObject> object(const ObjectName& name) = 0;
   // The SQLite query that gives all objects of a database with the columns of sysobjects.
   virtual std::string sysobjects(std::string_view database) const = 0;
+  // The SQLite query that gives the indexes of Create Index in a database with the columns id, of the table, and name.
+  virtual std::string sysindexes(std::string_view database) const = 0;
 };
 
 // "" for the account database, "orvsystem", "tempdb". Throws SqlError 208 for any other.

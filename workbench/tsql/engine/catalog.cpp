@@ -303,17 +303,35 @@ void Catalog::drop(const ObjectName& name, char type) {
   known_.erase(database + '.' + key);
 }
 
+// The id of an object in a file's catalog, as objectId() makes it, in SQLite's notation.
+std::string Catalog::idIn(std::string_view schema) const {
+  if (schema == temporarySchema) return "-o.id";
+  const bool scratch = files_ == Files::scratchAndAccount && schema == mainSchema;
+  return scratch ? std::to_string(firstScratchId) + " + o.id" : "o.id";
+}
+
 std::string Catalog::sysobjects(std::string_view database) const {
   std::string query;
   for (const std::string& schema : schemasOf(database)) {
-    const bool scratch = files_ == Files::scratchAndAccount && schema == mainSchema;
-    const std::string id = schema == temporarySchema ? "-id"
-                           : scratch                 ? std::to_string(firstScratchId) + " + id"
-                                                     : "id";
     if (!query.empty()) query += " UNION ALL ";
-    query.append("SELECT name COLLATE ").append(collationName).append(" AS name, ").append(id);
-    query.append(" AS id, type AS xtype, type AS type FROM ").append(schema);
-    query.append(".tsql_objects WHERE database = '").append(database).append("'");
+    query.append("SELECT o.name COLLATE ").append(collationName).append(" AS name, ").append(idIn(schema));
+    query.append(" AS id, o.type AS xtype, o.type AS type FROM ").append(schema);
+    query.append(".tsql_objects AS o WHERE o.database = '").append(database).append("'");
+  }
+  return query;
+}
+
+// SQLite names such an index "table.index", with the table's stored name (physicalName()); one of a key has no text.
+std::string Catalog::sysindexes(std::string_view database) const {
+  const std::string_view stored =
+      database == "orvsystem" ? "i.tbl_name = 'orvsystem..' || o.name" : "i.tbl_name IN (o.name, 'user.' || o.name)";
+  std::string query;
+  for (const std::string& schema : schemasOf(database)) {
+    if (!query.empty()) query += " UNION ALL ";
+    query.append("SELECT ").append(idIn(schema)).append(" AS id, substr(i.name, length(i.tbl_name) + 2) COLLATE ");
+    query.append(collationName).append(" AS name FROM ").append(schema).append(".sqlite_schema AS i JOIN ");
+    query.append(schema).append(".tsql_objects AS o ON ").append(stored);
+    query.append(" WHERE i.type = 'index' AND i.sql IS NOT NULL AND o.database = '").append(database).append("'");
   }
   return query;
 }

@@ -38,6 +38,7 @@ class Catalog : public TableLookup {
   std::shared_ptr<const Table> table(const ObjectName& name) override;
   std::optional<StoredObject> object(const ObjectName& name) override;
   std::string sysobjects(std::string_view database) const override;
+  std::string sysindexes(std::string_view database) const override;
   std::vector<std::string> tables(std::string_view database);
 
   // Creates the table in SQLite and enters it here. Throws SqlError 2714 when an object has the name already, 2705 when
@@ -52,6 +53,7 @@ class Catalog : public TableLookup {
   // Where the objects of a database lie, by SQLite's names: where one is created, then where else it is looked for.
   std::vector<std::string> schemasOf(std::string_view database) const;
   std::vector<std::int64_t> schemaVersions() const;
+  std::string idIn(std::string_view schema) const;
 
   sqlite3* database_;
   Files files_;

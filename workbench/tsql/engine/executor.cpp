@@ -285,6 +285,8 @@ std::int64_t Executor::dispatch(const Statement& s, std::string_view batch, Resu
     case StatementKind::identityInsert:
       setIdentityInsert(s);
       break;
+    case StatementKind::raiseError:
+      throw SqlError(50000, s.text);
     case StatementKind::nothing:
       break;
   }

@@ -152,6 +152,7 @@ enum class StatementKind {
   conditional,
   block,
   identityInsert,
+  raiseError,
   nothing,  // a SET option that has no meaning here
 };
 
@@ -185,7 +186,7 @@ struct Statement {
   std::vector<ObjectName> dropped;
   char droppedType = 'U';  // U table, V view, F function, I index
   bool ifExists = false;
-  std::string text;                // create function: its expression, create view: its query, as written
+  std::string text;                // create function: its expression, create view: its query, as written; raiseError
   Type returnType;                 // create function
   ExpressionPtr value;             // create function: the expression that it returns
   bool on = false;                 // identityInsert

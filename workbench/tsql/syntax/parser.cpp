@@ -89,6 +89,8 @@ class StatementParser : public QueryParser {
       block(s);
     } else if (acceptWord("set")) {
       setOption(s);
+    } else if (acceptWord("raiserror")) {
+      raiseError(s);
     } else {
       refuseStatement();
     }
@@ -96,9 +98,9 @@ class StatementParser : public QueryParser {
 
   [[noreturn]] void refuseStatement() {
     constexpr auto known = std::to_array<std::string_view>(
-        {"alter",    "backup", "begin", "close", "commit",  "deallocate", "declare", "deny",      "exec",   "execute",
-         "fetch",    "goto",   "grant", "kill",  "merge",   "open",       "print",   "raiserror", "return", "revoke",
-         "rollback", "save",   "throw", "use",   "waitfor", "while",      "with",    "restore",   "dbcc",   "bulk"});
+        {"alter", "backup", "begin", "close",   "commit", "deallocate", "declare", "deny",   "exec",   "execute",
+         "fetch", "goto",   "grant", "kill",    "merge",  "open",       "print",   "return", "revoke", "rollback",
+         "save",  "throw",  "use",   "waitfor", "while",  "with",       "restore", "dbcc",   "bulk"});
     if (peek().kind == TokenKind::word) {
       for (const std::string_view word : known) {
         if (isWord(word)) refuse("the statement " + upper(word));
@@ -364,6 +366,24 @@ class StatementParser : public QueryParser {
     s.kind = StatementKind::block;
     while (skipSemicolons(), !acceptWord("end"))
       s.body.push_back(statement());
+  }
+
+  // Of a text as it stands, at a severity that makes it an error and leaves the connection: what is below that is a message,
+  // what is above ends the connection.
+  void raiseError(Statement& s) {
+    constexpr std::int64_t leastError = 11, mostError = 18;
+    s.kind = StatementKind::raiseError;
+    expectSymbol("(");
+    if (peek().kind != TokenKind::text && peek().kind != TokenKind::nationalText)
+      refuse("RAISERROR of anything but a text");
+    s.text = next().value;
+    if (s.text.find('%') != std::string::npos) refuse("RAISERROR with places for values");
+    expectSymbol(",");
+    const std::int64_t severity = signedInteger();
+    if (severity < leastError || severity > mostError) refuse("RAISERROR of severity " + std::to_string(severity));
+    expectSymbol(",");
+    signedInteger();  // the state
+    expectSymbol(")");
   }
 
   // Options whose ON or OFF changes nothing here are accepted; ANSI settings only in the state that the engine has.

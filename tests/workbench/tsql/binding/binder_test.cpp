@@ -36,6 +36,7 @@ class Tables : public TableLookup {
     return StoredObject{.id = 1, .type = 'V', .name = name.name, .definition = found->second};
   }
   std::string sysobjects(std::string_view) const override { return "SELECT 1"; }
+  std::string sysindexes(std::string_view) const override { return "SELECT 1"; }
 
  private:
   std::map<std::string, std::shared_ptr<const Table>> tables_;

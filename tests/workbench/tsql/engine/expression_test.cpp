@@ -37,6 +37,34 @@ TEST_F(Expression, LiteralsHaveTheLeastDecimalType) {
   EXPECT_EQ(value("2147483648"), "decimal(10,0): 2147483648");
 }
 
+TEST_F(Expression, IndexesAreKnownByTableAndName) {
+  run("create table t(i int primary key, j int, unique (j)) create index IX_t on t(j) create unique index other on t(i)");
+  run("create table orvsystem..t(i int) create index theirs on orvsystem..t(i)");
+  run("create table [sqlite_t](i int) create index ix on [sqlite_t](i)");
+  run("create table #t(i int) create index passing on #t(i)");
+  EXPECT_EQ(query("select name from sysindexes where id = object_id(N'[t]') order by name"),
+            "nvarchar(128): IX_t other");
+  EXPECT_EQ(query("select name from sysindexes where id = object_id(N't') and name = N'ix_T'"), "nvarchar(128): IX_t");
+  EXPECT_EQ(query("select name from orvsystem..sysindexes where id = object_id(N'orvsystem..t')"),
+            "nvarchar(128): theirs");
+  EXPECT_EQ(query("select name from sysindexes where id = object_id(N'sqlite_t')"), "nvarchar(128): ix");
+  EXPECT_EQ(query("select name from tempdb..sysindexes where id = object_id(N'tempdb..#t')"), "nvarchar(128): passing");
+}
+
+TEST_F(Expression, AnErrorIsRaisedWithItsText) {
+  try {
+    run("if 1 = 0 raiserror(N'not this one', 16, 1) raiserror('It isn''t', 16, 1) select 1 as x");
+    FAIL() << "no error";
+  } catch (const SqlError& error) {
+    EXPECT_EQ(error.number(), 50000);
+    EXPECT_EQ(error.message(), "It isn't");
+  }
+  EXPECT_EQ(query("raiserror(N'%d rows', 16, 1, 5)"), "40510");
+  EXPECT_EQ(query("raiserror(N'a message', 10, 1)"), "40510");
+  EXPECT_EQ(query("raiserror(N'the end', 20, 1)"), "40510");
+  EXPECT_EQ(query("raiserror(50001, 16, 1)"), "40510");
+}
+
 TEST_F(Expression, IntNeverGrowsBeyondIts32Bits) {
   run("create table t(i int, j int) insert into t values(2147483647, -2147483648)");
   EXPECT_EQ(value("2147483647+1"), "8115");

@@ -118,6 +118,13 @@ TEST_F(ScratchConnection, KnowsTheObjectsOfBothFiles) {
   EXPECT_EQ(numberOf(*connection, "Select * From Result"), 208);
 }
 
+TEST_F(ScratchConnection, KnowsTheIndexesOfBothFiles) {
+  const auto connection = open();
+  connection->execute("Create Table Result (a int Primary Key, b int, Unique (b)) Create Index [by b] On Result (b)");
+  EXPECT_EQ(rows(*connection, "Select name From sysindexes Where id = OBJECT_ID(N'Result')"), "by b;");
+  EXPECT_EQ(rows(*connection, "Select name From sysindexes Where id = OBJECT_ID(N'Warehouse')"), "ix;");
+}
+
 TEST_F(ScratchConnection, KeepsTemporaryTablesToItself) {
   const auto connection = open();
   connection->execute("Create Table #t (a int) Insert Into #t Values (3)");
