@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/text.h"
 #include "workbench/account/table_rows.h"
 #include "workbench/messages/account.h"
 #include "workbench/tsql/values/datetime.h"
@@ -18,13 +19,14 @@ namespace quillon::account {
 
 namespace {
 
-constexpr std::string_view introduction =
-    R"(-- An account, for SQL Server 2012 or later. Make an empty database with the collation Chinese_PRC_CI_AS on a server
--- that has no database orvsystem yet, and send this file (UTF-8) to it, one of:
---   sqlcmd -S SERVER -d DATABASE -U USER -b -f 65001 -i FILE
+constexpr std::string_view sending =
+    R"(--   sqlcmd -S SERVER -d DATABASE -U USER -b -f 65001 -i FILE
 --   tsql -S SERVER -D DATABASE -U USER -J UTF-8 < FILE
 --   bsqldb -S SERVER -D DATABASE -U USER -i FILE
-Set NoCount On
+)";
+
+constexpr std::string_view settings =
+    R"(Set NoCount On
 Set Quoted_Identifier On
 Set Ansi_Nulls On
 Set Ansi_Padding On
@@ -36,8 +38,29 @@ If Db_Id(N'orvsystem') Is Null Create Database orvsystem Collate Chinese_PRC_CI_
 go
 )";
 
-// A server takes 1000 rows in one list of values, but needs ever longer to plan it.
-constexpr int rowsInBatch = 100;
+constexpr std::string_view checkBegin =
+    R"(-- What is there now.
+If Object_Id(N'tempdb..#counted') Is Not Null Drop Table #counted
+go
+Create Table #counted ([table] nvarchar(300) null, [expected] bigint null, [found] bigint null)
+go
+)";
+
+constexpr std::string_view checkEnd =
+    R"(If Exists (Select * From #counted Where [expected] <> [found])
+Begin
+  Select [table], [expected], [found] From #counted Where [expected] <> [found]
+  Raiserror(N'The account is not complete: the tables above hold more or fewer rows than they have to.', 16, 1)
+End
+Else Select Count(*) As [tables], Sum([found]) As [rows] From #counted
+go
+Drop Table #counted
+go
+)";
+
+// The column by which the system database tells accounts apart.
+constexpr std::string_view accountColumn = "cAcc_Id";
+
 // Where a line is broken, in bytes; a value is at most one piece longer.
 constexpr std::size_t lineLength = 1000;
 constexpr std::size_t pieceLength = 500;
@@ -148,10 +171,19 @@ class ListWriter {
     constexpr std::size_t blockSize = 65'536;
     if (text_.size() >= blockSize) flush();
   }
+  // A value outside of lists.
+  void addAlone(const tsql::Value& value) {
+    separator_ = "";
+    addValue(value);
+  }
+  // How many pieces of texts there were since restartJoins().
+  int joins() const { return joins_; }
+  void restartJoins() { joins_ = 0; }
   // Between lists.
   void add(std::string_view text) {
     text_ += text;
-    lineBegin_ = text_.size();
+    const std::size_t end = text_.rfind('\n');
+    lineBegin_ = end == std::string::npos ? 0 : end + 1;
   }
   void flush() {
     out_ << text_;
@@ -169,6 +201,7 @@ class ListWriter {
       return;
     }
     const TextExpression expression(text);
+    joins_ += static_cast<int>(expression.pieces().size());
     for (const std::string& piece : expression.pieces()) {
       append(piece);
       separator_ = " + ";
@@ -190,45 +223,255 @@ class ListWriter {
   std::string text_;
   std::size_t lineBegin_ = 0;  // in text_
   std::string_view separator_;
+  int joins_ = 0;
   std::optional<tsql::DateTime> day_;
   std::string dayLiteral_;
 };
 
-void endBatch(std::ostream& out, std::string_view statement) {
-  out << statement << "\ngo\n";
+std::string textLiteral(std::string_view text) {
+  std::string literal = "N'";
+  for (const char character : text)
+    literal.append(character == '\'' ? 2 : 1, character);
+  return literal + "'";
 }
 
-void writeRows(std::ostream& out, tsql::Connection& connection, const tsql::StoredTable& table, RowCounter& counter) {
-  const std::string name = tsql::writtenName(table.database, table.name);
-  const bool hasIdentity = std::ranges::any_of(table.columns, &tsql::TableColumn::identity);
-  const std::unique_ptr<tsql::Cursor> rows = connection.query(selectAllRows(table));
-  if (!rows->next()) return;
-  if (hasIdentity) endBatch(out, "Set Identity_Insert " + name + " On");
-  const std::string insert = "Insert Into " + name + ' ';
-  ListWriter list(out);
-  std::int64_t count = 0;
-  for (bool more = true; more; ++count) {
-    if (count % rowsInBatch == 0) {
-      list.add(insert);
-      list.begin();
-      for (const tsql::TableColumn& column : table.columns)
-        list.addName(column.name);
-      list.end(" Values\n");
-    }
-    list.begin();
-    for (std::size_t i = 0; i < table.columns.size(); ++i)
-      list.addValue(rows->value(i));
-    counter.row();
-    more = out && rows->next();
-    list.end(more && (count + 1) % rowsInBatch != 0 ? ",\n" : "\ngo\n");
+std::string introduction(const ScriptOptions& options) {
+  std::string text =
+      "-- An account, for SQL Server 2012 or later. Make an empty database with the collation Chinese_PRC_CI_AS";
+  if (options.accountId.empty()) {
+    text += " on a server\n-- that has no database orvsystem yet, and send this file (UTF-8) to it, one of:\n";
+  } else {
+    text += " and send\n-- this file (UTF-8) to it, one of:\n";
   }
-  list.flush();
-  if (hasIdentity) endBatch(out, "Set Identity_Insert " + name + " Off");
+  text += sending;
+  text += "-- Rows come in batches of at most " + std::to_string(options.batchRows) +
+          ". When it breaks off, send the same file again: what is there already\n"
+          "-- is passed over. The last batches count every table; a table with more or fewer rows is an error.\n";
+  if (!options.accountId.empty()) {
+    text +=
+        "-- In the database orvsystem, which may be there and hold other accounts, it replaces the rows of account " +
+        options.accountId + "\n-- and adds users that are missing.\n";
+  }
+  return text.append(settings);
+}
+
+class ScriptWriter {
+ public:
+  ScriptWriter(tsql::Connection& connection, std::ostream& out, const ScriptOptions& options, RowCounter& counter)
+      : connection_(connection), out_(out), options_(options), counter_(counter), list_(out) {}
+
+  void begin(const tsql::StoredSchema& schema) {
+    list_.add(introduction(options_));
+    if (options_.accountId.empty()) return;
+    const auto isPeriods = [](const tsql::StoredTable& table) {
+      return table.database == "orvsystem" && equalIgnoringCase(table.name, "UA_Period");
+    };
+    if (std::ranges::none_of(schema.tables, isPeriods)) return;
+    const auto rows = connection_.query("Select Min(cAcc_Id) From orvsystem..UA_Period");
+    if (rows->next()) ownId_ = tsql::toText(rows->value(0)).value_or("");
+  }
+
+  void writeTable(const tsql::StoredTable& table) {
+    const Target target = targetOf(table);
+    batch("If Object_Id(" + textLiteral(target.name) + ") Is Null\n" + createStatement(table));
+    if (target.kind == Target::Kind::ofTheAccount) {
+      batch("Delete From " + target.name + " Where " + tsql::bracketed(accountColumn) + " = " +
+            textLiteral(options_.accountId));
+    }
+    writeRows(target);
+  }
+
+  void writeIndex(const tsql::StoredTable& table, const tsql::StoredIndex& index) {
+    const std::string system = table.database.empty() ? "" : table.database + "..";
+    batch("If Not Exists (Select * From " + system + "sysindexes Where id = Object_Id(" +
+          textLiteral(tsql::writtenName(table.database, table.name)) + ") And name = " + textLiteral(index.name) +
+          ")\n" + createStatement(table, index));
+  }
+
+  // A server takes the statement that creates code in a batch of its own only.
+  void writeCode(const tsql::StoredCode& code) {
+    const std::string name = "dbo." + tsql::bracketed(code.name);
+    batch("If Object_Id(" + textLiteral(name) + ") Is Not Null Drop " + (code.isView ? "View " : "Function ") + name);
+    batch(createStatement(code));
+  }
+
+  void writeCheck() {
+    list_.add(checkBegin);
+    for (const Count& count : counts_) {
+      list_.add("Insert Into #counted Select " + textLiteral(count.table) + ", " + std::to_string(count.rows) + ", " +
+                count.found + " From " + count.table);
+      writeCondition(count);
+      list_.add("\ngo\n");
+    }
+    list_.add(checkEnd);
+    list_.flush();
+  }
+
+ private:
+  // A table and how its rows are brought into it.
+  struct Target {
+    enum class Kind {
+      own,           // of the new account alone
+      ofTheAccount,  // of all accounts: the rows of this one are replaced
+      shared,        // of all accounts, with rows that belong to no one: those that are missing are added
+    };
+
+    Kind kind = Kind::own;
+    const tsql::StoredTable& table;
+    std::string name;
+    std::vector<std::size_t> key;  // places of its columns; empty: none
+    std::size_t account = 0;       // ofTheAccount: the place of the column
+    int batchRows = 0;
+  };
+
+  // How many rows a table has to have, and how those are counted.
+  struct Count {
+    std::string table;
+    std::int64_t rows = 0;
+    std::string found = "Count_Big(*)";
+    std::string condition;            // empty: all rows
+    std::vector<tsql::Value> values;  // behind the condition, a list
+  };
+
+  void batch(const std::string& statement) {
+    list_.add(statement);
+    list_.add("\ngo\n");
+  }
+
+  Target targetOf(const tsql::StoredTable& table) const {
+    Target target{.table = table, .name = tsql::writtenName(table.database, table.name), .key = {}};
+    for (const std::string& column : table.primaryKey())
+      target.key.push_back(static_cast<std::size_t>(table.find(column)));
+    target.batchRows = options_.batchRows;
+    if (options_.accountId.empty() || table.database.empty()) return target;
+    const int account = table.find(accountColumn);
+    if (account >= 0) {
+      target.kind = Target::Kind::ofTheAccount;
+      target.account = static_cast<std::size_t>(account);
+      return target;
+    }
+    target.kind = Target::Kind::shared;
+    target.batchRows = 1;
+    if (!target.key.empty()) return target;
+    for (std::size_t i = 0; i < table.columns.size(); ++i)
+      target.key.push_back(i);
+    return target;
+  }
+
+  void writeRows(const Target& target) {
+    const tsql::StoredTable& table = target.table;
+    const bool ofTheAccount = target.kind == Target::Kind::ofTheAccount;
+    Count& count = counts_.emplace_back();
+    count.table = target.name;
+    const std::string where =
+        ofTheAccount ? tsql::bracketed(table.columns[target.account].name) + " = " + textLiteral(ownId_) : "";
+    const std::unique_ptr<tsql::Cursor> rows = connection_.query(selectAllRows(table, where));
+    const bool hasIdentity = std::ranges::any_of(table.columns, &tsql::TableColumn::identity);
+    const std::string insert = "Insert Into " + target.name + ' ';
+    const tsql::Value id = options_.accountId;
+    int room = 0;  // in the batch
+    for (bool more = rows->next(); more; ++count.rows) {
+      if (count.rows == 0 && hasIdentity) batch("Set Identity_Insert " + target.name + " On");
+      if (room == 0) {
+        writeGuard(target, *rows, count.rows);
+        list_.add(insert);
+        list_.begin();
+        for (const tsql::TableColumn& column : table.columns)
+          list_.addName(column.name);
+        list_.end(" Values\n");
+        list_.restartJoins();
+        room = target.batchRows;
+      }
+      list_.begin();
+      for (std::size_t i = 0; i < table.columns.size(); ++i)
+        list_.addValue(ofTheAccount && i == target.account ? id : rows->value(i));
+      noteShared(target, *rows, count);
+      counter_.row();
+      room = list_.joins() < mostJoins ? room - 1 : 0;
+      more = out_ && rows->next();
+      if (!more) room = 0;
+      list_.end(room > 0 ? ",\n" : "\ngo\n");
+    }
+    if (count.rows > 0 && hasIdentity) batch("Set Identity_Insert " + target.name + " Off");
+    finishCount(target, count);
+  }
+
+  // Passes a batch over that is there already. Its rows came together, so the first stands for all; without a key the rows
+  // before it are counted, which takes a pass over the table for each batch.
+  void writeGuard(const Target& target, const tsql::Cursor& rows, std::int64_t before) {
+    if (target.kind == Target::Kind::ofTheAccount) return;
+    if (target.key.empty()) {
+      list_.add("If (Select Count_Big(*) From " + target.name + ") = " + std::to_string(before) + '\n');
+      return;
+    }
+    list_.add("If Not Exists (Select * From " + target.name + " Where ");
+    std::string_view separator;
+    for (const std::size_t place : target.key) {
+      list_.add(separator);
+      list_.add(tsql::bracketed(target.table.columns[place].name));
+      const bool null = tsql::isNull(rows.value(place));
+      list_.add(null ? " Is Null" : " = ");
+      if (!null) list_.addAlone(rows.value(place));
+      separator = "\n  And ";
+    }
+    list_.add(")\n");
+  }
+
+  // Which rows of a table belong to the account when it shares them.
+  static void noteShared(const Target& target, const tsql::Cursor& row, Count& count) {
+    if (target.kind != Target::Kind::shared || target.key.size() != 1) return;
+    if (count.values.size() <= mostListed) count.values.push_back(row.value(target.key.front()));
+  }
+
+  void finishCount(const Target& target, Count& count) const {
+    if (target.kind == Target::Kind::ofTheAccount) {
+      count.condition = " Where " + tsql::bracketed(accountColumn) + " = " + textLiteral(options_.accountId);
+    } else if (target.kind == Target::Kind::shared) {
+      const std::string rows = std::to_string(count.rows);
+      if (count.values.empty() || count.values.size() > mostListed) {
+        count.values.clear();
+        count.found = "Case When Count_Big(*) < " + rows + " Then Count_Big(*) Else " + rows + " End";
+      } else {
+        count.condition = " Where " + tsql::bracketed(target.table.columns[target.key.front()].name) + " In ";
+      }
+    }
+  }
+
+  void writeCondition(const Count& count) {
+    list_.add(count.condition);
+    if (count.values.empty()) return;
+    list_.begin();
+    for (const tsql::Value& value : count.values)
+      list_.addValue(value);
+    list_.end("");
+  }
+
+  // Texts of many pieces make a statement of many operators, and the embedded engine takes no more than 2500.
+  static constexpr int mostJoins = 1000;
+  static constexpr std::size_t mostListed = 1000;
+
+  tsql::Connection& connection_;
+  std::ostream& out_;
+  const ScriptOptions& options_;
+  RowCounter& counter_;
+  ListWriter list_;
+  std::string ownId_;  // the account's in the file
+  std::vector<Count> counts_;
+};
+
+void checkOptions(const ScriptOptions& options) {
+  constexpr std::int64_t longestId = 10;
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; };
+  if (tsql::text::widerThan(options.accountId, longestId) || std::ranges::any_of(options.accountId, isControl)) {
+    throw AccountError(messages::scriptAccountId(longestId));
+  }
 }
 
 }  // namespace
 
-TransferCounts writeScript(tsql::Connection& connection, std::ostream& out, const TransferProgress& progress) {
+TransferCounts writeScript(tsql::Connection& connection, std::ostream& out, const ScriptOptions& options,
+                           const TransferProgress& progress) {
+  checkOptions(options);
   // One transaction: what is read is the account of one moment.
   connection.begin();
   const tsql::StoredSchema schema = storedSchema(connection);
@@ -239,18 +482,19 @@ TransferCounts writeScript(tsql::Connection& connection, std::ostream& out, cons
   }
   TransferCounts counts;
   RowCounter counter(progress);
-  out << introduction;
+  ScriptWriter script(connection, out, options, counter);
+  script.begin(schema);
   for (const tsql::StoredTable& table : schema.tables) {
-    endBatch(out, createStatement(table));
-    writeRows(out, connection, table, counter);
+    script.writeTable(table);
     ++counts.tables;
   }
   for (const tsql::StoredTable& table : schema.tables) {
     for (const tsql::StoredIndex& index : table.indexes)
-      endBatch(out, createStatement(table, index));
+      script.writeIndex(table, index);
   }
   for (const tsql::StoredCode& code : schema.code)
-    endBatch(out, createStatement(code));
+    script.writeCode(code);
+  script.writeCheck();
   connection.commit();
   counts.rows = counter.rows();
   return counts;

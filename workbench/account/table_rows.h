@@ -7,14 +7,14 @@
 
 namespace quillon::account {
 
-// The statement that gives all rows with all columns: by primary key, without one by all columns.
-inline std::string selectAllRows(const tsql::StoredTable& table) {
+// The statement that gives all rows with all columns, or those that meet `where`: by primary key, without one by all columns.
+inline std::string selectAllRows(const tsql::StoredTable& table, const std::string& where = {}) {
   std::vector<std::string> columns;
   for (const tsql::TableColumn& column : table.columns)
     columns.push_back(column.name);
   const std::vector<std::string> key = table.primaryKey();
   return "Select " + tsql::bracketedList(columns) + " From " + tsql::writtenName(table.database, table.name) +
-         " Order By " + tsql::bracketedList(key.empty() ? columns : key);
+         (where.empty() ? "" : " Where " + where) + " Order By " + tsql::bracketedList(key.empty() ? columns : key);
 }
 
 }  // namespace quillon::account

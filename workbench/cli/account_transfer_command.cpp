@@ -10,6 +10,7 @@
 #include "workbench/account/script.h"
 #include "workbench/account/transfer.h"
 #include "workbench/cli/account_option.h"
+#include "workbench/cli/checked_values.h"
 #include "workbench/cli/language_option.h"
 #include "workbench/cli/transfer_line.h"
 #include "workbench/messages/account.h"
@@ -42,10 +43,11 @@ void importFrom(const std::string& file, const std::string& folder, Language lan
   std::cout << messages::madeWith(file, described(counts)).in(language) << '\n';
 }
 
-void writeScriptTo(const AccountSource& source, const std::string& target, Language language) {
+void writeScriptTo(const AccountSource& source, const std::string& target, const account::ScriptOptions& options,
+                   Language language) {
   const auto connection = tsql::Connection::open(source.file(), tsql::OpenMode::readOnly);
   if (target.empty()) {
-    account::writeScript(*connection, std::cout);
+    account::writeScript(*connection, std::cout, options);
     std::cout.flush();
     if (!std::cout) throw UserError(messages::scriptNotWritten());
     return;
@@ -54,7 +56,7 @@ void writeScriptTo(const AccountSource& source, const std::string& target, Langu
   std::ofstream file(partial.path(), std::ios::binary);
   account::TransferCounts counts;
   TransferLine line(language);
-  if (file) counts = account::writeScript(*connection, file, line.ofRows());
+  if (file) counts = account::writeScript(*connection, file, options, line.ofRows());
   file.close();
   line.finish();
   if (!file) throw UserError(messages::cannotWrite(target));
@@ -85,8 +87,17 @@ void addTransferCommands(CLI::App& account) {
   CLI::App& scripting = *account.add_subcommand("script", "Write the account as T-SQL for a new server");
   addAccountOption(scripting, "SOURCE", *source, "The account file").required();
   scripting.add_option("FILE", *target, "The script to write; it must not exist. Standard output when it is left out");
+  const auto options = std::make_shared<account::ScriptOptions>();
+  scripting
+      .add_option("--account-id", options->accountId,
+                  "The account's id on a server that has a system database with other accounts already")
+      ->type_name("ID");
+  scripting.add_option("--batch-size", options->batchRows, "The most rows in a batch")
+      ->type_name("ROWS")
+      ->transform(wholeNumber(1, account::mostBatchRows))
+      ->capture_default_str();
   addLanguageOption(scripting, *language);
-  scripting.callback([source, target, language] { writeScriptTo(*source, *target, *language); });
+  scripting.callback([source, target, options, language] { writeScriptTo(*source, *target, *options, *language); });
 }
 
 }  // namespace quillon::workbench

@@ -39,6 +39,9 @@ inline constexpr Text<1> correctStatement{"{1} 请改正这条语句", "{1} Corr
 inline constexpr Text<1> scriptCannotMake{
     "脚本无法建立 {1}：服务器只能在视图或函数所在的数据库中建立它；请先删除它",
     "a script cannot make {1}: a server makes a view or function from within its database only; drop it first"};
+inline constexpr Text<1> scriptAccountId{
+    "账套号最多 {1} 个字符，不能含控制字符；请改正 --account-id",
+    "an account id has at most {1} characters and none that controls; correct --account-id"};
 inline constexpr Text<0> emptyCsvFile{"文件是空的；请以表的列名开头",
                                       "the file is empty; begin it with the names of the table's columns"};
 inline constexpr Text<1> csvUnknownColumn{"表中没有列 {1}；请改正名称，或在 schema.sql 中加上它",

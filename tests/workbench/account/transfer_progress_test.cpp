@@ -71,7 +71,7 @@ TEST_F(TransferIsTold, OfAnExportAndAnImport) {
 
 TEST_F(TransferIsTold, OfAScriptAndAComparison) {
   std::ostringstream script;
-  const std::int64_t rows = writeScript(*account(), script, progress()).rows;
+  const std::int64_t rows = writeScript(*account(), script, {}, progress()).rows;
   expectTold(rows);
   compareAccounts(*account(), *account(), {}, progress());
   expectTold(rows);

@@ -74,6 +74,18 @@ TEST_F(AccountTransfer, RefusesAnExistingAccountAndLeavesItAsItIs) {
   EXPECT_THAT(shownBy({"import", path("b"), path("csv")}), StartsWith("made "));
 }
 
+TEST_F(AccountTransfer, WritesAScriptForAServerThatHasAccounts) {
+  EXPECT_THAT(shownBy({"script", path("a"), path("a.sql"), "--account-id", "002", "--batch-size", "007"}),
+              StartsWith("wrote 42 tables with "));
+  const std::string script = contentOf(folder_ / "a.sql");
+  EXPECT_THAT(script, HasSubstr("-- Rows come in batches of at most 7. "));
+  EXPECT_THAT(script, HasSubstr("Delete From orvsystem..[UA_Period] Where [cAcc_Id] = N'002'\n"));
+  EXPECT_THROW(shownBy({"script", path("a"), path("b.sql"), "--batch-size", "0"}), CLI::ValidationError);
+  EXPECT_THROW(shownBy({"script", path("a"), path("b.sql"), "--batch-size", "1001"}), CLI::ValidationError);
+  EXPECT_THROW(shownBy({"script", path("a"), path("b.sql"), "--account-id", "12345678901"}), account::AccountError);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "b.sql"));
+}
+
 TEST_F(AccountTransfer, WritesAScriptThatRunsOnAnEmptyDatabase) {
   EXPECT_THAT(shownBy({"script", path("a"), path("a.sql")}), StartsWith("wrote 42 tables with "));
   const auto empty = tsql::Connection::openInMemory();
