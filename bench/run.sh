@@ -23,9 +23,12 @@ build() { # PRESET TARGET...
 build native quillon report_bench program_bench filter_translation_bench writers_bench desk_result pivot_bench
 build win32 Quillon library_load_bench
 
+# Whoever asks for so many lines wants to know how long they take, too.
+if [ "$large" = 10000000 ]; then rm -f "$work/$large.account"; fi
 for rows in "$small" "$large"; do
   account=$work/$rows.account
-  [ -f "$account" ] || "$bin/quillon" account new "$account" --rows "$rows" --seed 1 >/dev/null
+  [ -f "$account" ] ||
+    "$bin/program_bench" 1 "$bin/quillon" account new "$account" --rows "$rows" --seed 1 >"$work/made-$rows.txt"
   busy=$work/$rows-busy.account
   if [ ! -f "$busy" ]; then
     cp "$account" "$busy.part"
@@ -134,9 +137,25 @@ row "inventories and cost items by months with shares, seconds" "$(figure pivot 
 record "cells of the largest" "$(figure pivot many_cells)"
 
 title "the programs"
-rm -f "$work/new.account"
-program generator 1 "$bin/quillon" account new "$work/new.account" --rows "$small" --seed 1
-row_least "sample generator, ledger lines a second" "$(quotient "$small" "$(figure generator seconds)")" 10000
+remove_moved() { rm -rf "$work"/moved.*; }
+remove_moved
+# Rows of all tables, six to a ledger line.
+moved=$("$bin/quillon" account export "$work/$small.account" "$work/moved.first" | sed 's/.* with \([0-9,]*\) rows .*/\1/; s/,//g')
+mover() { # NAME TITLE ARGUMENT...
+  program "$1" 1 "$bin/quillon" account "${@:3}"
+  row_least "$2, rows a second" "$(quotient "$moved" "$(figure "$1" seconds)")" 200000
+}
+mover generator "sample generator" new "$work/moved.account" --rows "$small" --seed 1
+mover exported "export" export "$work/$small.account" "$work/moved.csv"
+mover imported "import" import "$work/moved.again" "$work/moved.csv"
+mover scripted "script" script "$work/$small.account" "$work/moved.sql"
+mover compared "diff, rows of each account" diff "$work/$small.account" "$work/moved.again"
+remove_moved
+record "sample generator, ledger lines a second" "$(quotient "$small" "$(figure generator seconds)")"
+if [ "$large" = 10000000 ]; then
+  row "$large lines generated in, seconds" "$(figure "made-$large" seconds)" 180
+  record "memory of that, MiB" "$(figure "made-$large" peak_mib)"
+fi
 program help 21 "$bin/quillon" --help
 row "start of quillon --help, milliseconds" "$(quotient "$(figure help seconds)" 0.001)" 20
 "$bin/filter_translation_bench" --benchmark_format=csv 2>/dev/null >"$work/filter.csv"
