@@ -137,15 +137,15 @@ class Search {
     constexpr std::uint64_t lower = 0xffffffff;
     const auto row = static_cast<std::uint64_t>(number - first_);
     ++rows_;
-    for (std::size_t at = print % slots.size();; at = at + 1 == slots.size() ? 0 : at + 1) {
+    for (auto at = static_cast<std::size_t>(print % slots.size());; at = at + 1 == slots.size() ? 0 : at + 1) {
       std::uint64_t& slot = slots[at];
       if (slot == 0) {
         slot = (print & ~lower) | (row + 1);
         return;
       }
       if (((slot ^ print) & ~lower) != 0) continue;
-      const std::uint64_t other = (slot & lower) - 1;
-      for (const std::uint64_t each : {row, other}) {
+      const auto other = static_cast<std::size_t>((slot & lower) - 1);
+      for (const std::size_t each : {static_cast<std::size_t>(row), other}) {
         if (!repeated[each]) ++found_;
         repeated[each] = true;
       }
@@ -159,7 +159,7 @@ class Search {
     if (alike_.size() < mostPairs) {
       alike_.push_back(pair);
     } else if (const std::uint64_t place = mixed(pairs_) % pairs_; place < mostPairs) {
-      alike_[place] = pair;
+      alike_[static_cast<std::size_t>(place)] = pair;
     }
     ++pairs_;
   }
