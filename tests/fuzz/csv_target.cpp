@@ -8,6 +8,7 @@
 #include "workbench/account/account_error.h"
 #include "workbench/account/csv.h"
 #include "workbench/account/table_csv.h"
+#include "workbench/account/transfer_progress.h"
 #include "workbench/tsql/engine/engine.h"
 
 namespace quillon::fuzz {
@@ -68,7 +69,9 @@ constexpr std::string_view table =
 
 std::string exported(tsql::Connection& connection) {
   std::ostringstream out;
-  writeTable(out, connection, tsql::storedSchema(connection).tables.front());
+  const TransferProgress nobody;
+  RowCounter counter(nobody);
+  writeTable(out, connection, tsql::storedSchema(connection).tables.front(), counter);
   return out.str();
 }
 
@@ -76,7 +79,9 @@ std::string exported(tsql::Connection& connection) {
 void import(tsql::Connection& connection, const std::string& text) {
   connection.execute("Truncate Table t");
   std::istringstream in(text);
-  readTable(in, "t.csv", tsql::storedSchema(connection).tables.front(), connection);
+  const TransferProgress nobody;
+  RowCounter counter(nobody);
+  readTable(in, "t.csv", tsql::storedSchema(connection).tables.front(), connection, counter);
 }
 
 void checkImport(const std::string& text) {
