@@ -463,20 +463,26 @@ BoundQuery Binder::query(const Query& query, Scope* outer, Naming naming) {
   return query.core ? simpleQuery(query, outer, naming, nullptr) : setQuery(query, outer, naming, nullptr);
 }
 
-BoundQuery Binder::queryInto(const Query& query, const std::vector<Target>& targets) {
-  return query.core ? simpleQuery(query, nullptr, Naming::none, &targets)
-                    : setQuery(query, nullptr, Naming::none, &targets);
+BoundQuery Binder::queryInto(const Query& query, const std::vector<Target>& targets, std::size_t width) {
+  const Targets into{.columns = &targets, .width = width};
+  return query.core ? simpleQuery(query, nullptr, Naming::none, &into) : setQuery(query, nullptr, Naming::none, &into);
 }
 
-void Binder::storeItems(Core& core, const std::vector<Target>& targets) {
+void Binder::storeItems(Core& core, const Targets& targets) {
   for (std::size_t i = 0; i < core.items.size(); ++i)
-    core.items[i] = stored(core.items[i], targets[i]);
+    core.items[i] = stored(core.items[i], (*targets.columns)[i]);
+  if (targets.width == 0) return;
+  std::vector<Fragment> items(targets.width, nullFragment());
+  for (std::size_t i = 0; i < core.items.size(); ++i)
+    items[(*targets.columns)[i].place] = std::move(core.items[i]);
+  core.items = std::move(items);
+  core.columns.assign(targets.width, {});
 }
 
-BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, const std::vector<Target>* targets) {
+BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, const Targets* targets) {
   Core core = bindCore(*query.core, outer);
   if (targets != nullptr) {
-    requireSameCount(core.items.size(), targets->size(), query.core->items.front().place);
+    requireSameCount(core.items.size(), targets->columns->size(), query.core->items.front().place);
   }
   if (core.identityItem >= 0) {
     // Inside a window function Order By takes expressions; the number of an output column would be a constant there.
@@ -488,15 +494,21 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
     bindOrder(query.orderBy, core);
   }
   BoundQuery result;
+  Targets into = targets == nullptr ? Targets{} : *targets;
+  // Distinct rows, and an order by the number of an item, are those of the query's own items.
+  if (core.distinct || std::ranges::any_of(core.orderKeys, [](const auto& key) { return key.output.has_value(); })) {
+    into.width = 0;
+  }
+  result.inTableOrder = into.width > 0;
   if (targets != nullptr || query.core->into) {
-    result.grouping = wideGrouping(query, core, targets);
+    result.grouping = wideGrouping(query, core, targets == nullptr ? nullptr : &into);
     if (std::string first = orderedFirst(query, core); !first.empty()) {
       core.from = std::move(first);
       core.order.clear();
     }
   }
   if (targets != nullptr) {
-    storeItems(core, *targets);
+    storeItems(core, into);
   } else if (naming == Naming::none && !query.core->into) {
     for (Fragment& item : core.items)
       item = settled(item);
@@ -543,7 +555,7 @@ std::string Binder::renderOperand(const SetOperand& operand, Naming naming) cons
   return renderOperand(*operand.left, naming) + word + (operand.right->core ? right : "SELECT * FROM (" + right + ")");
 }
 
-BoundQuery Binder::setQuery(const Query& query, Scope* outer, Naming naming, const std::vector<Target>* targets) {
+BoundQuery Binder::setQuery(const Query& query, Scope* outer, Naming naming, const Targets* targets) {
   SetOperand tree = bindOperand(query, outer);
   std::vector<Core*> leaves;
   tree.leaves(leaves);
@@ -560,7 +572,7 @@ BoundQuery Binder::setQuery(const Query& query, Scope* outer, Naming naming, con
     result.outerReferences.insert(result.outerReferences.end(), leaf->scope->outerReferences.begin(),
                                   leaf->scope->outerReferences.end());
   }
-  if (targets != nullptr) requireSameCount(result.columns.size(), targets->size(), query.place);
+  if (targets != nullptr) requireSameCount(result.columns.size(), targets->columns->size(), query.place);
   for (std::size_t i = 0; i < result.columns.size(); ++i) {
     std::vector<Fragment> values;
     values.reserve(leaves.size());
@@ -614,7 +626,7 @@ BoundQuery Binder::setQuery(const Query& query, Scope* outer, Naming naming, con
     for (std::size_t i = 0; i < result.columns.size(); ++i) {
       Fragment value = columnFragment("column" + std::to_string(i + 1), result.columns[i].type);
       value.magnitude = result.columns[i].magnitude;
-      items += (i == 0 ? "" : ", ") + stored(value, (*targets)[i]).sql;
+      items += (i == 0 ? "" : ", ") + stored(value, (*targets->columns)[i]).sql;
     }
     // WITH gives the columns new names by position, whatever the query calls them.
     std::string names;

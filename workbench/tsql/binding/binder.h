@@ -59,6 +59,7 @@ struct BoundQuery {
   std::vector<BareColumn> outerReferences;
   bool oneRowAtMost = false;
   std::optional<RowOrdering> ordering = {};   // nothing: no order, or rows of another kind
+  bool inTableOrder = false;                  // see queryInto()
   std::optional<WideGrouping> grouping = {};  // of a query whose rows are stored: Insert .. Select, Select .. Into
 };
 
@@ -105,10 +106,13 @@ class Binder {
     Type type;
     std::string table, column;
     bool required = false;  // refuses NULL by itself, for SQLite would make a number of it
+    std::size_t place = 0;  // of the column in its table
   };
   // A value brought into its target.
   static Fragment stored(const Fragment& value, const Target& target);
-  BoundQuery queryInto(const Query& query, const std::vector<Target>& targets);
+  // `width`: the table's columns when what the query does not give stays null, 0 otherwise. Then the result may have an
+  // item for each of them, in the table's order, from which SQLite makes rows without copying each value once more.
+  BoundQuery queryInto(const Query& query, const std::vector<Target>& targets, std::size_t width);
 
   Fragment value(const Expression& expression, Scope& scope);
   Fragment condition(const Expression& expression, Scope& scope);
@@ -128,21 +132,25 @@ class Binder {
   struct Core;
   struct SetOperand;
 
+  struct Targets {
+    const std::vector<Target>* columns = nullptr;
+    std::size_t width = 0;  // see queryInto()
+  };
   // `ofLoneRows`: see Scope.
   Core bindCore(const SelectCore& core, Scope* outer, bool ofLoneRows = false);
-  static void storeItems(Core& core, const std::vector<Target>& targets);
+  static void storeItems(Core& core, const Targets& targets);
   // The first table of the From clause read in the query's order, where the order is one of its rows: narrower to sort
   // than the query's own rows. Empty: the order is another.
   std::string orderedFirst(const Query& query, const Core& core) const;
-  std::optional<WideGrouping> wideGrouping(const Query& query, const Core& core, const std::vector<Target>* targets);
+  std::optional<WideGrouping> wideGrouping(const Query& query, const Core& core, const Targets* targets);
   void bindItems(const SelectCore& select, Core& core);
   void expandStar(const SelectItem& item, Core& core);
   // `ordering`, which may be null, gets where the parts of the text end.
   std::string renderCore(const Core& core, Naming naming, RowOrdering* ordering = nullptr) const;
   void bindOrder(const std::vector<OrderItem>& items, Core& core);
   RowOrdering::Key orderKey(const Expression& item, Core& core);
-  BoundQuery simpleQuery(const Query& query, Scope* outer, Naming naming, const std::vector<Target>* targets);
-  BoundQuery setQuery(const Query& query, Scope* outer, Naming naming, const std::vector<Target>* targets);
+  BoundQuery simpleQuery(const Query& query, Scope* outer, Naming naming, const Targets* targets);
+  BoundQuery setQuery(const Query& query, Scope* outer, Naming naming, const Targets* targets);
   SetOperand bindOperand(const Query& query, Scope* outer);
   std::string renderOperand(const SetOperand& operand, Naming naming) const;
 

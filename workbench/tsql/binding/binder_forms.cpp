@@ -182,8 +182,7 @@ std::string Binder::orderedFirst(const Query& query, const Core& core) const {
          ".number" + core.from.substr(first.size());
 }
 
-std::optional<WideGrouping> Binder::wideGrouping(const Query& query, const Core& core,
-                                                 const std::vector<Target>* targets) {
+std::optional<WideGrouping> Binder::wideGrouping(const Query& query, const Core& core, const Targets* targets) {
   const SelectCore& select = *query.core;
   // By fewer columns SQLite groups as fast.
   constexpr std::size_t wide = 12;

@@ -68,7 +68,7 @@ InsertColumns insertColumns(const Statement& s, const Table& table, bool identit
 
 Binder::Target targetOf(const Table& table, std::size_t column) {
   const TableColumn& stored = table.columns[column];
-  return {stored.type, table.name, stored.name, static_cast<int>(column) == table.rowidColumn};
+  return {stored.type, table.name, stored.name, static_cast<int>(column) == table.rowidColumn, column};
 }
 
 Fragment defaultOf(const Table& table, std::size_t column, Binder& binder) {
@@ -111,13 +111,18 @@ std::string valueRows(const Statement& s, const Table& table, const InsertColumn
   return sql;
 }
 
-Modification selectedRows(const Statement& s, const Table& table, const InsertColumns& columns, Binder& binder) {
+// `inTableOrder` is set where the rows have a value for each column of the table, in their order.
+Modification selectedRows(const Statement& s, const Table& table, const InsertColumns& columns, Binder& binder,
+                          bool& inTableOrder) {
   std::vector<Binder::Target> targets;
   for (const std::size_t column : columns.given)
     targets.push_back(targetOf(table, column));
   Modification rows;
   try {
-    BoundQuery query = binder.queryInto(*s.query, targets);
+    // What counts its own rows is not given null, nor what has a default.
+    const bool allMayBeGiven = columns.omitted.empty() && table.rowidColumn < 0;
+    BoundQuery query = binder.queryInto(*s.query, targets, allMayBeGiven ? table.columns.size() : 0);
+    inTableOrder = query.inTableOrder;
     rows = {.sql = std::move(query.sql), .grouping = std::move(query.grouping)};
   } catch (const SqlError& error) {
     // No column list means all columns of the table.
@@ -263,9 +268,10 @@ Modification insertStatement(const Statement& s, Binder& binder, bool identityIn
       values += (values.empty() ? "" : ", ") + defaultOf(*table, column, binder).sql;
     return {head + "(" + names + ") VALUES (" + values + ")"};
   }
-  Modification result =
-      s.query ? selectedRows(s, *table, columns, binder) : Modification{valueRows(s, *table, columns, binder)};
-  const std::string target = head + "(" + names + ") ";
+  bool inTableOrder = false;
+  Modification result = s.query ? selectedRows(s, *table, columns, binder, inTableOrder)
+                                : Modification{valueRows(s, *table, columns, binder)};
+  const std::string target = head + (inTableOrder ? " " : "(" + names + ") ");
   result.sql.insert(0, target);
   if (result.grouping) result.grouping->sql.insert(0, target);
   return result;
