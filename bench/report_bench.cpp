@@ -13,7 +13,11 @@
 // report over the same year, the detail ledger over that year of an inventory that has LINES ledger lines in one
 // warehouse then. Count of rows and sums of all must be the same; else it fails.
 //
-//   report_bench REPORT[:LINES] ACCOUNT HAND.sql BEST.sql|- [RUNS]      (RUNS 0: the report once, without the others)
+// REPORT/month runs it over January of that year alone, and only once: the receipts, issues and balance of a later month
+// read the year up to it.
+//
+//   report_bench REPORT[:LINES|/month] ACCOUNT HAND.sql BEST.sql|- [RUNS]
+//                                                                   (RUNS 0: the report once, without the others)
 #include <sqlite3.h>
 #include <sys/resource.h>
 
@@ -151,8 +155,12 @@ std::string sumsOf(std::string_view columns) {
 
 class Bench {
  public:
-  Bench(const Subject& subject, const std::string& lines, std::filesystem::path account)
-      : subject_(subject), account_(std::move(account)) {
+  Bench(Subject subject, const std::string& lines, bool oneMonth, std::filesystem::path account)
+      : subject_(std::move(subject)), account_(std::move(account)) {
+    if (oneMonth) {
+      std::erase_if(subject_.settings, [](const auto& setting) { return setting.first == "dKeepDate"; });
+      subject_.settings.emplace_back("dKeepDate", "$year-01-01..$year-01-31");
+    }
     const auto connection = tsql::Connection::open(account_, tsql::OpenMode::readOnly);
     const auto info = account::info(*connection);
     // The fullest year whose months are all settled; of the accounts' years the first is no whole year of cost items.
@@ -289,7 +297,7 @@ class Bench {
     return script;
   }
 
-  const Subject& subject_;
+  Subject subject_;
   std::filesystem::path account_;
   std::map<std::string, std::string> values_;
   std::string madeTable_;
@@ -313,11 +321,17 @@ void requireSame(std::string_view what, const std::string& report, const std::st
 }
 
 int run(int argc, char** argv) {
-  if (argc < 5) throw std::runtime_error("usage: report_bench REPORT[:LINES] ACCOUNT HAND.sql BEST.sql|- [RUNS]");
-  const std::string_view what = argv[1];
+  if (argc < 5)
+    throw std::runtime_error("usage: report_bench REPORT[:LINES|/month] ACCOUNT HAND.sql BEST.sql|- [RUNS]");
+  std::string_view what = argv[1];
+  constexpr std::string_view month = "/month";
+  const bool oneMonth = what.ends_with(month);
+  if (oneMonth) what.remove_suffix(month.size());
   const std::size_t colon = std::min(what.find(':'), what.size());
-  Bench bench(subjectOf(what.substr(0, colon)), std::string(what.substr(std::min(colon + 1, what.size()))), argv[2]);
+  Bench bench(subjectOf(what.substr(0, colon)), std::string(what.substr(std::min(colon + 1, what.size()))), oneMonth,
+              argv[2]);
   const int runs = argc > 5 ? std::atoi(argv[5]) : 5;
+  if (oneMonth && runs > 0) throw std::runtime_error("a month has no other statements to compare with: give 0 runs");
 
   const Bench::Run first = bench.report();
   const std::string sums = bench.takeReportResult();
