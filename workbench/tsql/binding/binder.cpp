@@ -322,8 +322,9 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLon
   core.top = select.top;
   const int views = views_;
   if (!select.from.empty()) core.from = from(select.from, scope);
-  if (select.where) core.where = condition(*select.where, scope).sql;
+  if (select.where) core.where = restriction(*select.where, scope).sql;
   if (restrictDerived(select, scope)) {
+    if (parameters_ != nullptr) parameters_->pasteAll();
     scope.sources.clear();
     views_ = views;
     core.from = from(select.from, scope);
@@ -479,6 +480,19 @@ void Binder::storeItems(Core& core, const Targets& targets) {
   core.columns.assign(targets.width, {});
 }
 
+void Binder::takeItemParameters(const Query& query, Core& core, const std::vector<Target>& targets) {
+  const std::vector<SelectItem>& items = query.core->items;
+  // A Distinct or an order looks at the items, and a star stands for several.
+  if (core.distinct || !query.orderBy.empty() || items.size() != core.items.size()) return;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (items[i].value == nullptr) continue;
+    auto parameter = parameterFor(*items[i].value, targets[i].type);
+    if (!parameter) continue;
+    core.items[i] = std::move(*parameter);
+    parameters_->withdraw(items[i].value->begin);
+  }
+}
+
 BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, const Targets* targets) {
   Core core = bindCore(*query.core, outer);
   if (targets != nullptr) {
@@ -505,9 +519,11 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
     if (std::string first = orderedFirst(query, core); !first.empty()) {
       core.from = std::move(first);
       core.order.clear();
+      if (parameters_ != nullptr) parameters_->pasteAll();
     }
   }
   if (targets != nullptr) {
+    if (takesParameters(outer)) takeItemParameters(query, core, *targets->columns);
     storeItems(core, into);
   } else if (naming == Naming::none && !query.core->into) {
     for (Fragment& item : core.items)

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "workbench/tsql/binding/emitter.h"
@@ -93,10 +94,37 @@ enum class Naming {
   columns,  // by their T-SQL names: a derived table
 };
 
+// The constants of a statement that may become parameters of SQLite's statement. One that is compared with a column of its
+// form, or inserted into one, becomes a parameter there, because then the statement is the same whatever it is.
+class Parameters {
+ public:
+  // Where the constants stand in the batch, in ascending order.
+  explicit Parameters(std::vector<std::size_t> places)
+      : places_(std::move(places)), used_(places_.size()), pasted_(places_.size()) {}
+
+  // The number of the parameter for the literal that stands there, from 1; 0: it is no parameter.
+  int use(std::size_t place);
+  // The literal that stands there became part of the SQL; withdrawn: that piece of the SQL is not used.
+  void paste(std::size_t place);
+  void withdraw(std::size_t place);
+  void pasteAll();
+  // Of each constant, whether it is a parameter, and whether the SQL is the same whatever it is.
+  bool isUsed(std::size_t constant) const { return used_.at(constant); }
+  bool isFree(std::size_t constant) const { return used_.at(constant) && pasted_.at(constant) == 0; }
+
+ private:
+  std::size_t find(std::size_t place) const;  // which constant stands there; past the last one: none
+
+  std::vector<std::size_t> places_;
+  std::vector<bool> used_;
+  std::vector<int> pasted_;  // how often
+};
+
 class Binder {
  public:
-  // `exactSums`: see aggregate() in emitter.h.
-  Binder(TableLookup& tables, bool exactSums) : tables_(tables), exactSums_(exactSums) {}
+  // `exactSums`: see aggregate() in emitter.h. Without `parameters` every constant is pasted.
+  Binder(TableLookup& tables, bool exactSums, Parameters* parameters = nullptr)
+      : tables_(tables), exactSums_(exactSums), parameters_(parameters) {}
 
   // A query as a statement of its own, or, with an outer scope, inside another.
   BoundQuery query(const Query& query, Scope* outer = nullptr, Naming naming = Naming::none);
@@ -116,6 +144,11 @@ class Binder {
 
   Fragment value(const Expression& expression, Scope& scope);
   Fragment condition(const Expression& expression, Scope& scope);
+  // The condition of a Where, whose comparisons of a column with a constant may get parameters.
+  Fragment restriction(const Expression& expression, Scope& scope);
+
+  // The literal as a parameter for a column of that type; nothing when it has to be pasted.
+  std::optional<Fragment> parameterFor(const Expression& literal, const Type& column);
 
   // Adds the table to the scope; gives what stands in SQLite's From clause. Throws SqlError 208.
   std::string addTable(const ObjectName& name, const std::string& alias, Scope& scope);
@@ -163,6 +196,9 @@ class Binder {
   Fragment scalarQuery(const Expression& expression, Scope& scope);
   Fragment unboxed(const Expression& expression, Scope& scope);
   Fragment plainCondition(const Expression& expression, Scope& scope);
+  bool takesParameters(const Scope* outer) const;
+  // Items that are constants become parameters for the columns that they are stored in.
+  void takeItemParameters(const Query& query, Core& core, const std::vector<Target>& targets);
 
   // The conditions of the Where clause that see this source only, joined by And; empty: none.
   std::string conditionsOn(const Source& source, const SelectCore& select) const;
@@ -179,6 +215,7 @@ class Binder {
   TableLookup& tables_;
   bool exactSums_;
   std::map<const SelectCore*, std::vector<Restriction>> restrictions_;
+  Parameters* parameters_;
   int viewDepth_ = 0;
   int views_ = 0;  // bound so far
 };

@@ -135,6 +135,7 @@ Fragment Binder::unboxed(const Expression& expression, Scope& scope) {
     case ExpressionKind::null:
       return nullFragment();
     case ExpressionKind::literal:
+      if (parameters_ != nullptr) parameters_->paste(expression.begin);
       return literalFragment(expression.literal, expression.type);
     case ExpressionKind::column:
       return column(expression, scope);
@@ -357,6 +358,79 @@ Fragment Binder::userFunction(const Expression& expression) {
   const ExpressionPtr body = parseValue(stored->definition);
   Fragment result = value(*body, nothing);
   result.notNull = false;
+  return result;
+}
+
+std::size_t Parameters::find(std::size_t place) const {
+  const auto found = std::ranges::lower_bound(places_, place);
+  const bool isThere = found != places_.end() && *found == place;
+  return isThere ? static_cast<std::size_t>(found - places_.begin()) : places_.size();
+}
+
+int Parameters::use(std::size_t place) {
+  const std::size_t constant = find(place);
+  if (constant == places_.size()) return 0;
+  used_[constant] = true;
+  return static_cast<int>(constant) + 1;
+}
+
+void Parameters::paste(std::size_t place) {
+  if (const std::size_t constant = find(place); constant < places_.size()) ++pasted_[constant];
+}
+
+void Parameters::withdraw(std::size_t place) {
+  if (const std::size_t constant = find(place); constant < places_.size()) --pasted_[constant];
+}
+
+void Parameters::pasteAll() {
+  for (int& times : pasted_)
+    ++times;
+}
+
+// Not inside expressions, whose texts are compared with each other, and not in views, whose texts are not the batch's.
+bool Binder::takesParameters(const Scope* outer) const {
+  return parameters_ != nullptr && outer == nullptr && viewDepth_ == 0;
+}
+
+std::optional<Fragment> Binder::parameterFor(const Expression& literal, const Type& column) {
+  if (literal.kind != ExpressionKind::literal || !takesParameters(nullptr)) return std::nullopt;
+  const bool isNumber =
+      literal.type.kind == Kind::integer && (column.kind == Kind::integer || column.kind == Kind::bigInt);
+  const bool isFitting = isText(literal.type) && isText(column) && literal.type.width <= column.width;
+  if (!isNumber && !isFitting) return std::nullopt;
+  const int number = parameters_->use(literal.begin);
+  if (number == 0) return std::nullopt;
+  Fragment result;
+  result.sql = "?" + std::to_string(number);
+  result.type = literal.type;
+  result.notNull = true;
+  constexpr double mostUnits = 999'999'999;  // of the constants that are taken out of statements
+  if (isNumber) result.magnitude = mostUnits;
+  return result;
+}
+
+Fragment Binder::restriction(const Expression& expression, Scope& scope) {
+  if (!takesParameters(scope.parent)) return condition(expression, scope);
+  if (expression.kind == ExpressionKind::logicalAnd) {
+    Fragment result;
+    for (const ExpressionPtr& operand : expression.operands) {
+      const Fragment part = restriction(*operand, scope);
+      result.sql += (result.sql.empty() ? "(" : " AND ") + part.sql;
+      absorb(result, part);
+    }
+    result.sql += ")";
+    return result;
+  }
+  if (expression.kind != ExpressionKind::comparison) return condition(expression, scope);
+  const std::size_t constant = expression.operands[0]->kind == ExpressionKind::literal ? 0 : 1;
+  const Expression& other = *expression.operands[1 - constant];
+  if (other.kind != ExpressionKind::column) return condition(expression, scope);
+  const Fragment column = value(other, scope);
+  const std::optional<Fragment> parameter = parameterFor(*expression.operands[constant], column.type);
+  if (!parameter) return condition(expression, scope);
+  Fragment result;
+  result.sql = constant == 0 ? compare(expression.op, *parameter, column) : compare(expression.op, column, *parameter);
+  absorb(result, column);
   return result;
 }
 

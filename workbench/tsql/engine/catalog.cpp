@@ -1,6 +1,7 @@
 #include "workbench/tsql/engine/catalog.h"
 
 #include <algorithm>
+#include <mutex>
 
 #include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/engine/sqlite.h"
@@ -153,6 +154,44 @@ Table makeTable(std::string schema, std::string database, std::string name,
   return table;
 }
 
+// Tables that are declared alike are one object for all connections of the process: a declaration is read once, and who
+// keeps something that was made of one knows by the object whether it holds still.
+class Declarations {
+ public:
+  std::shared_ptr<const Table> find(const std::string& key) const {
+    const std::lock_guard lock(mutex_);
+    const auto found = known_.find(key);
+    return found == known_.end() ? nullptr : found->second;
+  }
+
+  std::shared_ptr<const Table> keep(const std::string& key, Table table) {
+    const std::lock_guard lock(mutex_);
+    constexpr std::size_t mostKept = 512;
+    if (known_.size() >= mostKept) known_.clear();
+    std::shared_ptr<const Table>& kept = known_[key];
+    if (!kept) kept = std::make_shared<const Table>(std::move(table));
+    return kept;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::unordered_map<std::string, std::shared_ptr<const Table>> known_;
+};
+
+Declarations& declarations() {
+  static Declarations instance;
+  return instance;
+}
+
+// All that a table is made of.
+std::string declarationKey(std::string_view schema, std::string_view database, std::string_view name,
+                           std::string_view definition) {
+  std::string key;
+  for (const std::string_view part : {schema, database, name})
+    key.append(part).append(1, '\0');
+  return key.append(definition);
+}
+
 }  // namespace
 
 Table tableOf(std::string schema, std::string database, std::string name, std::string_view definition) {
@@ -227,7 +266,10 @@ std::shared_ptr<const Table> Catalog::table(const ObjectName& name) {
   if (const auto found = known_.find(key); found != known_.end()) return found->second;
   const std::optional<StoredObject> stored = object(name);
   if (!stored || stored->type != 'U') return nullptr;
-  auto table = std::make_shared<const Table>(tableOf(stored->schema, database, stored->name, stored->definition));
+  const std::string declaration = declarationKey(stored->schema, database, stored->name, stored->definition);
+  auto table = declarations().find(declaration);
+  if (!table)
+    table = declarations().keep(declaration, tableOf(stored->schema, database, stored->name, stored->definition));
   known_[key] = table;
   return table;
 }
@@ -249,9 +291,11 @@ std::vector<std::string> Catalog::tables(std::string_view database) {
 std::shared_ptr<const Table> Catalog::createTable(const ObjectName& name, const std::vector<ColumnDefinition>& columns,
                                                   const std::vector<KeyDefinition>& keys) {
   const std::string database = databaseOf(name);
-  auto table =
-      std::make_shared<const Table>(makeTable(schemasOf(database).front(), database, name.name, columns, keys));
-  createObject(name, 'U', definitionOf(*table));
+  Table made = makeTable(schemasOf(database).front(), database, name.name, columns, keys);
+  const std::string definition = definitionOf(made);
+  const std::string declaration = declarationKey(made.schema, database, name.name, definition);
+  auto table = declarations().keep(declaration, std::move(made));
+  createObject(name, 'U', definition);
   runSqlite(database_, createStatement(*table));
   if (table->rowidColumn >= 0) {
     const TableColumn& column = table->columns[static_cast<std::size_t>(table->rowidColumn)];

@@ -30,20 +30,23 @@ std::vector<Column> resultColumns(const std::vector<OutputColumn>& bound) {
 // Reads a prepared SELECT row by row. The constructor fetches the first row, so that it throws the errors of the start.
 class SelectCursor : public Cursor {
  public:
-  SelectCursor(sqlite3* database, const BoundQuery& query)
-      : columns_(resultColumns(query.columns)), row_(columns_.size()), statement_(database, query.sql) {
-    hasRow_ = statement_.step();
+  SelectCursor(std::vector<Column> columns, StatementPool::Loan statement)
+      : columns_(std::move(columns)), row_(columns_.size()), statement_(std::move(statement)) {
+    hasRow_ = statement_->step();
   }
+  SelectCursor(sqlite3* database, const BoundQuery& query)
+      : SelectCursor(resultColumns(query.columns),
+                     StatementPool::Loan({}, {}, std::make_unique<Prepared>(database, query.sql))) {}
 
   std::span<const Column> columns() const override { return columns_; }
 
   bool next() override {
     endIfStopped();
-    if (!first_ && hasRow_) hasRow_ = statement_.step();
+    if (!first_ && hasRow_) hasRow_ = statement_->step();
     first_ = false;
     if (!hasRow_) return false;
     for (std::size_t i = 0; i < row_.size(); ++i)
-      readColumn(statement_.handle(), static_cast<int>(i), columns_[i].type, row_[i]);
+      readColumn(statement_->handle(), static_cast<int>(i), columns_[i].type, row_[i]);
     return true;
   }
 
@@ -53,7 +56,7 @@ class SelectCursor : public Cursor {
  private:
   std::vector<Column> columns_;
   std::vector<Value> row_;
-  Prepared statement_;
+  StatementPool::Loan statement_;
   bool hasRow_ = false;
   bool first_ = true;
 };
@@ -166,8 +169,11 @@ auto waitingForTheFile(sqlite3* database, Action action) {
 }  // namespace
 
 std::int64_t Executor::run(std::string_view batch, ResultSink& sink) {
-  const std::vector<StatementPtr> statements = parseBatch(batch);
+  const std::optional<StatementForm> form = formOf(batch);
   catalog_.refresh();
+  if (const auto kept = translation(form)) return run(*kept, *form, batch, sink);
+  const std::vector<StatementPtr> statements = parseBatch(batch);
+  if (const auto made = translation(statements, batch, form)) return run(*made, *form, batch, sink);
   std::int64_t affected = -1;
   for (const StatementPtr& statement : statements) {
     const std::int64_t count = execute(*statement, batch, sink);
@@ -177,8 +183,22 @@ std::int64_t Executor::run(std::string_view batch, ResultSink& sink) {
 }
 
 std::unique_ptr<Cursor> Executor::query(std::string_view batch) {
-  const std::vector<StatementPtr> statements = parseBatch(batch);
+  const std::optional<StatementForm> form = formOf(batch);
   catalog_.refresh();
+  auto known = translation(form);
+  std::vector<StatementPtr> statements;
+  if (!known) {
+    statements = parseBatch(batch);
+    known = translation(statements, batch, form);
+  }
+  if (known && known->kind == StatementKind::select) {
+    try {
+      return rowsOf(*known, *form);
+    } catch (const SumOverflow&) {
+      return open(*parseBatch(batch).at(0)->query, true);
+    }
+  }
+  if (statements.empty()) statements = parseBatch(batch);
   auto kept = std::make_unique<KeptRows>();
   for (const StatementPtr& statement : statements) {
     const bool isLast = &statement == &statements.back();
@@ -190,11 +210,119 @@ std::unique_ptr<Cursor> Executor::query(std::string_view batch) {
   return kept;
 }
 
-std::unique_ptr<Cursor> Executor::open(const Statement& statement) {
-  return withWideningSums([&](bool exactSums) {
-    Binder binder(catalog_, exactSums);
-    return std::make_unique<SelectCursor>(database_, binder.query(*statement.query));
+std::shared_ptr<const Translation> Executor::translation(const std::optional<StatementForm>& form) {
+  if (!form || !identityInsert_.empty()) return nullptr;
+  return Translations::ofProcess().find(*form, catalog_);
+}
+
+std::shared_ptr<const Translation> Executor::translation(const std::vector<StatementPtr>& statements,
+                                                         std::string_view batch,
+                                                         const std::optional<StatementForm>& form) {
+  if (!form || statements.size() != 1 || !identityInsert_.empty()) return nullptr;
+  const Statement& statement = *statements[0];
+  const bool isSelect = statement.kind == StatementKind::select && intoOf(*statement.query) == nullptr;
+  if (!isSelect && statement.kind != StatementKind::insert && statement.kind != StatementKind::update &&
+      statement.kind != StatementKind::remove) {
+    return nullptr;
+  }
+  auto made = std::make_shared<Translation>();
+  std::vector<std::size_t> places;
+  for (const Constant& constant : form->constants)
+    places.push_back(constant.begin);
+  Parameters parameters(std::move(places));
+  NotedLookup tables(catalog_);
+  try {
+    Binder binder(tables, false, &parameters);
+    if (isSelect) {
+      BoundQuery bound = binder.query(*statement.query);
+      if (isWidelyOrdered(bound)) return nullptr;
+      made->sql = std::move(bound.sql);
+      made->columns = resultColumns(bound.columns);
+    } else {
+      Modification modification = modificationOf(statement, binder);
+      if (modification.grouping || modification.matching) return nullptr;
+      made->sql = std::move(modification.sql);
+    }
+  } catch (const SqlError&) {
+    return nullptr;  // comes again when the statement runs as it is, with the place where it belongs
+  }
+  made->kind = statement.kind;
+  made->form = *form;
+  for (std::size_t i = 0; i < form->constants.size(); ++i) {
+    made->isParameter.push_back(parameters.isUsed(i));
+    made->isFree.push_back(parameters.isFree(i));
+  }
+  made->names = tables.take();
+  made->line = statement.place.line;
+  made->begin = statement.begin;
+  made->rest = batch.size() - statement.end;
+  if (!made->names.isWhole) return nullptr;
+  // What stands outside the statement is no part of it, and might be of another length next time.
+  if (std::ranges::any_of(form->constants, [&](const Constant& constant) { return constant.begin >= statement.end; }))
+    return nullptr;
+  Translations::ofProcess().keep(made);
+  return made;
+}
+
+std::int64_t Executor::run(const Translation& translation, const StatementForm& form, std::string_view batch,
+                           ResultSink& sink) {
+  const std::string_view sql = batch.substr(translation.begin, batch.size() - translation.rest - translation.begin);
+  return watched({.line = translation.line, .sql = sql}, [&] {
+    const auto exactly = [&](auto action) { return action(*parseBatch(batch).at(0)); };
+    if (translation.kind == StatementKind::select) {
+      std::unique_ptr<Cursor> cursor;
+      try {
+        cursor = rowsOf(translation, form);
+      } catch (const SumOverflow&) {
+        cursor = exactly([&](const Statement& statement) { return open(*statement.query, true); });
+      }
+      return send(*cursor, sink);
+    }
+    const std::int64_t affected = waitingForTheFile(database_, [&] {
+      try {
+        return modify(translation, form);
+      } catch (const SumOverflow&) {
+        return exactly([&](const Statement& statement) { return modify(statement, true); });
+      }
+    });
+    sink.rowsAffected(affected);
+    return affected;
   });
+}
+
+StatementPool::Loan Executor::prepared(const Translation& translation, const StatementForm& form) {
+  StatementPool::Loan statement = pool_->take(translation.sql);
+  const int parameters = sqlite3_bind_parameter_count(statement->handle());
+  for (int parameter = 1; parameter <= parameters; ++parameter) {
+    const auto constant = static_cast<std::size_t>(parameter) - 1;
+    if (!translation.isParameter[constant]) continue;
+    const Value& value = form.constants[constant].value;
+    if (const auto* const text = std::get_if<std::string>(&value)) {
+      statement->bindCopy(parameter, *text);
+    } else {
+      statement->bind(parameter, std::get<std::int64_t>(value));
+    }
+  }
+  return statement;
+}
+
+std::unique_ptr<Cursor> Executor::rowsOf(const Translation& translation, const StatementForm& form) {
+  return std::make_unique<SelectCursor>(translation.columns, prepared(translation, form));
+}
+
+std::int64_t Executor::modify(const Translation& translation, const StatementForm& form) {
+  Savepoint savepoint(database_);
+  StatementPool::Loan statement = prepared(translation, form);
+  statement->step();
+  const std::int64_t affected = sqlite3_changes64(database_);
+  statement->reset();
+  savepoint.keep();
+  return affected;
+}
+
+std::unique_ptr<Cursor> Executor::open(const Query& query, bool exactSums) {
+  Binder binder(catalog_, exactSums);
+  return std::make_unique<SelectCursor>(database_, binder.query(query));
 }
 
 std::unique_ptr<Cursor> Executor::rowsOf(const Statement& statement) {
@@ -206,33 +334,43 @@ std::unique_ptr<Cursor> Executor::rowsOf(const Statement& statement) {
   });
 }
 
-std::int64_t Executor::execute(const Statement& statement, std::string_view batch, ResultSink& sink) {
+// Gives an error its place, and tells the observer what it took.
+template <typename Action>
+std::int64_t Executor::watched(const Running& running, Action action) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   std::int64_t affected = -1;
   try {
-    // A container runs its statements through here, and rows that were given cannot be taken back.
-    const bool changes = statement.kind != StatementKind::select && statement.kind != StatementKind::conditional &&
-                         statement.kind != StatementKind::block;
-    affected = changes ? waitingForTheFile(database_, [&] { return dispatch(statement, batch, sink); })
-                       : dispatch(statement, batch, sink);
+    affected = action();
   } catch (const Stopped&) {
     catalog_.forget();
     throw;
   } catch (const SqlError& error) {
     catalog_.forget();
     if (error.line() != 0) throw;
-    throw SqlError(error.number(), error.message(), statement.place.line, error.token());
+    throw SqlError(error.number(), error.message(), running.line, error.token());
   }
-  const bool isContainer = statement.kind == StatementKind::conditional || statement.kind == StatementKind::block;
-  if (observer_ && !isContainer) {
+  if (observer_ && !running.isContainer) {
     StatementReport report;
-    report.sql = batch.substr(statement.begin, statement.end - statement.begin);
+    report.sql = running.sql;
     report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     report.rows = std::max<std::int64_t>(affected, 0);
     observer_(report);
   }
   return affected;
+}
+
+std::int64_t Executor::execute(const Statement& statement, std::string_view batch, ResultSink& sink) {
+  const bool isContainer = statement.kind == StatementKind::conditional || statement.kind == StatementKind::block;
+  const Running running{.line = statement.place.line,
+                        .sql = batch.substr(statement.begin, statement.end - statement.begin),
+                        .isContainer = isContainer};
+  return watched(running, [&] {
+    // A container runs its statements through here, and rows that were given cannot be taken back.
+    const bool changes = statement.kind != StatementKind::select && !isContainer;
+    return changes ? waitingForTheFile(database_, [&] { return dispatch(statement, batch, sink); })
+                   : dispatch(statement, batch, sink);
+  });
 }
 
 std::int64_t Executor::dispatch(const Statement& s, std::string_view batch, ResultSink& sink) {
@@ -250,7 +388,7 @@ std::int64_t Executor::dispatch(const Statement& s, std::string_view batch, Resu
     case StatementKind::insert:
     case StatementKind::update:
     case StatementKind::remove:
-      affected = modify(s);
+      affected = withWideningSums([&](bool exactSums) { return modify(s, exactSums); });
       sink.rowsAffected(affected);
       return affected;
     case StatementKind::truncate:
@@ -294,11 +432,15 @@ std::int64_t Executor::dispatch(const Statement& s, std::string_view batch, Resu
 }
 
 std::int64_t Executor::select(const Statement& s, ResultSink& sink) {
-  const std::unique_ptr<Cursor> cursor = open(s);
-  sink.columns(cursor->columns());
+  const std::unique_ptr<Cursor> cursor = withWideningSums([&](bool exactSums) { return open(*s.query, exactSums); });
+  return send(*cursor, sink);
+}
+
+std::int64_t Executor::send(Cursor& cursor, ResultSink& sink) {
+  sink.columns(cursor.columns());
   std::int64_t count = 0;
-  while (cursor->next()) {
-    sink.row(static_cast<const SelectCursor&>(*cursor).row());
+  while (cursor.next()) {
+    sink.row(static_cast<const SelectCursor&>(cursor).row());
     ++count;
   }
   sink.rowsAffected(count);
@@ -343,8 +485,7 @@ std::int64_t Executor::selectInto(const Statement& s, const ObjectName& target, 
   return affected;
 }
 
-Modification Executor::modificationOf(const Statement& s, bool exactSums) {
-  Binder binder(catalog_, exactSums);
+Modification Executor::modificationOf(const Statement& s, Binder& binder) const {
   switch (s.kind) {
     case StatementKind::insert:
       return insertStatement(s, binder, takesIdentity(s.target));
@@ -368,13 +509,12 @@ std::int64_t Executor::change(const Modification& statement) {
   return affected;
 }
 
-std::int64_t Executor::modify(const Statement& s) {
-  return withWideningSums([&](bool exactSums) {
-    Savepoint savepoint(database_);
-    const std::int64_t affected = change(modificationOf(s, exactSums));
-    savepoint.keep();
-    return affected;
-  });
+std::int64_t Executor::modify(const Statement& s, bool exactSums) {
+  Savepoint savepoint(database_);
+  Binder binder(catalog_, exactSums);
+  const std::int64_t affected = change(modificationOf(s, binder));
+  savepoint.keep();
+  return affected;
 }
 
 bool Executor::holds(const Expression& condition) {
@@ -556,16 +696,15 @@ std::string Executor::translate(std::string_view text) {
   catalog_.refresh();
   std::string result;
   for (const StatementPtr& statement : statements) {
+    Binder binder(catalog_, false);
     switch (statement->kind) {
-      case StatementKind::select: {
-        Binder binder(catalog_, false);
+      case StatementKind::select:
         result += binder.query(*statement->query).sql + ";\n";
         break;
-      }
       case StatementKind::insert:
       case StatementKind::update:
       case StatementKind::remove:
-        result += modificationOf(*statement, false).sql + ";\n";
+        result += modificationOf(*statement, binder).sql + ";\n";
         break;
       default:
         throw SqlError(40510, "Only SELECT, INSERT, UPDATE and DELETE have a translation to show.",

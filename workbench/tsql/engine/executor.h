@@ -13,6 +13,8 @@
 #include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/engine/lone_rows.h"
 #include "workbench/tsql/engine/modification.h"
+#include "workbench/tsql/engine/statement_pool.h"
+#include "workbench/tsql/engine/translation.h"
 #include "workbench/tsql/syntax/ast.h"
 
 struct sqlite3;
@@ -21,7 +23,8 @@ namespace quillon::tsql {
 
 class Executor {
  public:
-  Executor(sqlite3* database, Catalog& catalog) : database_(database), catalog_(catalog) {
+  Executor(sqlite3* database, Catalog& catalog)
+      : database_(database), catalog_(catalog), pool_(std::make_shared<StatementPool>(database)) {
     loneRows_.registerFunction(database);
     matchedRows_.registerFunctions(database);
   }
@@ -37,12 +40,22 @@ class Executor {
   void observe(std::function<void(const StatementReport&)> observer) { observer_ = std::move(observer); }
 
  private:
+  // A statement that runs: where it begins and its text.
+  struct Running {
+    int line = 0;
+    std::string_view sql;
+    bool isContainer = false;
+  };
+  template <typename Action>
+  std::int64_t watched(const Running& running, Action action);
+
   // The rows affected; -1 for a statement that counts none.
   std::int64_t execute(const Statement& statement, std::string_view batch, ResultSink& sink);
   std::int64_t dispatch(const Statement& statement, std::string_view batch, ResultSink& sink);
   std::int64_t select(const Statement& statement, ResultSink& sink);
+  static std::int64_t send(Cursor& cursor, ResultSink& sink);
   std::int64_t selectInto(const Statement& statement, const ObjectName& target, bool exactSums);
-  std::int64_t modify(const Statement& statement);
+  std::int64_t modify(const Statement& statement, bool exactSums);
   bool holds(const Expression& condition);
   void createTable(const Statement& statement);
   void createIndex(const Statement& statement);
@@ -53,15 +66,27 @@ class Executor {
   void truncate(const Statement& statement);
   void setIdentityInsert(const Statement& statement);
   bool takesIdentity(const ObjectName& table) const;
-  Modification modificationOf(const Statement& statement, bool exactSums);
+  Modification modificationOf(const Statement& statement, Binder& binder) const;
   // Runs it, in its form for many rows where that is worthwhile; gives the rows affected.
   std::int64_t change(const Modification& statement);
-  std::unique_ptr<Cursor> open(const Statement& statement);
+  std::unique_ptr<Cursor> open(const Query& query, bool exactSums);
   // The same for who reads them one by one.
   std::unique_ptr<Cursor> rowsOf(const Statement& statement);
 
+  // The translation of a batch that is one statement, kept or, where the statement is given, made now; null when there
+  // is none.
+  std::shared_ptr<const Translation> translation(const std::optional<StatementForm>& form);
+  std::shared_ptr<const Translation> translation(const std::vector<StatementPtr>& statements, std::string_view batch,
+                                                 const std::optional<StatementForm>& form);
+  std::int64_t run(const Translation& translation, const StatementForm& form, std::string_view batch, ResultSink& sink);
+  std::unique_ptr<Cursor> rowsOf(const Translation& translation, const StatementForm& form);
+  // SQLite's statement, with the constants of the form as its parameters.
+  StatementPool::Loan prepared(const Translation& translation, const StatementForm& form);
+  std::int64_t modify(const Translation& translation, const StatementForm& form);
+
   sqlite3* database_;
   Catalog& catalog_;
+  std::shared_ptr<StatementPool> pool_;
   std::function<void(const StatementReport&)> observer_;
   LoneRows loneRows_;
   MatchedRows matchedRows_;

@@ -242,7 +242,7 @@ Sources bindSources(const Statement& s, Binder& binder) {
 
 std::string whereOf(const Statement& s, Sources& sources, Binder& binder) {
   std::string where = sources.conditions;
-  if (s.condition) where += (where.empty() ? "" : " AND ") + binder.condition(*s.condition, sources.scope).sql;
+  if (s.condition) where += (where.empty() ? "" : " AND ") + binder.restriction(*s.condition, sources.scope).sql;
   return where.empty() ? "" : " WHERE " + where;
 }
 

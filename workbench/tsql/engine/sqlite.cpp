@@ -160,6 +160,10 @@ void Prepared::bind(int parameter, std::string_view text) {
   sqlite3_bind_text(statement_, parameter, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
 }
 
+void Prepared::bindCopy(int parameter, std::string_view text) {
+  sqlite3_bind_text(statement_, parameter, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+}
+
 void Prepared::bind(int parameter, std::int64_t number) {
   sqlite3_bind_int64(statement_, parameter, number);
 }

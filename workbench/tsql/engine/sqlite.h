@@ -51,6 +51,7 @@ class Prepared {
   bool step();  // true: there is a row
   void reset() noexcept;
   void bind(int parameter, std::string_view text);  // the text must live until the next reset; parameters count from 1
+  void bindCopy(int parameter, std::string_view text);  // keeps a text of its own
   void bind(int parameter, std::int64_t number);
   std::string text(int column) const;  // columns count from 0; empty for NULL
   std::int64_t integer(int column) const;

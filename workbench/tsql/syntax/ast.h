@@ -1,6 +1,7 @@
 // What the parser makes of a batch. The nodes hold names and literals as written; nothing is looked up yet.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -64,6 +65,7 @@ struct Expression {
   std::vector<std::string> name;
   std::vector<ExpressionPtr> operands;
   Value literal;
+  std::size_t begin = 0;  // of a literal: its place in the batch, in bytes
   Type type;
   QueryPtr query;
   bool negated = false;   // NOT IN, NOT LIKE, NOT BETWEEN, IS NOT NULL

@@ -493,7 +493,8 @@ ExpressionPtr ExpressionParser::primary() {
 
 ExpressionPtr ExpressionParser::literal() {
   ExpressionPtr result = make(ExpressionKind::literal);
-  const Token token = next();
+  result->begin = peek().begin;
+  const Token& token = next();
   Literal parsed = parseLiteral(token);
   result->literal = std::move(parsed.value);
   result->type = parsed.type;

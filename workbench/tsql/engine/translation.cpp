@@ -1,0 +1,97 @@
+#include "workbench/tsql/engine/translation.h"
+
+#include <algorithm>
+
+namespace quillon::tsql {
+namespace {
+
+bool isSame(const std::optional<StoredObject>& left, const std::optional<StoredObject>& right) {
+  if (!left || !right) return !left && !right;
+  return left->id == right->id && left->type == right->type && left->name == right->name &&
+         left->definition == right->definition && left->schema == right->schema;
+}
+
+bool isSameName(const ObjectName& left, const ObjectName& right) {
+  return left.database == right.database && left.name == right.name;
+}
+
+}  // namespace
+
+std::shared_ptr<const Table> NotedLookup::table(const ObjectName& name) {
+  auto table = tables_.table(name);
+  if (std::ranges::none_of(found_.tables, [&](const auto& one) { return isSameName(one.name, name); }))
+    found_.tables.push_back({name, table});
+  return table;
+}
+
+std::optional<StoredObject> NotedLookup::object(const ObjectName& name) {
+  auto object = tables_.object(name);
+  if (std::ranges::none_of(found_.objects, [&](const auto& one) { return isSameName(one.name, name); }))
+    found_.objects.push_back({name, object});
+  return object;
+}
+
+std::string NotedLookup::sysobjects(std::string_view database) const {
+  found_.isWhole = false;
+  return tables_.sysobjects(database);
+}
+
+std::string NotedLookup::sysindexes(std::string_view database) const {
+  found_.isWhole = false;
+  return tables_.sysindexes(database);
+}
+
+bool NotedLookup::Found::holds(TableLookup& lookup) const {
+  // The catalog gives equal declarations as one object.
+  return std::ranges::all_of(tables, [&](const auto& one) { return lookup.table(one.name) == one.table; }) &&
+         std::ranges::all_of(objects, [&](const auto& one) { return isSame(lookup.object(one.name), one.object); });
+}
+
+bool Translation::fits(const StatementForm& other) const {
+  if (form.text != other.text) return false;
+  for (std::size_t i = 0; i < isFree.size(); ++i) {
+    if (!isFree[i] && form.constants[i].value != other.constants[i].value) return false;
+  }
+  return true;
+}
+
+Translations& Translations::ofProcess() {
+  static Translations translations;
+  return translations;
+}
+
+std::shared_ptr<const Translation> Translations::find(const StatementForm& form, TableLookup& tables) {
+  std::vector<std::shared_ptr<const Translation>> candidates;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto [first, last] = byForm_.equal_range(form.text);
+    for (auto each = first; each != last; ++each) {
+      if (!(*each->second)->fits(form)) continue;
+      candidates.push_back(*each->second);
+      kept_.splice(kept_.begin(), kept_, each->second);
+    }
+  }
+  for (auto& candidate : candidates) {
+    if (candidate->names.holds(tables)) return std::move(candidate);
+  }
+  return nullptr;
+}
+
+void Translations::keep(std::shared_ptr<const Translation> translation) {
+  if (translation->sql.size() > longestSql) return;
+  const std::lock_guard lock(mutex_);
+  kept_.push_front(std::move(translation));
+  byForm_.emplace(kept_.front()->form.text, kept_.begin());
+  if (kept_.size() <= mostKept) return;
+  const auto oldest = std::prev(kept_.end());
+  const auto [first, last] = byForm_.equal_range((*oldest)->form.text);
+  byForm_.erase(std::find_if(first, last, [oldest](const auto& each) { return each.second == oldest; }));
+  kept_.erase(oldest);
+}
+
+std::size_t Translations::size() const {
+  const std::lock_guard lock(mutex_);
+  return kept_.size();
+}
+
+}  // namespace quillon::tsql
