@@ -4,6 +4,7 @@
 
 #include "frame/text.h"
 #include "workbench/tsql/binding/binder_core.h"
+#include "workbench/tsql/binding/fixed_columns.h"
 #include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/syntax/parser.h"
 #include "workbench/tsql/values/sql_error.h"
@@ -313,6 +314,39 @@ void Binder::bindItems(const SelectCore& select, Core& core) {
   }
 }
 
+std::vector<std::string> Binder::groupKeys(const SelectCore& select, Scope& scope, std::vector<std::string> keys) {
+  if (keys.size() < 2 || scope.parent != nullptr) return keys;
+  // SQLite compares all keys of two rows that are alike. Those that tell no rows apart come last.
+  const FixedColumns fixed(select, scope, *this);
+  std::vector<std::string> first;
+  std::vector<std::string> last;
+  Parameters::DependentKeys dependent;
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    if (fixed.contains(keys[i])) {
+      last.push_back(keys[i]);
+      continue;
+    }
+    const Expression& expression = *select.groupBy[i];
+    const bool isDependent =
+        takesParameters(nullptr) && parameters_->takesDependentKeys && parameters_->dependentKeys.conditions.empty() &&
+        expression.kind == ExpressionKind::searchedCase && expression.operands.size() == 3 &&
+        fixed.determines(*expression.operands[0]) && value(*expression.operands[2], scope).constant.has_value();
+    first.push_back(keys[i]);
+    if (isDependent) {
+      dependent.conditions.push_back(condition(*expression.operands[0], scope).sql);
+      first.back().insert(0, 1, Parameters::keyBegin).append(1, Parameters::keyEnd);
+    }
+  }
+  // Something has to stand behind them.
+  if (last.empty()) return keys;
+  if (!dependent.conditions.empty()) {
+    dependent.from = fixed.joinedTables();
+    parameters_->dependentKeys = std::move(dependent);
+  }
+  first.insert(first.end(), last.begin(), last.end());
+  return first;
+}
+
 Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLoneRows) {
   Core core;
   Scope& scope = *core.scope;
@@ -330,6 +364,7 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLon
     core.from = from(select.from, scope);
   }
   std::vector<std::string> groups;
+  std::vector<std::string> keys;
   for (const ExpressionPtr& expression : select.groupBy) {
     if (containsAggregate(*expression)) {
       throw SqlError(
@@ -343,8 +378,9 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLon
                      expression->place.line, expression->place.token);
     }
     groups.push_back(value.sql);
-    core.groupBy.push_back(collated(settled(value)));
+    keys.push_back(collated(settled(value)));
   }
+  core.groupBy = groupKeys(select, scope, std::move(keys));
   const bool aggregated = std::any_of(select.items.begin(), select.items.end(), [](const SelectItem& item) {
     return item.value && containsAggregate(*item.value);
   });

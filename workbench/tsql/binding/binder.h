@@ -112,6 +112,18 @@ class Parameters {
   bool isUsed(std::size_t constant) const { return used_.at(constant); }
   bool isFree(std::size_t constant) const { return used_.at(constant) && pasted_.at(constant) == 0; }
 
+  // Keys that the rows are grouped by only under a condition that has one value for all of them, and else by a constant:
+  // where the condition does not hold they can be left out. In the text such a key stands between `keyBegin` and
+  // `keyEnd`, and a comma with a blank and another key stand behind it.
+  static constexpr char keyBegin = '\x01', keyEnd = '\x02';
+  struct DependentKeys {
+    std::vector<std::string> conditions;  // one a key, in the text's order
+    std::string from;                     // the one row for which they hold or not
+  };
+  // Whoever runs the statement sets this where it asks the conditions before, and nothing can change between.
+  bool takesDependentKeys = false;
+  DependentKeys dependentKeys;
+
  private:
   std::size_t find(std::size_t place) const;  // which constant stands there; past the last one: none
 
@@ -199,6 +211,8 @@ class Binder {
   bool takesParameters(const Scope* outer) const;
   // Items that are constants become parameters for the columns that they are stored in.
   void takeItemParameters(const Query& query, Core& core, const std::vector<Target>& targets);
+  // The keys of a grouping as SQLite is to sort by them. The groups and their order are those of the keys as written.
+  std::vector<std::string> groupKeys(const SelectCore& select, Scope& scope, std::vector<std::string> keys);
 
   // The conditions of the Where clause that see this source only, joined by And; empty: none.
   std::string conditionsOn(const Source& source, const SelectCore& select) const;

@@ -230,6 +230,8 @@ std::shared_ptr<const Translation> Executor::translation(const std::vector<State
   for (const Constant& constant : form->constants)
     places.push_back(constant.begin);
   Parameters parameters(std::move(places));
+  // What changes something runs within a savepoint, so that between the two queries nothing changes.
+  parameters.takesDependentKeys = !isSelect;
   NotedLookup tables(catalog_);
   try {
     Binder binder(tables, false, &parameters);
@@ -256,7 +258,7 @@ std::shared_ptr<const Translation> Executor::translation(const std::vector<State
   made->line = statement.place.line;
   made->begin = statement.begin;
   made->rest = batch.size() - statement.end;
-  if (!made->names.isWhole) return nullptr;
+  if (!made->names.isWhole || !made->takeKeys(parameters.dependentKeys)) return nullptr;
   // What stands outside the statement is no part of it, and might be of another length next time.
   if (std::ranges::any_of(form->constants, [&](const Constant& constant) { return constant.begin >= statement.end; }))
     return nullptr;
@@ -290,8 +292,9 @@ std::int64_t Executor::run(const Translation& translation, const StatementForm& 
   });
 }
 
-StatementPool::Loan Executor::prepared(const Translation& translation, const StatementForm& form) {
-  StatementPool::Loan statement = pool_->take(translation.sql);
+StatementPool::Loan Executor::prepared(const std::string& sql, const Translation& translation,
+                                       const StatementForm& form) {
+  StatementPool::Loan statement = pool_->take(sql);
   const int parameters = sqlite3_bind_parameter_count(statement->handle());
   for (int parameter = 1; parameter <= parameters; ++parameter) {
     const auto constant = static_cast<std::size_t>(parameter) - 1;
@@ -304,6 +307,19 @@ StatementPool::Loan Executor::prepared(const Translation& translation, const Sta
     }
   }
   return statement;
+}
+
+StatementPool::Loan Executor::prepared(const Translation& translation, const StatementForm& form) {
+  if (translation.keysQuery.empty()) return prepared(translation.sql, translation, form);
+  std::vector<bool> isKey;
+  {
+    const StatementPool::Loan keys = prepared(translation.keysQuery, translation, form);
+    keys->step();
+    const int count = sqlite3_column_count(keys->handle());
+    for (int i = 0; i < count; ++i)
+      isKey.push_back(keys->integer(i) != 0);
+  }
+  return prepared(translation.sqlWithKeys(isKey), translation, form);
 }
 
 std::unique_ptr<Cursor> Executor::rowsOf(const Translation& translation, const StatementForm& form) {

@@ -82,6 +82,7 @@ class Executor {
   std::unique_ptr<Cursor> rowsOf(const Translation& translation, const StatementForm& form);
   // SQLite's statement, with the constants of the form as its parameters.
   StatementPool::Loan prepared(const Translation& translation, const StatementForm& form);
+  StatementPool::Loan prepared(const std::string& sql, const Translation& translation, const StatementForm& form);
   std::int64_t modify(const Translation& translation, const StatementForm& form);
 
   sqlite3* database_;

@@ -55,6 +55,30 @@ bool Translation::fits(const StatementForm& other) const {
   return true;
 }
 
+bool Translation::takeKeys(const Parameters::DependentKeys& keys) {
+  const auto count = static_cast<std::ptrdiff_t>(keys.conditions.size());
+  if (std::ranges::count(sql, Parameters::keyBegin) != count || std::ranges::count(sql, Parameters::keyEnd) != count)
+    return false;
+  for (const std::string& condition : keys.conditions)
+    keysQuery += (keysQuery.empty() ? "SELECT " : ", ") + condition;
+  if (!keysQuery.empty()) keysQuery += " FROM " + keys.from;
+  return true;
+}
+
+std::string Translation::sqlWithKeys(const std::vector<bool>& isKey) const {
+  std::string result;
+  std::size_t from = 0;
+  for (const bool isTaken : isKey) {
+    const std::size_t begin = sql.find(Parameters::keyBegin, from);
+    const std::size_t end = sql.find(Parameters::keyEnd, begin);
+    result.append(sql, from, begin - from);
+    if (isTaken) result.append(sql, begin + 1, end - begin - 1);
+    from = end + 1;
+    if (!isTaken) from += std::string_view(", ").size();
+  }
+  return result.append(sql, from);
+}
+
 Translations& Translations::ofProcess() {
   static Translations translations;
   return translations;

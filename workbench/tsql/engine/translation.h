@@ -63,12 +63,18 @@ struct Translation {
   StatementForm form;
   // Of each constant of the form, whether it is a parameter, and whether another one may stand in its place.
   std::vector<bool> isParameter, isFree;
+  // A query of one row that says of each dependent key of the SQL whether rows are grouped by it; empty: there is none.
+  std::string keysQuery;
   NotedLookup::Found names;
   int line = 0;                     // where the statement begins
   std::size_t begin = 0, rest = 0;  // how much of the batch stands before it and behind it, in bytes
 
   // Whether it is the translation of that form, as far as the text says it.
   bool fits(const StatementForm& other) const;
+  // Takes over the binder's keys. False: the text has their marks for something else.
+  bool takeKeys(const Parameters::DependentKeys& keys);
+  // The SQL with those of the keys that `isKey` says.
+  std::string sqlWithKeys(const std::vector<bool>& isKey) const;
 };
 
 // What one process keeps. Safe from several threads.

@@ -244,6 +244,77 @@ TEST_F(KeptStatements, ReportTheTextThatRan) {
   EXPECT_THAT(seen, ElementsAre("Insert Into t Select 5: 1", "Insert Into t Select 6789: 1"));
 }
 
+TEST_F(KeptStatements, AreGroupedByKeysThatDependOnOneRow) {
+  database_->execute(
+      "Create Table kind (code nvarchar(5), byBatch bit, byColour int, name nvarchar(9), Primary Key (code)) "
+      "Create Table line (code nvarchar(5), place int, batch nvarchar(5), colour nvarchar(5), n int) "
+      "Create Table sums (batch nvarchar(5), colour nvarchar(5), code nvarchar(5), name nvarchar(9), place int, n int)");
+  database_->execute(
+      "Insert Into kind Values (N'a', 0, 0, N'A') Insert Into kind Values (N'b', 1, 0, N'B') "
+      "Insert Into kind Values (N'c', 0, 1, N'C') Insert Into kind Values (N'd', 1, 1, N'D') "
+      "Insert Into kind Values (N'e', null, null, null)");
+  int n = 1;
+  for (const char* code : {"a", "B", "b", "c", "d", "D", "e", "f"}) {
+    for (const char* batch : {"N'2'", "N'1'", "null", "N'x'", "N'X'"}) {
+      for (const char* colour : {"N'r'", "N''", "null"}) {
+        database_->execute(std::string("Insert Into line Values (N'") + code + "', " + std::to_string(n % 3) + ", " +
+                           batch + ", " + colour + ", " + std::to_string(n) + ")");
+        ++n;
+      }
+    }
+  }
+  const std::string_view batch = "case when isnull(kind.byBatch, 0) = 1 then isnull(line.batch, N'') else N'' end";
+  const std::string_view colour =
+      "case when isnull(kind.byColour, 0) = 1 then isnull(line.colour, N'') else cast(N'' as nvarchar(5)) end";
+  for (const char* code : {"a", "b", "c", "d", "e", "f", "g"}) {
+    std::string sums = put(
+        "Select # As batch, ~ As colour, line.code, name, sum(n) As n From line Left Join kind On kind.code = line.code "
+        "Where line.code = N'$' Group By #, line.code, ~, name",
+        code);
+    sums = put(put(sums, batch, '#'), colour, '~');
+    std::vector<std::vector<std::string>> results;
+    for (const char* end : {" -- read anew", "", ""}) {
+      database_->execute("Truncate Table sums");
+      database_->execute("Insert Into sums (batch, colour, code, name, n) " + sums + end);
+      database_->execute("Update sums Set place = a.n From sums Inner Join (" + sums +
+                         ") a On a.batch = sums.batch And a.colour = sums.colour Where sums.code = N'" + code + "'" +
+                         end);
+      results.push_back(rows(*database_, "Select * From sums"));
+    }
+    EXPECT_EQ(results[1], results[0]) << code;
+    EXPECT_EQ(results[2], results[0]) << code;
+    const std::size_t groups[] = {1, 4, 2, 8, 1, 1, 0};
+    EXPECT_EQ(results[0].size(), groups[code[0] - 'a']) << code;
+  }
+  // What the row says may change.
+  database_->execute("Update kind Set byBatch = 1 Where code = N'a'");
+  database_->execute("Truncate Table sums");
+  database_->execute(put(
+      "Insert Into sums (batch, n) Select $, sum(n) From line Left Join kind On kind.code = line.code Where line.code "
+      "= N'a' Group By $, line.code",
+      batch));
+  EXPECT_THAT(rows(*database_, "Select batch, n From sums"), ElementsAre(" 24", "1 15", "2 6", "x 75"));
+}
+
+TEST_F(KeptStatements, AreNotGroupedByFewerKeysWhereTheRowsDiffer) {
+  database_->execute(
+      "Create Table kind (code nvarchar(5), byBatch bit) Create Table line (code nvarchar(5), batch nvarchar(5), n int) "
+      "Create Table sums (batch nvarchar(5), n int)");
+  // The code is no key, so a line may have several kinds.
+  database_->execute("Insert Into kind Values (N'a', 0) Insert Into kind Values (N'a', 1)");
+  database_->execute("Insert Into line Values (N'a', N'1', 2) Insert Into line Values (N'a', N'2', 3)");
+  for (const char* end : {" -- read anew", "", ""}) {
+    database_->execute("Truncate Table sums");
+    database_->execute(
+        std::string(
+            "Insert Into sums (batch, n) Select case when byBatch = 1 then batch else N'' end, sum(n) From line Left Join "
+            "kind On kind.code = line.code Where line.code = N'a' Group By case when byBatch = 1 then batch else "
+            "N'' end, line.code") +
+        end);
+    EXPECT_THAT(rows(*database_, "Select * From sums"), ElementsAre(" 5", "1 2", "2 3"));
+  }
+}
+
 TEST_F(KeptStatements, AreNotTakenForOtherRowsThanTheirFormReads) {
   // The groups of the derived table are restricted to those of the lines, and ordered rows are looked up first.
   database_->execute(
