@@ -14,7 +14,7 @@ const Token& TokenReader::peek(std::size_t ahead) const {
   return tokens_[std::min(position_ + ahead, tokens_.size() - 1)];
 }
 
-Token TokenReader::next() {
+const Token& TokenReader::next() {
   const Token& token = peek();
   if (position_ + 1 < tokens_.size()) ++position_;
   return token;
@@ -99,7 +99,7 @@ bool TokenReader::isNameAt(std::size_t ahead) const {
 std::string TokenReader::name() {
   if (!isNameAt(0)) syntaxError();
   if (peek().text.starts_with('@')) refuse("variables (" + peek().text + ")");
-  const Token token = next();
+  const Token& token = next();
   std::string result = token.kind == TokenKind::quotedName ? token.value : token.text;
   if (result.empty()) {
     throw SqlError(1038, "An object or column name is missing or empty. Name each object and column.", token.line,
@@ -301,7 +301,7 @@ ExpressionPtr ExpressionParser::disjunction() {
   ExpressionPtr left = conjunction();
   while (isWord("or")) {
     requireCondition(*left);
-    const Token op = next();
+    const Token& op = next();
     ExpressionPtr right = conjunction();
     requireCondition(*right);
     left = binary(ExpressionKind::logicalOr, op, std::move(left), std::move(right));
@@ -313,7 +313,7 @@ ExpressionPtr ExpressionParser::conjunction() {
   ExpressionPtr left = negation();
   while (isWord("and")) {
     requireCondition(*left);
-    const Token op = next();
+    const Token& op = next();
     ExpressionPtr right = negation();
     requireCondition(*right);
     left = binary(ExpressionKind::logicalAnd, op, std::move(left), std::move(right));
@@ -408,7 +408,7 @@ ExpressionPtr ExpressionParser::sum() {
   ExpressionPtr left = product();
   while (isSymbol("+") || isSymbol("-")) {
     requireValue(*left);
-    const Token op = next();
+    const Token& op = next();
     ExpressionPtr right = product();
     requireValue(*right);
     left = binary(ExpressionKind::arithmetic, op, std::move(left), std::move(right));
@@ -421,7 +421,7 @@ ExpressionPtr ExpressionParser::product() {
   ExpressionPtr left = unary();
   while (isSymbol("*") || isSymbol("/") || isSymbol("%")) {
     requireValue(*left);
-    const Token op = next();
+    const Token& op = next();
     ExpressionPtr right = unary();
     requireValue(*right);
     left = binary(ExpressionKind::arithmetic, op, std::move(left), std::move(right));

@@ -19,7 +19,7 @@ class TokenReader {
 
  protected:
   const Token& peek(std::size_t ahead = 0) const;
-  Token next();
+  const Token& next();
   bool atEnd() const { return peek().kind == TokenKind::end; }
   std::size_t previousEnd() const { return position_ == 0 ? 0 : tokens_[position_ - 1].end; }
   Place place() const { return {peek().line, peek().text}; }

@@ -145,7 +145,7 @@ SelectItem QueryParser::selectItem() {
   const bool nameFirst = isNameAt(0) || peek().kind == TokenKind::text;
   if (nameFirst && isSymbolAt(1, "=")) {
     if (peek().text.starts_with('@')) refuse("variables (" + peek().text + ")");
-    const Token alias = next();
+    const Token& alias = next();
     item.alias = alias.kind == TokenKind::word ? alias.text : alias.value;
     next();
     item.value = value();

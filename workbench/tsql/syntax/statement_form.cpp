@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <utility>
 
 #include "frame/text.h"
 #include "workbench/tsql/values/text.h"
@@ -32,6 +33,7 @@ class FormReader {
     while (position_ < batch_.size()) {
       if (!readOne() || form_.constants.size() > mostConstants) return std::nullopt;
     }
+    form_.text.append(batch_.substr(copied_));
     return std::move(form_);
   }
 
@@ -62,10 +64,16 @@ class FormReader {
     }
   }
 
+  // What is not replaced is copied in long pieces.
   bool copy(std::size_t count) {
-    form_.text.append(batch_.substr(position_, count));
     position_ += count;
     return true;
+  }
+  void replace(std::size_t count, std::string_view mark, Value value) {
+    form_.text.append(batch_.substr(copied_, position_ - copied_)).append(mark);
+    form_.constants.push_back({.begin = position_, .end = position_ + count, .value = std::move(value)});
+    position_ += count;
+    copied_ = position_;
   }
 
   // The length of what stands in quotes from `offset` on, the quotes included; a doubled quote stands for itself. Nothing
@@ -101,9 +109,7 @@ class FormReader {
     if (!isNumber) return copy(length);
     std::int64_t value = 0;
     std::from_chars(run.data(), run.data() + run.size(), value);
-    form_.constants.push_back({.begin = position_, .end = position_ + length, .value = value});
-    form_.text += numberMark;
-    position_ += length;
+    replace(length, std::string_view(&numberMark, 1), value);
     return true;
   }
 
@@ -116,14 +122,15 @@ class FormReader {
       value += inner[i];
       if (inner[i] == '\'') ++i;
     }
-    form_.text.append(1, textMark).append(std::to_string(text::width(value))).append(1, textMark);
-    form_.constants.push_back({.begin = position_, .end = position_ + 1 + *quoted, .value = std::move(value)});
-    position_ += 1 + *quoted;
+    std::string mark(1, textMark);
+    mark.append(std::to_string(text::width(value))).append(1, textMark);
+    replace(1 + *quoted, mark, std::move(value));
     return true;
   }
 
   std::string_view batch_;
   std::size_t position_ = 0;
+  std::size_t copied_ = 0;  // up to here the form has it
   StatementForm form_;
 };
 
