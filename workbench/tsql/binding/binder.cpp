@@ -314,10 +314,13 @@ void Binder::bindItems(const SelectCore& select, Core& core) {
   }
 }
 
-std::vector<std::string> Binder::groupKeys(const SelectCore& select, Scope& scope, std::vector<std::string> keys) {
-  if (keys.size() < 2 || scope.parent != nullptr) return keys;
+void Binder::arrangeGrouping(const SelectCore& select, Core& core) {
+  Scope& scope = *core.scope;
+  const std::vector<std::string>& keys = core.groupBy;
+  if (keys.size() < 2 || scope.parent != nullptr) return;
   // SQLite compares all keys of two rows that are alike. Those that tell no rows apart come last.
   const FixedColumns fixed(select, scope, *this);
+  core.from = fixed.joinedFirst(select, std::move(core.from));
   std::vector<std::string> first;
   std::vector<std::string> last;
   Parameters::DependentKeys dependent;
@@ -338,13 +341,13 @@ std::vector<std::string> Binder::groupKeys(const SelectCore& select, Scope& scop
     }
   }
   // Something has to stand behind them.
-  if (last.empty()) return keys;
+  if (last.empty()) return;
   if (!dependent.conditions.empty()) {
     dependent.from = fixed.joinedTables();
     parameters_->dependentKeys = std::move(dependent);
   }
   first.insert(first.end(), last.begin(), last.end());
-  return first;
+  core.groupBy = std::move(first);
 }
 
 Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLoneRows) {
@@ -364,7 +367,6 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLon
     core.from = from(select.from, scope);
   }
   std::vector<std::string> groups;
-  std::vector<std::string> keys;
   for (const ExpressionPtr& expression : select.groupBy) {
     if (containsAggregate(*expression)) {
       throw SqlError(
@@ -378,9 +380,9 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLon
                      expression->place.line, expression->place.token);
     }
     groups.push_back(value.sql);
-    keys.push_back(collated(settled(value)));
+    core.groupBy.push_back(collated(settled(value)));
   }
-  core.groupBy = groupKeys(select, scope, std::move(keys));
+  arrangeGrouping(select, core);
   const bool aggregated = std::any_of(select.items.begin(), select.items.end(), [](const SelectItem& item) {
     return item.value && containsAggregate(*item.value);
   });

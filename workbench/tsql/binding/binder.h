@@ -211,8 +211,9 @@ class Binder {
   bool takesParameters(const Scope* outer) const;
   // Items that are constants become parameters for the columns that they are stored in.
   void takeItemParameters(const Query& query, Core& core, const std::vector<Target>& targets);
-  // The keys of a grouping as SQLite is to sort by them. The groups and their order are those of the keys as written.
-  std::vector<std::string> groupKeys(const SelectCore& select, Scope& scope, std::vector<std::string> keys);
+  // Puts keys and tables of a grouping as they cost SQLite least. The groups and their order are those of the query as
+  // written.
+  void arrangeGrouping(const SelectCore& select, Core& core);
 
   // The conditions of the Where clause that see this source only, joined by And; empty: none.
   std::string conditionsOn(const Source& source, const SelectCore& select) const;

@@ -15,6 +15,10 @@ bool isPlainlyCompared(const Type& column, const Type& constant) {
   return (isText(column) && isText(constant)) || (isWhole && constant.kind == Kind::integer);
 }
 
+bool hasLeftJoinsOnly(const TableSource& source) {
+  return source.left == nullptr || (source.join == JoinKind::left && hasLeftJoinsOnly(*source.left));
+}
+
 }  // namespace
 
 FixedColumns::FixedColumns(const SelectCore& select, Scope& scope, Binder& binder) : scope_(scope), binder_(binder) {
@@ -62,6 +66,17 @@ std::string FixedColumns::joinedTables() const {
   for (const Joined& joined : joined_)
     from += joined.join;
   return from;
+}
+
+std::string FixedColumns::joinedFirst(const SelectCore& select, std::string from) const {
+  if (joined_.empty() || select.from.size() != 1 || !hasLeftJoinsOnly(*select.from[0])) return from;
+  for (const Joined& joined : joined_) {
+    const std::size_t place = from.find(joined.written);
+    if (place == std::string::npos || from.rfind(joined.written) != place) return from;
+  }
+  for (const Joined& joined : joined_)
+    from.erase(from.find(joined.written), joined.written.size());
+  return joinedTables() + " CROSS JOIN " + from;
 }
 
 std::string FixedColumns::constantOf(std::string_view column) const {
@@ -117,9 +132,13 @@ void FixedColumns::addJoins(const TableSource& source) {
   Fragment given = binder_.value(right, scope_);
   if (!isKey(*joined, key.sql)) std::swap(key, given);
   if (isKey(*joined, key.sql) && contains(given.sql) && isPlainlyCompared(key.type, given.type))
-    joined_.push_back({.prefix = quoteName(joined->alias) + '.',
-                       .join = " LEFT JOIN " + joined->stored->physical + " AS " + quoteName(joined->alias) + " ON (" +
-                               key.sql + " = " + constantOf(given.sql) + ")"});
+    addJoined(*joined, key.sql + " = " + constantOf(given.sql), binder_.condition(*source.on, scope_).sql);
+}
+
+void FixedColumns::addJoined(const Source& source, const std::string& condition, const std::string& written) {
+  const std::string table = " LEFT JOIN " + source.stored->physical + " AS " + quoteName(source.alias) + " ON ";
+  joined_.push_back(
+      {.prefix = quoteName(source.alias) + '.', .join = table + '(' + condition + ')', .written = table + written});
 }
 
 }  // namespace quillon::tsql

@@ -22,10 +22,14 @@ class FixedColumns {
   bool determines(const Expression& expression) const;
   // A From clause of one row with these joined tables; what determines() says yes to has its one value there.
   std::string joinedTables() const;
+  // The From clause with these tables in front, where they are looked up once and not for each row. As it is written when
+  // it has other joins than left ones.
+  std::string joinedFirst(const SelectCore& select, std::string from) const;
 
  private:
   void addRestrictions(const Expression& condition);
   void addJoins(const TableSource& source);
+  void addJoined(const Source& source, const std::string& condition, const std::string& written);
   bool isKey(const Source& source, const std::string& column) const;
   std::string constantOf(std::string_view column) const;
 
@@ -35,8 +39,9 @@ class FixedColumns {
     std::string sql, constant;  // "alias"."column"; what it is equal to
   };
   struct Joined {
-    std::string prefix;  // "alias".
-    std::string join;    // how it is joined to what stands before it
+    std::string prefix;   // "alias".
+    std::string join;     // how it is joined to what stands before it
+    std::string written;  // how the From clause joins it
   };
   std::vector<Column> columns_;
   std::vector<Joined> joined_;
