@@ -361,7 +361,6 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLon
   if (!select.from.empty()) core.from = from(select.from, scope);
   if (select.where) core.where = restriction(*select.where, scope).sql;
   if (restrictDerived(select, scope)) {
-    if (parameters_ != nullptr) parameters_->pasteAll();
     scope.sources.clear();
     views_ = views;
     core.from = from(select.from, scope);
@@ -557,7 +556,6 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
     if (std::string first = orderedFirst(query, core); !first.empty()) {
       core.from = std::move(first);
       core.order.clear();
-      if (parameters_ != nullptr) parameters_->pasteAll();
     }
   }
   if (targets != nullptr) {

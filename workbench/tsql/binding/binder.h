@@ -107,7 +107,6 @@ class Parameters {
   // The literal that stands there became part of the SQL; withdrawn: that piece of the SQL is not used.
   void paste(std::size_t place);
   void withdraw(std::size_t place);
-  void pasteAll();
   // Of each constant, whether it is a parameter, and whether the SQL is the same whatever it is.
   bool isUsed(std::size_t constant) const { return used_.at(constant); }
   bool isFree(std::size_t constant) const { return used_.at(constant) && pasted_.at(constant) == 0; }

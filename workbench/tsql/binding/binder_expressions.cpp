@@ -382,11 +382,6 @@ void Parameters::withdraw(std::size_t place) {
   if (const std::size_t constant = find(place); constant < places_.size()) --pasted_[constant];
 }
 
-void Parameters::pasteAll() {
-  for (int& times : pasted_)
-    ++times;
-}
-
 // Not inside expressions, whose texts are compared with each other, and not in views, whose texts are not the batch's.
 bool Binder::takesParameters(const Scope* outer) const {
   return parameters_ != nullptr && outer == nullptr && viewDepth_ == 0;

@@ -89,9 +89,10 @@ std::optional<Fragment> Binder::boundOn(const std::vector<Source>& sources, cons
   if (!isHarmless(expression)) return {};
   Scope scope;
   scope.sources = sources;
-  Binder binder(tables_, exactSums_);
+  Binder binder(tables_, exactSums_, takesParameters(nullptr) ? parameters_ : nullptr);
   try {
-    Fragment result = expression.isCondition() ? binder.condition(expression, scope) : binder.value(expression, scope);
+    Fragment result =
+        expression.isCondition() ? binder.restriction(expression, scope) : binder.value(expression, scope);
     if (converts(result.sql)) return {};
     return result;
   } catch (const SqlError&) {

@@ -242,8 +242,9 @@ std::shared_ptr<const Translation> Executor::translation(const std::vector<State
       made->columns = resultColumns(bound.columns);
     } else {
       Modification modification = modificationOf(statement, binder);
-      if (modification.grouping || modification.matching) return nullptr;
+      if (modification.grouping) return nullptr;
       made->sql = std::move(modification.sql);
+      made->matching = std::move(modification.matching);
     }
   } catch (const SqlError&) {
     return nullptr;  // comes again when the statement runs as it is, with the place where it belongs
@@ -292,46 +293,58 @@ std::int64_t Executor::run(const Translation& translation, const StatementForm& 
   });
 }
 
-StatementPool::Loan Executor::prepared(const std::string& sql, const Translation& translation,
-                                       const StatementForm& form) {
-  StatementPool::Loan statement = pool_->take(sql);
-  const int parameters = sqlite3_bind_parameter_count(statement->handle());
+void Executor::bindConstants(const Translation& translation, const StatementForm& form, Prepared& statement) {
+  const int parameters = sqlite3_bind_parameter_count(statement.handle());
   for (int parameter = 1; parameter <= parameters; ++parameter) {
     const auto constant = static_cast<std::size_t>(parameter) - 1;
     if (!translation.isParameter[constant]) continue;
     const Value& value = form.constants[constant].value;
     if (const auto* const text = std::get_if<std::string>(&value)) {
-      statement->bindCopy(parameter, *text);
+      statement.bindCopy(parameter, *text);
     } else {
-      statement->bind(parameter, std::get<std::int64_t>(value));
+      statement.bind(parameter, std::get<std::int64_t>(value));
     }
   }
+}
+
+StatementPool::Loan Executor::prepared(std::string_view sql, const Translation& translation,
+                                       const StatementForm& form) {
+  StatementPool::Loan statement = pool_->take(sql);
+  bindConstants(translation, form, *statement);
   return statement;
 }
 
-StatementPool::Loan Executor::prepared(const Translation& translation, const StatementForm& form) {
-  if (translation.keysQuery.empty()) return prepared(translation.sql, translation, form);
+std::vector<bool> Executor::keysOf(const Translation& translation, const StatementForm& form) {
   std::vector<bool> isKey;
-  {
-    const StatementPool::Loan keys = prepared(translation.keysQuery, translation, form);
-    keys->step();
-    const int count = sqlite3_column_count(keys->handle());
-    for (int i = 0; i < count; ++i)
-      isKey.push_back(keys->integer(i) != 0);
-  }
-  return prepared(translation.sqlWithKeys(isKey), translation, form);
+  if (translation.keysQuery.empty()) return isKey;
+  const StatementPool::Loan keys = prepared(translation.keysQuery, translation, form);
+  keys->step();
+  const int count = sqlite3_column_count(keys->handle());
+  for (int i = 0; i < count; ++i)
+    isKey.push_back(keys->integer(i) != 0);
+  return isKey;
 }
 
 std::unique_ptr<Cursor> Executor::rowsOf(const Translation& translation, const StatementForm& form) {
-  return std::make_unique<SelectCursor>(translation.columns, prepared(translation, form));
+  return std::make_unique<SelectCursor>(translation.columns, prepared(translation.sql, translation, form));
 }
 
 std::int64_t Executor::modify(const Translation& translation, const StatementForm& form) {
   Savepoint savepoint(database_);
-  StatementPool::Loan statement = prepared(translation, form);
+  const std::vector<bool> isKey = keysOf(translation, form);
+  std::string sql;
+  if (translation.matching) {
+    Matching matching = *translation.matching;
+    matching.source = Translation::withKeys(matching.source, isKey);
+    const auto bind = [&](Prepared& source) { bindConstants(translation, form, source); };
+    if (matchedRows_.read(database_, matching, bind)) sql = std::move(matching.sql);
+  }
+  if (sql.empty()) sql = Translation::withKeys(translation.sql, isKey);
+  StatementPool::Loan statement = prepared(sql, translation, form);
   statement->step();
   const std::int64_t affected = sqlite3_changes64(database_);
   statement->reset();
+  matchedRows_.forget();
   savepoint.keep();
   return affected;
 }

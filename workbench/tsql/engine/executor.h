@@ -81,8 +81,10 @@ class Executor {
   std::int64_t run(const Translation& translation, const StatementForm& form, std::string_view batch, ResultSink& sink);
   std::unique_ptr<Cursor> rowsOf(const Translation& translation, const StatementForm& form);
   // SQLite's statement, with the constants of the form as its parameters.
-  StatementPool::Loan prepared(const Translation& translation, const StatementForm& form);
-  StatementPool::Loan prepared(const std::string& sql, const Translation& translation, const StatementForm& form);
+  StatementPool::Loan prepared(std::string_view sql, const Translation& translation, const StatementForm& form);
+  static void bindConstants(const Translation& translation, const StatementForm& form, Prepared& statement);
+  // Which of its dependent keys the rows are grouped by now.
+  std::vector<bool> keysOf(const Translation& translation, const StatementForm& form);
   std::int64_t modify(const Translation& translation, const StatementForm& form);
 
   sqlite3* database_;

@@ -53,7 +53,7 @@ void MatchedRows::registerFunctions(sqlite3* database) {
   }
 }
 
-bool MatchedRows::read(sqlite3* database, const Matching& matching) {
+bool MatchedRows::read(sqlite3* database, const Matching& matching, const std::function<void(Prepared&)>& bind) {
   forget();
   Prepared size(database,
                 "SELECT count(*) FROM (SELECT 1 FROM " + matching.table + " LIMIT " + std::to_string(mostHeld) + ")");
@@ -62,6 +62,7 @@ bool MatchedRows::read(sqlite3* database, const Matching& matching) {
   if (room < fewestChanged) return false;
   keys_ = matching.keys;
   Prepared source(database, matching.source);
+  if (bind) bind(source);
   const int columns = sqlite3_column_count(source.handle());
   for (std::int64_t count = 0; source.step(); ++count) {
     Row row;

@@ -4,10 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
+
+#include "workbench/tsql/engine/sqlite.h"
 
 struct sqlite3;
 struct sqlite3_context;
@@ -33,7 +36,8 @@ class MatchedRows {
 
   // Reads the source. False: the table is too small to gain by it, the source has more rows than the table, or two with
   // the same keys, so that SQLite has to choose; then the matching's Update must not be run. Throws SqlError, Stopped.
-  bool read(sqlite3* database, const Matching& matching);
+  // `bind` gives the source its parameters.
+  bool read(sqlite3* database, const Matching& matching, const std::function<void(Prepared&)>& bind = {});
   void forget();
 
  private:

@@ -57,26 +57,27 @@ bool Translation::fits(const StatementForm& other) const {
 
 bool Translation::takeKeys(const Parameters::DependentKeys& keys) {
   const auto count = static_cast<std::ptrdiff_t>(keys.conditions.size());
-  if (std::ranges::count(sql, Parameters::keyBegin) != count || std::ranges::count(sql, Parameters::keyEnd) != count)
-    return false;
+  const auto hasThem = [count](std::string_view text) {
+    return std::ranges::count(text, Parameters::keyBegin) == count &&
+           std::ranges::count(text, Parameters::keyEnd) == count;
+  };
+  if (!hasThem(sql) || (matching && !hasThem(matching->source))) return false;
   for (const std::string& condition : keys.conditions)
     keysQuery += (keysQuery.empty() ? "SELECT " : ", ") + condition;
   if (!keysQuery.empty()) keysQuery += " FROM " + keys.from;
   return true;
 }
 
-std::string Translation::sqlWithKeys(const std::vector<bool>& isKey) const {
+std::string Translation::withKeys(std::string_view text, const std::vector<bool>& isKey) {
   std::string result;
-  std::size_t from = 0;
   for (const bool isTaken : isKey) {
-    const std::size_t begin = sql.find(Parameters::keyBegin, from);
-    const std::size_t end = sql.find(Parameters::keyEnd, begin);
-    result.append(sql, from, begin - from);
-    if (isTaken) result.append(sql, begin + 1, end - begin - 1);
-    from = end + 1;
-    if (!isTaken) from += std::string_view(", ").size();
+    const std::size_t begin = text.find(Parameters::keyBegin);
+    const std::size_t end = text.find(Parameters::keyEnd, begin);
+    result.append(text.substr(0, begin));
+    if (isTaken) result.append(text.substr(begin + 1, end - begin - 1));
+    text.remove_prefix(end + 1 + (isTaken ? 0 : std::string_view(", ").size()));
   }
-  return result.append(sql, from);
+  return result.append(text);
 }
 
 Translations& Translations::ofProcess() {

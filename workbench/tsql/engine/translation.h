@@ -17,6 +17,7 @@
 
 #include "workbench/tsql/binding/binder.h"
 #include "workbench/tsql/binding/stored_tables.h"
+#include "workbench/tsql/engine/matched_rows.h"
 #include "workbench/tsql/syntax/ast.h"
 #include "workbench/tsql/syntax/statement_form.h"
 #include "workbench/tsql/values/database.h"
@@ -31,8 +32,8 @@ class NotedLookup : public TableLookup {
   std::shared_ptr<const Table> table(const ObjectName& name) override;
   std::optional<StoredObject> object(const ObjectName& name) override;
   std::string sysobjects(std::string_view database) const override;
-
   std::string sysindexes(std::string_view database) const override;
+
   struct Found {
     struct TableFound {
       ObjectName name;
@@ -59,7 +60,8 @@ class NotedLookup : public TableLookup {
 struct Translation {
   StatementKind kind = StatementKind::nothing;  // select, insert, update or remove
   std::string sql;
-  std::vector<Column> columns;  // of a select
+  std::optional<Matching> matching;  // of an update: its form for many rows
+  std::vector<Column> columns;       // of a select
   StatementForm form;
   // Of each constant of the form, whether it is a parameter, and whether another one may stand in its place.
   std::vector<bool> isParameter, isFree;
@@ -73,8 +75,8 @@ struct Translation {
   bool fits(const StatementForm& other) const;
   // Takes over the binder's keys. False: the text has their marks for something else.
   bool takeKeys(const Parameters::DependentKeys& keys);
-  // The SQL with those of the keys that `isKey` says.
-  std::string sqlWithKeys(const std::vector<bool>& isKey) const;
+  // One of its SQL texts with those of the keys that `isKey` says.
+  static std::string withKeys(std::string_view text, const std::vector<bool>& isKey);
 };
 
 // What one process keeps. Safe from several threads.

@@ -342,6 +342,31 @@ TEST_F(KeptStatements, AreNotTakenForOtherRowsThanTheirFormReads) {
   }
 }
 
+TEST_F(KeptStatements, ChangeManyRowsByKeys) {
+  database_->execute(
+      "Create Table few (i int) Create Table line (i int, kind int, n int) Create Table sum (kind int, month int, n int)");
+  for (int i = 0; i < 10; ++i)
+    database_->execute(put("Insert Into few Values ($)", std::to_string(i)));
+  database_->execute(
+      "Insert Into line (i, kind) Select a.i * 1000 + b.i * 100 + c.i * 10 + d.i, d.i From few a, few b, few c, few d");
+  for (int month = 2; month < 5; ++month)
+    database_->execute(put("Insert Into sum Select i, $, i * $ From few Where i <> $", std::to_string(month)));
+  const std::string update =
+      "Update line Set n = s.n From line Inner Join (Select kind, sum(n) As n From sum Where month = $ Group By kind) s On "
+      "s.kind = line.kind Where line.i < $000";
+  for (const std::string month : {"2", "3", "4", "5"}) {
+    std::vector<std::vector<std::string>> results;
+    for (const std::string end : {" -- read anew", "", ""}) {
+      database_->execute("Update line Set n = null");
+      const std::int64_t changed = database_->execute(put(update, month) + end);
+      EXPECT_EQ(changed, month == "5" ? 0 : std::stoi(month) * 900);
+      results.push_back(
+          rows(*database_, "Select kind, count(n), min(n), max(n) From line Group By kind Order By kind"));
+    }
+    EXPECT_THAT(results, Each(results[0])) << month;
+  }
+}
+
 class KeptStatementsInFiles : public ::testing::Test {
  protected:
   KeptStatementsInFiles() {
