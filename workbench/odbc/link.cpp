@@ -15,6 +15,13 @@ SQLPOINTER number(int value) {
   return reinterpret_cast<SQLPOINTER>(static_cast<SQLULEN>(value));  // NOLINT(performance-no-int-to-ptr): ODBC's way
 }
 
+// Whether the driver knows that there is no connection any more. FreeTDS's has no words of its own for one that was reset.
+bool isDead(SQLHANDLE connection) {
+  SQLUINTEGER dead = SQL_CD_FALSE;
+  const SQLRETURN known = SQLGetConnectAttrW(connection, SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
+  return SQL_SUCCEEDED(known) && dead == SQL_CD_TRUE;
+}
+
 }  // namespace
 
 Link::Link(const ConnectionString& connectionString, ConnectOptions options) : options_(std::move(options)) {
@@ -51,7 +58,7 @@ void Link::requireConnection() const {
 
 void Link::fail(SQLSMALLINT handleType, SQLHANDLE handle) {
   const auto diagnostics = diagnosticsOf(handleType, handle);
-  if (tellLostConnection(diagnostics)) lost_ = describeLoss(diagnostics);
+  if (tellLostConnection(diagnostics) || isDead(connection_.get())) lost_ = describeLoss(diagnostics);
   requireConnection();
   tsql::endIfStopped();
   throw errorOf(diagnostics);

@@ -305,6 +305,18 @@ TEST_F(OdbcDatabase, FreeTdsTellsALostConnectionByItsOwnNumbers) {
   }
 }
 
+// What FreeTDS says of a connection that was reset.
+TEST_F(OdbcDatabase, ALostConnectionThatOnlyTheDriverKnowsOf) {
+  const Record nothingSaid{.state = u"HY000", .text = u"[FreeTDS][SQL Server]Unknown error"};
+  answer({{.error = {nothingSaid}}});
+  EXPECT_EQ(errorOf([&] { database_->execute("Select 1"); }).message(), "Unknown error (SQLSTATE HY000)");
+  server_.isDead = true;
+  const auto error = errorOf([&] { database_->execute("Select 1"); });
+  EXPECT_THAT(error.message(),
+              HasSubstr("the connection to the database server is lost: Unknown error (SQLSTATE HY000)"));
+  EXPECT_THROW(database_->execute("Select 1"), tsql::ConnectionLost);
+}
+
 TEST_F(OdbcDatabase, AServersErrorOfSuchANumberIsItsOwn) {
   answer({{.error = {
                {.state = u"HY000", .number = 20017, .text = u"[FreeTDS][SQL Server]The subscription is unknown."}}}});

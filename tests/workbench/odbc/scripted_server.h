@@ -43,6 +43,7 @@ class ScriptedServer final : public Server {
   std::vector<Record> refusal;                                    // of the next connection
   std::function<std::vector<Result>(const std::string&)> answer;  // to a batch; without it batches give nothing
   bool tellsLength = true;
+  bool isDead = false;  // the driver knows that there is no connection any more
   std::vector<std::string> log;
 
  private:
@@ -55,6 +56,7 @@ class ScriptedServer final : public Server {
     }
     void note(const std::string& text) override { server_.log.push_back(text); }
     bool tellsLength() override { return server_.tellsLength; }
+    bool isDead() override { return server_.isDead; }
 
    private:
     ScriptedServer& server_;

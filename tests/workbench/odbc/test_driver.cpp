@@ -302,6 +302,15 @@ SQLRETURN SQL_API SQLGetData(SQLHSTMT handle, SQLUSMALLINT number, SQLSMALLINT t
   return failWith(statement, u"07006", u"Restricted data type attribute violation");
 }
 
+SQLRETURN SQL_API SQLGetConnectAttrW(SQLHDBC handle, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER, SQLINTEGER*) {
+  auto& connection = static_cast<Connection&>(objectOf(handle));
+  if (attribute != SQL_ATTR_CONNECTION_DEAD || !connection.session)
+    return failWith(connection, u"HYC00", u"Optional feature not implemented");
+  const SQLUINTEGER dead = connection.session->isDead() ? SQL_CD_TRUE : SQL_CD_FALSE;
+  std::memcpy(value, &dead, sizeof dead);
+  return SQL_SUCCESS;
+}
+
 SQLRETURN SQL_API SQLGetDiagRecW(SQLSMALLINT, SQLHANDLE handle, SQLSMALLINT number, SQLWCHAR* state, SQLINTEGER* native,
                                  SQLWCHAR* text, SQLSMALLINT room, SQLSMALLINT* length) {
   const auto& records = objectOf(handle).records;

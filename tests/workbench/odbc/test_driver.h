@@ -50,6 +50,8 @@ class ServerSession {
   virtual std::vector<Result> run(const std::u16string& sql) = 0;
   // What else is asked: attributes that are set ("connection attribute 103 = 0"), "disconnect".
   virtual void note(const std::string&) {}
+  // Whether the driver knows that the connection has ended.
+  virtual bool isDead() { return false; }
   // Whether the driver tells how much of a text is left (or only that there is more).
   virtual bool tellsLength() { return true; }
 };
