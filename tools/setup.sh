@@ -44,7 +44,7 @@ demo_packages=(
   googletest nlohmann-json3-dev libcli11-dev libboost1.81-dev libz-mingw-w64-dev
 )
 test_packages=(
-  g++ zlib1g-dev libedit-dev unixodbc-dev tdsodbc
+  g++ zlib1g-dev libedit-dev unixodbc-dev tdsodbc freetds-bin # freetds-bin: tsql and bsqldb
   python3 mono-mcs libmono-microsoft-csharp4.0-cil
   nsis dpkg-dev file zip unzip # file: cpack reads with it what a Debian package depends on
 )

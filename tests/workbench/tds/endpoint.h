@@ -37,7 +37,6 @@ class Endpoint {
   // What connects later is served.
   void cutAfter(int packets, Cut cut);
   void cutNothing();
-  bool hasCut() const { return packetsToCut_ < 0; }
 
   int packets() const { return packets_; }  // sent
   int batches() const { return server_.batches; }

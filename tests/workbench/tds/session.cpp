@@ -20,7 +20,7 @@ ServerMessage messageOf(const tsql::SqlError& error) {
   return {.number = error.number(),
           .severity = error.number() <= lastNumberOfSyntax ? severityOfSyntax : severityOfOthers,
           .text = error.message(),
-          .line = std::max(error.line(), 1)};
+          .line = error.line()};
 }
 
 // Sends a batch's results as the engine gives them. The end of each statement waits for what follows, because it says
@@ -80,6 +80,16 @@ class ReplySink final : public tsql::ResultSink {
   Bytes row_;
   std::optional<Done> done_;
 };
+
+// One row with one text.
+void answerWithText(tsql::ResultSink& sink, const std::string& name, std::string_view text) {
+  constexpr int width = 300;
+  const tsql::Column column{name, {.kind = tsql::Kind::nVarChar, .width = width}};
+  const tsql::Value value = std::string(text);
+  sink.columns(std::span(&column, 1));
+  sink.row(std::span(&value, 1));
+  sink.rowsAffected(1);
+}
 
 }  // namespace
 
@@ -229,7 +239,11 @@ void Session::runBatch(Inbox& inbox, const std::string& sql) {
   bool stopped = false;
   try {
     const Inbox::Interruptible interruptible(inbox);
-    if (!setsSizeOfTexts(sql)) account_->run(sql, sink);
+    if (asksForVersion(sql)) {
+      answerWithText(sink, "version", programName);
+    } else if (!setsSizeOfTexts(sql)) {
+      account_->run(sql, sink);
+    }
     sink.succeed();
   } catch (const tsql::Stopped&) {
     stopped = true;

@@ -54,4 +54,8 @@ bool setsSizeOfTexts(std::string_view batch) {
          tsql::text::wholeNumber<std::int64_t>(words[2]).has_value();
 }
 
+bool asksForVersion(std::string_view batch) {
+  return equalIgnoringCase(batch, "Select @@Version As version");
+}
+
 }  // namespace quillon::tds

@@ -11,5 +11,7 @@ namespace quillon::tds {
 std::optional<std::string> databaseUsedBy(std::string_view batch);
 // Whether the batch is `Set TextSize n`. Texts are sent whole, however long.
 bool setsSizeOfTexts(std::string_view batch);
+// Whether the batch is `Select @@Version As version`.
+bool asksForVersion(std::string_view batch);
 
 }  // namespace quillon::tds

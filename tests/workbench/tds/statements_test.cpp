@@ -21,5 +21,10 @@ TEST(TdsStatements, SizeOfTexts) {
     EXPECT_FALSE(setsSizeOfTexts(other)) << other;
 }
 
+TEST(TdsStatements, Version) {
+  EXPECT_TRUE(asksForVersion("select @@version as version"));
+  EXPECT_FALSE(asksForVersion("Select @@Version"));
+}
+
 }  // namespace
 }  // namespace quillon::tds

@@ -33,7 +33,6 @@ enum class WireType : Byte {
   nVarChar = 0xe7
 };
 
-constexpr std::string_view programName = "Quillon test endpoint";
 constexpr std::uint16_t longestMessageText = 2047;  // in UTF-16 units, as servers have it
 
 constexpr Byte sizeOfBit = 1, sizeOfInt = 4, sizeOfEight = 8;

@@ -10,7 +10,7 @@ namespace quillon::tds {
 // Chinese_PRC_CI_AS: language, what it does not distinguish, no old sort order.
 inline constexpr Byte collation[5] = {0x04, 0x08, 0xd0, 0x00, 0x00};
 
-inline constexpr std::string_view serverName = "QUILLON";
+inline constexpr std::string_view serverName = "QUILLON", programName = "Quillon test endpoint";
 
 // The login is taken, in version 7.4 of the protocol.
 void putLoginAck(Bytes& bytes);
@@ -24,7 +24,7 @@ struct ServerMessage {
   int state = 1;
   int severity = 0;  // above 10: an error
   std::string text;
-  int line = 1;
+  int line = 1;  // of the batch; 0 when it has no place there
 };
 void putMessage(Bytes& bytes, const ServerMessage& message);
 
