@@ -98,9 +98,8 @@ Endpoint::Endpoint(EndpointOptions options) : packetsToCut_(cutsNothing) {
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   socklen_t size = sizeof address;
-  constexpr int waiting = 16;
   const bool listens = bind(listener_, reinterpret_cast<sockaddr*>(&address), size) == 0 &&
-                       listen(listener_, waiting) == 0 &&
+                       listen(listener_, SOMAXCONN) == 0 &&
                        getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size) == 0;
   if (!listens) {
     const int reason = errno;

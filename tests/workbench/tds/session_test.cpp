@@ -36,8 +36,10 @@ Bytes loginMessage(const Asked& asked) {
     putBytes(texts, text);
   };
   Bytes hidden = utf16Of(asked.password);
-  for (Byte& byte : hidden)
-    byte = static_cast<Byte>((byte << 4U | byte >> 4U) ^ 0xa5U);
+  for (Byte& byte : hidden) {
+    const unsigned plain = byte;
+    byte = static_cast<Byte>((plain << 4U | plain >> 4U) ^ 0xa5U);
+  }
   for (const Bytes& text :
        {Bytes{}, utf16Of(asked.user), hidden, Bytes{}, Bytes{}, Bytes{}, Bytes{}, Bytes{}, utf16Of(asked.database)})
     putPlace(text);
@@ -116,7 +118,7 @@ const Bytes failed = hex("fd 02 00 00 00 00 00 00 00 00 00 00 00");
 const Bytes answersAttention = hex("fd 20 00 00 00 00 00 00 00 00 00 00 00");
 
 bool holds(const Bytes& bytes, const Bytes& part) {
-  return std::ranges::search(bytes, part).begin() != bytes.end();
+  return std::search(bytes.begin(), bytes.end(), part.begin(), part.end()) != bytes.end();
 }
 bool endsWith(const Bytes& bytes, const Bytes& end) {
   return bytes.size() >= end.size() && std::equal(end.rbegin(), end.rend(), bytes.rbegin());
