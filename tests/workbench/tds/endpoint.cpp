@@ -134,7 +134,7 @@ void Endpoint::cutNothing() {
 void Endpoint::acceptClients() {
   while (true) {
     const int socket = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-    if (socket < 0 && errno == EINTR) continue;
+    if (socket < 0 && (errno == EINTR || errno == ECONNABORTED)) continue;
     if (socket < 0) return;
     const int atOnce = 1;
     setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &atOnce, sizeof atOnce);

@@ -1,6 +1,7 @@
 // Whole commands over FreeTDS's driver and a wire: what they show must be what they show of the account's file.
 #include <gmock/gmock.h>
 
+#include <map>
 #include <sstream>
 
 #include "tests/workbench/tds/wire_test_base.h"
@@ -107,6 +108,30 @@ TEST_F(OverTds, Dialogs) {
       runDialog({.report = report.registration.name, .account = AccountSource(source), .format = DialogFormat::json},
                 out, notes);
       return out.str();
+    });
+  }
+}
+
+// What a person changes in a dialog asks the server, too: for the periods of a year, the batches of an inventory.
+TEST_F(OverTds, DialogsInWhichSomethingIsChanged) {
+  const std::map<std::string, std::vector<std::string>> changes = {
+      {"sfc-item", {"change:cModal=2", "change:iYear=2024"}},
+      {"outsum-item", {"change:cModal=2", "change:iYear=2024"}},
+      {"fx-wt", {"change:cWhCode=01"}},
+      {"fx-detail", {"change:" + oneInventory().front(), "change:cCaType=成本项目"}}};
+  for (const Report& report : reports()) {
+    SCOPED_TRACE(report.registration.name);
+    std::vector<std::string> steps = changes.at(report.registration.name);
+    steps.insert(steps.begin(), "init");
+    steps.insert(steps.end(), {"view", "click"});
+    expectSame([&](const std::string& source) {
+      std::ostringstream out, notes;
+      runDialog({.report = report.registration.name,
+                 .account = AccountSource(source),
+                 .steps = steps,
+                 .format = DialogFormat::json},
+                out, notes);
+      return out.str() + notes.str();
     });
   }
 }
