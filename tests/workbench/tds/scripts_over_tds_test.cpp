@@ -81,6 +81,36 @@ TEST_P(ScriptsOverTds, TheAccountArrivesWhole) {
   EXPECT_THAT(out.str(), StartsWith("equal: 43 tables, "));
 }
 
+// A script of which only a part arrived, and one that arrives twice.
+TEST_P(ScriptsOverTds, AScriptThatBrokeOffGoesOn) {
+  const test::TemporaryFile script(".sql"), part(".sql"), made(".qacc");
+  writeScript(file(), script.path());
+  std::ostringstream text;
+  text << std::ifstream(script.path()).rdbuf();
+  const std::string whole = text.str();
+  for (const std::size_t parts : {2, 1, 1}) {
+    std::ofstream(part.path()) << whole.substr(
+        0, parts == 1 ? whole.size() : whole.rfind("\ngo\n", whole.size() / parts) + 4);
+    const Sent sent = send(GetParam(), part.path(), made.path());
+    EXPECT_EQ(sent.status, 0) << sent.said;
+    EXPECT_THAT(sent.said, Not(HasSubstr("Msg "))) << "part 1 of " << parts;
+  }
+  std::ostringstream out;
+  EXPECT_TRUE(diffAccounts(AccountSource(file()), AccountSource::inFile(made.path()), {.exact = true}, out))
+      << out.str();
+}
+
+TEST_P(ScriptsOverTds, ATableWithRowsOfItsOwnIsTold) {
+  const test::TemporaryFile script(".sql"), made(".qacc");
+  writeScript(file(), script.path());
+  ASSERT_EQ(send(GetParam(), script.path(), made.path()).status, 0);
+  tsql::Connection::open(made.path(), tsql::OpenMode::existing)
+      ->execute("Insert Into Warehouse (cWhCode, cWhName) Values (N'99', N'another')");
+  const Sent sent = send(GetParam(), script.path(), made.path());
+  EXPECT_THAT(sent.said, HasSubstr("Msg 50000"));
+  EXPECT_THAT(sent.said, HasSubstr("Warehouse"));
+}
+
 TEST_P(ScriptsOverTds, AnErrorIsToldWithNumberSeverityAndLine) {
   const test::TemporaryFile script(".sql"), made(".qacc");
   std::ofstream(script.path())
