@@ -88,7 +88,7 @@ TEST_P(ScriptsOverTds, AScriptThatBrokeOffGoesOn) {
   std::ostringstream text;
   text << std::ifstream(script.path()).rdbuf();
   const std::string whole = text.str();
-  for (const std::size_t parts : {2, 1, 1}) {
+  for (const std::size_t parts : {2U, 1U, 1U}) {
     std::ofstream(part.path()) << whole.substr(
         0, parts == 1 ? whole.size() : whole.rfind("\ngo\n", whole.size() / parts) + 4);
     const Sent sent = send(GetParam(), part.path(), made.path());
