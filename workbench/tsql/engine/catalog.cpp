@@ -161,21 +161,21 @@ class Declarations {
   std::shared_ptr<const Table> find(const std::string& key) const {
     const std::lock_guard lock(mutex_);
     const auto found = known_.find(key);
-    return found == known_.end() ? nullptr : found->second;
+    return found == known_.end() ? nullptr : found->second.lock();
   }
 
   std::shared_ptr<const Table> keep(const std::string& key, Table table) {
     const std::lock_guard lock(mutex_);
-    constexpr std::size_t mostKept = 512;
-    if (known_.size() >= mostKept) known_.clear();
-    std::shared_ptr<const Table>& kept = known_[key];
-    if (!kept) kept = std::make_shared<const Table>(std::move(table));
+    std::erase_if(known_, [](const auto& each) { return each.second.expired(); });
+    std::weak_ptr<const Table>& known = known_[key];
+    std::shared_ptr<const Table> kept = known.lock();
+    if (!kept) known = kept = std::make_shared<const Table>(std::move(table));
     return kept;
   }
 
  private:
   mutable std::mutex mutex_;
-  std::unordered_map<std::string, std::shared_ptr<const Table>> known_;
+  std::unordered_map<std::string, std::weak_ptr<const Table>> known_;  // those that somebody has
 };
 
 Declarations& declarations() {

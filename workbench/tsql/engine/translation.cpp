@@ -91,10 +91,13 @@ std::shared_ptr<const Translation> Translations::find(const StatementForm& form,
     const std::lock_guard lock(mutex_);
     const auto [first, last] = byForm_.equal_range(form.text);
     for (auto each = first; each != last; ++each) {
-      if (!(*each->second)->fits(form)) continue;
-      candidates.push_back(*each->second);
-      kept_.splice(kept_.begin(), kept_, each->second);
+      const List::iterator kept = each->second;
+      if (!kept->translation->fits(form)) continue;
+      candidates.push_back(kept->translation);
+      proven_.splice(proven_.begin(), kept->isProven ? proven_ : new_, kept);
+      kept->isProven = true;
     }
+    dropBeyond(proven_, mostProven);
   }
   for (auto& candidate : candidates) {
     if (candidate->names.holds(tables)) return std::move(candidate);
@@ -105,18 +108,23 @@ std::shared_ptr<const Translation> Translations::find(const StatementForm& form,
 void Translations::keep(std::shared_ptr<const Translation> translation) {
   if (translation->sql.size() > longestSql) return;
   const std::lock_guard lock(mutex_);
-  kept_.push_front(std::move(translation));
-  byForm_.emplace(kept_.front()->form.text, kept_.begin());
-  if (kept_.size() <= mostKept) return;
-  const auto oldest = std::prev(kept_.end());
-  const auto [first, last] = byForm_.equal_range((*oldest)->form.text);
-  byForm_.erase(std::find_if(first, last, [oldest](const auto& each) { return each.second == oldest; }));
-  kept_.erase(oldest);
+  new_.push_front({.translation = std::move(translation)});
+  byForm_.emplace(new_.front().translation->form.text, new_.begin());
+  dropBeyond(new_, mostNew);
+}
+
+void Translations::dropBeyond(List& list, std::size_t most) {
+  while (list.size() > most) {
+    const auto oldest = std::prev(list.end());
+    const auto [first, last] = byForm_.equal_range(oldest->translation->form.text);
+    byForm_.erase(std::find_if(first, last, [oldest](const auto& each) { return each.second == oldest; }));
+    list.pop_back();
+  }
 }
 
 std::size_t Translations::size() const {
   const std::lock_guard lock(mutex_);
-  return kept_.size();
+  return new_.size() + proven_.size();
 }
 
 }  // namespace quillon::tsql

@@ -82,7 +82,9 @@ struct Translation {
 // What one process keeps. Safe from several threads.
 class Translations {
  public:
-  static constexpr std::size_t mostKept = 256;
+  // Most of what comes names a table of one run and comes once, so only a few are kept that have not been found again.
+  static constexpr std::size_t mostNew = 32;
+  static constexpr std::size_t mostProven = 224;
   static constexpr std::size_t longestSql = 64UL * 1024;  // so that all of them together stay below some 40 MiB
 
   static Translations& ofProcess();
@@ -93,10 +95,16 @@ class Translations {
   std::size_t size() const;
 
  private:
-  using List = std::list<std::shared_ptr<const Translation>>;
+  struct Kept {
+    std::shared_ptr<const Translation> translation;
+    bool isProven = false;  // found at least once
+  };
+  using List = std::list<Kept>;
+
+  void dropBeyond(List& list, std::size_t most);
 
   mutable std::mutex mutex_;
-  List kept_;                                                         // the one that was used last at the front
+  List new_, proven_;                                                 // the one that was used last at the front
   std::unordered_multimap<std::string_view, List::iterator> byForm_;  // the views are into the translations
 };
 
