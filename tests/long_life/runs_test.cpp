@@ -1,5 +1,5 @@
 // Thousands of reports, dialogs and documents in one process through Quillon.dll: at the end the process uses
-// no more memory and handles than after the second round.
+// no more memory and handles than after the first rounds.
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -11,6 +11,9 @@
 
 namespace quillon::long_life {
 namespace {
+
+// The engine keeps the translations of statements that come again; what lies between them in the heap settles with them.
+constexpr int warmRounds = 4;
 
 TEST(Runs, LeaveNothing) {
   const automation::test::ComScope apartment;
@@ -24,8 +27,10 @@ TEST(Runs, LeaveNothing) {
   std::vector<std::string> known;
   for (const Use& use : uses)
     known.push_back(account.resultOf(use));
-  for (std::size_t i = 0; i < uses.size(); ++i)
-    EXPECT_EQ(account.resultOf(uses[i]), known[i]);
+  for (int warm = 2; warm <= warmRounds; ++warm) {
+    for (std::size_t i = 0; i < uses.size(); ++i)
+      EXPECT_EQ(account.resultOf(uses[i]), known[i]);
+  }
 
   EXPECT_EQ(library.canUnload(), S_OK);
   const long objects = automation::LiveCount::value();
