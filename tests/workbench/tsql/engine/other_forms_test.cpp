@@ -22,7 +22,6 @@ using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
-using ::testing::SizeIs;
 
 std::vector<std::string> rowsOf(Connection& connection, const std::string& query) {
   std::vector<std::string> rows;
@@ -77,7 +76,7 @@ class WideGroupings : public ::testing::Test {
         const std::vector<Value>& choice = of[i % of.size()];
         row[i] = choice[random() % std::min<std::size_t>(values, choice.size())];
       }
-      row[keyCount] = n % 7 == 0 ? Value() : Value(Exact{.units = Int128(n * 1001), .scale = 6});
+      row[keyCount] = n % 7 == 0 ? Value() : Value(Exact{.units = Int128(std::int64_t{n} * 1001), .scale = 6});
       row[keyCount + 1] = n % 5 == 0 ? Value() : Value(Exact{.units = Int128(n - 2000), .scale = 4});
       row[keyCount + 2] = n % 3 == 0 ? Value() : Value(std::int64_t{n});
       row[keyCount + 3] = n % 2 == 0 ? Value(-0.0) : Value(static_cast<double>(n) / 4);
