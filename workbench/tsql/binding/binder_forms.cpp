@@ -166,7 +166,7 @@ std::string Binder::orderedFirst(const Query& query, const Core& core) const {
                      select.from[0]->left != nullptr && onlyLeftJoins(*select.from[0]);
   const TableSource* const table = plain ? leadingTable(*select.from[0]) : nullptr;
   const Source* const leading = table == nullptr ? nullptr : sourceOf(*table, *core.scope);
-  if (leading == nullptr || !core.from.starts_with(tableAs(*leading))) return {};
+  if (leading == nullptr || !leading->stored->hasRowid() || !core.from.starts_with(tableAs(*leading))) return {};
   std::string keys;
   for (std::size_t i = 0; i < query.orderBy.size(); ++i) {
     const auto key = core.orderKeys[i].output ? std::nullopt : boundOn({*leading}, *query.orderBy[i].value);
@@ -192,8 +192,8 @@ std::optional<WideGrouping> Binder::wideGrouping(const Query& query, const Core&
       std::ranges::none_of(select.items,
                            [](const SelectItem& item) { return item.value && containsQuery(*item.value); }) &&
       core.scope->parent == nullptr && core.scope->sources.size() == 1 && core.scope->sources[0].stored != nullptr &&
-      core.having.empty() && !core.distinct && !core.top && core.identityItem < 0 && query.orderBy.empty() &&
-      (!select.where || !containsQuery(*select.where));
+      core.scope->sources[0].stored->hasRowid() && core.having.empty() && !core.distinct && !core.top &&
+      core.identityItem < 0 && query.orderBy.empty() && (!select.where || !containsQuery(*select.where));
   if (!plain || core.groupBy.size() < wide) return {};
   Core lone = bindCore(select, nullptr, true);
   if (lone.scope->needsAggregate) return {};

@@ -1,12 +1,24 @@
 #include "workbench/tsql/binding/stored_tables.h"
 
+#include <algorithm>
+#include <array>
+
 #include "frame/text.h"
 #include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
+namespace {
+
+constexpr auto rowidNames = std::to_array<const char*>({"rowid", "_rowid_", "oid"});
+
+}  // namespace
+
+bool Table::hasRowid() const {
+  return std::ranges::any_of(rowidNames, [this](const char* name) { return find(name) < 0; });
+}
 
 std::string Table::rowid() const {
-  for (const char* const candidate : {"rowid", "_rowid_", "oid"}) {
+  for (const char* const candidate : rowidNames) {
     if (find(candidate) < 0) return candidate;
   }
   throw SqlError(40510,

@@ -21,6 +21,7 @@ struct Table : DeclaredTable {
 
   // The name by which SQLite's rowid is reached past the table's own columns. Throws SqlError 40510 when they leave none.
   std::string rowid() const;
+  bool hasRowid() const;  // whether they leave one
 };
 
 struct StoredObject {

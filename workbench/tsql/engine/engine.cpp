@@ -6,6 +6,9 @@
 #include <array>
 #include <fstream>
 #include <system_error>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include "workbench/tsql/engine/bulk_writer.h"
 #include "workbench/tsql/engine/catalog.h"
@@ -39,8 +42,15 @@ int endsNow(void*) {
   return stopRequested() ? 1 : 0;
 }
 
+// The pages of its cache are many small pieces of memory, between which the process keeps others: the C library of Linux
+// keeps them as well, then, unless it is asked for them.
 struct CloseDatabase {
-  void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
+  void operator()(sqlite3* database) const {
+    sqlite3_close_v2(database);
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+  }
 };
 using DatabaseHandle = std::unique_ptr<sqlite3, CloseDatabase>;
 

@@ -161,6 +161,16 @@ TEST_F(WideGroupings, CountASumAnewThatDoesNotFitIn64Bits) {
   EXPECT_THAT(rowsOf(*connection_, "Select Count(*) From Sums Where q = 999999999999999999"), ElementsAre("2996|"));
 }
 
+TEST_F(WideGroupings, OfATableWithoutRowNumbersGiveTheSameRows) {
+  std::string columns;
+  for (int i = 0; i < keyCount; ++i)
+    columns += "c" + std::to_string(i) + " int, ";
+  connection_->execute("Drop Table Wide; Create Table Wide (" + columns +
+                       "rowid int, oid int, _rowid_ int, q decimal(18,6), m money, n int, f float)");
+  connection_->execute("Insert Into Wide (c0, n) Values (1, 2); Insert Into Wide (c0, n) Values (1, 3)");
+  expectSame(grouped(figures));
+}
+
 WideGrouping byColumns(std::vector<std::string> keys) {
   return {.number = "t.rowid", .from = "main.\"Wide\" AS t", .where = "", .keys = std::move(keys), .sql = ""};
 }
