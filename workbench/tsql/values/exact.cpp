@@ -189,25 +189,29 @@ bool fits(Int128 units, const Type& type) {
   }
 }
 
+namespace {
+
+template <typename Number>
+Number divided(Number units, Number by, Rounding rounding) {
+  Number quotient = units / by;
+  if (rounding == Rounding::halfAway) {
+    const Number rest = units % by;
+    const Number size = rest < Number() ? -rest : rest;
+    if (size >= by - size) quotient += Number(units < Number() ? -1 : 1);
+  }
+  return quotient;
+}
+
+}  // namespace
+
 std::optional<Int128> rescale(Int128 units, int fromScale, int toScale, Rounding rounding) {
   if (toScale >= fromScale) return scaleUp(units, toScale - fromScale);
   const int cut = fromScale - toScale;
   if (cut > maxPrecision) return Int128();
   const Int128 power = powerOfTen(cut);
-  if (units.fitsInt64() && power.fitsInt64()) {
-    // The same in 64 bits, which divide several times as fast.
-    const std::int64_t whole = units.toInt64();
-    const std::int64_t by = power.toInt64();
-    const std::int64_t rest = whole % by;
-    const bool up = rounding == Rounding::halfAway && (rest < 0 ? -rest : rest) >= by - (rest < 0 ? -rest : rest);
-    return whole / by + (up ? (units.negative() ? -1 : 1) : 0);
-  }
-  Int128 quotient = units / power;
-  if (rounding == Rounding::halfAway) {
-    const Int128 rest = magnitudeOf(units % power);
-    if (rest >= power - rest) quotient += Int128(units.negative() ? -1 : 1);
-  }
-  return quotient;
+  // 64 bits divide several times as fast.
+  if (units.fitsInt64() && power.fitsInt64()) return divided(units.toInt64(), power.toInt64(), rounding);
+  return divided(units, power, rounding);
 }
 
 Exact add(const Exact& a, const Exact& b, const Type& result) {
