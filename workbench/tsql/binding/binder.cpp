@@ -551,8 +551,8 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
     into.width = 0;
   }
   result.inTableOrder = into.width > 0;
-  if (targets != nullptr || query.core->into) {
-    result.grouping = wideGrouping(query, core, targets == nullptr ? nullptr : &into);
+  const bool isStored = targets != nullptr || query.core->into;
+  if (isStored) {
     if (std::string first = orderedFirst(query, core); !first.empty()) {
       core.from = std::move(first);
       core.order.clear();
@@ -565,6 +565,7 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
     for (Fragment& item : core.items)
       item = settled(item);
   }
+  if (isStored) result.grouping = wideGrouping(query, core, targets == nullptr ? nullptr : &into);
   RowOrdering ordering;
   result.sql = renderCore(core, naming, &ordering);
   if (!core.orderKeys.empty() && !core.distinct && !core.scope->grouped && !core.top) {

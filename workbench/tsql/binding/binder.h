@@ -186,7 +186,8 @@ class Binder {
   // The first table of the From clause read in the query's order, where the order is one of its rows: narrower to sort
   // than the query's own rows. Empty: the order is another.
   std::string orderedFirst(const Query& query, const Core& core) const;
-  std::optional<WideGrouping> wideGrouping(const Query& query, const Core& core, const Targets* targets);
+  // `core` is bound, and its items are as they are stored.
+  std::optional<WideGrouping> wideGrouping(const Query& query, Core& core, const Targets* targets);
   void bindItems(const SelectCore& select, Core& core);
   void expandStar(const SelectItem& item, Core& core);
   // `ordering`, which may be null, gets where the parts of the text end.

@@ -1,5 +1,6 @@
 // Other forms of a query: they give the same rows and cost SQLite less.
 #include <algorithm>
+#include <utility>
 
 #include "frame/text.h"
 #include "workbench/tsql/binding/binder.h"
@@ -183,7 +184,7 @@ std::string Binder::orderedFirst(const Query& query, const Core& core) const {
          ".number" + core.from.substr(first.size());
 }
 
-std::optional<WideGrouping> Binder::wideGrouping(const Query& query, const Core& core, const Targets* targets) {
+std::optional<WideGrouping> Binder::wideGrouping(const Query& query, Core& core, const Targets* targets) {
   const SelectCore& select = *query.core;
   // By fewer columns SQLite groups as fast.
   constexpr std::size_t wide = 12;
@@ -197,11 +198,7 @@ std::optional<WideGrouping> Binder::wideGrouping(const Query& query, const Core&
   if (!plain || core.groupBy.size() < wide) return {};
   Core lone = bindCore(select, nullptr, true);
   if (lone.scope->needsAggregate) return {};
-  Core others = bindCore(select, nullptr);
-  if (targets != nullptr) {
-    storeItems(lone, *targets);
-    storeItems(others, *targets);
-  }
+  if (targets != nullptr) storeItems(lone, *targets);
   const Source& source = core.scope->sources[0];
   WideGrouping result;
   result.number = quoteName(source.alias) + '.' + source.stored->rowid();
@@ -212,8 +209,10 @@ std::optional<WideGrouping> Binder::wideGrouping(const Query& query, const Core&
   const std::string given = core.where.empty() ? "" : "(" + core.where + ") AND ";
   lone.groupBy.clear();
   lone.where = given + isAlone;
-  others.where = given + "NOT " + isAlone;
-  result.sql = renderCore(lone, Naming::none) + " UNION ALL " + renderCore(others, Naming::none);
+  result.sql = renderCore(lone, Naming::none) + " UNION ALL ";
+  std::string where = std::exchange(core.where, given + "NOT " + isAlone);
+  result.sql += renderCore(core, Naming::none);
+  core.where = std::move(where);
   return result;
 }
 
