@@ -2,20 +2,16 @@
 
 #include <sqlite3.h>
 
-#include <string>
+#include <string_view>
 
 #include "frame/text.h"
 #include "workbench/tsql/engine/catalog.h"
 #include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/syntax/parser.h"
 
 namespace quillon::tsql {
 namespace {
-
-std::string textOf(sqlite3_value* value) {
-  const auto* const data = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  return data == nullptr ? std::string() : std::string(data, static_cast<std::size_t>(sqlite3_value_bytes(value)));
-}
 
 void objectId(sqlite3_context* context, int, sqlite3_value** arguments) {
   if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) return;
@@ -32,7 +28,7 @@ void objectId(sqlite3_context* context, int, sqlite3_value** arguments) {
 // Any numbers that differ will do; that of tempdb is what servers give it.
 void databaseId(sqlite3_context* context, int, sqlite3_value** arguments) {
   constexpr int tempdb = 2, orvsystem = 5;
-  const std::string name = textOf(arguments[0]);
+  const std::string_view name = textOf(arguments[0]);
   if (equalIgnoringCase(name, "tempdb")) sqlite3_result_int(context, tempdb);
   if (equalIgnoringCase(name, "orvsystem")) sqlite3_result_int(context, orvsystem);
 }

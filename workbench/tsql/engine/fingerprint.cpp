@@ -7,6 +7,7 @@
 #include <functional>
 #include <string_view>
 
+#include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/values/collation.h"
 
 namespace quillon::tsql {
@@ -34,14 +35,8 @@ struct ValueReader {
   int type() const { return sqlite3_value_type(value); }
   std::int64_t integer() const { return sqlite3_value_int64(value); }
   double real() const { return sqlite3_value_double(value); }
-  std::string_view text() const {
-    const auto* const bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
-    return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
-  }
-  std::string_view blob() const {
-    const auto* const bytes = static_cast<const char*>(sqlite3_value_blob(value));
-    return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
-  }
+  std::string_view text() const { return textOf(value); }
+  std::string_view blob() const { return bytesOf(value); }
 };
 
 template <typename Reader>

@@ -2,10 +2,9 @@
 
 #include <sqlite3.h>
 
-#include <string_view>
-
 #include "workbench/tsql/engine/fingerprint.h"
 #include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/values/collation.h"
 
 namespace quillon::tsql {
@@ -16,17 +15,12 @@ constexpr std::int64_t fewestChanged = 2000;
 // More rows than this would take more memory than a page cache does.
 constexpr std::int64_t mostHeld = 100'000;
 
-std::string_view keyText(sqlite3_value* value) {
-  const auto* const bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
-}
-
 // As SQLite's = finds whole numbers and texts of the collation, the only keys that there are.
 bool equal(sqlite3_value* a, sqlite3_value* b) {
   const int type = sqlite3_value_type(a);
   if (type != sqlite3_value_type(b)) return false;
   if (type == SQLITE_INTEGER) return sqlite3_value_int64(a) == sqlite3_value_int64(b);
-  return type == SQLITE_TEXT && equalText(keyText(a), keyText(b));
+  return type == SQLITE_TEXT && equalText(textOf(a), textOf(b));
 }
 
 template <typename KeyAt>

@@ -29,16 +29,6 @@ constexpr std::size_t longestText = 64U << 20;
 // The first byte of the error texts of these functions; SQLite's own texts never begin with it.
 constexpr char errorMark = '\x01';
 
-std::string_view bytesOf(sqlite3_value* value) {
-  const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
-  return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
-}
-
-std::string_view textOf(sqlite3_value* value) {
-  const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
-}
-
 // Units as SQLite stores them; nullopt for a REAL, which SQLite makes of an integer that overflows 64 bits.
 std::optional<Int128> unitsOf(sqlite3_value* value) {
   switch (sqlite3_value_type(value)) {
@@ -742,6 +732,16 @@ void checkRegistered(sqlite3* database, int code) {
 }
 
 }  // namespace
+
+std::string_view bytesOf(sqlite3_value* value) {
+  const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+  return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+std::string_view textOf(sqlite3_value* value) {
+  const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
 
 void registerValueFunctions(sqlite3* database) {
   constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;

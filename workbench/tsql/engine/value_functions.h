@@ -87,6 +87,10 @@ std::optional<SqlError> errorFrom(std::string_view sqliteMessage);
 // Ends a function of the engine with an error that errorFrom() reads.
 void reportError(sqlite3_context* context, const SqlError& error);
 
+// A value's text or bytes, until SQLite changes it; none of a null.
+std::string_view textOf(sqlite3_value* value);
+std::string_view bytesOf(sqlite3_value* value);
+
 // Between rows of SQLite and values. The type says what the storage means.
 Value valueOf(sqlite3_value* value, const Type& type);
 Value columnValue(sqlite3_stmt* statement, int column, const Type& type);
