@@ -9,6 +9,7 @@
 
 #include "tests/workbench/account/leftovers.h"
 #include "tests/workbench/odbc/engine_server.h"
+#include "tests/workbench/platform/one_inventory.h"
 #include "tests/workbench/platform/temporary_file.h"
 #include "workbench/account/account.h"
 #include "workbench/account/ledger_check.h"
@@ -95,19 +96,7 @@ class OverOdbc : public testing::Test {
     return "nothing failed";
   }
 
-  // The filter of a detail ledger: an inventory that is kept neither by batch nor by free items, with many lines.
-  static std::vector<std::string> oneInventory() {
-    const auto account = tsql::Connection::open(file_->path(), tsql::OpenMode::readOnly);
-    std::string plain = "item.bCheckBatch = 0";
-    for (int i = 1; i <= 10; ++i)
-      plain += " And item.bCheckFree" + std::to_string(i) + " = 0";
-    const auto rows = account->query(
-        "Select Top 1 line.cInvCode, line.cWhCode From ia_subsidiary line Inner Join Inventory item On item.cInvCode = "
-        "line.cInvCode Where line.iMonth > 0 And " +
-        plain + " Group By line.cInvCode, line.cWhCode Order By Count(*) Desc, line.cInvCode, line.cWhCode");
-    EXPECT_TRUE(rows->next());
-    return {"cInvCode=" + tsql::toText(rows->value(0)).value(), "cWhCode=" + tsql::toText(rows->value(1)).value()};
-  }
+  static std::vector<std::string> oneInventory() { return workbench::test::oneInventory(file_->path()); }
 
   static inline std::unique_ptr<test::TemporaryFile> file_;
   odbc::test::EngineServer server_{file_->path()};
