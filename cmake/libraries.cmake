@@ -1,11 +1,12 @@
 # The libraries of the workbench and of the tests. None of them goes into Quillon.dll.
 
-# SQLite, from the amalgamation that tools/setup.sh fetches: the same version natively and for Win32.
+# SQLite, from the amalgamation that tools/setup.sh fetches: the same version natively and for Win32. It is compiled within
+# the file that gives its rows as records.
 set(QUILLON_SQLITE_DIR ${CMAKE_SOURCE_DIR}/.deps/sqlite3)
 if(NOT EXISTS ${QUILLON_SQLITE_DIR}/sqlite3.c)
   message(FATAL_ERROR "SQLite's source is missing: run tools/setup.sh first")
 endif()
-add_library(sqlite3 STATIC EXCLUDE_FROM_ALL ${QUILLON_SQLITE_DIR}/sqlite3.c)
+add_library(sqlite3 STATIC EXCLUDE_FROM_ALL ${CMAKE_SOURCE_DIR}/workbench/tsql/records/sqlite_records.c)
 target_include_directories(sqlite3 SYSTEM PUBLIC ${QUILLON_SQLITE_DIR})
 target_compile_definitions(sqlite3 PRIVATE SQLITE_THREADSAFE=2 SQLITE_DQS=0 SQLITE_DEFAULT_MEMSTATUS=0
                                            SQLITE_OMIT_LOAD_EXTENSION SQLITE_OMIT_DEPRECATED SQLITE_LIKE_DOESNT_MATCH_BLOBS

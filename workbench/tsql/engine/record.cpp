@@ -1,0 +1,200 @@
+#include "workbench/tsql/engine/record.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/value_functions.h"
+
+namespace quillon::tsql {
+namespace {
+
+// The types of the header. Whole numbers have 1, 2, 3, 4, 6 or 8 bytes; from firstText on an odd type is a text and an even
+// one bytes, with two types for each length.
+constexpr std::uint64_t nullType = 0, realType = 7, zeroType = 8, oneType = 9, firstBytes = 12, firstText = 13;
+constexpr auto lengths = std::to_array<std::uint32_t>({0, 1, 2, 3, 4, 6, 8, 8, 0, 0, 0, 0});
+
+constexpr int bitsInByte = 8, bitsInVarint = 7;
+constexpr unsigned more = 0x80, varintMask = 0x7f;  // of a byte in the header
+constexpr int longestVarint = 9;
+
+[[noreturn]] void refuse() {
+  throw SqlError(damagedFile, "A row of the account file does not fit together.");
+}
+
+// Reads the number at `at`, which moves behind it. Types of one byte, which are nearly all, are read by who calls.
+std::uint64_t varintAt(std::string_view record, std::size_t& at) {
+  std::uint64_t number = 0;
+  for (int i = 1; i <= longestVarint; ++i) {
+    if (at == record.size()) refuse();
+    const auto byte = static_cast<unsigned char>(record[at++]);
+    if (i == longestVarint) return number << bitsInByte | byte;
+    number = number << bitsInVarint | (byte & varintMask);
+    if ((byte & more) == 0) break;
+  }
+  return number;
+}
+
+void appendVarint(std::string& text, std::uint64_t number) {
+  std::array<char, longestVarint + 1> bytes{};
+  std::size_t first = bytes.size();
+  for (unsigned mark = 0; mark == 0 || number != 0; mark = more) {
+    bytes.at(--first) = static_cast<char>((number & varintMask) | mark);
+    number >>= bitsInVarint;
+  }
+  text.append(bytes.data() + first, bytes.size() - first);
+}
+
+std::uint64_t lengthOf(std::uint64_t type) {
+  return type < lengths.size() ? lengths[static_cast<std::size_t>(type)] : (type - firstBytes) / 2;
+}
+
+}  // namespace
+
+void RecordFields::read(std::string_view record) {
+  record_ = record;
+  std::size_t at = 0;
+  const std::uint64_t header = varintAt(record, at);
+  if (header < at || header > record.size()) refuse();
+  types_.clear();
+  values_.clear();
+  std::uint64_t value = header;
+  while (at < header) {
+    types_.push_back(static_cast<std::uint32_t>(at));
+    values_.push_back(static_cast<std::uint32_t>(value));
+    std::uint64_t type = static_cast<unsigned char>(record[at]);
+    if (type < more) {
+      ++at;
+    } else {
+      type = varintAt(record, at);
+    }
+    value += lengthOf(type);
+    if (value > record.size()) refuse();
+  }
+  types_.push_back(static_cast<std::uint32_t>(at));
+  values_.push_back(static_cast<std::uint32_t>(value));
+}
+
+void RecordFields::bind(std::size_t column, sqlite3_stmt* statement, int parameter) const {
+  std::size_t at = types_[column];
+  const std::uint64_t type = varintAt(record_, at);
+  const std::string_view bytes = values(column, 1);
+  if (type == nullType) {
+    sqlite3_bind_null(statement, parameter);
+  } else if (type >= firstBytes) {
+    const auto size = static_cast<int>(bytes.size());
+    if (type % 2 == firstText % 2) {
+      sqlite3_bind_text(statement, parameter, bytes.data(), size, SQLITE_TRANSIENT);
+    } else {
+      sqlite3_bind_blob(statement, parameter, bytes.data(), size, SQLITE_TRANSIENT);
+    }
+  } else if (type == zeroType || type == oneType) {
+    sqlite3_bind_int64(statement, parameter, type == oneType ? 1 : 0);
+  } else {
+    // The first byte has the sign.
+    std::uint64_t number = (static_cast<unsigned char>(bytes[0]) & more) != 0 ? ~std::uint64_t{0} : 0;
+    for (const char byte : bytes)
+      number = number << bitsInByte | static_cast<unsigned char>(byte);
+    if (type == realType) {
+      sqlite3_bind_double(statement, parameter, std::bit_cast<double>(number));
+    } else {
+      sqlite3_bind_int64(statement, parameter, static_cast<std::int64_t>(number));
+    }
+  }
+}
+
+std::string_view RecordFields::types(std::size_t first, std::size_t count) const {
+  return record_.substr(types_[first], types_[first + count] - types_[first]);
+}
+
+std::string_view RecordFields::values(std::size_t first, std::size_t count) const {
+  return record_.substr(values_[first], values_[first + count] - values_[first]);
+}
+
+void RecordBuilder::clear() {
+  types_.clear();
+  values_.clear();
+}
+
+void RecordBuilder::addNulls(std::size_t count) {
+  types_.append(count, static_cast<char>(nullType));
+}
+
+void RecordBuilder::add(const RecordFields& fields, std::size_t first, std::size_t count) {
+  const std::size_t given = first < fields.count() ? std::min(count, fields.count() - first) : 0;
+  if (given > 0) {
+    types_ += fields.types(first, given);
+    values_ += fields.values(first, given);
+  }
+  addNulls(count - given);
+}
+
+void RecordBuilder::addType(std::uint64_t type) {
+  if (type < more) {
+    types_ += static_cast<char>(type);
+  } else {
+    appendVarint(types_, type);
+  }
+}
+
+// The highest byte first.
+void RecordBuilder::addBytes(std::uint64_t number, int count) {
+  for (int i = count - 1; i >= 0; --i)
+    values_ += static_cast<char>(number >> (i * bitsInByte));
+}
+
+void RecordBuilder::add(sqlite3_value* value) {
+  switch (sqlite3_value_type(value)) {
+    case SQLITE_INTEGER: {
+      const std::int64_t number = sqlite3_value_int64(value);
+      if (number == 0 || number == 1) {
+        addType(number == 0 ? zeroType : oneType);
+        return;
+      }
+      // The fewest bytes whose numbers with a sign reach it.
+      const auto magnitude = static_cast<std::uint64_t>(number < 0 ? ~number : number);
+      const auto bits = static_cast<std::uint32_t>(std::bit_width(magnitude)) + 1;
+      std::uint64_t type = 1;
+      while (lengths[static_cast<std::size_t>(type)] * bitsInByte < bits)
+        ++type;
+      addType(type);
+      addBytes(static_cast<std::uint64_t>(number), static_cast<int>(lengths[static_cast<std::size_t>(type)]));
+      return;
+    }
+    case SQLITE_FLOAT:
+      addType(realType);
+      addBytes(std::bit_cast<std::uint64_t>(sqlite3_value_double(value)), sizeof(double));
+      return;
+    case SQLITE_TEXT: {
+      const std::string_view text = textOf(value);
+      addType(firstText + 2 * static_cast<std::uint64_t>(text.size()));
+      values_ += text;
+      return;
+    }
+    case SQLITE_BLOB: {
+      const std::string_view bytes = bytesOf(value);
+      addType(firstBytes + 2 * static_cast<std::uint64_t>(bytes.size()));
+      values_ += bytes;
+      return;
+    }
+    default:
+      addNulls(1);
+  }
+}
+
+std::string_view RecordBuilder::record() {
+  record_.clear();
+  // The length counts its own bytes.
+  std::size_t length = types_.size() + 1;
+  if (length > varintMask) ++length;
+  if (length >> (2 * bitsInVarint) != 0) ++length;
+  appendVarint(record_, length);
+  record_ += types_;
+  record_ += values_;
+  return record_;
+}
+
+}  // namespace quillon::tsql

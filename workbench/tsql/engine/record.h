@@ -1,0 +1,55 @@
+// A row as SQLite's file format stores it: a header, which begins with its own length and has a number for each column that
+// says the value's type and length, and behind it the values in the same order. All numbers of the header are of one to
+// nine bytes, seven bits in each.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct sqlite3_stmt;
+struct sqlite3_value;
+
+namespace quillon::tsql {
+
+// Where the columns of a record lie in it.
+class RecordFields {
+ public:
+  // The record stays where it is as long as its parts are asked for. Throws SqlError 824 when it is damaged.
+  void read(std::string_view record);
+
+  std::size_t count() const { return types_.size() - 1; }
+  bool isNull(std::size_t column) const { return column >= count() || record_[types_[column]] == 0; }
+  // Gives the statement's parameter the value of the column.
+  void bind(std::size_t column, sqlite3_stmt* statement, int parameter) const;
+  // The types or the values of the columns from `first` on, as they lie in the record.
+  std::string_view types(std::size_t first, std::size_t count) const;
+  std::string_view values(std::size_t first, std::size_t count) const;
+
+ private:
+  std::string_view record_;
+  std::vector<std::uint32_t> types_{0}, values_{0};  // where each begins, and where the last ends
+};
+
+// Puts a record together, column by column.
+class RecordBuilder {
+ public:
+  void clear();
+  void addNulls(std::size_t count);
+  // Columns of another record. What it does not have is null.
+  void add(const RecordFields& fields, std::size_t first, std::size_t count);
+  // An integer, a floating-point number, a text, bytes or null.
+  void add(sqlite3_value* value);
+  // Until the next call.
+  std::string_view record();
+
+ private:
+  void addType(std::uint64_t type);
+  void addBytes(std::uint64_t number, int count);
+
+  std::string types_, values_, record_;
+};
+
+}  // namespace quillon::tsql
