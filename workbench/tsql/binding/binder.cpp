@@ -148,6 +148,10 @@ Fragment Binder::stored(const Fragment& value, const Target& target) {
   return result;
 }
 
+bool Binder::hasRead(const Table& table) const {
+  return read_.contains(table.physical);
+}
+
 std::string Binder::addTable(const ObjectName& name, const std::string& alias, Scope& scope) {
   Source source;
   source.aliasGiven = !alias.empty();
@@ -158,6 +162,7 @@ std::string Binder::addTable(const ObjectName& name, const std::string& alias, S
   if (auto stored = tables_.table(name)) {
     source.columns = columnsOf(*stored);
     source.stored = stored;
+    read_.insert(stored->physical);
     addSource(scope, std::move(source), name.place);
     return stored->physical + as;
   }
@@ -501,20 +506,20 @@ BoundQuery Binder::query(const Query& query, Scope* outer, Naming naming) {
   return query.core ? simpleQuery(query, outer, naming, nullptr) : setQuery(query, outer, naming, nullptr);
 }
 
-BoundQuery Binder::queryInto(const Query& query, const std::vector<Target>& targets, std::size_t width) {
-  const Targets into{.columns = &targets, .width = width};
+BoundQuery Binder::queryInto(const Query& query, const std::vector<Target>& targets, const Table* whole) {
+  const Targets into{.columns = &targets, .whole = whole};
   return query.core ? simpleQuery(query, nullptr, Naming::none, &into) : setQuery(query, nullptr, Naming::none, &into);
 }
 
 void Binder::storeItems(Core& core, const Targets& targets) {
   for (std::size_t i = 0; i < core.items.size(); ++i)
     core.items[i] = stored(core.items[i], (*targets.columns)[i]);
-  if (targets.width == 0) return;
-  std::vector<Fragment> items(targets.width, nullFragment());
+  if (targets.whole == nullptr) return;
+  std::vector<Fragment> items(targets.whole->columns.size(), nullFragment());
   for (std::size_t i = 0; i < core.items.size(); ++i)
     items[(*targets.columns)[i].place] = std::move(core.items[i]);
   core.items = std::move(items);
-  core.columns.assign(targets.width, {});
+  core.columns.assign(core.items.size(), {});
 }
 
 void Binder::takeItemParameters(const Query& query, Core& core, const std::vector<Target>& targets) {
@@ -528,6 +533,26 @@ void Binder::takeItemParameters(const Query& query, Core& core, const std::vecto
     core.items[i] = std::move(*parameter);
     parameters_->withdraw(items[i].value->begin);
   }
+}
+
+std::optional<Binder::Places> Binder::placesOf(const Core& core, const Targets& targets) {
+  // The text of an order by the number of an item depends on the items.
+  if (core.distinct || core.identityItem >= 0 ||
+      std::ranges::any_of(core.orderKeys, [](const auto& key) { return key.output.has_value(); })) {
+    return {};
+  }
+  Places places;
+  if (targets.whole != nullptr) {
+    for (const TableColumn& column : targets.whole->columns)
+      places.push_back({.storage = storageOf(column.type), .required = column.notNull});
+  } else if (targets.columns == nullptr) {
+    for (const OutputColumn& column : core.columns) {
+      if (column.identity) return {};
+      places.push_back({.storage = storageOf(column.type), .required = column.notNull});
+    }
+  }
+  if (places.empty()) return {};
+  return places;
 }
 
 BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, const Targets* targets) {
@@ -548,9 +573,9 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
   Targets into = targets == nullptr ? Targets{} : *targets;
   // Distinct rows, and an order by the number of an item, are those of the query's own items.
   if (core.distinct || std::ranges::any_of(core.orderKeys, [](const auto& key) { return key.output.has_value(); })) {
-    into.width = 0;
+    into.whole = nullptr;
   }
-  result.inTableOrder = into.width > 0;
+  result.inTableOrder = into.whole != nullptr;
   const bool isStored = targets != nullptr || query.core->into;
   if (isStored) {
     if (std::string first = orderedFirst(query, core); !first.empty()) {
@@ -565,7 +590,11 @@ BoundQuery Binder::simpleQuery(const Query& query, Scope* outer, Naming naming, 
     for (Fragment& item : core.items)
       item = settled(item);
   }
-  if (isStored) result.grouping = wideGrouping(query, core, targets == nullptr ? nullptr : &into);
+  if (isStored) {
+    const std::optional<Places> places = placesOf(core, into);
+    result.grouping = wideGrouping(query, core, targets == nullptr ? nullptr : &into, places);
+    if (places && !core.scope->grouped) result.composition = composition(*query.core, core, *places);
+  }
   RowOrdering ordering;
   result.sql = renderCore(core, naming, &ordering);
   if (!core.orderKeys.empty() && !core.distinct && !core.scope->grouped && !core.top) {

@@ -5,12 +5,14 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "workbench/tsql/binding/emitter.h"
+#include "workbench/tsql/binding/row_composition.h"
 #include "workbench/tsql/binding/stored_tables.h"
 #include "workbench/tsql/syntax/ast.h"
 
@@ -43,7 +45,8 @@ struct RowOrdering {
 };
 
 // A query that groups the rows of one table by many columns, and its form for a table in which most rows are alone in their
-// group: these are taken as they are, and only the others are sorted and grouped.
+// group: these are taken as they are, and only the others are sorted and grouped. Of these again most are in groups of
+// rows that have the same in the columns by which they are grouped, to the last byte: such a group is known by a number.
 struct WideGrouping {
   std::string number;             // the row number of a row of the table
   std::string from;               // the table
@@ -52,6 +55,13 @@ struct WideGrouping {
   // The query that calls is_alone(number), which is to be 1 for rows alone in their group alone. Each group of the query
   // as it was written is a row of it, and nothing else; the rows alone come first.
   std::string sql;
+  // The same in three: the rows alone, those whose group has a number, group_number(number), where is_together(number) is 1,
+  // and the query of the others. Nothing: the rows alone are not copies of others.
+  std::optional<RowComposition> alone = {};
+  std::optional<RowComposition> together = {};
+  std::string others = {};
+  std::shared_ptr<const Table> table = {};  // whose rows they are
+  std::vector<std::size_t> columns = {};    // of it, by which they are grouped
 };
 
 struct BoundQuery {
@@ -59,9 +69,11 @@ struct BoundQuery {
   std::vector<OutputColumn> columns;
   std::vector<BareColumn> outerReferences;
   bool oneRowAtMost = false;
-  std::optional<RowOrdering> ordering = {};   // nothing: no order, or rows of another kind
-  bool inTableOrder = false;                  // see queryInto()
-  std::optional<WideGrouping> grouping = {};  // of a query whose rows are stored: Insert .. Select, Select .. Into
+  std::optional<RowOrdering> ordering = {};  // nothing: no order, or rows of another kind
+  bool inTableOrder = false;                 // see queryInto()
+  // Of a query whose rows are stored, Insert .. Select and Select .. Into: other forms, where there are any.
+  std::optional<WideGrouping> grouping = {};
+  std::optional<RowComposition> composition = {};
 };
 
 // A table or derived table of a From clause.
@@ -149,9 +161,9 @@ class Binder {
   };
   // A value brought into its target.
   static Fragment stored(const Fragment& value, const Target& target);
-  // `width`: the table's columns when what the query does not give stays null, 0 otherwise. Then the result may have an
-  // item for each of them, in the table's order, from which SQLite makes rows without copying each value once more.
-  BoundQuery queryInto(const Query& query, const std::vector<Target>& targets, std::size_t width);
+  // `whole`: the table when what the query does not give stays null, null otherwise. Then the result may have an item for
+  // each of its columns, in their order, from which SQLite makes rows without copying each value once more.
+  BoundQuery queryInto(const Query& query, const std::vector<Target>& targets, const Table* whole);
 
   Fragment value(const Expression& expression, Scope& scope);
   Fragment condition(const Expression& expression, Scope& scope);
@@ -167,6 +179,8 @@ class Binder {
   std::string join(const TableSource& source, Scope& scope);
   // The stored table; throws SqlError 208 when there is none.
   std::shared_ptr<const Table> table(const ObjectName& name);
+  // Whether rows of the table are read by what has been bound.
+  bool hasRead(const Table& table) const;
 
   // The expression or condition bound with these sources alone in sight. Nullopt: it names columns of others, holds a
   // query, or some value may end it with an error, so that it must not be computed of rows that are not asked for.
@@ -175,11 +189,21 @@ class Binder {
  private:
   struct Core;
   struct SetOperand;
+  struct Joined;  // these two: binder_compositions.cpp
+  struct LookUp;
 
   struct Targets {
     const std::vector<Target>* columns = nullptr;
-    std::size_t width = 0;  // see queryInto()
+    const Table* whole = nullptr;  // see queryInto()
   };
+  // The columns of the table that a query's rows go into.
+  struct Place {
+    Storage storage = Storage::any;
+    bool required = false;  // refuses NULL
+  };
+  using Places = std::vector<Place>;
+  // Nothing where the rows are made in another way than item by item. `targets` without columns: those of Select Into.
+  static std::optional<Places> placesOf(const Core& core, const Targets& targets);
   // `ofLoneRows`: see Scope.
   Core bindCore(const SelectCore& core, Scope* outer, bool ofLoneRows = false);
   static void storeItems(Core& core, const Targets& targets);
@@ -187,7 +211,20 @@ class Binder {
   // than the query's own rows. Empty: the order is another.
   std::string orderedFirst(const Query& query, const Core& core) const;
   // `core` is bound, and its items are as they are stored.
-  std::optional<WideGrouping> wideGrouping(const Query& query, Core& core, const Targets* targets);
+  // `places`: see composition(); nothing when the items are in another order than the columns.
+  std::optional<WideGrouping> wideGrouping(const Query& query, Core& core, const Targets* targets,
+                                           const std::optional<Places>& places);
+  // `core` has an item for each column of the table that the rows go into, and is not grouped, or by rows that are alone.
+  std::optional<RowComposition> composition(const SelectCore& select, Core& core, const Places& places);
+  // The tables of the From clause whose rows are looked up for each row of the others; they leave `core.from`.
+  std::vector<LookUp> takeLookUps(const SelectCore& select, Core& core);
+  // The columns that the rows of one table are grouped by; empty: one is the row's number.
+  static std::vector<std::size_t> columnsOfKeys(const Core& core);
+  // Nothing: the join is of something else than a table, or its condition may end with an error.
+  std::optional<Joined> joinedTable(const TableSource& join, Scope& scope);
+  // Where a look-up finds the column; `copiedFrom`: by the scope's sources, those whose rows are copied from.
+  static RowComposition::Key keyOf(const std::string& sql, const std::vector<Source>& sources,
+                                   const std::vector<std::optional<std::size_t>>& copiedFrom);
   void bindItems(const SelectCore& select, Core& core);
   void expandStar(const SelectItem& item, Core& core);
   // `ordering`, which may be null, gets where the parts of the text end.
@@ -232,7 +269,8 @@ class Binder {
   std::map<const SelectCore*, std::vector<Restriction>> restrictions_;
   Parameters* parameters_;
   int viewDepth_ = 0;
-  int views_ = 0;  // bound so far
+  int views_ = 0;               // bound so far
+  std::set<std::string> read_;  // tables in From clauses, by their place in SQLite
 };
 
 // The parts of a condition that And joins.

@@ -184,7 +184,8 @@ std::string Binder::orderedFirst(const Query& query, const Core& core) const {
          ".number" + core.from.substr(first.size());
 }
 
-std::optional<WideGrouping> Binder::wideGrouping(const Query& query, Core& core, const Targets* targets) {
+std::optional<WideGrouping> Binder::wideGrouping(const Query& query, Core& core, const Targets* targets,
+                                                 const std::optional<Places>& places) {
   const SelectCore& select = *query.core;
   // By fewer columns SQLite groups as fast.
   constexpr std::size_t wide = 12;
@@ -209,10 +210,21 @@ std::optional<WideGrouping> Binder::wideGrouping(const Query& query, Core& core,
   const std::string given = core.where.empty() ? "" : "(" + core.where + ") AND ";
   lone.groupBy.clear();
   lone.where = given + isAlone;
-  result.sql = renderCore(lone, Naming::none) + " UNION ALL ";
-  std::string where = std::exchange(core.where, given + "NOT " + isAlone);
-  result.sql += renderCore(core, Naming::none);
-  core.where = std::move(where);
+  if (places) result.alone = composition(select, lone, *places);
+  const std::string where = std::exchange(core.where, given + "NOT " + isAlone);
+  result.sql = renderCore(lone, Naming::none) + " UNION ALL " + renderCore(core, Naming::none);
+  result.columns = columnsOfKeys(core);
+  if (result.alone && !result.columns.empty()) {
+    result.table = source.stored;
+    const std::string isTogether = "is_together(" + result.number + ")";
+    core.where = given + isTogether;
+    std::vector<std::string> keys = std::exchange(core.groupBy, {"group_number(" + result.number + ")"});
+    result.together = composition(select, core, *places);
+    core.groupBy = std::move(keys);
+    core.where = given + "NOT " + isAlone + " AND NOT " + isTogether;
+    result.others = renderCore(core, Naming::none);
+  }
+  core.where = where;
   return result;
 }
 

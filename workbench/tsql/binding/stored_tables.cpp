@@ -13,6 +13,25 @@ constexpr auto rowidNames = std::to_array<const char*>({"rowid", "_rowid_", "oid
 
 }  // namespace
 
+Storage storageOf(const Type& type) {
+  switch (type.kind) {
+    case Kind::integer:
+    case Kind::bigInt:
+    case Kind::bit:
+    case Kind::money:
+    case Kind::dateTime:
+      return Storage::integer;
+    case Kind::decimal:
+      return type.precision <= 18 ? Storage::integer : Storage::any;
+    case Kind::real:
+      return Storage::real;
+    case Kind::nVarChar:
+    case Kind::varChar:
+      return Storage::text;
+  }
+  return Storage::any;
+}
+
 bool Table::hasRowid() const {
   return std::ranges::any_of(rowidNames, [this](const char* name) { return find(name) < 0; });
 }

@@ -12,6 +12,10 @@
 
 namespace quillon::tsql {
 
+// How the values of a column lie in SQLite; `any` is INTEGER or BLOB.
+enum class Storage { integer, real, text, any };
+Storage storageOf(const Type& type);
+
 // A declared table with its place in SQLite.
 struct Table : DeclaredTable {
   std::string schema;    // SQLite's: "main", "temp" or "account"

@@ -57,20 +57,15 @@ std::string definitionOf(const Table& table) {
 }
 
 std::string storage(const Type& type) {
-  switch (type.kind) {
-    case Kind::integer:
-    case Kind::bigInt:
-    case Kind::bit:
-    case Kind::money:
-    case Kind::dateTime:
+  switch (storageOf(type)) {
+    case Storage::integer:
       return "INTEGER";
-    case Kind::decimal:
-      return type.precision <= 18 ? "INTEGER" : "ANY";
-    case Kind::real:
+    case Storage::real:
       return "REAL";
-    case Kind::nVarChar:
-    case Kind::varChar:
+    case Storage::text:
       return std::string("TEXT COLLATE ") + collationName;
+    case Storage::any:
+      break;
   }
   return "ANY";
 }

@@ -7,7 +7,9 @@
 #include <deque>
 
 #include "workbench/tsql/binding/sqlite_notation.h"
+#include "workbench/tsql/engine/composed_rows.h"
 #include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/stored_rows.h"
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/engine/wide_order.h"
 #include "workbench/tsql/syntax/parser.h"
@@ -238,13 +240,11 @@ std::shared_ptr<const Translation> Executor::translation(const std::vector<State
     if (isSelect) {
       BoundQuery bound = binder.query(*statement.query);
       if (isWidelyOrdered(bound)) return nullptr;
-      made->sql = std::move(bound.sql);
+      made->statement.sql = std::move(bound.sql);
       made->columns = resultColumns(bound.columns);
     } else {
-      Modification modification = modificationOf(statement, binder);
-      if (modification.grouping) return nullptr;
-      made->sql = std::move(modification.sql);
-      made->matching = std::move(modification.matching);
+      made->statement = modificationOf(statement, binder);
+      if (made->statement.grouping) return nullptr;
     }
   } catch (const SqlError&) {
     return nullptr;  // comes again when the statement runs as it is, with the place where it belongs
@@ -326,25 +326,24 @@ std::vector<bool> Executor::keysOf(const Translation& translation, const Stateme
 }
 
 std::unique_ptr<Cursor> Executor::rowsOf(const Translation& translation, const StatementForm& form) {
-  return std::make_unique<SelectCursor>(translation.columns, prepared(translation.sql, translation, form));
+  return std::make_unique<SelectCursor>(translation.columns, prepared(translation.statement.sql, translation, form));
 }
 
 std::int64_t Executor::modify(const Translation& translation, const StatementForm& form) {
   Savepoint savepoint(database_);
   const std::vector<bool> isKey = keysOf(translation, form);
-  std::string sql;
-  if (translation.matching) {
-    Matching matching = *translation.matching;
-    matching.source = Translation::withKeys(matching.source, isKey);
-    const auto bind = [&](Prepared& source) { bindConstants(translation, form, source); };
-    if (matchedRows_.read(database_, matching, bind)) sql = std::move(matching.sql);
+  const auto bind = [&](Prepared& source) { bindConstants(translation, form, source); };
+  const Modification& known = translation.statement;
+  Modification statement{.sql = Translation::withKeys(known.sql, isKey), .table = known.table};
+  if (known.composition) {
+    statement.composition = known.composition;
+    statement.composition->sql = Translation::withKeys(known.composition->sql, isKey);
   }
-  if (sql.empty()) sql = Translation::withKeys(translation.sql, isKey);
-  StatementPool::Loan statement = prepared(sql, translation, form);
-  statement->step();
-  const std::int64_t affected = sqlite3_changes64(database_);
-  statement->reset();
-  matchedRows_.forget();
+  if (known.matching) {
+    statement.matching = known.matching;
+    statement.matching->source = Translation::withKeys(known.matching->source, isKey);
+  }
+  const std::int64_t affected = change(statement, bind);
   savepoint.keep();
   return affected;
 }
@@ -507,8 +506,14 @@ std::int64_t Executor::selectInto(const Statement& s, const ObjectName& target, 
   Savepoint savepoint(database_);
   const std::shared_ptr<const Table> table = catalog_.createTable(target, definitions, {});
   const std::string head = "INSERT INTO " + table->physical + "(" + names + ") ";
-  Modification insert{.sql = head + bound.sql, .grouping = std::move(bound.grouping)};
-  if (insert.grouping) insert.grouping->sql.insert(0, head);
+  Modification insert{.sql = head + bound.sql,
+                      .table = table,
+                      .grouping = std::move(bound.grouping),
+                      .composition = std::move(bound.composition)};
+  if (insert.grouping) {
+    insert.grouping->sql.insert(0, head);
+    insert.grouping->others.insert(0, head);
+  }
   const std::int64_t affected = change(insert);
   savepoint.keep();
   return affected;
@@ -525,17 +530,57 @@ Modification Executor::modificationOf(const Statement& s, Binder& binder) const 
   }
 }
 
-std::int64_t Executor::change(const Modification& statement) {
+std::int64_t Executor::change(const Modification& statement, const Bind& bind) {
+  std::optional<std::int64_t> affected;
   const std::string* sql = &statement.sql;
-  if (statement.grouping && loneRows_.find(database_, *statement.grouping)) sql = &statement.grouping->sql;
-  if (statement.matching && matchedRows_.read(database_, *statement.matching)) sql = &statement.matching->sql;
-  Prepared prepared(database_, *sql);
-  prepared.step();
-  const std::int64_t affected = sqlite3_changes64(database_);
-  prepared.reset();
+  if (statement.composition) affected = compose(addComposedRows, *statement.composition, statement, bind);
+  if (statement.grouping) affected = insertGroups(statement, bind);
+  if (statement.matching && matchedRows_.read(database_, *statement.matching, bind)) {
+    sql = &statement.matching->sql;
+    if (statement.matching->composition)
+      affected = compose(replaceByComposedRows, *statement.matching->composition, statement, bind);
+  }
+  if (!affected) affected = runPlainly(*sql, bind);
   loneRows_.forget();
   matchedRows_.forget();
-  return affected;
+  return *affected;
+}
+
+std::optional<std::int64_t> Executor::insertGroups(const Modification& statement, const Bind& bind) {
+  const WideGrouping& grouping = *statement.grouping;
+  if (!loneRows_.find(database_, grouping)) return {};
+  if (grouping.alone && grouping.together && loneRows_.gather(database_, grouping)) {
+    Savepoint savepoint(database_);
+    const auto alone = compose(addComposedRows, *grouping.alone, statement, bind);
+    const auto together = alone ? compose(addComposedRows, *grouping.together, statement, bind) : std::nullopt;
+    if (together) {
+      const std::int64_t others = runPlainly(grouping.others, bind);
+      savepoint.keep();
+      return *alone + *together + others;
+    }
+  }
+  return runPlainly(grouping.sql, bind);
+}
+
+std::int64_t Executor::runPlainly(const std::string& sql, const Bind& bind) {
+  const StatementPool::Loan statement = prepared(sql, bind);
+  statement->step();
+  return sqlite3_changes64(database_);
+}
+
+template <typename Run>
+std::optional<std::int64_t> Executor::compose(Run run, const RowComposition& composition, const Modification& statement,
+                                              const Bind& bind) {
+  const RowsAsStored inTheirOrder(database_);
+  const StatementPool::Loan query = prepared(composition.sql, bind);
+  return run(database_, composition, *query, *statement.table);
+}
+
+StatementPool::Loan Executor::prepared(const std::string& sql, const Bind& bind) {
+  if (!bind) return {{}, {}, std::make_unique<Prepared>(database_, sql)};
+  StatementPool::Loan statement = pool_->take(sql);
+  bind(*statement);
+  return statement;
 }
 
 std::int64_t Executor::modify(const Statement& s, bool exactSums) {

@@ -25,7 +25,7 @@ class Executor {
  public:
   Executor(sqlite3* database, Catalog& catalog)
       : database_(database), catalog_(catalog), pool_(std::make_shared<StatementPool>(database)) {
-    loneRows_.registerFunction(database);
+    loneRows_.registerFunctions(database);
     matchedRows_.registerFunctions(database);
   }
 
@@ -67,8 +67,19 @@ class Executor {
   void setIdentityInsert(const Statement& statement);
   bool takesIdentity(const ObjectName& table) const;
   Modification modificationOf(const Statement& statement, Binder& binder) const;
-  // Runs it, in its form for many rows where that is worthwhile; gives the rows affected.
-  std::int64_t change(const Modification& statement);
+  // Gives a statement its parameters.
+  using Bind = std::function<void(Prepared&)>;
+  // Runs it, in another of its forms where that is worthwhile; gives the rows affected.
+  std::int64_t change(const Modification& statement, const Bind& bind = {});
+  // The grouping's forms; gives the rows that were added. Nothing: too few rows are alone.
+  std::optional<std::int64_t> insertGroups(const Modification& statement, const Bind& bind);
+  // `run`: addComposedRows() or replaceByComposedRows().
+  template <typename Run>
+  std::optional<std::int64_t> compose(Run run, const RowComposition& composition, const Modification& statement,
+                                      const Bind& bind);
+  std::int64_t runPlainly(const std::string& sql, const Bind& bind);
+  // SQLite's statement, kept for the next time where it has parameters.
+  StatementPool::Loan prepared(const std::string& sql, const Bind& bind);
   std::unique_ptr<Cursor> open(const Query& query, bool exactSums);
   // The same for who reads them one by one.
   std::unique_ptr<Cursor> rowsOf(const Statement& statement);

@@ -5,7 +5,10 @@
 #include <algorithm>
 
 #include "workbench/tsql/engine/fingerprint.h"
+#include "workbench/tsql/engine/record.h"
 #include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/stored_rows.h"
+#include "workbench/tsql/values/stop.h"
 
 namespace quillon::tsql {
 namespace {
@@ -19,6 +22,8 @@ constexpr std::int64_t rowsAtATime = 16'000'000;
 // Pairs of rows by which columns are chosen, and how often they are chosen anew for rows that they did not tell apart.
 constexpr std::size_t mostPairs = 256;
 constexpr int mostReadings = 3;
+// After how many rows it is asked whether the program is to end.
+constexpr std::size_t rowsBetweenQuestions = 4096;
 // Fewer rows than this part that are not alone are not worth another reading.
 constexpr std::int64_t smallPart = 50;
 
@@ -42,10 +47,10 @@ class Search {
   }
 
   // Whether at least half of the rows are alone.
-  bool find(std::vector<bool>& repeated) {
+  bool find(std::vector<std::uint32_t>& leaders) {
     Columns chosen = addTo({}, neighbours());
     for (int reading = 1;; ++reading) {
-      read(chosen, repeated);
+      read(chosen, leaders);
       if (found_ * smallPart <= rows_ || reading == mostReadings) break;
       Columns more = addTo(chosen, alike_);
       if (more.size() == chosen.size()) break;
@@ -106,9 +111,9 @@ class Search {
   }
 
   // Marks the rows that are alike in the columns.
-  void read(const Columns& columns, std::vector<bool>& repeated) {
+  void read(const Columns& columns, std::vector<std::uint32_t>& leaders) {
     const std::int64_t span = last_ - first_ + 1;
-    repeated.assign(static_cast<std::size_t>(span), false);
+    leaders.assign(static_cast<std::size_t>(span), 0);
     alike_.clear();
     rows_ = found_ = 0;
     pairs_ = 0;
@@ -128,12 +133,13 @@ class Search {
         for (std::size_t i = 1; i <= columns.size(); ++i)
           print = joined(print, fingerprint(rows.handle(), static_cast<int>(i)));
         if (print % parts != part) continue;
-        place(slots, print / parts, rows.integer(0), repeated);
+        place(slots, print / parts, rows.integer(0), leaders);
       }
     }
   }
 
-  void place(std::vector<std::uint64_t>& slots, std::uint64_t print, std::int64_t number, std::vector<bool>& repeated) {
+  void place(std::vector<std::uint64_t>& slots, std::uint64_t print, std::int64_t number,
+             std::vector<std::uint32_t>& leaders) {
     constexpr std::uint64_t lower = 0xffffffff;
     const auto row = static_cast<std::uint64_t>(number - first_);
     ++rows_;
@@ -144,12 +150,12 @@ class Search {
         return;
       }
       if (((slot ^ print) & ~lower) != 0) continue;
-      const auto other = static_cast<std::size_t>((slot & lower) - 1);
-      for (const std::size_t each : {static_cast<std::size_t>(row), other}) {
-        if (!repeated[each]) ++found_;
-        repeated[each] = true;
+      const auto leader = static_cast<std::uint32_t>(slot & lower);
+      for (const std::size_t each : {static_cast<std::size_t>(row), static_cast<std::size_t>(leader - 1)}) {
+        if (leaders[each] == 0) ++found_;
+        leaders[each] = leader;
       }
-      keep({first_ + static_cast<std::int64_t>(other), number});
+      keep({first_ + static_cast<std::int64_t>(leader) - 1, number});
       return;
     }
   }
@@ -174,35 +180,68 @@ class Search {
   std::vector<Pair> alike_;  // some of them
 };
 
-void isAlone(sqlite3_context* context, int, sqlite3_value** arguments) {
+// One of the object's answers about a row number.
+template <auto answer>
+void answerAbout(sqlite3_context* context, int, sqlite3_value** arguments) {
   const auto* const rows = static_cast<const LoneRows*>(sqlite3_user_data(context));
-  sqlite3_result_int(context, rows->has(sqlite3_value_int64(arguments[0])) ? 1 : 0);
+  sqlite3_result_int64(context, (rows->*answer)(sqlite3_value_int64(arguments[0])));
+}
+
+// The columns of a record, one behind the other.
+void takeColumns(const RecordFields& fields, const Columns& columns, RecordBuilder& taken) {
+  taken.clear();
+  for (const std::size_t column : columns)
+    taken.add(fields, column, 1);
 }
 
 }  // namespace
 
-void LoneRows::registerFunction(sqlite3* database) {
-  const int result = sqlite3_create_function_v2(database, "is_alone", 1, SQLITE_UTF8 | SQLITE_INNOCUOUS, this, isAlone,
-                                                nullptr, nullptr, nullptr);
-  if (result != SQLITE_OK) throwSqliteError(database);
+void LoneRows::registerFunctions(sqlite3* database) {
+  constexpr int flags = SQLITE_UTF8 | SQLITE_INNOCUOUS;
+  const auto add = [&](const char* name, void (*function)(sqlite3_context*, int, sqlite3_value**)) {
+    if (sqlite3_create_function_v2(database, name, 1, flags, this, function, nullptr, nullptr, nullptr) != SQLITE_OK)
+      throwSqliteError(database);
+  };
+  add("is_alone", answerAbout<&LoneRows::isAlone>);
+  add("is_together", answerAbout<&LoneRows::isTogether>);
+  add("group_number", answerAbout<&LoneRows::groupNumber>);
 }
 
 bool LoneRows::find(sqlite3* database, const WideGrouping& grouping) {
   forget();
   Search search(database, grouping);
   if (!search.readBounds()) return false;
-  const bool worthwhile = search.find(repeated_);
+  const bool worthwhile = search.find(leaders_);
   first_ = search.first();
   if (!worthwhile) forget();
   return worthwhile;
 }
 
-void LoneRows::forget() {
-  repeated_ = {};
+bool LoneRows::gather(sqlite3* database, const WideGrouping& grouping) {
+  const Table& table = *grouping.table;
+  StoredRows rows(database, table.schema, table.stored, StoredRows::Use::read);
+  StoredRows leaderRows(database, table.schema, table.stored, StoredRows::Use::read);
+  if (!rows || !leaderRows) return false;
+  isMixed_.assign(leaders_.size(), false);
+  RecordFields fields;
+  RecordBuilder key, leaderKey;
+  const auto keyAt = [&](StoredRows& source, std::size_t row, RecordBuilder& taken) {
+    fields.read(source.at(first_ + static_cast<std::int64_t>(row)));
+    takeColumns(fields, grouping.columns, taken);
+    return taken.record();
+  };
+  for (std::size_t row = 0; row < leaders_.size(); ++row) {
+    if (row % rowsBetweenQuestions == 0) endIfStopped();
+    const std::uint32_t leader = leaders_[row];
+    if (leader == 0 || leader == row + 1 || isMixed_[leader - 1]) continue;
+    if (keyAt(rows, row, key) != keyAt(leaderRows, leader - 1, leaderKey)) isMixed_[leader - 1] = true;
+  }
+  return true;
 }
 
-bool LoneRows::has(std::int64_t number) const {
-  return !repeated_[static_cast<std::size_t>(number - first_)];
+void LoneRows::forget() {
+  leaders_ = {};
+  isMixed_ = {};
 }
 
 }  // namespace quillon::tsql

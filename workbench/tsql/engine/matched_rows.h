@@ -6,10 +6,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "workbench/tsql/binding/row_composition.h"
 #include "workbench/tsql/engine/sqlite.h"
 
 struct sqlite3;
@@ -26,6 +28,8 @@ struct Matching {
   // The Update that calls has_match(key, ...), 1 where the keys are in the source, and match_value(n, key, ...), the n-th
   // value of the row with these keys, counted from 0.
   std::string sql;
+  // The rows as they become by it; nothing where the table cannot have them so.
+  std::optional<RowComposition> composition = {};
 };
 
 class MatchedRows {

@@ -1,6 +1,7 @@
 #include "workbench/tsql/engine/modification.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 
 #include "frame/text.h"
@@ -121,9 +122,19 @@ Modification selectedRows(const Statement& s, const Table& table, const InsertCo
   try {
     // What counts its own rows is not given null, nor what has a default.
     const bool allMayBeGiven = columns.omitted.empty() && table.rowidColumn < 0;
-    BoundQuery query = binder.queryInto(*s.query, targets, allMayBeGiven ? table.columns.size() : 0);
+    BoundQuery query = binder.queryInto(*s.query, targets, allMayBeGiven ? &table : nullptr);
     inTableOrder = query.inTableOrder;
-    rows = {.sql = std::move(query.sql), .grouping = std::move(query.grouping)};
+    rows = {.sql = std::move(query.sql),
+            .grouping = std::move(query.grouping),
+            .composition = std::move(query.composition)};
+    if (binder.hasRead(table)) {
+      if (rows.composition && !rows.composition->readingFirst.empty()) {
+        rows.composition->sql += rows.composition->readingFirst;
+      } else {
+        rows.composition.reset();
+      }
+      if (rows.grouping) rows.grouping->alone.reset();
+    }
   } catch (const SqlError& error) {
     // No column list means all columns of the table.
     if (!s.columns.empty() || (error.number() != 120 && error.number() != 121)) throw;
@@ -135,7 +146,10 @@ Modification selectedRows(const Statement& s, const Table& table, const InsertCo
     defaults += ", " + defaultOf(table, column, binder).sql;
   const auto complete = [&](std::string& sql) { sql = "SELECT *" + defaults + " FROM (" + sql + ")"; };
   complete(rows.sql);
-  if (rows.grouping) complete(rows.grouping->sql);
+  if (rows.grouping) {
+    complete(rows.grouping->sql);
+    complete(rows.grouping->others);
+  }
   return rows;
 }
 
@@ -273,11 +287,40 @@ Modification insertStatement(const Statement& s, Binder& binder, bool identityIn
                                 : Modification{valueRows(s, *table, columns, binder)};
   const std::string target = head + (inTableOrder ? " " : "(" + names + ") ");
   result.sql.insert(0, target);
-  if (result.grouping) result.grouping->sql.insert(0, target);
+  if (result.grouping) {
+    result.grouping->sql.insert(0, target);
+    result.grouping->others.insert(0, target);
+  }
+  result.table = table;
   return result;
 }
 
 namespace {
+
+// The rows of the table with these values in their columns; the composition's query ends before From.
+std::optional<RowComposition> changedRows(const Table& table, const std::string& alias,
+                                          const std::map<std::size_t, Fragment>& values) {
+  if (!table.hasRowid() || (table.rowidColumn >= 0 && values.contains(static_cast<std::size_t>(table.rowidColumn))))
+    return {};
+  RowComposition result;
+  result.sql = "SELECT " + alias + '.' + table.rowid();
+  result.sources.push_back({.schema = table.schema, .stored = table.stored, .lookUp = {}});
+  const auto copy = [&](std::size_t first, std::size_t end) {
+    if (first == end) return;
+    result.pieces.push_back({.kind = RowComposition::Kind::fields, .count = end - first, .first = first});
+  };
+  std::size_t copied = 0;
+  for (const auto& [column, value] : values) {
+    copy(copied, column);
+    result.sql += ", " + value.sql;
+    result.pieces.push_back({.kind = RowComposition::Kind::value,
+                             .storage = storageOf(table.columns[column].type),
+                             .required = table.columns[column].notNull});
+    copied = column + 1;
+  }
+  copy(copied, table.columns.size());
+  return result;
+}
 
 // The Update by keys, where the other tables are joined to the target by the equality of whole numbers or texts and give
 // plain values.
@@ -311,6 +354,7 @@ std::optional<Matching> matchingOf(const Statement& s, const Sources& sources, c
   }
   if (result.keys == 0) return {};
   std::string set;
+  std::map<std::size_t, Fragment> values;  // by column
   for (std::size_t i = 0; i < s.assignments.size(); ++i) {
     const Assignment& assignment = s.assignments[i];
     auto value = binder.boundOn(others, *assignment.value);
@@ -320,13 +364,17 @@ std::optional<Matching> matchingOf(const Statement& s, const Sources& sources, c
     value->isColumn = false;
     value->constant.reset();
     const auto column = static_cast<std::size_t>(sources.table->find(assignment.column));
-    set += (set.empty() ? "" : ", ") + quoteName(sources.table->columns[column].name) + " = " +
-           Binder::stored(*value, targetOf(*sources.table, column)).sql;
+    const Fragment stored = Binder::stored(*value, targetOf(*sources.table, column));
+    set += (set.empty() ? "" : ", ") + quoteName(sources.table->columns[column].name) + " = " + stored.sql;
+    values[column] = stored;
   }
   result.table = sources.table->physical;
   result.source = "SELECT " + list + " FROM " + sources.others + sourceWhere;
-  result.sql = "UPDATE " + result.table + " AS " + quoteName(sources.target) + " SET " + set + " WHERE " + where +
-               "has_match(" + keys + ")";
+  const std::string as = " AS " + quoteName(sources.target);
+  const std::string changed = " WHERE " + where + "has_match(" + keys + ")";
+  result.sql = "UPDATE " + result.table + as + " SET " + set + changed;
+  result.composition = changedRows(*sources.table, quoteName(sources.target), values);
+  if (result.composition) result.composition->sql += " FROM " + result.table + as + changed;
   return result;
 }
 
@@ -364,7 +412,9 @@ Modification updateStatement(const Statement& s, Binder& binder) {
     for (std::size_t i = 0; i < values.size(); ++i)
       sql += (i == 0 ? "" : ", ") + values[i].column + " = " + values[i].sql;
     if (sources.others.empty()) return {sql + where};
-    return {.sql = sql + " FROM " + sources.others + where, .matching = matchingOf(s, sources, binder)};
+    return {.sql = sql + " FROM " + sources.others + where,
+            .table = sources.table,
+            .matching = matchingOf(s, sources, binder)};
   }
   // The new values are computed over the whole From clause and then assigned to the rows of the target.
   sql += "target_row SET ";

@@ -1,6 +1,7 @@
 // Insert, Update, Delete and Truncate Table as SQLite statements.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -10,11 +11,14 @@
 
 namespace quillon::tsql {
 
-// A statement and, where there is one, its form for tables of many rows: `grouping` of an Insert whose rows come from a
-// wide grouping, with the whole statement as its `sql`; `matching` of an Update.
+// A statement and other forms of it, where there are any: `grouping` of an Insert whose rows come from a wide grouping,
+// with whole statements as its `sql` and `others`; `composition` of the rows of an Insert, which does not read its table;
+// `matching` of an Update.
 struct Modification {
   std::string sql;
+  std::shared_ptr<const Table> table = {};  // that is changed; for a composition and a matching
   std::optional<WideGrouping> grouping = {};
+  std::optional<RowComposition> composition = {};
   std::optional<Matching> matching = {};
 };
 

@@ -61,7 +61,10 @@ bool Translation::takeKeys(const Parameters::DependentKeys& keys) {
     return std::ranges::count(text, Parameters::keyBegin) == count &&
            std::ranges::count(text, Parameters::keyEnd) == count;
   };
-  if (!hasThem(sql) || (matching && !hasThem(matching->source))) return false;
+  if (!hasThem(statement.sql) || (statement.matching && !hasThem(statement.matching->source)) ||
+      (statement.composition && !hasThem(statement.composition->sql))) {
+    return false;
+  }
   for (const std::string& condition : keys.conditions)
     keysQuery += (keysQuery.empty() ? "SELECT " : ", ") + condition;
   if (!keysQuery.empty()) keysQuery += " FROM " + keys.from;
@@ -106,7 +109,7 @@ std::shared_ptr<const Translation> Translations::find(const StatementForm& form,
 }
 
 void Translations::keep(std::shared_ptr<const Translation> translation) {
-  if (translation->sql.size() > longestSql) return;
+  if (translation->statement.sql.size() > longestSql) return;
   const std::lock_guard lock(mutex_);
   new_.push_front({.translation = std::move(translation)});
   byForm_.emplace(new_.front().translation->form.text, new_.begin());

@@ -17,7 +17,7 @@
 
 #include "workbench/tsql/binding/binder.h"
 #include "workbench/tsql/binding/stored_tables.h"
-#include "workbench/tsql/engine/matched_rows.h"
+#include "workbench/tsql/engine/modification.h"
 #include "workbench/tsql/syntax/ast.h"
 #include "workbench/tsql/syntax/statement_form.h"
 #include "workbench/tsql/values/database.h"
@@ -59,9 +59,8 @@ class NotedLookup : public TableLookup {
 
 struct Translation {
   StatementKind kind = StatementKind::nothing;  // select, insert, update or remove
-  std::string sql;
-  std::optional<Matching> matching;  // of an update: its form for many rows
-  std::vector<Column> columns;       // of a select
+  Modification statement;                       // of a select only its SQL
+  std::vector<Column> columns;                  // of a select
   StatementForm form;
   // Of each constant of the form, whether it is a parameter, and whether another one may stand in its place.
   std::vector<bool> isParameter, isFree;

@@ -182,10 +182,10 @@ TEST_F(WideGroupings, FindTheRowsThatAreAlone) {
   connection_->execute("Insert Into Wide (c0, n) Values (N'TWIN ', 0)");
   LoneRows rows;
   ASSERT_TRUE(rows.find(connection_->handle(), byColumns({"t.c1", "t.c0", "t.n"})));
-  EXPECT_FALSE(rows.has(1));
-  EXPECT_TRUE(rows.has(2));
-  EXPECT_TRUE(rows.has(3000));
-  EXPECT_FALSE(rows.has(3001));
+  EXPECT_FALSE(rows.isAlone(1));
+  EXPECT_TRUE(rows.isAlone(2));
+  EXPECT_TRUE(rows.isAlone(3000));
+  EXPECT_FALSE(rows.isAlone(3001));
 }
 
 TEST_F(WideGroupings, LeaveTablesToTheSorterInWhichFewRowsAreAlone) {

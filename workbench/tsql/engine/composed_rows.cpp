@@ -1,0 +1,278 @@
+#include "workbench/tsql/engine/composed_rows.h"
+
+#include <sqlite3.h>
+
+#include <limits>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "workbench/tsql/engine/record.h"
+#include "workbench/tsql/engine/stored_rows.h"
+#include "workbench/tsql/engine/value_functions.h"
+
+namespace quillon::tsql {
+namespace {
+
+bool fits(sqlite3_value* value, Storage storage) {
+  const int type = sqlite3_value_type(value);
+  if (type == SQLITE_NULL) return true;
+  switch (storage) {
+    case Storage::integer:
+      return type == SQLITE_INTEGER;
+    case Storage::real:
+      return type == SQLITE_FLOAT;
+    case Storage::text:
+      return type == SQLITE_TEXT;
+    case Storage::any:
+      return true;
+  }
+  return false;
+}
+
+// Rows of a look-up that have been asked for.
+class LookedUpRows {
+ public:
+  LookedUpRows(sqlite3* database, const RowComposition::Source& source)
+      : source_(source), query_(database, source.lookUp) {}
+
+  // Begins a key, whose values are then added one by one.
+  RecordBuilder& newKey() {
+    key_.clear();
+    return key_;
+  }
+  // The row for that key. False: there is not one row, or its values do not lie in their columns as they are.
+  bool find(const RecordFields*& fields) {
+    const std::string_view key = key_.record();
+    if (last_ == nullptr || last_->first != key) {
+      auto found = rows_.find(std::string(key));
+      if (found == rows_.end()) {
+        if (bytes_ > mostBytes) clear();
+        found = rows_.try_emplace(std::string(key)).first;
+        if (!read(found->first, found->second)) return false;
+        bytes_ += found->first.size() + found->second.record.size() + bytesOfRow;
+      }
+      last_ = &*found;
+    }
+    fields = &last_->second.fields;
+    return true;
+  }
+
+ private:
+  // As much memory as a page cache has, at most.
+  static constexpr std::size_t mostBytes = std::size_t{64} << 20;
+  static constexpr std::size_t bytesOfRow = 512;  // about
+
+  struct Row {
+    std::string record;
+    RecordFields fields;
+  };
+
+  bool read(const std::string& key, Row& row) {
+    query_.reset();
+    RecordFields keys;
+    keys.read(key);
+    for (std::size_t i = 0; i < keys.count(); ++i)
+      keys.bind(i, query_.handle(), static_cast<int>(i) + 1);
+    if (!query_.step()) return false;
+    RecordBuilder builder;
+    for (std::size_t i = 0; i < source_.given.size(); ++i) {
+      sqlite3_value* const value = sqlite3_column_value(query_.handle(), static_cast<int>(i));
+      if (!fits(value, source_.given[i])) return false;
+      builder.add(value);
+    }
+    row.record = builder.record();
+    row.fields.read(row.record);
+    return !query_.step();
+  }
+
+  void clear() {
+    rows_.clear();
+    last_ = nullptr;
+    bytes_ = 0;
+  }
+
+  const RowComposition::Source& source_;
+  Prepared query_;
+  RecordBuilder key_;
+  std::unordered_map<std::string, Row> rows_;
+  const std::pair<const std::string, Row>* last_ = nullptr;
+  std::size_t bytes_ = 0;
+};
+
+// Whether the table is so small that to read it for each key costs little.
+bool isSmall(sqlite3* database, const std::string& table) {
+  constexpr std::int64_t few = 200;
+  Prepared count(database, "SELECT count(*) FROM (SELECT 1 FROM " + table + " LIMIT " + std::to_string(few + 1) + ")");
+  return count.step() && count.integer(0) <= few;
+}
+
+// Makes one row after the other.
+class Composer {
+ public:
+  Composer(const RowComposition& composition, Prepared& query) : composition_(composition), query_(query) {}
+  ~Composer() { query_.reset(); }
+  Composer(const Composer&) = delete;
+  Composer& operator=(const Composer&) = delete;
+
+  bool step() { return query_.step(); }
+  std::int64_t integer(int column) const { return query_.integer(column); }
+
+  // Before the first step. False: a source is none whose rows can be copied. `changed`: the first source, where that is the
+  // table that is changed.
+  bool open(sqlite3* database, StoredRows* changed = nullptr) {
+    sources_.resize(composition_.sources.size());
+    for (std::size_t i = 0; i < sources_.size(); ++i) {
+      Source& source = sources_[i];
+      if (i == 0 && changed != nullptr) {
+        source.rows = changed;
+        continue;
+      }
+      const RowComposition::Source& described = composition_.sources[i];
+      if (!described.lookUp.empty()) {
+        for (const std::string& table : described.smallTables) {
+          if (!isSmall(database, table)) return false;
+        }
+        source.lookedUp = std::make_unique<LookedUpRows>(database, described);
+        continue;
+      }
+      source.own.emplace(database, described.schema, described.stored, StoredRows::Use::read);
+      if (!*source.own) return false;
+      source.rows = &*source.own;
+    }
+    return true;
+  }
+
+  // False: see addComposedRows().
+  bool make() {
+    std::size_t value = 0;
+    for (std::size_t i = 0; i < sources_.size(); ++i) {
+      if (!(sources_[i].lookedUp ? lookUp(i, value) : read(sources_[i], value))) return false;
+    }
+    row_.clear();
+    for (const RowComposition::Piece& piece : composition_.pieces) {
+      switch (piece.kind) {
+        case RowComposition::Kind::nulls:
+          row_.addNulls(piece.count);
+          break;
+        case RowComposition::Kind::fields:
+          if (!addFields(piece)) return false;
+          break;
+        case RowComposition::Kind::value:
+          sqlite3_value* const given = column(value++);
+          if (!fits(given, piece.storage) || (piece.required && sqlite3_value_type(given) == SQLITE_NULL)) return false;
+          row_.add(given);
+      }
+    }
+    return true;
+  }
+  std::string_view record() { return row_.record(); }
+
+ private:
+  sqlite3_value* column(std::size_t place) const {
+    return sqlite3_column_value(query_.handle(), static_cast<int>(place));
+  }
+  bool addFields(const RowComposition::Piece& piece) {
+    const Source& source = sources_[piece.source];
+    if (piece.required && (source.row == nullptr || source.row->isNull(piece.first))) return false;
+    if (source.row != nullptr) {
+      row_.add(*source.row, piece.first, piece.count);
+    } else {
+      row_.addNulls(piece.count);
+    }
+    return true;
+  }
+
+  struct Source {
+    std::optional<StoredRows> own;
+    StoredRows* rows = nullptr;
+    std::unique_ptr<LookedUpRows> lookedUp;
+    const RecordFields* row = nullptr;  // for the row that is made; null: none
+    std::int64_t number = 0;            // its, in a table
+    RecordFields fields;                // likewise
+  };
+
+  // Both take their items, from `item` on.
+  bool read(Source& source, std::size_t& item) {
+    sqlite3_value* const given = column(item++);
+    if (sqlite3_value_type(given) == SQLITE_NULL) {
+      source.row = nullptr;
+      return true;
+    }
+    const std::int64_t number = sqlite3_value_int64(given);
+    // Who writes the table that is read gives each row once.
+    if (source.row != nullptr && number == source.number) return true;
+    const std::string_view record = source.rows->at(number);
+    source.row = nullptr;
+    if (record.empty()) return false;
+    source.fields.read(record);
+    source.row = &source.fields;
+    source.number = number;
+    return true;
+  }
+  bool lookUp(std::size_t place, std::size_t& item) {
+    Source& source = sources_[place];
+    RecordBuilder& keys = source.lookedUp->newKey();
+    for (const RowComposition::Key& key : composition_.sources[place].keys) {
+      if (!key.source) {
+        keys.add(column(item++));
+      } else if (const RecordFields* const row = sources_[*key.source].row) {
+        keys.add(*row, key.column, 1);
+      } else {
+        keys.addNulls(1);
+      }
+    }
+    return source.lookedUp->find(source.row);
+  }
+
+  const RowComposition& composition_;
+  Prepared& query_;
+  std::vector<Source> sources_;
+  RecordBuilder row_;
+};
+
+// Runs the action, which gives nothing where it leaves the rows to SQLite, so that nothing is left of it then.
+template <typename Action>
+std::optional<std::int64_t> allOrNothing(sqlite3* database, Action action) {
+  Savepoint savepoint(database);
+  const std::optional<std::int64_t> result = action();
+  if (result) savepoint.keep();
+  return result;
+}
+
+}  // namespace
+
+std::optional<std::int64_t> addComposedRows(sqlite3* database, const RowComposition& composition, Prepared& query,
+                                            const Table& table) {
+  return allOrNothing(database, [&]() -> std::optional<std::int64_t> {
+    Composer composer(composition, query);
+    StoredRows target(database, table.schema, table.stored, StoredRows::Use::write);
+    if (!target || !composer.open(database)) return {};
+    std::int64_t number = target.last();
+    std::int64_t count = 0;
+    for (; composer.step(); ++count) {
+      if (number == std::numeric_limits<std::int64_t>::max() || !composer.make()) return {};
+      target.add(++number, composer.record());
+    }
+    return count;
+  });
+}
+
+std::optional<std::int64_t> replaceByComposedRows(sqlite3* database, const RowComposition& composition, Prepared& query,
+                                                  const Table& table) {
+  return allOrNothing(database, [&]() -> std::optional<std::int64_t> {
+    Composer composer(composition, query);
+    StoredRows target(database, table.schema, table.stored, StoredRows::Use::write);
+    if (!target || !composer.open(database, &target)) return {};
+    std::int64_t count = 0;
+    for (; composer.step(); ++count) {
+      if (!composer.make()) return {};
+      target.replace(composer.integer(0), composer.record());
+    }
+    return count;
+  });
+}
+
+}  // namespace quillon::tsql

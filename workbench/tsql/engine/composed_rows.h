@@ -1,0 +1,28 @@
+// Runs what row_composition.h describes.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "workbench/tsql/binding/row_composition.h"
+#include "workbench/tsql/binding/stored_tables.h"
+#include "workbench/tsql/engine/sqlite.h"
+
+struct sqlite3;
+
+namespace quillon::tsql {
+
+// Adds the composition's rows to the table, which its query does not read; gives how many they are. Nothing: the rows
+// cannot be made so, because the table has an index, or a value is none that lies in its column as it is; then nothing has
+// been added, and the statement is to be run by SQLite, which also says what is wrong where something is. `query` is the
+// composition's, with its parameters, and is reset afterwards. Runs within a savepoint. Throws SqlError, Stopped; then
+// that savepoint is to be undone.
+std::optional<std::int64_t> addComposedRows(sqlite3* database, const RowComposition& composition, Prepared& query,
+                                            const Table& table);
+
+// The same for rows that there are: the first row number of the query is that of the row that gets the composition's in
+// its place, and its first source is the table. The query may read the table, as long as it gives each row once.
+std::optional<std::int64_t> replaceByComposedRows(sqlite3* database, const RowComposition& composition, Prepared& query,
+                                                  const Table& table);
+
+}  // namespace quillon::tsql
