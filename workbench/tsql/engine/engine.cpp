@@ -15,6 +15,7 @@
 #include "workbench/tsql/engine/catalog_functions.h"
 #include "workbench/tsql/engine/executor.h"
 #include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/sqlite_memory.h"
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/syntax/parser.h"
 #include "workbench/tsql/values/stop.h"
@@ -55,6 +56,7 @@ struct CloseDatabase {
 using DatabaseHandle = std::unique_ptr<sqlite3, CloseDatabase>;
 
 DatabaseHandle openDatabase(const std::string& name, int flags) {
+  setUpSqliteMemory();
   sqlite3* opened = nullptr;
   const int result = sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   DatabaseHandle database(opened);
