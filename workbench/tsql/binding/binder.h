@@ -189,8 +189,9 @@ class Binder {
  private:
   struct Core;
   struct SetOperand;
-  struct Joined;  // these two: binder_compositions.cpp
+  struct Joined;  // these three: binder_compositions.cpp
   struct LookUp;
+  class CompositionMaker;
 
   struct Targets {
     const std::vector<Target>* columns = nullptr;
@@ -222,9 +223,6 @@ class Binder {
   static std::vector<std::size_t> columnsOfKeys(const Core& core);
   // Nothing: the join is of something else than a table, or its condition may end with an error.
   std::optional<Joined> joinedTable(const TableSource& join, Scope& scope);
-  // Where a look-up finds the column; `copiedFrom`: by the scope's sources, those whose rows are copied from.
-  static RowComposition::Key keyOf(const std::string& sql, const std::vector<Source>& sources,
-                                   const std::vector<std::optional<std::size_t>>& copiedFrom);
   void bindItems(const SelectCore& select, Core& core);
   void expandStar(const SelectItem& item, Core& core);
   // `ordering`, which may be null, gets where the parts of the text end.

@@ -56,66 +56,13 @@ bool haveKey(const Table& table, const std::vector<std::size_t>& columns) {
   });
 }
 
-// A piece of SQLite's SQL: a column with its table's alias, a call's name, or a parameter, by the place in the text.
-struct Piece {
-  enum class Kind { column, call, parameter } kind;
-  std::size_t begin, end;
-};
-
-// The end of what is quoted from `begin` on; a quote in it is doubled.
-std::size_t endOfQuoted(std::string_view sql, std::size_t begin) {
-  std::size_t end = begin;
-  do
-    end = sql.find(sql[begin], end + 1) + 1;
-  while (end < sql.size() && sql[end] == sql[begin]);
-  return end;
-}
-
-std::vector<Piece> piecesOf(std::string_view sql) {
-  const auto isLower = [](char c) { return (c >= 'a' && c <= 'z') || c == '_'; };
-  std::vector<Piece> pieces;
-  for (std::size_t at = 0; at < sql.size();) {
-    const std::size_t begin = at;
-    if (sql[at] == '\'') {
-      at = endOfQuoted(sql, at);
-    } else if (sql[at] == '"') {
-      at = endOfQuoted(sql, at);
-      if (!sql.substr(at).starts_with('.')) continue;
-      at = sql[at + 1] == '"' ? endOfQuoted(sql, at + 1) : sql.find_first_of(" ,()", at);
-      at = std::min(at, sql.size());
-      pieces.push_back({Piece::Kind::column, begin, at});
-    } else if (isLower(sql[at])) {
-      while (at < sql.size() && isLower(sql[at]))
-        ++at;
-      if (at < sql.size() && sql[at] == '(') pieces.push_back({Piece::Kind::call, begin, at});
-    } else if (sql[at++] == '?') {
-      pieces.push_back({Piece::Kind::parameter, begin, at});
-    }
-  }
-  return pieces;
-}
-
 // Whether the condition is one of columns and constants that can be asked of less rows than the query would ask it of,
 // because no value of theirs ends it with an error.
 bool canBeLookedUp(std::string_view sql) {
-  return std::ranges::all_of(piecesOf(sql), [sql](const Piece& piece) {
-    const std::string_view text = sql.substr(piece.begin, piece.end - piece.begin);
-    return piece.kind == Piece::Kind::column ||
-           (piece.kind == Piece::Kind::call && (text == "text_like" || text == "ifnull"));
+  return std::ranges::all_of(namesIn(sql), [](const SqlName& name) {
+    return name.kind == SqlName::Kind::column ||
+           (name.kind == SqlName::Kind::call && (name.text == "text_like" || name.text == "ifnull"));
   });
-}
-
-std::string withColumnsReplaced(std::string_view sql, const std::vector<std::string>& columns,
-                                const std::vector<std::string>& by) {
-  std::string result;
-  std::size_t at = 0;
-  for (const Piece& piece : piecesOf(sql)) {
-    const auto column = std::ranges::find(columns, sql.substr(piece.begin, piece.end - piece.begin));
-    if (column == columns.end()) continue;
-    result.append(sql.substr(at, piece.begin - at)).append(by[static_cast<std::size_t>(column - columns.begin())]);
-    at = piece.end;
-  }
-  return result.append(sql.substr(at));
 }
 
 // Whether a column of some table or derived table is a text.
@@ -128,17 +75,6 @@ bool isTextColumn(const std::vector<Source>& sources, std::string_view sql) {
   });
 }
 
-// The columns that the text names, each once.
-std::vector<std::string> columnsIn(std::string_view sql) {
-  std::vector<std::string> columns;
-  for (const Piece& piece : piecesOf(sql)) {
-    std::string column(sql.substr(piece.begin, piece.end - piece.begin));
-    if (piece.kind == Piece::Kind::column && std::ranges::find(columns, column) == columns.end())
-      columns.push_back(std::move(column));
-  }
-  return columns;
-}
-
 }  // namespace
 
 // A table joined in a line of left joins.
@@ -147,8 +83,7 @@ struct Binder::Joined {
   std::string table, on;
   std::string written;               // as the From clause joins it
   std::vector<std::string> columns;  // in the condition
-  bool canBeLookedUp = false;
-  bool isKeyed = false;  // the condition names a key of it
+  bool isKeyed = false;              // the condition names a key of it
 };
 
 std::optional<Binder::Joined> Binder::joinedTable(const TableSource& join, Scope& scope) {
@@ -163,7 +98,7 @@ std::optional<Binder::Joined> Binder::joinedTable(const TableSource& join, Scope
   result.on = condition(*join.on, scope).sql;
   result.written = " LEFT JOIN " + result.table + " ON " + result.on;
   result.columns = columnsIn(result.on);
-  if (!quillon::tsql::canBeLookedUp(result.on)) return {};
+  if (!canBeLookedUp(result.on)) return {};
   std::vector<std::size_t> equated;
   for (const Expression* const part : conjuncts(*join.on)) {
     if (part->kind != ExpressionKind::comparison || part->op != "=") continue;
@@ -223,7 +158,7 @@ std::vector<Binder::LookUp> Binder::takeLookUps(const SelectCore& select, Core& 
       const std::string& sql = core.items[i].sql;
       if (!namesTheirs(sql)) continue;
       lookUp.items.push_back(i);
-      isFree = quillon::tsql::canBeLookedUp(sql) && std::ranges::all_of(columnsIn(sql), isTheirs);
+      isFree = canBeLookedUp(sql) && std::ranges::all_of(columnsIn(sql), isTheirs);
     }
     // Rows that nobody asks for can still be several.
     if (lookUp.items.empty() && !lookUp.isKeyed) isFree = false;
@@ -256,107 +191,146 @@ std::vector<std::size_t> Binder::columnsOfKeys(const Core& core) {
   return columns;
 }
 
-RowComposition::Key Binder::keyOf(const std::string& sql, const std::vector<Source>& sources,
-                                  const std::vector<std::optional<std::size_t>>& copiedFrom) {
-  for (std::size_t i = 0; i < sources.size(); ++i) {
-    const TableColumn* const column = copiedFrom[i] ? columnOf(sources[i], sql) : nullptr;
-    if (column == nullptr) continue;
-    const std::size_t place = placeOf(sources[i], *column);
-    if (static_cast<int>(place) != sources[i].stored->rowidColumn) return {.source = copiedFrom[i], .column = place};
+// A composition while it is made.
+class Binder::CompositionMaker {
+ public:
+  // `items` are those of the query, one for each of the places.
+  CompositionMaker(const std::vector<Source>& sources, const std::vector<Fragment>& items, const Places& places)
+      : sources_(sources), items_(items), places_(places), pieces_(items.size()), copiedFrom_(sources.size()) {
+    for (std::size_t i = 0; i < places.size(); ++i)
+      pieces_[i].required = places[i].required;
   }
-  return {};
-}
+
+  // Copies what the items take as it stands of a table's rows, which the query tells by their `number`.
+  void copyFrom(std::size_t source, const std::string& number) {
+    // Fewer columns are read as fast by SQLite.
+    constexpr std::size_t some = 4;
+    const Table& table = *sources_[source].stored;
+    std::vector<std::pair<std::size_t, std::size_t>> found;  // items and columns
+    for (std::size_t item = 0; item < items_.size(); ++item) {
+      const TableColumn* const column = columnOf(sources_[source], items_[item].sql);
+      if (column == nullptr || storageOf(column->type) != places_[item].storage) continue;
+      // The row's number is not in the row.
+      const std::size_t place = placeOf(sources_[source], *column);
+      if (static_cast<int>(place) != table.rowidColumn) found.emplace_back(item, place);
+    }
+    if (found.size() < some) return;
+    copiedFrom_[source] = made_.sources.size();
+    for (const auto& [item, column] : found)
+      copy(item, column);
+    made_.sources.push_back({.schema = table.schema, .stored = table.stored, .lookUp = {}});
+    asked_.push_back(columnFragment(number, intType()));
+  }
+
+  void lookUp(const LookUp& lookUp) {
+    RowComposition::Source source;
+    std::string list;
+    for (const std::size_t item : lookUp.items) {
+      copy(item, source.given.size());
+      source.given.push_back(places_[item].storage);
+      list += (list.empty() ? "" : ", ") + items_[item].sql;
+    }
+    std::vector<std::string> parameters;
+    for (const std::string& key : lookUp.keys) {
+      source.keys.push_back(keyOf(key));
+      if (!source.keys.back().source) asked_.push_back(columnFragment(key, intType()));
+      parameters.push_back('?' + std::to_string(source.keys.size()));
+      // What is compared with the parameter is compared as with the column.
+      if (isTextColumn(sources_, key)) parameters.back() = '(' + parameters.back() + " COLLATE " + collationName + ')';
+    }
+    // One row always, like the row that the tables are joined to.
+    source.lookUp = "SELECT " + list + " FROM (SELECT 1) LEFT JOIN " + lookUp.table + " ON " +
+                    withColumnsReplaced(lookUp.on, lookUp.keys, parameters) + lookUp.joined;
+    for (const std::size_t table : lookUp.tables) {
+      if (!lookUp.isKeyed) source.smallTables.push_back(sources_[table].stored->physical);
+    }
+    made_.sources.push_back(std::move(source));
+  }
+
+  // Asks for what remains. Nothing: so few columns are copied that SQLite makes the rows as fast.
+  std::optional<RowComposition> finish() {
+    constexpr std::size_t wide = 12;
+    if (copied_ < wide) return {};
+    for (std::size_t i = 0; i < pieces_.size(); ++i) {
+      RowComposition::Piece& piece = pieces_[i];
+      if (piece.kind == RowComposition::Kind::nulls && (!items_[i].isNullLiteral || piece.required)) {
+        piece.kind = RowComposition::Kind::value;
+        piece.storage = places_[i].storage;
+        asked_.push_back(items_[i]);
+      }
+      if (!made_.pieces.empty() && made_.pieces.back().goesOnWith(piece)) {
+        ++made_.pieces.back().count;
+      } else {
+        made_.pieces.push_back(piece);
+      }
+    }
+    return std::move(made_);
+  }
+  // What the composition's query asks for.
+  std::vector<Fragment> takeAsked() { return std::move(asked_); }
+
+ private:
+  // The item is a column of the source that is added now.
+  void copy(std::size_t item, std::size_t column) {
+    pieces_[item].kind = RowComposition::Kind::fields;
+    pieces_[item].source = made_.sources.size();
+    pieces_[item].first = column;
+    ++copied_;
+  }
+
+  RowComposition::Key keyOf(const std::string& sql) const {
+    for (std::size_t i = 0; i < sources_.size(); ++i) {
+      const TableColumn* const column = copiedFrom_[i] ? columnOf(sources_[i], sql) : nullptr;
+      if (column == nullptr) continue;
+      const std::size_t place = placeOf(sources_[i], *column);
+      if (static_cast<int>(place) != sources_[i].stored->rowidColumn)
+        return {.source = copiedFrom_[i], .column = place};
+    }
+    return {};
+  }
+
+  const std::vector<Source>& sources_;
+  const std::vector<Fragment>& items_;
+  const Places& places_;
+  RowComposition made_;
+  std::vector<RowComposition::Piece> pieces_;  // one an item
+  std::vector<Fragment> asked_;
+  std::size_t copied_ = 0;
+  std::vector<std::optional<std::size_t>> copiedFrom_;  // by source: the composition's
+};
 
 std::optional<RowComposition> Binder::composition(const SelectCore& select, Core& core, const Places& places) {
-  // A row of which fewer columns are copied is made as fast by SQLite, and fewer columns of a table are read as fast.
-  constexpr std::size_t wide = 12, some = 4;
   const std::string from = core.from;
   const std::vector<LookUp> lookUps = takeLookUps(select, core);
   const std::vector<Source>& sources = core.scope->sources;
-  std::vector<RowComposition::Piece> pieces(core.items.size());
-  std::vector<bool> isMade(core.items.size());  // the piece is one of fields
-  RowComposition result;
-  std::vector<Fragment> items;
-  std::size_t copied = 0;
-  std::vector<std::optional<std::size_t>> copiedFrom(sources.size());  // by the scope's sources
-  for (std::size_t source = 0; source < sources.size(); ++source) {
-    if (sources[source].stored == nullptr || !sources[source].stored->hasRowid()) continue;
-    const Table& table = *sources[source].stored;
-    std::vector<std::pair<std::size_t, std::size_t>> found;  // items and columns
-    for (std::size_t i = 0; i < core.items.size(); ++i) {
-      const TableColumn* const column = isMade[i] ? nullptr : columnOf(sources[source], core.items[i].sql);
-      if (column == nullptr || storageOf(column->type) != places[i].storage) continue;
-      // The row's number is not in the row.
-      const std::size_t place = placeOf(sources[source], *column);
-      if (static_cast<int>(place) != table.rowidColumn) found.emplace_back(i, place);
-    }
-    const bool isLookedUp = std::ranges::any_of(lookUps, [source](const LookUp& lookUp) {
+  const auto isLookedUp = [&](std::size_t source) {
+    return std::ranges::any_of(lookUps, [source](const LookUp& lookUp) {
       return std::ranges::find(lookUp.tables, source) != lookUp.tables.end();
     });
-    if (found.size() < some || isLookedUp) continue;
-    copiedFrom[source] = result.sources.size();
-    for (const auto& [item, column] : found) {
-      pieces[item] = {.kind = RowComposition::Kind::fields, .source = result.sources.size(), .first = column};
-      isMade[item] = true;
-      ++copied;
-    }
-    result.sources.push_back({.schema = table.schema, .stored = table.stored, .lookUp = {}});
-    const std::string number = prefixOf(sources[source]) + table.rowid();
+  };
+  CompositionMaker maker(sources, core.items, places);
+  for (std::size_t source = 0; source < sources.size(); ++source) {
+    const std::shared_ptr<const Table>& table = sources[source].stored;
+    if (table == nullptr || !table->hasRowid() || isLookedUp(source)) continue;
+    const std::string number = prefixOf(sources[source]) + table->rowid();
     // Any row of a group will do.
-    items.push_back(columnFragment(core.groupBy.empty() ? number : "min(" + number + ")", intType()));
+    maker.copyFrom(source, core.groupBy.empty() ? number : "min(" + number + ")");
   }
-  for (const LookUp& lookUp : lookUps) {
-    RowComposition::Source& source = result.sources.emplace_back();
-    // What is compared with a parameter is compared as with the column.
-    std::vector<std::string> parameters;
-    for (const std::string& key : lookUp.keys) {
-      parameters.push_back('?' + std::to_string(parameters.size() + 1));
-      if (isTextColumn(sources, key)) parameters.back() = '(' + parameters.back() + " COLLATE " + collationName + ')';
-    }
-    const std::string on = withColumnsReplaced(lookUp.on, lookUp.keys, parameters);
-    std::string list;
-    for (const std::size_t item : lookUp.items) {
-      pieces[item] = {
-          .kind = RowComposition::Kind::fields, .source = result.sources.size() - 1, .first = source.given.size()};
-      isMade[item] = true;
-      ++copied;
-      list += (list.empty() ? "" : ", ") + core.items[item].sql;
-      source.given.push_back(places[item].storage);
-    }
-    source.lookUp = "SELECT " + list + " FROM (SELECT 1) LEFT JOIN " + lookUp.table + " ON " + on + lookUp.joined;
-    for (const std::string& sql : lookUp.keys) {
-      source.keys.push_back(keyOf(sql, sources, copiedFrom));
-      if (!source.keys.back().source) items.push_back(columnFragment(sql, intType()));
-    }
-    for (const std::size_t table : lookUp.tables) {
-      if (!lookUp.isKeyed) source.smallTables.push_back(sources[table].stored->physical);
-    }
+  for (const LookUp& lookUp : lookUps)
+    maker.lookUp(lookUp);
+  auto result = maker.finish();
+  if (result) {
+    std::vector<Fragment> items = std::exchange(core.items, maker.takeAsked());
+    std::vector<OutputColumn> columns = std::exchange(core.columns, std::vector<OutputColumn>(core.items.size()));
+    result->sql = renderCore(core, Naming::none);
+    // Rows of one table without an index come in the order of their numbers.
+    const bool isPlain = sources.size() == 1 && result->sources.size() == 1 && core.order.empty() &&
+                         core.groupBy.empty() && !core.top && !(select.where && containsQuery(*select.where));
+    if (isPlain) result->readingFirst = " ORDER BY +" + core.items[0].sql;
+    core.items = std::move(items);
+    core.columns = std::move(columns);
   }
-  for (std::size_t i = 0; i < pieces.size(); ++i) {
-    RowComposition::Piece& piece = pieces[i];
-    piece.required = places[i].required;
-    if (!isMade[i] && (!core.items[i].isNullLiteral || piece.required)) {
-      piece.kind = RowComposition::Kind::value;
-      piece.storage = places[i].storage;
-      items.push_back(core.items[i]);
-    }
-    if (!result.pieces.empty() && result.pieces.back().goesOnWith(piece)) {
-      ++result.pieces.back().count;
-    } else {
-      result.pieces.push_back(piece);
-    }
-  }
-  std::swap(core.items, items);
-  std::vector<OutputColumn> columns = std::exchange(core.columns, std::vector<OutputColumn>(core.items.size()));
-  result.sql = renderCore(core, Naming::none);
-  // Rows of one table without an index come in the order of their numbers.
-  const bool isPlain = sources.size() == 1 && select.from.size() == 1 && core.order.empty() && core.groupBy.empty() &&
-                       !core.top && !(select.where && containsQuery(*select.where));
-  if (isPlain && result.sources.size() == 1) result.readingFirst = " ORDER BY +" + core.items[0].sql;
-  core.items = std::move(items);
-  core.columns = std::move(columns);
   core.from = from;
-  if (copied < wide) return {};
   return result;
 }
 

@@ -1,10 +1,25 @@
 #include "workbench/tsql/binding/sqlite_notation.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
+namespace {
+
+// The end of what is quoted from `begin` on; a quote in it is doubled.
+std::size_t endOfQuoted(std::string_view sql, std::size_t begin) {
+  std::size_t end = begin;
+  do {
+    const std::size_t close = sql.find(sql[begin], end + 1);
+    if (close == std::string_view::npos) return sql.size();
+    end = close + 1;
+  } while (end < sql.size() && sql[end] == sql[begin]);
+  return end;
+}
+
+}  // namespace
 
 std::string quoteName(std::string_view name) {
   std::string result = "\"";
@@ -13,6 +28,54 @@ std::string quoteName(std::string_view name) {
     result += c;
   }
   return result + '"';
+}
+
+std::vector<SqlName> namesIn(std::string_view sql) {
+  const auto isOfName = [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_'; };
+  std::vector<SqlName> names;
+  for (std::size_t at = 0; at < sql.size();) {
+    const std::size_t begin = at;
+    const auto add = [&](SqlName::Kind kind) { names.push_back({kind, begin, sql.substr(begin, at - begin)}); };
+    if (sql[at] == '\'') {
+      at = endOfQuoted(sql, at);
+    } else if (sql[at] == '"') {
+      at = endOfQuoted(sql, at);
+      if (!sql.substr(at).starts_with('.')) continue;
+      // The row's number has no quotes.
+      at = sql.substr(at).starts_with(".\"") ? endOfQuoted(sql, at + 1) : sql.find_first_of(" ,()", at);
+      at = std::min(at, sql.size());
+      add(SqlName::Kind::column);
+    } else if (isOfName(sql[at])) {
+      while (at < sql.size() && isOfName(sql[at]))
+        ++at;
+      if (at < sql.size() && sql[at] == '(') add(SqlName::Kind::call);
+    } else if (sql[at++] == '?') {
+      add(SqlName::Kind::parameter);
+    }
+  }
+  return names;
+}
+
+std::vector<std::string> columnsIn(std::string_view sql) {
+  std::vector<std::string> columns;
+  for (const SqlName& name : namesIn(sql)) {
+    if (name.kind == SqlName::Kind::column && std::ranges::find(columns, name.text) == columns.end())
+      columns.emplace_back(name.text);
+  }
+  return columns;
+}
+
+std::string withColumnsReplaced(std::string_view sql, const std::vector<std::string>& columns,
+                                const std::vector<std::string>& by) {
+  std::string result;
+  std::size_t at = 0;
+  for (const SqlName& name : namesIn(sql)) {
+    const auto column = std::ranges::find(columns, name.text);
+    if (name.kind != SqlName::Kind::column || column == columns.end()) continue;
+    result.append(sql.substr(at, name.begin - at)).append(by[static_cast<std::size_t>(column - columns.begin())]);
+    at = name.begin + name.text.size();
+  }
+  return result.append(sql.substr(at));
 }
 
 std::int64_t typeCode(const Type& type) {

@@ -554,7 +554,7 @@ std::optional<std::int64_t> Executor::insertGroups(const Modification& statement
     const auto alone = compose(addComposedRows, *grouping.alone, statement, bind);
     const auto together = alone ? compose(addComposedRows, *grouping.together, statement, bind) : std::nullopt;
     if (together) {
-      const std::int64_t others = runPlainly(grouping.others, bind);
+      const std::int64_t others = loneRows_.isComplete() ? 0 : runPlainly(grouping.others, bind);
       savepoint.keep();
       return *alone + *together + others;
     }

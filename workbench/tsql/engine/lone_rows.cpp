@@ -50,10 +50,13 @@ class Search {
   bool find(std::vector<std::uint32_t>& leaders) {
     Columns chosen = addTo({}, neighbours());
     for (int reading = 1;; ++reading) {
-      read(chosen, leaders);
+      const bool isWhole = read(chosen, leaders, reading < mostReadings);
       if (found_ * smallPart <= rows_ || reading == mostReadings) break;
       Columns more = addTo(chosen, alike_);
-      if (more.size() == chosen.size()) break;
+      if (more.size() == chosen.size()) {
+        if (!isWhole) read(chosen, leaders, false);
+        break;
+      }
       chosen = std::move(more);
     }
     return found_ * 2 <= rows_;
@@ -110,8 +113,9 @@ class Search {
     return prints;
   }
 
-  // Marks the rows that are alike in the columns.
-  void read(const Columns& columns, std::vector<std::uint32_t>& leaders) {
+  // Marks the rows that are alike in the columns. False: it has stopped early, where `mayStop`, because there are so many
+  // of them that more columns are needed.
+  bool read(const Columns& columns, std::vector<std::uint32_t>& leaders, bool mayStop) {
     const std::int64_t span = last_ - first_ + 1;
     leaders.assign(static_cast<std::size_t>(span), 0);
     alike_.clear();
@@ -134,8 +138,10 @@ class Search {
           print = joined(print, fingerprint(rows.handle(), static_cast<int>(i)));
         if (print % parts != part) continue;
         place(slots, print / parts, rows.integer(0), leaders);
+        if (mayStop && found_ >= fewestRows && found_ * 2 > rows_) return false;
       }
     }
+    return true;
   }
 
   void place(std::vector<std::uint64_t>& slots, std::uint64_t print, std::int64_t number,
@@ -223,6 +229,7 @@ bool LoneRows::gather(sqlite3* database, const WideGrouping& grouping) {
   StoredRows leaderRows(database, table.schema, table.stored, StoredRows::Use::read);
   if (!rows || !leaderRows) return false;
   isMixed_.assign(leaders_.size(), false);
+  isComplete_ = true;
   RecordFields fields;
   RecordBuilder key, leaderKey;
   const auto keyAt = [&](StoredRows& source, std::size_t row, RecordBuilder& taken) {
@@ -234,7 +241,9 @@ bool LoneRows::gather(sqlite3* database, const WideGrouping& grouping) {
     if (row % rowsBetweenQuestions == 0) endIfStopped();
     const std::uint32_t leader = leaders_[row];
     if (leader == 0 || leader == row + 1 || isMixed_[leader - 1]) continue;
-    if (keyAt(rows, row, key) != keyAt(leaderRows, leader - 1, leaderKey)) isMixed_[leader - 1] = true;
+    if (keyAt(rows, row, key) == keyAt(leaderRows, leader - 1, leaderKey)) continue;
+    isMixed_[leader - 1] = true;
+    isComplete_ = false;
   }
   return true;
 }
@@ -242,6 +251,7 @@ bool LoneRows::gather(sqlite3* database, const WideGrouping& grouping) {
 void LoneRows::forget() {
   leaders_ = {};
   isMixed_ = {};
+  isComplete_ = false;
 }
 
 }  // namespace quillon::tsql

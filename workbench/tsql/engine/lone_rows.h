@@ -32,6 +32,8 @@ class LoneRows {
 
   bool isAlone(std::int64_t number) const { return leaderOf(number) == 0; }
   bool isTogether(std::int64_t number) const { return !isAlone(number) && !isMixed_[leaderOf(number) - 1]; }
+  // Whether all rows are alone or together by the last gather().
+  bool isComplete() const { return isComplete_; }
   // The same for rows of one group.
   std::int64_t groupNumber(std::int64_t number) const { return leaderOf(number); }
 
@@ -41,6 +43,7 @@ class LoneRows {
   std::int64_t first_ = 0;  // the least row number
   // By row number from the first on: which row has the same fingerprint, counted from 1, and is the first of these; 0: none.
   std::vector<std::uint32_t> leaders_;
+  bool isComplete_ = false;
   std::vector<bool> isMixed_;  // by leader: the rows of its fingerprint are not known to be of one group
 };
 

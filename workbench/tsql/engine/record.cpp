@@ -59,12 +59,12 @@ void RecordFields::read(std::string_view record) {
   std::size_t at = 0;
   const std::uint64_t header = varintAt(record, at);
   if (header < at || header > record.size()) refuse();
-  types_.clear();
-  values_.clear();
+  // A type has a byte at least.
+  if (begins_.size() < header) begins_.resize(static_cast<std::size_t>(header));
   std::uint64_t value = header;
+  count_ = 0;
   while (at < header) {
-    types_.push_back(static_cast<std::uint32_t>(at));
-    values_.push_back(static_cast<std::uint32_t>(value));
+    begins_[count_++] = {.type = static_cast<std::uint32_t>(at), .value = static_cast<std::uint32_t>(value)};
     std::uint64_t type = static_cast<unsigned char>(record[at]);
     if (type < more) {
       ++at;
@@ -74,12 +74,11 @@ void RecordFields::read(std::string_view record) {
     value += lengthOf(type);
     if (value > record.size()) refuse();
   }
-  types_.push_back(static_cast<std::uint32_t>(at));
-  values_.push_back(static_cast<std::uint32_t>(value));
+  begins_[count_] = {.type = static_cast<std::uint32_t>(at), .value = static_cast<std::uint32_t>(value)};
 }
 
 void RecordFields::bind(std::size_t column, sqlite3_stmt* statement, int parameter) const {
-  std::size_t at = types_[column];
+  std::size_t at = begins_[column].type;
   const std::uint64_t type = varintAt(record_, at);
   const std::string_view bytes = values(column, 1);
   if (type == nullType) {
@@ -107,11 +106,11 @@ void RecordFields::bind(std::size_t column, sqlite3_stmt* statement, int paramet
 }
 
 std::string_view RecordFields::types(std::size_t first, std::size_t count) const {
-  return record_.substr(types_[first], types_[first + count] - types_[first]);
+  return record_.substr(begins_[first].type, begins_[first + count].type - begins_[first].type);
 }
 
 std::string_view RecordFields::values(std::size_t first, std::size_t count) const {
-  return record_.substr(values_[first], values_[first + count] - values_[first]);
+  return record_.substr(begins_[first].value, begins_[first + count].value - begins_[first].value);
 }
 
 void RecordBuilder::clear() {

@@ -20,8 +20,8 @@ class RecordFields {
   // The record stays where it is as long as its parts are asked for. Throws SqlError 824 when it is damaged.
   void read(std::string_view record);
 
-  std::size_t count() const { return types_.size() - 1; }
-  bool isNull(std::size_t column) const { return column >= count() || record_[types_[column]] == 0; }
+  std::size_t count() const { return count_; }
+  bool isNull(std::size_t column) const { return column >= count() || record_[begins_[column].type] == 0; }
   // Gives the statement's parameter the value of the column.
   void bind(std::size_t column, sqlite3_stmt* statement, int parameter) const;
   // The types or the values of the columns from `first` on, as they lie in the record.
@@ -30,7 +30,11 @@ class RecordFields {
 
  private:
   std::string_view record_;
-  std::vector<std::uint32_t> types_{0}, values_{0};  // where each begins, and where the last ends
+  std::size_t count_ = 0;
+  struct Begin {
+    std::uint32_t type = 0, value = 0;
+  };
+  std::vector<Begin> begins_;  // of each column, and of what would follow the last
 };
 
 // Puts a record together, column by column.

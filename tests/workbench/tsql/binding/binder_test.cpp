@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <string>
+#include <vector>
 
 #include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/syntax/parser.h"
@@ -15,8 +17,9 @@ namespace {
 
 class Tables : public TableLookup {
  public:
-  void add(const std::string& name, std::vector<TableColumn> columns) {
+  void add(const std::string& name, std::vector<TableColumn> columns, std::vector<KeyDefinition> keys = {}) {
     Table table;
+    table.keys = std::move(keys);
     table.name = name;
     table.columns = std::move(columns);
     table.schema = "main";
@@ -104,6 +107,98 @@ TEST_F(BinderOfQueries, RefusesNamesThatNothingBears) {
   EXPECT_EQ(errorOf("select x from t"), 207);
   EXPECT_EQ(errorOf("select x.i from t"), 4104);
   EXPECT_EQ(errorOf("select i from t, u"), 209);
+}
+
+// Lines of twelve columns w1 to w12, left joined to two lists: of the kinds the code is the key, of the places it is not.
+class CompositionsOfRows : public testing::Test {
+ protected:
+  CompositionsOfRows() {
+    std::vector<TableColumn> line = {column("id", intType()), column("kind", nVarCharType(10)),
+                                     column("place", nVarCharType(10))};
+    for (int i = 1; i <= 12; ++i) {
+      line.push_back(column("w" + std::to_string(i), intType()));
+      columns_ += "l.w" + std::to_string(i) + ", ";
+    }
+    tables_.add("line", std::move(line));
+    tables_.add("kinds", {column("code", nVarCharType(10)), column("name", nVarCharType(20))},
+                {{.primary = true, .columns = {"code"}}});
+    tables_.add("places",
+                {column("code", nVarCharType(10)), column("grade", intType()), column("name", nVarCharType(20))});
+  }
+
+  std::optional<RowComposition> composed(const std::string& query) {
+    const std::vector<StatementPtr> statements = parseBatch(query);
+    return Binder(tables_, false).query(*statements.at(0)->query).composition;
+  }
+  static std::vector<std::string> lookUpsOf(const RowComposition& composition) {
+    std::vector<std::string> texts;
+    for (const RowComposition::Source& source : composition.sources) {
+      if (!source.lookUp.empty()) texts.push_back(source.lookUp);
+    }
+    return texts;
+  }
+
+  static constexpr const char* joins =
+      " Left Join kinds k On k.code = l.kind Left Join places p On p.code = l.place And p.grade = 1";
+  std::string columns_;
+  Tables tables_;
+};
+
+TEST_F(CompositionsOfRows, AskForTheNumberOfTheRowAndLookTheRestUp) {
+  const auto made =
+      composed("select " + columns_ + "k.name, isnull(p.name, N'none') as place, 7 as n into x from line l" + joins);
+  ASSERT_TRUE(made);
+  EXPECT_EQ(made->sql, "SELECT \"l\".rowid, 7 FROM main.\"line\" AS \"l\"");
+  const std::vector<std::string> expected = {
+      "SELECT \"k\".\"name\" FROM (SELECT 1) LEFT JOIN main.\"kinds\" AS \"k\" ON (\"k\".\"code\" = (?1 COLLATE "
+      "Chinese_PRC_CI_AS))",
+      "SELECT ifnull(\"p\".\"name\", 'none') FROM (SELECT 1) LEFT JOIN main.\"places\" AS \"p\" ON ((\"p\".\"code\" = (?1 "
+      "COLLATE Chinese_PRC_CI_AS)) AND (\"p\".\"grade\" = 1))"};
+  EXPECT_EQ(lookUpsOf(*made), expected);
+  // The keys are columns of the line's row; without a key of their own the places have to be few.
+  ASSERT_EQ(made->sources.size(), 3U);
+  EXPECT_EQ(made->sources[1].keys.at(0).source, 0U);
+  EXPECT_EQ(made->sources[1].keys.at(0).column, 1U);
+  EXPECT_TRUE(made->sources[1].smallTables.empty());
+  EXPECT_EQ(made->sources[2].smallTables, std::vector<std::string>{"main.\"places\""});
+  // w1 to w12, the kind's name, the place's, the number.
+  ASSERT_EQ(made->pieces.size(), 4U);
+  EXPECT_EQ(made->pieces[0].count, 12U);
+  EXPECT_EQ(made->pieces[0].first, 3U);
+  EXPECT_EQ(made->pieces[3].kind, RowComposition::Kind::value);
+}
+
+TEST_F(CompositionsOfRows, LeaveATableInItsPlaceThatTheConditionsName) {
+  const auto made = composed("select " + columns_ + "k.name into x from line l" + joins + " where k.name <> N'a'");
+  ASSERT_TRUE(made);
+  EXPECT_NE(made->sql.find("LEFT JOIN main.\"kinds\""), std::string::npos);
+  // Nobody asks for the places, but several of them would make several rows.
+  EXPECT_NE(made->sql.find("LEFT JOIN main.\"places\""), std::string::npos);
+  EXPECT_TRUE(lookUpsOf(*made).empty());
+}
+
+TEST_F(CompositionsOfRows, LeaveOutATableThatGivesNothing) {
+  const auto made = composed("select " + columns_ + "l.id into x from line l left join kinds k on k.code = l.kind");
+  ASSERT_TRUE(made);
+  EXPECT_EQ(made->sql, "SELECT \"l\".rowid FROM main.\"line\" AS \"l\"");
+}
+
+TEST_F(CompositionsOfRows, LookJoinedTablesUpTogether) {
+  const auto made = composed(
+      "select " + columns_ +
+      "k.name, p.name as place into x from line l left join kinds k on k.code = l.kind left join places p on p.code = k.name");
+  ASSERT_TRUE(made);
+  const std::vector<std::string> expected = {
+      "SELECT \"k\".\"name\", \"p\".\"name\" FROM (SELECT 1) LEFT JOIN main.\"kinds\" AS \"k\" ON (\"k\".\"code\" = (?1 "
+      "COLLATE Chinese_PRC_CI_AS)) LEFT JOIN main.\"places\" AS \"p\" ON (\"p\".\"code\" = \"k\".\"name\")"};
+  EXPECT_EQ(lookUpsOf(*made), expected);
+}
+
+TEST_F(CompositionsOfRows, AreNoneForDistinctOrGroupedOrNarrowRows) {
+  EXPECT_FALSE(composed("select distinct " + columns_ + "l.id into x from line l"));
+  EXPECT_FALSE(composed("select count(*) as n into x from line l"));
+  EXPECT_FALSE(composed("select l.w1, l.w2, l.w3, l.w4 into x from line l"));
+  EXPECT_FALSE(composed("select " + columns_ + "l.id from line l"));
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "workbench/tsql/values/exact.h"
 #include "workbench/tsql/values/sql_error.h"
 #include "workbench/tsql/values/type_rules.h"
@@ -43,6 +46,27 @@ TEST(SqliteNotation, QuotesNamesAndWritesLiterals) {
   EXPECT_EQ(sqlLiteral(Exact{Int128(-15), 4}), "-15");
   EXPECT_EQ(sqlLiteral(DateTime{-300}), "-300");
   EXPECT_EQ(sqlLiteral(std::string("it's")), "'it''s'");
+}
+
+TEST(SqliteNotation, FindsColumnsCallsAndParameters) {
+  std::vector<std::string> found;
+  for (const SqlName& name :
+       namesIn("text_like(\"a\".\"b c\", 'it''s \"x\".\"y\"?') AND float_2(?12) OR \"t\".rowid = a"))
+    found.push_back(std::to_string(static_cast<int>(name.kind)) + ' ' + std::string(name.text));
+  const std::vector<std::string> expected = {"1 text_like", "0 \"a\".\"b c\"", "1 float_2", "2 ?", "0 \"t\".rowid"};
+  EXPECT_EQ(found, expected);
+  EXPECT_TRUE(namesIn("'?").empty());
+}
+
+TEST(SqliteNotation, FindsEachColumnOnce) {
+  const std::vector<std::string> expected = {"\"a\".\"x\"", "\"q\"\".\".\"y\""};
+  EXPECT_EQ(columnsIn("\"a\".\"x\" = \"q\"\".\".\"y\" OR (\"a\".\"x\" IS NULL)"), expected);
+}
+
+TEST(SqliteNotation, PutsOtherTextForColumns) {
+  EXPECT_EQ(withColumnsReplaced("\"a\".\"x\" = \"b\".\"x\" AND '\"a\".\"x\"' <> \"a\".\"x\"",
+                                {"\"b\".\"x\"", "\"a\".\"x\""}, {"?1", "(?2)"}),
+            "(?2) = ?1 AND '\"a\".\"x\"' <> (?2)");
 }
 
 }  // namespace
