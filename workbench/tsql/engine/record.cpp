@@ -68,12 +68,16 @@ void RecordFields::read(std::string_view record) {
     std::uint64_t type = static_cast<unsigned char>(record[at]);
     if (type < more) {
       ++at;
+      if (type > oneType && type < firstBytes) refuse();
     } else {
+      // SQLite takes no more bytes than a type needs: null is one, which is zero.
+      if (type == more) refuse();
       type = varintAt(record, at);
     }
     value += lengthOf(type);
     if (value > record.size()) refuse();
   }
+  if (at > header) refuse();
   begins_[count_] = {.type = static_cast<std::uint32_t>(at), .value = static_cast<std::uint32_t>(value)};
 }
 
