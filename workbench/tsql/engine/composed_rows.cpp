@@ -32,6 +32,14 @@ bool fits(sqlite3_value* value, Storage storage) {
   return false;
 }
 
+void addValue(RecordBuilder& row, sqlite3_value* value, Storage storage) {
+  if (storage == Storage::real) {
+    row.addReal(value);
+  } else {
+    row.add(value);
+  }
+}
+
 // Rows of a look-up that have been asked for.
 class LookedUpRows {
  public:
@@ -81,7 +89,7 @@ class LookedUpRows {
     for (std::size_t i = 0; i < source_.given.size(); ++i) {
       sqlite3_value* const value = sqlite3_column_value(query_.handle(), static_cast<int>(i));
       if (!fits(value, source_.given[i])) return false;
-      builder.add(value);
+      addValue(builder, value, source_.given[i]);
     }
     row.record = builder.record();
     row.fields.read(row.record);
@@ -163,7 +171,7 @@ class Composer {
         case RowComposition::Kind::value:
           sqlite3_value* const given = column(value++);
           if (!fits(given, piece.storage) || (piece.required && sqlite3_value_type(given) == SQLITE_NULL)) return false;
-          row_.add(given);
+          addValue(row_, given, piece.storage);
       }
     }
     return true;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
@@ -149,24 +150,36 @@ void RecordBuilder::addBytes(std::uint64_t number, int count) {
     values_ += static_cast<char>(number >> (i * bitsInByte));
 }
 
+void RecordBuilder::addInteger(std::int64_t number) {
+  if (number == 0 || number == 1) {
+    addType(number == 0 ? zeroType : oneType);
+    return;
+  }
+  // The fewest bytes whose numbers with a sign reach it.
+  const auto magnitude = static_cast<std::uint64_t>(number < 0 ? ~number : number);
+  const auto bits = static_cast<std::uint32_t>(std::bit_width(magnitude)) + 1;
+  std::uint64_t type = 1;
+  while (lengths[static_cast<std::size_t>(type)] * bitsInByte < bits)
+    ++type;
+  addType(type);
+  addBytes(static_cast<std::uint64_t>(number), static_cast<int>(lengths[static_cast<std::size_t>(type)]));
+}
+
+void RecordBuilder::addReal(sqlite3_value* value) {
+  constexpr double beyondSixBytes = 0x1p47;
+  const double number = sqlite3_value_type(value) == SQLITE_FLOAT ? sqlite3_value_double(value) : beyondSixBytes;
+  if (number >= -beyondSixBytes && number < beyondSixBytes && number == std::trunc(number)) {
+    addInteger(static_cast<std::int64_t>(number));
+  } else {
+    add(value);
+  }
+}
+
 void RecordBuilder::add(sqlite3_value* value) {
   switch (sqlite3_value_type(value)) {
-    case SQLITE_INTEGER: {
-      const std::int64_t number = sqlite3_value_int64(value);
-      if (number == 0 || number == 1) {
-        addType(number == 0 ? zeroType : oneType);
-        return;
-      }
-      // The fewest bytes whose numbers with a sign reach it.
-      const auto magnitude = static_cast<std::uint64_t>(number < 0 ? ~number : number);
-      const auto bits = static_cast<std::uint32_t>(std::bit_width(magnitude)) + 1;
-      std::uint64_t type = 1;
-      while (lengths[static_cast<std::size_t>(type)] * bitsInByte < bits)
-        ++type;
-      addType(type);
-      addBytes(static_cast<std::uint64_t>(number), static_cast<int>(lengths[static_cast<std::size_t>(type)]));
+    case SQLITE_INTEGER:
+      addInteger(sqlite3_value_int64(value));
       return;
-    }
     case SQLITE_FLOAT:
       addType(realType);
       addBytes(std::bit_cast<std::uint64_t>(sqlite3_value_double(value)), sizeof(double));

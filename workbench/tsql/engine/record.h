@@ -46,10 +46,14 @@ class RecordBuilder {
   void add(const RecordFields& fields, std::size_t first, std::size_t count);
   // An integer, a floating-point number, a text, bytes or null.
   void add(sqlite3_value* value);
+  // The same in a column of floating-point numbers: there SQLite keeps a whole number as an integer of up to six bytes,
+  // zero without its sign.
+  void addReal(sqlite3_value* value);
   // Until the next call.
   std::string_view record();
 
  private:
+  void addInteger(std::int64_t number);
   void addType(std::uint64_t type);
   void addBytes(std::uint64_t number, int count);
 

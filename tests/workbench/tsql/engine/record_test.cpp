@@ -112,6 +112,41 @@ TEST_F(Records, OfOneValueAreThoseOfSqlite) {
     expectAsStored({real});
 }
 
+// Where a column is declared to have floating-point numbers, SQLite keeps whole ones as integers.
+TEST_F(Records, OfFloatingPointColumnsAreThoseOfSqlite) {
+  for (const std::string number : {"0.0",
+                                   "-0.0",
+                                   "1.0",
+                                   "-1.0",
+                                   "2.0",
+                                   "127.0",
+                                   "-128.0",
+                                   "128.0",
+                                   "0.5",
+                                   "1e10",
+                                   "-1e14",
+                                   "140737488355327.0",
+                                   "140737488355328.0",
+                                   "-140737488355328.0",
+                                   "-140737488355329.0",
+                                   "9007199254740993.0",
+                                   "1e18",
+                                   "9223372036854775807.0",
+                                   "1e300",
+                                   "9e999",
+                                   "-9e999",
+                                   "1e-320",
+                                   "NULL"}) {
+    runSqlite(database_, "DROP TABLE IF EXISTS t; CREATE TABLE t (c REAL); INSERT INTO t VALUES (" + number + ")");
+    Prepared value(database_, "SELECT " + number);
+    ASSERT_TRUE(value.step());
+    RecordBuilder builder;
+    builder.addReal(sqlite3_column_value(value.handle(), 0));
+    const Savepoint savepoint(database_);
+    EXPECT_EQ(builder.record(), StoredRows(database_, "main", "t", StoredRows::Use::read).at(1)) << number;
+  }
+}
+
 // A text of 57 bytes is the longest, one of 58 the shortest whose type has two bytes; the types of two bytes end at 8,185.
 TEST_F(Records, OfTextsAndBytesOfAllLengthsAreThoseOfSqlite) {
   for (const std::size_t length : {0, 1, 56, 57, 58, 59, 500, 4000, 5000, 8184, 8185, 8186, 8187, 20'000, 1'100'000}) {
