@@ -102,9 +102,14 @@ std::optional<Binder::Joined> Binder::joinedTable(const TableSource& join, Scope
   std::vector<std::size_t> equated;
   for (const Expression* const part : conjuncts(*join.on)) {
     if (part->kind != ExpressionKind::comparison || part->op != "=") continue;
-    for (const ExpressionPtr& operand : part->operands) {
-      if (operand->kind != ExpressionKind::column) continue;
-      if (const TableColumn* const column = columnOf(*found, value(*operand, scope).sql))
+    for (const bool swapped : {false, true}) {
+      const Expression& operand = *part->operands[swapped ? 1 : 0];
+      const Expression& other = *part->operands[swapped ? 0 : 1];
+      if (operand.kind != ExpressionKind::column) continue;
+      const TableColumn* const column = columnOf(*found, value(operand, scope).sql);
+      // What is made of the row itself is equal to its key in any number of rows.
+      const auto isOwn = [&](const std::string& name) { return name.starts_with(prefixOf(*found)); };
+      if (column != nullptr && std::ranges::none_of(columnsIn(value(other, scope).sql), isOwn))
         equated.push_back(placeOf(*found, *column));
     }
   }
