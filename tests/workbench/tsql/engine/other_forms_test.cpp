@@ -1,6 +1,7 @@
 // Queries that are stored take other forms than queries that are read: rows alone in their group past the sorter, derived
 // tables without the groups that nobody joins, an order made of narrow rows. Both give the same rows.
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,7 @@
 #include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/engine/engine.h"
 #include "workbench/tsql/engine/lone_rows.h"
+#include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/values/sql_error.h"
 
 namespace quillon::tsql {
@@ -98,6 +100,50 @@ class WideGroupings : public ::testing::Test {
     connection_->execute("Drop Table Stored");
   }
 
+  // A row of the group with that key; one written otherwise is in it by the collation only.
+  struct Member {
+    int key = 0;
+    bool isWrittenOtherwise = false;
+  };
+  void fillGroups(const std::vector<Member>& members,
+                  const Value& quantity = Exact{.units = Int128(1'500'000), .scale = 6}) {
+    const auto writer = connection_->bulkWriter("Wide", names_);
+    std::vector<Value> row(names_.size());
+    std::int64_t n = 0;
+    for (const Member& member : members) {
+      const std::string key = std::to_string(member.key);
+      const std::array<Value, 5> values = {
+          Value(member.isWrittenOtherwise ? "\xEF\xBC\xAB " + key + " " : "k " + key),
+          Value(std::int64_t{member.key % 5}),
+          Value(Exact{.units = Int128(member.key) * Int128(1'000'000'000'000'000'000), .scale = 2}),
+          member.key % 3 == 0 ? Value() : Value(DateTime{member.key % 11}), Value(member.key % 4 - 0.5)};
+      for (std::size_t i = 0; i < keyCount; ++i)
+        row[i] = i >= 5 && i % 5 == 0 ? Value(std::string("the same")) : values[i % values.size()];
+      row[keyCount] = quantity;
+      row[keyCount + 1] = Exact{.units = Int128(++n), .scale = 4};
+      row[keyCount + 2] = n % 4 == 0 ? Value() : Value(n);
+      row[keyCount + 3] = static_cast<double>(n) / 4;
+      writer->write(row);
+    }
+  }
+  static std::vector<Member> aloneUpTo(int count) {
+    std::vector<Member> members;
+    for (int key = 0; key < count; ++key)
+      members.push_back({.key = key});
+    return members;
+  }
+  // How many groups SQLite's own statement stores; the others are composed.
+  std::int64_t groupsOfSqlite(const std::string& query) {
+    const std::size_t from = query.find(" From ");
+    connection_->execute(query.substr(0, from) + " Into Counted" + query.substr(from));
+    connection_->execute("Delete Counted");
+    const sqlite3_int64 before = sqlite3_total_changes64(connection_->handle());
+    connection_->execute("Insert Into Counted " + query);
+    const sqlite3_int64 after = sqlite3_total_changes64(connection_->handle());
+    connection_->execute("Drop Table Counted");
+    return after - before;
+  }
+
   std::string grouped(const std::string& figures, const std::string& where = "") const {
     return "Select " + keys_ + ", " + figures + " From Wide" + where + " Group By " + keys_;
   }
@@ -161,6 +207,93 @@ TEST_F(WideGroupings, CountASumAnewThatDoesNotFitIn64Bits) {
   EXPECT_THAT(rowsOf(*connection_, "Select Count(*) From Sums Where q = 999999999999999999"), ElementsAre("2996|"));
 }
 
+TEST_F(WideGroupings, OfRowsAlikeToTheLastByteAreComposed) {
+  std::vector<Member> members = aloneUpTo(2400);
+  for (int i = 0; i < 600; ++i)
+    members.push_back({.key = 1000 + i % 150});
+  fillGroups(members);
+  expectSame(grouped(figures));
+  EXPECT_EQ(groupsOfSqlite(grouped(figures)), 0);
+}
+
+TEST_F(WideGroupings, OfRowsAlikeByTheCollationAreThoseOfSqlite) {
+  std::vector<Member> members = aloneUpTo(2400);
+  for (int i = 0; i < 100; ++i)
+    members.push_back({.key = i, .isWrittenOtherwise = true});
+  fillGroups(members);
+  expectSame(grouped(figures));
+  EXPECT_EQ(groupsOfSqlite(grouped(figures)), 100);
+}
+
+TEST_F(WideGroupings, OfRowsAlikeInBothWaysGiveTheSameRows) {
+  std::vector<Member> members = aloneUpTo(2400);
+  for (int i = 0; i < 300; ++i) {
+    members.push_back({.key = i});                                              // all of these twice,
+    if (i % 3 == 0) members.push_back({.key = i, .isWrittenOtherwise = true});  // and some of them otherwise
+    if (i % 6 == 0) members.push_back({.key = i, .isWrittenOtherwise = true});
+  }
+  // Two that are alike to the last byte, behind the one that is otherwise.
+  for (const bool isWrittenOtherwise : {true, false, true, false})
+    members.push_back({.key = 5000, .isWrittenOtherwise = isWrittenOtherwise});
+  fillGroups(members);
+  expectSame(grouped(figures));
+  EXPECT_EQ(groupsOfSqlite(grouped(figures)), 101);
+}
+
+TEST_F(WideGroupings, OfSomeRowsAlikeOnlyGiveTheSameRows) {
+  std::vector<Member> members = aloneUpTo(4000);
+  for (int i = 0; i < 900; ++i)
+    members.push_back({.key = i % 300, .isWrittenOtherwise = i % 9 == 0});
+  fillGroups(members);
+  for (const char* const where : {" Where n > 100 Or c1 = 2", " Where c1 <> 3 And m > 0.01", " Where f < 1100"}) {
+    expectSame(grouped(figures, where));
+    const std::int64_t left = groupsOfSqlite(grouped(figures, where));
+    EXPECT_GT(left, 0) << where;
+    EXPECT_LE(left, 300) << where;
+  }
+}
+
+TEST_F(WideGroupings, SumRowsAlikeBeyond64Bits) {
+  std::vector<Member> members = aloneUpTo(2400);
+  for (int i = 0; i < 40; ++i)
+    members.push_back({.key = 7});
+  members.push_back({.key = 8, .isWrittenOtherwise = true});
+  fillGroups(members, Exact{.units = Int128(999'999'999'999'999'999), .scale = 6});
+  const std::string query = grouped("Sum(q) total, Sum(m) sm, Count(*) cs");
+  connection_->execute("Select * Into Totals From (" + query + ") x; Select * Into Indexed From Totals");
+  connection_->execute("Delete Totals; Delete Indexed; Create Index ix On Indexed (c0)");
+  const sqlite3_int64 before = sqlite3_total_changes64(connection_->handle());
+  EXPECT_EQ(connection_->execute("Insert Into Totals " + query), 2400);
+  EXPECT_LT(sqlite3_total_changes64(connection_->handle()) - before, 10) << "the groups were not composed";
+  EXPECT_EQ(connection_->execute("Insert Into Indexed " + query), 2400);
+  EXPECT_THAT(sorted(rowsOf(*connection_, "Select * From Totals")),
+              ElementsAreArray(sorted(rowsOf(*connection_, "Select * From Indexed"))));
+  EXPECT_THAT(rowsOf(*connection_, "Select total From Totals Where c0 = N'k 7'"),
+              ElementsAre("40999999999999.999959|"));
+}
+
+TEST_F(WideGroupings, OfAConditionThatIsKeptGiveTheSameRowsForOtherConstants) {
+  std::vector<Member> members = aloneUpTo(3000);
+  for (int i = 0; i < 300; ++i)
+    members.push_back({.key = i, .isWrittenOtherwise = i % 2 == 0});
+  fillGroups(members);
+  for (const int n : {0, 50, 700})
+    expectSame(grouped(figures, " Where n > " + std::to_string(n)));
+}
+
+TEST_F(WideGroupings, AreLeftToSqliteInATableWithAnIndex) {
+  std::vector<Member> members = aloneUpTo(2400);
+  for (int i = 0; i < 100; ++i)
+    members.push_back({.key = i});
+  fillGroups(members);
+  connection_->execute("Select Top 0 " + keys_ + ", q Into Indexed From Wide; Create Index ix On Indexed (c0)");
+  const sqlite3_int64 before = sqlite3_total_changes64(connection_->handle());
+  EXPECT_EQ(connection_->execute("Insert Into Indexed Select " + keys_ + ", Min(q) From Wide Group By " + keys_), 2400);
+  EXPECT_EQ(sqlite3_total_changes64(connection_->handle()) - before, 2400);
+  EXPECT_THAT(sorted(rowsOf(*connection_, "Select * From Indexed")),
+              ElementsAreArray(sorted(rowsOf(*connection_, grouped("Min(q) q")))));
+}
+
 TEST_F(WideGroupings, OfATableWithoutRowNumbersGiveTheSameRows) {
   std::string columns;
   for (int i = 0; i < keyCount; ++i)
@@ -186,6 +319,42 @@ TEST_F(WideGroupings, FindTheRowsThatAreAlone) {
   EXPECT_TRUE(rows.isAlone(2));
   EXPECT_TRUE(rows.isAlone(3000));
   EXPECT_FALSE(rows.isAlone(3001));
+}
+
+TEST_F(WideGroupings, FindTheRowsThatAreAlikeToTheLastByte) {
+  std::vector<Member> members = aloneUpTo(3000);  // whose numbers are their keys and one
+  members.push_back({.key = 10});
+  members.push_back({.key = 20, .isWrittenOtherwise = true});
+  members.push_back({.key = 30});
+  members.push_back({.key = 30, .isWrittenOtherwise = true});
+  members.push_back({.key = 10});
+  fillGroups(members);
+  WideGrouping grouping = byColumns({"t.c1", "t.c0", "t.c2"});
+  Table table;
+  table.schema = "main";
+  table.stored = "Wide";
+  grouping.table = std::make_shared<const Table>(table);
+  grouping.columns = {0, 1, 2};
+  LoneRows rows;
+  ASSERT_TRUE(rows.find(connection_->handle(), grouping));
+  const Savepoint savepoint(connection_->handle());
+  ASSERT_TRUE(rows.gather(connection_->handle(), grouping));
+  EXPECT_TRUE(rows.isAlone(10));
+  EXPECT_FALSE(rows.isTogether(10));
+  for (const std::int64_t number : {11, 3001, 3005}) {
+    EXPECT_FALSE(rows.isAlone(number)) << number;
+    EXPECT_TRUE(rows.isTogether(number)) << number;
+    EXPECT_EQ(rows.groupNumber(number), rows.groupNumber(11)) << number;
+  }
+  for (const std::int64_t number : {21, 3002, 31, 3003, 3004}) {
+    EXPECT_FALSE(rows.isAlone(number)) << number;
+    EXPECT_FALSE(rows.isTogether(number)) << number;
+  }
+  // Rows of a view are not read as they are stored.
+  connection_->execute("Create View Seen As Select * From Wide");
+  table.stored = "Seen";
+  grouping.table = std::make_shared<const Table>(table);
+  EXPECT_FALSE(rows.gather(connection_->handle(), grouping));
 }
 
 TEST_F(WideGroupings, LeaveTablesToTheSorterInWhichFewRowsAreAlone) {
