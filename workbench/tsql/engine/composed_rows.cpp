@@ -40,6 +40,13 @@ void addValue(RecordBuilder& row, sqlite3_value* value, Storage storage) {
   }
 }
 
+// False: the value cannot lie in the piece's column as it is.
+bool addGiven(RecordBuilder& row, sqlite3_value* value, const RowComposition::Piece& piece) {
+  if (!fits(value, piece.storage) || (piece.required && sqlite3_value_type(value) == SQLITE_NULL)) return false;
+  addValue(row, value, piece.storage);
+  return true;
+}
+
 // Rows of a look-up that have been asked for.
 class LookedUpRows {
  public:
@@ -126,18 +133,12 @@ class Composer {
   Composer& operator=(const Composer&) = delete;
 
   bool step() { return query_.step(); }
-  std::int64_t integer(int column) const { return query_.integer(column); }
 
-  // Before the first step. False: a source is none whose rows can be copied. `changed`: the first source, where that is the
-  // table that is changed.
-  bool open(sqlite3* database, StoredRows* changed = nullptr) {
+  // Before the first step. False: a source is none whose rows can be copied.
+  bool open(sqlite3* database) {
     sources_.resize(composition_.sources.size());
     for (std::size_t i = 0; i < sources_.size(); ++i) {
       Source& source = sources_[i];
-      if (i == 0 && changed != nullptr) {
-        source.rows = changed;
-        continue;
-      }
       const RowComposition::Source& described = composition_.sources[i];
       if (!described.lookUp.empty()) {
         for (const std::string& table : described.smallTables) {
@@ -146,9 +147,8 @@ class Composer {
         source.lookedUp = std::make_unique<LookedUpRows>(database, described);
         continue;
       }
-      source.own.emplace(database, described.schema, described.stored, StoredRows::Use::read);
-      if (!*source.own) return false;
-      source.rows = &*source.own;
+      source.rows.emplace(database, described.schema, described.stored, StoredRows::Use::read);
+      if (!*source.rows) return false;
     }
     return true;
   }
@@ -169,9 +169,7 @@ class Composer {
           if (!addFields(piece)) return false;
           break;
         case RowComposition::Kind::value:
-          sqlite3_value* const given = column(value++);
-          if (!fits(given, piece.storage) || (piece.required && sqlite3_value_type(given) == SQLITE_NULL)) return false;
-          addValue(row_, given, piece.storage);
+          if (!addGiven(row_, column(value++), piece)) return false;
       }
     }
     return true;
@@ -194,8 +192,7 @@ class Composer {
   }
 
   struct Source {
-    std::optional<StoredRows> own;
-    StoredRows* rows = nullptr;
+    std::optional<StoredRows> rows;
     std::unique_ptr<LookedUpRows> lookedUp;
     const RecordFields* row = nullptr;  // for the row that is made; null: none
     std::int64_t number = 0;            // its, in a table
@@ -210,7 +207,7 @@ class Composer {
       return true;
     }
     const std::int64_t number = sqlite3_value_int64(given);
-    // Who writes the table that is read gives each row once.
+    // Who adds to the table that is read gives each row once.
     if (source.row != nullptr && number == source.number) return true;
     const std::string_view record = source.rows->at(number);
     source.row = nullptr;
@@ -239,6 +236,60 @@ class Composer {
   Prepared& query_;
   std::vector<Source> sources_;
   RecordBuilder row_;
+};
+
+// Puts rows of a table in the place of those that they are made of.
+class Replacer {
+ public:
+  Replacer(const RowComposition& composition, Prepared& query) : composition_(composition), query_(query) {}
+  ~Replacer() { query_.reset(); }
+  Replacer(const Replacer&) = delete;
+  Replacer& operator=(const Replacer&) = delete;
+
+  std::optional<std::int64_t> run(StoredRows& table) {
+    std::optional<std::int64_t> number;
+    std::int64_t count = 0;
+    while (query_.step()) {
+      const std::int64_t next = query_.integer(0);
+      if (number && next != *number && !write(table, *number)) return {};
+      if (next != number) ++count;
+      number = next;
+      if (!takeValues()) return {};
+    }
+    if (number && !write(table, *number)) return {};
+    return count;
+  }
+
+ private:
+  bool takeValues() {
+    values_.clear();
+    int item = 1;
+    for (const RowComposition::Piece& piece : composition_.pieces) {
+      if (piece.kind != RowComposition::Kind::value) continue;
+      if (!addGiven(values_, sqlite3_column_value(query_.handle(), item++), piece)) return false;
+    }
+    return true;
+  }
+
+  bool write(StoredRows& table, std::int64_t number) {
+    const std::string_view record = table.at(number);
+    if (record.empty()) return false;
+    fields_.read(record);
+    newFields_.read(values_.record());
+    row_.clear();
+    std::size_t value = 0;
+    for (const RowComposition::Piece& piece : composition_.pieces) {
+      const bool isNew = piece.kind == RowComposition::Kind::value;
+      row_.add(isNew ? newFields_ : fields_, isNew ? value++ : piece.first, piece.count);
+    }
+    table.replace(number, row_.record());
+    return true;
+  }
+
+  const RowComposition& composition_;
+  Prepared& query_;
+  RecordBuilder values_, row_;  // the values for the row that was given last
+  RecordFields fields_, newFields_;
 };
 
 // Runs the action, which gives nothing where it leaves the rows to SQLite, so that nothing is left of it then.
@@ -271,15 +322,10 @@ std::optional<std::int64_t> addComposedRows(sqlite3* database, const RowComposit
 std::optional<std::int64_t> replaceByComposedRows(sqlite3* database, const RowComposition& composition, Prepared& query,
                                                   const Table& table) {
   return allOrNothing(database, [&]() -> std::optional<std::int64_t> {
-    Composer composer(composition, query);
+    Replacer replacer(composition, query);
     StoredRows target(database, table.schema, table.stored, StoredRows::Use::write);
-    if (!target || !composer.open(database, &target)) return {};
-    std::int64_t count = 0;
-    for (; composer.step(); ++count) {
-      if (!composer.make()) return {};
-      target.replace(composer.integer(0), composer.record());
-    }
-    return count;
+    if (!target) return {};
+    return replacer.run(target);
   });
 }
 

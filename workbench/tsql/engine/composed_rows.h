@@ -20,8 +20,8 @@ namespace quillon::tsql {
 std::optional<std::int64_t> addComposedRows(sqlite3* database, const RowComposition& composition, Prepared& query,
                                             const Table& table);
 
-// The same for rows that there are: the first row number of the query is that of the row that gets the composition's in
-// its place, and its first source is the table. The query may read the table, as long as it gives each row once.
+// The same for rows that there are: the composition's only source is the table, whose rows get the composition's in their
+// place. The query may read the table; where it gives a row several times, one after the other, the last one counts.
 std::optional<std::int64_t> replaceByComposedRows(sqlite3* database, const RowComposition& composition, Prepared& query,
                                                   const Table& table);
 

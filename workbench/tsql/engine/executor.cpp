@@ -334,7 +334,8 @@ std::int64_t Executor::modify(const Translation& translation, const StatementFor
   const std::vector<bool> isKey = keysOf(translation, form);
   const auto bind = [&](Prepared& source) { bindConstants(translation, form, source); };
   const Modification& known = translation.statement;
-  Modification statement{.sql = Translation::withKeys(known.sql, isKey), .table = known.table};
+  Modification statement{
+      .sql = Translation::withKeys(known.sql, isKey), .table = known.table, .isUpdate = known.isUpdate};
   if (known.composition) {
     statement.composition = known.composition;
     statement.composition->sql = Translation::withKeys(known.composition->sql, isKey);
@@ -533,9 +534,12 @@ Modification Executor::modificationOf(const Statement& s, Binder& binder) const 
 std::int64_t Executor::change(const Modification& statement, const Bind& bind) {
   std::optional<std::int64_t> affected;
   const std::string* sql = &statement.sql;
-  if (statement.composition) affected = compose(addComposedRows, *statement.composition, statement, bind);
+  if (statement.composition) {
+    affected =
+        compose(statement.isUpdate ? replaceByComposedRows : addComposedRows, *statement.composition, statement, bind);
+  }
   if (statement.grouping) affected = insertGroups(statement, bind);
-  if (statement.matching && matchedRows_.read(database_, *statement.matching, bind)) {
+  if (!affected && statement.matching && matchedRows_.read(database_, *statement.matching, bind)) {
     sql = &statement.matching->sql;
     if (statement.matching->composition)
       affected = compose(replaceByComposedRows, *statement.matching->composition, statement, bind);

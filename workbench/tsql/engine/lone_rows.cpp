@@ -3,6 +3,9 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <mutex>
+#include <string>
+#include <unordered_map>
 
 #include "workbench/tsql/engine/fingerprint.h"
 #include "workbench/tsql/engine/record.h"
@@ -32,6 +35,43 @@ struct Pair {
 };
 using Columns = std::vector<std::size_t>;
 
+// Which columns told the rows of a table apart, by the columns that they were grouped by: the work tables of one report have
+// the same in each run. Safe from several threads.
+class KnownColumns {
+ public:
+  static KnownColumns& ofProcess() {
+    static KnownColumns instance;
+    return instance;
+  }
+  Columns find(const std::string& grouping) const {
+    const std::lock_guard lock(mutex_);
+    const auto found = known_.find(grouping);
+    return found == known_.end() ? Columns() : found->second;
+  }
+  void keep(const std::string& grouping, const Columns& columns) {
+    constexpr std::size_t most = 64;
+    const std::lock_guard lock(mutex_);
+    if (known_.size() == most) known_.clear();
+    known_[grouping] = columns;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::unordered_map<std::string, Columns> known_;
+};
+
+// The names of the key columns, without the alias, which may be the name of a table of one run.
+std::string nameOf(const WideGrouping& grouping) {
+  const std::string prefix = grouping.number.substr(0, grouping.number.rfind('.') + 1);
+  std::string name;
+  for (std::string key : grouping.keys) {
+    for (std::size_t at = key.find(prefix); at != std::string::npos; at = key.find(prefix, at))
+      key.erase(at, prefix.size());
+    name.append(key).append(1, '\n');
+  }
+  return name;
+}
+
 class Search {
  public:
   Search(sqlite3* database, const WideGrouping& grouping) : database_(database), grouping_(grouping) {}
@@ -48,7 +88,8 @@ class Search {
 
   // Whether at least half of the rows are alone.
   bool find(std::vector<std::uint32_t>& leaders) {
-    Columns chosen = addTo({}, neighbours());
+    const std::string name = nameOf(grouping_);
+    Columns chosen = addTo(KnownColumns::ofProcess().find(name), neighbours());
     for (int reading = 1;; ++reading) {
       const bool isWhole = read(chosen, leaders, reading < mostReadings);
       if (found_ * smallPart <= rows_ || reading == mostReadings) break;
@@ -59,6 +100,7 @@ class Search {
       }
       chosen = std::move(more);
     }
+    KnownColumns::ofProcess().keep(name, chosen);
     return found_ * 2 <= rows_;
   }
 
@@ -89,6 +131,8 @@ class Search {
       for (std::size_t i = 0; i < one.size(); ++i)
         difference[i] = one[i] != other[i];
     }
+    for (const std::size_t column : columns)
+      std::erase_if(differences, [column](const std::vector<bool>& difference) { return difference[column]; });
     while (true) {
       std::vector<std::size_t> told(grouping_.keys.size());
       for (const std::vector<bool>& difference : differences) {

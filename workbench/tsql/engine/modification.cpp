@@ -380,6 +380,42 @@ std::optional<Matching> matchingOf(const Statement& s, const Sources& sources, c
 
 }  // namespace
 
+namespace {
+
+// The other table of the From clause, where it is the changed one once more, which has nothing to look its rows up by, and
+// the conditions hold no query.
+const Source* sameTable(const Statement& s, const Sources& sources) {
+  const auto& all = sources.scope.sources;
+  if (all.size() != 2 || (s.condition && containsQuery(*s.condition)) ||
+      std::ranges::any_of(sources.parts, [](const Expression* part) { return containsQuery(*part); })) {
+    return nullptr;
+  }
+  const Source& other = all[equalIgnoringCase(all[0].alias, sources.target) ? 1 : 0];
+  return other.stored == sources.table ? &other : nullptr;
+}
+
+// The table in a From clause with the given columns alone, and only the rows that its own conditions leave: SQLite makes an
+// index of it to join it by, which has all columns that it could need.
+std::string onlyColumnsOf(const Source& source, const std::vector<std::string>& columns, const Statement& s,
+                          const Sources& sources, const Binder& binder) {
+  const std::string alias = quoteName(source.alias);
+  std::string list, where;
+  for (const std::string& column : columns) {
+    if (!column.starts_with(alias + '.')) continue;
+    list += (list.empty() ? "" : ", ") + column + " AS " + column.substr(alias.size() + 1);
+  }
+  std::vector<const Expression*> parts = sources.parts;
+  if (s.condition) std::ranges::copy(conjuncts(*s.condition), std::back_inserter(parts));
+  for (const Expression* const part : parts) {
+    if (const auto own = binder.boundOn({source}, *part)) where += (where.empty() ? " WHERE " : " AND ") + own->sql;
+  }
+  // With a limit SQLite does not put it back into the query around.
+  return "(SELECT " + (list.empty() ? "1" : list) + " FROM " + source.stored->physical + " AS " + alias + where +
+         " LIMIT -1) AS " + alias;
+}
+
+}  // namespace
+
 Modification updateStatement(const Statement& s, Binder& binder) {
   Sources sources = bindSources(s, binder);
   const Table& table = *sources.table;
@@ -387,6 +423,7 @@ Modification updateStatement(const Statement& s, Binder& binder) {
     std::string column, sql;
   };
   std::vector<NewValue> values;
+  std::map<std::size_t, Fragment> newValues;  // by column
   for (const Assignment& assignment : s.assignments) {
     const int place = table.find(assignment.column);
     if (place < 0) fail(207, "Invalid column name '" + assignment.column + "'.", assignment.place);
@@ -403,6 +440,7 @@ Modification updateStatement(const Statement& s, Binder& binder) {
     }
     const Fragment value = Binder::stored(binder.value(*assignment.value, sources.scope), targetOf(table, index));
     values.push_back({column, value.sql});
+    newValues[index] = value;
   }
   const std::string where = whereOf(s, sources, binder);
   const std::string target = quoteName(sources.target);
@@ -412,9 +450,16 @@ Modification updateStatement(const Statement& s, Binder& binder) {
     for (std::size_t i = 0; i < values.size(); ++i)
       sql += (i == 0 ? "" : ", ") + values[i].column + " = " + values[i].sql;
     if (sources.others.empty()) return {sql + where};
-    return {.sql = sql + " FROM " + sources.others + where,
-            .table = sources.table,
-            .matching = matchingOf(s, sources, binder)};
+    Modification result{
+        .sql = sql + " FROM " + sources.others + where, .table = sources.table, .composition = {}, .isUpdate = true};
+    result.matching = matchingOf(s, sources, binder);
+    if (const Source* const other = sameTable(s, sources)) {
+      result.composition = changedRows(table, target, newValues);
+      if (result.composition)
+        result.composition->sql += " FROM " + table.physical + " AS " + target + " CROSS JOIN " +
+                                   onlyColumnsOf(*other, columnsIn(sql + where), s, sources, binder) + where;
+    }
+    return result;
   }
   // The new values are computed over the whole From clause and then assigned to the rows of the target.
   sql += "target_row SET ";

@@ -12,13 +12,14 @@
 namespace quillon::tsql {
 
 // A statement and other forms of it, where there are any: `grouping` of an Insert whose rows come from a wide grouping,
-// with whole statements as its `sql` and `others`; `composition` of the rows of an Insert, which does not read its table;
-// `matching` of an Update.
+// with whole statements as its `sql` and `others`; `composition` of the rows that an Insert adds, or of those that an Update
+// of a table from itself changes; `matching` of an Update from other tables.
 struct Modification {
   std::string sql;
   std::shared_ptr<const Table> table = {};  // that is changed; for a composition and a matching
   std::optional<WideGrouping> grouping = {};
   std::optional<RowComposition> composition = {};
+  bool isUpdate = false;
   std::optional<Matching> matching = {};
 };
 
