@@ -70,11 +70,8 @@ std::string storage(const Type& type) {
   return "ANY";
 }
 
-bool isWhole(const Type& type) {
-  return type.kind == Kind::integer || type.kind == Kind::bigInt;
-}
-
-// The column that can be SQLite's rowid: an identity that counts by one, or the only column of a whole-number key.
+// The column that is SQLite's rowid: an identity that counts by one, or the only column of a primary key that lies in SQLite
+// as whole numbers, dates and amounts among them, which SQLite makes it by itself.
 int rowidColumnOf(const Table& table) {
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
     if (table.columns[i].identity && table.columns[i].increment == 1) return static_cast<int>(i);
@@ -82,7 +79,7 @@ int rowidColumnOf(const Table& table) {
   for (const KeyDefinition& key : table.keys) {
     if (!key.primary || key.columns.size() != 1) continue;
     const int place = table.find(key.columns[0]);
-    if (place >= 0 && isWhole(table.columns[static_cast<std::size_t>(place)].type)) return place;
+    if (place >= 0 && storageOf(table.columns[static_cast<std::size_t>(place)].type) == Storage::integer) return place;
   }
   return -1;
 }

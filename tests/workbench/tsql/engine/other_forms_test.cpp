@@ -8,6 +8,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "workbench/tsql/binding/sqlite_notation.h"
@@ -540,6 +541,47 @@ TEST_F(JoinedGroups, AreOrderedRowByRowWhereTheOrderIsNotThatOfLines) {
     const std::string query =
         std::string("Insert Into Stored Select l.id, ") + (alone ? "l.day" : "p.item") + " From Line l " + rest;
     EXPECT_THAT(translated(query), Not(HasSubstr("CROSS JOIN"))) << rest;
+  }
+}
+
+// Lines of many columns, whose rows are put together of stored ones.
+class CopiedLines : public ::testing::Test {
+ protected:
+  CopiedLines() {
+    std::string columns;
+    for (int i = 0; i < columnCount; ++i)
+      columns += "c" + std::to_string(i) + " int, ";
+    for (const char* table : {"Line", "Stored"})
+      connection_->execute("Create Table " + std::string(table) + " (" + columns + "f float)");
+    connection_->execute("Insert Into Line (c0, c1, f) Values (1, 1, 2.5)");
+  }
+
+  static constexpr int columnCount = 14;
+  std::unique_ptr<Connection> connection_ = Connection::openInMemory();
+};
+
+// SQLite makes a key of one column of whole numbers, whatever they stand for, the number of its rows, which is not among
+// what it stores of them.
+TEST_F(CopiedLines, HaveTheKeysOfDatesAndDecimals) {
+  std::string list;
+  for (int i = 0; i < columnCount; ++i)
+    list += ", c" + std::to_string(i);
+  for (const auto& [type, key] : {std::pair("decimal(10,0)", "7"), std::pair("money", "7.0000"),
+                                  std::pair("datetime", "2020-01-02 00:00:00.000")}) {
+    connection_->execute("Create Table Keyed (id " + std::string(type) + " Primary Key, n int" +
+                         std::string(" Default 3, ") + "c0 int, c1 int, c2 int, c3 int, c4 int, c5 int, c6 int, " +
+                         "c7 int, c8 int, c9 int, c10 int, c11 int, c12 int, c13 int)");
+    const std::string insert = "Insert Into Keyed (id, n" + list + ") Select '" + key + "', 5" + list + " From Line";
+    connection_->execute(insert);
+    EXPECT_THAT([&] { connection_->execute(insert); }, ::testing::Throws<SqlError>()) << type;
+    EXPECT_THAT(rowsOf(*connection_, "Select id, n, c1 From Keyed"), ElementsAre(std::string(key) + "|5|1|"));
+    connection_->execute("Select * Into Copy From Keyed");
+    EXPECT_THAT(rowsOf(*connection_, "Select id, n, c1 From Copy"), ElementsAre(std::string(key) + "|5|1|"));
+    // SQLite would make a number of it.
+    EXPECT_THAT([&] { connection_->execute("Insert Into Keyed (n) Values (1)"); }, ::testing::Throws<SqlError>())
+        << type;
+    EXPECT_THAT([&] { connection_->execute("Update Keyed Set id = null"); }, ::testing::Throws<SqlError>()) << type;
+    connection_->execute("Drop Table Keyed Drop Table Copy");
   }
 }
 
