@@ -20,6 +20,7 @@
 namespace quillon::tsql {
 namespace {
 
+using ::testing::AnyOf;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
@@ -445,11 +446,37 @@ TEST_F(MatchedUpdates, AreLeftToSqliteWhereTwoRowsMatch) {
               ElementsAreArray(rowsOf(*connection_, "Select n, name From Few Order By n")));
 }
 
-TEST_F(MatchedUpdates, OfATableFromItselfAreLeftToSqlite) {
+TEST_F(MatchedUpdates, OfATableFromItselfTakeTheRowsThatMatch) {
   EXPECT_EQ(
       connection_->execute("Update g Set name = o.kind From Goods g Inner Join Goods o On g.n = o.n Where o.n < 6"), 6);
   EXPECT_THAT(rowsOf(*connection_, "Select name From Goods Where n < 6 Order By n"),
               ElementsAre("a|", "Ｂ|", "c  |", "(null)|", "z|", "é|"));
+}
+
+// With so many columns that SQLite's index of the other side would have them all. A line without a code takes one of a line
+// of its number and state, and code and name of the same one.
+TEST_F(MatchedUpdates, OfATableFromItselfTakeOneOfSeveralRows) {
+  std::string columns;
+  for (int i = 0; i < 70; ++i)
+    columns += "c" + std::to_string(i) + " int, ";
+  for (const bool hasIndex : {false, true}) {
+    connection_->execute("Create Table Lines (id int, state int, " + columns + "code nvarchar(10), name nvarchar(20))");
+    if (hasIndex) connection_->execute("Create Index ByCode On Lines (code)");
+    for (const char* const row :
+         {"1, 1, null, null", "1, 1, N'a', N'name of a'", "1, 1, N'b', N'name of b'", "1, 2, N'', N'stays'",
+          "2, 1, N'c', N'name of c'", "2, 1, null, null", "null, 1, null, N'stays'", "null, 1, N'd', N'name of d'"}) {
+      connection_->execute("Insert Into Lines (id, state, code, name) Values (" + std::string(row) + ")");
+    }
+    EXPECT_EQ(connection_->execute("Update old Set code = o.code, name = o.name From Lines old Inner Join Lines o On "
+                                   "old.id = o.id And old.state = o.state "
+                                   "Where IsNull(old.code, N'') = N'' And IsNull(o.code, N'') <> N''"),
+              2);
+    EXPECT_THAT(rowsOf(*connection_, "Select id, state, code, name From Lines Order By id, state, code"),
+                ElementsAre("(null)|1|(null)|stays|", "(null)|1|d|name of d|", "1|1|a|name of a|",
+                            AnyOf("1|1|a|name of a|", "1|1|b|name of b|"), "1|1|b|name of b|", "1|2||stays|",
+                            "2|1|c|name of c|", "2|1|c|name of c|"));
+    connection_->execute("Drop Table Lines");
+  }
 }
 
 // Lines with their parts, as the voucher report joins them.
