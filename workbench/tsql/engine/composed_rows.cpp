@@ -76,8 +76,8 @@ class LookedUpRows {
   }
 
  private:
-  // As much memory as a page cache has, at most.
-  static constexpr std::size_t mostBytes = std::size_t{64} << 20;
+  // A statement has a dozen of these.
+  static constexpr std::size_t mostBytes = std::size_t{16} << 20;
   static constexpr std::size_t bytesOfRow = 512;  // about
 
   struct Row {
