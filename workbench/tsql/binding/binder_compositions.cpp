@@ -223,7 +223,7 @@ class Binder::CompositionMaker {
     copiedFrom_[source] = made_.sources.size();
     for (const auto& [item, column] : found)
       copy(item, column);
-    made_.sources.push_back({.schema = table.schema, .stored = table.stored, .lookUp = {}});
+    made_.sources.push_back({.table = sources_[source].stored, .lookUp = {}});
     asked_.push_back(columnFragment(number, intType()));
   }
 

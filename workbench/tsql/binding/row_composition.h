@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,10 +20,9 @@ struct RowComposition {
     std::optional<std::size_t> source = {};
     std::size_t column = 0;
   };
-  // What is copied from: the rows of a table, by its place in SQLite and their numbers, or the row of a query
-  // that has one for the values of its parameters, which come again and again.
+  // What is copied from: the rows of a table, by their numbers, or the row of a query that has one for the values of its parameters, which come again and again.
   struct Source {
-    std::string schema, stored;
+    std::shared_ptr<const Table> table;
     std::string lookUp;
     std::vector<Key> keys = {};       // of a look-up
     std::vector<Storage> given = {};  // how the columns lie that it gives

@@ -147,7 +147,7 @@ class Composer {
         source.lookedUp = std::make_unique<LookedUpRows>(database, described);
         continue;
       }
-      source.rows.emplace(database, described.schema, described.stored, StoredRows::Use::read);
+      source.rows.emplace(database, *described.table, StoredRows::Use::read);
       if (!*source.rows) return false;
     }
     return true;
@@ -295,10 +295,19 @@ class Replacer {
 // Runs the action, which gives nothing where it leaves the rows to SQLite, so that nothing is left of it then.
 template <typename Action>
 std::optional<std::int64_t> allOrNothing(sqlite3* database, Action action) {
-  Savepoint savepoint(database);
-  const std::optional<std::int64_t> result = action();
-  if (result) savepoint.keep();
-  return result;
+  try {
+    Savepoint savepoint(database);
+    const std::optional<std::int64_t> result = action();
+    if (result) savepoint.keep();
+    return result;
+  } catch (const FileBusy&) {
+    throw;
+  } catch (const SqlError&) {
+    // SQLite might compute things in another order for the statement, of fewer rows or with another error; unless it has
+    // undone the whole transaction.
+    if (sqlite3_get_autocommit(database) != 0) throw;
+    return {};
+  }
 }
 
 }  // namespace
@@ -307,7 +316,7 @@ std::optional<std::int64_t> addComposedRows(sqlite3* database, const RowComposit
                                             const Table& table) {
   return allOrNothing(database, [&]() -> std::optional<std::int64_t> {
     Composer composer(composition, query);
-    StoredRows target(database, table.schema, table.stored, StoredRows::Use::write);
+    StoredRows target(database, table, StoredRows::Use::write);
     if (!target || !composer.open(database)) return {};
     std::int64_t number = target.last();
     std::int64_t count = 0;
@@ -323,7 +332,7 @@ std::optional<std::int64_t> replaceByComposedRows(sqlite3* database, const RowCo
                                                   const Table& table) {
   return allOrNothing(database, [&]() -> std::optional<std::int64_t> {
     Replacer replacer(composition, query);
-    StoredRows target(database, table.schema, table.stored, StoredRows::Use::write);
+    StoredRows target(database, table, StoredRows::Use::write);
     if (!target) return {};
     return replacer.run(target);
   });

@@ -269,8 +269,8 @@ bool LoneRows::find(sqlite3* database, const WideGrouping& grouping) {
 
 bool LoneRows::gather(sqlite3* database, const WideGrouping& grouping) {
   const Table& table = *grouping.table;
-  StoredRows rows(database, table.schema, table.stored, StoredRows::Use::read);
-  StoredRows leaderRows(database, table.schema, table.stored, StoredRows::Use::read);
+  StoredRows rows(database, table, StoredRows::Use::read);
+  StoredRows leaderRows(database, table, StoredRows::Use::read);
   if (!rows || !leaderRows) return false;
   isMixed_.assign(leaders_.size(), false);
   isComplete_ = true;

@@ -298,13 +298,13 @@ Modification insertStatement(const Statement& s, Binder& binder, bool identityIn
 namespace {
 
 // The rows of the table with these values in their columns; the composition's query ends before From.
-std::optional<RowComposition> changedRows(const Table& table, const std::string& alias,
+std::optional<RowComposition> changedRows(const std::shared_ptr<const Table>& table, const std::string& alias,
                                           const std::map<std::size_t, Fragment>& values) {
-  if (!table.hasRowid() || (table.rowidColumn >= 0 && values.contains(static_cast<std::size_t>(table.rowidColumn))))
+  if (!table->hasRowid() || (table->rowidColumn >= 0 && values.contains(static_cast<std::size_t>(table->rowidColumn))))
     return {};
   RowComposition result;
-  result.sql = "SELECT " + alias + '.' + table.rowid();
-  result.sources.push_back({.schema = table.schema, .stored = table.stored, .lookUp = {}});
+  result.sql = "SELECT " + alias + '.' + table->rowid();
+  result.sources.push_back({.table = table, .lookUp = {}});
   const auto copy = [&](std::size_t first, std::size_t end) {
     if (first == end) return;
     result.pieces.push_back({.kind = RowComposition::Kind::fields, .count = end - first, .first = first});
@@ -314,11 +314,11 @@ std::optional<RowComposition> changedRows(const Table& table, const std::string&
     copy(copied, column);
     result.sql += ", " + value.sql;
     result.pieces.push_back({.kind = RowComposition::Kind::value,
-                             .storage = storageOf(table.columns[column].type),
-                             .required = table.columns[column].notNull});
+                             .storage = storageOf(table->columns[column].type),
+                             .required = table->columns[column].notNull});
     copied = column + 1;
   }
-  copy(copied, table.columns.size());
+  copy(copied, table->columns.size());
   return result;
 }
 
@@ -373,7 +373,7 @@ std::optional<Matching> matchingOf(const Statement& s, const Sources& sources, c
   const std::string as = " AS " + quoteName(sources.target);
   const std::string changed = " WHERE " + where + "has_match(" + keys + ")";
   result.sql = "UPDATE " + result.table + as + " SET " + set + changed;
-  result.composition = changedRows(*sources.table, quoteName(sources.target), values);
+  result.composition = changedRows(sources.table, quoteName(sources.target), values);
   if (result.composition) result.composition->sql += " FROM " + result.table + as + changed;
   return result;
 }
@@ -382,20 +382,27 @@ std::optional<Matching> matchingOf(const Statement& s, const Sources& sources, c
 
 namespace {
 
-// The other table of the From clause, where it is the changed one once more, which has nothing to look its rows up by, and
-// the conditions hold no query.
-const Source* sameTable(const Statement& s, const Sources& sources) {
+// The other table of the From clause, where it is the changed one once more and so wide that SQLite's index of it would have
+// more columns than the statement names, and the conditions hold no query.
+const Source* sameTable(const Statement& s, const Sources& sources, const std::vector<std::string>& columns) {
+  // SQLite knows which of a table's first columns are needed, and else that some beyond these are.
+  constexpr std::size_t known = 63;
   const auto& all = sources.scope.sources;
   if (all.size() != 2 || (s.condition && containsQuery(*s.condition)) ||
       std::ranges::any_of(sources.parts, [](const Expression* part) { return containsQuery(*part); })) {
     return nullptr;
   }
   const Source& other = all[equalIgnoringCase(all[0].alias, sources.target) ? 1 : 0];
-  return other.stored == sources.table ? &other : nullptr;
+  if (other.stored != sources.table) return nullptr;
+  const std::vector<TableColumn>& its = other.stored->columns;
+  const auto isNeeded = [&](const TableColumn& column) {
+    return std::ranges::find(columns, quoteName(other.alias) + '.' + quoteName(column.name)) != columns.end();
+  };
+  const auto beyond = its.begin() + static_cast<std::ptrdiff_t>(std::min(known, its.size()));
+  return std::any_of(beyond, its.end(), isNeeded) ? &other : nullptr;
 }
 
-// The table in a From clause with the given columns alone, and only the rows that its own conditions leave: SQLite makes an
-// index of it to join it by, which has all columns that it could need.
+// The table in a From clause with the given columns alone, and only the rows that its own conditions leave.
 std::string onlyColumnsOf(const Source& source, const std::vector<std::string>& columns, const Statement& s,
                           const Sources& sources, const Binder& binder) {
   const std::string alias = quoteName(source.alias);
@@ -453,8 +460,8 @@ Modification updateStatement(const Statement& s, Binder& binder) {
     Modification result{
         .sql = sql + " FROM " + sources.others + where, .table = sources.table, .composition = {}, .isUpdate = true};
     result.matching = matchingOf(s, sources, binder);
-    if (const Source* const other = sameTable(s, sources)) {
-      result.composition = changedRows(table, target, newValues);
+    if (const Source* const other = sameTable(s, sources, columnsIn(sql + where))) {
+      result.composition = changedRows(sources.table, target, newValues);
       if (result.composition)
         result.composition->sql += " FROM " + table.physical + " AS " + target + " CROSS JOIN " +
                                    onlyColumnsOf(*other, columnsIn(sql + where), s, sources, binder) + where;

@@ -2,14 +2,20 @@
 
 #include <sqlite3.h>
 
+#include <vector>
+
 #include "workbench/tsql/engine/sqlite.h"
 
 namespace quillon::tsql {
 
-StoredRows::StoredRows(sqlite3* database, const std::string& schema, const std::string& table, Use use)
-    : database_(database) {
+StoredRows::StoredRows(sqlite3* database, const Table& table, Use use) : database_(database) {
+  std::vector<const char*> columns;
+  for (const TableColumn& column : table.columns)
+    columns.push_back(column.name.c_str());
+  const quillon_table known = {table.schema.c_str(), table.stored.c_str(), columns.data(),
+                               static_cast<int>(columns.size()), table.rowidColumn};
   quillon_records* opened = nullptr;
-  const int result = quillon_records_open(database, schema.c_str(), table.c_str(), use == Use::write ? 1 : 0, &opened);
+  const int result = quillon_records_open(database, &known, use == Use::write ? 1 : 0, &opened);
   records_.reset(opened);
   if (result != SQLITE_MISMATCH) check(result);
 }

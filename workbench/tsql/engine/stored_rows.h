@@ -3,9 +3,9 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
 
+#include "workbench/tsql/binding/stored_tables.h"
 #include "workbench/tsql/records/sqlite_records.h"
 
 struct sqlite3;
@@ -15,9 +15,10 @@ namespace quillon::tsql {
 class StoredRows {
  public:
   enum class Use { read, write };
-  // Within a savepoint, which ends after the object. `schema` and `table` are SQLite's names. Throws SqlError.
-  StoredRows(sqlite3* database, const std::string& schema, const std::string& table, Use use);
-  // False: the table is none whose rows are their records alone, and nothing else may be called.
+  // Within a savepoint, which ends after the object. Throws SqlError.
+  StoredRows(sqlite3* database, const Table& table, Use use);
+  // False: the table is none whose rows are their records alone, or the file has another of that name by now. Nothing else
+  // may be called then.
   explicit operator bool() const { return records_ != nullptr; }
 
   // The record of the row with that number, until the next call or change of the table; empty: there is none.

@@ -21,14 +21,24 @@ static int isPlain(Table* table, int writes) {
   return !writes || (table->pIndex == 0 && table->pTrigger == 0);
 }
 
-int quillon_records_open(sqlite3* database, const char* schema, const char* name, int writes,
-                         quillon_records** records) {
-  Table* const table = sqlite3FindTable(database, name, schema);
+static int isSame(const Table* table, const quillon_table* known) {
+  int i;
+  if (table->nCol != known->count || table->iPKey != known->number_column) return 0;
+  for (i = 0; i < known->count; ++i) {
+    if (strcmp(table->aCol[i].zCnName, known->columns[i]) != 0) return 0;
+  }
+  return 1;
+}
+
+int quillon_records_open(sqlite3* database, const quillon_table* known, int writes, quillon_records** records) {
+  Table* const table = sqlite3FindTable(database, known->name, known->schema);
   quillon_records* made;
   Btree* tree;
   int result, version;
   *records = 0;
-  if (table == 0 || !isPlain(table, writes) || ENC(database) != SQLITE_UTF8) return SQLITE_MISMATCH;
+  if (table == 0 || !isPlain(table, writes) || !isSame(table, known) || ENC(database) != SQLITE_UTF8) {
+    return SQLITE_MISMATCH;
+  }
   tree = database->aDb[sqlite3SchemaToIndex(database, table->pSchema)].pBt;
   if (tree == 0 || database->autoCommit) return told(database, SQLITE_MISUSE);
   /* Also where the file is written already: the savepoints that have begun since are told to it. */

@@ -15,16 +15,24 @@ extern "C" {
 
 typedef struct quillon_records quillon_records;
 
-/* Opens a table of the schema ("main", "temp", ..) by its stored name, to be read or, with `writes`, to be read and
-   written, within an open transaction or savepoint. They are closed before that ends. A column that is the row's number is
-   null in a record; who writes rows of a table that counts them looks after the counter.
+/* A table as whoever opens it knows it. */
+typedef struct quillon_table {
+  const char* schema; /* "main", "temp", .. */
+  const char* name;
+  const char* const* columns; /* their names */
+  int count;                  /* of the columns */
+  int number_column;          /* the column that is the row's number; -1: none is */
+} quillon_table;
+
+/* Opens a table to be read or, with `writes`, to be read and written, within an open transaction or savepoint. They are closed
+   before that ends. A column that is the row's number is null in a record; who writes rows of a table that counts them looks
+   after the counter.
 
    Gives a code of SQLite: SQLITE_OK, and `*records` is to be closed; SQLITE_MISMATCH when the table is not of the plain
    kind whose rows are their records alone, with texts in UTF-8 (a view, a virtual table, generated columns, no row
-   numbers; when written also an index or a trigger), or another connection has changed the schema since it was read; any other is an error, which the
-   connection has, too. */
-int quillon_records_open(sqlite3* database, const char* schema, const char* table, int writes,
-                         quillon_records** records);
+   numbers; when written also an index or a trigger), when it is another than the one that is known, or when another
+   connection has changed the schema since it was read; any other is an error, which the connection has, too. */
+int quillon_records_open(sqlite3* database, const quillon_table* table, int writes, quillon_records** records);
 void quillon_records_close(quillon_records* records);
 
 /* The record of the row with that number. `*data` is null when there is no such row, and lasts until the next call for
