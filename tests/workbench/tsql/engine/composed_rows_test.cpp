@@ -105,6 +105,18 @@ class ComposedRows : public ::testing::Test {
   void makeTargets() { makeTargets(std::string(lineColumns) + targetColumns); }
   void dropTargets() { connection_->execute("Drop Table Made; Drop Table Stored"); }
 
+  // The statement with the table's name for TARGET.
+  static std::string named(std::string statement, const std::string& table) {
+    const std::string target = "TARGET";
+    for (std::size_t at = statement.find(target); at != std::string::npos; at = statement.find(target, at))
+      statement.replace(at, target.size(), table);
+    return statement;
+  }
+  void executeOnBoth(const std::string& statement) {
+    connection_->execute(named(statement, "Made"));
+    connection_->execute(named(statement, "Stored"));
+  }
+
   // The road that the statement took.
   Road road(const std::string& statement) {
     const sqlite3_int64 before = sqlite3_total_changes64(connection_->handle());
@@ -327,9 +339,8 @@ TEST_F(ComposedRows, WithColumnsLeftOutAreTheSame) {
 
 TEST_F(ComposedRows, WithDefaultsAndCountersAreTheSame) {
   makeTargets(std::string(lineColumns) + ", name nvarchar(40) default N'given', n int identity(5,1))");
-  const std::string list = "(id, place, kind, a, b, c, d, e, f, g, h, i, j, k) ";
-  for (const std::string& table : {std::string("Made"), std::string("Stored")})
-    connection_->execute("Insert Into " + table + list + "Select " + copied + " From Line l Where l.b = 1");
+  executeOnBoth(std::string("Insert Into TARGET (id, place, kind, a, b, c, d, e, f, g, h, i, j, k) Select ") + copied +
+                " From Line l Where l.b = 1");
   expectSameRows("with an identity");
 }
 
@@ -460,10 +471,8 @@ TEST_F(ComposedRows, OfLongTextsAreTheSame) {
   EXPECT_TRUE(road("Insert Into Made " + query) == Road::composed);
   connection_->execute("Insert Into Stored " + query);
   expectSameRows("of look-ups");
-  for (const char* const table : {"Made", "Stored"}) {
-    connection_->execute(std::string("Insert Into ") + table + " Select * From " + table + " Where n > 2");
-    connection_->execute(std::string("Insert Into ") + table + " Select * From " + table);
-  }
+  executeOnBoth("Insert Into TARGET Select * From TARGET Where n > 2");
+  executeOnBoth("Insert Into TARGET Select * From TARGET");
   expectSameRows("of rows on several pages");
 }
 
@@ -472,11 +481,11 @@ TEST_F(ComposedRows, GoOnWithAnIndexThatComesAndGoes) {
   connection_->execute("Drop Index ix On Stored");
   const std::string query = lines("p.name, 1, Null, Null", "Left Join Place p On p.code = l.place Where l.b = 1");
   for (const char* const table : {"Made", "Stored"}) {
-    const std::string insert = std::string("Insert Into ") + table + ' ' + query;
+    const std::string insert = named("Insert Into TARGET " + query, table);
     EXPECT_TRUE(road(insert) == Road::composed);
-    connection_->execute(std::string("Create Index later On ") + table + " (id)");
+    connection_->execute(named("Create Index later On TARGET (id)", table));
     EXPECT_TRUE(road(insert) == Road::sqlite);
-    connection_->execute(std::string("Drop Index later On ") + table);
+    connection_->execute(named("Drop Index later On TARGET", table));
     EXPECT_TRUE(road(insert) == Road::composed);
   }
   expectSameRows(query);
@@ -505,12 +514,11 @@ TEST_F(ComposedRows, AreAddedWhileTheirTableIsRead) {
 TEST_F(ComposedRows, OfTheTableItselfAreTheSame) {
   for (const char* const rest : {"", " Where h = 1", " Where id > 100 Or b Is Null"}) {
     makeTargets();
-    for (const std::string& table : {std::string("Made"), std::string("Stored")}) {
-      connection_->execute("Insert Into " + table + ' ' + lines("l.a, l.b, Null, l.e", "Where l.id % 3 = 0"));
-      for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(road("Insert Into " + table + " Select * From " + table + rest),
-                  table == "Made" ? Road::composed : Road::sqlite);
-      }
+    executeOnBoth("Insert Into TARGET " + lines("l.a, l.b, Null, l.e", "Where l.id % 3 = 0"));
+    const std::string doubled = std::string("Insert Into TARGET Select * From TARGET") + rest;
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_TRUE(road(named(doubled, "Made")) == Road::composed) << rest;
+      EXPECT_TRUE(road(named(doubled, "Stored")) == Road::sqlite) << rest;
     }
     expectSameRows(rest);
     dropTargets();
@@ -519,15 +527,12 @@ TEST_F(ComposedRows, OfTheTableItselfAreTheSame) {
 
 TEST_F(ComposedRows, ThatDependOnTheTableItselfAreTheSame) {
   makeTargets();
-  for (const std::string& table : {std::string("Made"), std::string("Stored")}) {
-    connection_->execute("Insert Into " + table + ' ' + lines("l.a, l.b, Null, l.e", "Where l.id % 3 = 0"));
-    const std::string into = "Insert Into " + table + ' ';
-    connection_->execute(into + "Select * From " + table + " Where id >= (Select Max(id) From " + table + ") - 20");
-    connection_->execute(into + lines("Null, Null, Null, Null", "Where Not l.id In (Select id From " + table + ")"));
-    connection_->execute(into + "Select t.* From " + table + " t Inner Join " + table + " o On o.id = t.kind");
-    connection_->execute(into + "Select Top 5 * From " + table + " Order By id Desc, k");
-    connection_->execute(into + "Select t.* From " + table + " t, Grp g Where g.id = t.b");
-  }
+  executeOnBoth("Insert Into TARGET " + lines("l.a, l.b, Null, l.e", "Where l.id % 3 = 0"));
+  executeOnBoth("Insert Into TARGET Select * From TARGET Where id >= (Select Max(id) From TARGET) - 20");
+  executeOnBoth("Insert Into TARGET " + lines("Null, Null, Null, Null", "Where Not l.id In (Select id From TARGET)"));
+  executeOnBoth("Insert Into TARGET Select t.* From TARGET t Inner Join TARGET o On o.id = t.kind");
+  executeOnBoth("Insert Into TARGET Select Top 5 * From TARGET Order By id Desc, k");
+  executeOnBoth("Insert Into TARGET Select t.* From TARGET t, Grp g Where g.id = t.b");
   expectSameRows("of the table itself");
 }
 
@@ -570,18 +575,18 @@ TEST_F(ComposedRows, ThatAreRefusedLeaveNothing) {
 
 TEST_F(ComposedRows, WithOtherConstantsAreTheSame) {
   makeTargets();
-  for (const std::string& table : {std::string("Made"), std::string("Stored")}) {
-    for (int n = 0; n < 6; ++n) {
-      const std::string number = std::to_string(n);
-      const std::string name = n % 2 == 0 ? "N'even'" : "N'odd'";
-      connection_->execute("Insert Into " + table + ' ' +
-                           lines(name + ", " + number + ", Null, p.share",
-                                 "Left Join Place p On p.code = l.place Where l.b = " + std::to_string(n % 3) +
-                                     " And l.id > " + std::to_string(n * 10)));
-      connection_->execute(
-          "Insert Into " + table + ' ' +
-          lines("p.name, " + number + ", Null, Null", "Left Join Place p On p.code = l.place And p.grp > " + number));
-    }
+  const auto withItems = [](int n) {
+    return lines((n % 2 == 0 ? "N'even', " : "N'odd', ") + std::to_string(n) + ", Null, p.share",
+                 "Left Join Place p On p.code = l.place Where l.b = " + std::to_string(n % 3) + " And l.id > " +
+                     std::to_string(n * 10));
+  };
+  const auto withConditions = [](int n) {
+    return lines("p.name, " + std::to_string(n) + ", Null, Null",
+                 "Left Join Place p On p.code = l.place And p.grp > " + std::to_string(n));
+  };
+  for (int n = 0; n < 6; ++n) {
+    executeOnBoth("Insert Into TARGET " + withItems(n));
+    executeOnBoth("Insert Into TARGET " + withConditions(n));
   }
   expectSameRows("with other constants");
 }
@@ -619,19 +624,13 @@ class ComposedUpdates : public ComposedRows {
  protected:
   ComposedUpdates() {
     makeTargets();
-    for (const std::string& table : {std::string("Made"), std::string("Stored")}) {
-      connection_->execute("Insert Into " + table + ' ' + lines("N'old', 0, Null, Null", ", Grp g, Grp h"));
-    }
+    executeOnBoth("Insert Into TARGET " + lines("N'old', 0, Null, Null", ", Grp g, Grp h"));
   }
   void expectSameUpdate(const std::string& update, Road expected = Road::composed) {
-    const auto of = [&](const std::string& table) {
-      std::string statement = update;
-      return statement.replace(statement.find("TARGET"), 6, table);
-    };
-    const Road taken = road(of("Made"));
+    const Road taken = road(named(update, "Made"));
     const std::int64_t made = affected_;
     EXPECT_EQ(taken, expected) << update;
-    EXPECT_EQ(road(of("Stored")), Road::sqlite) << update;
+    EXPECT_EQ(road(named(update, "Stored")), Road::sqlite) << update;
     EXPECT_EQ(made, affected_) << update;
     expectSameRows(update);
   }
@@ -662,11 +661,12 @@ TEST_F(ComposedUpdates, ToLongerRowsGiveTheSameRows) {
 TEST_F(ComposedUpdates, ThatAreRefusedLeaveTheRowsAsTheyWere) {
   const std::vector<std::string> before = stored("main.Made");
   connection_->execute("Insert Into Loose Values (N'c c', N'" + std::string(20, 'l') + "', 1)");
-  for (const std::string& table : {std::string("Made"), std::string("Stored")}) {
-    EXPECT_EQ(errorOf("Update t Set a = o.name From " + table + " t Inner Join Loose o On o.code = t.place"), 2628);
-    EXPECT_EQ(errorOf("Update t Set kind = o.big From " + table +
-                      " t Inner Join (Select id, 5000000000 big From Grp) o On o.id = t.kind"),
-              8115);
+  const std::string tooLong = "Update t Set a = o.name From TARGET t Inner Join Loose o On o.code = t.place";
+  const std::string tooLarge =
+      "Update t Set kind = o.big From TARGET t Inner Join (Select id, 5000000000 big From Grp) o On o.id = t.kind";
+  for (const char* const table : {"Made", "Stored"}) {
+    EXPECT_EQ(errorOf(named(tooLong, table)), 2628) << table;
+    EXPECT_EQ(errorOf(named(tooLarge, table)), 8115) << table;
   }
   EXPECT_EQ(stored("main.Made"), before);
   EXPECT_EQ(stored("main.Stored"), before);
@@ -675,30 +675,28 @@ TEST_F(ComposedUpdates, ThatAreRefusedLeaveTheRowsAsTheyWere) {
 TEST_F(ComposedUpdates, OfATableThatCountsGiveTheSameRows) {
   dropTargets();
   makeTargets("id int identity(1,1), place nvarchar(10), kind int, name nvarchar(40) not null, n int)");
-  for (const std::string& table : {std::string("Made"), std::string("Stored")}) {
-    connection_->execute("Insert Into " + table +
-                         " (place, kind, name, n) Select l.place, l.kind, N'old', l.b From Line l, Grp g, Grp h");
-    connection_->execute("Delete " + table + " Where id % 7 = 0");
-  }
+  executeOnBoth(
+      "Insert Into TARGET (place, kind, name, n) Select l.place, l.kind, N'old', l.b From Line l, Grp g, Grp h");
+  executeOnBoth("Delete TARGET Where id % 7 = 0");
   expectSameUpdate("Update t Set n = p.grp From TARGET t Inner Join Place p On p.code = t.place");
   // SQLite says that the name may not be null.
-  for (const std::string& table : {std::string("Made"), std::string("Stored")})
-    EXPECT_EQ(errorOf("Update t Set name = p.name From " + table + " t Inner Join Place p On p.code = t.place"), 515);
+  const std::string refused = "Update t Set name = p.name From TARGET t Inner Join Place p On p.code = t.place";
+  EXPECT_EQ(errorOf(named(refused, "Made")), 515);
+  EXPECT_EQ(errorOf(named(refused, "Stored")), 515);
   expectSameUpdate("Update t Set name = IsNull(p.name, N'none') From TARGET t Inner Join Place p On p.code = t.place");
-  for (const std::string& table : {std::string("Made"), std::string("Stored")})
-    connection_->execute("Insert Into " + table + " (place, kind, name, n) Values (N'next', 1, N'next', 1)");
+  executeOnBoth("Insert Into TARGET (place, kind, name, n) Values (N'next', 1, N'next', 1)");
   expectSameRows("the next number");
 }
 
 TEST_F(ComposedUpdates, WithOtherConstantsGiveTheSameRows) {
-  for (int n = 0; n < 4; ++n) {
+  const auto update = [](int n) {
     const std::string number = std::to_string(n);
-    for (const std::string& table : {std::string("Made"), std::string("Stored")}) {
-      connection_->execute("Update t Set name = g.name, n = " + number + " From " + table +
-                           " t Inner Join Grp g On g.id = t.kind Where t.b = " + std::to_string(n % 3) +
-                           " And g.parent > " + number);
-    }
-  }
+    return "Update t Set name = g.name, n = " + number +
+           " From TARGET t Inner Join Grp g On g.id = t.kind Where t.b = " + std::to_string(n % 3) +
+           " And g.parent > " + number;
+  };
+  for (int n = 0; n < 4; ++n)
+    executeOnBoth(update(n));
   expectSameRows("with other constants");
 }
 

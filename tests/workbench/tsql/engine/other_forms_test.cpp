@@ -129,9 +129,9 @@ class WideGroupings : public ::testing::Test {
     }
   }
   static std::vector<Member> aloneUpTo(int count) {
-    std::vector<Member> members;
+    std::vector<Member> members(static_cast<std::size_t>(count));
     for (int key = 0; key < count; ++key)
-      members.push_back({.key = key});
+      members[static_cast<std::size_t>(key)].key = key;
     return members;
   }
   // How many groups SQLite's own statement stores; the others are composed.

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 #include <random>
@@ -114,29 +115,29 @@ TEST_F(Records, OfOneValueAreThoseOfSqlite) {
 
 // Where a column is declared to have floating-point numbers, SQLite keeps whole ones as integers.
 TEST_F(Records, OfFloatingPointColumnsAreThoseOfSqlite) {
-  for (const std::string number : {"0.0",
-                                   "-0.0",
-                                   "1.0",
-                                   "-1.0",
-                                   "2.0",
-                                   "127.0",
-                                   "-128.0",
-                                   "128.0",
-                                   "0.5",
-                                   "1e10",
-                                   "-1e14",
-                                   "140737488355327.0",
-                                   "140737488355328.0",
-                                   "-140737488355328.0",
-                                   "-140737488355329.0",
-                                   "9007199254740993.0",
-                                   "1e18",
-                                   "9223372036854775807.0",
-                                   "1e300",
-                                   "9e999",
-                                   "-9e999",
-                                   "1e-320",
-                                   "NULL"}) {
+  for (const std::string& number : std::initializer_list<std::string>{"0.0",
+                                                                      "-0.0",
+                                                                      "1.0",
+                                                                      "-1.0",
+                                                                      "2.0",
+                                                                      "127.0",
+                                                                      "-128.0",
+                                                                      "128.0",
+                                                                      "0.5",
+                                                                      "1e10",
+                                                                      "-1e14",
+                                                                      "140737488355327.0",
+                                                                      "140737488355328.0",
+                                                                      "-140737488355328.0",
+                                                                      "-140737488355329.0",
+                                                                      "9007199254740993.0",
+                                                                      "1e18",
+                                                                      "9223372036854775807.0",
+                                                                      "1e300",
+                                                                      "9e999",
+                                                                      "-9e999",
+                                                                      "1e-320",
+                                                                      "NULL"}) {
     runSqlite(database_, "DROP TABLE IF EXISTS t; CREATE TABLE t (c REAL); INSERT INTO t VALUES (" + number + ")");
     Prepared value(database_, "SELECT " + number);
     ASSERT_TRUE(value.step());
@@ -149,7 +150,8 @@ TEST_F(Records, OfFloatingPointColumnsAreThoseOfSqlite) {
 
 // A text of 57 bytes is the longest, one of 58 the shortest whose type has two bytes; the types of two bytes end at 8,185.
 TEST_F(Records, OfTextsAndBytesOfAllLengthsAreThoseOfSqlite) {
-  for (const std::size_t length : {0, 1, 56, 57, 58, 59, 500, 4000, 5000, 8184, 8185, 8186, 8187, 20'000, 1'100'000}) {
+  for (const std::size_t length : std::initializer_list<std::size_t>{0, 1, 56, 57, 58, 59, 500, 4000, 5000, 8184, 8185,
+                                                                     8186, 8187, 20'000, 1'100'000}) {
     expectAsStored({text(length)});
     expectAsStored({"CAST(" + text(length) + " AS BLOB)"});
     expectAsStored({"7", text(length), "NULL", text(length), "-300"});
@@ -159,7 +161,7 @@ TEST_F(Records, OfTextsAndBytesOfAllLengthsAreThoseOfSqlite) {
 
 // The header's length counts its own bytes: 127 is the greatest of one byte, 16,383 that of two.
 TEST_F(Records, OfManyColumnsAreThoseOfSqlite) {
-  for (const std::size_t count : {2, 100, 125, 126, 127, 128, 200, 1000}) {
+  for (const std::size_t count : std::initializer_list<std::size_t>{2, 100, 125, 126, 127, 128, 200, 1000}) {
     std::vector<std::string> values;
     for (std::size_t i = 0; i < count; ++i)
       values.push_back(i % 3 == 0 ? "NULL" : std::to_string(i * i));
@@ -174,7 +176,7 @@ TEST_F(Records, OfManyColumnsAreThoseOfSqlite) {
 TEST_F(Records, OfAHeaderWhoseLengthHasThreeBytesAreRead) {
   RecordBuilder builder;
   RecordFields fields;
-  for (const std::size_t count : {16'381, 16'382, 16'383}) {
+  for (const std::size_t count : std::initializer_list<std::size_t>{16'381, 16'382, 16'383}) {
     builder.clear();
     builder.addNulls(count);
     fields.read(builder.record());

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <random>
 #include <string>
@@ -111,7 +112,7 @@ TEST_F(RowsAsRecords, OfAnEmptyTableAreNone) {
 TEST_F(RowsAsRecords, ThatLieOnSeveralPagesAreReadWhole) {
   const std::string text(300'000, 'x');
   Prepared insert(database_, "INSERT INTO t VALUES (?1, ?2)");
-  for (const std::size_t length : {300'000, 10, 9'000, 250'000}) {
+  for (const std::size_t length : std::initializer_list<std::size_t>{300'000, 10, 9'000, 250'000}) {
     insert.bind(1, static_cast<std::int64_t>(length));
     insert.bind(2, std::string_view(text).substr(0, length));
     insert.step();
@@ -161,6 +162,7 @@ TEST_F(RowsAsRecords, OfAllLengthsAreWhatSqliteReadsAfterwards) {
     std::erase_if(texts, [round](const auto& row) { return row.first % 5 == round % 5; });
   }
   std::vector<std::string> expected;
+  expected.reserve(texts.size());
   for (const auto& [number, content] : texts)
     expected.push_back(std::to_string(number) + ':' + std::to_string(number) + ':' + content);
   EXPECT_EQ(rows(), expected);
@@ -302,7 +304,7 @@ TEST_F(RowsAsRecords, AreRefusedWhereTheFileMayOnlyBeRead) {
     count.step();
     EXPECT_TRUE(StoredRows(reader, "main", "t", Use::read));
     try {
-      StoredRows(reader, "main", "t", Use::write);
+      const StoredRows opened(reader, "main", "t", Use::write);
       ADD_FAILURE() << "it was opened";
     } catch (const SqlError& error) {
       EXPECT_EQ(error.number(), 3906);
