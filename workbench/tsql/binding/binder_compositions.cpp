@@ -191,8 +191,7 @@ std::vector<std::size_t> Binder::columnsOfKeys(const Core& core) {
     }
   }
   std::ranges::sort(columns);
-  const auto repeated = std::ranges::unique(columns);
-  columns.erase(repeated.begin(), repeated.end());
+  columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
   return columns;
 }
 

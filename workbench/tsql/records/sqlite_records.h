@@ -13,6 +13,7 @@
 extern "C" {
 #endif
 
+/* NOLINTBEGIN(readability-identifier-naming): names as SQLite's own interface has them. */
 typedef struct quillon_records quillon_records;
 
 /* A table as whoever opens it knows it. */
@@ -49,6 +50,7 @@ int quillon_records_write(quillon_records* records, sqlite3_int64 number, const 
 /* Whether statements that are prepared from now on may read an index that has all columns they need in place of its
    table; they may from the start. */
 void quillon_read_indexes_for_tables(sqlite3* database, int may);
+/* NOLINTEND(readability-identifier-naming) */
 
 #ifdef __cplusplus
 }
