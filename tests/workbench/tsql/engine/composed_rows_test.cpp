@@ -384,6 +384,46 @@ TEST_F(ComposedRows, OfQueriesPutTogetherAreTheSame) {
   expectSame(lines("(Select Max(name) From Grp g Where g.id = l.kind), l.b, Null, Null", ""));
 }
 
+// Of an index that has all that a composition asks for, SQLite would read the rows in another order.
+TEST_F(ComposedRows, OfATableWithIndexesComeInTheSameOrder) {
+  connection_->execute(
+      "Create Index ixk On Line (kind); Create Index ixr On Line (rank); Create Index ixb On Line (b, kind, place)");
+  for (const char* const rest : {"Where l.kind = 3", "Where l.kind > 2 And l.b = 1", "Where l.b = 1",
+                                 "Where l.rank < 50", "Where l.kind = 1 Or l.b = 2", "Order By l.rank",
+                                 "Where l.b > 0 Order By l.rank Desc", "Where l.b In (0, 2) And l.kind In (1, 4)",
+                                 "Where l.kind = 3 Order By IsNull(l.b, 9)", "Where l.kind Is Null"}) {
+    expectSame(lines("Null, 1, Null, Null", rest));
+    expectSame(lines("g.name, p.grp, Null, Null",
+                     std::string("Left Join Place p On p.code = l.place Left Join Grp g On g.id = p.grp ") + rest));
+  }
+}
+
+TEST_F(ComposedRows, WithJoinsThatMultiplyTheRowsAreTheSame) {
+  const std::string place = "Left Join Place p On p.code = l.place ";
+  expectSame(lines("g.name, g.parent, Null, Null", "Inner Join Grp g On g.id = l.kind Order By l.rank"));
+  expectSame(lines("Null, 3, Null, Null", place + "Left Join Pair q On q.x = p.code"));
+  expectSame(lines("Null, p.grp, Null, Null", place + "Left Join Pair q On q.x = p.code"), Road::sqlite);
+  expectSame(lines("Null, 3, Null, Null", place + "Left Join Grp g On g.id = g.parent And p.grp = 1"));
+  expectSame(lines("Null, 3, Null, Null", "Left Join Pair q On q.x = l.a And q.y = q.q - 10"));
+  expectSame(lines("Null, 3, Null, Null", "Left Join Pair q On q.x = q.name Or q.y = l.b"));
+  expectSame(lines("Null, 3, Null, Null", "Left Join Place p On p.code = p.name Left Join Grp g On g.id = l.kind"));
+  expectSame(lines("p.name, 3, Null, Null", "Left Join Place p On p.code = N'a'"));
+}
+
+TEST_F(ComposedRows, WithViewsNamesAndQueriesOfAllKindsAreTheSame) {
+  connection_->execute("Create View Places As Select code, name, grp From Place Where grp > 0");
+  expectSame(
+      lines("v.name, g.parent, Null, Null", "Left Join Places v On v.code = l.place Left Join Grp g On g.id = v.grp"));
+  expectSame(lines("[odd \"p].name, 3, Null, Null", "Left Join Place [odd \"p] On [odd \"p].code = l.place"));
+  const std::string place = "Left Join Place p On p.code = l.place ";
+  expectSame(lines("p.name, p.grp, Null, Null", place + "Where Not Exists (Select 1 From Pair q Where q.x = p.code)"));
+  expectSame(lines("p.name, p.grp, Null, Null",
+                   place + "Where l.kind Not In (Select grp From Place p Where grp Is Not Null)"));
+  expectSame(lines("Left(p.name, 2), Case When Exists (Select 1 From Pair q Where q.x = p.code) Then 1 End, Null, Null",
+                   place));
+  expectSame(lines("p.name, Len(p.name), Null, Null", place));
+}
+
 TEST_F(ComposedRows, MakeTheSameNewTable) {
   const std::string from =
       " From Line l Left Join Place p On p.code = l.place Left Join Grp g On g.id = p.grp Order By l.rank";
