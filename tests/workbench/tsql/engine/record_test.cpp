@@ -187,25 +187,26 @@ TEST_F(Records, OfAHeaderWhoseLengthHasThreeBytesAreRead) {
 
 TEST_F(Records, AreThoseOfSqliteForRandomValues) {
   std::mt19937_64 random(3);
+  const auto below = [&](unsigned limit) { return static_cast<std::size_t>(random() % limit); };
   for (int row = 0; row < 300; ++row) {
     std::vector<std::string> values;
-    for (std::size_t left = 1 + random() % 40; left > 0; --left) {
-      switch (random() % 5) {
+    for (std::size_t left = 1 + below(40); left > 0; --left) {
+      switch (below(5)) {
         case 0:
           values.emplace_back("NULL");
           break;
         case 1:
-          values.push_back(std::to_string(static_cast<std::int64_t>(random()) >> (random() % 64)));
+          values.push_back(std::to_string(static_cast<std::int64_t>(random()) >> below(64)));
           if (values.back() == "-9223372036854775808") values.back() = "0";
           break;
         case 2:
-          values.push_back(text(random() % 200));
+          values.push_back(text(below(200)));
           break;
         case 3:
-          values.push_back("randomblob(" + std::to_string(1 + random() % 200) + ")");
+          values.push_back("randomblob(" + std::to_string(1 + below(200)) + ")");
           break;
         default:
-          values.push_back(std::to_string(static_cast<double>(random() % 100'000) / 7));
+          values.push_back(std::to_string(static_cast<double>(below(100'000)) / 7));
       }
     }
     expectAsStored(values);
