@@ -335,6 +335,8 @@ TEST_F(WideGroupings, FindTheRowsThatAreAlikeToTheLastByte) {
   Table table;
   table.schema = "main";
   table.stored = "Wide";
+  for (const std::string& name : names_)
+    table.columns.emplace_back().name = name;
   grouping.table = std::make_shared<const Table>(table);
   grouping.columns = {0, 1, 2};
   LoneRows rows;

@@ -44,6 +44,15 @@ class Records : public ::testing::Test {
     return list;
   }
 
+  static Table table(const std::string& before, std::size_t count) {
+    Table result;
+    result.schema = "main";
+    result.stored = "t";
+    for (std::size_t i = 0; i < count; ++i)
+      result.columns.emplace_back().name = before + std::to_string(i);
+    return result;
+  }
+
   // What SQLite stores for a row of these values, which are expressions of its SQL.
   std::string stored(const std::vector<std::string>& values) {
     std::string list;
@@ -52,7 +61,7 @@ class Records : public ::testing::Test {
     runSqlite(database_, "DROP TABLE IF EXISTS t; CREATE TABLE t (" + columns(values.size()) +
                              "); INSERT INTO t VALUES (" + list + ")");
     const Savepoint savepoint(database_);
-    StoredRows rows(database_, "main", "t", StoredRows::Use::read);
+    StoredRows rows(database_, table("c", values.size()), StoredRows::Use::read);
     return std::string(rows.at(1));
   }
   // The record of the same values, taken from the row that was stored.
@@ -138,13 +147,13 @@ TEST_F(Records, OfFloatingPointColumnsAreThoseOfSqlite) {
                                                                       "-9e999",
                                                                       "1e-320",
                                                                       "NULL"}) {
-    runSqlite(database_, "DROP TABLE IF EXISTS t; CREATE TABLE t (c REAL); INSERT INTO t VALUES (" + number + ")");
+    runSqlite(database_, "DROP TABLE IF EXISTS t; CREATE TABLE t (c0 REAL); INSERT INTO t VALUES (" + number + ")");
     Prepared value(database_, "SELECT " + number);
     ASSERT_TRUE(value.step());
     RecordBuilder builder;
     builder.addReal(sqlite3_column_value(value.handle(), 0));
     const Savepoint savepoint(database_);
-    EXPECT_EQ(builder.record(), StoredRows(database_, "main", "t", StoredRows::Use::read).at(1)) << number;
+    EXPECT_EQ(builder.record(), StoredRows(database_, table("c", 1), StoredRows::Use::read).at(1)) << number;
   }
 }
 

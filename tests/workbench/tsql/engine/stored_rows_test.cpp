@@ -73,9 +73,23 @@ class RowsAsRecords : public ::testing::Test {
     Prepared check(database_, "PRAGMA " + schema + ".integrity_check");
     return check.step() ? check.text(0) : "";
   }
+  // The table as the catalog would know it.
+  static Table declared(const std::string& name, const std::string& schema = "main") {
+    static const std::map<std::string, std::vector<std::string>> others = {{"numberless", {"a", "b"}},
+                                                                           {"computed", {"a", "b"}},
+                                                                           {"indexed", {"a", "b"}},
+                                                                           {"watched", {"a"}},
+                                                                           {"keyed", {"a"}}};
+    Table table;
+    table.schema = schema;
+    table.stored = name;
+    for (const std::string& column : others.contains(name) ? others.at(name) : std::vector<std::string>{"n", "s"})
+      table.columns.emplace_back().name = column;
+    return table;
+  }
   bool opens(const std::string& table, Use use, const std::string& schema = "main") {
     const Savepoint savepoint(database_);
-    return static_cast<bool>(StoredRows(database_, schema, table, use));
+    return static_cast<bool>(StoredRows(database_, declared(table, schema), use));
   }
 
   const fs::path folder_ = fs::temp_directory_path() / "quillon_stored_rows_test";
@@ -87,7 +101,7 @@ TEST_F(RowsAsRecords, AreReadByTheirNumbers) {
             "INSERT INTO t(rowid, n, s) VALUES (1, 7, 'one'), (5, 8, 'five'), (-3, 9, 'less'), "
             "(9223372036854775807, 0, 'last')");
   const Savepoint savepoint(database_);
-  StoredRows rows(database_, "main", "t", Use::read);
+  StoredRows rows(database_, declared("t"), Use::read);
   ASSERT_TRUE(rows);
   EXPECT_EQ(rows.at(5), record(8, "five"));
   EXPECT_EQ(rows.at(1), record(7, "one"));
@@ -100,7 +114,7 @@ TEST_F(RowsAsRecords, AreReadByTheirNumbers) {
 
 TEST_F(RowsAsRecords, OfAnEmptyTableAreNone) {
   const Savepoint savepoint(database_);
-  StoredRows rows(database_, "main", "t", Use::write);
+  StoredRows rows(database_, declared("t"), Use::write);
   ASSERT_TRUE(rows);
   EXPECT_EQ(rows.last(), 0);
   EXPECT_EQ(rows.at(1), "");
@@ -119,7 +133,7 @@ TEST_F(RowsAsRecords, ThatLieOnSeveralPagesAreReadWhole) {
     insert.reset();
   }
   const Savepoint savepoint(database_);
-  StoredRows rows(database_, "main", "t", Use::read);
+  StoredRows rows(database_, declared("t"), Use::read);
   for (const std::int64_t number : {3, 1, 2, 4, 1}) {
     const std::int64_t length =
         std::vector<std::int64_t>{300'000, 10, 9'000, 250'000}[static_cast<std::size_t>(number - 1)];
@@ -139,7 +153,7 @@ TEST_F(RowsAsRecords, OfAllLengthsAreWhatSqliteReadsAfterwards) {
   for (int round = 0; round < 6; ++round) {
     Savepoint savepoint(database_);
     {
-      StoredRows rows(database_, "main", "t", Use::write);
+      StoredRows rows(database_, declared("t"), Use::write);
       ASSERT_TRUE(rows);
       std::int64_t last = rows.last();
       EXPECT_EQ(last, texts.empty() ? 0 : texts.rbegin()->first);
@@ -190,7 +204,7 @@ TEST_F(RowsAsRecords, AreReplacedWhileAQueryReadsThem) {
   Savepoint savepoint(database_);
   std::int64_t count = 0;
   {
-    StoredRows rows(database_, "main", "t", Use::write);
+    StoredRows rows(database_, declared("t"), Use::write);
     Prepared read(database_, "SELECT rowid, n FROM t");
     while (read.step()) {
       EXPECT_EQ(read.integer(1), ++count);
@@ -209,7 +223,7 @@ TEST_F(RowsAsRecords, OfTemporaryTablesAndOtherSchemasAreWritten) {
   for (const auto& [schema, table] : {std::pair{"temp", "own"}, {"other", "t"}, {"main", "t"}}) {
     Savepoint savepoint(database_);
     {
-      StoredRows rows(database_, schema, table, Use::write);
+      StoredRows rows(database_, declared(table, schema), Use::write);
       ASSERT_TRUE(rows) << schema;
       rows.add(3, record(30, schema));
       rows.add(4, record(40, table));
@@ -226,7 +240,7 @@ TEST_F(RowsAsRecords, AreUndoneWithTheirSavepoint) {
   runSqlite(database_, "INSERT INTO t VALUES (1, 'stays')");
   {
     const Savepoint undone(database_);
-    StoredRows rows(database_, "main", "t", Use::write);
+    StoredRows rows(database_, declared("t"), Use::write);
     rows.replace(1, record(2, std::string(9000, 'z')));
     for (std::int64_t number = 2; number < 500; ++number)
       rows.add(number, record(number, std::string(static_cast<std::size_t>(number), 'z')));
@@ -238,12 +252,12 @@ TEST_F(RowsAsRecords, AreUndoneWithTheirSavepoint) {
     runSqlite(database_, "INSERT INTO t VALUES (2, 'too')");
     {
       const Savepoint undone(database_);
-      StoredRows rows(database_, "main", "t", Use::write);
+      StoredRows rows(database_, declared("t"), Use::write);
       rows.replace(2, record(0, "gone"));
       rows.add(3, record(0, "gone"));
     }
     {
-      StoredRows rows(database_, "main", "t", Use::write);
+      StoredRows rows(database_, declared("t"), Use::write);
       rows.add(3, record(3, "three"));
     }
     runSqlite(database_, "INSERT INTO t VALUES (4, 'four')");
@@ -288,9 +302,35 @@ TEST_F(RowsAsRecords, AreNoneWhereAnotherConnectionHasChangedTheSchema) {
   EXPECT_FALSE(opens("t", Use::write)) << "there is an index now";
 }
 
+TEST_F(RowsAsRecords, OfATableThatIsAnotherByNowAreNone) {
+  const Savepoint savepoint(database_);
+  Table fewer = declared("t"), renamed = fewer, numbered = fewer;
+  fewer.columns.pop_back();
+  renamed.columns[1].name = "other";
+  numbered.rowidColumn = 0;
+  for (const Table& table : {fewer, renamed, numbered})
+    EXPECT_FALSE(StoredRows(database_, table, Use::read));
+  EXPECT_TRUE(StoredRows(database_, declared("t"), Use::read));
+}
+
+TEST_F(RowsAsRecords, OfATableWhoseKeyIsTheNumberHaveNullThere) {
+  runSqlite(database_,
+            "DROP TABLE t; CREATE TABLE t (n INTEGER, s TEXT, PRIMARY KEY (n)); INSERT INTO t VALUES (7, 'x')");
+  EXPECT_FALSE(opens("t", Use::read));
+  Table keyed = declared("t");
+  keyed.rowidColumn = 0;
+  const Savepoint savepoint(database_);
+  StoredRows rows(database_, keyed, Use::read);
+  ASSERT_TRUE(rows);
+  RecordFields fields;
+  fields.read(rows.at(7));
+  EXPECT_TRUE(fields.isNull(0));
+  EXPECT_FALSE(fields.isNull(1));
+}
+
 TEST_F(RowsAsRecords, AreRefusedOutsideOfSavepoints) {
   for (const Use use : {Use::read, Use::write})
-    EXPECT_THROW(StoredRows(database_, "main", "t", use), SqlError);
+    EXPECT_THROW(StoredRows(database_, declared("t"), use), SqlError);
   EXPECT_TRUE(opens("t", Use::write)) << "the connection goes on";
 }
 
@@ -302,9 +342,9 @@ TEST_F(RowsAsRecords, AreRefusedWhereTheFileMayOnlyBeRead) {
     const Savepoint savepoint(reader);
     Prepared count(reader, "SELECT count(*) FROM t");
     count.step();
-    EXPECT_TRUE(StoredRows(reader, "main", "t", Use::read));
+    EXPECT_TRUE(StoredRows(reader, declared("t"), Use::read));
     try {
-      const StoredRows opened(reader, "main", "t", Use::write);
+      const StoredRows opened(reader, declared("t"), Use::write);
       ADD_FAILURE() << "it was opened";
     } catch (const SqlError& error) {
       EXPECT_EQ(error.number(), 3906);
@@ -318,8 +358,8 @@ TEST_F(RowsAsRecords, AreRefusedWhileAnotherConnectionWritesTheFile) {
   runSqlite(other, "BEGIN IMMEDIATE");
   {
     const Savepoint savepoint(database_);
-    EXPECT_TRUE(StoredRows(database_, "main", "t", Use::read));
-    EXPECT_THROW(StoredRows(database_, "main", "t", Use::write), FileBusy);
+    EXPECT_TRUE(StoredRows(database_, declared("t"), Use::read));
+    EXPECT_THROW(StoredRows(database_, declared("t"), Use::write), FileBusy);
   }
   runSqlite(other, "COMMIT");
   sqlite3_close(other);
