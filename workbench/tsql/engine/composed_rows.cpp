@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 #include <string>
@@ -150,6 +151,17 @@ class Composer {
       source.rows.emplace(database, *described.table, StoredRows::Use::read);
       if (!*source.rows) return false;
     }
+    const auto need = [&](std::size_t source, std::size_t columns) {
+      sources_[source].columns = std::max(sources_[source].columns, columns);
+    };
+    for (const RowComposition::Piece& piece : composition_.pieces) {
+      if (piece.kind == RowComposition::Kind::fields) need(piece.source, piece.first + piece.count);
+    }
+    for (const RowComposition::Source& described : composition_.sources) {
+      for (const RowComposition::Key& key : described.keys) {
+        if (key.source) need(*key.source, key.column + 1);
+      }
+    }
     return true;
   }
 
@@ -197,6 +209,7 @@ class Composer {
     const RecordFields* row = nullptr;  // for the row that is made; null: none
     std::int64_t number = 0;            // its, in a table
     RecordFields fields;                // likewise
+    std::size_t columns = 0;            // how many of them are needed
   };
 
   // Both take their items, from `item` on.
@@ -212,7 +225,7 @@ class Composer {
     const std::string_view record = source.rows->at(number);
     source.row = nullptr;
     if (record.empty()) return false;
-    source.fields.read(record);
+    source.fields.read(record, source.columns);
     source.row = &source.fields;
     source.number = number;
     return true;
@@ -241,7 +254,13 @@ class Composer {
 // Puts rows of a table in the place of those that they are made of.
 class Replacer {
  public:
-  Replacer(const RowComposition& composition, Prepared& query) : composition_(composition), query_(query) {}
+  Replacer(const RowComposition& composition, Prepared& query) : composition_(composition), query_(query) {
+    std::size_t column = 0;
+    for (const RowComposition::Piece& piece : composition.pieces) {
+      column += piece.count;
+      if (piece.kind == RowComposition::Kind::value) looked_ = column;
+    }
+  }
   ~Replacer() { query_.reset(); }
   Replacer(const Replacer&) = delete;
   Replacer& operator=(const Replacer&) = delete;
@@ -274,20 +293,25 @@ class Replacer {
   bool write(StoredRows& table, std::int64_t number) {
     const std::string_view record = table.at(number);
     if (record.empty()) return false;
-    fields_.read(record);
+    // What follows the last new value is taken as it is.
+    fields_.read(record, looked_);
     newFields_.read(values_.record());
     row_.clear();
-    std::size_t value = 0;
+    std::size_t column = 0, value = 0;
     for (const RowComposition::Piece& piece : composition_.pieces) {
+      if (column == looked_) break;
       const bool isNew = piece.kind == RowComposition::Kind::value;
       row_.add(isNew ? newFields_ : fields_, isNew ? value++ : piece.first, piece.count);
+      column += piece.count;
     }
+    row_.addOthers(fields_);
     table.replace(number, row_.record());
     return true;
   }
 
   const RowComposition& composition_;
   Prepared& query_;
+  std::size_t looked_ = 0;      // the columns up to the last new value
   RecordBuilder values_, row_;  // the values for the row that was given last
   RecordFields fields_, newFields_;
 };

@@ -277,7 +277,7 @@ bool LoneRows::gather(sqlite3* database, const WideGrouping& grouping) {
   RecordFields fields;
   RecordBuilder key, leaderKey;
   const auto keyAt = [&](StoredRows& source, std::size_t row, RecordBuilder& taken) {
-    fields.read(source.at(first_ + static_cast<std::int64_t>(row)));
+    fields.read(source.at(first_ + static_cast<std::int64_t>(row)), grouping.columns.back() + 1);
     takeColumns(fields, grouping.columns, taken);
     return taken.record();
   };

@@ -55,7 +55,7 @@ std::uint64_t lengthOf(std::uint64_t type) {
 
 }  // namespace
 
-void RecordFields::read(std::string_view record) {
+void RecordFields::read(std::string_view record, std::size_t most) {
   record_ = record;
   std::size_t at = 0;
   const std::uint64_t header = varintAt(record, at);
@@ -64,7 +64,8 @@ void RecordFields::read(std::string_view record) {
   if (begins_.size() < header) begins_.resize(static_cast<std::size_t>(header));
   std::uint64_t value = header;
   count_ = 0;
-  while (at < header) {
+  header_ = static_cast<std::size_t>(header);
+  while (at < header && count_ < most) {
     begins_[count_++] = {.type = static_cast<std::uint32_t>(at), .value = static_cast<std::uint32_t>(value)};
     std::uint64_t type = static_cast<unsigned char>(record[at]);
     if (type < more) {
@@ -134,6 +135,11 @@ void RecordBuilder::add(const RecordFields& fields, std::size_t first, std::size
     values_ += fields.values(first, given);
   }
   addNulls(count - given);
+}
+
+void RecordBuilder::addOthers(const RecordFields& fields) {
+  types_ += fields.otherTypes();
+  values_ += fields.otherValues();
 }
 
 void RecordBuilder::addType(std::uint64_t type) {

@@ -17,19 +17,24 @@ namespace quillon::tsql {
 // Where the columns of a record lie in it.
 class RecordFields {
  public:
-  // The record stays where it is as long as its parts are asked for. Throws SqlError 824 when it is damaged.
-  void read(std::string_view record);
+  // The record stays where it is as long as its parts are asked for. `most`: how many columns of it are looked at. Throws
+  // SqlError 824 when these are damaged.
+  void read(std::string_view record, std::size_t most = SIZE_MAX);
 
-  std::size_t count() const { return count_; }
+  std::size_t count() const { return count_; }  // of those looked at
   bool isNull(std::size_t column) const { return column >= count() || record_[begins_[column].type] == 0; }
   // Gives the statement's parameter the value of the column.
   void bind(std::size_t column, sqlite3_stmt* statement, int parameter) const;
   // The types or the values of the columns from `first` on, as they lie in the record.
   std::string_view types(std::size_t first, std::size_t count) const;
   std::string_view values(std::size_t first, std::size_t count) const;
+  // Of the columns that were not looked at.
+  std::string_view otherTypes() const { return record_.substr(begins_[count_].type, header_ - begins_[count_].type); }
+  std::string_view otherValues() const { return record_.substr(begins_[count_].value); }
 
  private:
   std::string_view record_;
+  std::size_t header_ = 0;  // its length
   std::size_t count_ = 0;
   struct Begin {
     std::uint32_t type = 0, value = 0;
@@ -44,6 +49,8 @@ class RecordBuilder {
   void addNulls(std::size_t count);
   // Columns of another record. What it does not have is null.
   void add(const RecordFields& fields, std::size_t first, std::size_t count);
+  // The columns that were not looked at.
+  void addOthers(const RecordFields& fields);
   // An integer, a floating-point number, a text, bytes or null.
   void add(sqlite3_value* value);
   // The same in a column of floating-point numbers: there SQLite keeps a whole number as an integer of up to six bytes,

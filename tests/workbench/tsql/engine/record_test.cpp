@@ -123,6 +123,26 @@ TEST_F(Records, OfOneValueAreThoseOfSqlite) {
 }
 
 // Where a column is declared to have floating-point numbers, SQLite keeps whole ones as integers.
+TEST_F(Records, KeepTheColumnsThatAreNotLookedAt) {
+  const std::string record = stored({"7", "'text'", "NULL", "x'0102'", "2.5"});
+  RecordFields fields;
+  fields.read(record, 2);
+  EXPECT_EQ(fields.count(), 2U);
+  EXPECT_EQ(fields.values(1, 1), "text");
+  RecordBuilder builder;
+  builder.addNulls(1);
+  builder.add(fields, 1, 1);
+  builder.addOthers(fields);
+  EXPECT_EQ(builder.record(), stored({"NULL", "'text'", "NULL", "x'0102'", "2.5"}));
+  // There may be none.
+  fields.read(record, 9);
+  EXPECT_EQ(fields.count(), 5U);
+  builder.clear();
+  builder.add(fields, 0, 5);
+  builder.addOthers(fields);
+  EXPECT_EQ(builder.record(), record);
+}
+
 TEST_F(Records, OfFloatingPointColumnsAreThoseOfSqlite) {
   for (const std::string& number : std::initializer_list<std::string>{"0.0",
                                                                       "-0.0",
