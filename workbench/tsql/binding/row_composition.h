@@ -20,7 +20,8 @@ struct RowComposition {
     std::optional<std::size_t> source = {};
     std::size_t column = 0;
   };
-  // What is copied from: the rows of a table, by their numbers, or the row of a query that has one for the values of its parameters, which come again and again.
+  // What is copied from: the rows of a table, by their numbers, or the row of a query that has one for the values of its
+  // parameters, which come again and again.
   struct Source {
     std::shared_ptr<const Table> table;
     std::string lookUp;

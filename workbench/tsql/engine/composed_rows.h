@@ -12,11 +12,11 @@ struct sqlite3;
 
 namespace quillon::tsql {
 
-// Adds the composition's rows to the table, which its query does not read; gives how many they are. Nothing: the rows
-// cannot be made so, because the table has an index, or a value is none that lies in its column as it is; then nothing has
-// been added, and the statement is to be run by SQLite, which also says what is wrong where something is. `query` is the
-// composition's, with its parameters, and is reset afterwards. Runs within a savepoint. Throws SqlError, Stopped; then
-// that savepoint is to be undone.
+// Adds the composition's rows to the table, which its query does not read before it has read all; gives how many they are.
+// Nothing: the rows cannot be made so, because the table has an index, a value is none that lies in its column as it is, or
+// an error came; then nothing has been added, and the statement is to be run by SQLite, which also says what is wrong where
+// something is. `query` is the composition's, with its parameters, and is reset afterwards. Runs within a savepoint. Throws
+// Stopped, FileBusy, and SqlError where SQLite has undone the transaction.
 std::optional<std::int64_t> addComposedRows(sqlite3* database, const RowComposition& composition, Prepared& query,
                                             const Table& table);
 
