@@ -415,10 +415,11 @@ Binder::Core Binder::bindCore(const SelectCore& select, Scope* outer, bool ofLon
 RowOrdering::Key Binder::orderKey(const Expression& item, Core& core) {
   const auto position = [&](std::size_t index) -> RowOrdering::Key {
     const Fragment& value = core.items[index];
-    if (isWide(value)) return {.sql = sortKey(value), .output = index};
+    if (isWide(value)) return {.sql = sortKey(value), .output = index, .expression = sortKey(value)};
     const bool named = isText(value.type) && !value.isColumn;
     return {.sql = std::to_string(index + 1) + (named ? collated(value).substr(value.sql.size()) : ""),
-            .output = index};
+            .output = index,
+            .expression = sortKey(value)};
   };
   if (item.kind == ExpressionKind::literal && std::holds_alternative<std::int64_t>(item.literal)) {
     const std::int64_t number = std::get<std::int64_t>(item.literal);

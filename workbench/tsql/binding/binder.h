@@ -36,6 +36,7 @@ struct RowOrdering {
     std::string sql;  // an expression, or the number of an output column
     bool descending = false;
     std::optional<std::size_t> output = {};  // the output column, where it is one
+    std::string expression = {};             // then: the same without its number
   };
   std::vector<Key> keys;
   // Where in the text the select list ends, where From ends, and where " ORDER BY" stands, up to the end.

@@ -358,9 +358,38 @@ std::unique_ptr<Cursor> Executor::rowsOf(const Statement& statement) {
   return withWideningSums([&](bool exactSums) -> std::unique_ptr<Cursor> {
     Binder binder(catalog_, exactSums);
     const BoundQuery bound = binder.query(*statement.query);
-    if (isWidelyOrdered(bound)) return widelyOrderedRows(database_, bound, resultColumns(bound.columns));
-    return std::make_unique<SelectCursor>(database_, bound);
+    if (!isWidelyOrdered(bound)) return std::make_unique<SelectCursor>(database_, bound);
+    if (const auto shown = shownTable(*statement.query)) {
+      if (auto rows = rowsOfSmallTable(database_, bound, resultColumns(bound.columns), *shown)) return rows;
+    }
+    return widelyOrderedRows(database_, bound, resultColumns(bound.columns));
   });
+}
+
+std::optional<ShownTable> Executor::shownTable(const Query& query) const {
+  const SelectCore& select = *query.core;
+  if (select.from.size() != 1 || select.from[0]->left != nullptr || select.from[0]->derived != nullptr) return {};
+  const TableSource& source = *select.from[0];
+  ShownTable shown{.table = catalog_.table(source.table), .number = {}, .places = {}};
+  if (!shown.table || !shown.table->hasRowid()) return {};
+  const std::vector<TableColumn>& columns = shown.table->columns;
+  for (const SelectItem& item : select.items) {
+    if (item.value == nullptr) {  // a star
+      for (std::size_t place = 0; place < columns.size(); ++place)
+        shown.places.push_back(place);
+      continue;
+    }
+    const int place = item.value->kind == ExpressionKind::column ? shown.table->find(item.value->name.back()) : -1;
+    if (place < 0) return {};
+    shown.places.push_back(static_cast<std::size_t>(place));
+  }
+  for (const std::size_t place : shown.places) {
+    // The row's number is a whole number, which a key may be that stands for something else.
+    const Kind kind = columns[place].type.kind;
+    if (static_cast<int>(place) == shown.table->rowidColumn && kind != Kind::integer && kind != Kind::bigInt) return {};
+  }
+  shown.number = quoteName(source.alias.empty() ? source.table.name : source.alias) + '.' + shown.table->rowid();
+  return shown;
 }
 
 // Gives an error its place, and tells the observer what it took.

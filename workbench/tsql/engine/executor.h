@@ -15,6 +15,7 @@
 #include "workbench/tsql/engine/modification.h"
 #include "workbench/tsql/engine/statement_pool.h"
 #include "workbench/tsql/engine/translation.h"
+#include "workbench/tsql/engine/wide_order.h"
 #include "workbench/tsql/syntax/ast.h"
 
 struct sqlite3;
@@ -81,6 +82,8 @@ class Executor {
   // SQLite's statement, kept for the next time where it has parameters.
   StatementPool::Loan prepared(const std::string& sql, const Bind& bind);
   std::unique_ptr<Cursor> open(const Query& query, bool exactSums);
+  // The table whose columns the query shows as they stand; nothing: it shows something else, or reads other tables.
+  std::optional<ShownTable> shownTable(const Query& query) const;
   // The same for who reads them one by one.
   std::unique_ptr<Cursor> rowsOf(const Statement& statement);
 

@@ -7,8 +7,10 @@
 #include <bit>
 #include <cmath>
 
+#include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {
 namespace {
@@ -53,6 +55,16 @@ std::uint64_t lengthOf(std::uint64_t type) {
   return type < lengths.size() ? lengths[static_cast<std::size_t>(type)] : (type - firstBytes) / 2;
 }
 
+// The whole number, or the bits of a floating-point one.
+std::int64_t numberIn(std::uint64_t type, std::string_view bytes) {
+  if (type == zeroType || type == oneType) return type == oneType ? 1 : 0;
+  // The first byte has the sign.
+  std::uint64_t number = (static_cast<unsigned char>(bytes[0]) & more) != 0 ? ~std::uint64_t{0} : 0;
+  for (const char byte : bytes)
+    number = number << bitsInByte | static_cast<unsigned char>(byte);
+  return static_cast<std::int64_t>(number);
+}
+
 }  // namespace
 
 void RecordFields::read(std::string_view record, std::size_t most) {
@@ -83,31 +95,66 @@ void RecordFields::read(std::string_view record, std::size_t most) {
   begins_[count_] = {.type = static_cast<std::uint32_t>(at), .value = static_cast<std::uint32_t>(value)};
 }
 
-void RecordFields::bind(std::size_t column, sqlite3_stmt* statement, int parameter) const {
+RecordFields::Field RecordFields::field(std::size_t column) const {
   std::size_t at = begins_[column].type;
   const std::uint64_t type = varintAt(record_, at);
-  const std::string_view bytes = values(column, 1);
-  if (type == nullType) {
+  return {type, values(column, 1)};
+}
+
+void RecordFields::read(std::size_t column, const Type& type, Value& value) const {
+  if (isNull(column)) {
+    value.emplace<std::monostate>();
+    return;
+  }
+  const Field field = this->field(column);
+  const bool isTextHere = field.type >= firstText && field.type % 2 == firstText % 2;
+  if (isTextHere != isText(type)) refuse();
+  if (isTextHere) {
+    if (auto* const known = std::get_if<std::string>(&value)) {
+      known->assign(field.bytes);
+    } else {
+      value.emplace<std::string>(field.bytes);
+    }
+    return;
+  }
+  const bool isExactType = type.kind == Kind::decimal || type.kind == Kind::money;
+  if (field.type >= firstBytes) {
+    if (!isExactType) refuse();
+    value = Exact{decodeUnits(field.bytes), scaleOf(type)};
+    return;
+  }
+  if (type.kind == Kind::real) {
+    value = field.type == realType ? std::bit_cast<double>(numberIn(field.type, field.bytes))
+                                   : static_cast<double>(numberIn(field.type, field.bytes));
+    return;
+  }
+  if (field.type == realType) refuse();
+  const std::int64_t number = numberIn(field.type, field.bytes);
+  if (isExactType) {
+    value = Exact{Int128(number), scaleOf(type)};
+  } else if (type.kind == Kind::dateTime) {
+    value = DateTime{number};
+  } else {
+    value = number;
+  }
+}
+
+void RecordFields::bind(std::size_t column, sqlite3_stmt* statement, int parameter) const {
+  const Field field = this->field(column);
+  const std::string_view bytes = field.bytes;
+  if (field.type == nullType) {
     sqlite3_bind_null(statement, parameter);
-  } else if (type >= firstBytes) {
+  } else if (field.type >= firstBytes) {
     const auto size = static_cast<int>(bytes.size());
-    if (type % 2 == firstText % 2) {
+    if (field.type % 2 == firstText % 2) {
       sqlite3_bind_text(statement, parameter, bytes.data(), size, SQLITE_TRANSIENT);
     } else {
       sqlite3_bind_blob(statement, parameter, bytes.data(), size, SQLITE_TRANSIENT);
     }
-  } else if (type == zeroType || type == oneType) {
-    sqlite3_bind_int64(statement, parameter, type == oneType ? 1 : 0);
+  } else if (field.type == realType) {
+    sqlite3_bind_double(statement, parameter, std::bit_cast<double>(numberIn(field.type, bytes)));
   } else {
-    // The first byte has the sign.
-    std::uint64_t number = (static_cast<unsigned char>(bytes[0]) & more) != 0 ? ~std::uint64_t{0} : 0;
-    for (const char byte : bytes)
-      number = number << bitsInByte | static_cast<unsigned char>(byte);
-    if (type == realType) {
-      sqlite3_bind_double(statement, parameter, std::bit_cast<double>(number));
-    } else {
-      sqlite3_bind_int64(statement, parameter, static_cast<std::int64_t>(number));
-    }
+    sqlite3_bind_int64(statement, parameter, numberIn(field.type, bytes));
   }
 }
 

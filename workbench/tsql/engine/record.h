@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "workbench/tsql/values/value.h"
+
 struct sqlite3_stmt;
 struct sqlite3_value;
 
@@ -23,6 +25,9 @@ class RecordFields {
 
   std::size_t count() const { return count_; }  // of those looked at
   bool isNull(std::size_t column) const { return column >= count() || record_[begins_[column].type] == 0; }
+  // Reads the column, whose declared type is `type`, into `value`, whose memory for a text is used again. Throws SqlError 824
+  // when it is no value of the type.
+  void read(std::size_t column, const Type& type, Value& value) const;
   // Gives the statement's parameter the value of the column.
   void bind(std::size_t column, sqlite3_stmt* statement, int parameter) const;
   // The types or the values of the columns from `first` on, as they lie in the record.
@@ -33,6 +38,12 @@ class RecordFields {
   std::string_view otherValues() const { return record_.substr(begins_[count_].value); }
 
  private:
+  struct Field {
+    std::uint64_t type;
+    std::string_view bytes;
+  };
+  Field field(std::size_t column) const;
+
   std::string_view record_;
   std::size_t header_ = 0;  // its length
   std::size_t count_ = 0;

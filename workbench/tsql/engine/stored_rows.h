@@ -15,7 +15,8 @@ namespace quillon::tsql {
 class StoredRows {
  public:
   enum class Use { read, write };
-  // Within a savepoint, which ends after the object. Throws SqlError.
+  // Within a savepoint, or while a statement reads the file for who only reads; either ends after the object. Throws
+  // SqlError.
   StoredRows(sqlite3* database, const Table& table, Use use);
   // False: the table is none whose rows are their records alone, or the file has another of that name by now. Nothing else
   // may be called then.

@@ -8,7 +8,9 @@
 #include <string_view>
 #include <utility>
 
+#include "workbench/tsql/engine/record.h"
 #include "workbench/tsql/engine/sqlite.h"
+#include "workbench/tsql/engine/stored_rows.h"
 #include "workbench/tsql/engine/value_functions.h"
 #include "workbench/tsql/values/collation.h"
 #include "workbench/tsql/values/exact.h"
@@ -385,7 +387,81 @@ class Numbers {
   std::vector<Alike> alike_;
 };
 
+// The rows of one table, read as they are stored.
+class RowsByNumber : public Cursor {
+ public:
+  RowsByNumber(sqlite3* database, std::vector<Column> columns, ShownTable shown)
+      : columns_(std::move(columns)),
+        shown_(std::move(shown)),
+        row_(columns_.size()),
+        reading_(database, "SELECT 1 FROM " + shown_.table->physical) {
+    for (const std::size_t place : shown_.places)
+      needed_ = std::max(needed_, place + 1);
+    if (reading_.step()) rows_.emplace(database, *shown_.table, StoredRows::Use::read);
+  }
+
+  // False: the rows cannot be read so.
+  bool order(sqlite3* database, const BoundQuery& query) {
+    if (!rows_) return true;
+    if (!*rows_) return false;
+    numbers_ = orderedNumbers(database, query, shown_.number, {});
+    return true;
+  }
+
+  std::span<const Column> columns() const override { return columns_; }
+  bool next() override {
+    endIfStopped();
+    std::string_view record;
+    std::int64_t number = 0;
+    // Whoever reads may delete rows.
+    while (record.empty()) {
+      if (position_ == numbers_.size()) return false;
+      number = numbers_[position_++];
+      record = rows_->at(number);
+    }
+    fields_.read(record, needed_);
+    for (std::size_t i = 0; i < row_.size(); ++i) {
+      if (static_cast<int>(shown_.places[i]) == shown_.table->rowidColumn) {
+        row_[i] = number;
+      } else {
+        fields_.read(shown_.places[i], columns_[i].type, row_[i]);
+      }
+    }
+    return true;
+  }
+  const Value& value(std::size_t column) const override { return row_.at(column); }
+
+ private:
+  std::vector<Column> columns_;
+  ShownTable shown_;
+  std::vector<Value> row_;
+  Prepared reading_;  // nobody else changes the file while it lasts
+  std::optional<StoredRows> rows_;
+  RecordFields fields_;
+  std::size_t needed_ = 0;
+  std::vector<std::int64_t> numbers_;
+  std::size_t position_ = 0;
+};
+
 }  // namespace
+
+std::unique_ptr<Cursor> rowsOfSmallTable(sqlite3* database, const BoundQuery& query, std::vector<Column> columns,
+                                         const ShownTable& shown) {
+  // As many bytes as the cache has, at four a column.
+  constexpr std::int64_t bytesOfCache = std::int64_t{64} << 20;
+  const std::int64_t most = bytesOfCache / 4 / static_cast<std::int64_t>(shown.table->columns.size());
+  Prepared size(database, "SELECT count(*) FROM (SELECT 1 FROM " + shown.table->physical + " LIMIT ?1)");
+  size.bind(1, most + 1);
+  if (!size.step() || size.integer(0) > most) return nullptr;
+  size.reset();
+  BoundQuery ordered = query;
+  for (Key& key : ordered.ordering->keys) {
+    if (key.output) key.sql = key.expression;
+  }
+  auto rows = std::make_unique<RowsByNumber>(database, std::move(columns), shown);
+  if (!rows->order(database, ordered)) return nullptr;
+  return rows;
+}
 
 bool isWidelyOrdered(const BoundQuery& query) {
   return query.ordering && leadingOf(*query.ordering) + worthwhileKeys <= query.ordering->keys.size();

@@ -24,6 +24,17 @@ bool isWidelyOrdered(const BoundQuery& query);
 // that are alike in the first keys, five hundred at most.
 std::unique_ptr<Cursor> widelyOrderedRows(sqlite3* database, const BoundQuery& query, std::vector<Column> columns);
 
+// A table that each column of a query is one of, as it stands.
+struct ShownTable {
+  std::shared_ptr<const Table> table;
+  std::string number;               // the expression for its row's number
+  std::vector<std::size_t> places;  // by the query's column
+};
+// The same rows of a table that is small enough for the page cache: their numbers are ordered, and then each is read by its
+// number. Null: the table is larger, or its rows cannot be read as they are stored.
+std::unique_ptr<Cursor> rowsOfSmallTable(sqlite3* database, const BoundQuery& query, std::vector<Column> columns,
+                                         const ShownTable& shown);
+
 // The numbers of the rows of `query`, an ordered one of one table; `number` is the expression for them. With `limit` only
 // the beginning: at most so many, and at least one if there is one.
 std::vector<std::int64_t> orderedNumbers(sqlite3* database, const BoundQuery& query, const std::string& number,

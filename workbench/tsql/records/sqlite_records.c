@@ -40,7 +40,10 @@ int quillon_records_open(sqlite3* database, const quillon_table* known, int writ
     return SQLITE_MISMATCH;
   }
   tree = database->aDb[sqlite3SchemaToIndex(database, table->pSchema)].pBt;
-  if (tree == 0 || database->autoCommit) return told(database, SQLITE_MISUSE);
+  if (tree == 0) return told(database, SQLITE_MISUSE);
+  if (database->autoCommit && (writes || sqlite3BtreeTxnState(tree) == SQLITE_TXN_NONE)) {
+    return told(database, SQLITE_MISUSE);
+  }
   /* Also where the file is written already: the savepoints that have begun since are told to it. */
   result = sqlite3BtreeBeginTrans(tree, writes, &version);
   if (result != SQLITE_OK) return told(database, result);

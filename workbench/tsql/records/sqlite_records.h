@@ -25,8 +25,8 @@ typedef struct quillon_table {
   int number_column;          /* the column that is the row's number; -1: none is */
 } quillon_table;
 
-/* Opens a table to be read or, with `writes`, to be read and written, within an open transaction or savepoint. They are closed
-   before that ends. A column that is the row's number is null in a record; who writes rows of a table that counts them looks
+/* Opens a table to be read or, with `writes`, to be read and written, within an open transaction or savepoint; a statement
+   that reads the file and has not ended is enough for who only reads. They are closed before that ends. A column that is the row's number is null in a record; who writes rows of a table that counts them looks
    after the counter.
 
    Gives a code of SQLite: SQLITE_OK, and `*records` is to be closed; SQLITE_MISMATCH when the table is not of the plain

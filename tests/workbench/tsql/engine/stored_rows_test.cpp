@@ -334,6 +334,16 @@ TEST_F(RowsAsRecords, AreRefusedOutsideOfSavepoints) {
   EXPECT_TRUE(opens("t", Use::write)) << "the connection goes on";
 }
 
+TEST_F(RowsAsRecords, AreReadWhileAStatementReadsTheFile) {
+  runSqlite(database_, "INSERT INTO t VALUES (1, 'one')");
+  Prepared reading(database_, "SELECT 1 FROM t");
+  ASSERT_TRUE(reading.step());
+  StoredRows rows(database_, declared("t"), Use::read);
+  ASSERT_TRUE(rows);
+  EXPECT_EQ(rows.at(1), record(1, "one"));
+  EXPECT_THROW(StoredRows(database_, declared("t"), Use::write), SqlError);
+}
+
 TEST_F(RowsAsRecords, AreRefusedWhereTheFileMayOnlyBeRead) {
   sqlite3* reader = nullptr;
   ASSERT_EQ(sqlite3_open_v2((folder_ / "main").generic_string().c_str(), &reader, SQLITE_OPEN_READONLY, nullptr),

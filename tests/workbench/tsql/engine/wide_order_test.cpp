@@ -5,9 +5,11 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "workbench/tsql/engine/engine.h"
+#include "workbench/tsql/values/declared_table.h"
 
 namespace quillon::tsql {
 namespace {
@@ -88,13 +90,37 @@ class WideOrder : public ::testing::Test {
   void expectSameOrders(const std::string& where) {
     const std::vector<std::int64_t> expected = byAllKeys(where, order());
     ASSERT_FALSE(expected.empty());
+    // The table's columns as they stand are read by the numbers of the rows, what is computed as SQLite sorts it.
     EXPECT_EQ(numbers("Select n, * From Wide Where " + where + " Order By " + order()), expected);
+    EXPECT_EQ(numbers("Select n + 0 As m, * From Wide Where " + where + " Order By " + order()), expected);
     EXPECT_EQ(numbersAt(connection_->orderedRows("Wide", where, order())), expected);
     for (const std::int64_t limit : {1, 2, 40, 100'000}) {
       const auto first = numbersAt(connection_->orderedRows("Wide", where, order(), limit));
       ASSERT_FALSE(first.empty());
       ASSERT_LE(std::ssize(first), limit);
       EXPECT_TRUE(std::equal(first.begin(), first.end(), expected.begin())) << limit;
+    }
+  }
+
+  // Against what the row alone shows.
+  void expectTheValuesOf(const std::string& list) {
+    std::vector<std::vector<Value>> rows;
+    std::string statement = "Select ";
+    statement.append(list).append(" From Wide Order By ").append(order());
+    for (const auto cursor = connection_->query(statement); cursor->next();) {
+      rows.emplace_back();
+      for (std::size_t i = 0; i < cursor->columns().size(); ++i)
+        rows.back().push_back(cursor->value(i));
+    }
+    EXPECT_THAT(rows, SizeIs(50));
+    for (const std::vector<Value>& row : rows) {
+      const std::string where = "n = " + toText(row.front()).value();
+      std::string single = "Select ";
+      single.append(list).append(" From Wide Where ").append(where);
+      const auto cursor = connection_->query(single);
+      ASSERT_TRUE(cursor->next());
+      for (std::size_t i = 0; i < row.size(); ++i)
+        EXPECT_EQ(row[i], cursor->value(i)) << where << ", column " << i;
     }
   }
 
@@ -127,33 +153,59 @@ TEST_F(WideOrder, TakesKeysThatAreNotShown) {
   EXPECT_EQ(numbers("Select n From Wide Order By " + keys + ", n"), byAllKeys("1 = 1", keys + ", n"));
   EXPECT_EQ(numbers("Select n, c20, c21, c22, c23 From Wide Order By " + keys + ", n"),
             byAllKeys("1 = 1", keys + ", n"));
+  EXPECT_EQ(numbers("Select n + 0 As m, c20, c21, c22, c23 From Wide Order By " + keys + ", n"),
+            byAllKeys("1 = 1", keys + ", n"));
 }
 
 TEST_F(WideOrder, GivesTheValuesOfEachRow) {
   fill(50, true);
-  const std::string list = "n, c0, c1, c2, c3, c4, c20, c21, c22, c23";
-  std::vector<std::vector<Value>> rows;
-  std::string statement = "Select ";
-  statement.append(list).append(" From Wide Order By ").append(order());
-  for (const auto cursor = connection_->query(statement); cursor->next();) {
-    rows.emplace_back();
-    for (std::size_t i = 0; i < cursor->columns().size(); ++i)
-      rows.back().push_back(cursor->value(i));
+  for (const char* const list :
+       {"n, c0, c1, c2, c3, c4, c20, c21, c22, c23", "n, c0, c1, c2, c3, c4, c20, c21, c22, c23, c0 + N'' As x", "*"})
+    expectTheValuesOf(list);
+}
+
+// The number of the row is a column, or a key of dates that SQLite keeps as such.
+TEST_F(WideOrder, GivesTheKeyOfEachRow) {
+  fill(40, false);
+  std::string columns;
+  for (int column = 0; column < columnCount; ++column)
+    columns += ", " + columnName(column);
+  const std::vector<std::int64_t> expected = byAllKeys("1 = 1", order());
+  for (const auto& [type, key] : {std::pair("int", "n"), std::pair("datetime", "DateAdd(day, n, '2020-01-01')")}) {
+    connection_->execute("Select n" + columns + " Into Keyed From Wide Where 1 = 0");
+    std::string create = "Create Table Numbered (id " + std::string(type) + " Primary Key, n int";
+    for (const Column& column : connection_->describe("Keyed")) {
+      if (column.name != "n") create += ", " + column.name + " " + declaration(column.type);
+    }
+    connection_->execute(create + ")");
+    connection_->execute("Insert Into Numbered (id, n" + columns + ") Select " + key + ", n" + columns + " From Wide");
+    std::vector<std::int64_t> found;
+    for (const auto cursor = connection_->query("Select n, id, * From Numbered Order By " + order()); cursor->next();) {
+      found.push_back(std::get<std::int64_t>(cursor->value(0)));
+      const auto single = connection_->query("Select id From Numbered Where n = " + std::to_string(found.back()));
+      ASSERT_TRUE(single->next());
+      EXPECT_EQ(cursor->value(1), single->value(0));
+    }
+    EXPECT_EQ(found, expected);
+    connection_->execute("Drop Table Keyed Drop Table Numbered");
   }
-  EXPECT_THAT(rows, SizeIs(50));
-  for (const std::vector<Value>& row : rows) {
-    const std::string where = "n = " + toText(row.front()).value();
-    std::string single = "Select ";
-    single.append(list).append(" From Wide Where ").append(where);
-    const auto cursor = connection_->query(single);
-    ASSERT_TRUE(cursor->next());
-    for (std::size_t i = 0; i < row.size(); ++i)
-      EXPECT_EQ(row[i], cursor->value(i)) << where << ", column " << i;
-  }
+}
+
+// Rows that are deleted while others are read do not come any more.
+TEST_F(WideOrder, GoesOnWhereRowsAreDeleted) {
+  fill(30, false);
+  const std::vector<std::int64_t> expected = byAllKeys("1 = 1", order());
+  const auto cursor = connection_->query("Select n, * From Wide Order By " + order());
+  ASSERT_TRUE(cursor->next());
+  EXPECT_EQ(std::get<std::int64_t>(cursor->value(0)), expected[0]);
+  connection_->execute("Delete Wide Where n = " + std::to_string(expected[1]));
+  ASSERT_TRUE(cursor->next());
+  EXPECT_EQ(std::get<std::int64_t>(cursor->value(0)), expected[2]);
 }
 
 TEST_F(WideOrder, OfNoRowsGivesNone) {
   EXPECT_THAT(numbers("Select n, * From Wide Order By " + order()), ElementsAre());
+  EXPECT_THAT(numbers("Select n + 0 As m, * From Wide Order By " + order()), ElementsAre());
   EXPECT_THAT(connection_->orderedRows("Wide", "1 = 1", order()), ElementsAre());
   EXPECT_THAT(connection_->orderedRows("Wide", "1 = 1", order(), 5), ElementsAre());
 }
