@@ -10,6 +10,7 @@
 #include "workbench/tsql/binding/sqlite_notation.h"
 #include "workbench/tsql/engine/sqlite.h"
 #include "workbench/tsql/engine/value_functions.h"
+#include "workbench/tsql/values/exact.h"
 #include "workbench/tsql/values/type_rules.h"
 
 namespace quillon::tsql {

@@ -600,7 +600,8 @@ TEST_F(CopiedLines, HaveTheKeysOfDatesAndDecimals) {
     connection_->execute("Create Table Keyed (id " + std::string(type) + " Primary Key, n int" +
                          std::string(" Default 3, ") + "c0 int, c1 int, c2 int, c3 int, c4 int, c5 int, c6 int, " +
                          "c7 int, c8 int, c9 int, c10 int, c11 int, c12 int, c13 int)");
-    const std::string insert = "Insert Into Keyed (id, n" + list + ") Select '" + key + "', 5" + list + " From Line";
+    std::string insert = "Insert Into Keyed (id, n";
+    insert.append(list).append(") Select '").append(key).append("', 5").append(list).append(" From Line");
     connection_->execute(insert);
     EXPECT_THAT([&] { connection_->execute(insert); }, ::testing::Throws<SqlError>()) << type;
     EXPECT_THAT(rowsOf(*connection_, "Select id, n, c1 From Keyed"), ElementsAre(std::string(key) + "|5|1|"));

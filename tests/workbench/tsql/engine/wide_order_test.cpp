@@ -175,10 +175,12 @@ TEST_F(WideOrder, GivesTheKeyOfEachRow) {
     connection_->execute("Select n" + columns + " Into Keyed From Wide Where 1 = 0");
     std::string create = "Create Table Numbered (id " + std::string(type) + " Primary Key, n int";
     for (const Column& column : connection_->describe("Keyed")) {
-      if (column.name != "n") create += ", " + column.name + " " + declaration(column.type);
+      if (column.name != "n") create.append(", ").append(column.name).append(" ").append(declaration(column.type));
     }
     connection_->execute(create + ")");
-    connection_->execute("Insert Into Numbered (id, n" + columns + ") Select " + key + ", n" + columns + " From Wide");
+    std::string insert = "Insert Into Numbered (id, n";
+    insert.append(columns).append(") Select ").append(key).append(", n").append(columns).append(" From Wide");
+    connection_->execute(insert);
     std::vector<std::int64_t> found;
     for (const auto cursor = connection_->query("Select n, id, * From Numbered Order By " + order()); cursor->next();) {
       found.push_back(std::get<std::int64_t>(cursor->value(0)));
