@@ -63,6 +63,12 @@ struct WideGrouping {
   std::string others = {};
   std::shared_ptr<const Table> table = {};  // whose rows they are
   std::vector<std::size_t> columns = {};    // of it, by which they are grouped
+
+  // Makes statements of `sql` and `others`, with this in front.
+  void insertHead(const std::string& head) {
+    sql.insert(0, head);
+    others.insert(0, head);
+  }
 };
 
 struct BoundQuery {

@@ -3,7 +3,6 @@
 #include <utility>
 #include <vector>
 
-#include "frame/text.h"
 #include "workbench/tsql/binding/binder.h"
 #include "workbench/tsql/binding/binder_core.h"
 #include "workbench/tsql/binding/sqlite_notation.h"
@@ -87,14 +86,11 @@ struct Binder::Joined {
 };
 
 std::optional<Binder::Joined> Binder::joinedTable(const TableSource& join, Scope& scope) {
-  const TableSource& table = *join.right;
-  const std::string& alias = table.alias.empty() ? table.table.name : table.alias;
-  const auto found =
-      std::ranges::find_if(scope.sources, [&](const Source& source) { return equalIgnoringCase(source.alias, alias); });
-  if (found == scope.sources.end() || found->stored == nullptr || containsQuery(*join.on)) return {};
+  const Source* const found = sourceOf(*join.right, scope);
+  if (found == nullptr || containsQuery(*join.on)) return {};
   Joined result;
-  result.source = static_cast<std::size_t>(found - scope.sources.begin());
-  result.table = found->stored->physical + " AS " + quoteName(found->alias);
+  result.source = static_cast<std::size_t>(found - scope.sources.data());
+  result.table = tableAs(*found);
   result.on = condition(*join.on, scope).sql;
   result.written = " LEFT JOIN " + result.table + " ON " + result.on;
   result.columns = columnsIn(result.on);

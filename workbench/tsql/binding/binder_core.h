@@ -25,4 +25,9 @@ struct Binder::Core {
   bool oneRowAtMost = false;
 };
 
+// The source of a table in a From clause; null: it is a derived table or a join.
+const Source* sourceOf(const TableSource& table, const Scope& scope);
+// The table as From names it.
+std::string tableAs(const Source& source);
+
 }  // namespace quillon::tsql

@@ -54,13 +54,6 @@ bool onlyLeftJoins(const TableSource& source) {
   return source.left == nullptr || (source.join == JoinKind::left && onlyLeftJoins(*source.left));
 }
 
-const Source* sourceOf(const TableSource& table, const Scope& scope) {
-  const std::string& name = table.alias.empty() ? table.table.name : table.alias;
-  const auto found =
-      std::ranges::find_if(scope.sources, [&](const Source& source) { return equalIgnoringCase(source.alias, name); });
-  return found == scope.sources.end() || found->stored == nullptr ? nullptr : &*found;
-}
-
 const OutputColumn* columnOf(const Source& source, const Expression& expression) {
   if (expression.kind != ExpressionKind::column || expression.name.size() != 2 ||
       !equalIgnoringCase(expression.name[0], source.alias)) {
@@ -71,11 +64,18 @@ const OutputColumn* columnOf(const Source& source, const Expression& expression)
   return found == source.columns.end() ? nullptr : &*found;
 }
 
+}  // namespace
+
+const Source* sourceOf(const TableSource& table, const Scope& scope) {
+  const std::string& name = table.alias.empty() ? table.table.name : table.alias;
+  const auto found =
+      std::ranges::find_if(scope.sources, [&](const Source& source) { return equalIgnoringCase(source.alias, name); });
+  return found == scope.sources.end() || found->stored == nullptr ? nullptr : &*found;
+}
+
 std::string tableAs(const Source& source) {
   return source.stored->physical + " AS " + quoteName(source.alias);
 }
-
-}  // namespace
 
 std::vector<const Expression*> conjuncts(const Expression& condition) {
   if (condition.kind != ExpressionKind::logicalAnd) return {&condition};

@@ -33,19 +33,21 @@ bool fits(sqlite3_value* value, Storage storage) {
   return false;
 }
 
-void addValue(RecordBuilder& row, sqlite3_value* value, Storage storage) {
+// False: the value cannot lie in such a column as it is.
+bool addValue(RecordBuilder& row, sqlite3_value* value, Storage storage) {
+  if (!fits(value, storage)) return false;
   if (storage == Storage::real) {
     row.addReal(value);
   } else {
     row.add(value);
   }
+  return true;
 }
 
-// False: the value cannot lie in the piece's column as it is.
+// The same in the piece's column.
 bool addGiven(RecordBuilder& row, sqlite3_value* value, const RowComposition::Piece& piece) {
-  if (!fits(value, piece.storage) || (piece.required && sqlite3_value_type(value) == SQLITE_NULL)) return false;
-  addValue(row, value, piece.storage);
-  return true;
+  if (piece.required && sqlite3_value_type(value) == SQLITE_NULL) return false;
+  return addValue(row, value, piece.storage);
 }
 
 // Rows of a look-up that have been asked for.
@@ -96,8 +98,7 @@ class LookedUpRows {
     RecordBuilder builder;
     for (std::size_t i = 0; i < source_.given.size(); ++i) {
       sqlite3_value* const value = sqlite3_column_value(query_.handle(), static_cast<int>(i));
-      if (!fits(value, source_.given[i])) return false;
-      addValue(builder, value, source_.given[i]);
+      if (!addValue(builder, value, source_.given[i])) return false;
     }
     row.record = builder.record();
     row.fields.read(row.record);
@@ -121,8 +122,7 @@ class LookedUpRows {
 // Whether the table is so small that to read it for each key costs little.
 bool isSmall(sqlite3* database, const std::string& table) {
   constexpr std::int64_t few = 200;
-  Prepared count(database, "SELECT count(*) FROM (SELECT 1 FROM " + table + " LIMIT " + std::to_string(few + 1) + ")");
-  return count.step() && count.integer(0) <= few;
+  return countUpTo(database, table, few + 1) <= few;
 }
 
 // Makes one row after the other.

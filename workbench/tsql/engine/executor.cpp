@@ -334,6 +334,12 @@ std::int64_t Executor::modify(const Translation& translation, const StatementFor
   const std::vector<bool> isKey = keysOf(translation, form);
   const auto bind = [&](Prepared& source) { bindConstants(translation, form, source); };
   const Modification& known = translation.statement;
+  // Without keys the texts are as they were kept.
+  if (isKey.empty()) {
+    const std::int64_t count = change(known, bind);
+    savepoint.keep();
+    return count;
+  }
   Modification statement{
       .sql = Translation::withKeys(known.sql, isKey), .table = known.table, .isUpdate = known.isUpdate};
   if (known.composition) {
@@ -540,10 +546,7 @@ std::int64_t Executor::selectInto(const Statement& s, const ObjectName& target, 
                       .table = table,
                       .grouping = std::move(bound.grouping),
                       .composition = std::move(bound.composition)};
-  if (insert.grouping) {
-    insert.grouping->sql.insert(0, head);
-    insert.grouping->others.insert(0, head);
-  }
+  if (insert.grouping) insert.grouping->insertHead(head);
   const std::int64_t affected = change(insert);
   savepoint.keep();
   return affected;

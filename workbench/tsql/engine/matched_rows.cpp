@@ -49,10 +49,7 @@ void MatchedRows::registerFunctions(sqlite3* database) {
 
 bool MatchedRows::read(sqlite3* database, const Matching& matching, const std::function<void(Prepared&)>& bind) {
   forget();
-  Prepared size(database,
-                "SELECT count(*) FROM (SELECT 1 FROM " + matching.table + " LIMIT " + std::to_string(mostHeld) + ")");
-  size.step();
-  const std::int64_t room = size.integer(0);
+  const std::int64_t room = countUpTo(database, matching.table, mostHeld);
   if (room < fewestChanged) return false;
   keys_ = matching.keys;
   Prepared source(database, matching.source);

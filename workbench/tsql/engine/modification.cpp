@@ -146,10 +146,7 @@ Modification selectedRows(const Statement& s, const Table& table, const InsertCo
     defaults += ", " + defaultOf(table, column, binder).sql;
   const auto complete = [&](std::string& sql) { sql = "SELECT *" + defaults + " FROM (" + sql + ")"; };
   complete(rows.sql);
-  if (rows.grouping) {
-    complete(rows.grouping->sql);
-    complete(rows.grouping->others);
-  }
+  if (rows.grouping) complete(rows.grouping->sql);
   return rows;
 }
 
@@ -260,6 +257,13 @@ std::string whereOf(const Statement& s, Sources& sources, Binder& binder) {
   return where.empty() ? "" : " WHERE " + where;
 }
 
+// The parts that And joins, of the On conditions and of Where.
+std::vector<const Expression*> conditionParts(const Statement& s, const Sources& sources) {
+  std::vector<const Expression*> parts = sources.parts;
+  if (s.condition) std::ranges::copy(conjuncts(*s.condition), std::back_inserter(parts));
+  return parts;
+}
+
 std::string limitOf(const Statement& s) {
   return s.top ? " LIMIT " + std::to_string(*s.top) : "";
 }
@@ -287,10 +291,7 @@ Modification insertStatement(const Statement& s, Binder& binder, bool identityIn
                                 : Modification{valueRows(s, *table, columns, binder)};
   const std::string target = head + (inTableOrder ? " " : "(" + names + ") ");
   result.sql.insert(0, target);
-  if (result.grouping) {
-    result.grouping->sql.insert(0, target);
-    result.grouping->others.insert(0, target);
-  }
+  if (result.grouping) result.grouping->insertHead(target);
   result.table = table;
   return result;
 }
@@ -328,11 +329,9 @@ std::optional<Matching> matchingOf(const Statement& s, const Sources& sources, c
   std::vector<Source> target, others;
   for (const Source& source : sources.scope.sources)
     (equalIgnoringCase(source.alias, sources.target) ? target : others).push_back(source);
-  std::vector<const Expression*> parts = sources.parts;
-  if (s.condition) std::ranges::copy(conjuncts(*s.condition), std::back_inserter(parts));
   std::string where, sourceWhere, keys, list;
   Matching result;
-  for (const Expression* const part : parts) {
+  for (const Expression* const part : conditionParts(s, sources)) {
     if (const auto ofOthers = binder.boundOn(others, *part)) {
       sourceWhere += (sourceWhere.empty() ? " WHERE " : " AND ") + ofOthers->sql;
       continue;
@@ -378,18 +377,14 @@ std::optional<Matching> matchingOf(const Statement& s, const Sources& sources, c
   return result;
 }
 
-}  // namespace
-
-namespace {
-
 // The other table of the From clause, where it is the changed one once more and so wide that SQLite's index of it would have
 // more columns than the statement names, and the conditions hold no query.
 const Source* sameTable(const Statement& s, const Sources& sources, const std::vector<std::string>& columns) {
   // SQLite knows which of a table's first columns are needed, and else that some beyond these are.
   constexpr std::size_t known = 63;
   const auto& all = sources.scope.sources;
-  if (all.size() != 2 || (s.condition && containsQuery(*s.condition)) ||
-      std::ranges::any_of(sources.parts, [](const Expression* part) { return containsQuery(*part); })) {
+  if (all.size() != 2 ||
+      std::ranges::any_of(conditionParts(s, sources), [](const Expression* part) { return containsQuery(*part); })) {
     return nullptr;
   }
   const Source& other = all[equalIgnoringCase(all[0].alias, sources.target) ? 1 : 0];
@@ -411,9 +406,7 @@ std::string onlyColumnsOf(const Source& source, const std::vector<std::string>& 
     if (!column.starts_with(alias + '.')) continue;
     list += (list.empty() ? "" : ", ") + column + " AS " + column.substr(alias.size() + 1);
   }
-  std::vector<const Expression*> parts = sources.parts;
-  if (s.condition) std::ranges::copy(conjuncts(*s.condition), std::back_inserter(parts));
-  for (const Expression* const part : parts) {
+  for (const Expression* const part : conditionParts(s, sources)) {
     if (const auto own = binder.boundOn({source}, *part)) where += (where.empty() ? " WHERE " : " AND ") + own->sql;
   }
   // With a limit SQLite does not put it back into the query around.
@@ -460,11 +453,12 @@ Modification updateStatement(const Statement& s, Binder& binder) {
     Modification result{
         .sql = sql + " FROM " + sources.others + where, .table = sources.table, .composition = {}, .isUpdate = true};
     result.matching = matchingOf(s, sources, binder);
-    if (const Source* const other = sameTable(s, sources, columnsIn(sql + where))) {
+    const std::vector<std::string> columns = columnsIn(sql + where);
+    if (const Source* const other = sameTable(s, sources, columns)) {
       result.composition = changedRows(sources.table, target, newValues);
       if (result.composition)
         result.composition->sql += " FROM " + table.physical + " AS " + target + " CROSS JOIN " +
-                                   onlyColumnsOf(*other, columnsIn(sql + where), s, sources, binder) + where;
+                                   onlyColumnsOf(*other, columns, s, sources, binder) + where;
     }
     return result;
   }

@@ -182,6 +182,12 @@ bool Prepared::isNull(int column) const {
   return sqlite3_column_type(statement_, column) == SQLITE_NULL;
 }
 
+std::int64_t countUpTo(sqlite3* database, const std::string& table, std::int64_t most) {
+  Prepared count(database, "SELECT count(*) FROM (SELECT 1 FROM " + table + " LIMIT " + std::to_string(most) + ")");
+  count.step();
+  return count.integer(0);
+}
+
 Savepoint::Savepoint(sqlite3* database) : database_(database) {
   runSqlite(database, "SAVEPOINT statement");
 }

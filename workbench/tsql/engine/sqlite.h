@@ -41,6 +41,9 @@ inline constexpr int longestPause = 25;  // milliseconds from one look at the fi
 // Runs SQLite statements that give no rows.
 void runSqlite(sqlite3* database, const std::string& sql);
 
+// How many rows the table has, counted up to `most`; `table` as SQLite's SQL names it.
+std::int64_t countUpTo(sqlite3* database, const std::string& table, std::int64_t most);
+
 class Prepared {
  public:
   Prepared(sqlite3* database, std::string_view sql);

@@ -450,10 +450,7 @@ std::unique_ptr<Cursor> rowsOfSmallTable(sqlite3* database, const BoundQuery& qu
   // As many bytes as the cache has, at four a column.
   constexpr std::int64_t bytesOfCache = std::int64_t{64} << 20;
   const std::int64_t most = bytesOfCache / 4 / static_cast<std::int64_t>(shown.table->columns.size());
-  Prepared size(database, "SELECT count(*) FROM (SELECT 1 FROM " + shown.table->physical + " LIMIT ?1)");
-  size.bind(1, most + 1);
-  if (!size.step() || size.integer(0) > most) return nullptr;
-  size.reset();
+  if (countUpTo(database, shown.table->physical, most + 1) > most) return nullptr;
   BoundQuery ordered = query;
   for (Key& key : ordered.ordering->keys) {
     if (key.output) key.sql = key.expression;
